@@ -1,0 +1,23 @@
+# Building libraries of processing objects. Part of the installed package:
+# find_package(fathom) brings these functions to projects outside this one.
+
+include_guard(GLOBAL)
+
+# Makes <target> a library that the host loads at run time by its plain name:
+# "quakes" is the file quakes.so.
+function(fathom_object_library target)
+    target_compile_features(${target} PRIVATE cxx_std_20)
+    set_target_properties(${target} PROPERTIES
+        PREFIX ""
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON
+        CXX_EXTENSIONS OFF
+        LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib/fathom"
+        INSTALL_RPATH "$ORIGIN/..")
+endfunction()
+
+# Installs <target> where the host that is installed under the same prefix looks
+# for object libraries.
+function(fathom_install_object_library target)
+    install(TARGETS ${target} LIBRARY DESTINATION lib/fathom)
+endfunction()

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <loam/Export.hpp>
+#include <loam/StrongPtr.hpp>
+
+#include <vector>
+
+namespace Loam {
+
+/// Root of optional abilities that objects hand around without knowing each
+/// other's classes: preferences, components, shapes.
+class LOAM_API InterfaceBase : public ReferenceBase<InterfaceBase> {
+public:
+    InterfaceBase() = default;
+    ~InterfaceBase() override;
+};
+
+/// A set of interfaces, found by the class that is asked for.
+class LOAM_API InterfaceContainer {
+public:
+    using const_iterator = std::vector<StrongPtr<InterfaceBase>>::const_iterator;
+
+    /// Adds \p interface; false for a null pointer and for one that is already in.
+    bool add(const StrongPtr<InterfaceBase>& interface);
+
+    /// False if \p interface is not in.
+    bool remove(const StrongPtr<InterfaceBase>& interface);
+
+    /// The first interface added that is a \p T, or null.
+    template<class T>
+    StrongPtr<T> find() const
+    {
+        for (const StrongPtr<InterfaceBase>& interface : m_interfaces) {
+            if (StrongPtr<T> found{interface})
+                return found;
+        }
+        return nullptr;
+    }
+
+    bool empty() const noexcept { return m_interfaces.empty(); }
+    std::size_t size() const noexcept { return m_interfaces.size(); }
+
+    /// In the order in which they were added.
+    const_iterator begin() const noexcept { return m_interfaces.begin(); }
+    const_iterator end() const noexcept { return m_interfaces.end(); }
+
+private:
+    std::vector<StrongPtr<InterfaceBase>> m_interfaces;
+};
+
+} // namespace Loam

@@ -1,0 +1,32 @@
+#include <loam/StringList.hpp>
+
+#include <loam/StringUtil.hpp>
+
+#include <algorithm>
+
+namespace Loam {
+
+StringList::StringList() = default;
+
+StringList::StringList(const std::string& text, char separator)
+{
+    StringUtil::split(text, m_strings, separator);
+}
+
+StringList::StringList(const StringList& other) = default;
+StringList& StringList::operator=(const StringList& other) = default;
+StringList::~StringList() = default;
+
+std::size_t StringList::find(const std::string& string) const noexcept
+{
+    const auto found = std::ranges::find(m_strings, string);
+    return found == end() ? npos : static_cast<std::size_t>(found - begin());
+}
+
+std::size_t StringList::remove(const std::string& string)
+{
+    // A copy, because the argument may be one of the strings that go.
+    return std::erase(m_strings, std::string(string));
+}
+
+} // namespace Loam

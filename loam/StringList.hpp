@@ -1,0 +1,58 @@
+#pragma once
+
+#include <loam/Export.hpp>
+#include <loam/StrongPtr.hpp>
+
+#include <string>
+#include <vector>
+
+namespace Loam {
+
+/// A list of strings in insertion order; the root of everything that offers
+/// names to choose from.
+class LOAM_API StringList : public ReferenceBase<StringList> {
+public:
+    using const_iterator = std::vector<std::string>::const_iterator;
+
+    /// What `find` answers for a string that is not in the list.
+    static constexpr std::size_t npos = ~std::size_t{0};
+
+    StringList();
+
+    /// The pieces of \p text between \p separator characters. Empty pieces count,
+    /// an empty last piece does not; an empty text has no piece.
+    StringList(const std::string& text, char separator);
+
+    StringList(const StringList& other);
+    StringList& operator=(const StringList& other);
+    ~StringList() override;
+
+    std::size_t size() const noexcept { return m_strings.size(); }
+    bool empty() const noexcept { return m_strings.empty(); }
+
+    /// \pre \p index is less than `size()`.
+    const std::string& operator[](std::size_t index) const { return m_strings[index]; }
+
+    const_iterator begin() const noexcept { return m_strings.begin(); }
+    const_iterator end() const noexcept { return m_strings.end(); }
+
+    /// Position of the first string equal to \p string byte by byte, or `npos`.
+    std::size_t find(const std::string& string) const noexcept;
+    bool contains(const std::string& string) const noexcept { return find(string) != npos; }
+
+    /// Adds \p string at the end; the same string may be added twice.
+    void append(const std::string& string) { m_strings.push_back(string); }
+
+    /// Removes every occurrence; returns how many there were.
+    std::size_t remove(const std::string& string);
+
+    void clear() noexcept { m_strings.clear(); }
+
+    /// Same strings in the same order.
+    friend bool operator==(const StringList& a, const StringList& b) noexcept { return a.m_strings == b.m_strings; }
+
+private:
+    std::vector<std::string> m_strings;
+};
+
+} // namespace Loam

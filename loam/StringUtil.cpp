@@ -1,0 +1,52 @@
+#include <loam/StringUtil.hpp>
+
+namespace Loam::StringUtil {
+
+namespace {
+
+// Where the piece that starts at \p start ends: at a separator or at the end.
+std::size_t pieceEnd(std::string_view text, std::size_t start, char separator, char quote)
+{
+    if (quote == 0) {
+        const auto found = text.find(separator, start);
+        return found == std::string_view::npos ? text.size() : found;
+    }
+    bool quoted = false;
+    for (std::size_t i = start; i != text.size(); ++i) {
+        if (text[i] == separator && !quoted)
+            return i;
+        if (text[i] == quote)
+            quoted = !quoted;
+    }
+    return text.size();
+}
+
+} // namespace
+
+template<class Container>
+std::size_t split(const std::string& text, Container& pieces, char separator, bool flag, char quote)
+{
+    std::size_t appended = 0;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        const std::size_t end = pieceEnd(text, start, separator, quote);
+        if (flag || end != start) {
+            pieces.emplace_back(text, start, end - start);
+            ++appended;
+        }
+        start = end + 1;
+    }
+    return appended;
+}
+
+template LOAM_TEMPLATE
+std::size_t split(const std::string&, std::vector<std::string>&, char, bool, char);
+template LOAM_TEMPLATE
+std::size_t split(const std::string&, std::list<std::string>&, char, bool, char);
+
+std::string crop_before_first(const std::string& text, char c)
+{
+    return std::string(afterFirst(text, c));
+}
+
+} // namespace Loam::StringUtil

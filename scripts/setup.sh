@@ -1,0 +1,103 @@
+# shellcheck shell=bash
+# Shared by run, test and .ci/run, which source it from the top folder.
+
+fail() {
+    echo "error: $*" >&2
+    exit 1
+}
+
+# Shows what a command printed only if it fails.
+quietly() {
+    local log status=0
+    log=$(mktemp)
+    "$@" >"$log" 2>&1 </dev/null || status=$?
+    if [[ $status -ne 0 ]]; then
+        cat "$log" >&2
+    fi
+    rm -f "$log"
+    return "$status"
+}
+
+# Runs a command as root, or stops and says what the command was needed for.
+as_root() {
+    local purpose=$1
+    shift
+    if [[ $EUID -eq 0 ]]; then
+        quietly "$@"
+    elif command -v sudo >/dev/null; then
+        quietly sudo "$@"
+    else
+        fail "cannot $purpose: you are not root, and there is no sudo"
+    fi
+}
+
+# Installs those of the named Debian packages that are missing.
+install_packages() {
+    if ! command -v dpkg-query >/dev/null; then
+        echo "Not a Debian system; the build needs what these Debian packages hold: $*" >&2
+        return
+    fi
+    local known package missing=()
+    known=$(dpkg-query --show --showformat='${Package} ${db:Status-Status}\n' "$@" 2>/dev/null || true)
+    for package in "$@"; do
+        if ! grep -qFx "$package installed" <<<"$known"; then
+            missing+=("$package")
+        fi
+    done
+    if [[ ${#missing[@]} -eq 0 ]]; then
+        return
+    fi
+    echo "Installing ${missing[*]}"
+    local purpose="install the packages ${missing[*]}"
+    local apt_get=(env DEBIAN_FRONTEND=noninteractive apt-get --yes -o DPkg::Lock::Timeout=120)
+    # One package source out of reach does not matter if the others have what is needed.
+    as_root "$purpose" "${apt_get[@]}" update || echo "warning: the package lists are not up to date" >&2
+    as_root "$purpose" "${apt_get[@]}" install --no-install-recommends "${missing[@]}" ||
+        fail "could not $purpose"
+}
+
+# Makes the named UTF-8 locale, for example de_DE, unless the system has it.
+install_locale() {
+    local name=$1
+    if grep -qix "$name\.utf-\?8" <<<"$(locale -a 2>/dev/null)"; then
+        return
+    fi
+    echo "Making the locale $name.UTF-8"
+    as_root "make the locale $name.UTF-8, which the tests need" \
+        localedef -i "$name" -f UTF-8 "$name.UTF-8" || fail "could not make the locale $name.UTF-8"
+}
+
+# Configures and builds a preset; further arguments go to the configuration.
+build() {
+    local preset=$1 cache=build/$1/CMakeCache.txt fresh=()
+    shift
+    # The tree was moved or copied together with its build folder.
+    if [[ -f $cache ]] && ! grep -qFx "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$cache"; then
+        fresh=(--fresh)
+    fi
+    quietly cmake --preset "$preset" "${fresh[@]}" "$@" || fail "could not configure the preset $preset"
+    cmake --build --preset "$preset" --parallel "$(nproc)" || fail "could not build the preset $preset"
+}
+
+passed=0
+failed=0
+launcher=()
+
+# Runs ctest, through $launcher, with the arguments after the first, which names
+# the report to write. Adds to $passed and $failed; what did not run, failed.
+run_tests() {
+    local report=$1 status=0 all=0 good=0
+    shift
+    rm -f "$report"
+    "${launcher[@]}" ctest "$@" --output-on-failure --progress --no-tests=error --parallel "$(nproc)" \
+        --output-junit "$report" || status=$?
+    if [[ -f $report ]]; then
+        all=$(grep -c '<testcase ' "$report" || true)
+        good=$(grep -c '<testcase .* status="run"' "$report" || true)
+    fi
+    passed=$((passed + good))
+    failed=$((failed + all - good))
+    if [[ $status -ne 0 || $all -eq 0 || $good -ne $all ]]; then
+        return 1
+    fi
+}

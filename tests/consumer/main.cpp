@@ -1,0 +1,85 @@
+#include <fathom/VTime.hpp>
+#include <gable/FixedArray.hpp>
+#include <loam/StrongPtr.hpp>
+#include <trellis/VObjectCreator.hpp>
+#include <trellis/VScheduler.hpp>
+#include <trellis/VValueCreator.hpp>
+
+#include <dlfcn.h>
+
+#include <iostream>
+#include <string>
+
+namespace {
+
+int failures = 0;
+
+void expect(bool condition, const char* what)
+{
+    if (!condition) {
+        std::cerr << "failed: " << what << '\n';
+        ++failures;
+    }
+}
+
+void valuesAreMadeByNameAndText()
+{
+    bool ok = false;
+    const Orla::StrongPtr<Orla::VValueBase> value = Orla::VValueCreator::createValue("VTime", "5[0,10]@0.5", ok);
+    const Orla::StrongPtr<Orla::VValue<Orla::VTime>> typed{value};
+    expect(ok && typed, "VTime is known by name and its text is accepted");
+    if (!typed)
+        return;
+
+    Orla::VTime time;
+    expect(typed->getValue(time), "the value can be read");
+    const Gyre::FixedArray numbers{time.time, time.range.begin, time.range.end, time.dt};
+    expect(numbers == Gyre::FixedArray{5.0, 0.0, 10.0, 0.5}, "the numbers are those of the text");
+    expect(value->Text() == "5[0,10]@0.5", "the text reads as it was written");
+
+    Orla::VValueCreator::createValue("VTime", "noon", ok);
+    expect(!ok, "a text that is no time is refused");
+}
+
+void objectsAreEvaluated()
+{
+    const Orla::StrongPtr<Orla::VObject> tide = Orla::VObject::createObject("Tide", "spring");
+    expect(bool(tide), "the object type of the loaded library is known by name");
+    if (!tide)
+        return;
+
+    expect(bool(Orla::VValueCreator::find("Gauge")), "the value type of the loaded library is known by name");
+    expect(tide->findSlot("time")->setInitialText("5[2,10]@1"), "an input takes a text");
+    expect(tide->findSlot("gauge")->setInitialText("1.5"), "an input of the library's own type takes a text");
+    const Loam::StrongPtr<Orla::ValuePool> pool = Loam::makeStrong<Orla::ValuePool>("consumer");
+    Orla::VScheduler::scheduleAll(pool);
+    const Orla::VScheduler::Summary summary = Orla::VScheduler::run(pool);
+    expect(summary.updates == 1 && summary.failures == 0, "the object is updated once");
+    const Orla::StrongPtr<Orla::VValueBase> height = tide->findOutput("height")->getValueBase(pool);
+    expect(height && height->Text() == "4.5", "the output holds what the object computes");
+    Orla::VManagedObject::remove(tide);
+}
+
+void loadAndUnload(const char* path)
+{
+    void* const library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    if (!library) {
+        expect(false, dlerror());
+        return;
+    }
+    objectsAreEvaluated();
+    dlclose(library);
+    expect(!Orla::VObjectCreator::find("Tide"), "the object type goes with its library");
+    expect(!Orla::VValueCreator::find("Gauge"), "the value type goes with its library");
+    expect(!dlopen(path, RTLD_NOW | RTLD_NOLOAD), "the library is unloaded");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    valuesAreMadeByNameAndText();
+    for (int i = 1; i < argc; ++i)
+        loadAndUnload(argv[i]);
+    return failures == 0 ? 0 : 1;
+}

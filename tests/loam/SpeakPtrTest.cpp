@@ -1,0 +1,65 @@
+#include <loam/SpeakPtr.hpp>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <optional>
+#include <string>
+
+using namespace Loam;
+
+namespace {
+
+struct Thing : ReferenceBase<Thing> {};
+
+template<class Function>
+std::string printedBy(Function function)
+{
+    testing::internal::CaptureStdout();
+    function();
+    return testing::internal::GetCapturedStdout();
+}
+
+std::string addressOf(const void* object)
+{
+    char text[64];
+    std::snprintf(text, sizeof text, "%p", object);
+    return text;
+}
+
+} // namespace
+
+TEST(SpeakPtr, saysNothingAboutSoundPointers)
+{
+    const auto thing = makeStrong<Thing>();
+    EXPECT_EQ(printedBy([&] {
+                  EXPECT_TRUE(SpeakPtr::check(thing, "here"));
+                  EXPECT_TRUE(SpeakPtr::check(StrongPtr<Thing>(), "here"));
+              }),
+              "");
+}
+
+TEST(SpeakPtr, reportsAPointerThatOutlivedItsObject)
+{
+    std::optional<Thing> thing(std::in_place);
+    const StrongPtr<Thing> pointer(&*thing);
+    const std::string address = addressOf(&*thing);
+    thing.reset();
+    EXPECT_EQ(printedBy([&] { EXPECT_FALSE(SpeakPtr::check(pointer, "the scene")); }),
+              "the scene: object " + address + ", 1 strong, 1 weak, inconsistent: the object is gone\n");
+}
+
+TEST(SpeakPtr, printsWhereAndTheCounts)
+{
+    const auto thing = makeStrong<Thing>();
+    const StrongPtr<Thing> second = thing;
+    const WeakPtr<Thing> weak = thing;
+    EXPECT_EQ(printedBy([&] { SpeakPtr::printRS("end of load", thing.get(), thing.referenceBlock()); }),
+              "end of load: object " + addressOf(thing.get()) + ", 2 strong, 2 weak, alive\n");
+}
+
+TEST(SpeakPtr, printsAnEmptyReferenceAsSuch)
+{
+    EXPECT_EQ(printedBy([] { SpeakPtr::printRS("start", nullptr, nullptr); }),
+              "start: object " + addressOf(nullptr) + ", empty reference\n");
+}

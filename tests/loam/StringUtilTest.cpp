@@ -1,0 +1,137 @@
+#include <loam/StringUtil.hpp>
+
+#include <gtest/gtest.h>
+
+using namespace Loam;
+
+static_assert(StringUtil::afterFirst("a,b", ',') == "b");
+
+namespace {
+
+using Pieces = std::vector<std::string>;
+
+template<class Container>
+Pieces splitInto(const std::string& text, char separator, bool flag, char quote)
+{
+    Container pieces;
+    const std::size_t appended = StringUtil::split(text, pieces, separator, flag, quote);
+    EXPECT_EQ(appended, pieces.size());
+    return Pieces(pieces.begin(), pieces.end());
+}
+
+// Both containers give the same pieces.
+Pieces split(const std::string& text, char separator, bool flag = true, char quote = 0)
+{
+    const Pieces pieces = splitInto<std::vector<std::string>>(text, separator, flag, quote);
+    EXPECT_EQ(splitInto<std::list<std::string>>(text, separator, flag, quote), pieces);
+    return pieces;
+}
+
+std::string withNul(const char (&text)[4])
+{
+    return std::string(text, 3);
+}
+
+} // namespace
+
+TEST(StringUtil, splitsAtEverySeparatorAndDropsAnEmptyLastPiece)
+{
+    const struct { const char* text; Pieces kept; Pieces filled; } cases[] = {
+        {"", {}, {}},
+        {",", {""}, {}},
+        {",,", {"", ""}, {}},
+        {"a", {"a"}, {"a"}},
+        {"a,", {"a"}, {"a"}},
+        {",a", {"", "a"}, {"a"}},
+        {"a,b", {"a", "b"}, {"a", "b"}},
+        {"a,,b", {"a", "", "b"}, {"a", "b"}},
+        {"a,b,,", {"a", "b", ""}, {"a", "b"}},
+        {",,a,,,b", {"", "", "a", "", "", "b"}, {"a", "b"}},
+        {" a , b ", {" a ", " b "}, {" a ", " b "}},
+        {"1;2", {"1;2"}, {"1;2"}},
+        {"\"a,b\",c", {"\"a", "b\"", "c"}, {"\"a", "b\"", "c"}},
+    };
+    for (const auto& [text, kept, filled] : cases) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(split(text, ','), kept);
+        EXPECT_EQ(split(text, ',', true), kept);
+        EXPECT_EQ(split(text, ',', false), filled);
+    }
+}
+
+TEST(StringUtil, doesNotSplitBetweenQuotesAndKeepsThem)
+{
+    const struct { const char* text; Pieces kept; Pieces filled; } cases[] = {
+        {"", {}, {}},
+        {"'a,b',c", {"'a,b'", "c"}, {"'a,b'", "c"}},
+        {"a'b,c'd,e", {"a'b,c'd", "e"}, {"a'b,c'd", "e"}},
+        {"'a','b'", {"'a'", "'b'"}, {"'a'", "'b'"}},
+        {"''", {"''"}, {"''"}},
+        {"'',", {"''"}, {"''"}},
+        {"',',,'", {"','", "", "'"}, {"','", "'"}},
+        {",',',", {"", "','"}, {"','"}},
+        {"a,'b,c", {"a", "'b,c"}, {"a", "'b,c"}},
+        {"a,'b,c,", {"a", "'b,c,"}, {"a", "'b,c,"}},
+        {"a,'", {"a", "'"}, {"a", "'"}},
+        {"'a''b,c',d", {"'a''b,c'", "d"}, {"'a''b,c'", "d"}},
+        {"a,b", {"a", "b"}, {"a", "b"}},
+    };
+    for (const auto& [text, kept, filled] : cases) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(split(text, ',', true, '\''), kept);
+        EXPECT_EQ(split(text, ',', false, '\''), filled);
+    }
+}
+
+TEST(StringUtil, treatsNulAsACharacterButNotAsAQuote)
+{
+    EXPECT_EQ(split(withNul("a\0b"), '\0'), (Pieces{"a", "b"}));
+    EXPECT_EQ(split(withNul("\0,\0"), ','), (Pieces{std::string(1, '\0'), std::string(1, '\0')}));
+}
+
+TEST(StringUtil, splitsEverywhereIfTheQuoteIsTheSeparator)
+{
+    EXPECT_EQ(split("a,b,c", ',', true, ','), (Pieces{"a", "b", "c"}));
+}
+
+TEST(StringUtil, appendsToWhatIsThere)
+{
+    std::vector<std::string> vector{"first"};
+    EXPECT_EQ(StringUtil::split("a,b", vector, ','), 2u);
+    EXPECT_EQ(vector, (Pieces{"first", "a", "b"}));
+    EXPECT_EQ(StringUtil::split("", vector, ','), 0u);
+    EXPECT_EQ(vector.size(), 3u);
+
+    std::list<std::string> list{"first"};
+    EXPECT_EQ(StringUtil::split(",b", list, ',', false), 1u);
+    EXPECT_EQ(list, (std::list<std::string>{"first", "b"}));
+}
+
+TEST(StringUtil, cropsBeforeTheFirstOccurrenceOrNothing)
+{
+    const struct { std::string text; char c; std::string rest; } cases[] = {
+        {"{1,2,3}", ',', "2,3}"},
+        {"2,3}", ',', "3}"},
+        {"3}", ',', "3}"},
+        {"", ',', ""},
+        {",", ',', ""},
+        {"a,", ',', ""},
+        {",a", ',', "a"},
+        {",,a", ',', ",a"},
+        {withNul("a\0b"), '\0', "b"},
+        {withNul("a\0b"), 'a', std::string("\0b", 2)},
+    };
+    for (const auto& [text, c, rest] : cases) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(StringUtil::crop_before_first(text, c), rest);
+        EXPECT_EQ(StringUtil::afterFirst(text, c), rest);
+    }
+    EXPECT_EQ(StringUtil::afterFirst(std::string_view(), ','), "");
+}
+
+TEST(StringUtil, afterFirstPointsIntoTheText)
+{
+    const std::string_view text = "name=value";
+    EXPECT_EQ(StringUtil::afterFirst(text, '=').data(), text.data() + 5);
+    EXPECT_EQ(StringUtil::afterFirst(text, '#').data(), text.data());
+}

@@ -1,0 +1,131 @@
+#include <loam/TypeInfo.hpp>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <type_traits>
+#include <unordered_map>
+#include <vector>
+
+using namespace Loam;
+
+static_assert(std::is_convertible_v<const std::type_info&, TypeInfo>, "a typeid is meant as a TypeInfo");
+static_assert(std::is_trivially_copyable_v<TypeInfo>);
+static_assert(!std::is_default_constructible_v<TypeInfo>, "there is no type of no name");
+
+namespace Orla {
+
+struct VTime {
+    virtual ~VTime() = default;
+};
+struct VDate : VTime {};
+
+} // namespace Orla
+
+namespace {
+
+struct Local {};
+
+// A type as another library brings it, under a name of the compiler's.
+class ForeignType : public std::type_info {
+public:
+    explicit ForeignType(const char* name) : std::type_info(name) {}
+};
+
+} // namespace
+
+TEST(TypeInfo, isTheTypeItWasMadeFrom)
+{
+    const TypeInfo time = typeid(Orla::VTime);
+    EXPECT_EQ(time, TypeInfo(typeid(Orla::VTime)));
+    EXPECT_EQ(time, typeid(const Orla::VTime&));
+    EXPECT_NE(time, TypeInfo(typeid(Orla::VTime*)));
+    EXPECT_EQ(&time.info(), &typeid(Orla::VTime));
+    EXPECT_STREQ(time.name(), typeid(Orla::VTime).name());
+
+    const Orla::VDate date;
+    const Orla::VTime& base = date;
+    EXPECT_EQ(TypeInfo(typeid(base)), TypeInfo(typeid(Orla::VDate)));
+
+    TypeInfo changed = time;
+    changed = typeid(int);
+    EXPECT_EQ(changed, typeid(int));
+}
+
+TEST(TypeInfo, isOrderedAsTypesAre)
+{
+    const std::vector<TypeInfo> types{typeid(int), typeid(double), typeid(Orla::VTime), typeid(std::string),
+                                      typeid(Local), typeid(Local*)};
+    for (const TypeInfo& a : types) {
+        for (const TypeInfo& b : types) {
+            EXPECT_EQ(a < b, a.info().before(b.info()));
+            EXPECT_EQ(a > b, b.info().before(a.info()));
+            EXPECT_EQ(a <= b, !b.info().before(a.info()));
+            EXPECT_EQ(a <=> b == 0, a == b);
+        }
+    }
+}
+
+TEST(TypeInfo, isAKeyOfOrderedAndUnorderedTables)
+{
+    std::map<TypeInfo, int> ordered{{typeid(int), 1}, {typeid(double), 2}};
+    EXPECT_EQ(ordered.at(typeid(double)), 2);
+    EXPECT_EQ(ordered.count(typeid(float)), 0u);
+
+    std::unordered_map<TypeInfo, int> unordered{{typeid(int), 1}, {typeid(double), 2}};
+    EXPECT_EQ(unordered.at(typeid(double)), 2);
+    EXPECT_EQ(unordered.count(typeid(float)), 0u);
+}
+
+TEST(TypeInfo, equalsAndHashesAsTheSameTypeOfAnotherLibrary)
+{
+    const std::string name = typeid(Orla::VTime).name();
+    const ForeignType foreign(name.c_str());
+    EXPECT_EQ(TypeInfo(foreign), TypeInfo(typeid(Orla::VTime)));
+    EXPECT_EQ(std::hash<TypeInfo>()(foreign), std::hash<TypeInfo>()(typeid(Orla::VTime)));
+    EXPECT_EQ(TypeInfo(foreign) <=> TypeInfo(typeid(Orla::VTime)), std::strong_ordering::equal);
+}
+
+TEST(TypeKey, isTheSameForATypeInEveryLibrary)
+{
+    EXPECT_EQ(typeKey(typeid(Orla::VTime)), typeid(Orla::VTime).name());
+    EXPECT_NE(typeKey(typeid(Orla::VTime)), typeKey(typeid(Orla::VDate)));
+
+    const std::string name = typeid(std::vector<Orla::VTime>).name();
+    EXPECT_EQ(typeKey(ForeignType(name.c_str())), typeKey(typeid(std::vector<Orla::VTime>)));
+}
+
+TEST(TypeKey, tellsNamesakesInUnnamedNamespacesApart)
+{
+    EXPECT_EQ(typeKey(typeid(Local)), typeKey(typeid(Local)));
+    EXPECT_NE(typeKey(typeid(Local)), typeKey(typeid(Local*)));
+
+    const std::string name = typeid(Local).name();
+    const std::string otherName = name;
+    EXPECT_NE(typeKey(ForeignType(name.c_str())), typeKey(typeid(Local)));
+    EXPECT_NE(typeKey(ForeignType(name.c_str())), typeKey(ForeignType(otherName.c_str())));
+
+    const std::string list = typeid(std::vector<Local>).name();
+    EXPECT_NE(typeKey(ForeignType(list.c_str())), typeKey(typeid(std::vector<Local>)));
+}
+
+TEST(TypeKey, tellsNamesakesApartThatTheCompilerMarksAsLocal)
+{
+    // The mark is a star, which is not part of the name.
+    const std::string marked = "*ZL8functionvE5Local";
+    const std::string otherMarked = marked;
+    const ForeignType type(marked.c_str());
+    const ForeignType other(otherMarked.c_str());
+    ASSERT_STREQ(type.name(), other.name());
+    ASSERT_NE(type, other);
+    EXPECT_NE(typeKey(type), typeKey(other));
+    EXPECT_EQ(typeKey(type), typeKey(type));
+}
+
+TEST(TypeKey, ownsItsText)
+{
+    std::string name = "N5Vivid5ColorE";
+    const std::string key = typeKey(ForeignType(name.c_str()));
+    name.assign(name.size(), '#');
+    EXPECT_EQ(key, "N5Vivid5ColorE");
+}
