@@ -1,0 +1,180 @@
+#pragma once
+
+#include "support/TestValue.hpp"
+
+#include <trellis/VActionNotifier.hpp>
+#include <trellis/VObject.hpp>
+#include <trellis/VScheduler.hpp>
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+// Processing objects and a fixture for the tests of the framework.
+
+namespace Orla {
+
+/// A processing object whose inputs, outputs and work a test decides on.
+///
+/// Without work of its own it writes one more than the sum of its inputs, all of
+/// them numbers, to each of its outputs.
+class Node : public VObject {
+public:
+    using Work = std::function<bool(Node& self, VRequest& request, double precision)>;
+
+    explicit Node(const std::string& name, int level = 0, const StrongPtr<VCreationPreferences>& preferences = {})
+        : VObject{name, level, preferences}
+    {
+        ++living;
+    }
+    ~Node() override { --living; }
+
+    bool update(VRequest& request, double precision) override
+    {
+        ++runs;
+        // The work may replace itself.
+        const Work current = work;
+        return current ? current(*this, request, precision) : writeSum(request.valuePool());
+    }
+
+    bool writeSum(const StrongPtr<ValuePool>& pool)
+    {
+        double sum = 1;
+        for (const StrongPtr<VSlot>& input : inputs())
+            sum += contentOf(input->getValueBase(pool));
+        // Sums over diamonds grow without a limit.
+        sum = std::fmod(sum, Modulus);
+        for (const StrongPtr<VSlot>& output : outputs())
+            write(pool, output, sum);
+        return true;
+    }
+
+    template<class T = double>
+    StrongPtr<VSlot> addInput(const std::string& name, const T& initial = {}, bool triggers = true)
+    {
+        const StrongPtr<VParameter> parameter = testParameter<T>(name, initial);
+        parameter->setCreator(WeakPtrImpl<VSlotContainer>(this));
+        return addParameter(name, 0, parameter, triggers);
+    }
+
+    template<class T = double>
+    StrongPtr<VSlot> addOutput(const std::string& name, const T& initial = {})
+    {
+        return registerOutput(testParameter<T>(name, initial), name);
+    }
+
+    template<class T = double>
+    T read(const StrongPtr<ValuePool>& pool, const std::string& slot) const
+    {
+        const StrongPtr<VSlot> output = findOutput(slot);
+        return contentOf<T>((output ? output : findSlot(slot))->getLocalValue(pool));
+    }
+
+    /// Writes and announces, whether the value is another one or not.
+    template<class T>
+    static void write(const StrongPtr<ValuePool>& pool, const StrongPtr<VSlot>& slot, const T& value)
+    {
+        const StrongPtr<VValueBase> variable = slot->getLocalValue(pool);
+        StrongPtr<Typed<T>>(variable)->set(value);
+        slot->parameter()->notifyValueChange(variable, pool, slot->member());
+    }
+
+    template<class T>
+    void write(const StrongPtr<ValuePool>& pool, const std::string& slot, const T& value)
+    {
+        const StrongPtr<VSlot> output = findOutput(slot);
+        write(pool, output ? output : findSlot(slot), value);
+    }
+
+    /// Writes and announces a value that is another one.
+    template<class T>
+    bool writeIfDifferent(const StrongPtr<ValuePool>& pool, const std::string& slot, const T& value)
+    {
+        if (read<T>(pool, slot) == value)
+            return false;
+        write(pool, slot, value);
+        return true;
+    }
+
+    static constexpr double Modulus = 1'000'003;
+    static inline std::size_t living = 0;
+
+    Work work;
+    unsigned runs = 0;
+};
+
+/// An object that evaluates: with the output "out" and the inputs given.
+inline StrongPtr<Node> makeNode(const std::string& name, const std::vector<std::string>& inputs = {"in"})
+{
+    auto node = Loam::makeStrong<Node>(name);
+    for (const std::string& input : inputs)
+        node->addInput(input);
+    node->addOutput("out");
+    node->enableRequestProcessing();
+    return node;
+}
+
+inline bool connect(const StrongPtr<Node>& from, const StrongPtr<Node>& to, const std::string& input = "in",
+                    const std::string& member = {}, const std::string& output = "out")
+{
+    return to->attachOutput(from->findOutput(output), to->findSlot(input), member);
+}
+
+/// Makes all objects due in the pool and runs them.
+inline VScheduler::Summary runAll(const std::vector<StrongPtr<Node>>& nodes, const StrongPtr<ValuePool>& pool)
+{
+    for (const StrongPtr<Node>& node : nodes)
+        VScheduler::schedule(node, 0, pool);
+    return VScheduler::run(pool);
+}
+
+/// Numbers of runs, in the order of the nodes, since this was asked last.
+inline std::vector<unsigned> runsOf(const std::vector<StrongPtr<Node>>& nodes)
+{
+    std::vector<unsigned> runs;
+    for (const StrongPtr<Node>& node : nodes)
+        runs.push_back(std::exchange(node->runs, 0));
+    return runs;
+}
+
+/// At the end of a test no object, value or byte is left over, and no warning
+/// was given that the test did not ask for.
+class FrameworkTest : public testing::Test {
+protected:
+    FrameworkTest() { VActionNotifier::add(m_log); }
+
+    ~FrameworkTest() override
+    {
+        EXPECT_EQ(VManagedObject::count(), m_objects);
+        EXPECT_EQ(Node::living, m_nodes);
+        EXPECT_EQ(livingTestValues, m_values);
+        EXPECT_EQ(ChunkBase::TotalMemsize, m_memory);
+        EXPECT_THAT(warnings(), testing::IsEmpty());
+    }
+
+    /// The warnings since this was asked last.
+    std::vector<std::string> warnings() { return std::exchange(m_log->messages, {}); }
+
+private:
+    struct Log final : VActionNotifier {
+        bool warned(const std::string& message) override
+        {
+            messages.push_back(message);
+            return true;
+        }
+        std::vector<std::string> messages;
+    };
+
+    StrongPtr<Log> m_log{new Log};
+    std::size_t m_objects = VManagedObject::count();
+    std::size_t m_nodes = Node::living;
+    std::size_t m_values = livingTestValues;
+    std::size_t m_memory = ChunkBase::TotalMemsize;
+};
+
+} // namespace Orla

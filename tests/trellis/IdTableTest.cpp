@@ -1,0 +1,133 @@
+#include <trellis/IdTable.hpp>
+
+#include <loam/StrongPtr.hpp>
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <random>
+#include <string>
+#include <unordered_map>
+
+using namespace Orla;
+
+namespace {
+
+using Content = std::unordered_map<std::uint64_t, std::string>;
+
+template<class Value>
+std::unordered_map<std::uint64_t, Value> contentOf(IdTable<Value>& table)
+{
+    std::unordered_map<std::uint64_t, Value> content;
+    table.forEach([&content](std::uint64_t id, const Value& value) {
+        EXPECT_TRUE(content.emplace(id, value).second) << id << " is in twice";
+    });
+    return content;
+}
+
+} // namespace
+
+TEST(IdTable, startsEmpty)
+{
+    IdTable<int> table;
+    EXPECT_TRUE(table.empty());
+    EXPECT_EQ(table.size(), 0u);
+    EXPECT_EQ(table.find(1), nullptr);
+    EXPECT_FALSE(table.erase(1));
+    EXPECT_TRUE(table.release().empty());
+}
+
+TEST(IdTable, makesAnEntryWhereThereIsNone)
+{
+    IdTable<std::string> table;
+    EXPECT_EQ(table[7], "");
+    table[7] = "seven";
+    table[8] += "eight";
+    EXPECT_EQ(*table.find(7), "seven");
+    EXPECT_EQ(table.size(), 2u);
+    EXPECT_FALSE(table.empty());
+    EXPECT_EQ(contentOf(table), (Content{{7, "seven"}, {8, "eight"}}));
+}
+
+TEST(IdTable, behavesAsAMapUnderRandomOperations)
+{
+    std::mt19937_64 random(20'180'203);
+    // Few numbers that collide often, numbers in a row as the framework gives
+    // them, and numbers that differ in the upper bits alone.
+    const struct {
+        std::uint64_t range;
+        std::uint64_t factor;
+    } cases[] = {{5, 1}, {40, 1}, {3000, 1}, {63, std::uint64_t{1} << 58}, {500, 0x9E3779B97F4A7C15u}};
+    for (const auto& [range, factor] : cases) {
+        SCOPED_TRACE(range);
+        IdTable<std::string> table;
+        Content expected;
+        for (int step = 0; step < 20'000; ++step) {
+            const std::uint64_t id = (random() % range + 1) * factor;
+            switch (random() % 4) {
+            case 0:
+                table[id] = expected[id] = std::to_string(step);
+                break;
+            case 1:
+                table[id];
+                expected[id];
+                break;
+            case 2:
+                ASSERT_EQ(table.erase(id), expected.erase(id) == 1);
+                break;
+            default:
+                const std::string* found = table.find(id);
+                ASSERT_EQ(found != nullptr, expected.contains(id));
+                if (found) {
+                    ASSERT_EQ(*found, expected[id]);
+                }
+            }
+            ASSERT_EQ(table.size(), expected.size());
+        }
+        EXPECT_EQ(contentOf(table), expected);
+        for (const auto& [id, value] : Content(expected)) {
+            ASSERT_TRUE(table.erase(id));
+            ASSERT_FALSE(table.erase(id));
+            expected.erase(id);
+            ASSERT_EQ(contentOf(table), expected);
+        }
+    }
+}
+
+TEST(IdTable, handsItsValuesOut)
+{
+    IdTable<std::unique_ptr<int>> table;
+    for (int i = 1; i <= 100; ++i)
+        table[static_cast<std::uint64_t>(i)] = std::make_unique<int>(i);
+    int sum = 0;
+    for (const std::unique_ptr<int>& value : table.release())
+        sum += *value;
+    EXPECT_EQ(sum, 5050);
+    EXPECT_TRUE(table.empty());
+    EXPECT_EQ(table.find(1), nullptr);
+    table[1] = std::make_unique<int>(1);
+    EXPECT_EQ(table.size(), 1u);
+}
+
+TEST(IdTable, isWholeWhenAnErasedValueLooksIntoIt)
+{
+    struct Looking : Loam::ReferenceBase<Looking> {
+        Looking(IdTable<Loam::StrongPtr<Looking>>& theTable, int& theCount) : table{theTable}, found{theCount} {}
+        ~Looking() override
+        {
+            for (std::uint64_t id = 1; id <= 50; ++id)
+                found += table.find(id) != nullptr;
+        }
+        IdTable<Loam::StrongPtr<Looking>>& table;
+        int& found;
+    };
+    int found = 0;
+    IdTable<Loam::StrongPtr<Looking>> table;
+    for (std::uint64_t id = 1; id <= 50; ++id)
+        table[id] = Loam::makeStrong<Looking>(table, found);
+    for (std::uint64_t id = 50; id >= 1; --id) {
+        found = 0;
+        table.erase(id);
+        EXPECT_EQ(found, static_cast<int>(id) - 1);
+    }
+}

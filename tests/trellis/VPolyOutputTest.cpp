@@ -1,0 +1,136 @@
+#include <trellis/VPolyOutput.hpp>
+
+#include "support/TestNetwork.hpp"
+
+using namespace Orla;
+
+namespace {
+
+struct Selector : Node {
+    using Node::Node;
+};
+struct SpecialSelector : Selector {
+    using Selector::Selector;
+};
+
+bool isSelector(const VObject& object)
+{
+    return dynamic_cast<const Selector*>(&object) != nullptr;
+}
+
+class VPolyOutputTest : public FrameworkTest {
+protected:
+    ~VPolyOutputTest() override
+    {
+        for (const StrongPtr<Node>& node : announced)
+            VManagedObject::remove(node);
+    }
+
+    template<class T>
+    StrongPtr<T> announce(const std::string& name)
+    {
+        const auto node = Loam::makeStrong<T>(name);
+        VObject::finishCreation(node);
+        announced.push_back(node);
+        return node;
+    }
+
+    StrongPtr<Node> makeProvider(const std::string& name)
+    {
+        auto node = makeNode(name);
+        announced.push_back(node);
+        return node;
+    }
+
+    static const StrongPtr<VParameter>& outputOf(const StrongPtr<Node>& node)
+    {
+        return node->findOutput("out")->parameter();
+    }
+
+    std::vector<StrongPtr<Node>> announced;
+};
+
+} // namespace
+
+TEST_F(VPolyOutputTest, joinsObjectsThatAreThereAndThoseThatAreAnnouncedLater)
+{
+    const auto before = announce<Selector>("before");
+    const auto provider = makeProvider("charts");
+    const VPolyConnection connection(outputOf(provider), &isSelector);
+    EXPECT_EQ(connection.count(), 1);
+    const auto after = announce<SpecialSelector>("after");
+    announce<Node>("not asking");
+    EXPECT_EQ(connection.count(), 2);
+    for (const StrongPtr<Node>& selector : {StrongPtr<Node>(before), StrongPtr<Node>(after)}) {
+        const StrongPtr<VSlot> slot = selector->findSlot("charts.out");
+        ASSERT_TRUE(slot);
+        EXPECT_EQ(slot->parameter(), outputOf(provider));
+        EXPECT_TRUE(slot->hasFlag(VSlot::AddedLater));
+        EXPECT_FALSE(slot->hasFlag(VSlot::Passive));
+        EXPECT_FALSE(slot->ownsParameter());
+        EXPECT_EQ(selector->inputs().size(), 1u);
+    }
+    EXPECT_EQ(announced.back()->inputs().size(), 0u);
+}
+
+TEST_F(VPolyOutputTest, makesRequestersDueWhenTheOutputChanges)
+{
+    const auto pool = Loam::makeStrong<ValuePool>();
+    const auto selector = announce<Selector>("selector");
+    selector->addOutput("sum");
+    const auto provider = makeProvider("charts");
+    const VPolyConnection connection(outputOf(provider), &isSelector);
+    runAll({provider}, pool);
+    EXPECT_EQ(selector->runs, 1u);
+    EXPECT_EQ(selector->read(pool, "sum"), 2);
+    EXPECT_GT(selector->evaluationOrder(), provider->evaluationOrder());
+}
+
+TEST_F(VPolyOutputTest, joinsAnObjectOnce)
+{
+    const auto selector = announce<Selector>("selector");
+    const auto provider = makeProvider("charts");
+    const VPolyConnection first(outputOf(provider), &isSelector);
+    const VPolyConnection second(outputOf(provider), &isSelector);
+    EXPECT_EQ(first.count(), 1);
+    EXPECT_EQ(second.count(), 0);
+    VManagedObject::remove(selector);
+    VObject::finishCreation(selector);
+    EXPECT_EQ(first.count(), 1) << "announced a second time";
+    EXPECT_EQ(selector->inputs().size(), 1u);
+}
+
+TEST_F(VPolyOutputTest, findsAFreeNameWhereOwnersHaveTheSame)
+{
+    const auto selector = announce<Selector>("selector");
+    std::vector<StrongPtr<Node>> providers;
+    std::vector<std::unique_ptr<VPolyConnection>> connections;
+    for (int i = 0; i < 3; ++i) {
+        providers.push_back(makeProvider("charts"));
+        connections.push_back(std::make_unique<VPolyConnection>(outputOf(providers.back()), &isSelector));
+    }
+    EXPECT_EQ(selector->findSlot("charts.out")->parameter(), outputOf(providers[0]));
+    EXPECT_EQ(selector->findSlot("charts.out #2")->parameter(), outputOf(providers[1]));
+    EXPECT_EQ(selector->findSlot("charts.out #3")->parameter(), outputOf(providers[2]));
+}
+
+TEST_F(VPolyOutputTest, namesTheInputAfterTheOutputAloneWhereNobodyOwnsIt)
+{
+    const auto selector = announce<Selector>("selector");
+    const VPolyConnection connection(testParameter("loose"), &isSelector);
+    EXPECT_TRUE(selector->findSlot("loose"));
+}
+
+TEST_F(VPolyOutputTest, leavesJoinedObjectsWithTheLastValuesWhenItGoes)
+{
+    const auto pool = Loam::makeStrong<ValuePool>();
+    const auto selector = announce<Selector>("selector");
+    {
+        const auto provider = makeNode("charts");
+        const VPolyConnection connection(outputOf(provider), &isSelector);
+        provider->write(pool, "out", 7.0);
+    }
+    EXPECT_EQ(contentOf(selector->findSlot("charts.out")->getValueBase(pool)), 7);
+    const auto late = announce<Selector>("late");
+    EXPECT_EQ(late->inputs().size(), 0u);
+}

@@ -1,0 +1,303 @@
+#include "support/TestNetwork.hpp"
+
+#include <algorithm>
+
+// What the scheduler does where objects read each other in a circle.
+
+using namespace Orla;
+using testing::AllOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+using Nodes = std::vector<StrongPtr<Node>>;
+constexpr unsigned Limit = VScheduler::MaximalRounds;
+
+class VSchedulerLoopTest : public FrameworkTest {
+protected:
+    StrongPtr<ValuePool> pool{new ValuePool("pool")};
+
+    // Objects that read each other in a circle.
+    static Nodes makeRing(const std::string& name, std::size_t count)
+    {
+        Nodes ring;
+        for (std::size_t i = 0; i < count; ++i)
+            ring.push_back(makeNode(name + std::to_string(i)));
+        for (std::size_t i = 0; i < count; ++i)
+            connect(ring[i], ring[(i + 1) % count]);
+        return ring;
+    }
+
+    // One more than the input, up to a highest number.
+    static void countTo(const StrongPtr<Node>& node, double highest)
+    {
+        node->work = [highest](Node& self, VRequest& request, double) {
+            const double next = contentOf(self.findSlot("in")->getValueBase(request.valuePool())) + 1;
+            self.writeIfDifferent(request.valuePool(), "out", std::min(next, highest));
+            return true;
+        };
+    }
+};
+
+} // namespace
+
+TEST_F(VSchedulerLoopTest, runsALoopUntilNothingChanges)
+{
+    const Nodes ring = makeRing("r", 3);
+    for (const StrongPtr<Node>& node : ring)
+        countTo(node, 20);
+    const auto reader = makeNode("reader");
+    connect(ring[1], reader);
+    VScheduler::schedule(ring[0], 0, pool);
+    const VScheduler::Summary summary = VScheduler::run(pool);
+    EXPECT_EQ(summary.stopped, 0u);
+    EXPECT_EQ(summary.outcome, VScheduler::Outcome::Done);
+    for (const StrongPtr<Node>& node : ring)
+        EXPECT_EQ(node->read(pool, "out"), 20);
+    EXPECT_EQ(reader->runs, 1u) << "whoever reads a loop waits until it has settled";
+    EXPECT_EQ(reader->read(pool, "out"), 21);
+    EXPECT_FALSE(VScheduler::isDue(pool));
+}
+
+TEST_F(VSchedulerLoopTest, runsALoopThatHasNothingNewToSayOnce)
+{
+    const Nodes ring = makeRing("r", 4);
+    for (const StrongPtr<Node>& node : ring)
+        countTo(node, 0);
+    runAll(ring, pool);
+    EXPECT_THAT(runsOf(ring), Each(1u));
+}
+
+TEST_F(VSchedulerLoopTest, stopsALoopThatDoesNotSettleWithOneWarningThatNamesItsMembers)
+{
+    const Nodes ring = makeRing("ring ", 3);
+    const auto source = makeNode("source");
+    const auto outside = makeNode("outside");
+    ring[0]->addInput("start");
+    connect(source, ring[0], "start");
+    const auto behind = makeNode("behind");
+    const auto last = makeNode("last");
+    connect(ring[2], behind);
+    connect(behind, last);
+    const VScheduler::Summary summary = runAll({last, behind, outside, ring[0], source}, pool);
+    EXPECT_EQ(summary.stopped, 1u);
+    EXPECT_EQ(summary.failures, 0u);
+    EXPECT_EQ(summary.outcome, VScheduler::Outcome::Done);
+    EXPECT_THAT(warnings(),
+                ElementsAre(AllOf(HasSubstr(std::to_string(Limit)), HasSubstr("Node \"ring 0\""),
+                                  HasSubstr("Node \"ring 1\""), HasSubstr("Node \"ring 2\""), Not(HasSubstr("source")),
+                                  Not(HasSubstr("outside")), Not(HasSubstr("behind")))));
+    EXPECT_THAT(runsOf(ring), Each(Limit));
+    EXPECT_THAT(runsOf({source, outside, behind, last}), Each(1u));
+    EXPECT_FALSE(VScheduler::isDue(pool));
+    EXPECT_EQ(last->read(pool, "out"), ring[2]->read(pool, "out") + 2) << "they got the last values";
+}
+
+TEST_F(VSchedulerLoopTest, stopsEachLoopByItself)
+{
+    const Nodes first = makeRing("first ", 2);
+    const Nodes second = makeRing("second ", 5);
+    second[0]->addInput("start");
+    connect(first[1], second[0], "start");
+    const Nodes settling = makeRing("settling ", 2);
+    countTo(settling[0], 50);
+    countTo(settling[1], 50);
+    const VScheduler::Summary summary = runAll({first[0], second[0], settling[0]}, pool);
+    EXPECT_EQ(summary.stopped, 2u);
+    EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("first 1"), Not(HasSubstr("second"))),
+                                        AllOf(HasSubstr("second 4"), Not(HasSubstr("first")))));
+    EXPECT_EQ(settling[1]->read(pool, "out"), 50);
+    for (const StrongPtr<Node>& node : second)
+        EXPECT_LE(node->runs, Limit);
+}
+
+TEST_F(VSchedulerLoopTest, stopsALoopOfLoopsAsOne)
+{
+    // Two circles through one object.
+    const auto middle = makeNode("middle", {"left", "right"});
+    const auto left = makeNode("left");
+    const auto right = makeNode("right");
+    connect(middle, left);
+    connect(middle, right);
+    connect(left, middle, "left");
+    connect(right, middle, "right");
+    const auto behind = makeNode("behind");
+    connect(right, behind);
+    const VScheduler::Summary summary = runAll({middle}, pool);
+    EXPECT_EQ(summary.stopped, 1u);
+    EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("middle"), HasSubstr("left"), HasSubstr("right"))));
+    EXPECT_EQ(behind->runs, 1u);
+    for (const StrongPtr<Node>& node : {middle, left, right})
+        EXPECT_LE(node->runs, Limit);
+}
+
+TEST_F(VSchedulerLoopTest, givesEachMemberOfALoopItsTurnInEachRound)
+{
+    // "busy" and "echo" would go on for ever; "judge" ends it, wherever it stands.
+    for (const bool judgeFirst : {true, false}) {
+        SCOPED_TRACE(judgeFirst);
+        const auto busy = makeNode("busy", {"echo", "verdict"});
+        const auto echo = makeNode("echo");
+        const auto judge = makeNode("judge");
+        busy->work = [](Node& self, VRequest& request, double) {
+            if (contentOf(self.findSlot("verdict")->getValueBase(request.valuePool())) == 0)
+                self.write(request.valuePool(), "out", self.read(request.valuePool(), "echo"));
+            return true;
+        };
+        judge->work = [](Node& self, VRequest& request, double) {
+            self.writeIfDifferent(request.valuePool(), "out", self.read(request.valuePool(), "in") > 5 ? 1.0 : 0.0);
+            return true;
+        };
+        connect(busy, judgeFirst ? judge : echo);
+        connect(busy, judgeFirst ? echo : judge);
+        connect(judge, busy, "verdict");
+        connect(echo, busy, "echo");
+        EXPECT_EQ(runAll({busy}, pool).stopped, 0u);
+        EXPECT_THAT(warnings(), IsEmpty());
+        EXPECT_EQ(judge->read(pool, "out"), 1);
+        EXPECT_LT(busy->runs, 12u);
+    }
+}
+
+TEST_F(VSchedulerLoopTest, givesALoopAllItsRoundsInEachPassAndPool)
+{
+    const Nodes ring = makeRing("r", 2);
+    const auto second = Loam::makeStrong<ValuePool>("second");
+    for (const auto& each : {pool, second, pool}) {
+        EXPECT_EQ(runAll({ring[0]}, each).stopped, 1u);
+        EXPECT_THAT(runsOf(ring), Each(Limit));
+        EXPECT_EQ(warnings().size(), 1u);
+    }
+    for (const StrongPtr<Node>& node : ring)
+        countTo(node, 0);
+    EXPECT_EQ(runAll(ring, pool).stopped, 0u);
+}
+
+TEST_F(VSchedulerLoopTest, runsAnObjectThatReadsItselfUntilItIsContent)
+{
+    const auto self = makeNode("self");
+    connect(self, self);
+    countTo(self, 30);
+    EXPECT_EQ(runAll({self}, pool).stopped, 0u);
+    EXPECT_EQ(self->read(pool, "out"), 30);
+    EXPECT_THAT(runsOf({self}), ElementsAre(31));
+
+    countTo(self, 1e9);
+    EXPECT_EQ(runAll({self}, pool).stopped, 1u);
+    EXPECT_THAT(runsOf({self}), ElementsAre(Limit));
+    EXPECT_THAT(warnings(), ElementsAre(HasSubstr("Node \"self\"")));
+    self->detach(self->findSlot("in"));
+    EXPECT_EQ(runAll({self}, pool).updates, 1u);
+}
+
+TEST_F(VSchedulerLoopTest, stopsAnObjectThatSchedulesItselfForEver)
+{
+    const auto node = makeNode("restless");
+    const auto reader = makeNode("reader");
+    connect(node, reader);
+    node->work = [](Node& self, VRequest& request, double) {
+        VScheduler::schedule(WeakPtrImpl<Node>(&self).lock(), 0, request.valuePool());
+        return self.writeSum(request.valuePool());
+    };
+    EXPECT_EQ(runAll({node}, pool).stopped, 1u);
+    EXPECT_THAT(warnings(), ElementsAre(HasSubstr("Node \"restless\"")));
+    EXPECT_THAT(runsOf({node, reader}), ElementsAre(Limit, 1));
+}
+
+TEST_F(VSchedulerLoopTest, runsEverybodyOnceAgainWhenTheLoopIsOpened)
+{
+    for (std::size_t cut = 0; cut < 4; ++cut) {
+        SCOPED_TRACE(cut);
+        Nodes ring = makeRing("r", 4);
+        runAll({ring[0]}, pool);
+        EXPECT_EQ(warnings().size(), 1u);
+        runsOf(ring);
+        ring[cut]->detach(ring[cut]->findSlot("in"));
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_EQ(runAll(ring, pool).stopped, 0u);
+            EXPECT_THAT(runsOf(ring), Each(1u));
+        }
+        ring[cut].reset();
+        std::erase(ring, nullptr);
+        EXPECT_EQ(runAll(ring, pool).updates, 3u);
+        EXPECT_THAT(runsOf(ring), Each(1u));
+    }
+}
+
+TEST_F(VSchedulerLoopTest, runsEverybodyOnceAgainWhenAMemberOfTheLoopIsGone)
+{
+    for (std::size_t gone = 0; gone < 5; ++gone) {
+        SCOPED_TRACE(gone);
+        Nodes ring = makeRing("r", 5);
+        runAll({ring[2]}, pool);
+        EXPECT_EQ(warnings().size(), 1u);
+        runsOf(ring);
+        ring.erase(ring.begin() + static_cast<std::ptrdiff_t>(gone));
+        EXPECT_EQ(runAll(ring, pool).updates, 4u);
+        EXPECT_THAT(runsOf(ring), Each(1u));
+    }
+}
+
+TEST_F(VSchedulerLoopTest, findsALoopThatLeadsThroughPassedInputsAndComponents)
+{
+    const auto interval = makeNode("interval", {});
+    interval->addInput("in");
+    interval->addOutput<Interval>("interval");
+    interval->work = [](Node& self, VRequest& request, double) {
+        const double high = contentOf(self.findSlot("in")->getValueBase(request.valuePool()));
+        self.write(request.valuePool(), "interval", Interval{0, high});
+        return true;
+    };
+    const auto passing = makeNode("passing");
+    passing->registerOutput(passing->findSlot("in"));
+    passing->work = [](Node&, VRequest&, double) { return true; };
+    const auto adding = makeNode("adding");
+    connect(interval, passing, "in", "high", "interval");
+    connect(passing, adding, "in", "", "in");
+    connect(adding, interval);
+    EXPECT_EQ(runAll({interval}, pool).stopped, 1u);
+    EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("interval"), HasSubstr("adding"))));
+    EXPECT_EQ(adding->read(pool, "out"), Limit);
+}
+
+TEST_F(VSchedulerLoopTest, stopsALoopThatIsClosedWhileItRuns)
+{
+    const auto a = makeNode("a");
+    const auto b = makeNode("b");
+    connect(a, b);
+    b->work = [&](Node& self, VRequest& request, double) {
+        connect(b, a);
+        return self.writeSum(request.valuePool());
+    };
+    EXPECT_EQ(runAll({a}, pool).stopped, 1u);
+    EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("Node \"a\""), HasSubstr("Node \"b\""))));
+}
+
+TEST_F(VSchedulerLoopTest, isCancelledInTheMiddleOfALoop)
+{
+    const Nodes ring = makeRing("r", 2);
+    VRequest request(pool);
+    ring[0]->work = [](Node& self, VRequest& handed, double) {
+        if (self.runs == 10)
+            handed.cancel();
+        return self.writeSum(handed.valuePool());
+    };
+    VScheduler::schedule(ring[0], 0, pool);
+    const VScheduler::Summary summary = VScheduler::run(request);
+    EXPECT_EQ(summary.outcome, VScheduler::Outcome::Cancelled);
+    EXPECT_EQ(summary.stopped, 0u);
+    EXPECT_THAT(runsOf(ring), ElementsAre(10, 9));
+    EXPECT_TRUE(VScheduler::isDue(ring[0], pool));
+}
+
+TEST_F(VSchedulerLoopTest, stopsALargeLoopAfterAsManyRoundsAsASmallOne)
+{
+    const Nodes ring = makeRing("r", 500);
+    EXPECT_EQ(runAll({ring[250]}, pool).stopped, 1u);
+    EXPECT_EQ(warnings().size(), 1u);
+    EXPECT_THAT(runsOf(ring), Each(testing::Le(Limit)));
+}

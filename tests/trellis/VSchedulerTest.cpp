@@ -1,0 +1,680 @@
+#include <trellis/VScheduler.hpp>
+
+#include "support/Sanitizers.hpp"
+#include "support/TestNetwork.hpp"
+
+#include <algorithm>
+#include <numeric>
+#include <random>
+#include <stdexcept>
+
+using namespace Orla;
+using testing::AllOf;
+using testing::AnyOf;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+using Nodes = std::vector<StrongPtr<Node>>;
+using Outcome = VScheduler::Outcome;
+
+class VSchedulerTest : public FrameworkTest {
+protected:
+    StrongPtr<ValuePool> pool{new ValuePool("pool")};
+
+    // Objects that read each other in a row, evaluated once.
+    Nodes makeChain(std::size_t count) const
+    {
+        Nodes chain;
+        for (std::size_t i = 0; i < count; ++i) {
+            chain.push_back(makeNode(std::to_string(i)));
+            if (i > 0)
+                connect(chain[i - 1], chain[i]);
+        }
+        runAll(chain, pool);
+        runsOf(chain);
+        return chain;
+    }
+};
+
+// A network without loops that is changed at random, beside the plainest
+// possible idea of it: who reads whom, and what everybody should say.
+class RandomNetwork {
+public:
+    RandomNetwork(std::size_t count, unsigned seed, const StrongPtr<ValuePool>& pool)
+        : m_random{seed}, m_nodes(count), m_plan(count)
+    {
+        std::vector<std::size_t> creation(count);
+        std::iota(creation.begin(), creation.end(), 0u);
+        std::ranges::shuffle(creation, m_random);
+        for (const std::size_t i : creation)
+            make(i, pool);
+    }
+
+    /// Connects, cuts, writes, makes anew.
+    void change(const StrongPtr<ValuePool>& pool)
+    {
+        const std::size_t node = m_random() % m_nodes.size();
+        const std::size_t input = m_random() % Inputs;
+        const StrongPtr<VSlot> slot = m_nodes[node]->findSlot(nameOf(input));
+        Plan& plan = m_plan[node];
+        switch (m_random() % 8) {
+        case 0:
+        case 1:
+        case 2:
+            // Nobody reads a later one, so there are no loops.
+            if (node > 0 && plan.sources[input] != (m_connected = m_random() % node)) {
+                EXPECT_TRUE(connect(m_nodes[m_connected], m_nodes[node], nameOf(input)));
+                plan.sources[input] = m_connected;
+                plan.due = true;
+            }
+            break;
+        case 3:
+            plan.due |= m_nodes[node]->detach(slot);
+            plan.sources[input] = None;
+            break;
+        case 4:
+            if (m_random() % 4 == 0) {
+                for (Plan& each : m_plan) {
+                    for (std::size_t i = 0; i < Inputs; ++i) {
+                        if (each.sources[i] == node) {
+                            each.sources[i] = Gone;
+                            each.last[i] = plan.result;
+                        }
+                    }
+                }
+                make(node, pool);
+                break;
+            }
+            [[fallthrough]];
+        default:
+            if (plan.sources[input] == None) {
+                plan.values[input] = static_cast<double>(m_random() % 1000);
+                Node::write(pool, slot, plan.values[input]);
+                plan.due = true;
+            }
+        }
+    }
+
+    /// Runs what is due and compares with what should have happened.
+    void expectTheRightRuns(const StrongPtr<ValuePool>& pool)
+    {
+        std::size_t expectedRuns = 0;
+        for (std::size_t i = 0; i < m_plan.size(); ++i) {
+            Plan& plan = m_plan[i];
+            for (std::size_t input = 0; input < Inputs; ++input) {
+                const std::size_t source = plan.sources[input];
+                plan.due |= source < m_plan.size() && m_plan[source].due;
+            }
+            expectedRuns += plan.due;
+        }
+        const VScheduler::Summary summary = VScheduler::run(pool);
+        ASSERT_EQ(summary.outcome, Outcome::Done);
+        ASSERT_EQ(summary.updates, expectedRuns);
+        for (std::size_t i = 0; i < m_plan.size(); ++i) {
+            ASSERT_EQ(std::exchange(m_nodes[i]->runs, 0), m_plan[i].due ? 1u : 0u) << m_nodes[i]->Name();
+            if (m_plan[i].due)
+                evaluate(m_plan[i]);
+            if (m_plan[i].wasRun) {
+                ASSERT_EQ(m_nodes[i]->read(pool, "out"), m_plan[i].result) << m_nodes[i]->Name();
+            }
+        }
+    }
+
+private:
+    static constexpr std::size_t Inputs = 3;
+    static constexpr std::size_t None = ~std::size_t{0};
+    static constexpr std::size_t Gone = None - 1; // the source went, the last value stays
+
+    struct Plan {
+        std::size_t sources[Inputs] = {None, None, None};
+        double values[Inputs] = {};
+        double last[Inputs] = {}; // what a source said last before it went
+        double result = 0;
+        bool due = false;
+        bool wasRun = false;
+    };
+
+    static std::string nameOf(std::size_t input) { return "in " + std::to_string(input); }
+
+    void make(std::size_t i, const StrongPtr<ValuePool>& pool)
+    {
+        m_nodes[i] = makeNode(std::to_string(i), {nameOf(0), nameOf(1), nameOf(2)});
+        m_plan[i] = {};
+        m_plan[i].due = VScheduler::schedule(m_nodes[i], 0, pool);
+    }
+
+    void evaluate(Plan& plan)
+    {
+        double sum = 1;
+        for (std::size_t input = 0; input < Inputs; ++input) {
+            const std::size_t source = plan.sources[input];
+            sum += source == None ? plan.values[input]
+                   : source == Gone ? plan.last[input]
+                                    : m_plan[source].result;
+        }
+        plan.result = std::fmod(sum, Node::Modulus);
+        plan.due = false;
+        plan.wasRun = true;
+    }
+
+    std::mt19937 m_random;
+    std::size_t m_connected = 0;
+    Nodes m_nodes;
+    std::vector<Plan> m_plan;
+};
+
+} // namespace
+
+TEST_F(VSchedulerTest, runsADiamondOnceFromItsSourceOn)
+{
+    const auto source = makeNode("source");
+    const auto left = makeNode("left");
+    const auto right = makeNode("right");
+    const auto end = makeNode("end", {"left", "right"});
+    connect(left, end, "left");
+    connect(right, end, "right");
+    connect(source, left);
+    connect(source, right);
+    const Nodes nodes{end, right, left, source};
+    EXPECT_EQ(runAll(nodes, pool).updates, 4u);
+    EXPECT_THAT(runsOf(nodes), Each(1u));
+    EXPECT_EQ(end->read(pool, "out"), 5);
+
+    source->write(pool, "in", 10.0);
+    const VScheduler::Summary summary = VScheduler::run(pool);
+    EXPECT_EQ(summary.outcome, Outcome::Done);
+    EXPECT_EQ(summary.updates, 4u);
+    EXPECT_EQ(summary.failures + summary.stopped, 0u);
+    EXPECT_THAT(runsOf(nodes), Each(1u));
+    EXPECT_EQ(end->read(pool, "out"), 25);
+}
+
+TEST_F(VSchedulerTest, runsNothingWhoseInputsDidNotChange)
+{
+    const Nodes chain = makeChain(10);
+    EXPECT_EQ(VScheduler::run(pool).updates, 0u);
+    chain[6]->write(pool, "out", 100.0);
+    EXPECT_EQ(VScheduler::run(pool).updates, 3u);
+    EXPECT_THAT(runsOf(chain), ElementsAre(0, 0, 0, 0, 0, 0, 0, 1, 1, 1));
+
+    // One that finds nothing new to say ends the wave.
+    chain[4]->work = [](Node& self, VRequest& request, double) {
+        return self.writeIfDifferent(request.valuePool(), "out", 5.0) || true;
+    };
+    VScheduler::schedule(chain[2], 0, pool);
+    VScheduler::run(pool);
+    EXPECT_THAT(runsOf(chain), ElementsAre(0, 0, 1, 1, 1, 0, 0, 0, 0, 0));
+}
+
+TEST_F(VSchedulerTest, runsRandomNetworksRightWhateverChanged)
+{
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        SCOPED_TRACE(seed);
+        const auto each = Loam::makeStrong<ValuePool>();
+        RandomNetwork network(3 + seed % 20, seed, each);
+        for (int pass = 0; pass < 40; ++pass) {
+            for (int changes = (pass * 7 + static_cast<int>(seed)) % 12; changes >= 0; --changes)
+                network.change(each);
+            network.expectTheRightRuns(each);
+            if (HasFatalFailure())
+                return;
+        }
+    }
+}
+
+TEST_F(VSchedulerTest, runsALadderOfDiamondsInLinearlyManyUpdates)
+{
+    constexpr std::size_t Steps = 400;
+    Nodes nodes{makeNode("start")};
+    for (std::size_t i = 0; i < Steps; ++i) {
+        const auto left = makeNode("left");
+        const auto right = makeNode("right");
+        const auto join = makeNode("join", {"left", "right"});
+        connect(nodes.back(), left);
+        connect(nodes.back(), right);
+        connect(left, join, "left");
+        connect(right, join, "right");
+        nodes.insert(nodes.end(), {left, right, join});
+    }
+    EXPECT_EQ(runAll(nodes, pool).updates, nodes.size());
+    for (int i = 0; i < 3; ++i) {
+        nodes.front()->write(pool, "in", 1.0 * i);
+        EXPECT_EQ(VScheduler::run(pool).updates, nodes.size());
+    }
+}
+
+TEST_F(VSchedulerTest, runsAChainOfAMillionObjectsBuiltFromEitherEndOnAnOrdinaryStack)
+{
+#if defined(SANITIZED)
+    constexpr std::size_t Count = 100'000; // frames and objects are several times as large
+#else
+    constexpr std::size_t Count = 1'000'000;
+#endif
+    struct Link : VObject {
+        Link() : VObject{"link", 0, nullptr}, in{testParameter("in", 0.0)}, out{testParameter("out", 0.0)}
+        {
+            in->setCreator(WeakPtrImpl<VSlotContainer>(this));
+            addParameter("in", 0, in, true);
+            registerOutput(out, "out");
+            enableRequestProcessing();
+        }
+        bool update(VRequest& request, double) override
+        {
+            const double value = contentOf(inputs()[0]->getValueBase(request.valuePool()));
+            Node::write(request.valuePool(), outputs()[0], value + 1);
+            return true;
+        }
+        StrongPtr<VParameter> in, out;
+    };
+    for (const bool backwards : {false, true}) {
+        SCOPED_TRACE(backwards);
+        std::vector<StrongPtr<Link>> chain;
+        for (std::size_t i = 0; i < Count; ++i)
+            chain.push_back(Loam::makeStrong<Link>());
+        for (std::size_t i = 1; i < Count; ++i) {
+            const std::size_t reader = backwards ? Count - i : i;
+            chain[reader]->attachOutput(chain[reader - 1]->outputs()[0], chain[reader]->inputs()[0], "");
+        }
+        const auto each = Loam::makeStrong<ValuePool>();
+        Node::write(each, chain.front()->inputs()[0], 5.0);
+        EXPECT_EQ(VScheduler::run(each).updates, Count);
+        EXPECT_EQ(contentOf(chain.back()->out->getValueBase(each)), 5.0 + Count);
+    }
+}
+
+TEST_F(VSchedulerTest, runsEveryReaderOfOneOutputOnce)
+{
+    const auto source = makeNode("source");
+    Nodes readers;
+    for (int i = 0; i < 20'000; ++i) {
+        readers.push_back(makeNode("reader"));
+        connect(source, readers.back());
+    }
+    source->write(pool, "in", 3.0);
+    EXPECT_EQ(VScheduler::run(pool).updates, readers.size() + 1);
+    EXPECT_THAT(runsOf(readers), Each(1u));
+    EXPECT_EQ(readers.back()->read(pool, "out"), 5);
+}
+
+TEST_F(VSchedulerTest, knowsWhoIsDueAndWhereItTakesNobody)
+{
+    const auto node = makeNode("node");
+    EXPECT_FALSE(VScheduler::isDue(node, pool));
+    EXPECT_TRUE(VScheduler::schedule(node, 0, pool));
+    EXPECT_TRUE(VScheduler::isDue(node, pool));
+    EXPECT_TRUE(VScheduler::isDue(pool));
+    EXPECT_TRUE(VScheduler::schedule(node, 0, pool)) << "due already";
+    EXPECT_EQ(VScheduler::run(pool).updates, 1u);
+    EXPECT_FALSE(VScheduler::isDue(pool));
+
+    const StrongPtr<VObject> nobody;
+    const StrongPtr<ValuePool> nowhere;
+    EXPECT_FALSE(VScheduler::schedule(nobody, 0, pool));
+    EXPECT_FALSE(VScheduler::schedule(node, 0, nowhere));
+    EXPECT_FALSE(VScheduler::isDue(nobody, pool));
+    EXPECT_FALSE(VScheduler::isDue(node, nowhere));
+    EXPECT_FALSE(VScheduler::isDue(nowhere));
+    EXPECT_EQ(VScheduler::run(nowhere).outcome, Outcome::Done);
+    VRequest request(nowhere);
+    EXPECT_EQ(VScheduler::run(request).updates, 0u);
+    EXPECT_EQ(VScheduler::scheduleAll(nowhere), 0u);
+}
+
+TEST_F(VSchedulerTest, schedulesAllAnnouncedObjectsThatEvaluate)
+{
+    const Nodes chain = makeChain(3);
+    const auto notEnabled = Loam::makeStrong<Node>("not enabled");
+    for (const auto& node : {chain[2], chain[0], notEnabled})
+        VManagedObject::add(node);
+    const auto fresh = Loam::makeStrong<ValuePool>();
+    EXPECT_EQ(VScheduler::scheduleAll(fresh), 2u);
+    EXPECT_FALSE(VScheduler::isDue(chain[1], fresh));
+    EXPECT_EQ(VScheduler::run(fresh).updates, 3u);
+    EXPECT_EQ(notEnabled->runs, 0u);
+    for (const auto& node : {chain[2], chain[0], notEnabled})
+        VManagedObject::remove(node);
+}
+
+TEST_F(VSchedulerTest, handsThePrecisionToTheNextUpdateAlone)
+{
+    const auto node = makeNode("node");
+    std::vector<double> heard;
+    node->work = [&heard](Node&, VRequest&, double precision) {
+        heard.push_back(precision);
+        return true;
+    };
+    VScheduler::schedule(node, 0.5, pool);
+    VScheduler::schedule(node, 0.25, pool);
+    VScheduler::run(pool);
+    node->write(pool, "in", 1.0);
+    VScheduler::run(pool);
+    EXPECT_THAT(heard, ElementsAre(0.25, 0));
+}
+
+TEST_F(VSchedulerTest, handsTheRequestToEveryUpdate)
+{
+    const Nodes chain = makeChain(2);
+    std::vector<double> progress;
+    VRequest request(pool, [&progress](double fraction) { progress.push_back(fraction); });
+    for (const StrongPtr<Node>& node : chain) {
+        node->work = [](Node& self, VRequest& handed, double) {
+            handed.reportProgress(self.Name() == "0" ? 0.5 : 1);
+            return self.writeSum(handed.valuePool());
+        };
+    }
+    VScheduler::schedule(chain[0], 0, pool);
+    VScheduler::run(request);
+    EXPECT_THAT(progress, ElementsAre(0.5, 1));
+}
+
+TEST_F(VSchedulerTest, reportsWhateverAnUpdateThrowsAndGoesOn)
+{
+    const struct {
+        const char* name;
+        void (*fail)();
+        const char* message;
+    } cases[] = {
+        {"exception", [] { throw std::runtime_error{"no such file"}; }, "no such file"},
+        {"literal", [] { throw "plain text"; }, "plain text"},
+        {"null", [] { throw static_cast<const char*>(nullptr); }, ""},
+        {"string", [] { throw std::string{"a string"}; }, "a string"},
+        {"number", [] { throw 5; }, "no std::exception"},
+    };
+    for (const auto& [name, fail, message] : cases) {
+        SCOPED_TRACE(name);
+        const auto failing = makeNode(name);
+        const auto reader = makeNode("reader");
+        const auto independent = makeNode("independent");
+        connect(failing, reader);
+        runAll({failing, reader, independent}, pool);
+        runsOf({reader, independent});
+        failing->work = [fail = fail](Node&, VRequest&, double) -> bool {
+            fail();
+            return true;
+        };
+        VScheduler::schedule(failing, 0, pool);
+        VScheduler::schedule(independent, 0, pool);
+        const VScheduler::Summary summary = VScheduler::run(pool);
+        EXPECT_EQ(summary.outcome, Outcome::Done);
+        EXPECT_EQ(summary.updates, 2u);
+        EXPECT_EQ(summary.failures, 1u);
+        EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("Node \"" + std::string(name) + "\""),
+                                                  HasSubstr(message))));
+        EXPECT_EQ(independent->runs, 1u);
+        EXPECT_EQ(reader->runs, 0u);
+        EXPECT_EQ(reader->read(pool, "out"), 2) << "the last good values stay";
+
+        failing->work = nullptr;
+        VScheduler::schedule(failing, 0, pool);
+        EXPECT_EQ(VScheduler::run(pool).failures, 0u);
+        EXPECT_EQ(reader->runs, 1u);
+    }
+}
+
+TEST_F(VSchedulerTest, runsReadersOfWhatAnUpdateWroteBeforeItFailed)
+{
+    const Nodes chain = makeChain(3);
+    for (const bool throws : {true, false}) {
+        chain[0]->work = [throws](Node& self, VRequest& request, double) -> bool {
+            self.writeSum(request.valuePool());
+            if (throws)
+                throw std::runtime_error{"half way"};
+            return false;
+        };
+        VScheduler::schedule(chain[0], 0, pool);
+        const VScheduler::Summary summary = VScheduler::run(pool);
+        EXPECT_EQ(summary.failures, 1u);
+        EXPECT_EQ(summary.updates, 3u);
+        EXPECT_EQ(warnings().size(), throws ? 1u : 0u) << "false alone is the object's own business";
+    }
+}
+
+TEST_F(VSchedulerTest, survivesANotifierThatThrows)
+{
+    struct Throwing : VActionNotifier {
+        bool warned(const std::string&) override { throw 1; }
+    };
+    const auto notifier = Loam::makeStrong<Throwing>();
+    const auto node = makeNode("node");
+    node->work = [](Node&, VRequest&, double) -> bool { throw std::runtime_error{"failed"}; };
+    VScheduler::schedule(node, 0, pool);
+    VActionNotifier::add(notifier);
+    EXPECT_THROW(VScheduler::run(pool), int);
+    VActionNotifier::remove(notifier);
+    warnings();
+
+    node->work = nullptr;
+    node->write(pool, "in", 1.0);
+    EXPECT_TRUE(VScheduler::isDue(node, pool)) << "it is not taken for one that runs";
+    EXPECT_EQ(VScheduler::run(pool).outcome, Outcome::Done);
+    EXPECT_EQ(node->read(pool, "out"), 2);
+}
+
+TEST_F(VSchedulerTest, keepsWhatIsDueWhenItIsCancelled)
+{
+    const Nodes chain = makeChain(4);
+    VRequest cancelled(pool);
+    cancelled.cancel();
+    chain[0]->write(pool, "in", 5.0);
+    EXPECT_EQ(VScheduler::run(cancelled).outcome, Outcome::Cancelled);
+    EXPECT_THAT(runsOf(chain), Each(0u));
+    EXPECT_TRUE(VScheduler::isDue(chain[0], pool));
+
+    // The one that is cancelled half way is due again, with its precision.
+    std::vector<double> precisions;
+    chain[1]->work = [&precisions](Node& self, VRequest& request, double precision) {
+        precisions.push_back(precision);
+        self.writeSum(request.valuePool());
+        if (precisions.size() == 1)
+            request.cancel();
+        return true;
+    };
+    VScheduler::schedule(chain[1], 0.5, pool);
+    VRequest request(pool);
+    const VScheduler::Summary summary = VScheduler::run(request);
+    EXPECT_EQ(summary.outcome, Outcome::Cancelled);
+    EXPECT_EQ(summary.updates, 2u);
+    EXPECT_EQ(summary.failures, 0u);
+    EXPECT_THAT(runsOf(chain), ElementsAre(1, 1, 0, 0));
+    EXPECT_TRUE(VScheduler::isDue(chain[1], pool));
+    EXPECT_TRUE(VScheduler::isDue(chain[2], pool));
+
+    EXPECT_EQ(VScheduler::run(pool).updates, 3u);
+    EXPECT_THAT(runsOf(chain), ElementsAre(0, 1, 1, 1));
+    EXPECT_THAT(precisions, ElementsAre(0.5, 0.5));
+    EXPECT_EQ(chain[3]->read(pool, "out"), 9);
+}
+
+TEST_F(VSchedulerTest, refusesASecondRunInThePoolThatIsRunning)
+{
+    const Nodes chain = makeChain(3);
+    Outcome inner = Outcome::Done;
+    Outcome throughScope = Outcome::Done;
+    chain[0]->work = [&](Node& self, VRequest& request, double) {
+        self.writeSum(request.valuePool());
+        inner = VScheduler::run(request.valuePool()).outcome;
+        throughScope = VScheduler::run(request.valuePool()->scopeOf(self)).outcome;
+        return true;
+    };
+    VScheduler::schedule(chain[0], 0, pool);
+    EXPECT_EQ(VScheduler::run(pool).outcome, Outcome::Done);
+    EXPECT_EQ(inner, Outcome::Busy);
+    EXPECT_EQ(throughScope, Outcome::Busy);
+    EXPECT_THAT(runsOf(chain), Each(1u));
+}
+
+TEST_F(VSchedulerTest, runsAnotherPoolFromWithinAnUpdate)
+{
+    const Nodes chain = makeChain(3);
+    const auto inner = Loam::makeStrong<ValuePool>("inner");
+    double innerResult = 0;
+    chain[1]->work = [&](Node& self, VRequest& request, double) {
+        self.work = nullptr;
+        chain[0]->write(inner, "in", 100.0);
+        EXPECT_EQ(VScheduler::run(inner).updates, 3u);
+        innerResult = chain[2]->read(inner, "out");
+        return self.writeSum(request.valuePool());
+    };
+    chain[0]->write(pool, "in", 10.0);
+    EXPECT_EQ(VScheduler::run(pool).updates, 3u);
+    EXPECT_EQ(innerResult, 103);
+    EXPECT_EQ(chain[2]->read(pool, "out"), 13);
+}
+
+TEST_F(VSchedulerTest, keepsPoolsIndependent)
+{
+    const Nodes chain = makeChain(3);
+    const auto second = Loam::makeStrong<ValuePool>("second");
+    runAll(chain, second);
+    runsOf(chain);
+    chain[0]->write(pool, "in", 10.0);
+    EXPECT_FALSE(VScheduler::isDue(second));
+    EXPECT_EQ(VScheduler::run(second).updates, 0u);
+    EXPECT_EQ(VScheduler::run(pool).updates, 3u);
+    EXPECT_EQ(chain[2]->read(pool, "out"), 13);
+    EXPECT_EQ(chain[2]->read(second, "out"), 3);
+}
+
+TEST_F(VSchedulerTest, worksThroughAScopeOfThePoolAsThroughThePool)
+{
+    const auto node = makeNode("node");
+    StrongPtr<ValuePool> scope = pool->scopeOf(*node);
+    node->work = [this](Node& self, VRequest& request, double) {
+        // Only the request still knows the pool, and only through its scope.
+        pool.reset();
+        return self.writeSum(request.valuePool());
+    };
+    EXPECT_TRUE(VScheduler::schedule(node, 0, scope));
+    EXPECT_TRUE(VScheduler::isDue(node, scope));
+    EXPECT_EQ(VScheduler::run(scope).updates, 1u);
+    EXPECT_FALSE(VScheduler::schedule(node, 0, scope)) << "the pool is gone";
+}
+
+TEST_F(VSchedulerTest, keepsThePoolUntilTheRunIsOver)
+{
+    const Nodes chain = makeChain(3);
+    chain[0]->work = [this](Node& self, VRequest& request, double) {
+        pool.reset();
+        return self.writeSum(request.valuePool());
+    };
+    VScheduler::schedule(chain[0], 0, pool);
+    EXPECT_EQ(VScheduler::run(StrongPtr<ValuePool>(pool)).updates, 3u);
+    EXPECT_THAT(runsOf(chain), Each(1u));
+}
+
+TEST_F(VSchedulerTest, letsAnUpdateRemoveItsObjectAndOthersThatAreDue)
+{
+    Nodes nodes = makeChain(4);
+    auto doomed = makeNode("doomed");
+    const auto survivor = makeNode("survivor");
+    connect(nodes[0], doomed);
+    connect(doomed, survivor);
+    runAll({doomed}, pool);
+    runsOf(nodes);
+    const WeakPtrImpl<Node> itself = nodes[1];
+    nodes[1]->work = [&](Node& self, VRequest& request, double) {
+        self.writeSum(request.valuePool());
+        nodes[1].reset();
+        doomed.reset();
+        return true;
+    };
+    // The work is part of the object; it is kept alive until it has returned.
+    nodes[0]->write(pool, "in", 7.0);
+    const VScheduler::Summary summary = VScheduler::run(pool);
+    EXPECT_TRUE(itself.expired());
+    EXPECT_EQ(summary.updates, 4u);
+    EXPECT_EQ(nodes[3]->read(pool, "out"), 11);
+    EXPECT_EQ(Node::living, 4u);
+    EXPECT_EQ(survivor->runs, 1u);
+}
+
+TEST_F(VSchedulerTest, letsAnUpdateAddObjectsAndConnectThem)
+{
+    const Nodes chain = makeChain(3);
+    Nodes added;
+    chain[1]->work = [&](Node& self, VRequest& request, double) {
+        self.work = nullptr;
+        self.writeSum(request.valuePool());
+        // A detour in front of the next one, which is due already.
+        added = {makeNode("x"), makeNode("y"), makeNode("z")};
+        connect(chain[1], added[0]);
+        connect(added[0], added[1]);
+        connect(added[1], added[2]);
+        connect(added[2], chain[2]);
+        VScheduler::schedule(added[0], 0, request.valuePool());
+        return true;
+    };
+    chain[0]->write(pool, "in", 1.0);
+    EXPECT_EQ(VScheduler::run(pool).updates, 6u);
+    EXPECT_THAT(runsOf(chain), Each(1u));
+    EXPECT_THAT(runsOf(added), Each(1u));
+    EXPECT_EQ(chain[2]->read(pool, "out"), 7);
+}
+
+TEST_F(VSchedulerTest, letsAnUpdateDisconnectOthersAndItself)
+{
+    const Nodes chain = makeChain(4);
+    chain[1]->work = [&](Node& self, VRequest& request, double) {
+        self.work = nullptr;
+        self.writeSum(request.valuePool());
+        chain[3]->detach(chain[3]->findSlot("in"));
+        self.detach(self.findSlot("in"));
+        return true;
+    };
+    chain[0]->write(pool, "in", 1.0);
+    VScheduler::run(pool);
+    EXPECT_THAT(runsOf(chain), ElementsAre(1, 2, 1, 1)) << "its own new input is another one";
+    EXPECT_EQ(chain[2]->read(pool, "out"), 2);
+    EXPECT_EQ(chain[3]->read(pool, "out"), 1);
+}
+
+TEST_F(VSchedulerTest, doesNotRunAnObjectForAPassiveInput)
+{
+    const auto source = makeNode("source");
+    const auto node = makeNode("node", {});
+    node->addInput("active");
+    node->addInput("passive", 0.0, false);
+    connect(source, node, "passive");
+    runAll({node, source}, pool);
+    EXPECT_THAT(runsOf({node}), ElementsAre(1));
+    EXPECT_EQ(node->read(pool, "out"), 2) << "it still comes after what it reads";
+    source->write(pool, "in", 5.0);
+    VScheduler::run(pool);
+    EXPECT_EQ(node->runs, 0u);
+    node->write(pool, "active", 10.0);
+    VScheduler::run(pool);
+    EXPECT_EQ(node->read(pool, "out"), 17);
+}
+
+TEST_F(VSchedulerTest, doesNotRunAnObjectAgainForItsOwnInputThatItWrites)
+{
+    const auto node = makeNode("node");
+    const auto sharing = makeNode("sharing");
+    sharing->attachParameter(node->findSlot("in")->parameter(), sharing->findSlot("in"), "");
+    node->work = [](Node& self, VRequest& request, double) {
+        self.write(request.valuePool(), "in", 100.0);
+        return self.writeSum(request.valuePool());
+    };
+    runAll({node}, pool);
+    EXPECT_EQ(node->runs, 1u);
+    EXPECT_EQ(sharing->runs, 1u) << "others that read it do not know yet";
+    EXPECT_EQ(sharing->read(pool, "out"), 101);
+    node->write(pool, "in", 5.0);
+    EXPECT_TRUE(VScheduler::isDue(node, pool)) << "from outside it is a change like any other";
+}
+
+TEST_F(VSchedulerTest, runsAnObjectAgainThatSchedulesItself)
+{
+    const auto node = makeNode("node");
+    node->work = [](Node& self, VRequest& request, double precision) {
+        if (precision < 5)
+            VScheduler::schedule(WeakPtrImpl<Node>(&self).lock(), precision + 1, request.valuePool());
+        return true;
+    };
+    VScheduler::schedule(node, 1, pool);
+    EXPECT_EQ(VScheduler::run(pool).updates, 5u);
+}

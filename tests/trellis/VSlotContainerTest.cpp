@@ -1,0 +1,544 @@
+#include <trellis/VSlotContainer.hpp>
+
+#include "support/TestNetwork.hpp"
+
+using namespace Orla;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+class VSlotContainerTest : public FrameworkTest {
+protected:
+    StrongPtr<ValuePool> pool{new ValuePool("pool")};
+
+    // A node that passes its input "in" on, as an output of the same name.
+    static StrongPtr<Node> makePassing(const std::string& name)
+    {
+        auto node = makeNode(name);
+        EXPECT_TRUE(node->registerOutput(node->findSlot("in")));
+        node->work = [](Node&, VRequest&, double) { return true; };
+        return node;
+    }
+
+    static bool follow(const StrongPtr<Node>& passing, const StrongPtr<Node>& reader, const std::string& member = {})
+    {
+        return connect(passing, reader, "in", member, "in");
+    }
+
+    // What the input "in" of `node` reads now.
+    double input(const StrongPtr<Node>& node) const { return contentOf(node->findSlot("in")->getLocalValue(pool)); }
+};
+
+// Shows the names of the slots that it visits.
+struct Names : VSlotIterator {
+    bool apply(const StrongPtr<VSlot>& slot) override
+    {
+        names.push_back(slot->name());
+        if (reaction)
+            reaction(slot);
+        return slot->name() != last;
+    }
+    std::vector<std::string> names;
+    std::string last;
+    std::function<void(const StrongPtr<VSlot>&)> reaction;
+};
+
+std::vector<std::string> calls;
+void firstSetup(VSlotContainer*, const VSlotSet& inputs)
+{
+    calls.push_back("first with " + std::to_string(inputs.size()));
+}
+void secondSetup(VSlotContainer* that, const VSlotSet&)
+{
+    calls.push_back("second");
+    that->setupFunctions().insert(&firstSetup);
+    that->setupFunctions().erase(&secondSetup);
+}
+
+} // namespace
+
+TEST_F(VSlotContainerTest, holdsInputsAndOutputsByName)
+{
+    const auto node = Loam::makeStrong<Node>("node");
+    const auto parameter = testParameter("p", 1.0);
+    const StrongPtr<VSlot> input = node->addParameter("a", 3, parameter, true);
+    const StrongPtr<VSlot> passive = node->addParameter("b", 0, testParameter("q"), false);
+    const auto result = testParameter("r");
+    const StrongPtr<VSlot> output = node->registerOutput(result, "a");
+    EXPECT_EQ(node->findSlot("a"), input);
+    EXPECT_EQ(node->findOutput("a"), output);
+    EXPECT_FALSE(node->findSlot("c"));
+    EXPECT_FALSE(node->findOutput("b"));
+    EXPECT_EQ(input->expertLevel(), 3);
+    EXPECT_FALSE(input->hasFlag(VSlot::Passive));
+    EXPECT_TRUE(passive->hasFlag(VSlot::Passive));
+    EXPECT_TRUE(output->hasFlag(VSlot::Output));
+    EXPECT_EQ(result->source().lock(), node);
+    EXPECT_EQ(node->inputs().size(), 2u);
+    EXPECT_EQ(node->outputs().size(), 1u);
+}
+
+TEST_F(VSlotContainerTest, refusesASecondSlotOfANameAndSaysSo)
+{
+    const auto node = makeNode("node");
+    const StrongPtr<VSlot> input = node->findSlot("in");
+    const StrongPtr<VSlot> output = node->findOutput("out");
+    EXPECT_FALSE(node->addParameter("in", 0, testParameter("p"), true));
+    EXPECT_FALSE(node->registerOutput(testParameter("p"), "out"));
+    EXPECT_FALSE(node->addParameter("new", 0, nullptr, true));
+    EXPECT_FALSE(node->registerOutput(nullptr, "new"));
+    EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("input \"in\""), HasSubstr("Node \"node\"")),
+                                        AllOf(HasSubstr("output \"out\""), HasSubstr("Node \"node\"")),
+                                        AllOf(HasSubstr("input \"new\""), HasSubstr("Node \"node\"")),
+                                        AllOf(HasSubstr("output \"new\""), HasSubstr("Node \"node\""))));
+    EXPECT_EQ(node->findSlot("in"), input);
+    EXPECT_EQ(node->findOutput("out"), output);
+}
+
+TEST_F(VSlotContainerTest, leavesTheSourceOfAParameterThatIsOfferedASecondTime)
+{
+    const auto first = makeNode("first");
+    const auto second = makeNode("second");
+    const StrongPtr<VParameter> output = first->findOutput("out")->parameter();
+    EXPECT_TRUE(second->registerOutput(output, "first's"));
+    EXPECT_EQ(output->source().lock(), first);
+}
+
+TEST_F(VSlotContainerTest, removesAnInput)
+{
+    const auto writer = makeNode("writer");
+    const auto node = makeNode("node", {"in", "other"});
+    connect(writer, node);
+    StrongPtr<VSlot> input = node->findSlot("in");
+    EXPECT_TRUE(node->removeParameter(input));
+    EXPECT_FALSE(node->removeParameter(input));
+    EXPECT_FALSE(writer->removeParameter(node->findSlot("other")));
+    EXPECT_FALSE(node->removeParameter(nullptr));
+    EXPECT_FALSE(node->findSlot("in"));
+    EXPECT_EQ(input->container(), nullptr);
+    EXPECT_THAT(writer->findOutput("out")->parameter()->readers(), IsEmpty());
+    EXPECT_FALSE(node->attachOutput(writer->findOutput("out"), input, ""));
+    EXPECT_EQ(warnings().size(), 1u);
+    EXPECT_TRUE(node->addInput("in")) << "the name is free again";
+}
+
+TEST_F(VSlotContainerTest, isDueEverywhereWhenItsInputsOrConnectionsChange)
+{
+    const auto writer = makeNode("writer");
+    const auto node = makeNode("node");
+    const auto second = Loam::makeStrong<ValuePool>("second");
+    const auto untouched = Loam::makeStrong<ValuePool>("untouched");
+    const auto runBoth = [&] {
+        for (const auto& each : {pool, second})
+            runAll({node}, each);
+    };
+    const auto expectDue = [&](bool due) {
+        EXPECT_EQ(VScheduler::isDue(node, pool), due);
+        EXPECT_EQ(VScheduler::isDue(node, second), due);
+        EXPECT_FALSE(VScheduler::isDue(untouched));
+        runBoth();
+    };
+    runBoth();
+    expectDue(false);
+    const StrongPtr<VSlot> added = node->addInput("added");
+    expectDue(true);
+    node->removeParameter(added);
+    expectDue(true);
+    connect(writer, node);
+    expectDue(true);
+    connect(writer, node);
+    expectDue(false); // nothing changed
+    node->detach(node->findSlot("in"));
+    expectDue(true);
+}
+
+TEST_F(VSlotContainerTest, connectsReplacesAndDetaches)
+{
+    const auto first = makeNode("first");
+    const auto second = makeNode("second");
+    const auto reader = makeNode("reader");
+    const StrongPtr<VSlot> slot = reader->findSlot("in");
+    const StrongPtr<VParameter> own = slot->ownParameter();
+    EXPECT_FALSE(reader->detach(slot));
+
+    EXPECT_TRUE(connect(first, reader));
+    EXPECT_TRUE(slot->isConnected());
+    EXPECT_EQ(slot->parameter(), first->findOutput("out")->parameter());
+    EXPECT_EQ(slot->ownParameter(), own);
+    EXPECT_EQ(reader->findSlot(first->findOutput("out")->parameter()), slot);
+
+    EXPECT_TRUE(connect(second, reader));
+    EXPECT_EQ(slot->parameter(), second->findOutput("out")->parameter());
+    EXPECT_THAT(first->findOutput("out")->parameter()->readers(), IsEmpty());
+    EXPECT_FALSE(reader->findSlot(first->findOutput("out")->parameter()));
+
+    EXPECT_TRUE(reader->detach(slot));
+    EXPECT_EQ(slot->parameter(), own);
+    EXPECT_FALSE(slot->isConnected());
+    EXPECT_FALSE(reader->detach(slot));
+    EXPECT_FALSE(reader->detach(nullptr));
+    EXPECT_FALSE(first->detach(slot)) << "of another container";
+}
+
+TEST_F(VSlotContainerTest, refusesAnotherTypeNamingBothAndChangesNothing)
+{
+    const auto writer = makeNode("writer", {});
+    writer->addOutput<std::string>("text");
+    writer->addOutput<Interval>("interval");
+    const auto old = makeNode("old");
+    const auto reader = makeNode("reader");
+    connect(old, reader);
+    const StrongPtr<VSlot> slot = reader->findSlot("in");
+    runAll({reader}, pool);
+    const std::vector<VSlot*> readers = old->findOutput("out")->parameter()->readers();
+
+    const struct {
+        const char* output;
+        const char* member;
+        std::vector<std::string> mentions;
+    } cases[] = {
+        {"text", "", {"string", "double"}},
+        {"interval", "", {"Interval", "double"}},
+        {"interval", "middle", {"Interval", "\"middle\"", "low, high"}},
+        {"text", "low", {"string", "\"low\""}},
+    };
+    for (const auto& [output, member, mentions] : cases) {
+        SCOPED_TRACE(std::string(output) + '.' + member);
+        std::string reason;
+        EXPECT_FALSE(reader->attachOutput(writer->findOutput(output), slot, member, &reason));
+        EXPECT_THAT(warnings(), IsEmpty());
+        EXPECT_FALSE(connect(writer, reader, "in", member, output));
+        const std::vector<std::string> warned = warnings();
+        ASSERT_EQ(warned.size(), 1u);
+        for (const std::string& mention : mentions) {
+            EXPECT_THAT(reason, HasSubstr(mention));
+            EXPECT_THAT(warned[0], HasSubstr(mention));
+        }
+        EXPECT_THAT(warned[0], AllOf(HasSubstr("\"in\""), HasSubstr("\"reader\"")));
+    }
+    EXPECT_EQ(slot->parameter(), old->findOutput("out")->parameter());
+    EXPECT_EQ(slot->member(), "");
+    EXPECT_EQ(old->findOutput("out")->parameter()->readers(), readers);
+    EXPECT_FALSE(VScheduler::isDue(reader, pool));
+    EXPECT_THAT(writer->findOutput("text")->parameter()->readers(), IsEmpty());
+}
+
+TEST_F(VSlotContainerTest, refusesWhatIsNoInputOfItsOwn)
+{
+    const auto writer = makeNode("writer");
+    const auto reader = makeNode("reader");
+    std::string reason;
+    const StrongPtr<VSlot> out = writer->findOutput("out");
+    EXPECT_FALSE(writer->attachOutput(out, reader->findSlot("in"), "", &reason));
+    EXPECT_THAT(reason, HasSubstr("Node \"writer\""));
+    EXPECT_FALSE(reader->attachOutput(out, nullptr, "", &reason));
+    EXPECT_FALSE(reader->attachOutput(out, reader->findOutput("out"), "", &reason));
+    EXPECT_THAT(reason, HasSubstr("Node \"reader\""));
+    reason.clear();
+    EXPECT_FALSE(reader->attachOutput(nullptr, reader->findSlot("in"), "", &reason));
+    EXPECT_NE(reason, "");
+    EXPECT_FALSE(reader->attachParameter(nullptr, reader->findSlot("in"), "", &reason));
+    EXPECT_FALSE(reader->findSlot("in")->isConnected());
+}
+
+TEST_F(VSlotContainerTest, selectsAComponentAndWritesThroughIt)
+{
+    const auto writer = makeNode("writer", {});
+    writer->addOutput("interval", Interval{3, 4});
+    const auto reader = makeNode("reader");
+    EXPECT_TRUE(connect(writer, reader, "in", "low", "interval"));
+    EXPECT_EQ(input(reader), 3);
+    EXPECT_TRUE(connect(writer, reader, "in", "high", "interval")) << "another member is another connection";
+    EXPECT_EQ(reader->findSlot("in")->member(), "high");
+    EXPECT_EQ(input(reader), 4);
+    reader->write(pool, "in", 7.0);
+    EXPECT_EQ(writer->read<Interval>(pool, "interval"), (Interval{3, 7}));
+    reader->detach(reader->findSlot("in"));
+    EXPECT_EQ(reader->findSlot("in")->member(), "");
+    EXPECT_EQ(input(reader), 0);
+}
+
+TEST_F(VSlotContainerTest, readsTheInputOfAnotherContainer)
+{
+    const auto first = makeNode("first");
+    const auto second = makeNode("second");
+    EXPECT_TRUE(second->attachParameter(first->findSlot("in")->parameter(), second->findSlot("in"), ""));
+    first->write(pool, "in", 5.0);
+    EXPECT_TRUE(VScheduler::isDue(first, pool));
+    EXPECT_TRUE(VScheduler::isDue(second, pool));
+    EXPECT_EQ(input(second), 5);
+}
+
+TEST_F(VSlotContainerTest, findsTheInputThatReadsAParameterFromEitherSide)
+{
+    const auto parameter = testParameter("shared");
+    const auto many = makeNode("many", {});
+    for (int i = 0; i < 30; ++i)
+        many->addInput("in " + std::to_string(i));
+    EXPECT_FALSE(many->findSlot(parameter));
+    EXPECT_FALSE(many->findSlot(StrongPtr<VParameter>()));
+    many->attachParameter(parameter, many->findSlot("in 17"), "");
+    EXPECT_EQ(many->findSlot(parameter), many->findSlot("in 17"));
+    std::vector<StrongPtr<Node>> readers;
+    for (int i = 0; i < 50; ++i) {
+        readers.push_back(makeNode("reader"));
+        readers.back()->attachParameter(parameter, readers.back()->findSlot("in"), "");
+    }
+    EXPECT_EQ(many->findSlot(parameter), many->findSlot("in 17"));
+    EXPECT_EQ(readers[40]->findSlot(parameter), readers[40]->findSlot("in"));
+    EXPECT_FALSE(makeNode("none")->findSlot(parameter));
+}
+
+TEST_F(VSlotContainerTest, visitsInputsFromAnExpertLevelOn)
+{
+    const auto node = Loam::makeStrong<Node>("node");
+    for (const auto& [name, level] : {std::pair{"a", 0}, {"b", 5}, {"c", 2}, {"d", -1}, {"e", 5}})
+        node->addParameter(name, level, testParameter(name), true);
+    Names names;
+    EXPECT_TRUE(node->iterateParameters(names, 2));
+    EXPECT_THAT(names.names, ElementsAre("b", "c", "e"));
+    Names ended;
+    ended.last = "b";
+    EXPECT_FALSE(node->iterateParameters(ended, -10));
+    EXPECT_THAT(ended.names, ElementsAre("a", "b"));
+}
+
+TEST_F(VSlotContainerTest, letsInputsBeAddedAndRemovedDuringAVisit)
+{
+    const auto node = makeNode("node", {"a", "b", "c"});
+    Names names;
+    names.reaction = [&node](const StrongPtr<VSlot>& slot) {
+        if (slot->name() == "a") {
+            node->removeParameter(node->findSlot("b"));
+            node->removeParameter(slot);
+            for (int i = 0; i < 50; ++i)
+                node->addInput(std::to_string(i));
+        }
+    };
+    EXPECT_TRUE(node->iterateParameters(names, 0));
+    EXPECT_THAT(names.names, ElementsAre("a", "c"));
+}
+
+TEST_F(VSlotContainerTest, runsEachSetupFunctionOnceWithItsInputs)
+{
+    const auto node = makeNode("node", {"a", "b"});
+    EXPECT_TRUE(node->setupFunctions().insert(&firstSetup).second);
+    EXPECT_FALSE(node->setupFunctions().insert(&firstSetup).second);
+    calls.clear();
+    node->runSetupFunctions();
+    EXPECT_THAT(calls, ElementsAre("first with 2"));
+
+    node->setupFunctions() = {&secondSetup};
+    calls.clear();
+    node->runSetupFunctions();
+    EXPECT_THAT(calls, ElementsAre("second")) << "one that is added meanwhile has its turn the next time";
+    node->runSetupFunctions();
+    EXPECT_THAT(calls, ElementsAre("second", "first with 2"));
+}
+
+TEST_F(VSlotContainerTest, describesItselfByTypeAndName)
+{
+    EXPECT_EQ(makeNode("scene")->describe(), "Node \"scene\"");
+    struct Bare : VSlotContainer {};
+    EXPECT_EQ(Loam::makeStrong<Bare>()->describe(), "Bare");
+    EXPECT_EQ(Loam::makeStrong<Bare>()->object(), nullptr);
+    const auto node = makeNode("node");
+    EXPECT_EQ(node->object(), node.get());
+}
+
+TEST_F(VSlotContainerTest, passesAnInputOnAsAnOutput)
+{
+    const auto passing = makePassing("passing");
+    EXPECT_EQ(passing->findOutput("in"), passing->findSlot("in"));
+    const auto other = makeNode("other");
+    EXPECT_FALSE(other->registerOutput(passing->findSlot("in"))) << "of another container";
+    EXPECT_FALSE(passing->registerOutput(passing->findSlot("in"))) << "a second time";
+    EXPECT_FALSE(passing->registerOutput(StrongPtr<VSlot>()));
+
+    follow(passing, other);
+    passing->write(pool, "in", 5.0);
+    EXPECT_EQ(input(other), 5);
+    EXPECT_TRUE(VScheduler::isDue(other, pool));
+}
+
+TEST_F(VSlotContainerTest, takesItsFollowersAlongWhenAPassedInputIsConnectedAnew)
+{
+    const auto first = makeNode("first");
+    const auto second = makeNode("second");
+    std::vector<StrongPtr<Node>> passing;
+    for (const char* name : {"p0", "p1", "p2"}) {
+        passing.push_back(makePassing(name));
+        if (passing.size() > 1)
+            follow(passing[passing.size() - 2], passing.back());
+    }
+    const auto reader = makeNode("reader");
+    follow(passing.back(), reader);
+    const auto expectAllToRead = [&](const StrongPtr<Node>& source) {
+        const StrongPtr<VParameter> expected = source->findOutput("out")->parameter();
+        for (const StrongPtr<Node>& node : {passing[0], passing[1], passing[2], reader})
+            EXPECT_EQ(node->findSlot("in")->parameter(), expected) << node->Name();
+        EXPECT_EQ(expected->readers().size(), 4u);
+    };
+    connect(first, passing[0]);
+    expectAllToRead(first);
+    connect(second, passing[0]);
+    expectAllToRead(second);
+    EXPECT_THAT(first->findOutput("out")->parameter()->readers(), IsEmpty());
+
+    passing[0]->detach(passing[0]->findSlot("in"));
+    EXPECT_EQ(reader->findSlot("in")->parameter(), passing[0]->findSlot("in")->ownParameter());
+    passing[0]->write(pool, "in", 8.0);
+    EXPECT_EQ(input(reader), 8);
+}
+
+TEST_F(VSlotContainerTest, takesNobodyAlongWhoWasConnectedElsewhereSince)
+{
+    const auto first = makeNode("first");
+    const auto second = makeNode("second");
+    const auto passing = makePassing("passing");
+    connect(first, passing);
+    const auto elsewhere = makeNode("elsewhere");
+    const auto detached = makeNode("detached");
+    const auto direct = makeNode("direct");
+    const auto direct2 = makeNode("direct through its parameter");
+    for (const StrongPtr<Node>& node : {elsewhere, detached, direct, direct2})
+        follow(passing, node);
+    connect(second, elsewhere);
+    detached->detach(detached->findSlot("in"));
+    connect(first, direct); // what it reads already, but no longer because "passing" does
+    direct2->attachParameter(first->findOutput("out")->parameter(), direct2->findSlot("in"), "");
+
+    const auto third = makeNode("third");
+    connect(third, passing);
+    EXPECT_EQ(elsewhere->findSlot("in")->parameter(), second->findOutput("out")->parameter());
+    EXPECT_FALSE(detached->findSlot("in")->isConnected());
+    EXPECT_EQ(direct->findSlot("in")->parameter(), first->findOutput("out")->parameter());
+    EXPECT_EQ(direct2->findSlot("in")->parameter(), first->findOutput("out")->parameter());
+}
+
+TEST_F(VSlotContainerTest, followsAgainAfterADetour)
+{
+    const auto first = makeNode("first");
+    const auto second = makeNode("second");
+    const auto passing = makePassing("passing");
+    const auto reader = makeNode("reader");
+    connect(first, passing);
+    for (int i = 0; i < 3; ++i) {
+        follow(passing, reader);
+        connect(first, reader);
+    }
+    follow(passing, reader);
+    connect(second, passing);
+    EXPECT_EQ(reader->findSlot("in")->parameter(), second->findOutput("out")->parameter());
+    EXPECT_EQ(second->findOutput("out")->parameter()->readers().size(), 2u);
+}
+
+TEST_F(VSlotContainerTest, passesOnTheComponentThatAnInputReads)
+{
+    const auto writer = makeNode("writer", {});
+    writer->addOutput("interval", Interval{3, 4});
+    const auto passing = makePassing("passing");
+    const auto early = makeNode("early");
+    const auto late = makeNode("late");
+    follow(passing, early);
+    ASSERT_TRUE(connect(writer, passing, "in", "high", "interval"));
+    ASSERT_TRUE(follow(passing, late));
+    EXPECT_EQ(input(passing), 4);
+    EXPECT_EQ(input(early), 4);
+    EXPECT_EQ(input(late), 4);
+
+    ASSERT_TRUE(connect(writer, passing, "in", "low", "interval"));
+    EXPECT_EQ(input(early), 3);
+    EXPECT_EQ(input(late), 3);
+
+    const auto plain = makeNode("plain");
+    connect(plain, passing);
+    EXPECT_EQ(early->findSlot("in")->member(), "");
+    EXPECT_EQ(input(late), 0);
+}
+
+TEST_F(VSlotContainerTest, selectsAComponentOfAPassedInputThatReadsAComponent)
+{
+    const auto writer = makeNode("writer", {});
+    writer->addOutput("framed", Framed{{3, 4}, 5});
+    writer->addOutput("interval", Interval{7, 8});
+    const auto passing = makeNode("passing", {});
+    passing->addInput<Interval>("in", {1, 2});
+    passing->registerOutput(passing->findSlot("in"));
+    const auto reader = makeNode("reader");
+    ASSERT_TRUE(follow(passing, reader, "high"));
+    EXPECT_EQ(input(reader), 2);
+    ASSERT_TRUE(connect(writer, passing, "in", "inner", "framed"));
+    EXPECT_EQ(input(reader), 4);
+    ASSERT_TRUE(connect(writer, passing, "in", "", "interval"));
+    EXPECT_EQ(input(reader), 8);
+    ASSERT_TRUE(connect(writer, passing, "in", "inner", "framed"));
+    ASSERT_TRUE(follow(passing, reader, "low"));
+    EXPECT_EQ(input(reader), 3);
+    passing->detach(passing->findSlot("in"));
+    EXPECT_EQ(input(reader), 1);
+}
+
+TEST_F(VSlotContainerTest, endsAtARingOfPassedInputs)
+{
+    const auto source = makeNode("source");
+    std::vector<StrongPtr<Node>> ring;
+    for (const char* name : {"r0", "r1", "r2"}) {
+        ring.push_back(makePassing(name));
+        if (ring.size() > 1)
+            follow(ring[ring.size() - 2], ring.back());
+    }
+    EXPECT_TRUE(follow(ring.back(), ring.front()));
+    const StrongPtr<VParameter> before = ring[0]->findSlot("in")->parameter();
+    for (const StrongPtr<Node>& node : ring)
+        EXPECT_EQ(node->findSlot("in")->parameter(), before);
+
+    connect(source, ring[1]);
+    for (const StrongPtr<Node>& node : ring)
+        EXPECT_EQ(node->findSlot("in")->parameter(), source->findOutput("out")->parameter());
+    ring[1]->detach(ring[1]->findSlot("in"));
+    for (const StrongPtr<Node>& node : ring)
+        EXPECT_EQ(node->findSlot("in")->parameter(), ring[1]->findSlot("in")->ownParameter());
+
+    // One that reads itself is the shortest ring.
+    const auto self = makePassing("self");
+    EXPECT_TRUE(follow(self, self));
+    connect(source, self);
+    EXPECT_EQ(self->findSlot("in")->parameter(), source->findOutput("out")->parameter());
+}
+
+TEST_F(VSlotContainerTest, survivesFollowersAndPassersThatGo)
+{
+    const auto source = makeNode("source");
+    auto passing = makePassing("passing");
+    auto follower = makeNode("follower");
+    const auto staying = makeNode("staying");
+    follow(passing, follower);
+    follow(passing, staying);
+    follower.reset();
+    connect(source, passing);
+    EXPECT_EQ(staying->findSlot("in")->parameter(), source->findOutput("out")->parameter());
+    passing->removeParameter(passing->findSlot("in"));
+    EXPECT_FALSE(passing->findOutput("in"));
+    EXPECT_EQ(staying->findSlot("in")->parameter(), source->findOutput("out")->parameter());
+    passing.reset();
+    EXPECT_EQ(source->findOutput("out")->parameter()->readers().size(), 1u);
+}
+
+TEST_F(VSlotContainerTest, leavesItsReadersWithTheLastValuesWhenItGoes)
+{
+    auto writer = makeNode("writer");
+    const auto reader = makeNode("reader");
+    connect(writer, reader);
+    runAll({writer, reader}, pool);
+    const StrongPtr<VParameter> output = writer->findOutput("out")->parameter();
+    writer.reset();
+    EXPECT_FALSE(output->owner());
+    EXPECT_TRUE(reader->findSlot("in")->isConnected());
+    EXPECT_EQ(input(reader), 1);
+    EXPECT_EQ(runAll({reader}, pool).failures, 0u);
+    EXPECT_EQ(reader->read(pool, "out"), 2);
+}

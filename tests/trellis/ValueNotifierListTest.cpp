@@ -1,0 +1,252 @@
+#include <trellis/ValueNotifierList.hpp>
+
+#include "support/TestNetwork.hpp"
+
+#include <functional>
+
+using namespace Orla;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+struct Listener : VValueListener {
+    explicit Listener(std::function<void()> theReaction = {}) : reaction{std::move(theReaction)} {}
+
+    void valueChanged(const ValueNotifierList& source, const StrongPtr<ValuePool>& pool) override
+    {
+        ++heard;
+        lastSource = &source;
+        lastPool = pool;
+        if (reaction)
+            reaction();
+    }
+
+    std::function<void()> reaction;
+    int heard = 0;
+    const ValueNotifierList* lastSource = nullptr;
+    StrongPtr<ValuePool> lastPool;
+};
+
+class ValueNotifierListTest : public FrameworkTest {
+protected:
+    StrongPtr<ValuePool> pool{new ValuePool("pool")};
+    StrongPtr<VParameter> parameter = testParameter("limit");
+
+    void change() const { parameter->notifyValueChange(nullptr, pool); }
+};
+
+} // namespace
+
+TEST_F(ValueNotifierListTest, tellsEachListenerOnce)
+{
+    const auto first = Loam::makeStrong<Listener>();
+    const auto second = Loam::makeStrong<Listener>();
+    EXPECT_TRUE(parameter->addListener(first));
+    EXPECT_TRUE(parameter->addListener(second));
+    EXPECT_FALSE(parameter->addListener(first));
+    EXPECT_FALSE(parameter->addListener(nullptr));
+    change();
+    EXPECT_EQ(first->heard, 1);
+    EXPECT_EQ(second->heard, 1);
+    EXPECT_EQ(first->lastSource, parameter.get());
+    EXPECT_EQ(first->lastPool, pool);
+}
+
+TEST_F(ValueNotifierListTest, tellsOfTheInitialValueWithoutAPool)
+{
+    const auto listener = Loam::makeStrong<Listener>();
+    parameter->addListener(listener);
+    parameter->touch();
+    EXPECT_EQ(listener->heard, 1);
+    EXPECT_FALSE(listener->lastPool);
+}
+
+TEST_F(ValueNotifierListTest, tellsThemInTheOrderOfAdding)
+{
+    std::vector<int> order;
+    std::vector<StrongPtr<Listener>> listeners;
+    for (int i = 0; i < 5; ++i) {
+        listeners.push_back(Loam::makeStrong<Listener>([&order, i] { order.push_back(i); }));
+        parameter->addListener(listeners.back());
+    }
+    parameter->removeListener(*listeners[1]);
+    change();
+    EXPECT_THAT(order, ElementsAre(0, 2, 3, 4));
+}
+
+TEST_F(ValueNotifierListTest, keepsNoListenerAlive)
+{
+    auto listener = Loam::makeStrong<Listener>();
+    parameter->addListener(listener);
+    EXPECT_EQ(listener.referenceBlock()->strongCount(), 1u);
+    listener.reset();
+    change();
+}
+
+TEST_F(ValueNotifierListTest, removesAListenerOnce)
+{
+    const auto listener = Loam::makeStrong<Listener>();
+    EXPECT_FALSE(parameter->removeListener(*listener));
+    parameter->addListener(listener);
+    EXPECT_TRUE(parameter->removeListener(*listener));
+    EXPECT_FALSE(parameter->removeListener(*listener));
+    change();
+    EXPECT_EQ(listener->heard, 0);
+    EXPECT_TRUE(parameter->addListener(listener));
+    change();
+    EXPECT_EQ(listener->heard, 1);
+}
+
+TEST_F(ValueNotifierListTest, tellsAListenerThatWasAddedMeanwhileFromTheNextTimeOn)
+{
+    const auto late = Loam::makeStrong<Listener>();
+    // Many, so that the list moves in memory.
+    std::vector<StrongPtr<Listener>> more;
+    const auto first = Loam::makeStrong<Listener>([&] {
+        parameter->addListener(late);
+        for (int i = 0; i < 100; ++i) {
+            more.push_back(Loam::makeStrong<Listener>());
+            parameter->addListener(more.back());
+        }
+    });
+    const auto second = Loam::makeStrong<Listener>();
+    parameter->addListener(first);
+    parameter->addListener(second);
+    change();
+    EXPECT_EQ(second->heard, 1);
+    EXPECT_EQ(late->heard, 0);
+    first->reaction = nullptr;
+    change();
+    EXPECT_EQ(late->heard, 1);
+    EXPECT_EQ(second->heard, 2);
+}
+
+TEST_F(ValueNotifierListTest, tellsNothingMoreToAListenerThatWasRemovedMeanwhile)
+{
+    const auto removed = Loam::makeStrong<Listener>();
+    const auto behind = Loam::makeStrong<Listener>();
+    const auto remover = Loam::makeStrong<Listener>([&] { parameter->removeListener(*removed); });
+    const auto leaver = Loam::makeStrong<Listener>();
+    leaver->reaction = [&] { parameter->removeListener(*leaver); };
+    for (const auto& listener : {leaver, remover, removed, behind})
+        parameter->addListener(listener);
+    change();
+    EXPECT_EQ(removed->heard, 0);
+    EXPECT_EQ(behind->heard, 1);
+    change();
+    EXPECT_EQ(leaver->heard, 1);
+    EXPECT_EQ(remover->heard, 2);
+    EXPECT_EQ(behind->heard, 2);
+}
+
+TEST_F(ValueNotifierListTest, tellsAListenerThatWasRemovedAndAddedAgainFromTheNextTimeOn)
+{
+    const auto moved = Loam::makeStrong<Listener>();
+    const auto mover = Loam::makeStrong<Listener>([&] {
+        EXPECT_TRUE(parameter->removeListener(*moved));
+        EXPECT_TRUE(parameter->addListener(moved));
+    });
+    parameter->addListener(mover);
+    parameter->addListener(moved);
+    change();
+    EXPECT_EQ(moved->heard, 0);
+    mover->reaction = nullptr;
+    change();
+    EXPECT_EQ(moved->heard, 1);
+}
+
+TEST_F(ValueNotifierListTest, survivesListenersThatAreDestroyedMeanwhile)
+{
+    auto doomed = Loam::makeStrong<Listener>();
+    StrongPtr<Listener> itself;
+    const auto first = Loam::makeStrong<Listener>([&] { doomed.reset(); });
+    itself = Loam::makeStrong<Listener>([&] { itself.reset(); });
+    const auto last = Loam::makeStrong<Listener>();
+    parameter->addListener(first);
+    parameter->addListener(itself);
+    parameter->addListener(doomed);
+    parameter->addListener(last);
+    change();
+    EXPECT_FALSE(doomed);
+    EXPECT_FALSE(itself);
+    EXPECT_EQ(last->heard, 1);
+    change();
+    EXPECT_EQ(last->heard, 2);
+}
+
+TEST_F(ValueNotifierListTest, survivesTheEndOfItselfMeanwhile)
+{
+    const auto first = Loam::makeStrong<Listener>([&] { parameter.reset(); });
+    const auto second = Loam::makeStrong<Listener>();
+    parameter->addListener(first);
+    parameter->addListener(second);
+    change();
+    EXPECT_FALSE(parameter);
+    EXPECT_EQ(second->heard, 1);
+    EXPECT_EQ(livingTestValues, 0u);
+}
+
+TEST_F(ValueNotifierListTest, tellsOfChangesThatAListenerMakes)
+{
+    const auto second = Loam::makeStrong<Listener>();
+    const auto first = Loam::makeStrong<Listener>();
+    first->reaction = [&] {
+        if (first->heard < 3) {
+            change();
+            parameter->removeListener(*second);
+        }
+    };
+    parameter->addListener(first);
+    parameter->addListener(second);
+    change();
+    EXPECT_EQ(first->heard, 3);
+    EXPECT_EQ(second->heard, 1) << "the innermost notification alone came before it was removed";
+    change();
+    EXPECT_EQ(second->heard, 1);
+}
+
+TEST_F(ValueNotifierListTest, goesOnAfterAListenerThatThrows)
+{
+    const auto thrower = Loam::makeStrong<Listener>([] { throw 1; });
+    const auto leaver = Loam::makeStrong<Listener>();
+    parameter->addListener(thrower);
+    parameter->addListener(leaver);
+    EXPECT_THROW(change(), int);
+    parameter->removeListener(*thrower);
+    change();
+    EXPECT_EQ(leaver->heard, 1);
+}
+
+TEST_F(ValueNotifierListTest, knowsItsLivingShadowsInOrder)
+{
+    auto first = Loam::makeStrong<ValuePool>("first");
+    const auto second = Loam::makeStrong<ValuePool>("second");
+    parameter->addShadow(first);
+    parameter->addShadow(first);
+    parameter->addShadow(second);
+    parameter->addShadow(nullptr);
+    EXPECT_THAT(parameter->shadows(), ElementsAre(first, second));
+
+    const auto other = testParameter("other");
+    other->addShadow(pool);
+    other->copyShadows(*parameter);
+    EXPECT_THAT(other->shadows(), ElementsAre(pool, first, second));
+    first.reset();
+    EXPECT_THAT(parameter->shadows(), ElementsAre(second));
+    EXPECT_THAT(other->shadows(), ElementsAre(pool, second));
+}
+
+TEST_F(ValueNotifierListTest, remembersNoShadowThatIsGone)
+{
+    std::vector<WeakPtrImpl<ValuePool>> watched;
+    for (int i = 0; i < 1000; ++i) {
+        const auto shortLived = Loam::makeStrong<ValuePool>();
+        parameter->addShadow(shortLived);
+        watched.emplace_back(shortLived);
+    }
+    EXPECT_THAT(parameter->shadows(), IsEmpty());
+    const auto remembered = std::ranges::count_if(
+        watched, [](const WeakPtrImpl<ValuePool>& each) { return each.referenceBlock()->weakCount() > 1; });
+    EXPECT_LT(remembered, 20);
+}

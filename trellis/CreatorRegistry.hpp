@@ -1,0 +1,89 @@
+#pragma once
+
+#include <trellis/Export.hpp>
+
+#include <loam/WeakPtr.hpp>
+
+#include <cstddef>
+#include <map>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Orla {
+
+/// What creators are registered under which name. Holds weak references: what a
+/// library registered is gone when the library unloads.
+///
+/// A second creator of the same type waits behind the first and steps in when
+/// the first goes. A different type under a taken name is refused.
+///
+/// The registry is locked; it may be asked and walked while libraries come and go.
+template<class Creator>
+class CreatorRegistry {
+public:
+    /// Registers \p creator of the type with the key \p typeKey; \p owner says in
+    /// reports where it comes from. Returns the owner of another type that has
+    /// the name already, or the empty text when the creator was accepted.
+    std::string add(const Loam::WeakPtrImpl<Creator>& creator, const std::string& name, const std::string& typeKey,
+                    const std::string& owner)
+    {
+        const std::lock_guard lock{m_mutex};
+        std::vector<Candidate>& candidates = m_candidates[name];
+        std::erase_if(candidates, [](const Candidate& candidate) { return candidate.creator.expired(); });
+        for (const Candidate& candidate : candidates) {
+            if (candidate.typeKey != typeKey)
+                return candidate.owner;
+        }
+        for (const Candidate& candidate : candidates) {
+            if (candidate.creator == creator)
+                return {};
+        }
+        candidates.push_back({creator, typeKey, owner});
+        return {};
+    }
+
+    /// The creator that answers to \p name now, or null.
+    Loam::StrongPtr<Creator> find(std::string_view name) const
+    {
+        const std::lock_guard lock{m_mutex};
+        const auto entry = m_candidates.find(name);
+        if (entry == m_candidates.end())
+            return nullptr;
+        return firstAlive(entry->second);
+    }
+
+    /// The names that answer now, in alphabetic order.
+    std::vector<std::string> names() const
+    {
+        const std::lock_guard lock{m_mutex};
+        std::vector<std::string> names;
+        for (const auto& [name, candidates] : m_candidates) {
+            if (firstAlive(candidates))
+                names.push_back(name);
+        }
+        return names;
+    }
+
+private:
+    struct Candidate {
+        Loam::WeakPtrImpl<Creator> creator;
+        std::string typeKey;
+        std::string owner;
+    };
+
+    static Loam::StrongPtr<Creator> firstAlive(const std::vector<Candidate>& candidates)
+    {
+        for (const Candidate& candidate : candidates) {
+            if (Loam::StrongPtr<Creator> creator = candidate.creator.lock())
+                return creator;
+        }
+        return nullptr;
+    }
+
+    mutable std::mutex m_mutex;
+    std::map<std::string, std::vector<Candidate>, std::less<>> m_candidates;
+};
+
+} // namespace Orla

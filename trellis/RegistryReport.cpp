@@ -1,0 +1,29 @@
+#include <trellis/RegistryReport.hpp>
+
+#include <trellis/VActionNotifier.hpp>
+
+#include <loam/Environment.hpp>
+#include <loam/TypeInfo.hpp>
+
+namespace Orla {
+
+std::string ownerOf(const std::type_info& type, const std::type_info& creator)
+{
+    // The registered display name may be the very name that is in dispute.
+    std::string owner = "type " + Loam::typeKey(type);
+    if (const std::string library = Loam::getLibraryPath(&creator); !library.empty())
+        owner += " of " + library;
+    return owner;
+}
+
+bool acceptedOrReported(const char* kind, const std::string& name, const std::string& owner,
+                        const std::string& holder)
+{
+    if (holder.empty())
+        return true;
+    VActionNotifier::Warning(std::string("The ") + kind + " name \"" + name + "\" is taken by " + holder
+                             + "; refused for " + owner);
+    return false;
+}
+
+} // namespace Orla

@@ -1,0 +1,46 @@
+#include <trellis/TypedSlotCreator.hpp>
+
+#include <trellis/CreatorRegistry.hpp>
+#include <trellis/RegistryReport.hpp>
+
+#include <loam/TypeInfo.hpp>
+
+namespace Orla {
+
+namespace {
+
+CreatorRegistry<TypedSlotCreator>& registry()
+{
+    static CreatorRegistry<TypedSlotCreator> theRegistry;
+    return theRegistry;
+}
+
+} // namespace
+
+std::atomic<int> TypedSlotCreator::InternalTypeCreatorAccessory{0};
+
+TypedSlotCreator::~TypedSlotCreator() = default;
+
+bool TypedSlotCreator::registerTypedSlotCreator(const std::type_info& type,
+                                                const WeakPtrImpl<TypedSlotCreator>& creator)
+{
+    const StrongPtr<TypedSlotCreator> alive = creator.lock();
+    if (!alive)
+        return false;
+    const TypedSlotCreator& self = *alive;
+    // The key is the type, so two types never meet under one.
+    const std::string key = Loam::typeKey(type);
+    return registry().add(creator, key, key, ownerOf(type, typeid(self))).empty();
+}
+
+StrongPtr<TypedSlotCreator> TypedSlotCreator::find(const std::type_info& type)
+{
+    return registry().find(Loam::typeKey(type));
+}
+
+std::vector<std::string> TypedSlotCreator::typeKeys()
+{
+    return registry().names();
+}
+
+} // namespace Orla

@@ -1,0 +1,56 @@
+#include <trellis/VObjectCreator.hpp>
+
+#include <trellis/CreatorRegistry.hpp>
+#include <trellis/RegistryReport.hpp>
+
+#include <loam/TypeInfo.hpp>
+
+namespace Orla {
+
+namespace {
+
+CreatorRegistry<VObjectCreator>& registry()
+{
+    static CreatorRegistry<VObjectCreator> theRegistry;
+    return theRegistry;
+}
+
+} // namespace
+
+VObjectCreator::~VObjectCreator() = default;
+
+bool VObjectCreator::registerCreator(const WeakPtrImpl<VObjectCreator>& creator, const std::string& name)
+{
+    const StrongPtr<VObjectCreator> alive = creator.lock();
+    if (!alive)
+        return false;
+    const VObjectCreator& self = *alive;
+    const std::string owner = ownerOf(alive->objectType(), typeid(self));
+    if (!acceptedOrReported("object type", name, owner,
+                            registry().add(creator, name, Loam::typeKey(alive->objectType()), owner)))
+        return false;
+    alive->m_name = name;
+    return true;
+}
+
+StrongPtr<VObjectCreator> VObjectCreator::find(std::string_view typeName)
+{
+    return registry().find(typeName);
+}
+
+StrongPtr<VObjectCreator> VObjectCreator::findUnique(const std::type_info& outputType)
+{
+    for (const std::string& name : names()) {
+        StrongPtr<VObjectCreator> creator = find(name);
+        if (creator && creator->m_uniqueOutput && *creator->m_uniqueOutput == outputType)
+            return creator;
+    }
+    return nullptr;
+}
+
+std::vector<std::string> VObjectCreator::names()
+{
+    return registry().names();
+}
+
+} // namespace Orla

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <trellis/Export.hpp>
+#include <trellis/VActionNotifier.hpp>
+#include <trellis/VObject.hpp>
+
+#include <string>
+
+namespace Orla {
+
+template<class T>
+class VOutput;
+template<class T>
+class VValueParameter;
+
+/// Adds one output to every object of a class as an input: to those that exist,
+/// and to those that are announced later.
+class TRELLIS_API VPolyConnection {
+public:
+    using IsRequester = bool (*)(const VObject& object);
+
+    VPolyConnection(const StrongPtr<VParameter>& output, IsRequester isRequester);
+    VPolyConnection(const VPolyConnection&) = delete;
+    VPolyConnection& operator=(const VPolyConnection&) = delete;
+    ~VPolyConnection();
+
+    /// To how many objects the output was added.
+    int count() const noexcept;
+
+private:
+    class Joiner;
+
+    StrongPtr<Joiner> m_joiner;
+};
+
+/// Mix-in for objects that offer a value of type \p T to every object of class
+/// \p Requester. The input there is named after the owner and the output,
+/// "owner.output".
+template<class T, class Requester>
+class VPolyOutput : public virtual VSkale {
+public:
+    explicit VPolyOutput(const std::string& outputName, const T& initialValue = T{})
+        : m_output{VOutput<T>(this, outputName, initialValue, nullptr).parameter()}
+        , m_connection{m_output, [](const VObject& object) { return dynamic_cast<const Requester*>(&object) != nullptr; }}
+    {
+    }
+
+    const StrongPtr<VValueParameter<T>, ValueNotifierList>& output() const noexcept { return m_output; }
+
+    /// To how many requesters the output was added.
+    int count() const noexcept { return m_connection.count(); }
+
+private:
+    StrongPtr<VValueParameter<T>, ValueNotifierList> m_output;
+    VPolyConnection m_connection;
+};
+
+} // namespace Orla

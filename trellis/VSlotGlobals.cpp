@@ -1,0 +1,22 @@
+#include <trellis/VSlotGlobals.hpp>
+
+#include <trellis/VActionNotifier.hpp>
+#include <trellis/VSlotContainer.hpp>
+
+#include <loam/Typename.hpp>
+
+namespace Orla {
+
+void VSlotGlobals::assertionFail(VSlotContainer* that, const std::string& name, const std::type_info& type)
+{
+    VActionNotifier::Warning("The slot \"" + name + "\" of type " + Loam::Typename(type)
+                             + (that ? " is not usable in " + that->describe() : " was declared without a container"));
+}
+
+StrongPtr<VSlot> VSlotGlobals::addParameter(VSlotContainer* that, const std::string& name, int expertLevel,
+                                            const StrongPtr<VParameter>& parameter, bool triggers)
+{
+    return that ? that->addParameter(name, expertLevel, parameter, triggers) : nullptr;
+}
+
+} // namespace Orla

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <loam/loam.hpp>
+
+// Forward declarations, for code that only passes pointers.
+namespace Orla {
+
+class TypedSlotCreator;
+class VActionNotifier;
+class VConnectable;
+class VCreationPreferences;
+class VManagedObject;
+class VManagedObjectBase;
+class VObject;
+class VObjectCreator;
+class VParameter;
+class VRequest;
+class VScheduler;
+class VSkale;
+class VSlot;
+class VSlotContainer;
+class VSlotSet;
+class VValueBase;
+class VValueCreator;
+class ValueNotifierList;
+class ValuePool;
+template<class T>
+struct VValueTrait;
+
+} // namespace Orla
