@@ -1,0 +1,11 @@
+#include <fathom/Char.hpp>
+
+namespace Orla {
+
+template class FATHOM_TEMPLATE VTypedValueBase<char>;
+template class FATHOM_TEMPLATE VValue<char>;
+template class FATHOM_TEMPLATE TypedValueCreator<char>;
+template class FATHOM_TEMPLATE VValueParameter<char>;
+template class FATHOM_TEMPLATE TypedSlot<char>;
+
+} // namespace Orla

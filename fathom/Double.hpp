@@ -1,0 +1,13 @@
+#pragma once
+
+#include <fathom/Export.hpp>
+#include <fathom/VValue.hpp>
+
+// Numbers as values.
+namespace Orla {
+
+extern template class FATHOM_EXTERN_TEMPLATE VTypedValueBase<double>;
+extern template class FATHOM_EXTERN_TEMPLATE VValue<double>;
+extern template class FATHOM_EXTERN_TEMPLATE TypedValueCreator<double>;
+
+} // namespace Orla

@@ -1,0 +1,11 @@
+#include <fathom/String.hpp>
+
+namespace Orla {
+
+template class FATHOM_TEMPLATE VTypedValueBase<std::string>;
+template class FATHOM_TEMPLATE VValue<std::string>;
+template class FATHOM_TEMPLATE TypedValueCreator<std::string>;
+template class FATHOM_TEMPLATE VValueParameter<std::string>;
+template class FATHOM_TEMPLATE TypedSlot<std::string>;
+
+} // namespace Orla

@@ -1,0 +1,134 @@
+#pragma once
+
+#include <fathom/Export.hpp>
+#include <fathom/VValueParameter.hpp>
+
+#include <trellis/TypedSlotCreator.hpp>
+#include <trellis/VSlotContainer.hpp>
+#include <trellis/VSlotGlobals.hpp>
+
+#include <loam/SpeakPtr.hpp>
+
+#include <cstdio>
+#include <string>
+#include <utility>
+
+namespace Orla {
+
+/// Declares an input of type \p T of a processing object: a member of the
+/// object's class, made in its constructor.
+///
+/// Copies share the framework's slot.
+template<class T>
+class FATHOM_VISIBLE TypedSlot {
+public:
+    /// Makes inputs of the type from text.
+    class SlotCreator : public TypedSlotCreator {
+    public:
+        StrongPtr<VSlot> newSlot(VSlotContainer* that, const std::string& name, const std::string& initialText,
+                                 bool& ok, const StrongPtr<VCreationPreferences>& preferences,
+                                 int expertLevel) const override
+        {
+            T value{};
+            ok = VValueTrait<T>::setValueFromText(value, initialText);
+            return TypedSlot(that, name, value, preferences, expertLevel, true).slot();
+        }
+
+        /// Registers the one creator of the type; true.
+        static bool registerCreator()
+        {
+            static const StrongPtr<SlotCreator> myLocalStaticCreator = [] {
+                StrongPtr<SlotCreator> creator(new SlotCreator);
+                TypedSlotCreator::registerTypedSlotCreator(typeid(T), creator);
+                return creator;
+            }();
+            return true;
+        }
+    };
+
+    /// Adds an input \p name to \p that, which starts from \p initialValue.
+    /// \p expertLevel is the number that user interfaces file it under. Unless
+    /// \p triggers is set, a change of its value does not make the object due.
+    ///
+    /// A null \p that is reported; the input then reads its initial value for ever.
+    TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue,
+              const StrongPtr<VCreationPreferences, InterfaceBase>& preferences, int expertLevel, bool triggers)
+        : m_name{name}, m_preferences{preferences}, m_initialValue(initialValue)
+    {
+        if (!that)
+            VSlotGlobals::assertionFail(nullptr, name, typeid(T));
+        const StrongPtr<VParameter> parameter(new VValueParameter<T>(initialValue, name, preferences));
+        parameter->setCreator(that);
+        m_slot = VSlotGlobals::addParameter(that, name, expertLevel, parameter, triggers);
+        // The object itself declares this input.
+        if (m_slot)
+            m_slot->clearFlag(VSlot::AddedLater);
+    }
+
+    TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue, int expertLevel)
+        : TypedSlot{that, name, initialValue, nullptr, expertLevel, true}
+    {
+        Loam::SpeakPtr::check(
+            m_slot, "TypedSlot(VObject*that, const string&name, const T&initialValue, int expertLevel");
+    }
+
+    TypedSlot(const TypedSlot&) = default;
+    TypedSlot& operator=(const TypedSlot&) = default;
+
+    ~TypedSlot()
+    {
+        if (isCreatorRegistered)
+            Loam::countUp(TypedSlotCreator::InternalTypeCreatorAccessory);
+        else
+            std::puts("Typeslot has a problem, its creators were not registered!?");
+    }
+
+    /// The framework's slot; null if the container refused it.
+    const StrongPtr<VSlot>& slot() const noexcept { return m_slot; }
+    const std::string& name() const noexcept { return m_name; }
+    const StrongPtr<VCreationPreferences, InterfaceBase>& preferences() const noexcept { return m_preferences; }
+    const T& initialValue() const noexcept { return m_initialValue; }
+
+    /// The parameter that the slot refers to now; null without a slot.
+    StrongPtr<VParameter, ValueNotifierList> parameter() const { return m_slot ? m_slot->parameter() : nullptr; }
+
+    /// Reads the input in \p pool into \p value; false, and \p value as it was, if
+    /// the pool holds none.
+    bool read(const StrongPtr<ValuePool>& pool, T& value) const
+    {
+        if (!m_slot)
+            return false;
+        const StrongPtr<VValueBase> found = m_slot->getValueBase(pool);
+        const VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(found.get());
+        return typed && typed->getValue(value);
+    }
+
+    /// The input in \p pool, or the initial value where the pool holds none.
+    T value(const StrongPtr<ValuePool>& pool) const
+    {
+        T value(m_initialValue);
+        read(pool, value);
+        return value;
+    }
+
+    /// The slot together with the pool to write it in.
+    std::pair<const TypedSlot, const StrongPtr<ValuePool>> operator()(const StrongPtr<ValuePool>& pool) const
+    {
+        return {*this, pool};
+    }
+
+    /// True once the type's creator is registered, which happens when the library
+    /// that uses the type is loaded.
+    static bool isCreatorRegistered;
+
+private:
+    StrongPtr<VSlot> m_slot;
+    std::string m_name;
+    StrongPtr<VCreationPreferences, InterfaceBase> m_preferences;
+    T m_initialValue;
+};
+
+template<class T>
+bool TypedSlot<T>::isCreatorRegistered = TypedSlot<T>::SlotCreator::registerCreator();
+
+} // namespace Orla

@@ -1,0 +1,136 @@
+#pragma once
+
+#include <fathom/Export.hpp>
+#include <fathom/TypedSlot.hpp>
+#include <fathom/VValue.hpp>
+
+#include <trellis/VObject.hpp>
+
+#include <loam/Chunk.hpp>
+
+#include <cstdint>
+#include <list>
+#include <string>
+
+namespace Orla {
+
+/// One event of a pointer or the keyboard. All copies of an event stream share
+/// its grabber, which says whose turn it is.
+///
+/// Text form: the position, `(X,Y)` and a line feed; it cannot be read back.
+class FATHOM_API VInteractionEvent {
+public:
+    /// One entry of a grab stack.
+    struct FATHOM_API GrabReason {
+        /// Why a grab is held; passed through unchanged.
+        enum Type { Unspecified, Pointer, Keyboard };
+
+        WeakPtrImpl<VObject, VManagedObjectBase> object; ///< who grabbed
+        Type type = Unspecified;
+        int value = 0;             ///< given with the grab
+        StrongPtr<ChunkBase> data; ///< whatever the grabber attaches; may be null
+    };
+
+    /// Who holds the pointer and the keyboard: a stack whose front is the current
+    /// holder.
+    class FATHOM_API InteractionGrabber : public Loam::ReferenceBase<InteractionGrabber> {
+    public:
+        explicit InteractionGrabber(const std::string& name);
+
+        /// Starts from a copy of the other's stack; objects and data are shared.
+        InteractionGrabber(InteractionGrabber& other, const std::string& name);
+        ~InteractionGrabber() override;
+
+        const std::string& name() const noexcept { return m_name; }
+
+        /// Current holder first; entries may have died.
+        const std::list<GrabReason>& stack() const noexcept { return m_stack; }
+
+    private:
+        friend class VInteractionEvent;
+
+        std::list<GrabReason> m_stack;
+        std::string m_name;
+    };
+
+    /// An event of kind 1 without a grabber.
+    VInteractionEvent();
+
+    /// An event at (-1,-1) with everything else zero or empty; the device and the
+    /// button are left unset, for the interaction source to fill in.
+    VInteractionEvent(unsigned long long kind, const StrongPtr<InteractionGrabber>& grabber);
+
+    VInteractionEvent(const VInteractionEvent&) = default;
+    VInteractionEvent& operator=(const VInteractionEvent&) = default;
+    ~VInteractionEvent();
+
+    /// Makes \p obj the current holder. One that holds already has its reason
+    /// replaced; another's grab stays below. Nothing happens for a dead \p obj or
+    /// without a grabber.
+    void grab(const WeakPtrImpl<VObject>& obj, GrabReason::Type type, int value, const StrongPtr<ChunkBase>& data);
+
+    /// Ends the grab of \p obj if it is the current holder; a grab deeper in the
+    /// stack stays until it comes to the front.
+    void ungrab(const WeakPtrImpl<VObject>& obj);
+
+    /// True if \p obj may act on the event: it holds the grab, or nobody does.
+    /// Constant, although holders that died are dropped from the front of the
+    /// shared stack: they must never block the input.
+    bool mayuse(const WeakPtrImpl<VObject>& obj) const;
+
+    /// True if \p obj holds the grab; drops dead holders like `mayuse`.
+    bool isMine(const WeakPtrImpl<VObject>& obj) const;
+
+    /// Always false: every event that arrives counts as a change, also one that
+    /// repeats the one before.
+    bool operator==(const VInteractionEvent&) const noexcept { return false; }
+
+    std::int32_t x; ///< pointer position
+    std::int32_t y;
+    double pressure;
+    double wheel;
+    double time;
+    std::uint64_t device;
+    unsigned long long kind; ///< which event this is, in the numbers of the interaction source
+    std::uint8_t modifiers;
+    std::uint16_t button;
+    std::string keyText;       ///< characters of the key event; the first one fires hot keys
+    std::string armingKeyText; ///< characters that arm a hot key
+    std::int32_t clicks;
+    StrongPtr<InteractionGrabber> grabber;
+
+private:
+    const GrabReason* holder() const;
+};
+
+template<>
+struct FATHOM_API VValueTrait<VInteractionEvent> {
+    static std::string Text(const VInteractionEvent& event);
+
+    /// Refuses every text.
+    static bool setValueFromText(VInteractionEvent& event, const std::string& text);
+};
+
+extern template class FATHOM_EXTERN_TEMPLATE VTypedValueBase<VInteractionEvent>;
+extern template class FATHOM_EXTERN_TEMPLATE VValue<VInteractionEvent>;
+extern template class FATHOM_EXTERN_TEMPLATE TypedValueCreator<VInteractionEvent>;
+extern template class FATHOM_EXTERN_TEMPLATE VValueParameter<VInteractionEvent>;
+extern template class FATHOM_EXTERN_TEMPLATE TypedSlot<VInteractionEvent>;
+
+/// Mix-in for processing objects that react to the pointer and the keyboard: adds
+/// an input for events and connects it to the one interaction source of the
+/// process, so that all of them get the same stream.
+class FATHOM_API Interactive : public virtual VSkale {
+public:
+    Interactive(const char* slotName, int expertLevel);
+
+    /// Does not end a grab that the object holds.
+    ~Interactive() override;
+
+    const TypedSlot<VInteractionEvent>& interactionSlot() const noexcept { return m_interaction; }
+
+private:
+    TypedSlot<VInteractionEvent> m_interaction;
+};
+
+} // namespace Orla

@@ -1,0 +1,123 @@
+#pragma once
+
+#include <fathom/Export.hpp>
+#include <fathom/TypedSlot.hpp>
+#include <fathom/VValueParameter.hpp>
+
+#include <string>
+#include <utility>
+
+namespace Orla {
+
+/// An output's parameter and the pool of the current evaluation: what an update
+/// writes to and reads from with the operators below.
+template<class T>
+struct VOutputAssignmentContext {
+    StrongPtr<VValueParameter<T>, ValueNotifierList> parameter;
+    StrongPtr<ValuePool> pool;
+};
+
+/// Declares an output of type \p T of a processing object: a member of the
+/// object's class, made in its constructor.
+template<class T>
+class FATHOM_VISIBLE VOutput {
+public:
+    /// Offers an output \p name of \p that, which starts from \p initialValue.
+    VOutput(VSlotContainer* that, const std::string& name, const T& initialValue,
+            const StrongPtr<VCreationPreferences, InterfaceBase>& preferences = {})
+        : m_parameter{new VValueParameter<T>(initialValue, name, preferences)}
+    {
+        if (!that) {
+            VSlotGlobals::assertionFail(nullptr, name, typeid(T));
+            return;
+        }
+        m_parameter->setSource(that);
+        that->registerOutput(m_parameter, name);
+    }
+
+    const StrongPtr<VValueParameter<T>, ValueNotifierList>& parameter() const noexcept { return m_parameter; }
+
+    /// The output in \p pool, to be written or read:
+    ///
+    ///     total(request.valuePool()) << sum;
+    VOutputAssignmentContext<T> operator()(const StrongPtr<ValuePool>& pool) const { return {m_parameter, pool}; }
+
+private:
+    StrongPtr<VValueParameter<T>, ValueNotifierList> m_parameter;
+};
+
+namespace Detail {
+
+// Writes `value` where the pool holds a different one; see `operator<<=`.
+template<class T>
+bool assignIfDifferent(const StrongPtr<VParameter>& parameter, const StrongPtr<ValuePool>& pool,
+                       const std::string& member, const T& value)
+{
+    if (!parameter)
+        return false;
+    const StrongPtr<VValueBase> found = parameter->getValueBase(pool, member, parameter->isEnabled());
+    VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(found.get());
+    if (!typed)
+        return false;
+    if (const T* held = typed->held()) {
+        if (*held == value)
+            return false;
+    } else {
+        T current(value);
+        typed->getValue(current);
+        if (current == value)
+            return false;
+    }
+    if (!typed->setValue(value))
+        return false;
+    parameter->notifyValueChange(found, pool, member);
+    return true;
+}
+
+} // namespace Detail
+
+/// Writes \p value if the pool holds a different one, and announces it. False,
+/// and nobody is told, if the value is held already and also if the pool holds
+/// no value of the type yet: this operator never makes a variable.
+template<class T>
+bool operator<<=(const VOutputAssignmentContext<T>& out, const T& value)
+{
+    return Detail::assignIfDifferent<T>(out.parameter, out.pool, {}, value);
+}
+
+/// The same for an input, written by its own object.
+template<class T>
+bool operator<<=(const std::pair<const TypedSlot<T>, const StrongPtr<ValuePool>>& in, const T& value)
+{
+    const StrongPtr<VSlot>& slot = in.first.slot();
+    return slot && Detail::assignIfDifferent<T>(slot->parameter(), in.second, slot->member(), value);
+}
+
+/// Writes \p value without comparing, makes the variable where the pool has none,
+/// and announces it. False if the parameter is switched off or refuses the value.
+template<class T>
+bool operator<<(const VOutputAssignmentContext<T>& out, const T& value)
+{
+    if (!out.parameter || !out.parameter->isEnabled())
+        return false;
+    const StrongPtr<VValueBase> found = out.parameter->getLocalValue(out.pool);
+    VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(found.get());
+    if (!typed || !typed->setValue(value))
+        return false;
+    out.parameter->notifyValueChange(found, out.pool);
+    return true;
+}
+
+/// Reads the output's value in the pool, which is made where there is none.
+/// False, and \p value as it was, if the parameter is switched off.
+template<class T>
+bool operator>>(const VOutputAssignmentContext<T>& out, T& value)
+{
+    if (!out.parameter || !out.parameter->isEnabled())
+        return false;
+    const StrongPtr<VValueBase> found = out.parameter->getLocalValue(out.pool);
+    const VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(found.get());
+    return typed && typed->getValue(value);
+}
+
+} // namespace Orla

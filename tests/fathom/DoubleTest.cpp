@@ -1,0 +1,64 @@
+#include <fathom/Double.hpp>
+
+#include "support/ValueLaws.hpp"
+
+#include <cmath>
+#include <limits>
+
+using namespace Orla;
+
+using Limits = std::numeric_limits<double>;
+
+constexpr double NaN = Limits::quiet_NaN();
+
+template<>
+std::vector<double> samples<double>()
+{
+    return {0,     45, -1.5, 0.1, 1.0 / 3, 1e300, Limits::denorm_min(), Limits::max(), Limits::infinity(),
+            -Limits::infinity()};
+}
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Double, ValueLaws, double);
+
+TEST(Double, writesTheShortestTextThatReadsBack)
+{
+    const struct { double number; const char* text; } cases[] = {
+        {45, "45"},   {0.1, "0.1"},
+        {-0.0, "-0"}, {1e22, "1e+22"},
+        {NaN, "nan"}, {Limits::infinity(), "inf"},
+    };
+    for (const auto& [number, text] : cases)
+        EXPECT_EQ(VValue<double>(number).Text(), text);
+}
+
+TEST(Double, keepsTheSignOfZeroAndNotANumberThroughItsText)
+{
+    double number = 1;
+    VValue<double> value(1);
+    EXPECT_TRUE(value.setValueFromText(VValue<double>(-0.0).Text()));
+    value.getValue(number);
+    EXPECT_TRUE(number == 0 && std::signbit(number));
+    EXPECT_TRUE(value.setValueFromText(VValue<double>(NaN).Text()));
+    value.getValue(number);
+    EXPECT_TRUE(std::isnan(number));
+}
+
+TEST(Double, readsTheLeadingNumberAndRefusesTextWithoutOne)
+{
+    VValue<double> value(7);
+    for (const char* text : {"", "x", ",5", "--1"}) {
+        EXPECT_FALSE(value.setValueFromText(text)) << text;
+        EXPECT_EQ(value.Text(), "7") << text;
+    }
+    EXPECT_TRUE(value.setValueFromText(" +2.5 metres"));
+    EXPECT_EQ(value.Text(), "2.5");
+    EXPECT_TRUE(value.setValueFromText("0,5"));
+    EXPECT_EQ(value.Text(), "0");
+}
+
+TEST(Double, isIntentionallyNeverDifferentFromNotANumber)
+{
+    const struct { double a, b; } cases[] = {{NaN, NaN}, {NaN, 1}, {1, NaN}, {-NaN, Limits::infinity()}};
+    for (const auto& [a, b] : cases)
+        EXPECT_FALSE(VValue<double>(a).isDifferentFrom(Loam::makeStrong<VValue<double>>(b))) << a << ' ' << b;
+}

@@ -1,0 +1,76 @@
+#include <fathom/Export.hpp>
+
+#include <fathom/Char.hpp>
+#include <fathom/Double.hpp>
+#include <fathom/ImageTile.hpp>
+#include <fathom/Range.hpp>
+#include <fathom/String.hpp>
+#include <fathom/TimeDependent.hpp>
+#include <fathom/VInteractionEvent.hpp>
+#include <fathom/VTime.hpp>
+
+#include <loam/Environment.hpp>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <typeinfo>
+#include <vector>
+
+#include <dlfcn.h>
+
+using namespace Orla;
+
+namespace {
+
+// The library's own file, by a function that is compiled there alone.
+std::string library()
+{
+    std::string (*function)(const ImageTile&) = &VValueTrait<ImageTile>::Text;
+    return Loam::getLibraryPath(reinterpret_cast<const void*>(function));
+}
+
+// All that makes a class of the library one class for everybody who links it.
+template<class... Classes>
+std::vector<std::string> symbolsOf()
+{
+    std::vector<std::string> symbols;
+    for (const std::type_info* type : {&typeid(Classes)...}) {
+        for (const char* kind : {"_ZTV", "_ZTI", "_ZTS"}) // table, type description, type name
+            symbols.push_back(kind + std::string(type->name()));
+    }
+    return symbols;
+}
+
+template<class T>
+std::vector<std::string> valueSymbols()
+{
+    return symbolsOf<VTypedValueBase<T>, VValue<T>, TypedValueCreator<T>>();
+}
+
+template<class T>
+std::vector<std::string> inputSymbols()
+{
+    return symbolsOf<VValueParameter<T>, typename TypedSlot<T>::SlotCreator>();
+}
+
+} // namespace
+
+TEST(Export, givesEveryPromisedInstantiationToThoseWhoLinkTheLibrary)
+{
+    const std::string path = library();
+    ASSERT_NE(path.find("libfathom"), std::string::npos);
+    void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_TRUE(handle);
+    for (const std::vector<std::string>& symbols :
+         {valueSymbols<double>(), valueSymbols<char>(), valueSymbols<std::string>(), valueSymbols<Range>(),
+          valueSymbols<VTime>(), valueSymbols<VInteractionEvent>(), inputSymbols<char>(),
+          inputSymbols<std::string>(), inputSymbols<Range>(), inputSymbols<VTime>(),
+          inputSymbols<VInteractionEvent>(), symbolsOf<Range, TimeDependent, Interactive>()}) {
+        for (const std::string& symbol : symbols) {
+            const void* address = dlsym(handle, symbol.c_str());
+            EXPECT_TRUE(address && Loam::getLibraryPath(address) == path) << symbol;
+        }
+    }
+    dlclose(handle);
+}

@@ -1,0 +1,283 @@
+#include <fathom/VOutput.hpp>
+
+#include "Recorders.hpp"
+
+#include <fathom/Range.hpp>
+#include <fathom/String.hpp>
+#include <fathom/VTime.hpp>
+
+#include <gmock/gmock.h>
+
+using namespace Orla;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+// Holds a string in its own way, and may refuse to give or take it.
+class Guarded final : public VValue<std::string> {
+public:
+    explicit Guarded(const std::string& text) : VValue{text} {}
+
+    bool getValue(std::string& value) const override { return gives && VValue::getValue(value); }
+    bool setValue(const std::string& value) override { return takes && VValue::setValue(value); }
+
+    bool gives = true;
+    bool takes = true;
+};
+
+class VOutputTest : public testing::Test {
+protected:
+    VOutputAssignmentContext<std::string> here() const { return m_output(m_pool); }
+
+    StrongPtr<VValueBase> held() const { return m_output.parameter()->getValueBase(m_pool); }
+    std::string heldText() const { return held() ? held()->Text() : "none"; }
+
+    StrongPtr<Guarded> enterGuarded(const std::string& text) const
+    {
+        StrongPtr<Guarded> guarded(new Guarded(text));
+        m_pool->createVariable(m_output.parameter().get(), guarded);
+        return guarded;
+    }
+
+    const Warnings m_warnings;
+    const StrongPtr<VSlotContainer> m_container{new VSlotContainer};
+    const StrongPtr<VCreationPreferences> m_preferences{new VCreationPreferences("a", "b")};
+    const StrongPtr<ValuePool> m_pool{new ValuePool};
+    const VOutput<std::string> m_output{m_container.get(), "report", "initial", m_preferences};
+    const Changes m_changes{m_output.parameter()};
+    std::string m_text = "untouched";
+};
+
+const std::string other = "other";
+
+} // namespace
+
+TEST_F(VOutputTest, isOfferedByItsContainer)
+{
+    const StrongPtr<VSlot> slot = m_container->findOutput("report");
+    ASSERT_TRUE(slot);
+    EXPECT_EQ(slot->parameter(), m_output.parameter());
+    EXPECT_EQ(slot->type(), typeid(std::string));
+    EXPECT_EQ(m_output.parameter()->Name(), "report");
+    EXPECT_EQ(m_output.parameter()->creationPreferences(), m_preferences);
+    EXPECT_EQ(m_output.parameter()->source().lock(), m_container);
+    EXPECT_TRUE(m_output.parameter()->creator().expired());
+    EXPECT_EQ(m_output.parameter()->DefaultValue()->Text(), "initial");
+    EXPECT_TRUE(m_container->inputs().empty());
+}
+
+TEST_F(VOutputTest, reportsAMissingContainerAndGoesOn)
+{
+    const VOutput<Range> nowhere(nullptr, "limits", Range{});
+    EXPECT_THAT(m_warnings.all(), ElementsAre(testing::AllOf(HasSubstr("\"limits\""), HasSubstr("Range"))));
+    EXPECT_TRUE(nowhere(m_pool) << Range(3, 4));
+    Range range;
+    EXPECT_TRUE(nowhere(m_pool) >> range);
+    EXPECT_EQ(range, Range(3, 4));
+}
+
+// Assignment: writes what is different.
+
+TEST_F(VOutputTest, isAssignedADifferentValueAndAnnouncesItOnce)
+{
+    m_output.parameter()->getLocalValue(m_pool);
+    const Ageable before = held()->age();
+    EXPECT_TRUE(here() <<= other);
+    EXPECT_EQ(heldText(), "other");
+    EXPECT_TRUE(held()->age().isYoungerThan(before));
+    EXPECT_EQ(m_changes.count(), 1);
+    EXPECT_EQ(m_changes.lastPool(), m_pool);
+    EXPECT_EQ(m_output.parameter()->DefaultValue()->Text(), "initial");
+}
+
+TEST_F(VOutputTest, isNotAssignedTheValueThatItHas)
+{
+    m_output.parameter()->getLocalValue(m_pool);
+    const Ageable before = held()->age();
+    EXPECT_FALSE(here() <<= std::string("initial"));
+    EXPECT_EQ(held()->age(), before);
+    EXPECT_EQ(m_changes.count(), 0);
+}
+
+TEST_F(VOutputTest, isIntentionallyNotAssignedWhereThePoolHoldsNoValueYet)
+{
+    EXPECT_FALSE(here() <<= other);
+    EXPECT_EQ(held(), nullptr);
+    EXPECT_EQ(m_pool->variableCount(), 0u);
+    EXPECT_EQ(m_changes.count(), 0);
+}
+
+TEST_F(VOutputTest, isNotAssignedWithoutAParameterOrAPool)
+{
+    m_output.parameter()->getLocalValue(m_pool);
+    EXPECT_FALSE(VOutputAssignmentContext<std::string>({nullptr, m_pool}) <<= other);
+    EXPECT_FALSE(m_output(nullptr) <<= other);
+    EXPECT_EQ(m_changes.count(), 0);
+}
+
+TEST_F(VOutputTest, isNotAssignedWhileItIsSwitchedOff)
+{
+    m_output.parameter()->getLocalValue(m_pool);
+    m_output.parameter()->setEnabled(false);
+    EXPECT_FALSE(here() <<= other);
+    EXPECT_EQ(heldText(), "initial");
+    EXPECT_EQ(m_changes.count(), 0);
+}
+
+TEST_F(VOutputTest, isNotAssignedOverAValueOfAnotherType)
+{
+    m_pool->createVariable(m_output.parameter().get(), Loam::makeStrong<VValue<Range>>());
+    EXPECT_FALSE(here() <<= other);
+    EXPECT_EQ(heldText(), "0:1");
+    EXPECT_EQ(m_changes.count(), 0);
+}
+
+TEST_F(VOutputTest, isNotAssignedWhatItsValueRefuses)
+{
+    enterGuarded("guarded")->takes = false;
+    EXPECT_FALSE(here() <<= other);
+    EXPECT_EQ(heldText(), "guarded");
+    EXPECT_EQ(m_changes.count(), 0);
+}
+
+TEST_F(VOutputTest, comparesThroughValuesThatHoldTheirContentInTheirOwnWay)
+{
+    const auto guarded = enterGuarded("guarded");
+    EXPECT_FALSE(here() <<= std::string("guarded"));
+    EXPECT_TRUE(here() <<= other);
+    EXPECT_EQ(heldText(), "other");
+    EXPECT_EQ(m_changes.count(), 1);
+
+    guarded->gives = false;
+    EXPECT_FALSE(here() <<= std::string("third")) << "nothing differs from what cannot be had";
+    EXPECT_EQ(m_changes.count(), 1);
+}
+
+TEST_F(VOutputTest, isAssignedForEachPoolOfItsOwn)
+{
+    const StrongPtr<ValuePool> second(new ValuePool);
+    m_output.parameter()->getLocalValue(m_pool);
+    m_output.parameter()->getLocalValue(second);
+    EXPECT_TRUE(m_output(second) <<= other);
+    EXPECT_EQ(heldText(), "initial");
+    EXPECT_EQ(m_output.parameter()->getValueBase(second)->Text(), "other");
+}
+
+TEST_F(VOutputTest, isAssignedAlsoThroughAnInputByTheSameRules)
+{
+    const TypedSlot<std::string> input(m_container.get(), "text", "initial", 0);
+    const Changes changes(input.parameter());
+    EXPECT_FALSE(input(m_pool) <<= other) << "the pool holds no value yet";
+    input.slot()->getLocalValue(m_pool);
+    EXPECT_FALSE(input(m_pool) <<= std::string("initial"));
+    EXPECT_EQ(changes.count(), 0);
+    EXPECT_TRUE(input(m_pool) <<= other);
+    EXPECT_EQ(changes.count(), 1);
+    EXPECT_EQ(changes.lastPool(), m_pool);
+    EXPECT_EQ(input.value(m_pool), "other");
+
+    const std::pair<const TypedSlot<std::string>, const StrongPtr<ValuePool>> pair(input, m_pool);
+    EXPECT_TRUE(pair <<= std::string("third"));
+    EXPECT_FALSE(pair <<= std::string("third"));
+    EXPECT_EQ(input.value(m_pool), "third");
+
+    EXPECT_FALSE(input(nullptr) <<= other);
+    EXPECT_FALSE(TypedSlot<std::string>(nullptr, "nowhere", "", 0)(m_pool) <<= other);
+    input.parameter()->setEnabled(false);
+    EXPECT_FALSE(input(m_pool) <<= other);
+    EXPECT_EQ(changes.count(), 2);
+}
+
+TEST_F(VOutputTest, isAssignedThroughAnInputToTheParameterThatThatIsConnectedTo)
+{
+    const TypedSlot<std::string> input(m_container.get(), "text", "unused", 0);
+    ASSERT_TRUE(m_container->attachParameter(m_output.parameter(), input.slot(), ""));
+    m_output.parameter()->getLocalValue(m_pool);
+    EXPECT_TRUE(input(m_pool) <<= other);
+    EXPECT_EQ(heldText(), "other");
+    EXPECT_EQ(m_changes.count(), 1);
+}
+
+TEST_F(VOutputTest, isAssignedThroughAnInputToTheComponentThatThatIsConnectedTo)
+{
+    const TypedSlot<Range> input(m_container.get(), "limits", Range{}, 0);
+    const VOutput<VTime> time(m_container.get(), "time", VTime{5, 0, 10});
+    ASSERT_TRUE(m_container->attachParameter(time.parameter(), input.slot(), "range"));
+    time.parameter()->getLocalValue(m_pool);
+    const Changes changes(time.parameter());
+    EXPECT_FALSE(input(m_pool) <<= Range(0, 10));
+    EXPECT_TRUE(input(m_pool) <<= Range(3, 4));
+    EXPECT_EQ(time.parameter()->getValueBase(m_pool)->Text(), "5[3,4]@10");
+    EXPECT_EQ(changes.count(), 1);
+}
+
+// Writing: without a comparison, and into a new variable if need be.
+
+TEST_F(VOutputTest, isWrittenAndAnnouncedWithoutBeingCompared)
+{
+    EXPECT_TRUE(here() << other);
+    EXPECT_EQ(heldText(), "other");
+    EXPECT_EQ(m_changes.count(), 1);
+    EXPECT_EQ(m_changes.lastPool(), m_pool);
+
+    const Ageable before = held()->age();
+    EXPECT_TRUE(here() << other);
+    EXPECT_TRUE(held()->age().isYoungerThan(before));
+    EXPECT_EQ(m_changes.count(), 2);
+    EXPECT_EQ(m_output.parameter()->DefaultValue()->Text(), "initial");
+}
+
+TEST_F(VOutputTest, isNotWrittenWhileItIsSwitchedOff)
+{
+    m_output.parameter()->setEnabled(false);
+    EXPECT_FALSE(here() << other);
+    EXPECT_EQ(m_pool->variableCount(), 0u);
+    EXPECT_EQ(m_changes.count(), 0);
+}
+
+TEST_F(VOutputTest, isNotWrittenWithoutAParameterOrAPool)
+{
+    EXPECT_FALSE(VOutputAssignmentContext<std::string>({nullptr, m_pool}) << other);
+    EXPECT_FALSE(m_output(nullptr) << other);
+    EXPECT_EQ(m_changes.count(), 0);
+}
+
+TEST_F(VOutputTest, isNotWrittenWhatItsValueRefuses)
+{
+    const auto guarded = enterGuarded("guarded");
+    guarded->takes = false;
+    EXPECT_FALSE(here() << other);
+    EXPECT_EQ(m_changes.count(), 0);
+    m_pool->createVariable(m_output.parameter().get(), Loam::makeStrong<VValue<Range>>());
+    EXPECT_FALSE(here() << other) << "a value of another type";
+    EXPECT_EQ(heldText(), "0:1");
+    EXPECT_EQ(m_changes.count(), 0);
+}
+
+TEST_F(VOutputTest, isReadAndMadeWhereThePoolHasNone)
+{
+    EXPECT_TRUE(here() >> m_text);
+    EXPECT_EQ(m_text, "initial");
+    EXPECT_EQ(heldText(), "initial");
+    here() << other;
+    EXPECT_TRUE(here() >> m_text);
+    EXPECT_EQ(m_text, "other");
+    EXPECT_EQ(m_changes.count(), 1) << "reading is no change";
+}
+
+TEST_F(VOutputTest, isNotReadWhileItIsSwitchedOffNorWithoutAParameterAPoolOrAReadableValue)
+{
+    EXPECT_FALSE(VOutputAssignmentContext<std::string>({nullptr, m_pool}) >> m_text);
+    EXPECT_FALSE(m_output(nullptr) >> m_text);
+    m_output.parameter()->setEnabled(false);
+    EXPECT_FALSE(here() >> m_text);
+    EXPECT_EQ(m_pool->variableCount(), 0u);
+
+    m_output.parameter()->setEnabled(true);
+    enterGuarded("guarded")->gives = false;
+    EXPECT_FALSE(here() >> m_text);
+    m_pool->createVariable(m_output.parameter().get(), Loam::makeStrong<VValue<Range>>());
+    EXPECT_FALSE(here() >> m_text);
+    EXPECT_EQ(m_text, "untouched");
+}
