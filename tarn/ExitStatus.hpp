@@ -1,0 +1,15 @@
+#pragma once
+
+namespace Tarn {
+
+/// What the program answers to the shell. An interrupted run answers 128 and the
+/// number of the signal instead.
+enum ExitStatus : int {
+    Fine = 0,
+    ObjectFailed = 1,  ///< an object reported an error, or a loop did not settle
+    NotUnderstood = 2, ///< the network has faults
+    WrongUsage = 3,
+    FileFailed = 4 ///< a file could not be read or written
+};
+
+} // namespace Tarn

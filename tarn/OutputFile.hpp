@@ -1,0 +1,55 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <sys/types.h>
+
+namespace Tarn {
+
+/// Receives results. A file appears as a whole or not at all: it is written
+/// beside its place under another name and renamed when it is complete.
+class OutputFile {
+public:
+    /// A result in the file \p path. A link is followed; what is no file, as a
+    /// pipe or a device, is written directly.
+    /// \throw FileError
+    explicit OutputFile(const std::string& path);
+
+    /// A result in the open stream \p descriptor, which messages call \p name.
+    /// \throw FileError if the number is negative: the stream was closed.
+    OutputFile(int descriptor, const std::string& name);
+
+    /// Without `commit` the file is as it was before.
+    ~OutputFile();
+
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// \throw FileError
+    void write(std::string_view bytes);
+
+    /// Hands what was written to the system.
+    /// \throw FileError
+    void flush();
+
+    /// Ends the output; a file takes its place.
+    /// \throw FileError and the file is as it was before.
+    void commit();
+
+    /// True if the output goes to its place piece by piece.
+    bool isStream() const noexcept { return m_temporary.empty(); }
+
+private:
+    void openBeside(mode_t mode, bool keepMode);
+    void discard() noexcept;
+
+    std::string m_name;      // in messages
+    std::string m_path;      // of the file in the end
+    std::string m_temporary; // of the file until then; empty for a stream
+    std::string m_pending;
+    int m_descriptor = -1;
+    bool m_owned = false;
+};
+
+} // namespace Tarn

@@ -1,0 +1,134 @@
+#include <tarn/Session.hpp>
+
+#include <tarn/FileError.hpp>
+#include <tarn/Wording.hpp>
+
+#include <loam/Numbers.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <limits>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace Tarn {
+
+namespace {
+
+using Orla::StrongPtr;
+
+std::string folderOf(const std::string& path)
+{
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+    if (error)
+        throw FileError{"cannot read " + printable(path), error.value()};
+    return absolute.parent_path().string();
+}
+
+void removeAllObjects()
+{
+    struct All final : Orla::VManagedObjectIterator {
+        bool apply(const StrongPtr<Orla::VManagedObject>& object) override
+        {
+            objects.push_back(object);
+            return true;
+        }
+
+        std::vector<StrongPtr<Orla::VManagedObject>> objects;
+    } all;
+    Orla::VManagedObject::traverse(all, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    for (; !all.objects.empty(); all.objects.pop_back())
+        Orla::VManagedObject::remove(all.objects.back());
+}
+
+// Where the input of the object is set, else where the object stands.
+Place placeOfSetting(const NetworkFile& file, const std::string& object, const std::string& input)
+{
+    const auto entry = std::ranges::find(file.objects, object, [](const auto& each) { return each.name.text; });
+    if (entry == file.objects.end())
+        return {};
+    const auto text = std::ranges::find(entry->texts, input, [](const auto& each) { return each.input.text; });
+    return text == entry->texts.end() ? entry->place : text->value.place;
+}
+
+} // namespace
+
+Session::Session(const std::string& path, const std::vector<std::string>& overrides,
+                 std::optional<std::uint64_t> stepLimit)
+    : m_faults{path}
+    , m_census{Loam::makeStrong<Census>()}
+    , m_folder{folderOf(path)}
+    , m_libraries{Libraries::searchPath(m_folder)}
+    , m_pool{Loam::makeStrong<Orla::ValuePool>(path)}
+{
+    const std::string text = readFile(path);
+    if (::chdir(m_folder.c_str()) != 0)
+        throw FileError{"cannot enter " + printable(m_folder), errno};
+    const NetworkFile file = parseNetwork(text, m_faults);
+    Orla::VActionNotifier::add(m_census);
+    std::vector<std::string> missing;
+    loadLibraries(file, missing);
+    m_network = buildNetwork(file, overrides, missing, m_faults);
+    if (m_faults.empty())
+        countSteps(file, stepLimit);
+}
+
+Session::~Session()
+{
+    m_census->countValues(m_pool);
+    m_timeProvider = {};
+    m_network = {};
+    m_pool.reset();
+    removeAllObjects();
+    Orla::VActionNotifier::remove(m_census);
+    const std::string survivor = m_census->survivor();
+    if (survivor.empty())
+        m_libraries.unload();
+    else
+        Orla::VActionNotifier::Warning("The libraries stay in memory, because somebody still holds " + survivor);
+}
+
+void Session::loadLibraries(const NetworkFile& file, std::vector<std::string>& missing)
+{
+    std::vector<PlacedText> wanted{{StandardLibrary, {}}};
+    wanted.insert(wanted.end(), file.libraries.begin(), file.libraries.end());
+    for (const auto& [name, place] : wanted) {
+        if (std::ranges::find(missing, name) != missing.end())
+            continue;
+        const std::string why = m_libraries.load(name);
+        if (why.empty())
+            continue;
+        m_faults.add(place, why);
+        missing.push_back(name);
+    }
+}
+
+void Session::countSteps(const NetworkFile& file, std::optional<std::uint64_t> limit)
+{
+    m_timeProvider = TimeProvider::find();
+    if (!m_timeProvider)
+        return;
+    const Orla::VTime time = m_timeProvider.time(m_pool);
+    const double count = TimeProvider::stepCount(time);
+    const auto report = [&](const std::string& expected) {
+        m_faults.add(placeOfSetting(file, m_timeProvider.name(), m_timeProvider.inputName()),
+                     "object " + inQuotes(m_timeProvider.name()) + ", input " + inQuotes(m_timeProvider.inputName())
+                         + ": the time " + Orla::VValueTrait<Orla::VTime>::Text(time) + " has "
+                         + Loam::numberText(count) + " steps, " + expected);
+    };
+    // Written so that NaN, which compares false with everything, is refused too.
+    if (!(count >= 1 && count <= MostCountedSteps)) {
+        report("expected 1 or more, " + Loam::numberText(MostCountedSteps) + " at most");
+        return;
+    }
+    m_stepCount = static_cast<std::uint64_t>(count);
+    if (limit)
+        m_stepCount = std::min(m_stepCount, *limit);
+    else if (count > MostSteps)
+        report("more than " + Loam::numberText(MostSteps) + "; --steps=N evaluates the first N of them");
+}
+
+} // namespace Tarn

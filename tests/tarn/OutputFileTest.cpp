@@ -1,0 +1,139 @@
+#include <tarn/OutputFile.hpp>
+
+#include <tarn/FileError.hpp>
+
+#include "tarn/TarnProcess.hpp"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <type_traits>
+
+#include <sys/stat.h>
+
+using namespace Tarn;
+using testing::ElementsAre;
+
+static_assert(!std::is_copy_constructible_v<OutputFile>);
+
+namespace {
+
+// In the language of the environment.
+std::string reason(int error)
+{
+    return std::generic_category().message(error);
+}
+
+std::string failureOf(const std::string& path)
+{
+    try {
+        OutputFile{path};
+    } catch (const FileError& error) {
+        return error.what();
+    }
+    return {};
+}
+
+} // namespace
+
+TEST(OutputFile, appearsWhenItIsComplete)
+{
+    const TestFolder folder;
+    {
+        OutputFile output{folder.file("result")};
+        output.write("first ");
+        output.write("second");
+        output.flush();
+        EXPECT_FALSE(std::filesystem::exists(folder.file("result")));
+        output.commit();
+    }
+    EXPECT_EQ(contentOf(folder.file("result")), "first second");
+    EXPECT_THAT(folder.names(), ElementsAre("result"));
+}
+
+TEST(OutputFile, leavesTheOldFileUnlessItIsComplete)
+{
+    const TestFolder folder;
+    folder.write("result", "old");
+    {
+        OutputFile output{folder.file("result")};
+        output.write(std::string(1 << 20, 'n'));
+    }
+    EXPECT_EQ(contentOf(folder.file("result")), "old");
+    EXPECT_THAT(folder.names(), ElementsAre("result"));
+}
+
+TEST(OutputFile, keepsThePermissionsOfTheFileThatItReplaces)
+{
+    const TestFolder folder;
+    folder.write("result", "old");
+    ASSERT_EQ(::chmod(folder.file("result").c_str(), 0640), 0);
+    OutputFile output{folder.file("result")};
+    output.write("new");
+    output.commit();
+    struct stat status{};
+    ASSERT_EQ(::stat(folder.file("result").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777u, 0640u);
+    EXPECT_EQ(contentOf(folder.file("result")), "new");
+}
+
+TEST(OutputFile, replacesTheFileBehindALinkAndNotTheLink)
+{
+    const TestFolder folder;
+    folder.write("data/result", "old");
+    std::filesystem::create_symlink("data/result", folder.file("link"));
+    OutputFile output{folder.file("link")};
+    output.write("new");
+    output.commit();
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.file("link")));
+    EXPECT_EQ(contentOf(folder.file("data/result")), "new");
+}
+
+TEST(OutputFile, takesTheLongestNameThatTheSystemHas)
+{
+    const TestFolder folder;
+    OutputFile output{folder.file(std::string(255, 'n'))};
+    output.commit();
+    EXPECT_THAT(folder.names(), ElementsAre(std::string(255, 'n')));
+}
+
+TEST(OutputFile, writesDevicesDirectlyAndDoesNotReplaceThem)
+{
+    OutputFile output{"/dev/null"};
+    EXPECT_TRUE(output.isStream());
+    output.write("gone");
+    output.commit();
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST(OutputFile, saysThatADeviceIsFull)
+{
+    OutputFile output{"/dev/full"};
+    output.write("too much");
+    try {
+        output.commit();
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.what(), "cannot write /dev/full: " + reason(ENOSPC));
+    }
+}
+
+TEST(OutputFile, namesTheFileThatCannotBeWritten)
+{
+    const TestFolder folder;
+    folder.write("file", "");
+    EXPECT_EQ(failureOf(folder.file("no/result")),
+              "cannot write " + folder.file("no/result") + ": " + reason(ENOENT));
+    EXPECT_EQ(failureOf(folder.file("file/result")),
+              "cannot write " + folder.file("file/result") + ": " + reason(ENOTDIR));
+    EXPECT_EQ(failureOf(folder.path()), "cannot write " + folder.path() + ": " + reason(EISDIR));
+    EXPECT_THAT(folder.names(), ElementsAre("file"));
+}
+
+TEST(OutputFile, refusesAStreamThatWasClosed)
+{
+    EXPECT_THROW((OutputFile{-1, "standard output"}), FileError);
+}

@@ -1,0 +1,71 @@
+#include <tarn/Wording.hpp>
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+using namespace Tarn;
+
+TEST(Wording, showsNoControlCharacter)
+{
+    EXPECT_EQ(printable("a\nb\tc\rd\x1b[31m\x7f\\"), "a\\nb\\tc\\rd\\x1b[31m\\x7f\\\\");
+    EXPECT_EQ(printable(std::string("a\0b", 3)), "a\\x00b");
+    EXPECT_EQ(printable("Größe \"x\""), "Größe \"x\"");
+    EXPECT_EQ(inQuotes("say \"so\""), "\"say \\\"so\\\"\"");
+}
+
+TEST(Wording, cutsLongTextsBetweenCharacters)
+{
+    EXPECT_EQ(printable(std::string(200, 'a')), std::string(200, 'a'));
+    EXPECT_EQ(printable(std::string(201, 'a')), std::string(200, 'a') + "...");
+    // The last of the 200 bytes would be the first half of an umlaut.
+    EXPECT_EQ(printable(std::string(199, 'a') + "ööö"), std::string(199, 'a') + "...");
+}
+
+TEST(Wording, countsInSingularAndPlural)
+{
+    EXPECT_EQ(counted(0, "fault"), "0 faults");
+    EXPECT_EQ(counted(1, "fault"), "1 fault");
+    EXPECT_EQ(counted(2, "fault"), "2 faults");
+}
+
+TEST(Wording, findsTheNameThatWasMisspelt)
+{
+    const std::vector<std::string> names{"catalog", "magnitude", "time"};
+    const struct { const char* name; const char* found; } cases[] = {
+        {"magnitud", "magnitude"},  // a letter is missing
+        {"magnnitude", "magnitude"}, // one too many
+        {"mognitude", "magnitude"}, // another one
+        {"cataolg", "catalog"},     // two are swapped
+        {"Time", "time"},           // another case
+        {"TIME", "time"},
+        {"tiem", "time"},
+        {"depth", ""},
+        {"t", ""},
+        {"", ""},
+    };
+    for (const auto& [name, found] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(nearest(name, names), found);
+    }
+}
+
+TEST(Wording, prefersTheNameWithTheFewestMistakes)
+{
+    EXPECT_EQ(nearest("magnitud", {"magnetude", "magnitude", "megnitudo"}), "magnitude");
+}
+
+TEST(Wording, doesNotGuessAtEndlessNames)
+{
+    EXPECT_EQ(nearest(std::string(100000, 'a'), {std::string(100000, 'a')}), "");
+}
+
+TEST(Wording, offersWhatThereIsInstead)
+{
+    EXPECT_EQ(insteadOf("tme", {"time", "range"}), "; did you mean \"time\"?");
+    EXPECT_EQ(insteadOf("depth", {"time", "range"}), "; there are time, range");
+    EXPECT_EQ(insteadOf("depth", {"time"}), "; there is time");
+    EXPECT_EQ(insteadOf("depth", {}), "");
+    EXPECT_EQ(insteadOf("depth", std::vector<std::string>(13, "x")), "");
+}
