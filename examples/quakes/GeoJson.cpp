@@ -1,0 +1,282 @@
+#include "GeoJson.hpp"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <ios>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace Quakes {
+
+namespace {
+
+using Json = nlohmann::json;
+
+// The part of a document that is not as it must be.
+struct Fault {
+    std::string member; // "properties.time"; empty for the document or event itself
+    std::string found;
+    std::string expected;
+};
+
+struct Stopped {};
+
+std::string shortened(std::string text)
+{
+    constexpr std::size_t longest = 60;
+    if (text.size() > longest)
+        text.replace(longest, std::string::npos, "...");
+    return text;
+}
+
+std::string described(const Json* found)
+{
+    if (!found)
+        return "nothing";
+    if (found->is_object())
+        return "an object";
+    if (found->is_array())
+        return "an array of " + std::to_string(found->size());
+    const char* const kind = found->is_string() ? "the text " : found->is_number() ? "the number " : "";
+    return kind + shortened(found->dump(-1, ' ', true, Json::error_handler_t::replace));
+}
+
+[[noreturn]] void refuse(const std::string& member, const Json* found, const char* expected)
+{
+    throw Fault{member, described(found), expected};
+}
+
+// Looks up the members of one object. What is null counts as missing; messages
+// name a member with the prefix put before its key.
+class Members {
+public:
+    Members(const Json& object, const char* prefix) : m_object{object}, m_prefix{prefix} {}
+
+    const Json* find(const char* key) const
+    {
+        const auto found = m_object.find(key);
+        return found == m_object.end() || found->is_null() ? nullptr : &*found;
+    }
+
+    Members object(const char* key, const char* prefix) const
+    {
+        const Json* const found = find(key);
+        if (!found || !found->is_object())
+            refuseMember(key, "an object");
+        return {*found, prefix};
+    }
+
+    const Json& array(const char* key, const char* expected) const
+    {
+        const Json* const found = find(key);
+        if (!found || !found->is_array())
+            refuseMember(key, expected);
+        return *found;
+    }
+
+    double number(const char* key, const char* expected) const
+    {
+        const Json* const found = find(key);
+        if (!found || !found->is_number())
+            refuseMember(key, expected);
+        return found->get<double>();
+    }
+
+    std::optional<double> optionalNumber(const char* key) const
+    {
+        if (!find(key))
+            return std::nullopt;
+        return number(key, "a number or null");
+    }
+
+    const std::string& text(const char* key, const char* expected) const
+    {
+        const Json* const found = find(key);
+        if (!found || !found->is_string())
+            refuseMember(key, expected);
+        return found->get_ref<const std::string&>();
+    }
+
+    std::string optionalText(const char* key) const
+    {
+        return find(key) ? text(key, "a text or null") : std::string();
+    }
+
+    void expectText(const char* key, std::string_view value, const char* expected) const
+    {
+        if (text(key, expected) != value)
+            refuseMember(key, expected);
+    }
+
+    [[noreturn]] void refuseMember(const char* key, const char* expected) const
+    {
+        // Said of a null as it stands in the file, though it counts as missing.
+        const auto found = m_object.find(key);
+        refuse(m_prefix + std::string(key), found == m_object.end() ? nullptr : &*found, expected);
+    }
+
+private:
+    const Json& m_object;
+    const char* m_prefix;
+};
+
+void readCoordinates(Quake& quake, const Members& geometry)
+{
+    constexpr const char* expected = "[longitude, latitude, depth]";
+    const Json& coordinates = geometry.array("coordinates", expected);
+    if (coordinates.size() < 2)
+        geometry.refuseMember("coordinates", expected);
+    const auto number = [&coordinates](std::size_t index) {
+        if (!coordinates[index].is_number())
+            refuse("geometry.coordinates[" + std::to_string(index) + "]", &coordinates[index], "a number");
+        return coordinates[index].get<double>();
+    };
+    quake.longitude = number(0);
+    quake.latitude = number(1);
+    if (coordinates.size() > 2 && !coordinates[2].is_null())
+        quake.depth = number(2);
+}
+
+Quake quakeOf(const Json& event)
+{
+    if (!event.is_object())
+        refuse("", &event, "an object of type \"Feature\"");
+    const Members feature{event, ""};
+    Quake quake;
+    quake.id = feature.text("id", "a text");
+    feature.expectText("type", "Feature", "\"Feature\"");
+
+    const Members properties = feature.object("properties", "properties.");
+    constexpr const char* timeExpected = "milliseconds since 1970 UTC, at most 8.64e15 before or after";
+    const double milliseconds = properties.number("time", timeExpected);
+    // Up to here seconds tell the millisecond.
+    if (std::abs(milliseconds) > 8.64e15)
+        properties.refuseMember("time", timeExpected);
+    quake.time = milliseconds / 1000;
+    quake.magnitude = properties.optionalNumber("mag");
+    quake.magnitudeType = properties.optionalText("magType");
+    quake.net = properties.optionalText("net");
+    quake.place = properties.optionalText("place");
+    quake.type = properties.optionalText("type");
+
+    const Members geometry = feature.object("geometry", "geometry.");
+    geometry.expectText("type", "Point", "\"Point\"");
+    readCoordinates(quake, geometry);
+    return quake;
+}
+
+// Listens to the parser and takes each event out of the document as soon as it
+// was read, so that the document never stands in memory as a whole.
+class EventTaker {
+public:
+    // To be called for what the parser meets; returns whether it keeps it.
+    bool operator()(int depth, Json::parse_event_t event, const Json& parsed)
+    {
+        using Event = Json::parse_event_t;
+        if (depth == 1) {
+            if (event == Event::key)
+                m_isKeyFeatures = parsed == "features";
+            else if (event == Event::array_start)
+                m_isInside = m_isKeyFeatures;
+            else if (event == Event::array_end)
+                m_isInside = false;
+        } else if (depth == 2 && m_isInside
+                   && (event == Event::object_end || event == Event::array_end || event == Event::value)) {
+            take(parsed);
+            return false;
+        }
+        return true;
+    }
+
+    std::vector<Quake> events;
+
+private:
+    void take(const Json& event)
+    {
+        try {
+            events.push_back(quakeOf(event));
+        } catch (Fault& fault) {
+            std::string place = "features[" + std::to_string(events.size()) + "]";
+            // The event is not copied: that would recurse as deeply as it is nested.
+            if (const auto id = event.find("id"); id != event.end() && id->is_string())
+                place += " (id " + shortened(id->dump(-1, ' ', true)) + ")";
+            fault.member = place + (fault.member.empty() ? "" : ", ") + fault.member;
+            throw;
+        }
+    }
+
+    bool m_isKeyFeatures = false;
+    bool m_isInside = false;
+};
+
+// The parser's message without its number and without what it read last, which
+// may be very long.
+std::string reason(const Json::exception& error)
+{
+    std::string_view message = error.what();
+    message.remove_prefix(std::min(message.find("] ") + 2, message.size()));
+    return std::string(message.substr(0, message.find("; last read: ")));
+}
+
+std::ifstream open(const std::string& file)
+{
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(file, ignored);
+    if (status.type() == std::filesystem::file_type::not_found)
+        throw std::runtime_error{file + ": found nothing of that name, expected a GeoJSON file"};
+    if (is_directory(status))
+        throw std::runtime_error{file + ": found a folder, expected a GeoJSON file"};
+    errno = 0;
+    std::ifstream stream{file, std::ios::binary};
+    if (!stream)
+        throw std::runtime_error{file + ": cannot be opened: " + std::generic_category().message(errno)};
+    return stream;
+}
+
+} // namespace
+
+std::optional<Catalogue> readGeoJson(const std::string& file, const ReadingProgress& progress)
+{
+    std::ifstream stream = open(file);
+    std::error_code sizeUnknown;
+    const double size = static_cast<double>(std::filesystem::file_size(file, sizeUnknown));
+
+    EventTaker taker;
+    const auto listener = [&](int depth, Json::parse_event_t event, const Json& parsed) {
+        const bool keep = taker(depth, event, parsed);
+        constexpr std::size_t often = 256;
+        if (!keep && progress && taker.events.size() % often == 0
+            && !progress(sizeUnknown ? 0 : static_cast<double>(stream.tellg()) / size))
+            throw Stopped{};
+        return keep;
+    };
+
+    try {
+        const Json document = Json::parse(stream, listener);
+        if (!document.is_object())
+            refuse("", &document, "an object of type \"FeatureCollection\"");
+        const Members collection{document, ""};
+        collection.expectText("type", "FeatureCollection", "\"FeatureCollection\"");
+        collection.array("features", "an array of events");
+    } catch (const Stopped&) {
+        return std::nullopt;
+    } catch (const Fault& fault) {
+        throw std::runtime_error{file + ": " + fault.member + (fault.member.empty() ? "" : ": ") + "found "
+                                 + fault.found + ", expected " + fault.expected};
+    } catch (const Json::exception& error) {
+        throw std::runtime_error{file + ": is no valid JSON: " + reason(error)};
+    } catch (const std::ios_base::failure& error) {
+        throw std::runtime_error{file + ": cannot be read: " + error.code().message()};
+    }
+    return Catalogue{std::move(taker.events)};
+}
+
+} // namespace Quakes

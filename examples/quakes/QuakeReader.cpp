@@ -1,0 +1,47 @@
+#include "Catalogue.hpp"
+#include "GeoJson.hpp"
+
+#include <fathom/String.hpp>
+#include <fathom/VOutput.hpp>
+
+#include <trellis/VObjectCreator.hpp>
+
+#include <stdexcept>
+
+namespace Quakes {
+
+/// Reads the events of a GeoJSON file. A file that cannot be read is an error
+/// and leaves the events that were read before.
+class QuakeReader : public Orla::VObject {
+public:
+    using VObject::VObject;
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const Orla::StrongPtr<Orla::ValuePool>& pool = request.valuePool();
+        const std::string file = m_file.value(pool);
+        if (file.empty())
+            throw std::runtime_error{"the input \"file\" is empty, expected the name of a GeoJSON file"};
+
+        const std::optional<Catalogue> catalogue = readGeoJson(file, [&request](double fraction) {
+            request.reportProgress(fraction);
+            return !request.isCancelled();
+        });
+        if (!catalogue)
+            return false;
+        m_catalogue(pool) <<= *catalogue;
+        return true;
+    }
+
+private:
+    Orla::TypedSlot<std::string> m_file{this, "file", "", 0};
+    Orla::VOutput<Catalogue> m_catalogue{this, "catalog", Catalogue{}};
+};
+
+} // namespace Quakes
+
+namespace {
+
+const Orla::VObjectType<Quakes::QuakeReader> quakeReaderType{"QuakeReader"};
+
+} // namespace

@@ -1,0 +1,212 @@
+#include "Evaluation.hpp"
+
+#include <fathom/TypedSlot.hpp>
+#include <fathom/VOutput.hpp>
+#include <fathom/VTime.hpp>
+
+#include <trellis/TypedSlotCreator.hpp>
+#include <trellis/VObjectCreator.hpp>
+#include <trellis/VValueCreator.hpp>
+
+#include <gmock/gmock.h>
+
+#include <dlfcn.h>
+
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+using Orla::StrongPtr;
+using Orla::VObject;
+using testing::Contains;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+// Provides the time that it is given to all who look for one.
+class Clock : public VObject {
+public:
+    using VObject::VObject;
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        return m_now(request.valuePool()) << m_time.value(request.valuePool());
+    }
+
+private:
+    Orla::TypedSlot<Orla::VTime> m_time{this, "time", Orla::VTime{0}, 0};
+    Orla::VOutput<Orla::VTime> m_now{this, "now", Orla::VTime{0}};
+};
+
+const StrongPtr<Orla::VCreationPreferences> provider{new Orla::VCreationPreferences("default", "GlobalTime")};
+const Orla::VObjectType<Clock> clockType{"GlobalTime", provider};
+
+struct Registries {
+    std::vector<std::string> values = Orla::VValueCreator::names();
+    std::vector<std::string> objects = Orla::VObjectCreator::names();
+    std::vector<std::string> slots = Orla::TypedSlotCreator::typeKeys();
+    std::size_t managed = Orla::VManagedObject::count();
+
+    friend bool operator==(const Registries&, const Registries&) = default;
+};
+
+class Library {
+public:
+    Library() : m_handle{dlopen(QUAKES_LIBRARY, RTLD_NOW | RTLD_LOCAL)}
+    {
+        if (!m_handle)
+            throw std::runtime_error{dlerror()};
+    }
+
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+    ~Library() { dlclose(m_handle); }
+
+    static bool isLoaded()
+    {
+        void* const handle = dlopen(QUAKES_LIBRARY, RTLD_NOW | RTLD_NOLOAD);
+        if (handle)
+            dlclose(handle);
+        return handle != nullptr;
+    }
+
+private:
+    void* m_handle;
+};
+
+// The objects of quakes.toml, made in the same order and by the same texts.
+class Network {
+public:
+    using Texts = std::vector<std::pair<const char*, const char*>>;
+
+    Network()
+    {
+        add(clock, "GlobalTime", "clock", {{"time", "0[0,1]@0.015625"}});
+        add(reader, "QuakeReader", "reader", {{"file", EARTHQUAKES_JSON}});
+        add(instant, "UtcInstant", "instant", {{"range", range}});
+        add(all, "QuakeFilter", "all", {{"range", range}});
+        add(strong, "QuakeFilter", "strong", {{"range", range}, {"magnitude", "4.5:10"}});
+        Orla::VScheduler::scheduleAll(pool);
+    }
+
+    Network(const Network&) = delete;
+    Network& operator=(const Network&) = delete;
+
+    ~Network()
+    {
+        for (const StrongPtr<VObject>& object : {clock, reader, instant, all, strong})
+            Orla::VManagedObject::remove(object);
+    }
+
+    std::string row(std::size_t step) const
+    {
+        return std::to_string(step) + ',' + readText(*instant, "utc", pool) + ','
+            + readText(*all, "count", pool) + ',' + readText(*strong, "count", pool);
+    }
+
+    StrongPtr<VObject> clock, reader, instant, all, strong;
+    StrongPtr<Orla::ValuePool> pool{new Orla::ValuePool("week")};
+
+private:
+    // Who takes a catalogue takes the reader's.
+    void add(StrongPtr<VObject>& object, const char* type, const char* name, const Texts& texts)
+    {
+        const StrongPtr<Orla::VObjectCreator> creator = Orla::VObjectCreator::find(type);
+        if (!creator)
+            throw std::runtime_error{std::string("there is no object type ") + type};
+        object = creator->create(name, 0, nullptr);
+        for (const auto& [input, text] : texts)
+            EXPECT_TRUE(object->findSlot(input)->setInitialText(text)) << name << '.' << input;
+        if (object->findSlot("catalog"))
+            connect(*object, "catalog", *reader, "catalog");
+        VObject::finishCreation(object, {}, creator);
+    }
+
+    static constexpr const char* range = "1517356800:1518048000";
+};
+
+std::vector<std::string> expectedRows()
+{
+    std::ifstream stream{EXPECTED_TABLE};
+    std::vector<std::string> rows;
+    for (std::string line; std::getline(stream, line);) {
+        if (!line.starts_with('#') && !line.starts_with("step"))
+            rows.push_back(line);
+    }
+    return rows;
+}
+
+} // namespace
+
+TEST(QuakesLibrary, bringsItsTypesAndTakesThemAway)
+{
+    const Registries before;
+    ASSERT_FALSE(Library::isLoaded());
+    for (int round = 0; round < 2; ++round) {
+        SCOPED_TRACE(round);
+        {
+            const Library library;
+            EXPECT_THAT(Orla::VValueCreator::names(), Contains("Catalogue"));
+            EXPECT_THAT(Orla::VObjectCreator::names(), Contains("QuakeReader"));
+            EXPECT_THAT(Orla::VObjectCreator::names(), Contains("QuakeFilter"));
+            EXPECT_THAT(Orla::VObjectCreator::names(), Contains("UtcInstant"));
+            const Network network;
+            EXPECT_EQ(Orla::VScheduler::run(network.pool).failures, 0u);
+        }
+        EXPECT_EQ(Registries{}, before);
+        EXPECT_FALSE(Library::isLoaded());
+    }
+}
+
+TEST(QuakesLibrary, countsTheWeekInStepsOfThreeHours)
+{
+    const std::vector<std::string> expected = expectedRows();
+    ASSERT_THAT(expected, SizeIs(65));
+
+    const Library library;
+    const Warnings warnings;
+    const Network network;
+    std::vector<std::string> rows;
+    Orla::VTime time{0, 0, 1, 0.015625, "", "", ""};
+    for (std::size_t step = 0; step < 65; ++step) {
+        SCOPED_TRACE(step);
+        if (step > 0)
+            write(*network.clock, "time", network.pool, (time++, time));
+        const Orla::VScheduler::Summary summary = Orla::VScheduler::run(network.pool);
+        EXPECT_EQ(summary.failures, 0u);
+        // The file is read at the first step and never again.
+        EXPECT_EQ(summary.updates, step == 0 ? 5u : 4u);
+        EXPECT_EQ(Orla::VScheduler::run(network.pool).updates, 0u);
+        rows.push_back(network.row(step));
+    }
+    EXPECT_THAT(rows, ElementsAreArray(expected));
+    EXPECT_THAT(warnings.all(), IsEmpty());
+}
+
+TEST(QuakesLibrary, answersForAnyTimeInAnyOrder)
+{
+    const std::vector<std::string> expected = expectedRows();
+    ASSERT_THAT(expected, SizeIs(65));
+
+    const Library library;
+    const Network network;
+    for (const std::size_t step : {64u, 0u, 32u, 1u, 56u, 57u, 0u}) {
+        write(*network.clock, "time", network.pool, Orla::VTime{static_cast<double>(step) / 64, 0, 1});
+        Orla::VScheduler::run(network.pool);
+        EXPECT_EQ(network.row(step), expected[step]);
+    }
+}
+
+TEST(QuakesLibrary, refusesToConnectOtherTypesAndNamesBoth)
+{
+    const Library library;
+    const Network network;
+    std::string reason;
+    const StrongPtr<Orla::VSlot> count = network.all->findOutput("count");
+    EXPECT_FALSE(network.strong->attachOutput(count, network.strong->findSlot("catalog"), "", &reason));
+    EXPECT_THAT(reason, testing::AllOf(testing::HasSubstr("double"), testing::HasSubstr("Catalogue")));
+}

@@ -1,0 +1,217 @@
+#include "Evaluation.hpp"
+#include "Printing.hpp"
+
+#include <fathom/Range.hpp>
+#include <fathom/VTime.hpp>
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+using Orla::Range;
+using Orla::VTime;
+using Quakes::Catalogue;
+using Quakes::Quake;
+using testing::ElementsAre;
+
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+Quake quake(const std::string& id, double time, std::optional<double> magnitude = std::nullopt)
+{
+    Quake result;
+    result.id = id;
+    result.time = time;
+    result.magnitude = magnitude;
+    return result;
+}
+
+const Catalogue someQuakes{{quake("a", 100, 2.5), quake("b", 125, 4.5), quake("c", 150.25),
+                            quake("d", 150.5, std::nextafter(4.5, 0)), quake("e", 200, 7.0)}};
+
+std::vector<std::string> selected(const Evaluation& filter)
+{
+    const Catalogue catalogue = filter.value<Catalogue>("catalog");
+    EXPECT_EQ(filter.text("count"), std::to_string(catalogue.size()));
+    std::vector<std::string> ids;
+    for (std::size_t i = 0; i < catalogue.size(); ++i)
+        ids.push_back(catalogue[i].id);
+    return ids;
+}
+
+} // namespace
+
+TEST(QuakeFilter, selectsWhatHappenedByTheCurrentTime)
+{
+    Evaluation filter{"QuakeFilter"};
+    filter.set("catalog", someQuakes);
+    filter.set("range", Range{100, 200});
+    const struct { double time; std::vector<std::string> ids; } cases[] = {
+        {0, {"a"}},
+        {-infinity, {}},
+        {0.2499999999, {"a"}},
+        {0.25, {"a", "b"}},
+        {0.5, {"a", "b"}},
+        {0.505, {"a", "b", "c", "d"}},
+        {0.999, {"a", "b", "c", "d"}},
+        {1, {"a", "b", "c", "d", "e"}},
+        {infinity, {"a", "b", "c", "d", "e"}},
+        {notANumber, {}},
+        {-1, {}},
+        {7, {"a", "b", "c", "d", "e"}},
+    };
+    for (const auto& [time, ids] : cases) {
+        SCOPED_TRACE(time);
+        filter.set("time", VTime{time});
+        EXPECT_EQ(filter.run().failures, 0u);
+        EXPECT_EQ(selected(filter), ids);
+    }
+}
+
+TEST(QuakeFilter, countsTheEventAtTheVeryMillisecond)
+{
+    const Catalogue oneQuake{{quake("first", 1517363399650 / 1000.0)}};
+    Evaluation filter{"QuakeFilter"};
+    filter.set("catalog", oneQuake);
+    const struct { const char* range; std::vector<std::string> ids; } cases[] = {
+        {"1517363399.649:0", {}},
+        {"1517363399.65:0", {"first"}},
+        {"1517363399.651:0", {"first"}},
+    };
+    for (const auto& [range, ids] : cases) {
+        SCOPED_TRACE(range);
+        filter.setText("range", range);
+        filter.run();
+        EXPECT_EQ(selected(filter), ids);
+    }
+}
+
+TEST(QuakeFilter, selectsMagnitudesBetweenBothEndsIncluded)
+{
+    Evaluation filter{"QuakeFilter"};
+    filter.set("catalog", someQuakes);
+    filter.set("time", VTime{1});
+    filter.set("range", Range{0, 1000});
+    const struct { const char* magnitude; std::vector<std::string> ids; } cases[] = {
+        {"4.5:10", {"b", "e"}},
+        {"2.5:4.5", {"a", "b", "d"}},
+        {"4.5:4.5", {"b"}},
+        {"7:7", {"e"}},
+        {"10:4.5", {}},
+        {"8:9", {}},
+        {"nan:9", {}},
+        {"4.5:10", {"b", "e"}},
+    };
+    for (const auto& [magnitude, ids] : cases) {
+        SCOPED_TRACE(magnitude);
+        filter.setText("magnitude", magnitude);
+        EXPECT_EQ(filter.run().failures, 0u);
+        EXPECT_EQ(selected(filter), ids);
+    }
+}
+
+TEST(QuakeFilter, selectsUnknownMagnitudesOnlyWhereNoneIsAskedFor)
+{
+    Evaluation filter{"QuakeFilter"};
+    filter.set("catalog", someQuakes);
+    filter.set("range", Range{1000, 1000});
+    filter.run();
+    EXPECT_THAT(selected(filter), ElementsAre("a", "b", "c", "d", "e"));
+
+    filter.setText("magnitude", "-100:inf");
+    filter.run();
+    EXPECT_THAT(selected(filter), ElementsAre("a", "b", "d", "e"));
+
+    filter.setText("magnitude", "-inf:inf");
+    filter.run();
+    EXPECT_THAT(selected(filter), ElementsAre("a", "b", "c", "d", "e"));
+}
+
+TEST(QuakeFilter, selectsNothingFromNothing)
+{
+    Evaluation filter{"QuakeFilter"};
+    filter.set("time", VTime{infinity});
+    EXPECT_EQ(filter.run().failures, 0u);
+    EXPECT_EQ(filter.text("count"), "0");
+    EXPECT_EQ(filter.text("catalog"), "");
+    filter.setText("magnitude", "1:2");
+    EXPECT_EQ(filter.run().failures, 0u);
+    EXPECT_EQ(filter.text("count"), "0");
+}
+
+TEST(QuakeFilter, followsACatalogueThatIsReplaced)
+{
+    Evaluation filter{"QuakeFilter"};
+    filter.set("range", Range{1000, 1000});
+    filter.setText("magnitude", "4.5:10");
+    const Catalogue one{{quake("x", 1, 5.0), quake("y", 2, 1.0)}};
+    const Catalogue other{{quake("z", 1, 1.0), quake("w", 2, 5.0)}};
+    for (const Catalogue& catalogue : {one, other, one}) {
+        filter.set("catalog", catalogue);
+        filter.run();
+        EXPECT_EQ(filter.value<Catalogue>("catalog"), catalogue.withMagnitude(Range{4.5, 10}));
+    }
+    filter.set("catalog", Catalogue{});
+    filter.run();
+    EXPECT_EQ(filter.text("count"), "0");
+}
+
+TEST(QuakeFilter, keepsThePoolsApart)
+{
+    Evaluation filter{"QuakeFilter"};
+    const Orla::StrongPtr<Orla::ValuePool> other{new Orla::ValuePool("other")};
+    filter.set("catalog", someQuakes);
+    filter.set("range", Range{1000, 1000});
+    filter.setText("magnitude", "4.5:10");
+    write(*filter.object, "catalog", other, Catalogue{{quake("z", 1, 3.0)}});
+    write(*filter.object, "range", other, Range{1000, 1000});
+    for (int round = 0; round < 2; ++round) {
+        filter.set("time", VTime{static_cast<double>(round)});
+        write(*filter.object, "time", other, VTime{static_cast<double>(round)});
+        filter.run();
+        Orla::VScheduler::run(other);
+        EXPECT_EQ(filter.text("count"), "2");
+        EXPECT_EQ(readText(*filter.object, "count", other), "1");
+    }
+}
+
+TEST(QuakeFilter, leavesItsInputAlone)
+{
+    Evaluation filter{"QuakeFilter"};
+    filter.set("catalog", someQuakes);
+    filter.set("range", Range{125, 125});
+    filter.run();
+    EXPECT_THAT(selected(filter), ElementsAre("a", "b"));
+    const Orla::StrongPtr<Orla::VValueBase> input =
+        filter.object->findSlot("catalog")->getValueBase(filter.pool);
+    EXPECT_EQ(input->Text(), Orla::VValueTrait<Catalogue>::Text(someQuakes));
+}
+
+TEST(QuakeFilter, makesItsReadersDueOnlyWhenTheSelectionChanges)
+{
+    Evaluation filter{"QuakeFilter"};
+    Evaluation reader{"QuakeFilter"};
+    connect(*reader.object, "catalog", *filter.object, "catalog");
+    filter.set("catalog", someQuakes);
+    filter.set("range", Range{100, 200});
+    write(*reader.object, "range", filter.pool, Range{1000, 1000});
+    EXPECT_EQ(filter.run().updates, 2u);
+    EXPECT_EQ(readText(*reader.object, "count", filter.pool), "1");
+
+    EXPECT_EQ(filter.run().updates, 0u);
+
+    filter.set("time", VTime{0.1});
+    EXPECT_EQ(filter.run().updates, 1u) << "no event happened since, so the reader need not run";
+
+    filter.set("time", VTime{0.25});
+    EXPECT_EQ(filter.run().updates, 2u);
+    EXPECT_EQ(readText(*reader.object, "count", filter.pool), "2");
+
+    filter.setText("magnitude", "0:9");
+    EXPECT_EQ(filter.run().updates, 1u) << "the same events are selected";
+}
