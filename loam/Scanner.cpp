@@ -1,0 +1,122 @@
+#include <loam/Scanner.hpp>
+
+#include <loam/Numbers.hpp>
+
+#include <algorithm>
+
+namespace Loam {
+
+namespace {
+
+constexpr char lower(char c) noexcept
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+constexpr bool isDigit(char c) noexcept
+{
+    return c >= '0' && c <= '9';
+}
+
+constexpr bool isHexDigit(char c) noexcept
+{
+    return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'f');
+}
+
+bool startsWith(const char* place, const char* end, std::string_view word) noexcept
+{
+    return static_cast<std::size_t>(end - place) >= word.size()
+           && std::equal(word.begin(), word.end(), place, [](char a, char b) { return a == lower(b); });
+}
+
+} // namespace
+
+Scanner::Scanner(std::string_view text) noexcept
+    : m_place{text.data()}, m_end{text.data() + std::min(text.size(), text.find('\0'))}
+{
+}
+
+Scanner& Scanner::blanks() noexcept
+{
+    m_place = skipBlanks(m_place, m_end);
+    return *this;
+}
+
+Scanner& Scanner::literal(char expected) noexcept
+{
+    if (m_failed || m_place == m_end || *m_place != expected)
+        m_failed = true;
+    else
+        ++m_place;
+    return *this;
+}
+
+// The end of the piece that sscanf takes for a number, from its first character
+// after the blanks; null if it gives up on the way.
+const char* Scanner::numberEnd() const noexcept
+{
+    const char* place = m_place;
+    if (place != m_end && (*place == '+' || *place == '-'))
+        ++place;
+    if (place == m_end)
+        return nullptr;
+    if (lower(*place) == 'n')
+        return startsWith(place, m_end, "nan") ? place + 3 : nullptr;
+    if (lower(*place) == 'i') {
+        if (!startsWith(place, m_end, "inf"))
+            return nullptr;
+        place += 3;
+        // A fourth letter decides for the long word, which must then be whole.
+        if (place == m_end || lower(*place) != 'i')
+            return place;
+        return startsWith(place, m_end, "inity") ? place + 5 : nullptr;
+    }
+
+    const bool hexadecimal = startsWith(place, m_end, "0x");
+    if (hexadecimal)
+        place += 2;
+    const char* const digits = place;
+    const char exponentLetter = hexadecimal ? 'p' : 'e';
+    bool hasDigit = false;
+    bool hasPoint = false;
+    bool hasExponent = false;
+    for (; place != m_end; ++place) {
+        const char c = *place;
+        if (isDigit(c) || (hexadecimal && !hasExponent && isHexDigit(c)))
+            hasDigit = true;
+        else if (hasExponent && (c == '+' || c == '-') && lower(place[-1]) == exponentLetter)
+            continue;
+        else if (hasDigit && !hasExponent && lower(c) == exponentLetter)
+            hasExponent = true;
+        else if (c == '.' && !hasPoint && !hasExponent)
+            hasPoint = true;
+        else
+            break;
+    }
+    return place == digits ? nullptr : place;
+}
+
+template<class T>
+bool Scanner::read(T& value) noexcept
+{
+    blanks();
+    if (m_failed)
+        return false;
+    const char* const end = numberEnd();
+    m_failed = !end || !readNumber(m_place, end, value);
+    if (!m_failed)
+        m_place = end;
+    return !m_failed;
+}
+
+bool Scanner::number(double& value) noexcept
+{
+    return read(value);
+}
+
+bool Scanner::number(float& value) noexcept
+{
+    return read(value);
+}
+
+} // namespace Loam
