@@ -5,6 +5,11 @@
 // Forward declarations, for code that only passes references.
 namespace Gyre {
 
+class BoundingBall;
+class BoundingBox;
+class MultiRange;
+struct PhysicalSpace;
+struct rgba_float_t;
 template<class T, std::size_t N>
 struct FixedArray;
 

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <gable/Export.hpp>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Gyre {
+
+/// Ranges of a value with several components: for each component its lower and
+/// its upper bound, one after the other.
+class GABLE_API MultiRange {
+public:
+    /// No range.
+    MultiRange() = default;
+
+    explicit MultiRange(std::vector<double> bounds) noexcept;
+
+    /// Reads an optional "[" and numbers separated by ";" or ",". Ends quietly
+    /// where there is no number; what was read until then counts.
+    explicit MultiRange(const std::string& text);
+
+    std::size_t size() const noexcept { return m_bounds.size(); }
+    bool empty() const noexcept { return m_bounds.empty(); }
+
+    const double* begin() const noexcept { return m_bounds.data(); }
+    const double* end() const noexcept { return m_bounds.data() + m_bounds.size(); }
+
+    /// \pre \p index is less than `size()`.
+    double operator[](std::size_t index) const noexcept { return m_bounds[index]; }
+
+    friend bool operator==(const MultiRange&, const MultiRange&) = default;
+
+private:
+    std::vector<double> m_bounds;
+};
+
+} // namespace Gyre

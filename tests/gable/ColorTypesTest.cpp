@@ -1,0 +1,11 @@
+#include <gable/ColorTypes.hpp> // first: proves that the header stands alone
+
+#include <gtest/gtest.h>
+
+static_assert(sizeof(Gyre::rgba_float_t) == 4 * sizeof(float));
+
+TEST(ColorTypes, startBlackAndOpaque)
+{
+    EXPECT_EQ(Gyre::rgba_float_t(), (Gyre::rgba_float_t{0, 0, 0, 1}));
+    EXPECT_FALSE((Gyre::rgba_float_t{0, 0, 0, 0.5f}) == Gyre::rgba_float_t());
+}
