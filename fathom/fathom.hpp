@@ -5,10 +5,13 @@
 // Forward declarations, for code that only passes pointers.
 namespace Orla {
 
+class Frustum;
 class ImageTile;
 class Interactive;
 class Range;
 class TimeDependent;
+class VCamera;
+class VConnectionTypeColors;
 class VInteractionEvent;
 class VTime;
 template<class T>

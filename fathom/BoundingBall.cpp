@@ -1,0 +1,31 @@
+#include <fathom/BoundingBall.hpp>
+
+#include <fathom/GyrePhysicalSpacePoint.hpp>
+
+#include <loam/Numbers.hpp>
+
+#include <string_view>
+
+namespace Orla {
+
+using Point = VValueTrait<Gyre::PhysicalSpace::point>;
+
+std::string VValueTrait<Gyre::BoundingBall>::Text(const Gyre::BoundingBall& ball)
+{
+    return Point::Text(ball.center()) + "@" + VValueTrait<double>::Text(ball.radius());
+}
+
+bool VValueTrait<Gyre::BoundingBall>::setValueFromText(Gyre::BoundingBall& ball, const std::string& text)
+{
+    const auto last = text.rfind('@');
+    double radius = ball.radius();
+    if (!Loam::readNumber(radius, std::string_view(text).substr(last == std::string::npos ? 0 : last + 1)))
+        return false;
+    ball.setRadius(radius);
+    Gyre::PhysicalSpace::point center = ball.center();
+    const bool read = Point::setValueFromText(center, text.substr(0, text.find('@')));
+    ball.setCenter(center);
+    return read;
+}
+
+} // namespace Orla

@@ -1,0 +1,91 @@
+#include <fathom/Chunk.hpp>
+
+#include <fathom/RegisteredName.hpp>
+
+#include <loam/Numbers.hpp>
+
+#include <algorithm>
+#include <cstddef>
+
+namespace Orla {
+
+template<class T>
+std::string Stringify(const StrongPtr<TypedChunk<T>>& array)
+{
+    if (!array)
+        return {};
+    constexpr std::size_t BlockNumbers = 256;
+    char block[BlockNumbers * (Loam::numberTextSize + 1)];
+    std::string text;
+    const T* number = array->data();
+    const T* const end = number + array->size();
+    while (number != end) {
+        const T* const blockEnd = number + std::min(BlockNumbers, static_cast<std::size_t>(end - number));
+        char* place = block;
+        for (; number != blockEnd; ++number) {
+            place = Loam::writeNumber(place, block + sizeof block, *number);
+            *place++ = ',';
+        }
+        // The first numbers tell about how long the whole will be.
+        if (text.empty())
+            text.reserve((static_cast<std::size_t>(place - block) + 16) * (array->size() / BlockNumbers + 1));
+        text.append(block, place);
+    }
+    return text;
+}
+
+template<class T>
+bool ParseString(StrongPtr<TypedChunk<T>>& array, const std::string& text)
+{
+    const auto commas = static_cast<std::size_t>(std::count(text.begin(), text.end(), ','));
+    const std::size_t count = commas + (text.empty() || text.back() == ',' ? 0 : 1);
+    const StrongPtr<TypedChunk<T>> numbers = Loam::TypedChunkBase<T>::createNewChunk(count, true);
+    bool anyRead = false;
+    const char* piece = text.data();
+    const char* const end = text.data() + text.size();
+    for (T& number : *numbers) {
+        // No number has a comma in it, so each ends before the next piece begins.
+        if (const char* next = Loam::readNumber(piece, end, number)) {
+            anyRead = true;
+            piece = next;
+        }
+        if (piece != end && *piece != ',')
+            piece = std::find(piece, end, ',');
+        if (piece != end)
+            ++piece;
+    }
+    array = numbers;
+    return anyRead;
+}
+
+template FATHOM_API std::string Stringify(const StrongPtr<TypedChunk<double>>&);
+template FATHOM_API std::string Stringify(const StrongPtr<TypedChunk<float>>&);
+template FATHOM_API std::string Stringify(const StrongPtr<TypedChunk<short>>&);
+template FATHOM_API std::string Stringify(const StrongPtr<TypedChunk<int>>&);
+template FATHOM_API std::string Stringify(const StrongPtr<TypedChunk<long long>>&);
+template FATHOM_API bool ParseString(StrongPtr<TypedChunk<double>>&, const std::string&);
+template FATHOM_API bool ParseString(StrongPtr<TypedChunk<float>>&, const std::string&);
+template FATHOM_API bool ParseString(StrongPtr<TypedChunk<short>>&, const std::string&);
+template FATHOM_API bool ParseString(StrongPtr<TypedChunk<int>>&, const std::string&);
+template FATHOM_API bool ParseString(StrongPtr<TypedChunk<long long>>&, const std::string&);
+
+namespace {
+
+template<class T>
+using Array = StrongPtr<TypedChunk<T>, ChunkBase>;
+
+const RegisteredName doubles{typeid(Array<double>), "double[]"};
+const RegisteredName floats{typeid(Array<float>), "float[]"};
+const RegisteredName shorts{typeid(Array<short>), "int16[]"};
+const RegisteredName ints{typeid(Array<int>), "int32[]"};
+const RegisteredName longs{typeid(Array<long long>), "int64[]"};
+
+} // namespace
+
+bool VValueTrait<Array<double>>::TypenameInitialized = true;
+bool VValueTrait<Array<float>>::TypenameInitialized = true;
+bool VValueTrait<Array<short>>::TypenameInitialized = true;
+bool VValueTrait<Array<int>>::TypenameInitialized = true;
+bool VValueTrait<Array<long long>>::TypenameInitialized = true;
+
+} // namespace Orla

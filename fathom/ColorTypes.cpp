@@ -1,0 +1,33 @@
+#include <fathom/ColorTypes.hpp>
+
+#include <loam/Numbers.hpp>
+#include <loam/Scanner.hpp>
+
+namespace Orla {
+
+std::string VValueTrait<Gyre::rgba_float_t>::Text(const Gyre::rgba_float_t& colour)
+{
+    using Loam::formatG;
+    return "(" + formatG(double{colour.r}) + "," + formatG(double{colour.g}) + "," + formatG(double{colour.b}) + ","
+           + formatG(double{colour.a}) + ")";
+}
+
+// The scanf format " ( %g, %g, %g, %g )"; what follows the last number is not
+// looked at by scanf either.
+bool VValueTrait<Gyre::rgba_float_t>::setValueFromText(Gyre::rgba_float_t& colour, const std::string& text)
+{
+    colour = {1, 1, 1, 1};
+    Loam::Scanner scanner(text);
+    scanner.blanks().literal('(');
+    int read = 0;
+    for (float* component : {&colour.r, &colour.g, &colour.b, &colour.a}) {
+        if (read > 0)
+            scanner.literal(',');
+        if (!scanner.number(*component))
+            break;
+        ++read;
+    }
+    return read > 1;
+}
+
+} // namespace Orla

@@ -1,0 +1,23 @@
+#include <fathom/GyrePhysicalSpaceBiVector.hpp>
+
+#include <fathom/TextPieces.hpp>
+
+namespace Orla {
+
+std::string VValueTrait<Gyre::PhysicalSpace::bivector>::Text(const Gyre::PhysicalSpace::bivector& bivector)
+{
+    return writeTriple('<', bivector, '>');
+}
+
+bool VValueTrait<Gyre::PhysicalSpace::bivector>::setValueFromText(Gyre::PhysicalSpace::bivector& bivector, const std::string& text)
+{
+    return readTriple(bivector, text, '<');
+}
+
+bool VInputValueTrait<Gyre::PhysicalSpace::bivector>::setValueFromText(Gyre::PhysicalSpace::bivector& bivector,
+                                                                       const std::string& text)
+{
+    return VValueTrait<Gyre::PhysicalSpace::bivector>::setValueFromText(bivector, text);
+}
+
+} // namespace Orla

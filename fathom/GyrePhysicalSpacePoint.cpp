@@ -1,0 +1,17 @@
+#include <fathom/GyrePhysicalSpacePoint.hpp>
+
+#include <fathom/TextPieces.hpp>
+
+namespace Orla {
+
+std::string VValueTrait<Gyre::PhysicalSpace::point>::Text(const Gyre::PhysicalSpace::point& point)
+{
+    return writeTriple('{', point, '}');
+}
+
+bool VValueTrait<Gyre::PhysicalSpace::point>::setValueFromText(Gyre::PhysicalSpace::point& point, const std::string& text)
+{
+    return readTriple(point, text, '{');
+}
+
+} // namespace Orla

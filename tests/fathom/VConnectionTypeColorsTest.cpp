@@ -1,0 +1,42 @@
+#include <fathom/VConnectionTypeColors.hpp> // first: proves that the header stands alone
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace Orla;
+
+namespace {
+
+// Read while this program starts up.
+const std::string visibilityAtStart = Tarn::renderobject_visibility;
+
+struct Coloured {};
+struct Uncoloured {};
+
+TEST(VConnectionTypeColors, drawNumbersGreenWhateverIsSet)
+{
+    EXPECT_EQ(VConnectionTypeColors::get(typeid(int)), "green");
+    VConnectionTypeColors::set(typeid(double), "red");
+    EXPECT_EQ(VConnectionTypeColors::get(typeid(double)), "green");
+    VConnectionTypeColors::set(typeid(int), "red");
+    EXPECT_EQ(VConnectionTypeColors::get(typeid(int)), "green");
+}
+
+TEST(VConnectionTypeColors, keepTheLastColourOfAType)
+{
+    EXPECT_EQ(VConnectionTypeColors::get(typeid(Coloured)), "");
+    VConnectionTypeColors::set(typeid(Coloured), "#123456");
+    VConnectionTypeColors::set(typeid(Coloured), "blue");
+    EXPECT_EQ(VConnectionTypeColors::get(typeid(Coloured)), "blue");
+    EXPECT_EQ(VConnectionTypeColors::get(typeid(Uncoloured)), "");
+}
+
+TEST(RenderProperties, haveTheirNamesFromTheStart)
+{
+    EXPECT_EQ(visibilityAtStart, "visibility");
+    EXPECT_STREQ(Tarn::renderobject_visibility, "visibility");
+    EXPECT_STREQ(Tarn::rendertime_contribution, "rendertimecontribution");
+}
+
+} // namespace
