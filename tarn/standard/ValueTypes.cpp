@@ -1,5 +1,15 @@
+#include <fathom/BoundingBall.hpp>
+#include <fathom/BoundingBox.hpp>
+#include <fathom/Chunk.hpp>
+#include <fathom/ColorTypes.hpp>
 #include <fathom/Double.hpp>
+#include <fathom/GyreFixedArray.hpp>
+#include <fathom/GyrePhysicalSpaceBiVector.hpp>
+#include <fathom/GyrePhysicalSpacePoint.hpp>
 #include <fathom/ImageTile.hpp>
+#include <fathom/MultiRange.hpp>
+#include <fathom/Position2D.hpp>
+#include <fathom/VCamera.hpp>
 #include <fathom/VValueType.hpp>
 
 // Types that have a text form but are no values or inputs by themselves: each
@@ -18,5 +28,24 @@ const Orla::VValueType<unsigned long long> unsignedLongLongType;
 const Orla::VValueType<float> floatType;
 const Orla::VValueType<double> doubleType;
 const Orla::VValueType<Orla::ImageTile> imageTileType;
+const Orla::VValueType<Orla::VCamera> cameraType;
+
+const Orla::VValueType<Gyre::FixedArray<int, 3>> integerTripleType;
+const Orla::VValueType<Gyre::FixedArray<double, 2>> pairType;
+const Orla::VValueType<Gyre::PhysicalSpace::point> pointType;
+const Orla::VValueType<Gyre::PhysicalSpace::bivector> bivectorType;
+const Orla::VValueType<Gyre::rgba_float_t> colourType;
+const Orla::VValueType<Gyre::BoundingBall> ballType;
+const Orla::VValueType<Loam::StrongPtr<Gyre::BoundingBox, Loam::InterfaceBase>> boxType;
+const Orla::VValueType<Gyre::MultiRange> multiRangeType;
+
+template<class T>
+using Array = Loam::StrongPtr<Loam::TypedChunk<T>, Loam::ChunkBase>;
+
+const Orla::VValueType<Array<double>> doubleArrayType;
+const Orla::VValueType<Array<float>> floatArrayType;
+const Orla::VValueType<Array<short>> shortArrayType;
+const Orla::VValueType<Array<int>> intArrayType;
+const Orla::VValueType<Array<long long>> longArrayType;
 
 } // namespace
