@@ -1,9 +1,18 @@
 // Text forms of the value types, each beside the plain calls that produce the
 // same characters.
 
+#include <fathom/BoundingBall.hpp>
+#include <fathom/BoundingBox.hpp>
+#include <fathom/ColorTypes.hpp>
 #include <fathom/Double.hpp>
+#include <fathom/GyreFixedArray.hpp>
+#include <fathom/GyrePhysicalSpaceBiVector.hpp>
+#include <fathom/GyrePhysicalSpacePoint.hpp>
+#include <fathom/MultiRange.hpp>
+#include <fathom/Position2D.hpp>
 #include <fathom/Range.hpp>
 #include <fathom/String.hpp>
+#include <fathom/VCamera.hpp>
 #include <fathom/VTime.hpp>
 
 #include <benchmark/benchmark.h>
@@ -150,6 +159,123 @@ void readInt(benchmark::State& state)
 {
     read(state, integers());
 }
+
+using Gyre::PhysicalSpace;
+using Box = Loam::StrongPtr<Gyre::BoundingBox, Loam::InterfaceBase>;
+
+// Makes a value of three numbers, three at a time.
+template<class T, class Make>
+std::vector<T> madeOfThree(Make&& make)
+{
+    const std::vector<double> all = numbers();
+    std::vector<T> made;
+    for (std::size_t i = 0; i < Count; ++i)
+        made.push_back(make(all[i], all[(i + 1) % Count], all[(i + 2) % Count]));
+    return made;
+}
+
+template<class T>
+std::vector<T> geometry();
+
+template<>
+std::vector<PhysicalSpace::point> geometry()
+{
+    return madeOfThree<PhysicalSpace::point>([](double a, double b, double c) { return PhysicalSpace::point(a, b, c); });
+}
+
+template<>
+std::vector<PhysicalSpace::bivector> geometry()
+{
+    return madeOfThree<PhysicalSpace::bivector>(
+        [](double a, double b, double c) { return PhysicalSpace::bivector(a, b, c); });
+}
+
+template<>
+std::vector<Gyre::FixedArray<int, 3>> geometry()
+{
+    using Triple = Gyre::FixedArray<int, 3>;
+    return madeOfThree<Triple>([](double a, double b, double c) {
+        return Triple{{static_cast<int>(a), static_cast<int>(b), static_cast<int>(c)}};
+    });
+}
+
+template<>
+std::vector<Gyre::FixedArray<double, 2>> geometry()
+{
+    using Pair = Gyre::FixedArray<double, 2>;
+    return madeOfThree<Pair>([](double a, double b, double) { return Pair{{a, b}}; });
+}
+
+template<>
+std::vector<Gyre::rgba_float_t> geometry()
+{
+    return madeOfThree<Gyre::rgba_float_t>([](double a, double b, double c) {
+        return Gyre::rgba_float_t{static_cast<float>(a), static_cast<float>(b), static_cast<float>(c), 1};
+    });
+}
+
+template<>
+std::vector<Gyre::BoundingBall> geometry()
+{
+    return madeOfThree<Gyre::BoundingBall>(
+        [](double a, double b, double c) { return Gyre::BoundingBall({a, b, c}, a); });
+}
+
+template<>
+std::vector<Box> geometry()
+{
+    return madeOfThree<Box>([](double a, double b, double c) {
+        return Loam::makeStrong<Gyre::BoundingBox>(PhysicalSpace::point(a, b, c), PhysicalSpace::point(b, c, a));
+    });
+}
+
+template<>
+std::vector<Gyre::MultiRange> geometry()
+{
+    return madeOfThree<Gyre::MultiRange>(
+        [](double a, double b, double c) { return Gyre::MultiRange(std::vector<double>{a, b, c}); });
+}
+
+template<>
+std::vector<VCamera> geometry()
+{
+    return madeOfThree<VCamera>(
+        [](double a, double b, double c) { return VCamera({a, b, c}, {b, c, a}, {0, 0, 1}, 45); });
+}
+
+template<class T>
+void writeGeometry(benchmark::State& state)
+{
+    write(state, geometry<T>());
+}
+
+template<class T>
+void readGeometry(benchmark::State& state)
+{
+    read(state, geometry<T>());
+}
+
+#define FOR_GEOMETRY(Type)                                                                                            \
+    BENCHMARK(writeGeometry<Type>);                                                                                   \
+    BENCHMARK(readGeometry<Type>)
+
+using Point = PhysicalSpace::point;
+using BiVector = PhysicalSpace::bivector;
+using IntegerTriple = Gyre::FixedArray<int, 3>;
+using Pair = Gyre::FixedArray<double, 2>;
+using Colour = Gyre::rgba_float_t;
+using Ball = Gyre::BoundingBall;
+using MultiRange = Gyre::MultiRange;
+
+FOR_GEOMETRY(Point);
+FOR_GEOMETRY(BiVector);
+FOR_GEOMETRY(IntegerTriple);
+FOR_GEOMETRY(Pair);
+FOR_GEOMETRY(Colour);
+FOR_GEOMETRY(Ball);
+FOR_GEOMETRY(Box);
+FOR_GEOMETRY(MultiRange);
+FOR_GEOMETRY(VCamera);
 
 BENCHMARK(writeDouble);
 BENCHMARK(writeDoublePlain);
