@@ -85,6 +85,7 @@ void arrayPlain(benchmark::State& state)
 {
     const auto count = static_cast<std::size_t>(state.range(0));
     struct Parameter {
+        explicit Parameter(std::size_t thePlace) : place{thePlace} {}
         std::size_t place;
     };
     std::vector<std::unique_ptr<Parameter>> parameters;

@@ -7,9 +7,8 @@ namespace Orla {
 
 std::string VValueTrait<Gyre::rgba_float_t>::Text(const Gyre::rgba_float_t& colour)
 {
-    using Loam::formatG;
-    return "(" + formatG(double{colour.r}) + "," + formatG(double{colour.g}) + "," + formatG(double{colour.b}) + ","
-           + formatG(double{colour.a}) + ")";
+    const auto text = [](float component) { return Loam::formatG(static_cast<double>(component)); };
+    return "(" + text(colour.r) + "," + text(colour.g) + "," + text(colour.b) + "," + text(colour.a) + ")";
 }
 
 // The scanf format " ( %g, %g, %g, %g )"; what follows the last number is not
