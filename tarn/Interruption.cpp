@@ -66,14 +66,15 @@ Interruption::Interruption()
     theSignal = 0;
     theCancellation = &m_cancellation;
 
+    // The signal of the timer is one that libraries are unlikely to use themselves.
     struct sigaction action{};
     sigfillset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
     action.sa_handler = graceIsOver;
-    ::sigaction(SIGALRM, &action, nullptr);
+    ::sigaction(SIGRTMAX, &action, nullptr);
     sigevent event{};
     event.sigev_notify = SIGEV_SIGNAL;
-    event.sigev_signo = SIGALRM;
+    event.sigev_signo = SIGRTMAX;
     theTimerExists = ::timer_create(CLOCK_MONOTONIC, &event, &theTimer) == 0;
 
     action.sa_handler = interrupted;
@@ -91,7 +92,7 @@ Interruption::~Interruption()
     if (theTimerExists)
         ::timer_delete(theTimer);
     theTimerExists = false;
-    std::signal(SIGALRM, SIG_DFL);
+    std::signal(SIGRTMAX, SIG_DFL);
     theCancellation = nullptr;
 }
 

@@ -93,6 +93,7 @@ TEST(Main, writesTheTableAndNothingElse)
 
 TEST(Main, answersATableThatCannotBeWrittenWithFour)
 {
+    ASSERT_TRUE(isSafeToWriteDevices());
     const TestFolder folder;
     const std::string file = folder.write("net.toml", network);
     for (const std::string& table : {folder.file("none/table.csv"), file + "/table.csv", folder.path(), std::string("/dev/full")}) {

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 using namespace Tarn;
@@ -44,12 +45,12 @@ TEST(TableWriter, endsRowsInALineFeed)
 TEST(TableWriter, handsEachRowToAStreamAtOnce)
 {
     int ends[2];
-    ASSERT_EQ(::pipe(ends), 0);
+    ASSERT_EQ(::pipe2(ends, O_NONBLOCK), 0);
     OutputFile output{ends[1], "the pipe"};
     TableWriter table{output};
     table.writeRow({"0", "b"});
     char row[16];
-    EXPECT_EQ(::read(ends[0], row, sizeof row), 4);
+    ASSERT_EQ(::read(ends[0], row, sizeof row), 4);
     EXPECT_EQ(std::string(row, 4), "0,b\n");
     ::close(ends[0]);
     ::close(ends[1]);

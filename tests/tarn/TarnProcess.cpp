@@ -1,5 +1,7 @@
 #include "tarn/TarnProcess.hpp"
 
+#include <tarn/OutputFile.hpp>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,7 +14,9 @@
 #include <stdexcept>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -123,6 +127,13 @@ TarnProcess::~TarnProcess()
 
 bool TarnProcess::readError()
 {
+    pollfd waiting{m_errorPipe, POLLIN, 0};
+    constexpr int Minute = 60'000;
+    if (::poll(&waiting, 1, Minute) == 0) {
+        ADD_FAILURE() << "the program hangs; it printed: " << m_error;
+        ::kill(m_process, SIGKILL);
+        return false;
+    }
     char block[4096];
     ssize_t got = 0;
     do
@@ -156,6 +167,19 @@ ProcessResult TarnProcess::wait()
     ::waitpid(m_process, &status, 0);
     m_process = -1;
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), contentOf(m_folder.file("out")), m_error};
+}
+
+bool isSafeToWriteDevices()
+{
+    const TestFolder folder;
+    const std::string pipe = folder.file("pipe");
+    if (::mkfifo(pipe.c_str(), 0600) != 0)
+        return false;
+    // Without a reader the writer would wait.
+    const int reader = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+    const bool direct = Tarn::OutputFile{pipe}.isStream();
+    ::close(reader);
+    return direct && std::filesystem::is_fifo(pipe);
 }
 
 ProcessResult runTarn(const std::vector<std::string>& arguments, const TarnProcess::Options& options)

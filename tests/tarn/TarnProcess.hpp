@@ -56,12 +56,13 @@ public:
     TarnProcess(const TarnProcess&) = delete;
     TarnProcess& operator=(const TarnProcess&) = delete;
 
-    /// Waits until it has printed \p text to standard error; false if it ends
-    /// without.
+    /// Waits until it has printed \p text to standard error; false if it ends, or
+    /// prints nothing for a minute, without.
     bool waitForMessage(const std::string& text);
 
     void send(int signal) const;
 
+    /// Waits for its end; kills it if it prints nothing for a minute.
     ProcessResult wait();
 
 private:
@@ -72,6 +73,11 @@ private:
     int m_errorPipe = -1;
     std::string m_error;
 };
+
+/// True if what is no regular file is written directly. A test checks it before it
+/// names a device: otherwise a program with that mistake, run by root, would
+/// replace the device with a file.
+bool isSafeToWriteDevices();
 
 /// Runs the host program to its end.
 ProcessResult runTarn(const std::vector<std::string>& arguments, const TarnProcess::Options& options = {});
