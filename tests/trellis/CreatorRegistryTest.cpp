@@ -103,13 +103,13 @@ TEST(CreatorRegistry, mayBeAskedWhileLibrariesComeAndGo)
             const std::string name = "name " + std::to_string(i % 10);
             const auto creator = makeStrong<Creator>();
             EXPECT_EQ(registry.add(creator, name, name, "library"), "");
-            EXPECT_EQ(registry.find(name), creator);
+            EXPECT_TRUE(registry.find(name)); // the other thread may hold an older one of the name
         }
         done = true;
     });
     while (!done) {
         const std::vector<std::string> names = registry.names();
-        EXPECT_LE(names.size(), 2u);
+        EXPECT_THAT(names, testing::Contains("lasting"));
         for (const std::string& name : names)
             registry.find(name);
         EXPECT_EQ(registry.find("lasting"), lasting);

@@ -83,7 +83,7 @@ TEST_F(PoolRootTest, takesObjectsOutOfTheQueueWhenTheyGo)
         std::vector<StrongPtr<Node>> nodes;
         for (int i = 0; i < 20; ++i) {
             nodes.push_back(makeNoting(std::to_string(i)));
-            if (i % 3 != 0)
+            if (i % 10 != 0)
                 connect(nodes[nodes.size() - 2], nodes.back());
         }
         runAll(nodes, pool);
@@ -209,6 +209,31 @@ TEST_F(PoolRootTest, makesManySmallPoolsAsNaturalAsALargeOne)
         runAll(nodes, each);
         EXPECT_EQ(nodes[1]->read(each, "out"), before + 1);
     }
+}
+
+TEST_F(PoolRootTest, forgetsWhereAnInputAndAnOutputOfOneNameStoodApart)
+{
+    auto writer = Loam::makeStrong<Node>("writer");
+    for (int i = 0; i < 2; ++i) {
+        const std::string name = "data " + std::to_string(i);
+        writer->addInput(name);
+        writer->addOutput(name);
+    }
+    writer->enableRequestProcessing();
+    auto reader = makeNode("reader");
+    connect(writer, reader, "in", "", "data 1");
+    runAll({writer}, pool);
+    EXPECT_EQ(pool->variableCount(), 5u);
+    EXPECT_EQ(reader->read(pool, "out"), 2);
+    const StrongPtr<ValuePool> kept = writer->findOutput("data 0")->parameter()->shadows().front();
+    EXPECT_EQ(contentOf(kept->retrieveValue("data 0")), 1);
+    EXPECT_FALSE(pool->scopeOf(*writer) == kept);
+
+    writer.reset();
+    EXPECT_EQ(kept->variableCount(), 0u);
+    EXPECT_EQ(contentOf(reader->findSlot("in")->getValueBase(pool)), 1);
+    reader.reset();
+    EXPECT_EQ(pool->variableCount(), 0u);
 }
 
 TEST_F(PoolRootTest, forgetsAContainerInAllPoolsWithoutForgettingWhatOthersRead)

@@ -163,6 +163,32 @@ TEST_F(VSchedulerLoopTest, givesEachMemberOfALoopItsTurnInEachRound)
     }
 }
 
+TEST_F(VSchedulerLoopTest, keepsReadersWaitingThoughTheLoopMovesMeanwhile)
+{
+    // A loop at the end of a chain, which lets go of the chain while it runs.
+    Nodes chain{makeNode("0")};
+    for (int i = 1; i < 10; ++i) {
+        chain.push_back(makeNode(std::to_string(i)));
+        connect(chain[chain.size() - 2], chain.back());
+    }
+    const Nodes ring = makeRing("r", 3);
+    ring[0]->addInput("start");
+    connect(chain.back(), ring[0], "start");
+    const auto reader = makeNode("reader");
+    connect(ring[2], reader);
+    for (const StrongPtr<Node>& node : ring)
+        countTo(node, 20);
+    ring[2]->work = [count = ring[2]->work, &ring](Node& self, VRequest& request, double precision) {
+        const bool done = count(self, request, precision);
+        if (self.runs == 3)
+            ring[0]->detach(ring[0]->findSlot("start"));
+        return done;
+    };
+    EXPECT_EQ(runAll({ring[0]}, pool).stopped, 0u);
+    EXPECT_EQ(ring[2]->read(pool, "out"), 20);
+    EXPECT_EQ(reader->runs, 1u);
+}
+
 TEST_F(VSchedulerLoopTest, givesALoopAllItsRoundsInEachPassAndPool)
 {
     const Nodes ring = makeRing("r", 2);

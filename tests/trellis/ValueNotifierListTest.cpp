@@ -84,6 +84,17 @@ TEST_F(ValueNotifierListTest, keepsNoListenerAlive)
     change();
 }
 
+TEST_F(ValueNotifierListTest, forgetsListenersThatAreGone)
+{
+    auto listener = Loam::makeStrong<Listener>();
+    parameter->addListener(listener);
+    const WeakPtrImpl<Listener> watch = listener;
+    listener.reset();
+    EXPECT_EQ(watch.referenceBlock()->weakCount(), 2u);
+    change();
+    EXPECT_EQ(watch.referenceBlock()->weakCount(), 1u) << "or a list would grow with every listener there ever was";
+}
+
 TEST_F(ValueNotifierListTest, removesAListenerOnce)
 {
     const auto listener = Loam::makeStrong<Listener>();

@@ -82,6 +82,19 @@ TEST_F(ValuePoolTest, givesUpTheOldPlaceOfAVariableThatIsEnteredElsewhere)
     EXPECT_FALSE(pool->scopeOf(*node)->retrieveValue("in"));
 }
 
+TEST_F(ValuePoolTest, keepsANameForThoseWhoShareIt)
+{
+    auto first = testParameter("limit", 1.0);
+    auto second = testParameter("limit", 2.0);
+    const StrongPtr<VValueBase> value = first->createLocalVariable(pool);
+    second->createLocalVariable(pool);
+    first.reset();
+    EXPECT_EQ(pool->retrieveValue("limit"), value);
+    EXPECT_EQ(second->getValueBase(pool), value);
+    second.reset();
+    EXPECT_FALSE(pool->retrieveValue("limit"));
+}
+
 TEST_F(ValuePoolTest, keepsVariablesOfOnePoolFromTheOthers)
 {
     const auto parameter = testParameter("limit", 1.0);
@@ -146,6 +159,12 @@ TEST_F(ValuePoolTest, keepsParametersWithoutAnOwnerApart)
     EXPECT_EQ(contentOf(third->getLocalValue(pool)), 3);
     EXPECT_EQ(contentOf(pool->retrieveValue("limit")), 1) << "who came first has the name";
     EXPECT_EQ(pool->variableCount(), 3u);
+
+    const std::vector<StrongPtr<ValuePool>> kept = second->shadows();
+    ASSERT_EQ(kept.size(), 1u);
+    pool.reset();
+    EXPECT_EQ(kept[0]->variableCount(), 0u);
+    EXPECT_FALSE(second->getLocalValue(kept[0])) << "a part of a pool that is gone";
 }
 
 TEST_F(ValuePoolTest, sharesAVariableBetweenWriterAndReaders)
