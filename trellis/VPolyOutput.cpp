@@ -1,21 +1,17 @@
 #include <trellis/VPolyOutput.hpp>
 
+#include <functional>
 #include <limits>
+#include <list>
+#include <map>
+#include <vector>
 
 namespace Orla {
 
-class VPolyConnection::Joiner final : public VActionNotifier {
+/// One output on offer.
+class VPolyConnection::Joiner final : public Loam::ReferenceBase<Joiner> {
 public:
-    Joiner(const StrongPtr<VParameter>& output, IsRequester isRequester) : m_output{output}, m_isRequester{isRequester}
-    {
-    }
-
-    void objectCreated(const StrongPtr<VManagedObject>& managed, const Loam::InterfaceContainer&,
-                       const StrongPtr<VObjectCreator>&) override
-    {
-        if (const StrongPtr<VObject> object{managed}; object && m_isRequester(*object))
-            join(*object);
-    }
+    explicit Joiner(const StrongPtr<VParameter>& output) : m_output{output} {}
 
     void join(VObject& object)
     {
@@ -32,38 +28,126 @@ public:
 
     int count() const noexcept { return m_count; }
 
+    std::list<StrongPtr<Joiner>>::iterator place; // among those of the exchange
+
 private:
     std::string inputName() const
     {
-        const StrongPtr<VManagedObject> owner{m_output->owner()};
-        return owner ? owner->Name() + "." + m_output->Name() : m_output->Name();
+        const StrongPtr<VSlotContainer> owner = m_output->owner();
+        if (!owner)
+            return m_output->Name();
+        // The container tells its object also while that is under construction,
+        // when a cast does not see it yet.
+        if (const VObject* object = owner->object())
+            return object->Name() + "." + m_output->Name();
+        const StrongPtr<VManagedObject> managed{owner};
+        return managed ? managed->Name() + "." + m_output->Name() : m_output->Name();
     }
 
     StrongPtr<VParameter> m_output;
-    IsRequester m_isRequester;
     int m_count = 0;
 };
 
-VPolyConnection::VPolyConnection(const StrongPtr<VParameter>& output, IsRequester isRequester)
-    : m_joiner{new Joiner(output, isRequester)}
-{
-    struct Existing final : VManagedObjectIterator {
-        bool apply(const StrongPtr<VManagedObject>& managed) override
-        {
-            joiner->objectCreated(managed, {}, nullptr);
-            return true;
-        }
+/// Brings the outputs on offer to the objects of one class, so that neither many
+/// outputs nor many other objects make a new one slow.
+class VPolyConnection::Exchange final : public VActionNotifier {
+public:
+    static StrongPtr<Exchange> of(IsRequester isRequester)
+    {
+        WeakPtrImpl<Exchange>& entry = all()[isRequester];
+        if (StrongPtr<Exchange> living = entry.lock())
+            return living;
+        const StrongPtr<Exchange> made(new Exchange(isRequester));
+        entry = made;
+        made->lookAround();
+        VActionNotifier::add(made);
+        return made;
+    }
 
-        StrongPtr<Joiner> joiner;
-    } existing;
-    existing.joiner = m_joiner;
-    VManagedObject::traverse(existing, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
-    VActionNotifier::add(m_joiner);
+    ~Exchange() override
+    {
+        if (!All::isGone)
+            all().erase(m_isRequester);
+    }
+
+    void objectCreated(const StrongPtr<VManagedObject>& managed, const Loam::InterfaceContainer&,
+                       const StrongPtr<VObjectCreator>&) override
+    {
+        const StrongPtr<VObject> object{managed};
+        if (!object || !m_isRequester(*object))
+            return;
+        m_requesters.emplace_back(object);
+        // Who is joined may take part in other joins.
+        for (const StrongPtr<Joiner>& joiner : std::vector(m_joiners.begin(), m_joiners.end()))
+            joiner->join(*object);
+    }
+
+    void objectRemoved(const StrongPtr<VManagedObject>& managed) override
+    {
+        std::erase_if(m_requesters, [&](const WeakPtrImpl<VObject>& entry) {
+            return entry.expired() || entry == managed;
+        });
+    }
+
+    void add(const StrongPtr<Joiner>& joiner)
+    {
+        joiner->place = m_joiners.insert(m_joiners.end(), joiner);
+        for (const WeakPtrImpl<VObject>& entry : std::vector(m_requesters)) {
+            if (const StrongPtr<VObject> object = entry.lock())
+                joiner->join(*object);
+        }
+    }
+
+    void remove(const StrongPtr<Joiner>& joiner)
+    {
+        m_joiners.erase(joiner->place);
+    }
+
+private:
+    struct All {
+        ~All() { isGone = true; }
+
+        std::map<IsRequester, WeakPtrImpl<Exchange>, std::less<>> exchanges;
+        static inline constinit bool isGone = false;
+    };
+
+    static std::map<IsRequester, WeakPtrImpl<Exchange>, std::less<>>& all()
+    {
+        static All theExchanges;
+        return theExchanges.exchanges;
+    }
+
+    explicit Exchange(IsRequester isRequester) : m_isRequester{isRequester} {}
+
+    void lookAround()
+    {
+        struct Existing final : VManagedObjectIterator {
+            bool apply(const StrongPtr<VManagedObject>& managed) override
+            {
+                exchange->objectCreated(managed, {}, nullptr);
+                return true;
+            }
+
+            Exchange* exchange = nullptr;
+        } existing;
+        existing.exchange = this;
+        VManagedObject::traverse(existing, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    }
+
+    IsRequester m_isRequester;
+    std::vector<WeakPtrImpl<VObject>> m_requesters;
+    std::list<StrongPtr<Joiner>> m_joiners;
+};
+
+VPolyConnection::VPolyConnection(const StrongPtr<VParameter>& output, IsRequester isRequester)
+    : m_exchange{Exchange::of(isRequester)}, m_joiner{new Joiner(output)}
+{
+    m_exchange->add(m_joiner);
 }
 
 VPolyConnection::~VPolyConnection()
 {
-    VActionNotifier::remove(m_joiner);
+    m_exchange->remove(m_joiner);
 }
 
 int VPolyConnection::count() const noexcept

@@ -28,8 +28,10 @@ public:
     int count() const noexcept;
 
 private:
+    class Exchange;
     class Joiner;
 
+    StrongPtr<Exchange> m_exchange;
     StrongPtr<Joiner> m_joiner;
 };
 
@@ -48,7 +50,7 @@ public:
     const StrongPtr<VValueParameter<T>, ValueNotifierList>& output() const noexcept { return m_output; }
 
     /// To how many requesters the output was added.
-    int count() const noexcept { return m_connection.count(); }
+    int requesterCount() const noexcept { return m_connection.count(); }
 
 private:
     StrongPtr<VValueParameter<T>, ValueNotifierList> m_output;

@@ -134,3 +134,44 @@ TEST_F(VPolyOutputTest, leavesJoinedObjectsWithTheLastValuesWhenItGoes)
     const auto late = announce<Selector>("late");
     EXPECT_EQ(late->inputs().size(), 0u);
 }
+
+TEST_F(VPolyOutputTest, asksEachObjectOnceHoweverManyOutputsThereAre)
+{
+    static unsigned asked = 0;
+    const VPolyConnection::IsRequester isRequester = [](const VObject& object) {
+        ++asked;
+        return isSelector(object);
+    };
+    asked = 0;
+    const auto selector = announce<Selector>("selector");
+    announce<Node>("before");
+    const auto provider = makeProvider("charts");
+    std::vector<StrongPtr<VParameter>> outputs;
+    std::vector<std::unique_ptr<VPolyConnection>> connections;
+    for (int i = 0; i < 100; ++i) {
+        outputs.push_back(provider->addOutput("out" + std::to_string(i))->parameter());
+        connections.push_back(std::make_unique<VPolyConnection>(outputs.back(), isRequester));
+    }
+    announce<Node>("after");
+    EXPECT_EQ(asked, 3u);
+    EXPECT_EQ(selector->inputs().size(), 100u);
+
+    // In any order: those in the middle of the list, too.
+    connections.erase(connections.begin() + 10, connections.begin() + 20);
+    const auto late = announce<Selector>("late");
+    EXPECT_EQ(late->inputs().size(), 90u);
+    EXPECT_TRUE(late->findSlot("charts.out9"));
+    EXPECT_FALSE(late->findSlot("charts.out10"));
+}
+
+TEST_F(VPolyOutputTest, doesNotJoinWhatTheRegistryLetGo)
+{
+    const auto selector = announce<Selector>("selector");
+    const auto provider = makeProvider("charts");
+    const VPolyConnection first(provider->addOutput("first")->parameter(), &isSelector);
+    VManagedObject::remove(selector);
+    const VPolyConnection second(provider->addOutput("second")->parameter(), &isSelector);
+    EXPECT_EQ(first.count(), 1);
+    EXPECT_EQ(second.count(), 0);
+    EXPECT_FALSE(selector->findSlot("charts.second"));
+}
