@@ -17,4 +17,18 @@ std::string writeTriple(char open, const Gyre::FixedArray<double, 3>& numbers, c
 /// others keep what they were.
 bool readTriple(Gyre::FixedArray<double, 3>& numbers, std::string_view text, char open);
 
+/// Calls \p action with each piece of \p text between separators. Empty pieces
+/// count, an empty last piece does not; an empty text has no piece.
+template<class Action>
+void forEachPiece(std::string_view text, char separator, Action&& action)
+{
+    while (!text.empty()) {
+        const auto end = text.find(separator);
+        action(text.substr(0, end));
+        if (end == std::string_view::npos)
+            return;
+        text.remove_prefix(end + 1);
+    }
+}
+
 } // namespace Orla

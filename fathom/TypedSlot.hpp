@@ -106,9 +106,10 @@ public:
     /// The input in \p pool, or the initial value where the pool holds none.
     T value(const StrongPtr<ValuePool>& pool) const
     {
-        T value(m_initialValue);
-        read(pool, value);
-        return value;
+        T value{};
+        if (read(pool, value))
+            return value;
+        return VValueOperations<T>::copyOf(m_initialValue);
     }
 
     /// The slot together with the pool to write it in.
@@ -120,6 +121,10 @@ public:
     /// True once the type's creator is registered, which happens when the library
     /// that uses the type is loaded.
     static bool isCreatorRegistered;
+
+protected:
+    /// Declares nothing; for derived slots that are assigned to later.
+    TypedSlot() : m_initialValue{} {}
 
 private:
     StrongPtr<VSlot> m_slot;

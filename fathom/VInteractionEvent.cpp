@@ -68,14 +68,17 @@ const VInteractionEvent::GrabReason* VInteractionEvent::holder() const
 
 bool VInteractionEvent::mayuse(const WeakPtrImpl<VObject>& obj) const
 {
+    // `obj` may stand in an entry that is dropped.
+    const auto* const asking = obj.referenceBlock();
     const GrabReason* reason = holder();
-    return !reason || reason->object == obj;
+    return !reason || reason->object.referenceBlock() == asking;
 }
 
 bool VInteractionEvent::isMine(const WeakPtrImpl<VObject>& obj) const
 {
+    const auto* const asking = obj.referenceBlock();
     const GrabReason* reason = holder();
-    return reason && reason->object == obj;
+    return reason && reason->object.referenceBlock() == asking;
 }
 
 std::string VValueTrait<VInteractionEvent>::Text(const VInteractionEvent& event)

@@ -53,7 +53,22 @@ public:
         std::string m_name;
     };
 
-    /// An event of kind 1 without a grabber.
+    /// What happened, by the numbers of this system's interaction source; another
+    /// source may have more.
+    enum Kind : unsigned long long {
+        Nothing = 1,
+        Press = 2,   ///< of a button of the pointer
+        Move = 3,
+        Release = 4,
+        Wheel = 5,
+        KeyPress = 6,
+        KeyRelease = 7
+    };
+
+    /// Bits of `modifiers`: keys that are held meanwhile.
+    enum Modifier : std::uint8_t { Shift = 1, Control = 2, Alt = 4 };
+
+    /// An event of kind `Nothing` without a grabber.
     VInteractionEvent();
 
     /// An event at (-1,-1) with everything else zero or empty; the device and the
@@ -85,15 +100,15 @@ public:
     /// repeats the one before.
     bool operator==(const VInteractionEvent&) const noexcept { return false; }
 
-    std::int32_t x; ///< pointer position
-    std::int32_t y;
+    std::int32_t x; ///< pointer position in pixels from the left
+    std::int32_t y; ///< and from the top
     double pressure;
-    double wheel;
+    double wheel; ///< turns, positive away from the user
     double time;
     std::uint64_t device;
-    unsigned long long kind; ///< which event this is, in the numbers of the interaction source
-    std::uint8_t modifiers;
-    std::uint16_t button;
+    unsigned long long kind; ///< which event this is, usually a `Kind`
+    std::uint8_t modifiers;  ///< of `Modifier`
+    std::uint16_t button;    ///< 1 left, 2 middle, 3 right, 0 none
     std::string keyText;       ///< characters of the key event; the first one fires hot keys
     std::string armingKeyText; ///< characters that arm a hot key
     std::int32_t clicks;

@@ -48,6 +48,20 @@ private:
 
 namespace Detail {
 
+template<class T>
+bool areSame(const T& a, const T& b)
+{
+    return a == b;
+}
+
+// What pools share through a pointer is the same when its content is, or else an
+// update that makes its result anew would be a change each time.
+template<class T>
+bool areSame(const StrongPtr<T>& a, const StrongPtr<T>& b)
+{
+    return !VValueOperations<StrongPtr<T>>::areDifferent(a, b);
+}
+
 // Writes `value` where the pool holds a different one; see `operator<<=`.
 template<class T>
 bool assignIfDifferent(const StrongPtr<VParameter>& parameter, const StrongPtr<ValuePool>& pool,
@@ -60,12 +74,12 @@ bool assignIfDifferent(const StrongPtr<VParameter>& parameter, const StrongPtr<V
     if (!typed)
         return false;
     if (const T* held = typed->held()) {
-        if (*held == value)
+        if (areSame(*held, value))
             return false;
     } else {
         T current(value);
         typed->getValue(current);
-        if (current == value)
+        if (areSame(current, value))
             return false;
     }
     if (!typed->setValue(value))

@@ -5,15 +5,34 @@
 // Forward declarations, for code that only passes pointers.
 namespace Orla {
 
+class Atlas;
+class CatchStatus;
+class CommandLineParser;
+class Enum;
+class FlagList;
 class Frustum;
+class HotKey;
 class ImageTile;
 class Interactive;
+class MultipleStringSelection;
 class Range;
+class StatusIndicator;
+class StringSelection;
 class TimeDependent;
+class VAction;
 class VCamera;
+class VChart;
+class VChartDependent;
+class VChartList;
+class VChartSelector;
 class VConnectionTypeColors;
+class VEnumSelection;
 class VInteractionEvent;
+class VMultiPointerDevice;
+class VObjectStatus;
+class VScalarFunctor;
 class VTime;
+class VUrlSystemHandler;
 template<class T>
 class TypedSlot;
 template<class T>

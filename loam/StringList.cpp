@@ -17,7 +17,7 @@ StringList::StringList(const StringList& other) = default;
 StringList& StringList::operator=(const StringList& other) = default;
 StringList::~StringList() = default;
 
-std::size_t StringList::find(const std::string& string) const noexcept
+std::size_t StringList::find(std::string_view string) const noexcept
 {
     const auto found = std::ranges::find(m_strings, string);
     return found == end() ? npos : static_cast<std::size_t>(found - begin());

@@ -4,6 +4,8 @@
 #include <loam/StrongPtr.hpp>
 
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Loam {
@@ -12,6 +14,7 @@ namespace Loam {
 /// names to choose from.
 class LOAM_API StringList : public ReferenceBase<StringList> {
 public:
+    using value_type = std::string;
     using const_iterator = std::vector<std::string>::const_iterator;
 
     /// What `find` answers for a string that is not in the list.
@@ -37,11 +40,11 @@ public:
     const_iterator end() const noexcept { return m_strings.end(); }
 
     /// Position of the first string equal to \p string byte by byte, or `npos`.
-    std::size_t find(const std::string& string) const noexcept;
-    bool contains(const std::string& string) const noexcept { return find(string) != npos; }
+    std::size_t find(std::string_view string) const noexcept;
+    bool contains(std::string_view string) const noexcept { return find(string) != npos; }
 
     /// Adds \p string at the end; the same string may be added twice.
-    void append(const std::string& string) { m_strings.push_back(string); }
+    void append(std::string string) { m_strings.push_back(std::move(string)); }
 
     /// Removes every occurrence; returns how many there were.
     std::size_t remove(const std::string& string);

@@ -1,3 +1,4 @@
+#include <fathom/Action.hpp>
 #include <fathom/BoundingBall.hpp>
 #include <fathom/BoundingBox.hpp>
 #include <fathom/Chunk.hpp>
@@ -10,6 +11,11 @@
 #include <fathom/MultiRange.hpp>
 #include <fathom/Position2D.hpp>
 #include <fathom/VCamera.hpp>
+#include <fathom/VEnum.hpp>
+#include <fathom/VMultiPointerDevice.hpp>
+#include <fathom/VMultipleStringList.hpp>
+#include <fathom/VObjectStatus.hpp>
+#include <fathom/VScalarFunctor.hpp>
 #include <fathom/VValueType.hpp>
 
 // Types that have a text form but are no values or inputs by themselves: each
@@ -29,6 +35,12 @@ const Orla::VValueType<float> floatType;
 const Orla::VValueType<double> doubleType;
 const Orla::VValueType<Orla::ImageTile> imageTileType;
 const Orla::VValueType<Orla::VCamera> cameraType;
+const Orla::VValueType<Orla::VMultiPointerDevice> multiPointerDeviceType;
+const Orla::VValueType<Orla::VObjectStatus> statusType;
+const Orla::VValueType<Orla::VScalarFunctor> scalarFunctorType;
+const Orla::VValueType<Loam::StrongPtr<Orla::VAction>> actionType;
+const Orla::VValueType<Orla::Enum> enumType;
+const Orla::VValueType<Loam::StrongPtr<Orla::MultipleStringSelection, Loam::StringList>> multipleSelectionType;
 
 const Orla::VValueType<Gyre::FixedArray<int, 3>> integerTripleType;
 const Orla::VValueType<Gyre::FixedArray<double, 2>> pairType;

@@ -76,6 +76,9 @@ public:
 constexpr const char* rangeType = "N4Orla5RangeE";
 constexpr const char* timeType = "N4Orla5VTimeE";
 constexpr const char* eventType = "N4Orla17VInteractionEventE";
+constexpr const char* flagsType = "N4Orla8FlagListE";
+constexpr const char* selectionType = "N4Loam6StrongIN4Orla15StringSelectionEEE";
+constexpr const char* chartType = "N4Orla6VChartE";
 constexpr const char* tallyType = "N6Shared5TallyE";
 constexpr const char* firstValue = "N5First10FirstValueE";
 constexpr const char* secondValue = "N6Second11SecondValueE";
@@ -244,8 +247,11 @@ TEST_F(BoundariesTest, fathomRegistersItsCoreTypesAlone)
 {
     const Library library(fathom);
     const Registries now;
-    EXPECT_THAT(now.values, ElementsAre("Range", "VInteractionEvent", "VTime", "char", "double", "string"));
-    EXPECT_THAT(now.slots, UnorderedElementsAre(rangeType, timeType, eventType, Loam::typeKey(typeid(char)),
+    EXPECT_THAT(now.values, ElementsAre("FlagList", "Range", "StrongPtr<StringSelection>", "VChart",
+                                        "VChartList", "VInteractionEvent", "VObjectStatus", "VTime", "char",
+                                        "double", "string"));
+    EXPECT_THAT(now.slots, UnorderedElementsAre(rangeType, timeType, eventType, flagsType,
+                                                selectionType, chartType, Loam::typeKey(typeid(char)),
                                                 Loam::typeKey(typeid(std::string))));
     EXPECT_THAT(now.objects, IsEmpty());
     EXPECT_THAT(components(rangeType), ElementsAre("begin", "end"));
@@ -319,8 +325,10 @@ TEST_P(BoundariesInScope, aSecondLibraryWithTheSameTypeStepsInWhenTheFirstGoes)
         Library one(first, GetParam());
         Library two(second, GetParam());
         const std::vector<std::string> values = VValueCreator::names();
-        EXPECT_THAT(values, ElementsAre("FirstValue", "Range", "SecondValue", "Tally", "VInteractionEvent",
-                                        "VTime", "char", "disputed", "double", "string"));
+        EXPECT_THAT(values, ElementsAre("FirstValue", "FlagList", "Range", "SecondValue",
+                                        "StrongPtr<StringSelection>", "Tally", "VChart", "VChartList",
+                                        "VInteractionEvent", "VObjectStatus", "VTime", "char", "disputed",
+                                        "double", "string"));
         EXPECT_EQ(textOf("Tally", "7"), "7");
         (inOrder ? one : two).unload();
         EXPECT_EQ(textOf("Tally", "7"), "7");

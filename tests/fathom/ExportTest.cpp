@@ -1,13 +1,23 @@
 #include <fathom/Export.hpp>
 
+#include <fathom/Action.hpp>
 #include <fathom/Char.hpp>
+#include <fathom/CommandLineParser.hpp>
 #include <fathom/Double.hpp>
+#include <fathom/HotKey.hpp>
 #include <fathom/ImageTile.hpp>
 #include <fathom/Range.hpp>
 #include <fathom/String.hpp>
 #include <fathom/TimeDependent.hpp>
+#include <fathom/VEnum.hpp>
+#include <fathom/VFlagList.hpp>
 #include <fathom/VInteractionEvent.hpp>
+#include <fathom/VMultipleStringList.hpp>
+#include <fathom/VObjectStatus.hpp>
+#include <fathom/VScalarFunctor.hpp>
+#include <fathom/VStringList.hpp>
 #include <fathom/VTime.hpp>
+#include <fathom/VUrlSystemHandler.hpp>
 
 #include <loam/Environment.hpp>
 
@@ -64,7 +74,13 @@ TEST(Export, givesEveryPromisedInstantiationToThoseWhoLinkTheLibrary)
     ASSERT_TRUE(handle);
     for (const std::vector<std::string>& symbols :
          {valueSymbols<double>(), valueSymbols<char>(), valueSymbols<std::string>(), valueSymbols<Range>(),
-          valueSymbols<VTime>(), valueSymbols<VInteractionEvent>(), inputSymbols<char>(),
+          valueSymbols<VTime>(), valueSymbols<VInteractionEvent>(), valueSymbols<VObjectStatus>(),
+          symbolsOf<VValueParameter<VObjectStatus>, StatusIndicator, CatchStatus>(),
+          symbolsOf<CommandLineParser, HotKey, VAction, VScalarFunctor::Functor, VUrlSystemHandler>(),
+          valueSymbols<FlagList>(), inputSymbols<FlagList>(),
+          valueSymbols<StrongPtr<StringSelection, StringList>>(),
+          inputSymbols<StrongPtr<StringSelection, StringList>>(),
+          symbolsOf<VEnumSelection, StringSelection, MultipleStringSelection>(), inputSymbols<char>(),
           inputSymbols<std::string>(), inputSymbols<Range>(), inputSymbols<VTime>(),
           inputSymbols<VInteractionEvent>(), symbolsOf<Range, TimeDependent, Interactive>()}) {
         for (const std::string& symbol : symbols) {

@@ -231,6 +231,19 @@ TEST_F(GrabStack, doesNotDropAnythingForAGrab)
     EXPECT_EQ(holders(), (Names{"b", "dead"}));
 }
 
+TEST_F(GrabStack, canBeAskedForTheHolderOfAnEntryThatTheQuestionDrops)
+{
+    grab(a);
+    grab(b);
+    b.reset();
+    EXPECT_FALSE(event.mayuse(grabber->stack().front().object));
+    EXPECT_EQ(holders(), Names{"a"});
+    grab(b = Loam::makeStrong<Player>("b"));
+    b.reset();
+    EXPECT_FALSE(event.isMine(grabber->stack().front().object));
+    EXPECT_TRUE(event.isMine(grabber->stack().front().object)) << "the front is that of a again";
+}
+
 TEST_F(GrabStack, isSharedByAllCopiesOfTheStream)
 {
     const VInteractionEvent copy(event);
@@ -315,3 +328,9 @@ TEST(Interactive, objectsAllGetTheStreamOfTheOneSourceWhichIsMadeWhenMissing)
 }
 
 } // namespace
+
+TEST(VInteractionEvent, isNothingInParticularAtFirst)
+{
+    EXPECT_EQ(VInteractionEvent().kind, VInteractionEvent::Nothing);
+    static_assert(VInteractionEvent::Nothing == 1);
+}

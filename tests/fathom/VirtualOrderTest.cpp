@@ -2,8 +2,10 @@
 // libraries are compiled against it and loaded years later. These tests read it
 // from the tables that the compiler made.
 
+#include <fathom/CommandLineParser.hpp>
 #include <fathom/Double.hpp>
 #include <fathom/Range.hpp>
+#include <fathom/VUrlSystemHandler.hpp>
 
 #include <gmock/gmock.h>
 
@@ -287,5 +289,29 @@ TEST(VirtualOrder, ofSlotCreators)
     order.find<Unction>("extremeUnction");
     order.find<NewSlot>("newSlot");
     EXPECT_THAT(order.names(), ElementsAre("extremeUnction", "destructor", "destructor", "newSlot"));
+    EXPECT_THAT(order.ofItsOwn(), IsSubsetOf(unctionAndDestructor));
+}
+
+TEST(VirtualOrder, ofCommandLineParsers)
+{
+    using Parser = CommandLineParser;
+    struct Option : Parser { bool processOption(const std::string&) override { return false; } };
+    struct Argument : Parser { bool processArgument(const std::string&) override { return !mark; } };
+    Order<Parser> order;
+    order.find<Option>("processOption");
+    order.find<Argument>("processArgument");
+    EXPECT_THAT(order.names(), ElementsAre("destructor", "destructor", "processOption", "processArgument"));
+    EXPECT_THAT(order.ofItsOwn(), IsSubsetOf({std::size_t{0}, std::size_t{1}}));
+}
+
+TEST(VirtualOrder, ofUrlHandlers)
+{
+    struct Handler : VUrlSystemHandler { bool openUrl(const std::string&) override { return true; } };
+    struct Unction : Handler { void extremeUnction() override { mark = 3; } };
+    struct Open : Handler { bool openUrl(const std::string&) override { return false; } };
+    Order<Handler> order;
+    order.find<Unction>("extremeUnction");
+    order.find<Open>("openUrl");
+    EXPECT_THAT(order.names(), ElementsAre("extremeUnction", "destructor", "destructor", "openUrl"));
     EXPECT_THAT(order.ofItsOwn(), IsSubsetOf(unctionAndDestructor));
 }

@@ -16,6 +16,7 @@ using Strings = std::vector<std::string>;
 } // namespace
 
 static_assert(std::is_same_v<StrongPtr<StringList>, StrongPtr<StringList, StringList>>);
+static_assert(std::is_same_v<StringList::value_type, std::string>);
 static_assert(StringList::npos == ~std::size_t{0});
 
 TEST(StringList, consistsOfThePiecesOfAText)
@@ -52,6 +53,9 @@ TEST(StringList, keepsTheOrderAndEveryOccurrence)
     EXPECT_FALSE(list.empty());
     EXPECT_EQ(contentOf(list), (Strings{"b", "a", "b"}));
     EXPECT_EQ(list[1], "a");
+    for (int i = 0; i < 10; ++i)
+        list.append(list[1]);
+    EXPECT_EQ(list[12], "a") << "one of its own strings may be added";
 }
 
 TEST(StringList, findsTheFirstExactlyEqualString)
@@ -70,6 +74,7 @@ TEST(StringList, findsTheFirstExactlyEqualString)
         EXPECT_EQ(list.contains(string), place != StringList::npos);
     }
     EXPECT_FALSE(StringList().contains(""));
+    EXPECT_EQ(list.find(std::string_view("one and more").substr(0, 3)), 0u) << "a part of a text needs no copy";
 }
 
 TEST(StringList, removesEveryOccurrence)
@@ -103,7 +108,7 @@ TEST(StringList, isCopiedWithoutItsOwners)
     copy->append("c");
     EXPECT_EQ(list->size(), 2u);
 
-    StringList assigned("x", ',');
+    StringList assigned("former,strings", ',');
     assigned = *copy;
     EXPECT_EQ(assigned, *copy);
     assigned.clear();

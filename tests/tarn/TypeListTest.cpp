@@ -40,7 +40,10 @@ TEST(TypeList, hasTheStandardTypes)
     const ProcessResult result = runTarn({"types"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    for (const char* type : {"ImageTile", "Range", "VTime", "char", "double", "float", "int", "long", "long long",
+    for (const char* type : {"Enum", "FlagList", "ImageTile", "Range", "StrongPtr<MultipleStringSelection>",
+                             "StrongPtr<StringSelection>", "StrongPtr<VAction>", "VMultiPointerDevice",
+                             "VObjectStatus", "VScalarFunctor",
+                             "VTime", "char", "double", "float", "int", "long", "long long",
                              "short", "string", "unsigned int", "unsigned long", "unsigned long long", "unsigned short"})
         EXPECT_THAT(result.out, testing::ContainsRegex("\n  " + std::string(type) + " +value and input\n"));
     EXPECT_THAT(result.out, testing::ContainsRegex("\n  GlobalTime +" STANDARD_FOLDER "/standard.so\n"));

@@ -1,0 +1,181 @@
+#include <fathom/VChart.hpp>
+
+#include <trellis/VActionNotifier.hpp>
+
+#include <algorithm>
+#include <iterator>
+
+namespace Orla {
+
+VChartList::VChartList(std::vector<VChart> charts) : m_charts{std::move(charts)}
+{
+    std::sort(m_charts.begin(), m_charts.end());
+    m_charts.erase(std::unique(m_charts.begin(), m_charts.end()), m_charts.end());
+}
+
+bool VChartList::find(const VChart& chart) const noexcept
+{
+    return std::binary_search(m_charts.begin(), m_charts.end(), chart);
+}
+
+bool VChartList::insert(const VChart& chart)
+{
+    const auto place = std::lower_bound(m_charts.begin(), m_charts.end(), chart);
+    if (place != m_charts.end() && *place == chart)
+        return false;
+    m_charts.insert(place, chart);
+    return true;
+}
+
+std::size_t VChartList::insert(const VChartList& others)
+{
+    const std::size_t before = size();
+    if (this == &others || others.empty())
+        return 0;
+    std::vector<VChart> all;
+    all.reserve(before + others.size());
+    std::set_union(std::make_move_iterator(m_charts.begin()), std::make_move_iterator(m_charts.end()),
+                   others.begin(), others.end(), std::back_inserter(all));
+    m_charts = std::move(all);
+    return size() - before;
+}
+
+bool VValueTrait<VChart>::setValueFromText(VChart& chart, const std::string& text)
+{
+    chart = VChart{text};
+    return true;
+}
+
+VChartSelector::VChartSelector(const std::string& name, int level,
+                               const StrongPtr<VCreationPreferences, InterfaceBase>& prefs)
+    : VObject{name, level, prefs}
+    , m_chartname{this, "chartname", "", 0}
+    , m_atlas{this, "atlas", VChartList{}}
+    , m_currentChart{this, "CurrentChart", VChart{}}
+{
+}
+
+VChartSelector::~VChartSelector() = default;
+
+StrongPtr<VChartSelector> VChartSelector::getChartSelector()
+{
+    static WeakPtrImpl<VChartSelector> theSelector;
+    if (const StrongPtr<VChartSelector> living{theSelector})
+        return living;
+    const auto selector = Loam::makeStrong<VChartSelector>("ChartSelector", 0, StrongPtr<VCreationPreferences>{});
+    theSelector = selector;
+    selector->enableRequestProcessing();
+    VActionNotifier::VObjectCreation(selector, {}, nullptr);
+    return selector;
+}
+
+bool VChartSelector::selectChart(const WeakPtrImpl<ValuePool>& pool, const std::string& name)
+{
+    const StrongPtr<ValuePool> living{pool};
+    if (!living || name.empty())
+        return false;
+    // Only looks: a pick that is refused must not leave variables behind.
+    StrongPtr<VValueBase> atlas = m_atlas.parameter()->getValueBase(living);
+    if (!atlas)
+        atlas = m_atlas.parameter()->DefaultValue();
+    VChartList charts;
+    if (const auto* typed = VTypedValueBase<VChartList>::cast(atlas.get()); !typed || !typed->getValue(charts))
+        return false;
+    if (!charts.find(name))
+        return false;
+
+    // The assignments write to variables that exist, so that the first pick in a
+    // pool needs them made.
+    m_currentChart.parameter()->getLocalValue(living);
+    m_currentChart(living) <<= VChart{name};
+    if (const StrongPtr<VSlot>& slot = m_chartname.slot()) {
+        slot->getLocalValue(living);
+        m_chartname(living) <<= name;
+    }
+    return true;
+}
+
+bool VChartSelector::update(VRequest& request, double)
+{
+    struct Gather final : VSlotIterator {
+        bool apply(const StrongPtr<VSlot>& slot) override
+        {
+            if (!slot || !slot->parameter())
+                return true;
+            const StrongPtr<VValueBase> value = slot->getLocalValue(pool);
+            const auto* typed = VTypedValueBase<VChartList>::cast(value.get());
+            VChartList offered;
+            if (!typed || !typed->getValue(offered))
+                return true;
+            for (const VChart& chart : offered) {
+                if (!known.find(chart))
+                    fresh.push_back(chart);
+            }
+            return true;
+        }
+
+        StrongPtr<ValuePool> pool;
+        VChartList known;
+        std::vector<VChart> fresh; // merged at the end, which is linear however many there are
+    } gather;
+    gather.pool = request.valuePool();
+
+    const StrongPtr<VValueBase> atlas = m_atlas.parameter()->getLocalValue(gather.pool);
+    auto* const typed = VTypedValueBase<VChartList>::cast(atlas.get());
+    if (typed)
+        typed->getValue(gather.known);
+    iterateParameters(gather, 0);
+    gather.known.insert(VChartList{std::move(gather.fresh)});
+
+    const std::string name = m_chartname.value(gather.pool);
+    if (typed && typed->setValue(gather.known))
+        m_atlas.parameter()->notifyValueChange(atlas, gather.pool, "");
+    selectChart(gather.pool, name);
+    return true;
+}
+
+VChartDependent::VChartDependent(const std::string& slotName, int expertLevel)
+    : m_chart{this, slotName, VChart{}, expertLevel}
+{
+    const StrongPtr<VChartSelector> selector = VChartSelector::getChartSelector();
+    const StrongPtr<VSlot> current = selector->findOutput("CurrentChart");
+    if (m_chart.slot() && current && current->parameter())
+        attachParameter(current->parameter(), m_chart.slot(), "");
+}
+
+VChartDependent::~VChartDependent() = default;
+
+Atlas::Atlas(const std::string& outputName) : VPolyOutput{outputName}
+{
+}
+
+Atlas::~Atlas() = default;
+
+bool Atlas::publish(const StrongPtr<ValuePool>& pool, const VChartList& charts) const
+{
+    const VOutputAssignmentContext<VChartList> out{output(), pool};
+    output()->getLocalValue(pool); // the assignment writes to a variable that exists
+    return out <<= charts;
+}
+
+template class FATHOM_TEMPLATE VTypedValueBase<VChart>;
+template class FATHOM_TEMPLATE VValue<VChart>;
+template class FATHOM_TEMPLATE TypedValueCreator<VChart>;
+template class FATHOM_TEMPLATE VValueParameter<VChart>;
+template class FATHOM_TEMPLATE TypedSlot<VChart>;
+template class FATHOM_TEMPLATE VOutput<VChart>;
+
+template class FATHOM_TEMPLATE VTypedValueBase<VChartList>;
+template class FATHOM_TEMPLATE VValue<VChartList>;
+template class FATHOM_TEMPLATE TypedValueCreator<VChartList>;
+template class FATHOM_TEMPLATE VValueParameter<VChartList>;
+template class FATHOM_TEMPLATE VOutput<VChartList>;
+
+} // namespace Orla
+
+namespace Loam {
+
+template class FATHOM_TEMPLATE TypedChunk<Orla::VChart>;
+template class FATHOM_TEMPLATE TypedChunk<Orla::VChartList>;
+
+} // namespace Loam

@@ -1,0 +1,25 @@
+#include <fathom/VMultiPointerDevice.hpp>
+
+namespace Orla {
+
+std::string VValueTrait<VMultiPointerDevice>::Text(const VMultiPointerDevice&)
+{
+    return {};
+}
+
+bool VValueTrait<VMultiPointerDevice>::setValueFromText(VMultiPointerDevice&, const std::string&)
+{
+    return false;
+}
+
+void VInputValueTrait<VMultiPointerDevice>::init(VMultiPointerDevice& device)
+{
+    device.pointers.clear();
+}
+
+bool VInputValueTrait<VMultiPointerDevice>::setValueFromText(VMultiPointerDevice&, const std::string&)
+{
+    return false;
+}
+
+} // namespace Orla

@@ -1,0 +1,153 @@
+#include <fathom/VStringList.hpp>
+
+#include <fathom/TextPieces.hpp>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace Orla {
+
+namespace {
+
+using Selection = StrongPtr<StringSelection, StringList>;
+
+// The next piece between "@" that is not empty, which leaves the text; empty where
+// there is none.
+std::string_view takePiece(std::string_view& text) noexcept
+{
+    text.remove_prefix(std::min(text.find_first_not_of('@'), text.size()));
+    const std::string_view piece = text.substr(0, text.find('@'));
+    text.remove_prefix(piece.size());
+    return piece;
+}
+
+bool haveSameStrings(const StringList& a, const StringList& b) noexcept
+{
+    return a == b;
+}
+
+} // namespace
+
+StringSelection::StringSelection() = default;
+
+StringSelection::StringSelection(const std::string& only) : selection{only}
+{
+    append(only);
+}
+
+StringSelection::StringSelection(char separator, const std::string& text, const std::string& chosen)
+    : StringList{text, separator}, selection{chosen}
+{
+}
+
+StringSelection::StringSelection(const std::string& chosen, const StrongPtr<StringList>& list)
+    : selection{chosen}
+{
+    if (list)
+        StringList::operator=(*list);
+}
+
+StringSelection::~StringSelection() = default;
+
+bool StringSelection::select(std::string_view string)
+{
+    if (!contains(string))
+        return false;
+    selection = string;
+    return true;
+}
+
+bool StringSelection::tryselect(std::string_view string)
+{
+    return select(string) || selectFirst();
+}
+
+bool StringSelection::selectFirst()
+{
+    if (empty())
+        return false;
+    selection = (*this)[0];
+    return true;
+}
+
+bool StringSelection::operator==(const StringSelection& other) const noexcept
+{
+    return selection == other.selection && haveSameStrings(*this, other);
+}
+
+std::string VValueTrait<Selection>::Text(const Selection& selection)
+{
+    if (!selection)
+        return {};
+    std::size_t length = selection->selection.size() + 1;
+    for (const std::string& string : *selection)
+        length += string.size() + 1;
+    std::string text;
+    text.reserve(length);
+    text += selection->selection;
+    text += '@';
+    for (const std::string& string : *selection) {
+        text += string;
+        text += '|';
+    }
+    return text;
+}
+
+bool VValueTrait<Selection>::setValueFromText(Selection& selection, const std::string& text)
+{
+    if (!selection)
+        return false;
+    std::string_view rest = text;
+    const std::string_view wanted = takePiece(rest);
+    if (wanted.empty())
+        return selection->select(text);
+    if (selection->empty()) {
+        forEachPiece(takePiece(rest), '|', [&selection](std::string_view string) {
+            if (!string.empty())
+                selection->append(std::string(string));
+        });
+    }
+    return selection->select(wanted);
+}
+
+bool VValueOperations<Selection>::areDifferent(const Selection& a, const Selection& b) noexcept
+{
+    if (a == b)
+        return false;
+    return !a || !b || !(*a == *b);
+}
+
+Selection VValueOperations<Selection>::copyOf(const Selection& selection)
+{
+    return selection ? Loam::makeStrong<StringSelection>(*selection) : nullptr;
+}
+
+std::string updateSelection(const TypedSlot<Selection>& slot, const StrongPtr<ValuePool>& pool,
+                            const Selection& fresh)
+{
+    if (!fresh)
+        return {};
+    const StrongPtr<VValueBase> value = slot.slot() ? slot.slot()->getLocalValue(pool) : nullptr;
+    VTypedValueBase<Selection>* const typed = VTypedValueBase<Selection>::cast(value.get());
+    Selection old;
+    if (typed)
+        typed->getValue(old);
+    // A copy: `fresh` may be the very selection that the pool holds.
+    const std::string choice = old ? old->selection : std::string();
+
+    if (!fresh->select(choice) && choice.empty() && !fresh->selectFirst())
+        std::puts("  .......>  No strings selection found!\n");
+
+    const bool isDifferent = !old || choice != fresh->selection || !haveSameStrings(*old, *fresh);
+    if (isDifferent && typed && typed->setValue(fresh))
+        slot.parameter()->notifyValueChange(value, pool, slot.slot()->member());
+    return fresh->selection;
+}
+
+template class FATHOM_TEMPLATE VTypedValueBase<Selection>;
+template class FATHOM_TEMPLATE VValue<Selection>;
+template class FATHOM_TEMPLATE TypedValueCreator<Selection>;
+template class FATHOM_TEMPLATE VValueParameter<Selection>;
+template class FATHOM_TEMPLATE TypedSlot<Selection>;
+
+} // namespace Orla

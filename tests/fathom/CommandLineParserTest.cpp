@@ -1,0 +1,314 @@
+#include <fathom/CommandLineParser.hpp> // first: proves that the header stands alone
+
+#include <loam/Environment.hpp>
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <future>
+#include <string>
+#include <system_error>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+using namespace Orla;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+static_assert(std::has_virtual_destructor_v<CommandLineParser>);
+static_assert(std::is_same_v<decltype(CommandLineParser::getDataDirs()), const std::list<std::string>&>);
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Notes what it is handed, and refuses one of the texts.
+class Recorder final : public CommandLineParser {
+public:
+    explicit Recorder(std::string refused = "refuse me") : m_refused{std::move(refused)} {}
+
+    bool processOption(const std::string& text) override { return note("option " + text, text); }
+    bool processArgument(const std::string& text) override { return note("argument " + text, text); }
+
+    std::vector<std::string> seen;
+
+private:
+    bool note(const std::string& text, const std::string& word)
+    {
+        seen.push_back(text);
+        return word != m_refused;
+    }
+
+    std::string m_refused;
+};
+
+bool process(CommandLineParser& parser, std::vector<std::string> words)
+{
+    std::vector<char*> pointers;
+    for (std::string& word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    return parser.process(static_cast<int>(words.size()), pointers.data());
+}
+
+// The list of data directories is made once in a process, so each of these tests
+// asks for it in a child, which starts without.
+class DataDirsDeathTest : public testing::Test {
+protected:
+    // The child goes on from here, in the same folder.
+    DataDirsDeathTest() { GTEST_FLAG_SET(death_test_style, "fast"); }
+
+    void SetUp() override
+    {
+        std::string path = (fs::canonical(testing::TempDir()) / "CommandLineParser XXXXXX").string();
+        ASSERT_NE(mkdtemp(path.data()), nullptr) << path;
+        m_folder = path;
+        fs::create_directory(m_folder / "here");
+    }
+
+    void TearDown() override
+    {
+        std::error_code error;
+        fs::remove_all(m_folder, error);
+    }
+
+    void write(const std::string& name) const { std::ofstream(m_folder / name) << name; }
+
+    std::string path(const std::string& name) const { return (m_folder / name).string(); }
+
+    // Looks for data in the folder "here", which is the working directory.
+    std::string current() const { return path("here"); }
+
+    static std::string builtIn() { return Loam::getExecutableDir() + "/../../data"; }
+
+    // Runs `body` and ends; says what it returned between marks.
+    void inAProcessOfItsOwn(const std::string& dataVariable, const std::function<std::string()>& body) const
+    {
+        fs::current_path(current());
+        ::setenv("TARN_DATA", dataVariable.c_str(), 1);
+        testing::internal::CaptureStdout();
+        std::string result = body();
+        result = testing::internal::GetCapturedStdout() + result;
+        std::fprintf(stderr, "{{%s}}", result.c_str());
+        std::exit(0);
+    }
+
+    static std::string dataDirs()
+    {
+        std::string all;
+        for (const std::string& directory : CommandLineParser::getDataDirs())
+            all += directory + "\n";
+        return all;
+    }
+
+    static auto said(const std::string& text) { return testing::HasSubstr("{{" + text + "}}"); }
+
+private:
+    fs::path m_folder;
+};
+
+} // namespace
+
+TEST(CommandLineParser, callsNoHandlerForAProgramWithoutArguments)
+{
+    Recorder parser;
+    EXPECT_TRUE(process(parser, {"program"}));
+    EXPECT_TRUE(process(parser, {}));
+    EXPECT_TRUE(parser.process(0, nullptr));
+    EXPECT_TRUE(parser.process(-1, nullptr));
+    EXPECT_THAT(parser.seen, IsEmpty());
+}
+
+TEST(CommandLineParser, tellsOptionsFromArgumentsByTheFirstCharacterAndTakesOnlyThatAway)
+{
+    const struct {
+        const char* text;
+        const char* seen;
+    } cases[] = {
+        {"-fast", "option fast"},
+        {"--fast", "option -fast"},
+        {"-+fast", "option +fast"},
+        {"-size=3", "option size=3"},
+        {"-", "option "},
+        {"+file", "argument file"},
+        {"++file", "argument +file"},
+        {"+-file", "argument -file"},
+        {"+", "argument "},
+        {"file", "argument file"},
+        {"a-b", "argument a-b"},
+        {" -file", "argument  -file"},
+        {"", "argument "},
+    };
+    for (const auto& [text, seen] : cases) {
+        SCOPED_TRACE(text);
+        Recorder parser;
+        EXPECT_TRUE(process(parser, {"program", text}));
+        EXPECT_THAT(parser.seen, ElementsAre(seen));
+    }
+}
+
+TEST(CommandLineParser, handsTheArgumentsOnInTheirOrderAndNotTheProgramsName)
+{
+    Recorder parser;
+    EXPECT_TRUE(process(parser, {"-program", "b", "-a", "+c", "b"}));
+    EXPECT_THAT(parser.seen, ElementsAre("argument b", "option a", "argument c", "argument b"));
+}
+
+TEST(CommandLineParser, looksAtNothingAfterAHandlerRefused)
+{
+    for (const char* refused : {"two", "-two"}) {
+        SCOPED_TRACE(refused);
+        Recorder parser{"two"};
+        EXPECT_FALSE(process(parser, {"program", "one", refused, "three", "-four", "five"}));
+        EXPECT_EQ(parser.seen.size(), 2u);
+    }
+    Recorder parser{"last"};
+    EXPECT_FALSE(process(parser, {"program", "one", "last"}));
+}
+
+TEST(CommandLineParser, skipsEntriesThatAreNull)
+{
+    char name[] = "program";
+    char text[] = "-a";
+    char* entries[] = {name, nullptr, text, nullptr};
+    Recorder parser;
+    EXPECT_TRUE(parser.process(4, entries));
+    EXPECT_THAT(parser.seen, ElementsAre("option a"));
+}
+
+TEST(CommandLineParser, saysWhatItIgnoredWhereNobodyHandlesIt)
+{
+    CommandLineParser parser;
+    testing::internal::CaptureStdout();
+    EXPECT_TRUE(process(parser, {"program", "-%s%n", "100%d", "+x", "-"}));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Ignored option '%s%n' -> define own overload to process\n"
+              "Ignored argument '100%d' -> define own overload to process\n"
+              "Ignored argument 'x' -> define own overload to process\n"
+              "Ignored option '' -> define own overload to process\n");
+}
+
+TEST(CommandLineParser, saysAllOfATextThatHoldsAZeroByte)
+{
+    CommandLineParser parser;
+    testing::internal::CaptureStdout();
+    EXPECT_TRUE(parser.processOption(std::string("a\0b", 3)));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              std::string("Ignored option 'a\0b' -> define own overload to process\n", 55));
+}
+
+TEST_F(DataDirsDeathTest, areTheWorkingDirectoryTheProgramsDataAndThoseOfTheVariable)
+{
+    EXPECT_EXIT(inAProcessOfItsOwn("C:\\data;D:\\more", dataDirs), testing::ExitedWithCode(0),
+                said(current() + "\n" + builtIn() + "\nC:/data\nD:/more\n"));
+}
+
+TEST_F(DataDirsDeathTest, areTwoWithoutTheVariable)
+{
+    EXPECT_EXIT(inAProcessOfItsOwn("", dataDirs), testing::ExitedWithCode(0),
+                said(current() + "\n" + builtIn() + "\n"));
+    const auto unset = [] {
+        ::unsetenv("TARN_DATA");
+        return dataDirs();
+    };
+    EXPECT_EXIT(inAProcessOfItsOwn("/gone", unset), testing::ExitedWithCode(0),
+                said(current() + "\n" + builtIn() + "\n"));
+}
+
+TEST_F(DataDirsDeathTest, keepEmptyPiecesOfTheVariable)
+{
+    EXPECT_EXIT(inAProcessOfItsOwn(";/a;;/b c", dataDirs), testing::ExitedWithCode(0),
+                said(current() + "\n" + builtIn() + "\n\n/a\n\n/b c\n"));
+}
+
+TEST_F(DataDirsDeathTest, areWithoutAWorkingDirectoryThatWasDeleted)
+{
+    const auto deleted = [this] {
+        fs::remove(current());
+        return dataDirs();
+    };
+    EXPECT_EXIT(inAProcessOfItsOwn("/a", deleted), testing::ExitedWithCode(0), said(builtIn() + "\n/a\n"));
+}
+
+TEST_F(DataDirsDeathTest, stayWhatTheyWereWhenFirstAskedFor)
+{
+    const auto askedTwice = [] {
+        const std::list<std::string>* const first = &CommandLineParser::getDataDirs();
+        ::setenv("TARN_DATA", "/later", 1);
+        fs::current_path("/");
+        return dataDirs() + (first == &CommandLineParser::getDataDirs() ? "same" : "another");
+    };
+    EXPECT_EXIT(inAProcessOfItsOwn("/early", askedTwice), testing::ExitedWithCode(0),
+                said(current() + "\n" + builtIn() + "\n/early\nsame"));
+}
+
+TEST_F(DataDirsDeathTest, areNotFixedByMakingAParser)
+{
+    const auto parserFirst = [] {
+        const CommandLineParser parser;
+        ::setenv("TARN_DATA", "/later", 1);
+        return dataDirs();
+    };
+    EXPECT_EXIT(inAProcessOfItsOwn("/early", parserFirst), testing::ExitedWithCode(0),
+                said(current() + "\n" + builtIn() + "\n/later\n"));
+}
+
+TEST_F(DataDirsDeathTest, areMadeOnceWhoeverAsksFirst)
+{
+    const auto manyThreads = [] {
+        std::vector<std::future<const std::list<std::string>*>> lists;
+        for (int i = 0; i < 8; ++i)
+            lists.push_back(std::async(std::launch::async, [] { return &CommandLineParser::getDataDirs(); }));
+        bool same = true;
+        for (auto& list : lists)
+            same = list.get() == &CommandLineParser::getDataDirs() && same;
+        return dataDirs() + (same ? "same" : "another");
+    };
+    EXPECT_EXIT(inAProcessOfItsOwn("/a", manyThreads), testing::ExitedWithCode(0),
+                said(current() + "\n" + builtIn() + "\n/a\nsame"));
+}
+
+TEST_F(DataDirsDeathTest, giveTheFirstFileOfTheNameThatIsLookedFor)
+{
+    fs::create_directories(path("a"));
+    fs::create_directories(path("b"));
+    write("a/100%s.txt");
+    write("b/100%s.txt");
+    EXPECT_EXIT(inAProcessOfItsOwn(path("a") + ";" + path("b"),
+                                   [] { return CommandLineParser().resolvePath("100%s.txt"); }),
+                testing::ExitedWithCode(0),
+                said("Checking file '" + current() + "/100%s.txt'... invalid\nChecking file '" + builtIn()
+                     + "/100%s.txt'... invalid\nChecking file '" + path("a/100%s.txt") + "'... valid\n"
+                     + path("a/100%s.txt")));
+    write("here/100%s.txt");
+    EXPECT_EXIT(inAProcessOfItsOwn(path("a"), [] { return CommandLineParser().resolvePath("100%s.txt"); }),
+                testing::ExitedWithCode(0),
+                said("Checking file '" + path("here/100%s.txt") + "'... valid\n" + path("here/100%s.txt")));
+}
+
+TEST_F(DataDirsDeathTest, giveTheNameItselfForAFileThatIsNowhere)
+{
+    fs::create_directories(path("a/file"));
+    EXPECT_EXIT(inAProcessOfItsOwn(path("a"), [] { return CommandLineParser().resolvePath("file"); }),
+                testing::ExitedWithCode(0),
+                said("Checking file '" + current() + "/file'... invalid\nChecking file '" + builtIn()
+                     + "/file'... invalid\nChecking file '" + path("a/file") + "'... invalid\nfile"))
+        << "a directory of the name is no file";
+}
+
+TEST_F(DataDirsDeathTest, areLookedThroughForAbsoluteNamesToo)
+{
+    write("here/file");
+    EXPECT_EXIT(inAProcessOfItsOwn("", [this] { return CommandLineParser().resolvePath(path("here/file")); }),
+                testing::ExitedWithCode(0),
+                said("Checking file '" + current() + "/" + path("here/file") + "'... invalid\nChecking file '"
+                     + builtIn() + "/" + path("here/file") + "'... invalid\n" + path("here/file")));
+    EXPECT_EXIT(inAProcessOfItsOwn("", [] { return CommandLineParser().resolvePath("/file"); }),
+                testing::ExitedWithCode(0),
+                said("Checking file '" + current() + "//file'... valid\n" + current() + "//file"));
+}
