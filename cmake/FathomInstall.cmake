@@ -1,4 +1,4 @@
-# The package that outside projects find with find_package(fathom CONFIG REQUIRED).
+# What outside projects find with find_package(fathom CONFIG REQUIRED).
 
 include(CMakePackageConfigHelpers)
 
@@ -19,6 +19,46 @@ install(FILES
     "${PROJECT_BINARY_DIR}/cmake/fathomConfig.cmake"
     "${PROJECT_BINARY_DIR}/cmake/fathomConfigVersion.cmake"
     "${PROJECT_SOURCE_DIR}/cmake/FathomObjectLibrary.cmake"
-    DESTINATION "${package_dir}")
+    DESTINATION "${package_dir}"
+    COMPONENT fathom_development)
 
-install(EXPORT fathomTargets NAMESPACE fathom:: DESTINATION "${package_dir}")
+install(EXPORT fathomTargets
+    NAMESPACE fathom::
+    DESTINATION "${package_dir}"
+    COMPONENT fathom_development)
+# Apart from the libraries', which must be found where the program is not installed.
+if(FATHOM_BUILD_HOST)
+    install(EXPORT fathomHostTargets
+        NAMESPACE fathom::
+        DESTINATION "${package_dir}"
+        COMPONENT fathom_host)
+endif()
+
+install(FILES "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+    COMPONENT fathom_development)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+    COMPONENT fathom_development
+    FILES_MATCHING
+    PATTERN "*.md"
+    PATTERN "*.svg"
+    PATTERN "networks.md" EXCLUDE)
+if(FATHOM_BUILD_HOST)
+    install(FILES "${PROJECT_SOURCE_DIR}/docs/networks.md"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+        COMPONENT fathom_host)
+endif()
+
+# With its sources: users start from a copy. Left out is what trying it leaves behind.
+if(FATHOM_BUILD_EXAMPLES)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/quakes"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/fathom/examples"
+        COMPONENT fathom_host
+        PATTERN ".*" EXCLUDE
+        PATTERN "*~" EXCLUDE
+        PATTERN "*.png" EXCLUDE
+        PATTERN "*.svg" EXCLUDE
+        PATTERN "*.so" EXCLUDE
+        PATTERN "build*" EXCLUDE)
+endif()

@@ -8,35 +8,60 @@ include(FathomObjectLibrary)
 # Properties of a library that other people link against.
 #
 # The two compile options are part of the contract, so users of the installed
-# package inherit them: without -fno-gnu-unique GCC marks the statics of
-# templates in a way that keeps a loaded library in memory for ever, and several
-# formulas fix their grouping to the last bit, which a contraction into fused
-# multiply-adds would change.
+# package inherit them (those of pkg-config from cmake/library.pc.in): without
+# -fno-gnu-unique GCC marks the statics of templates in a way that keeps a loaded
+# library in memory for ever, and several formulas fix their grouping to the last
+# bit, which a contraction into fused multiply-adds would change.
 function(fathom_shared_library target)
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_compile_options(${target} PUBLIC
         $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
         $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off>)
+    # Templates of the standard library that the compiler instantiates on the way are
+    # visible whatever the compile options say; the linker hides them.
+    if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+        set(hidden "${PROJECT_SOURCE_DIR}/cmake/hidden-symbols.map")
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${hidden}")
+        set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${hidden}")
+    endif()
     set_target_properties(${target} PROPERTIES
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         CXX_EXTENSIONS OFF
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        SOVERSION ${FATHOM_ABI_VERSION}
         VERIFY_INTERFACE_HEADER_SETS ON
         INSTALL_RPATH "$ORIGIN")
 endfunction()
 
-# Installs a library and its header set and makes it known to the package as
-# fathom::<target>.
-function(fathom_install_library target)
-    install(TARGETS ${target} EXPORT fathomTargets FILE_SET HEADERS)
+# Installs a library and its header set and makes it known to CMake as
+# fathom::<target> and to pkg-config as <target>.
+function(fathom_install_library target description)
+    install(TARGETS ${target} EXPORT fathomTargets
+        LIBRARY COMPONENT fathom_runtime NAMELINK_COMPONENT fathom_development
+        RUNTIME COMPONENT fathom_runtime
+        ARCHIVE COMPONENT fathom_development
+        FILE_SET HEADERS COMPONENT fathom_development)
+
+    get_target_property(linked ${target} LINK_LIBRARIES)
+    list(FILTER linked INCLUDE REGEX "^fathom::")
+    list(TRANSFORM linked REPLACE "^fathom::" "")
+    list(JOIN linked " " requires)
+    set(folder "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig")
+    file(RELATIVE_PATH prefix_from_here "${folder}" "${CMAKE_INSTALL_PREFIX}")
+    string(REGEX REPLACE "/$" "" prefix_from_here "${prefix_from_here}")
+    file(RELATIVE_PATH lib_from_prefix "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    file(RELATIVE_PATH include_from_prefix "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/library.pc.in" "${CMAKE_CURRENT_BINARY_DIR}/${target}.pc" @ONLY)
+    install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${target}.pc"
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+        COMPONENT fathom_development)
 endfunction()
 
 # Installs a program so that it finds the libraries wherever the prefix is moved,
-# and makes it known to the package as fathom::<target>.
+# and makes it known to CMake as fathom::<target>.
 function(fathom_install_program target)
     file(RELATIVE_PATH lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
-    install(TARGETS ${target} EXPORT fathomTargets)
+    install(TARGETS ${target} EXPORT fathomHostTargets)
 endfunction()

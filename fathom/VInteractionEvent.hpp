@@ -104,7 +104,7 @@ public:
     std::int32_t y; ///< and from the top
     double pressure;
     double wheel; ///< turns, positive away from the user
-    double time;
+    double time;  ///< grows with every event of the source, so that one that is seen again can be told
     std::uint64_t device;
     unsigned long long kind; ///< which event this is, usually a `Kind`
     std::uint8_t modifiers;  ///< of `Modifier`

@@ -49,4 +49,41 @@ std::string crop_before_first(const std::string& text, char c)
     return std::string(afterFirst(text, c));
 }
 
+std::string escaped(std::string_view text)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    std::string shown;
+    for (const char letter : text) {
+        const auto code = static_cast<unsigned char>(letter);
+        if (letter == '\n') {
+            shown += "\\n";
+        } else if (letter == '\t') {
+            shown += "\\t";
+        } else if (letter == '\r') {
+            shown += "\\r";
+        } else if (code < 0x20 || code == 0x7F) {
+            shown += "\\x";
+            shown += digits[code >> 4];
+            shown += digits[code & 0xFu];
+        } else if (letter == '\\') {
+            shown += "\\\\";
+        } else {
+            shown += letter;
+        }
+    }
+    return shown;
+}
+
+std::string printable(std::string_view text)
+{
+    constexpr std::size_t LongestShown = 200;
+    if (text.size() <= LongestShown)
+        return escaped(text);
+    std::size_t end = LongestShown;
+    // Not in the middle of a character.
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u)
+        --end;
+    return escaped(text.substr(0, end)) + "...";
+}
+
 } // namespace Loam::StringUtil

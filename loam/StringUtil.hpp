@@ -39,4 +39,12 @@ constexpr std::string_view afterFirst(std::string_view text, char c) noexcept
     return found == std::string_view::npos ? text : text.substr(found + 1);
 }
 
+/// \p text with control characters and backslashes escaped, so that no name can
+/// break a line of output or reach the terminal.
+LOAM_API std::string escaped(std::string_view text);
+
+/// As `escaped`, for messages: texts of more than some hundred bytes are cut, with
+/// dots at the end.
+LOAM_API std::string printable(std::string_view text);
+
 } // namespace Loam::StringUtil

@@ -2,210 +2,166 @@
 
 #include <tarn/Wording.hpp>
 
-#include <charconv>
-#include <string_view>
-#include <system_error>
+#include <fathom/CommandLineParser.hpp>
+
+#include <algorithm>
 #include <utility>
 
 namespace Tarn {
 
 namespace {
 
-using Command = CommandLine::Command;
-
-constexpr std::pair<const char*, Command> Commands[] = {
-    {"run", Command::Run},
-    {"check", Command::Check},
-    {"types", Command::Types},
-};
-
 constexpr char GeneralHelp[] = R"(Loads networks of processing objects and evaluates them.
 
-  tarn run NETWORK.toml [--set=OBJECT.SLOT=TEXT]... [--steps=N] [--table=FILE.csv]
-  tarn check NETWORK.toml
-  tarn types [LIBRARY]...
-  tarn --version
-  tarn [COMMAND] --help
+)";
 
-Results go to the files that are asked for, or to standard output where a file is
-called "-"; messages go to standard error.
+constexpr char FilesHelp[] = R"(Results go to the files that are asked for, or to standard output where a file is
+called "-"; messages go to standard error. Networks and data that are not where their
+names say are looked for in the folders of the environment variable TARN_DATA, which
+are separated by semicolons.
+)";
 
-Exit status:
-  0  everything is fine
+constexpr char StatusHelp[] = R"(  0  everything is fine
   1  an object reported an error, or a loop did not settle
-  2  the network has faults; nothing was evaluated
+  2  the network has faults
   3  the command line is wrong
   4  a file could not be read or written
   129, 130, 143  interrupted by SIGHUP, SIGINT or SIGTERM
 )";
 
-constexpr char SearchHelp[] = R"(
-Libraries are files NAME.so. They are looked for in ../lib/fathom beside the program,
-in the folders of the environment variable TARN_LIBRARIES (separated by colons), and
-in )";
+class Parser final : public Orla::CommandLineParser {
+public:
+    explicit Parser(const std::vector<const Command*>& commands) : m_commands{commands} {}
 
-constexpr char RunHelp[] = R"(tarn run NETWORK.toml [--set=OBJECT.SLOT=TEXT]... [--steps=N] [--table=FILE.csv]
-
-Evaluates the network, once for each step of its global time; without an object
-that provides the time, once.
-
-  --set=OBJECT.SLOT=TEXT  Sets an input, whatever the file says. May be repeated; of
-                          several texts for one input the last one counts.
-  --steps=N               Evaluates the first N steps only.
-  --table=FILE.csv        Writes the columns that the network lists, one row a step,
-                          as comma-separated values; "-" is standard output.
-
-Relative names in the texts of inputs start at the folder of the network.
-
-A table appears when it is complete: until then, and if something fails on the way,
-FILE.csv is what it was before. Objects that report an error do not end the run, and
-the table shows their last good values; the exit status is then 1.
-
-SIGINT and SIGTERM end the run within a second, with exit status 130 or 143. FILE.csv
-is then as before; standard output has got the rows of the steps before.
-)";
-
-constexpr char CheckHelp[] = R"(tarn check NETWORK.toml
-
-Loads the network and its libraries, makes and connects its objects, and lists all
-faults, each with its place. Evaluates nothing. The exit status is 2 if there are any.
-)";
-
-constexpr char TypesHelp[] = R"(tarn types [LIBRARY]...
-
-Lists the value types, with a note which of them can be inputs, and the object types
-that the standard library and the libraries named bring, with their files.
-)";
-
-// Takes "--name=VALUE" apart; empty if the argument is another option.
-std::optional<std::string> valueOf(const std::string& argument, const std::string& name, const std::string& shape)
-{
-    const std::string option = "--" + name;
-    if (argument == option)
-        throw UsageError{option + " has no value, expected " + option + "=" + shape};
-    if (!argument.starts_with(option + "="))
-        return std::nullopt;
-    return argument.substr(option.size() + 1);
-}
-
-std::uint64_t readSteps(const std::string& text)
-{
-    std::uint64_t steps = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, steps);
-    if (error != std::errc{} || stop != end || steps == 0)
-        throw UsageError{"--steps=" + printable(text) + ": expected a whole number, 1 or more"};
-    return steps;
-}
-
-bool readRunOption(const std::string& argument, CommandLine& line)
-{
-    if (const auto set = valueOf(argument, "set", "OBJECT.SLOT=TEXT")) {
-        const std::string target = set->substr(0, set->find('='));
-        if (target.size() == set->size() || target.find('.') == std::string::npos)
-            throw UsageError{printable(argument) + ": expected --set=OBJECT.SLOT=TEXT"};
-        line.overrides.push_back(*set);
+    bool processOption(const std::string& option) override
+    {
+        if (m_optionsEnded || option.empty())
+            return processArgument("-" + option);
+        if (option == "-") {
+            m_optionsEnded = true;
+            return true;
+        }
+        if (option == "-help" || option == "h") {
+            m_line.request = CommandLine::Request::Help;
+            return false;
+        }
+        if (!m_line.command && option == "-version") {
+            m_line.request = CommandLine::Request::Version;
+            return false;
+        }
+        readOption("-" + option);
         return true;
     }
-    if (const auto steps = valueOf(argument, "steps", "N")) {
-        if (line.steps)
-            throw UsageError{"--steps is given twice"};
-        line.steps = readSteps(*steps);
+
+    bool processArgument(const std::string& argument) override
+    {
+        if (m_line.command)
+            m_line.arguments.names.push_back(argument);
+        else
+            m_line.command = &findCommand(argument);
+        m_line.request = CommandLine::Request::Perform;
         return true;
     }
-    if (const auto table = valueOf(argument, "table", "FILE.csv")) {
-        if (line.table)
-            throw UsageError{"--table is given twice"};
-        if (table->empty())
-            throw UsageError{"--table has no value, expected --table=FILE.csv"};
-        line.table = *table;
-        return true;
+
+    CommandLine takeLine()
+    {
+        if (m_line.request != CommandLine::Request::Perform)
+            return std::move(m_line);
+        const Command& command = *m_line.command;
+        const std::vector<std::string>& names = m_line.arguments.names;
+        const std::string expected = ", expected " + synopsisOf(command);
+        if (names.size() < command.fewestNames)
+            throw UsageError{(names.empty() ? "no " + command.nameShape.substr(0, command.nameShape.find(' '))
+                                            : "too few names") + expected};
+        if (names.size() > command.mostNames)
+            throw UsageError{"one name too many, " + inQuotes(names[command.mostNames]) + expected};
+        return std::move(m_line);
     }
-    return false;
-}
 
-[[noreturn]] void refuseOption(const std::string& argument, const CommandLine& line)
-{
-    std::vector<std::string> known{"--help"};
-    if (line.command == Command::Run)
-        known.insert(known.end(), {"--set", "--steps", "--table"});
-    const std::string name = argument.substr(0, argument.find('='));
-    throw UsageError{"unknown option " + inQuotes(name) + insteadOf(name, known)};
-}
+    bool isEmpty() const noexcept { return !m_line.command; }
 
-Command readCommand(const std::string& name)
-{
-    std::vector<std::string> known;
-    for (const auto& [text, command] : Commands) {
-        if (name == text)
-            return command;
-        known.emplace_back(text);
+private:
+    const Command& findCommand(const std::string& name) const
+    {
+        std::vector<std::string> known;
+        for (const Command* command : m_commands) {
+            if (command->name == name)
+                return *command;
+            known.push_back(command->name);
+        }
+        throw UsageError{"unknown command " + inQuotes(name) + insteadOf(name, known)};
     }
-    throw UsageError{"unknown command " + inQuotes(name) + insteadOf(name, known)};
-}
 
-bool isHelp(const std::string& argument)
-{
-    return argument == "--help" || argument == "-h";
-}
+    void readOption(const std::string& argument)
+    {
+        const auto equals = argument.find('=');
+        const std::string name = argument.substr(0, equals);
+        const std::vector<Option> none;
+        const std::vector<Option>& options = m_line.command ? m_line.command->options : none;
+        const auto option = std::ranges::find(options, name, [](const Option& each) { return "--" + each.name; });
+        if (option == options.end()) {
+            std::vector<std::string> known{"--help"};
+            if (!m_line.command)
+                known.emplace_back("--version");
+            for (const Option& each : options)
+                known.push_back("--" + each.name);
+            throw UsageError{"unknown option " + inQuotes(name) + insteadOf(name, known)};
+        }
+        const std::string text = equals == std::string::npos ? std::string() : argument.substr(equals + 1);
+        if (option->shape.empty() && equals != std::string::npos)
+            throw UsageError{printable(argument) + ": expected " + name + " without a value"};
+        if (!option->shape.empty() && text.empty())
+            throw UsageError{name + " has no value, expected " + name + "=" + option->shape};
+        std::vector<std::string>& texts = m_line.arguments.options[option->name];
+        if (!texts.empty() && !option->repeats)
+            throw UsageError{name + " is given twice"};
+        texts.push_back(text);
+    }
+
+    const std::vector<const Command*>& m_commands;
+    CommandLine m_line;
+    bool m_optionsEnded = false;
+};
 
 } // namespace
 
-CommandLine CommandLine::parse(const std::vector<std::string>& arguments)
+CommandLine CommandLine::parse(int argc, char** argv, const std::vector<const Command*>& commands)
 {
-    CommandLine line;
-    if (arguments.empty())
-        throw UsageError{"no command, expected run, check or types"};
-    if (isHelp(arguments[0]))
-        return line;
-    if (arguments[0] == "--version") {
-        line.command = Command::Version;
-        return line;
+    Parser parser{commands};
+    const bool isWhole = parser.process(argc, argv);
+    if (isWhole && parser.isEmpty()) {
+        std::vector<std::string> known;
+        for (const Command* command : commands)
+            known.push_back(command->name);
+        throw UsageError{"no command" + insteadOf({}, known)};
     }
-    line.command = readCommand(arguments[0]);
-
-    std::vector<std::string> names;
-    bool optionsEnded = false;
-    for (std::size_t i = 1; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        if (optionsEnded || !argument.starts_with('-') || argument == "-") {
-            names.push_back(argument);
-        } else if (argument == "--") {
-            optionsEnded = true;
-        } else if (isHelp(argument)) {
-            line.helpOn = line.command;
-            line.command = Command::Help;
-            return line;
-        } else if (line.command != Command::Run || !readRunOption(argument, line)) {
-            refuseOption(argument, line);
-        }
-    }
-
-    if (line.command == Command::Types) {
-        line.libraries = names;
-        return line;
-    }
-    if (names.empty())
-        throw UsageError{"no network, expected tarn " + arguments[0] + " NETWORK.toml"};
-    if (names.size() > 1)
-        throw UsageError{"more than one network: " + inQuotes(names[0]) + " and " + inQuotes(names[1])};
-    line.network = names[0];
-    return line;
+    return parser.takeLine();
 }
 
-std::string CommandLine::helpText() const
+std::string CommandLine::generalHelp(const std::vector<const Command*>& commands)
 {
-    const std::string search = SearchHelp;
-    switch (helpOn.value_or(Command::Help)) {
-    case Command::Run:
-        return RunHelp + search + "the network's folder and its subfolder \"lib\".\n";
-    case Command::Check:
-        return CheckHelp + search + "the network's folder and its subfolder \"lib\".\n";
-    case Command::Types:
-        return TypesHelp + search + "the working folder and its subfolder \"lib\".\n";
-    default:
-        return GeneralHelp;
-    }
+    std::string text = GeneralHelp;
+    std::vector<std::pair<std::string, std::string>> lines;
+    for (const Command* command : commands)
+        lines.emplace_back(command->name + (command->nameShape.empty() ? "" : " " + command->nameShape),
+                           command->summary);
+    lines.emplace_back("COMMAND --help", "Tells more about a command.");
+    std::size_t width = 0;
+    for (const auto& [lead, summary] : lines)
+        width = std::max(width, lead.size());
+    for (const auto& [lead, summary] : lines)
+        text += "  tarn " + lead + std::string(width - lead.size() + 2, ' ') + summary + "\n";
+    return text + "\n" + FilesHelp + "\nExit status:\n" + StatusHelp;
+}
+
+std::string CommandLine::filesHelp()
+{
+    return FilesHelp;
+}
+
+std::string CommandLine::statusHelp()
+{
+    return StatusHelp;
 }
 
 std::string CommandLine::versionText()

@@ -1,38 +1,31 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <stdexcept>
+#include <tarn/Command.hpp>
+
 #include <string>
 #include <vector>
 
 namespace Tarn {
 
-/// The command line asks for something that the program does not know.
-class UsageError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
 /// What the program was asked to do.
 struct CommandLine {
-    enum class Command { Help, Version, Run, Check, Types };
+    enum class Request { Perform, Help, Version };
 
-    Command command = Command::Help;
-    std::optional<Command> helpOn; ///< with `Help`: one command instead of all
+    Request request = Request::Help;
+    const Command* command = nullptr; ///< with `Help` null for help on everything
+    Arguments arguments;
 
-    std::string network;                ///< with `Run` and `Check`
-    std::vector<std::string> overrides; ///< with `Run`: OBJECT.SLOT=TEXT
-    std::optional<std::uint64_t> steps; ///< with `Run`; not 0
-    std::optional<std::string> table;   ///< with `Run`; "-" is standard output
-    std::vector<std::string> libraries; ///< with `Types`
-
-    /// \p arguments without the program's name.
+    /// Reads the arguments of `main`; \p commands are those there are.
     /// \throw UsageError
-    static CommandLine parse(const std::vector<std::string>& arguments);
+    static CommandLine parse(int argc, char** argv, const std::vector<const Command*>& commands);
 
-    /// What `tarn --help` and `tarn COMMAND --help` print.
-    std::string helpText() const;
+    /// What `tarn --help` prints.
+    static std::string generalHelp(const std::vector<const Command*>& commands);
+
+    /// The parts of it that are not about one command: where results go and data are
+    /// looked for, and a line for each exit status.
+    static std::string filesHelp();
+    static std::string statusHelp();
 
     static std::string versionText();
 };

@@ -17,6 +17,12 @@ struct Place {
     friend auto operator<=>(const Place&, const Place&) = default;
 };
 
+/// A piece of text and where it stands in the file.
+struct PlacedText {
+    std::string text;
+    Place place;
+};
+
 /// What is wrong with a saved network: everything, not just the first fault.
 class Faults {
 public:

@@ -1,5 +1,7 @@
 #include <tarn/Interruption.hpp>
 
+#include <loam/OutputFile.hpp>
+
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -18,13 +20,12 @@ constexpr long Grace = 800'000'000;
 constexpr int Signals[] = {SIGINT, SIGTERM, SIGHUP};
 
 std::atomic<Orla::VCancellation*> theCancellation{nullptr};
-std::atomic<const char*> theUnfinishedFile{nullptr};
 std::atomic<int> theSignal{0};
 timer_t theTimer;
 bool theTimerExists = false;
 struct sigaction theFormerActions[std::size(Signals)];
 
-static_assert(std::atomic<const char*>::is_always_lock_free && std::atomic<int>::is_always_lock_free,
+static_assert(std::atomic<int>::is_always_lock_free,
               "a signal handler may not wait for a lock");
 
 // Everything from here to the class runs in signal handlers.
@@ -32,8 +33,7 @@ static_assert(std::atomic<const char*>::is_always_lock_free && std::atomic<int>:
 template<std::size_t Size>
 [[noreturn]] void endAtOnce(const char (&message)[Size])
 {
-    if (const char* path = theUnfinishedFile.load())
-        ::unlink(path);
+    Loam::OutputFile::removeUnfinished();
     [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message, Size - 1);
     ::_exit(128 + theSignal.load());
 }
@@ -99,11 +99,6 @@ Interruption::~Interruption()
 int Interruption::signal() noexcept
 {
     return theSignal.load();
-}
-
-void Interruption::setUnfinishedFile(const char* path) noexcept
-{
-    theUnfinishedFile = path;
 }
 
 } // namespace Tarn

@@ -7,7 +7,7 @@ namespace Tarn {
 /// While it lives, SIGINT, SIGTERM and SIGHUP end the evaluation instead of the
 /// process: they cancel it, and the program winds up. If it does not within a
 /// second, because an object does not listen, or if there is a second signal,
-/// the process ends at once and takes an unfinished file with it.
+/// the process ends at once and takes unfinished files with it.
 ///
 /// Signals that were ignored before stay so. There may be one at a time.
 class Interruption {
@@ -21,10 +21,6 @@ public:
 
     /// The signal that came first, 0 if none did.
     static int signal() noexcept;
-
-    /// The file to remove if the process has to end at once; null for none. The
-    /// text must stay until another call.
-    static void setUnfinishedFile(const char* path) noexcept;
 
 private:
     Orla::VCancellation m_cancellation;

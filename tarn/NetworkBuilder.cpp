@@ -1,5 +1,6 @@
 #include <tarn/NetworkBuilder.hpp>
 
+#include <tarn/ClientCode.hpp>
 #include <tarn/References.hpp>
 #include <tarn/Wording.hpp>
 
@@ -9,7 +10,6 @@
 #include <loam/Typename.hpp>
 
 #include <algorithm>
-#include <exception>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -26,20 +26,6 @@ using Orla::VSlot;
 // meant would take longer than everything else.
 constexpr std::size_t MostGuesses = 100;
 
-// Runs what client libraries wrote. The reason why it failed, empty if it did not.
-template<class Function>
-std::string failureOf(Function&& function)
-{
-    try {
-        function();
-        return {};
-    } catch (const std::exception& error) {
-        return error.what()[0] ? error.what() : "an exception without a text";
-    } catch (...) {
-        return "something was thrown that is no std::exception";
-    }
-}
-
 std::string placeText(const Faults& faults, Place place)
 {
     return faults.file() + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
@@ -47,8 +33,14 @@ std::string placeText(const Faults& faults, Place place)
 
 class Builder {
 public:
-    Builder(const NetworkFile& file, const std::vector<std::string>& missingLibraries, Faults& faults)
-        : m_file{file}, m_missingLibraries{missingLibraries}, m_faults{faults}, m_objects(file.objects.size())
+    /// Objects of unknown type go to \p unknown in a network that is written again,
+    /// and are faults for null.
+    Builder(const NetworkFile& file, const std::vector<std::string>& missingLibraries, Faults& faults, Faults* unknown)
+        : m_file{file}
+        , m_missingLibraries{missingLibraries}
+        , m_faults{faults}
+        , m_unknown{unknown}
+        , m_objects(file.objects.size())
     {
     }
 
@@ -59,11 +51,13 @@ public:
     void finish();
 
     Network takeNetwork() { return std::move(m_network); }
+    NetworkInputs takeInputs();
 
 private:
     struct Made {
         StrongPtr<VObject> object; // null if it could not be made
         StrongPtr<Orla::VObjectCreator> creator;
+        std::map<std::string, NetworkInputs::Input> set; // by name, if the network is written again
     };
 
     struct Reference {
@@ -74,7 +68,9 @@ private:
     void make(std::size_t number);
     std::string typeOf(std::size_t number) const;
     StrongPtr<VSlot> findInput(std::size_t number, const PlacedText& name);
-    void setText(Place place, const std::string& description, const StrongPtr<VSlot>& input, const std::string& text);
+    void setExactly(std::size_t number, const StrongPtr<VSlot>& input, const NetworkFile::InputText& setting);
+    bool setText(std::size_t number, Place place, const std::string& description, const StrongPtr<VSlot>& input,
+                 const std::string& text);
     bool findOutput(Place place, const std::string& description, const std::string& text, Reference& found);
     void addColumns();
     std::string nearestObject(std::string_view text);
@@ -82,6 +78,7 @@ private:
     const NetworkFile& m_file;
     const std::vector<std::string>& m_missingLibraries;
     Faults& m_faults;
+    Faults* m_unknown;
     std::vector<Made> m_objects; // as in the file
     ObjectNames m_names;
     std::size_t m_guesses = 0;
@@ -117,7 +114,7 @@ void Builder::make(std::size_t number)
             missing += (missing.empty() ? "" : ", ") + inQuotes(library);
         if (!missing.empty())
             message += " (not loaded: " + missing + ")";
-        m_faults.add(entry.type.place, message);
+        (m_unknown ? *m_unknown : m_faults).add(entry.type.place, message);
         return;
     }
     std::string why = failureOf([&] { made.object = made.creator->create(entry.name.text, 0, nullptr); });
@@ -132,11 +129,33 @@ void Builder::setInputs()
 {
     for (std::size_t number = 0; number < m_objects.size(); ++number) {
         const NetworkFile::Object& entry = m_file.objects[number];
-        for (const auto& [name, text] : entry.texts) {
-            if (const StrongPtr<VSlot> input = findInput(number, name))
-                setText(text.place, entry.description, input, text.text);
+        for (const NetworkFile::InputText& setting : entry.texts) {
+            const StrongPtr<VSlot> input = findInput(number, setting.input);
+            if (!input)
+                continue;
+            if (setting.exact.empty())
+                setText(number, setting.value.place, entry.description, input, setting.value.text);
+            else
+                setExactly(number, input, setting);
         }
     }
+}
+
+void Builder::setExactly(std::size_t number, const StrongPtr<VSlot>& input, const NetworkFile::InputText& setting)
+{
+    const std::string& description = m_file.objects[number].description;
+    for (const PlacedText& text : setting.exact) {
+        if (!setText(number, text.place, description, input, text.text))
+            return;
+    }
+    if (!setting.value.place)
+        return;
+    // Somebody may have changed the text by hand and not seen that it does not count.
+    const std::string shown = input->ownParameter()->DefaultValue()->Text();
+    if (shown != setting.value.text)
+        m_faults.add(setting.value.place, description + ", input " + inQuotes(input->name()) + ": the text "
+                                              + inQuotes(setting.value.text) + " is not what the exact text gives, "
+                                              + inQuotes(shown) + "; leave one of the two out");
 }
 
 void Builder::setInput(const std::string& override)
@@ -151,8 +170,13 @@ void Builder::setInput(const std::string& override)
         return;
     }
     const StrongPtr<VObject>& object = m_objects[number].object;
-    if (!object)
-        return; // told already
+    if (!object) {
+        // Where that is no fault, the text is none that could be kept.
+        if (m_unknown)
+            m_faults.add(description + ": object " + inQuotes(m_file.objects[number].name.text)
+                         + " has no inputs, because its type is not known");
+        return;
+    }
     const StrongPtr<VSlot> input = findSlotAtStart(object->inputs(), rest, '=');
     if (!input || input->name().size() == rest.size()) {
         const std::string_view name = rest.substr(0, rest.find('='));
@@ -168,22 +192,41 @@ void Builder::setInput(const std::string& override)
                      + ", so that a text would have no effect");
         return;
     }
-    setText({}, description, input, std::string(rest.substr(input->name().size() + 1)));
+    setText(number, {}, description, input, std::string(rest.substr(input->name().size() + 1)));
 }
 
-void Builder::setText(Place place, const std::string& description, const StrongPtr<VSlot>& input,
-                      const std::string& text)
+bool Builder::setText(std::size_t number, Place place, const std::string& description,
+                      const StrongPtr<VSlot>& input, const std::string& text)
 {
-    bool accepted = false;
-    std::string why = failureOf([&] { accepted = input->setInitialText(text); });
-    if (accepted)
-        return;
     std::string message = description;
     if (place)
         message += ", input " + inQuotes(input->name());
+    if (m_unknown) {
+        const Orla::VParameter& parameter = *input->ownParameter();
+        auto& inputs = m_objects[number].set;
+        auto entry = inputs.find(input->name());
+        if (entry == inputs.end())
+            entry = inputs.emplace(input->name(),
+                                   NetworkInputs::Input{.name = input->name(),
+                                                        .type = &input->type(),
+                                                        .place = {},
+                                                        .description = {},
+                                                        .given = parameter.newValue(),
+                                                        .value = parameter.DefaultValue(),
+                                                        .texts = {}})
+                        .first;
+        entry->second.place = place;
+        entry->second.description = message;
+        entry->second.texts.push_back(text);
+    }
+    bool accepted = false;
+    std::string why = failureOf([&] { accepted = input->setInitialText(text); });
+    if (accepted)
+        return true;
     message += ": the text " + inQuotes(text) + " is refused, expected a value of type "
                + Loam::Typename(input->type());
     m_faults.add(place, why.empty() ? message : message + " (" + why + ")");
+    return false;
 }
 
 std::string Builder::typeOf(std::size_t number) const
@@ -217,10 +260,12 @@ void Builder::connect()
             if (!findOutput(output.place, description, output.text, reference) || !input)
                 continue;
             std::string why;
-            if (m_objects[number].object->attachOutput(reference.output, input, reference.member, &why))
+            if (m_objects[number].object->attachOutput(reference.output, input, reference.member, &why)) {
                 ++m_network.connectionCount;
-            else
+                m_network.connected.push_back(input);
+            } else {
                 m_faults.add(output.place, description + ": " + inQuotes(output.text) + " does not fit: " + why);
+            }
         }
     }
     addColumns();
@@ -320,12 +365,30 @@ void Builder::finish()
     }
 }
 
+NetworkInputs Builder::takeInputs()
+{
+    NetworkInputs inputs;
+    inputs.connectionCount = m_network.connectionCount;
+    for (Made& made : m_objects) {
+        NetworkInputs::Object& object = inputs.objects.emplace_back();
+        object.isKnown = bool(made.creator);
+        if (!made.object)
+            continue;
+        object.names = namesOf(made.object->inputs());
+        for (const std::string& name : object.names) {
+            if (const auto entry = made.set.find(name); entry != made.set.end())
+                object.set.push_back(std::move(entry->second));
+        }
+    }
+    return inputs;
+}
+
 } // namespace
 
 Network buildNetwork(const NetworkFile& file, const std::vector<std::string>& overrides,
                      const std::vector<std::string>& missingLibraries, Faults& faults)
 {
-    Builder builder{file, missingLibraries, faults};
+    Builder builder{file, missingLibraries, faults, nullptr};
     builder.makeObjects();
     builder.setInputs();
     for (const std::string& override : overrides)
@@ -335,6 +398,18 @@ Network buildNetwork(const NetworkFile& file, const std::vector<std::string>& ov
         return {};
     builder.finish();
     return faults.empty() ? builder.takeNetwork() : Network{};
+}
+
+NetworkInputs readInputs(const NetworkFile& file, const std::vector<std::string>& overrides,
+                         const std::vector<std::string>& missingLibraries, Faults& faults, Faults& unknown)
+{
+    Builder builder{file, missingLibraries, faults, &unknown};
+    builder.makeObjects();
+    builder.setInputs();
+    for (const std::string& override : overrides)
+        builder.setInput(override);
+    builder.connect();
+    return builder.takeInputs();
 }
 
 } // namespace Tarn

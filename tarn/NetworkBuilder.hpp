@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace Tarn {
@@ -22,6 +23,7 @@ struct Network {
 
     std::size_t objectCount = 0;
     std::size_t connectionCount = 0;
+    std::vector<Orla::StrongPtr<Orla::VSlot>> connected; ///< the inputs that the file connects
     std::vector<Column> columns;
 };
 
@@ -34,5 +36,33 @@ struct Network {
 /// finished objects then stay in the registry. In both cases the network is empty.
 Network buildNetwork(const NetworkFile& file, const std::vector<std::string>& overrides,
                      const std::vector<std::string>& missingLibraries, Faults& faults);
+
+/// What the inputs of a network hold, for those who write it again.
+struct NetworkInputs {
+    /// An input that is set by texts.
+    struct Input {
+        std::string name;
+        const std::type_info* type;
+        Place place;                              ///< of the last text; nowhere for one of the command line
+        std::string description;                  ///< how messages call it
+        Orla::StrongPtr<Orla::VValueBase> given;  ///< what the object gives it
+        Orla::StrongPtr<Orla::VValueBase> value;  ///< what it holds
+        std::vector<std::string> texts;           ///< read one after the other into \p given, they make \p value
+    };
+
+    struct Object {
+        bool isKnown = false;           ///< false: no library has its type
+        std::vector<std::string> names; ///< of its inputs, in their order
+        std::vector<Input> set;         ///< in the same order
+    };
+
+    std::vector<Object> objects; ///< as in the file
+    std::size_t connectionCount = 0;
+};
+
+/// Makes, sets and connects the objects as `buildNetwork` does, and lets them go
+/// unfinished. An object of unknown type is no fault but goes to \p unknown.
+NetworkInputs readInputs(const NetworkFile& file, const std::vector<std::string>& overrides,
+                         const std::vector<std::string>& missingLibraries, Faults& faults, Faults& unknown);
 
 } // namespace Tarn

@@ -1,10 +1,12 @@
 #include <tarn/NetworkFile.hpp>
 
-#include <tarn/FileError.hpp>
 #include <tarn/KeyDepth.hpp>
+#include <tarn/TomlTable.hpp>
+#include <tarn/TomlText.hpp>
 #include <tarn/Utf8.hpp>
 #include <tarn/Wording.hpp>
 
+#include <loam/FileError.hpp>
 #include <loam/Numbers.hpp>
 
 #include <toml++/toml.h>
@@ -52,16 +54,6 @@ const char* kindOf(const toml::node& node)
     }
 }
 
-Place placeOf(const toml::source_region& source)
-{
-    return {source.begin.line, source.begin.column};
-}
-
-Place placeOf(const toml::node& node)
-{
-    return placeOf(node.source());
-}
-
 // The text form of what an input may be set to.
 std::optional<std::string> textOf(const toml::node& node)
 {
@@ -76,24 +68,11 @@ std::optional<std::string> textOf(const toml::node& node)
     return std::nullopt;
 }
 
-struct Entry {
-    PlacedText key;
-    const toml::node* value;
-};
-
-// TOML tables are sorted by key; what people see goes by the order of the file.
-std::vector<Entry> entriesOf(const toml::table& table)
-{
-    std::vector<Entry> entries;
-    for (const auto& [key, value] : table)
-        entries.push_back({{std::string(key.str()), placeOf(key.source())}, &value});
-    std::ranges::stable_sort(entries, {}, [](const Entry& entry) { return entry.key.place; });
-    return entries;
-}
-
 class Parser {
 public:
-    explicit Parser(Faults& faults) noexcept : m_faults{faults} {}
+    using IsKnown = std::function<bool(const std::string& type)>;
+
+    Parser(Faults& faults, const IsKnown& isKnown) noexcept : m_faults{faults}, m_isKnown{isKnown} {}
 
     NetworkFile parse(const toml::table& root);
 
@@ -102,8 +81,11 @@ private:
 
     bool formatIsKnown(const toml::table& root);
     void readLibraries(const toml::node& node);
+    void readChart(const toml::node& node);
     NetworkFile::Object readObject(const toml::table& table);
-    std::vector<NetworkFile::Setting> readTexts(const std::string& owner, const toml::node& node);
+    void keep(NetworkFile::Object& object, const toml::table& table);
+    std::vector<NetworkFile::InputText> readTexts(const std::string& owner, const toml::node& node);
+    bool readExact(const std::string& owner, const toml::table& table, NetworkFile::InputText& setting);
     std::vector<NetworkFile::Setting> readConnections(const std::string& owner, const toml::node& node);
     NetworkFile::Column readColumn(const toml::table& table);
 
@@ -119,6 +101,7 @@ private:
     void reportUnknownKey(const std::string& owner, const PlacedText& key, const Keys& known);
 
     Faults& m_faults;
+    const IsKnown& m_isKnown;
     NetworkFile m_file;
 };
 
@@ -127,10 +110,12 @@ NetworkFile Parser::parse(const toml::table& root)
     // What a later format means by its keys is not known here.
     if (!formatIsKnown(root))
         return {};
-    const Keys known{"format", "libraries", "object", "column"};
+    const Keys known{"format", "libraries", "chart", "object", "column"};
     for (const auto& [key, node] : entriesOf(root)) {
         if (key.text == "libraries")
             readLibraries(*node);
+        else if (key.text == "chart")
+            readChart(*node);
         else if (key.text == "object")
             forEachTable(*node, key.text,
                          [this](const toml::table& table) { m_file.objects.push_back(readObject(table)); });
@@ -160,9 +145,9 @@ bool Parser::formatIsKnown(const toml::table& root)
     if (*format == NetworkFile::Format)
         return true;
     m_faults.add(placeOf(*node), "format " + std::to_string(*format)
-                                     + (*format > NetworkFile::Format ? " is newer than this program reads ("
-                                                                      : " is none that this program reads (")
-                                     + current + ")");
+                                     + (*format > NetworkFile::Format ? ": saved by a newer version"
+                                                                      : ": there is none of that number")
+                                     + "; this one reads format " + current);
     return false;
 }
 
@@ -186,6 +171,17 @@ void Parser::readLibraries(const toml::node& node)
     }
 }
 
+void Parser::readChart(const toml::node& node)
+{
+    const auto name = node.value_exact<std::string>();
+    if (!name)
+        m_faults.add(placeOf(node), std::string("chart is ") + kindOf(node) + ", expected the name of a chart");
+    else if (name->empty())
+        m_faults.add(placeOf(node), "the name of the chart is empty");
+    else
+        m_file.chart = {*name, placeOf(node)};
+}
+
 NetworkFile::Object Parser::readObject(const toml::table& table)
 {
     NetworkFile::Object object;
@@ -201,6 +197,10 @@ NetworkFile::Object Parser::readObject(const toml::table& table)
         m_faults.add(object.name.place, object.description + ": the name is empty");
         object.name.place = {};
     }
+    if (object.type.place && m_isKnown && !m_isKnown(object.type.text)) {
+        keep(object, table);
+        return object;
+    }
     for (const auto& [key, node] : entriesOf(table)) {
         if (key.text == "set")
             object.texts = readTexts(object.description, *node);
@@ -212,20 +212,78 @@ NetworkFile::Object Parser::readObject(const toml::table& table)
     return object;
 }
 
-std::vector<NetworkFile::Setting> Parser::readTexts(const std::string& owner, const toml::node& node)
+void Parser::keep(NetworkFile::Object& object, const toml::table& table)
 {
-    std::vector<NetworkFile::Setting> texts;
+    for (const auto& [key, node] : entriesOf(table)) {
+        if (key.text == "name" || key.text == "type")
+            continue;
+        if (nestingOf(*node) > MostNested) {
+            m_faults.add(placeOf(*node), object.description + ": " + inQuotes(key.text)
+                                             + " is nested too deeply to be written again");
+            continue;
+        }
+        const toml::table* inner = node->as_table();
+        if (!inner || inner->empty()) {
+            object.kept += tomlKey(key.text) + " = " + tomlValue(*node) + '\n';
+            continue;
+        }
+        // A line for each, as for objects whose type is known.
+        for (const auto& [innerKey, value] : entriesOf(*inner)) {
+            object.kept += tomlKey(key.text) + '.' + tomlKey(innerKey.text) + " = " + tomlValue(*value) + '\n';
+            if (const auto text = value->value_exact<std::string>(); text && key.text == "set")
+                object.texts.push_back({innerKey, {*text, placeOf(*value)}});
+        }
+    }
+}
+
+std::vector<NetworkFile::InputText> Parser::readTexts(const std::string& owner, const toml::node& node)
+{
+    std::vector<NetworkFile::InputText> texts;
     const toml::table* table = asTable(owner, "set", node, "a table of inputs and their texts");
     if (!table)
         return texts;
     for (const auto& [key, value] : entriesOf(*table)) {
-        if (const auto text = textOf(*value))
-            texts.push_back({key, {*text, placeOf(*value)}});
-        else
+        NetworkFile::InputText setting{key, {}};
+        if (const auto text = textOf(*value)) {
+            setting.value = {*text, placeOf(*value)};
+            setting.isNumber = value->is_number();
+            texts.push_back(setting);
+        } else if (const toml::table* exact = value->as_table()) {
+            if (readExact(owner + ", input " + inQuotes(key.text), *exact, setting))
+                texts.push_back(setting);
+        } else
             m_faults.add(placeOf(*value), owner + ", input " + inQuotes(key.text) + ": set to " + kindOf(*value)
-                                              + ", expected a text, a number or a truth value");
+                                              + ", expected a text, a number, a truth value or a table with an exact text");
     }
     return texts;
+}
+
+// As { text = "...", exact = "..." }, or a list of texts in place of one.
+bool Parser::readExact(const std::string& owner, const toml::table& table, NetworkFile::InputText& setting)
+{
+    const std::size_t faultsBefore = m_faults.size();
+    for (const auto& [key, node] : entriesOf(table)) {
+        const auto text = node->value_exact<std::string>();
+        const toml::array* list = node->as_array();
+        if (key.text != "text" && key.text != "exact") {
+            reportUnknownKey(owner, key, {"text", "exact"});
+        } else if (text) {
+            const PlacedText placed{*text, placeOf(*node)};
+            if (key.text == "exact")
+                setting.exact.push_back(placed);
+            else
+                setting.value = placed;
+        } else if (key.text == "exact" && list && !list->empty() && list->is_homogeneous(toml::node_type::string)) {
+            for (const toml::node& element : *list)
+                setting.exact.push_back({*element.value_exact<std::string>(), placeOf(element)});
+        } else {
+            m_faults.add(placeOf(*node), owner + ": " + key.text + " is " + kindOf(*node) + ", expected a text"
+                                             + (key.text == "exact" ? " or an array of texts" : ""));
+        }
+    }
+    if (setting.exact.empty() && m_faults.size() == faultsBefore)
+        m_faults.add(placeOf(table), owner + ": missing key \"exact\"");
+    return m_faults.size() == faultsBefore;
 }
 
 std::vector<NetworkFile::Setting> Parser::readConnections(const std::string& owner, const toml::node& node)
@@ -306,6 +364,12 @@ void Parser::reportUnknownKey(const std::string& owner, const PlacedText& key, c
 
 NetworkFile parseNetwork(std::string_view text, Faults& faults)
 {
+    return parseNetwork(text, faults, {});
+}
+
+NetworkFile parseNetwork(std::string_view text, Faults& faults,
+                         const std::function<bool(const std::string& type)>& isKnown)
+{
     // The TOML reader refuses it too, but does not know the place as exactly.
     if (const std::size_t invalid = findInvalidUtf8(text); invalid != std::string_view::npos) {
         faults.add(placeAt(text, invalid), "the text is no UTF-8 from here on");
@@ -317,7 +381,7 @@ NetworkFile parseNetwork(std::string_view text, Faults& faults)
     }
     try {
         const toml::table root = toml::parse(text);
-        return Parser{faults}.parse(root);
+        return Parser{faults, isKnown}.parse(root);
     } catch (const toml::parse_error& error) {
         faults.add(placeOf(error.source()), printable(error.description()));
         return {};
@@ -336,7 +400,7 @@ std::string readFile(const std::string& path)
         int number;
     } const file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
     if (file.number < 0)
-        throw FileError{failed, errno};
+        throw Loam::FileError{failed, errno};
 
     constexpr std::size_t BlockSize = 65536;
     const auto block = std::make_unique<char[]>(BlockSize);
@@ -345,11 +409,11 @@ std::string readFile(const std::string& path)
         if (got < 0) {
             if (errno == EINTR)
                 continue;
-            throw FileError{failed, errno};
+            throw Loam::FileError{failed, errno};
         }
         content.append(block.get(), static_cast<std::size_t>(got));
         if (content.size() > LargestFile)
-            throw FileError{failed + ": it is larger than 256 MiB"};
+            throw Loam::FileError{failed + ": it is larger than 256 MiB"};
     }
     return content;
 }

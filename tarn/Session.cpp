@@ -1,14 +1,15 @@
 #include <tarn/Session.hpp>
 
-#include <tarn/FileError.hpp>
+#include <tarn/AnnouncedObjects.hpp>
+#include <tarn/ChartChoice.hpp>
 #include <tarn/Wording.hpp>
 
+#include <loam/FileError.hpp>
 #include <loam/Numbers.hpp>
 
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <limits>
 #include <system_error>
 
 #include <unistd.h>
@@ -17,31 +18,13 @@ namespace Tarn {
 
 namespace {
 
-using Orla::StrongPtr;
-
 std::string folderOf(const std::string& path)
 {
     std::error_code error;
     const std::filesystem::path absolute = std::filesystem::absolute(path, error);
     if (error)
-        throw FileError{"cannot read " + printable(path), error.value()};
+        throw Loam::FileError{"cannot read " + printable(path), error.value()};
     return absolute.parent_path().string();
-}
-
-void removeAllObjects()
-{
-    struct All final : Orla::VManagedObjectIterator {
-        bool apply(const StrongPtr<Orla::VManagedObject>& object) override
-        {
-            objects.push_back(object);
-            return true;
-        }
-
-        std::vector<StrongPtr<Orla::VManagedObject>> objects;
-    } all;
-    Orla::VManagedObject::traverse(all, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
-    for (; !all.objects.empty(); all.objects.pop_back())
-        Orla::VManagedObject::remove(all.objects.back());
 }
 
 // Where the input of the object is set, else where the object stands.
@@ -57,7 +40,7 @@ Place placeOfSetting(const NetworkFile& file, const std::string& object, const s
 } // namespace
 
 Session::Session(const std::string& path, const std::vector<std::string>& overrides,
-                 std::optional<std::uint64_t> stepLimit)
+                 std::optional<std::uint64_t> stepLimit, const std::optional<std::string>& chart)
     : m_faults{path}
     , m_census{Loam::makeStrong<Census>()}
     , m_folder{folderOf(path)}
@@ -66,12 +49,15 @@ Session::Session(const std::string& path, const std::vector<std::string>& overri
 {
     const std::string text = readFile(path);
     if (::chdir(m_folder.c_str()) != 0)
-        throw FileError{"cannot enter " + printable(m_folder), errno};
+        throw Loam::FileError{"cannot enter " + printable(m_folder), errno};
     const NetworkFile file = parseNetwork(text, m_faults);
     Orla::VActionNotifier::add(m_census);
     std::vector<std::string> missing;
     loadLibraries(file, missing);
     m_network = buildNetwork(file, overrides, missing, m_faults);
+    m_chart = chart ? PlacedText{*chart, {}} : file.chart;
+    if (m_faults.empty() && !m_chart.text.empty())
+        chooseChart();
     if (m_faults.empty())
         countSteps(file, stepLimit);
 }
@@ -82,7 +68,7 @@ Session::~Session()
     m_timeProvider = {};
     m_network = {};
     m_pool.reset();
-    removeAllObjects();
+    removeAnnouncedObjects();
     Orla::VActionNotifier::remove(m_census);
     const std::string survivor = m_census->survivor();
     if (survivor.empty())
@@ -104,6 +90,15 @@ void Session::loadLibraries(const NetworkFile& file, std::vector<std::string>& m
         m_faults.add(place, why);
         missing.push_back(name);
     }
+}
+
+void Session::chooseChart()
+{
+    if (const ChartChoice choice = ChartChoice::find())
+        choice.want(m_chart.text);
+    else
+        m_faults.add(m_chart.place, std::string(m_chart.place ? "" : "--") + "chart: found " + inQuotes(m_chart.text)
+                                        + ", but no object depends on a chart");
 }
 
 void Session::countSteps(const NetworkFile& file, std::optional<std::uint64_t> limit)

@@ -33,10 +33,11 @@ inline constexpr double MostCountedSteps = 1e15;
 class Session {
 public:
     /// Reads the file \p path, loads its libraries and makes its objects;
-    /// \p overrides as in `buildNetwork`. There will be \p stepLimit steps at most.
-    /// \throw FileError if the file cannot be read.
+    /// \p overrides as in `buildNetwork`. There will be \p stepLimit steps at most,
+    /// and \p chart is wanted instead of the one that the file names.
+    /// \throw Loam::FileError if the file cannot be read.
     Session(const std::string& path, const std::vector<std::string>& overrides,
-            std::optional<std::uint64_t> stepLimit);
+            std::optional<std::uint64_t> stepLimit, const std::optional<std::string>& chart = {});
 
     /// Lets the network go, then its libraries. If something of theirs is still
     /// in use they stay in memory, and a warning says so.
@@ -52,11 +53,15 @@ public:
     const Orla::StrongPtr<Orla::ValuePool>& pool() const noexcept { return m_pool; }
     const TimeProvider& timeProvider() const noexcept { return m_timeProvider; }
 
+    /// The chart that all objects are to follow; empty if that is left to them.
+    const PlacedText& wantedChart() const noexcept { return m_chart; }
+
     /// Steps to run; one for a network without time.
     std::uint64_t stepCount() const noexcept { return m_stepCount; }
 
 private:
     void loadLibraries(const NetworkFile& file, std::vector<std::string>& missing);
+    void chooseChart();
     void countSteps(const NetworkFile& file, std::optional<std::uint64_t> limit);
 
     Faults m_faults;
@@ -66,6 +71,7 @@ private:
     Orla::StrongPtr<Orla::ValuePool> m_pool;
     Network m_network;
     TimeProvider m_timeProvider;
+    PlacedText m_chart;
     std::uint64_t m_stepCount = 1;
 };
 

@@ -1,6 +1,6 @@
 #include <tarn/TableWriter.hpp>
 
-#include <tarn/OutputFile.hpp>
+#include <loam/OutputFile.hpp>
 
 namespace Tarn {
 

@@ -41,13 +41,25 @@ std::size_t findInvalidUtf8(std::string_view text) noexcept
     return std::string_view::npos;
 }
 
+std::size_t countCharacters(std::string_view text) noexcept
+{
+    return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, isContinuation));
+}
+
+std::string validUtf8(std::string_view text)
+{
+    std::string valid;
+    for (std::size_t bad = 0; (bad = findInvalidUtf8(text)) != std::string_view::npos; text.remove_prefix(bad + 1))
+        valid.append(text.substr(0, bad)).append("\uFFFD");
+    return valid.append(text);
+}
+
 Place placeAt(std::string_view text, std::size_t position) noexcept
 {
     const std::string_view before = text.substr(0, position);
     const std::string_view line = before.substr(before.rfind('\n') + 1); // npos + 1 is the start of the text
     return {static_cast<std::uint32_t>(1 + std::ranges::count(before, '\n')),
-            static_cast<std::uint32_t>(1 + line.size()
-                                       - static_cast<std::size_t>(std::ranges::count_if(line, isContinuation)))};
+            static_cast<std::uint32_t>(1 + countCharacters(line))};
 }
 
 } // namespace Tarn

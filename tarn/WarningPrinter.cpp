@@ -1,5 +1,7 @@
 #include <tarn/WarningPrinter.hpp>
 
+#include <tarn/Progress.hpp>
+
 #include <cstdio>
 
 namespace Tarn {
@@ -13,6 +15,7 @@ constexpr std::size_t MostRemembered = 10000;
 
 void printLine(const std::string& line)
 {
+    Progress::hide();
     // In one piece, because libraries may write at the same time.
     const std::string whole = line + '\n';
     std::fwrite(whole.data(), 1, whole.size(), stderr);

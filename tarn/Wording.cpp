@@ -53,38 +53,6 @@ std::size_t mistakes(std::string_view a, std::string_view b, std::size_t limit)
 
 } // namespace
 
-std::string printable(std::string_view text)
-{
-    std::size_t end = text.size();
-    if (end > LongestShown) {
-        end = LongestShown;
-        // Not in the middle of a character.
-        while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u)
-            --end;
-    }
-    constexpr char digits[] = "0123456789abcdef";
-    std::string shown;
-    for (const char letter : text.substr(0, end)) {
-        const auto code = static_cast<unsigned char>(letter);
-        if (letter == '\n') {
-            shown += "\\n";
-        } else if (letter == '\t') {
-            shown += "\\t";
-        } else if (letter == '\r') {
-            shown += "\\r";
-        } else if (code < 0x20 || code == 0x7F) {
-            shown += "\\x";
-            shown += digits[code >> 4];
-            shown += digits[code & 0xFu];
-        } else if (letter == '\\') {
-            shown += "\\\\";
-        } else {
-            shown += letter;
-        }
-    }
-    return end < text.size() ? shown + "..." : shown;
-}
-
 std::string inQuotes(std::string_view text)
 {
     std::string shown = "\"";

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <loam/StringUtil.hpp>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -9,10 +11,8 @@
 
 namespace Tarn {
 
-/// \p text with control characters and backslashes escaped, so that no name can
-/// break a line of output or reach the terminal. Texts of more than some hundred
-/// bytes are cut, with dots at the end.
-std::string printable(std::string_view text);
+using Loam::StringUtil::escaped;
+using Loam::StringUtil::printable;
 
 /// As `printable`, between double quotes.
 std::string inQuotes(std::string_view text);

@@ -2,8 +2,10 @@
 
 // Three roles, because Windows and ELF want the attribute in different places:
 // TRELLIS_API on classes and functions, TRELLIS_EXTERN_TEMPLATE on the declaration of
-// an instantiation, TRELLIS_TEMPLATE on its definition.
+// an instantiation, TRELLIS_TEMPLATE on its definition. TRELLIS_HIDDEN stands on
+// classes that stay inside although they are nested in one that does not.
 #if defined(_WIN32)
+#    define TRELLIS_HIDDEN
 #    if defined(trellis_EXPORTS)
 #        define TRELLIS_API __declspec(dllexport)
 #        define TRELLIS_EXTERN_TEMPLATE
@@ -14,6 +16,7 @@
 #        define TRELLIS_TEMPLATE
 #    endif
 #else
+#    define TRELLIS_HIDDEN __attribute__((visibility("hidden")))
 #    define TRELLIS_API __attribute__((visibility("default")))
 #    define TRELLIS_EXTERN_TEMPLATE __attribute__((visibility("default")))
 #    define TRELLIS_TEMPLATE

@@ -244,12 +244,20 @@ void VScope::delist() noexcept
     m_container = nullptr;
 }
 
-void VScope::makeDue()
+void VScope::makeDue(Cause cause, const VParameter* changed)
 {
     if (m_due || !m_container || !m_container->m_isEvaluated)
         return;
     m_due = true;
     enqueue();
+    if (root().m_data->observer) [[unlikely]]
+        tellObserver(cause, changed);
+}
+
+// Apart, so that whoever is not observed does not carry it along.
+void VScope::tellObserver(Cause cause, const VParameter* changed) const noexcept
+{
+    root().m_data->observer->becameDue(*m_container->m_object, cause, changed, m_precision);
 }
 
 void VScope::enqueue()

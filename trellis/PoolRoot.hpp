@@ -1,6 +1,7 @@
 #pragma once
 
 #include <trellis/IdTable.hpp>
+#include <trellis/VScheduler.hpp>
 #include <trellis/ValuePool.hpp>
 
 #include <cstddef>
@@ -102,6 +103,7 @@ public:
     std::uint32_t roundEnd = ~std::uint32_t{0}; // what comes behind this must wait for the next round
     std::uint64_t pass = 0;
     bool running = false;
+    VScheduler::Observer* observer = nullptr;
 };
 
 /// A container's part of a pool: its variables, and how its evaluation stands.
@@ -112,8 +114,10 @@ public:
 
     VScope* nextOfContainer() const noexcept { return m_next; }
 
+    using Cause = VScheduler::Observer::Cause;
+
     /// Queues the container's object for evaluation unless it is queued already.
-    void makeDue();
+    void makeDue(Cause cause, const VParameter* changed = nullptr);
 
     /// Moves a container that is queued to the place of its present order.
     void requeue();
@@ -130,6 +134,7 @@ private:
     friend class VParameter;
     friend class VScheduler;
 
+    void tellObserver(Cause cause, const VParameter* changed) const noexcept;
     void enqueue();
     void dequeue();
     void enlist();

@@ -170,7 +170,7 @@ void VParameter::makeReadersDue(ValuePool& root, const std::string& member) cons
         // An object that writes an input of its own knows about it.
         if (scope.m_updating && !reader->readsOthers())
             continue;
-        scope.makeDue();
+        scope.makeDue(VScope::Cause::Changed, this);
     }
 }
 

@@ -9,7 +9,7 @@
 namespace Orla {
 
 /// One output on offer.
-class VPolyConnection::Joiner final : public Loam::ReferenceBase<Joiner> {
+class TRELLIS_HIDDEN VPolyConnection::Joiner final : public Loam::ReferenceBase<Joiner> {
 public:
     explicit Joiner(const StrongPtr<VParameter>& output) : m_output{output} {}
 
@@ -50,7 +50,7 @@ private:
 
 /// Brings the outputs on offer to the objects of one class, so that neither many
 /// outputs nor many other objects make a new one slow.
-class VPolyConnection::Exchange final : public VActionNotifier {
+class TRELLIS_HIDDEN VPolyConnection::Exchange final : public VActionNotifier {
 public:
     static StrongPtr<Exchange> of(IsRequester isRequester)
     {

@@ -22,7 +22,11 @@ void reportFailure(const VObject& object, const std::string& what)
 bool updateSafely(VObject& object, VRequest& request, double precision)
 {
     try {
-        return object.update(request, precision);
+        if (object.update(request, precision))
+            return true;
+        // Giving up when it is told to is no failure.
+        if (!request.isCancelled())
+            reportFailure(object, "its update returned false");
     } catch (const std::exception& error) {
         reportFailure(object, error.what());
     } catch (const char* message) {
@@ -46,13 +50,15 @@ void reportLoop(VSlotContainer& container)
 
 } // namespace
 
+VScheduler::Observer::~Observer() = default;
+
 bool VScheduler::schedule(const StrongPtr<VObject>& object, double precision, const StrongPtr<ValuePool>& pool)
 {
     if (!object || !pool || !object->isRequestProcessingEnabled() || !pool->root().m_data)
         return false;
     VScope& scope = pool->root().m_data->scope(*object);
     scope.m_precision = precision;
-    scope.makeDue();
+    scope.makeDue(Observer::Cause::Scheduled);
     return true;
 }
 
@@ -87,6 +93,14 @@ bool VScheduler::isDue(const StrongPtr<VObject>& object, const StrongPtr<ValuePo
 bool VScheduler::isDue(const StrongPtr<ValuePool>& pool)
 {
     return pool && pool->root().m_data && !pool->root().m_data->due.empty();
+}
+
+bool VScheduler::observe(const StrongPtr<ValuePool>& pool, Observer* observer)
+{
+    if (!pool || !pool->root().m_data)
+        return false;
+    pool->root().m_data->observer = observer;
+    return true;
 }
 
 VScheduler::Summary VScheduler::run(const StrongPtr<ValuePool>& pool)
@@ -180,15 +194,21 @@ VScheduler::Summary VScheduler::run(VRequest& request)
         scope->completeVariables();
         const double precision = std::exchange(scope->m_precision, 0.0);
         bool succeeded = false;
+        if (root.observer) [[unlikely]]
+            root.observer->began(*object);
         {
             const Updating updating{*scope};
             succeeded = updateSafely(*object, request, precision);
         }
+        if (root.observer) [[unlikely]]
+            root.observer->ended(*object, request.isCancelled() ? Observer::Result::Cancelled
+                                          : succeeded           ? Observer::Result::Succeeded
+                                                                : Observer::Result::Failed);
         ++summary.updates;
         if (request.isCancelled()) {
             // What it wrote may be half of the result.
             scope->m_precision = precision;
-            scope->makeDue();
+            scope->makeDue(Observer::Cause::Cancelled);
             summary.outcome = Outcome::Cancelled;
             return summary;
         }

@@ -225,7 +225,7 @@ std::string VSlotContainer::describe() const
 void VSlotContainer::becomeDueEverywhere()
 {
     for (VScope* scope = m_scopes; scope; scope = scope->nextOfContainer())
-        scope->makeDue();
+        scope->makeDue(VScope::Cause::Connected);
 }
 
 } // namespace Orla

@@ -135,3 +135,24 @@ TEST(StringUtil, afterFirstPointsIntoTheText)
     EXPECT_EQ(StringUtil::afterFirst(text, '=').data(), text.data() + 5);
     EXPECT_EQ(StringUtil::afterFirst(text, '#').data(), text.data());
 }
+
+TEST(StringUtil, showsNoControlCharacter)
+{
+    EXPECT_EQ(StringUtil::printable("a\nb\tc\rd\x1b[31m\x7f\\"), "a\\nb\\tc\\rd\\x1b[31m\\x7f\\\\");
+    EXPECT_EQ(StringUtil::printable(std::string("a\0b", 3)), "a\\x00b");
+    EXPECT_EQ(StringUtil::printable("Größe \"x\""), "Größe \"x\"");
+}
+
+TEST(StringUtil, escapesTextsOfAnyLength)
+{
+    EXPECT_EQ(StringUtil::escaped("a\nb\\"), "a\\nb\\\\");
+    EXPECT_EQ(StringUtil::escaped(std::string(100000, '\t') + "end").size(), 200003u);
+}
+
+TEST(StringUtil, cutsLongTextsBetweenCharacters)
+{
+    EXPECT_EQ(StringUtil::printable(std::string(200, 'a')), std::string(200, 'a'));
+    EXPECT_EQ(StringUtil::printable(std::string(201, 'a')), std::string(200, 'a') + "...");
+    // The last of the 200 bytes would be the first half of an umlaut.
+    EXPECT_EQ(StringUtil::printable(std::string(199, 'a') + "ööö"), std::string(199, 'a') + "...");
+}

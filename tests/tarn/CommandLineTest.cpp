@@ -8,14 +8,41 @@
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using Command = CommandLine::Command;
 
 namespace {
 
-std::string refusalOf(const std::vector<std::string>& arguments)
+int nothing(const Arguments&, const StandardStreams&)
+{
+    return 0;
+}
+
+const Command cook{
+    .name = "cook",
+    .nameShape = "RECIPE",
+    .fewestNames = 1,
+    .mostNames = 2,
+    .summary = "Cooks.",
+    .options = {{.name = "add", .shape = "SPICE", .help = "Adds a spice.", .repeats = true},
+                {.name = "minutes", .shape = "N", .help = "How long."},
+                {.name = "quietly", .shape = "", .help = "Says nothing."}},
+    .perform = &nothing,
+};
+const Command list{.name = "list", .nameShape = "SHELF", .mostNames = 9, .summary = "Lists.", .perform = &nothing};
+const std::vector<const Command*> all{&cook, &list};
+
+CommandLine parse(std::vector<std::string> words)
+{
+    words.insert(words.begin(), "tarn");
+    std::vector<char*> pointers;
+    for (std::string& word : words)
+        pointers.push_back(word.data());
+    return CommandLine::parse(static_cast<int>(pointers.size()), pointers.data(), all);
+}
+
+std::string refusalOf(const std::vector<std::string>& words)
 {
     try {
-        CommandLine::parse(arguments);
+        parse(words);
     } catch (const UsageError& error) {
         return error.what();
     }
@@ -24,94 +51,87 @@ std::string refusalOf(const std::vector<std::string>& arguments)
 
 } // namespace
 
-TEST(CommandLine, readsWhatARunIsToDo)
+TEST(CommandLine, readsACommandWithItsNamesAndOptionsInAnyOrder)
 {
-    const CommandLine line = CommandLine::parse(
-        {"run", "--set=a.b=c=d", "net.toml", "--steps=12", "--table=-", "--set=a.b=", "--set=x.y.z=two words"});
-    EXPECT_EQ(line.command, Command::Run);
-    EXPECT_EQ(line.network, "net.toml");
-    EXPECT_THAT(line.overrides, ElementsAre("a.b=c=d", "a.b=", "x.y.z=two words"));
-    EXPECT_EQ(line.steps, 12u);
-    EXPECT_EQ(line.table, "-");
+    const CommandLine line = parse({"cook", "--add=c=d", "soup", "--minutes=12", "--quietly", "--add=two words"});
+    EXPECT_EQ(line.request, CommandLine::Request::Perform);
+    EXPECT_EQ(line.command, &cook);
+    EXPECT_THAT(line.arguments.names, ElementsAre("soup"));
+    EXPECT_THAT(line.arguments.texts("add"), ElementsAre("c=d", "two words"));
+    EXPECT_EQ(line.arguments.text("minutes"), "12");
+    EXPECT_TRUE(line.arguments.has("quietly"));
 }
 
-TEST(CommandLine, runsAllStepsWithoutATableUnlessItIsTold)
+TEST(CommandLine, hasNoOptionsUnlessTheyAreGiven)
 {
-    const CommandLine line = CommandLine::parse({"run", "net.toml"});
-    EXPECT_TRUE(line.overrides.empty());
-    EXPECT_FALSE(line.steps);
-    EXPECT_FALSE(line.table);
-}
-
-TEST(CommandLine, readsTheOtherCommands)
-{
-    EXPECT_EQ(CommandLine::parse({"check", "net.toml"}).command, Command::Check);
-    EXPECT_EQ(CommandLine::parse({"check", "net.toml"}).network, "net.toml");
-    EXPECT_EQ(CommandLine::parse({"types"}).command, Command::Types);
-    EXPECT_THAT(CommandLine::parse({"types", "a", "b"}).libraries, ElementsAre("a", "b"));
-    EXPECT_EQ(CommandLine::parse({"--version"}).command, Command::Version);
+    const CommandLine line = parse({"list"});
+    EXPECT_EQ(line.command, &list);
+    EXPECT_TRUE(line.arguments.names.empty());
+    EXPECT_TRUE(line.arguments.texts("add").empty());
+    EXPECT_FALSE(line.arguments.text("minutes"));
+    EXPECT_FALSE(line.arguments.has("quietly"));
 }
 
 TEST(CommandLine, takesANameThatBeginsWithADashBehindTwoDashes)
 {
-    EXPECT_EQ(CommandLine::parse({"run", "--", "--steps"}).network, "--steps");
+    EXPECT_THAT(parse({"list", "--", "--steps", "-x", "-"}).arguments.names, ElementsAre("--steps", "-x", "-"));
+    EXPECT_THAT(parse({"list", "-"}).arguments.names, ElementsAre("-"));
+}
+
+TEST(CommandLine, takesThePlusFromANameThatBeginsWithOne)
+{
+    EXPECT_THAT(parse({"list", "+--steps", "++a"}).arguments.names, ElementsAre("--steps", "+a"));
 }
 
 TEST(CommandLine, saysWhatIsWrong)
 {
-    const struct { std::vector<std::string> arguments; const char* refusal; } cases[] = {
-        {{}, "no command, expected run, check or types"},
-        {{""}, "unknown command \"\"; there are run, check, types"},
-        {{"chek"}, "unknown command \"chek\"; did you mean \"check\"?"},
-        {{"run"}, "no network, expected tarn run NETWORK.toml"},
-        {{"check"}, "no network, expected tarn check NETWORK.toml"},
-        {{"run", "a", "b"}, "more than one network: \"a\" and \"b\""},
-        {{"run", "a", "--step=1"}, "unknown option \"--step\"; did you mean \"--steps\"?"},
-        {{"run", "a", "-q"}, "unknown option \"-q\"; there are --help, --set, --steps, --table"},
-        {{"check", "a", "--steps=1"}, "unknown option \"--steps\"; there is --help"},
-        {{"types", "--all"}, "unknown option \"--all\"; there is --help"},
-        {{"run", "a", "--set"}, "--set has no value, expected --set=OBJECT.SLOT=TEXT"},
-        {{"run", "a", "--set=b.c"}, "--set=b.c: expected --set=OBJECT.SLOT=TEXT"},
-        {{"run", "a", "--set=b=c.d"}, "--set=b=c.d: expected --set=OBJECT.SLOT=TEXT"},
-        {{"run", "a", "--steps"}, "--steps has no value, expected --steps=N"},
-        {{"run", "a", "--steps="}, "--steps=: expected a whole number, 1 or more"},
-        {{"run", "a", "--steps=0"}, "--steps=0: expected a whole number, 1 or more"},
-        {{"run", "a", "--steps=-1"}, "--steps=-1: expected a whole number, 1 or more"},
-        {{"run", "a", "--steps=5x"}, "--steps=5x: expected a whole number, 1 or more"},
-        {{"run", "a", "--steps=1e3"}, "--steps=1e3: expected a whole number, 1 or more"},
-        {{"run", "a", "--steps=18446744073709551616"},
-         "--steps=18446744073709551616: expected a whole number, 1 or more"},
-        {{"run", "a", "--steps=1", "--steps=1"}, "--steps is given twice"},
-        {{"run", "a", "--table="}, "--table has no value, expected --table=FILE.csv"},
-        {{"run", "a", "--table=b", "--table=b"}, "--table is given twice"},
+    const struct { std::vector<std::string> words; const char* refusal; } cases[] = {
+        {{}, "no command; there are cook, list"},
+        {{""}, "unknown command \"\"; there are cook, list"},
+        {{"coko"}, "unknown command \"coko\"; did you mean \"cook\"?"},
+        {{"--steps=1"}, "unknown option \"--steps\"; there are --help, --version"},
+        {{"cook"}, "no RECIPE, expected tarn cook RECIPE [--add=SPICE]... [--minutes=N] [--quietly]"},
+        {{"cook", "a", "b", "c"},
+         "one name too many, \"c\", expected tarn cook RECIPE [--add=SPICE]... [--minutes=N] [--quietly]"},
+        {{"cook", "a", "--minute=1"}, "unknown option \"--minute\"; did you mean \"--minutes\"?"},
+        {{"cook", "a", "-q"}, "unknown option \"-q\"; there are --help, --add, --minutes, --quietly"},
+        {{"list", "a", "--minutes=1"}, "unknown option \"--minutes\"; there is --help"},
+        {{"cook", "a", "--add"}, "--add has no value, expected --add=SPICE"},
+        {{"cook", "a", "--minutes="}, "--minutes has no value, expected --minutes=N"},
+        {{"cook", "a", "--minutes=1", "--minutes=1"}, "--minutes is given twice"},
+        {{"cook", "a", "--quietly=yes"}, "--quietly=yes: expected --quietly without a value"},
+        {{"cook", "a", "--quietly", "--quietly"}, "--quietly is given twice"},
     };
-    for (const auto& [arguments, refusal] : cases) {
+    for (const auto& [words, refusal] : cases) {
         SCOPED_TRACE(refusal);
-        EXPECT_EQ(refusalOf(arguments), refusal);
+        EXPECT_EQ(refusalOf(words), refusal);
     }
 }
 
-TEST(CommandLine, helpsWithEachCommandAndWithAll)
+TEST(CommandLine, helpsWithEachCommandAndWithAllWhateverElseIsWrong)
 {
-    const struct { std::vector<std::string> arguments; const char* text; } cases[] = {
-        {{"--help"}, "tarn [COMMAND] --help"},
-        {{"-h"}, "tarn [COMMAND] --help"},
-        {{"run", "--help"}, "--steps=N "},
-        {{"run", "a", "--steps=1", "-h"}, "--steps=N "},
-        {{"check", "--help"}, "lists all\nfaults"},
-        {{"types", "--help"}, "Lists the value types"},
+    const struct { std::vector<std::string> words; const Command* command; } cases[] = {
+        {{"--help"}, nullptr},
+        {{"-h"}, nullptr},
+        {{"cook", "--help"}, &cook},
+        {{"cook", "a", "b", "c", "-h"}, &cook},
+        {{"list", "--help", "--nonsense"}, &list},
     };
-    for (const auto& [arguments, text] : cases) {
-        SCOPED_TRACE(testing::PrintToString(arguments));
-        const CommandLine line = CommandLine::parse(arguments);
-        EXPECT_EQ(line.command, Command::Help);
-        EXPECT_THAT(line.helpText(), HasSubstr(text));
+    for (const auto& [words, command] : cases) {
+        SCOPED_TRACE(testing::PrintToString(words));
+        const CommandLine line = parse(words);
+        EXPECT_EQ(line.request, CommandLine::Request::Help);
+        EXPECT_EQ(line.command, command);
     }
+    EXPECT_EQ(parse({"--version"}).request, CommandLine::Request::Version);
 }
 
-TEST(CommandLine, documentsEveryExitStatus)
+TEST(CommandLine, listsAllCommandsAndExitStatusesInTheGeneralHelp)
 {
-    const std::string help = CommandLine::parse({"--help"}).helpText();
+    const std::string help = CommandLine::generalHelp(all);
+    EXPECT_THAT(help, HasSubstr("  tarn cook RECIPE     Cooks.\n"));
+    EXPECT_THAT(help, HasSubstr("  tarn list SHELF      Lists.\n"));
+    EXPECT_THAT(help, HasSubstr("  tarn COMMAND --help  Tells more about a command.\n"));
     for (const char* status : {"\n  0  ", "\n  1  ", "\n  2  ", "\n  3  ", "\n  4  ", "129, 130, 143"})
         EXPECT_THAT(help, HasSubstr(status));
 }

@@ -1,6 +1,6 @@
 #include <tarn/Evaluation.hpp>
 
-#include "tarn/TarnProcess.hpp"
+#include "tarn/NetworkTexts.hpp"
 
 #include <gmock/gmock.h>
 
@@ -9,33 +9,6 @@
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
-
-namespace {
-
-const std::string head = "format = 1\nlibraries = ['testobjects']\n";
-
-std::string object(const std::string& name, const std::string& type, const std::string& more = {})
-{
-    return "[[object]]\nname = '" + name + "'\ntype = '" + type + "'\n" + more;
-}
-
-std::string column(const std::string& title, const std::string& value)
-{
-    return "[[column]]\ntitle = '" + title + "'\nvalue = '" + value + "'\n";
-}
-
-// Time from 0 to 1 in steps of a quarter.
-const std::string clockInQuarters = object("clock", "GlobalTime", "set = { time = '0[0,1]@0.25' }\n");
-
-/// Runs a network and gives what became of its table on standard output.
-ProcessResult evaluate(const std::string& network, std::vector<std::string> options = {})
-{
-    const TestFolder folder;
-    options.insert(options.begin(), {"run", folder.write("net.toml", head + network), "--table=-"});
-    return runTarn(options);
-}
-
-} // namespace
 
 TEST(EvaluationSummary, isFineUnlessSomethingHappened)
 {
@@ -126,6 +99,7 @@ TEST(Evaluation, countsUpdatesThatReturnFalse)
         evaluate(clockInQuarters + object("painter", "Failing", "set = { how = 'return' }\n"));
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, HasSubstr("5 steps, 4 failures, the first in step 1\n"));
+    EXPECT_THAT(result.err, HasSubstr("\"painter\" failed: its update returned false\n"));
 }
 
 TEST(Evaluation, settlesALoop)
@@ -172,7 +146,7 @@ TEST(Evaluation, endsWhenTheTimeProviderIsRemoved)
 TEST(Evaluation, endsWhenAnObjectCancelsIt)
 {
     const TestFolder folder;
-    const ProcessResult result = runTarn({"run", folder.write("net.toml", head + object("c", "Canceller")),
+    const ProcessResult result = runTarn({"run", folder.write("net.toml", networkHead + object("c", "Canceller")),
                                           "--table=" + folder.file("table.csv")});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, HasSubstr("tarn: an object cancelled the evaluation in step 0; no table was written\n"));
@@ -183,7 +157,7 @@ TEST(Evaluation, writesNumbersTheSameUnderEveryLocale)
 {
     const TestFolder folder;
     const std::string file =
-        folder.write("net.toml", head + object("l", "LocaleSetter")
+        folder.write("net.toml", networkHead + object("l", "LocaleSetter")
                                      + object("a", "Adder", "set = { a = '0.25', b = 1.5 }\nconnect = { b = 'l.out' }\n")
                                      + column("number", "l.out") + column("sum", "a.sum"));
     const ProcessResult result = runTarn({"run", file, "--table=-"}, {{"LC_ALL=de_DE.UTF-8"}, {}});

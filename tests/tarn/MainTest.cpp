@@ -40,7 +40,7 @@ TEST(Main, answersWrongUsageWithThree)
     const ProcessResult result = runTarn({"run"});
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "tarn: no network, expected tarn run NETWORK.toml\ntarn: see tarn --help\n");
+    EXPECT_THAT(result.err, testing::MatchesRegex("tarn: no NETWORK.toml, expected tarn run NETWORK.toml (.|\n)*tarn: see tarn --help\n"));
 }
 
 TEST(Main, answersAnUnreadableNetworkWithFour)
@@ -55,6 +55,20 @@ TEST(Main, answersAnUnreadableNetworkWithFour)
         EXPECT_EQ(directory.status, 4);
         EXPECT_EQ(directory.err, "tarn: cannot read " + folder.path() + ": Is a directory\n");
     }
+}
+
+TEST(Main, looksForNetworksInTheDataFolders)
+{
+    const TestFolder folder;
+    folder.write("nets/one/net.toml", network);
+    const TarnProcess::Options options{.environment = {"TARN_DATA=" + folder.file("none") + ";" + folder.file("nets")},
+                                       .shell = {}};
+    const ProcessResult found = runTarn({"run", "one/net.toml", "--table=-"}, options);
+    EXPECT_EQ(found.status, 0) << found.err;
+    EXPECT_EQ(found.out, "step,sum\n0,1\n");
+    EXPECT_THAT(found.err, HasSubstr("Checking file '" + folder.file("none") + "/one/net.toml'... invalid\n"));
+    EXPECT_THAT(found.err, HasSubstr("Checking file '" + folder.file("nets") + "/one/net.toml'... valid\n"));
+    EXPECT_EQ(runTarn({"run", "two/net.toml"}, options).status, 4);
 }
 
 TEST(Main, answersFaultsWithTwoAndEvaluatesNothing)

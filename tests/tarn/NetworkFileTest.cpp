@@ -1,6 +1,6 @@
 #include <tarn/NetworkFile.hpp>
 
-#include <tarn/FileError.hpp>
+#include <loam/FileError.hpp>
 
 #include "tarn/TarnProcess.hpp"
 
@@ -33,11 +33,12 @@ std::vector<std::string> faultsOf(const std::string& text)
     return faults.lines();
 }
 
-std::vector<std::string> textsOf(const std::vector<NetworkFile::Setting>& settings)
+template<class Setting>
+std::vector<std::string> textsOf(const std::vector<Setting>& settings)
 {
     std::vector<std::string> texts;
-    for (const auto& [input, value] : settings)
-        texts.push_back(input.text + "=" + value.text);
+    for (const Setting& setting : settings)
+        texts.push_back(setting.input.text + "=" + setting.value.text);
     return texts;
 }
 
@@ -105,6 +106,39 @@ set.lines = "a\nb"
                             "yes=true", "no=false", "text=C:\\dir \"x\"", "lines=a\nb"));
 }
 
+TEST(NetworkFile, mayHoldExactTextsBesideTheOneThatIsShown)
+{
+    const NetworkFile file = parseFine("format = 1\n[[object]]\nname = 'a'\ntype = 'T'\n"
+                                       "set.x = { text = 'shown', exact = 'x' }\nset.y = { exact = ['y', 'z'] }\n");
+    ASSERT_EQ(file.objects.size(), 1u);
+    ASSERT_EQ(file.objects[0].texts.size(), 2u);
+    const NetworkFile::InputText& x = file.objects[0].texts[0];
+    EXPECT_EQ(x.value.text, "shown");
+    ASSERT_EQ(x.exact.size(), 1u);
+    EXPECT_EQ(x.exact[0].text, "x");
+    EXPECT_EQ(x.exact[0].place, (Place{5, 35}));
+    const NetworkFile::InputText& y = file.objects[0].texts[1];
+    EXPECT_FALSE(y.value.place);
+    ASSERT_EQ(y.exact.size(), 2u);
+    EXPECT_EQ(y.exact[1].text, "z");
+}
+
+TEST(NetworkFile, findsNoFaultInObjectsOfUnknownTypeThatAreKept)
+{
+    Faults faults{"net"};
+    const auto isKnown = [](const std::string& type) { return type == "Known"; };
+    const std::string text = "format = 1\n[[object]]\nname = 'a'\ntype = 'T'\nset.x = [1]\nset.y = 'b'\ncolour = 1\n"
+                             "[[object]]\nname = 'b'\ntype = 'Known'\ncolour = 1\n[[object]]\ntype = 'T'\n";
+    const NetworkFile file = parseNetwork(text, faults, isKnown);
+    EXPECT_THAT(faults.lines(),
+                ElementsAre("net:11:1: object \"b\": unknown key \"colour\"; there are name, type, set, connect",
+                            "net:12:1: object number 3: missing key \"name\""));
+    ASSERT_EQ(file.objects.size(), 3u);
+    EXPECT_EQ(file.objects[0].kept, "set.x = [1]\nset.y = \"b\"\ncolour = 1\n");
+    EXPECT_THAT(textsOf(file.objects[0].texts), ElementsAre("y=b"));
+    EXPECT_EQ(file.objects[1].kept, "");
+}
+
 TEST(NetworkFile, mayBeWrittenInOtherWaysThatTomlKnows)
 {
     const NetworkFile file = parseFine("\xEF\xBB\xBF"
@@ -120,13 +154,13 @@ TEST(NetworkFile, namesEveryFaultAndItsPlace)
         {"", {"net:1:1: the file holds no network, expected format = 1"}},
         {"# nothing\n", {"net:1:1: the file holds no network, expected format = 1"}},
         {"libraries = []", {"net:1:1: missing key \"format\", expected format = 1"}},
-        {"format = 7", {"net:1:10: format 7 is newer than this program reads (1)"}},
-        {"format = 0", {"net:1:10: format 0 is none that this program reads (1)"}},
+        {"format = 7", {"net:1:10: format 7: saved by a newer version; this one reads format 1"}},
+        {"format = 0", {"net:1:10: format 0: there is none of that number; this one reads format 1"}},
         {"format = '1'", {"net:1:10: format is a text, expected the integer 1"}},
         {"format = 1.0", {"net:1:10: format is a number, expected the integer 1"}},
         // What the keys of a later format mean is not known.
-        {"format = 2\nlibraries = 5", {"net:1:10: format 2 is newer than this program reads (1)"}},
-        {"format = 1\nlibrary = []", {"net:2:1: unknown key \"library\"; there are format, libraries, object, column"}},
+        {"format = 2\nlibraries = 5", {"net:1:10: format 2: saved by a newer version; this one reads format 1"}},
+        {"format = 1\nlibrary = []", {"net:2:1: unknown key \"library\"; there are format, libraries, chart, object, column"}},
         {"format = 1\nlibrarys = []", {"net:2:1: unknown key \"librarys\"; did you mean \"libraries\"?"}},
         {"format = 1\nlibraries = 'a'", {"net:2:13: libraries is a text, expected an array of names"}},
         {"format = 1\nlibraries = ['a', 5, '']",
@@ -149,9 +183,17 @@ TEST(NetworkFile, namesEveryFaultAndItsPlace)
          {"net:5:7: object \"a\": set is an integer, expected a table of inputs and their texts",
           "net:6:11: object \"a\": connect is an array, expected a table of inputs and the outputs they read"}},
         {"format = 1\n[[object]]\nname = 'a'\ntype = 'T'\nset = { x = [1], y = { z = 1 }, t = 10:00:00 }",
-         {"net:5:13: object \"a\", input \"x\": set to an array, expected a text, a number or a truth value",
-          "net:5:22: object \"a\", input \"y\": set to a table, expected a text, a number or a truth value",
-          "net:5:37: object \"a\", input \"t\": set to a time of day, expected a text, a number or a truth value"}},
+         {"net:5:13: object \"a\", input \"x\": set to an array, expected a text, a number, a truth value or a table "
+          "with an exact text",
+          "net:5:24: object \"a\", input \"y\": unknown key \"z\"; there are text, exact",
+          "net:5:37: object \"a\", input \"t\": set to a time of day, expected a text, a number, a truth value or a "
+          "table with an exact text"}},
+        {"format = 1\n[[object]]\nname = 'a'\ntype = 'T'\n"
+         "set = { x = { text = 'a' }, y = { exact = [] }, z = { exact = ['a', 1], text = 1 } }",
+         {"net:5:13: object \"a\", input \"x\": missing key \"exact\"",
+          "net:5:43: object \"a\", input \"y\": exact is an array, expected a text or an array of texts",
+          "net:5:63: object \"a\", input \"z\": exact is an array, expected a text or an array of texts",
+          "net:5:80: object \"a\", input \"z\": text is an integer, expected a text"}},
         {"format = 1\n[[object]]\nname = 'a'\ntype = 'T'\nconnect = { x = 1 }",
          {"net:5:17: object \"a\", input \"x\": connected to an integer, expected \"OBJECT.OUTPUT\""}},
         {"format = 1\n[[object]]\nname = 'a'\ntype = 'T'\nconect = {}\ncolour = 1",
@@ -162,7 +204,7 @@ TEST(NetworkFile, namesEveryFaultAndItsPlace)
           "net:3:9: column number 1: value is an integer, expected a text",
           "net:4:1: column number 1: unknown key \"unit\"; there are title, value"}},
         {"format = 1\na.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a = 1", {"net:2:1: a key of more than 16 parts"}},
-        {"format = 1\nx = 2020-01-01T00:00:00Z", {"net:2:1: unknown key \"x\"; there are format, libraries, object, column"}},
+        {"format = 1\nx = 2020-01-01T00:00:00Z", {"net:2:1: unknown key \"x\"; there are format, libraries, chart, object, column"}},
     };
     for (const auto& [text, faults] : cases) {
         SCOPED_TRACE(text);
@@ -227,7 +269,7 @@ TEST(ReadFile, saysWhichFileCannotBeReadAndWhy)
     const auto failure = [](const std::string& path) -> std::string {
         try {
             readFile(path);
-        } catch (const FileError& error) {
+        } catch (const Loam::FileError& error) {
             return error.what();
         }
         return "read";

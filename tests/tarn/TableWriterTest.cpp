@@ -1,6 +1,6 @@
 #include <tarn/TableWriter.hpp>
 
-#include <tarn/OutputFile.hpp>
+#include <loam/OutputFile.hpp>
 
 #include "tarn/TarnProcess.hpp"
 
@@ -34,7 +34,7 @@ TEST(TableWriter, quotesFieldsThatWouldBreakTheTable)
 TEST(TableWriter, endsRowsInALineFeed)
 {
     const TestFolder folder;
-    OutputFile output{folder.file("table.csv")};
+    Loam::OutputFile output{folder.file("table.csv")};
     TableWriter table{output};
     table.writeRow({"step", "a"});
     table.writeRow({"0", "b,c"});
@@ -46,7 +46,7 @@ TEST(TableWriter, handsEachRowToAStreamAtOnce)
 {
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_NONBLOCK), 0);
-    OutputFile output{ends[1], "the pipe"};
+    Loam::OutputFile output{ends[1], "the pipe"};
     TableWriter table{output};
     table.writeRow({"0", "b"});
     char row[16];

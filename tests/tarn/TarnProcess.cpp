@@ -1,7 +1,5 @@
 #include "tarn/TarnProcess.hpp"
 
-#include <tarn/OutputFile.hpp>
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,45 +19,6 @@
 #include <unistd.h>
 
 extern char** environ;
-
-TestFolder::TestFolder() : m_path{testing::TempDir() + "tarn-test-XXXXXX"}
-{
-    if (!::mkdtemp(m_path.data()))
-        throw std::runtime_error("cannot make the folder " + m_path);
-}
-
-TestFolder::~TestFolder()
-{
-    std::error_code error;
-    std::filesystem::remove_all(m_path, error);
-}
-
-std::string TestFolder::write(const std::string& name, const std::string& content) const
-{
-    const std::string path = file(name);
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    std::ofstream stream(path, std::ios::binary);
-    if (!stream.write(content.data(), static_cast<std::streamsize>(content.size())).flush())
-        throw std::runtime_error("cannot write " + path);
-    return path;
-}
-
-std::vector<std::string> TestFolder::names() const
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(m_path))
-        names.push_back(entry.path().filename().string());
-    std::ranges::sort(names);
-    return names;
-}
-
-std::string contentOf(const std::string& path)
-{
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream)
-        ADD_FAILURE() << "cannot read " << path;
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 TarnProcess::TarnProcess(const std::vector<std::string>& arguments, const Options& options)
 {
@@ -167,19 +126,6 @@ ProcessResult TarnProcess::wait()
     ::waitpid(m_process, &status, 0);
     m_process = -1;
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), contentOf(m_folder.file("out")), m_error};
-}
-
-bool isSafeToWriteDevices()
-{
-    const TestFolder folder;
-    const std::string pipe = folder.file("pipe");
-    if (::mkfifo(pipe.c_str(), 0600) != 0)
-        return false;
-    // Without a reader the writer would wait.
-    const int reader = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
-    const bool direct = Tarn::OutputFile{pipe}.isStream();
-    ::close(reader);
-    return direct && std::filesystem::is_fifo(pipe);
 }
 
 ProcessResult runTarn(const std::vector<std::string>& arguments, const TarnProcess::Options& options)

@@ -1,35 +1,11 @@
 #pragma once
 
+#include "support/TestFolder.hpp"
+
 #include <string>
 #include <vector>
 
 #include <sys/types.h>
-
-/// A folder of its own for a test, gone with what is in it at the end.
-class TestFolder {
-public:
-    TestFolder();
-    ~TestFolder();
-    TestFolder(const TestFolder&) = delete;
-    TestFolder& operator=(const TestFolder&) = delete;
-
-    const std::string& path() const noexcept { return m_path; }
-
-    /// The path of the file \p name in it.
-    std::string file(const std::string& name) const { return m_path + '/' + name; }
-
-    /// Writes a file and returns its path.
-    std::string write(const std::string& name, const std::string& content) const;
-
-    /// Names of everything in it, sorted.
-    std::vector<std::string> names() const;
-
-private:
-    std::string m_path;
-};
-
-/// All of the file \p path; an error of the test if it cannot be read.
-std::string contentOf(const std::string& path);
 
 /// How a program ended and what it printed.
 struct ProcessResult {
@@ -73,11 +49,6 @@ private:
     int m_errorPipe = -1;
     std::string m_error;
 };
-
-/// True if what is no regular file is written directly. A test checks it before it
-/// names a device: otherwise a program with that mistake, run by root, would
-/// replace the device with a file.
-bool isSafeToWriteDevices();
 
 /// Runs the host program to its end.
 ProcessResult runTarn(const std::vector<std::string>& arguments, const TarnProcess::Options& options = {});

@@ -50,3 +50,17 @@ TEST(Utf8, isCountedInCharacters)
     EXPECT_EQ(placeAt(text, text.find('b')), (Place{2, 3}));
     EXPECT_EQ(placeAt(text, text.size()), (Place{3, 1}));
 }
+
+TEST(Utf8, countsCharacters)
+{
+    EXPECT_EQ(countCharacters(""), 0u);
+    EXPECT_EQ(countCharacters("aä€😀"), 4u);
+}
+
+TEST(Utf8, isMadeValidByteByByte)
+{
+    EXPECT_EQ(validUtf8(""), "");
+    EXPECT_EQ(validUtf8("Größe 😀"), "Größe 😀");
+    EXPECT_EQ(validUtf8("\xFF"), "\uFFFD");
+    EXPECT_EQ(validUtf8("a\xC3(\xE2\x82ä"), "a\uFFFD(\uFFFD\uFFFDä");
+}

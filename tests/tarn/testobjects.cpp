@@ -1,12 +1,24 @@
 // Objects with all the habits that a host has to cope with.
 
+#include <fathom/Action.hpp>
 #include <fathom/Double.hpp>
 #include <fathom/String.hpp>
 #include <fathom/TimeDependent.hpp>
+#include <fathom/VChart.hpp>
+#include <fathom/VEnum.hpp>
+#include <fathom/VInteractionEvent.hpp>
+#include <fathom/VMultipleStringList.hpp>
+#include <fathom/VObjectStatus.hpp>
 #include <fathom/VOutput.hpp>
+#include <fathom/VStringList.hpp>
+#include <fathom/VUrlSystemHandler.hpp>
 
+#include <trellis/TypedSlotCreator.hpp>
 #include <trellis/VManagedObject.hpp>
 #include <trellis/VObjectCreator.hpp>
+#include <trellis/VValueCreator.hpp>
+
+#include <loam/StringList.hpp>
 
 #include <algorithm>
 #include <chrono>
@@ -20,6 +32,25 @@
 #include <thread>
 
 #include <unistd.h>
+
+// A value that no text restores: whoever reads one gets a number of his own.
+struct Ticket {
+    int number = 0;
+
+    friend bool operator==(const Ticket&, const Ticket&) = default;
+};
+
+template<>
+struct Orla::VValueTrait<Ticket> {
+    static std::string Text(const Ticket& ticket) { return std::to_string(ticket.number); }
+
+    static bool setValueFromText(Ticket& ticket, const std::string&)
+    {
+        static int last = 0;
+        ticket.number = ++last;
+        return true;
+    }
+};
 
 namespace {
 
@@ -308,6 +339,257 @@ public:
     }
 };
 
+// Offers the charts that its input names, separated by commas.
+class Chartmaker final : public Orla::VObject, public Orla::Atlas {
+public:
+    Chartmaker(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, Atlas{"atlas"}, m_charts{this, "charts", "", 0}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        Orla::VChartList charts;
+        const Loam::StringList names(m_charts.value(request.valuePool()), ',');
+        for (const std::string& name : names)
+            charts.insert(name);
+        publish(request.valuePool(), charts);
+        return true;
+    }
+
+private:
+    TypedSlot<std::string> m_charts;
+};
+
+// Writes the name of the chart that it follows.
+class Follower final : public Orla::VObject, public Orla::VChartDependent {
+public:
+    Follower(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, VChartDependent{"chart", 0}, m_out{this, "out", ""}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        m_out(request.valuePool()) <<= getChart(request.valuePool()).name();
+        return true;
+    }
+
+private:
+    VOutput<std::string> m_out;
+};
+
+// Writes down all events, and holds the grab between a press and a release.
+class Listener final : public Orla::VObject, public Orla::Interactive {
+public:
+    Listener(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, Interactive{"event", 0}, m_log{this, "log", ""}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        using Event = Orla::VInteractionEvent;
+        Event event = interactionSlot().value(request.valuePool());
+        const Orla::WeakPtrImpl<VObject> self = this;
+        if (event.kind == Event::Nothing)
+            return true;
+        if (!event.mayuse(self)) {
+            m_text += "(not mine)";
+        } else {
+            if (event.kind == Event::Press)
+                event.grab(self, Event::GrabReason::Pointer, event.button, nullptr);
+            m_text += std::to_string(event.kind) + "@" + std::to_string(event.x) + "," + std::to_string(event.y) + ":"
+                      + std::to_string(event.button) + ":" + std::to_string(event.modifiers) + ":" + event.keyText + ":"
+                      + event.armingKeyText + ":" + Orla::VValueTrait<double>::Text(event.wheel) + ";";
+            if (event.kind == Event::Release)
+                event.ungrab(self);
+        }
+        m_log(request.valuePool()) <<= m_text;
+        return true;
+    }
+
+private:
+    std::string m_text;
+    VOutput<std::string> m_log;
+};
+
+// Counts the actions that reach it and adds up their numbers.
+class ActionCounter final : public Orla::VObject {
+public:
+    ActionCounter(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, m_trigger{this, "trigger", nullptr, 0}, m_count{this, "count", 0}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double number) override
+    {
+        m_count(request.valuePool()) <<= m_sum += number;
+        return true;
+    }
+
+private:
+    double m_sum = 0;
+    TypedSlot<StrongPtr<Orla::VAction>> m_trigger;
+    VOutput<double> m_count;
+};
+
+// Tells what its inputs say.
+class Teller final : public Orla::VObject, public Orla::StatusIndicator {
+public:
+    Teller(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}
+        , StatusIndicator{this, "", 0, Slotname}
+        , m_kind{this, "kind", "info", 0}
+        , m_text{this, "text", "", 0}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        const std::string kind = m_kind.value(pool);
+        const std::string text = m_text.value(pool);
+        if (kind == "error")
+            setStatusError(pool, text, false);
+        else if (kind == "warning")
+            setStatusWarning(pool, text);
+        else
+            setStatusInfo(pool, text);
+        return true;
+    }
+
+private:
+    TypedSlot<std::string> m_kind;
+    TypedSlot<std::string> m_text;
+};
+
+class Opener final : public Orla::VObject {
+public:
+    Opener(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, m_url{this, "url", "", 0}, m_opened{this, "opened", ""}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const bool opened = Orla::VUrlSystemHandler::Exec(m_url.value(request.valuePool()));
+        m_opened(request.valuePool()) <<= std::string(opened ? "yes" : "no");
+        return true;
+    }
+
+private:
+    TypedSlot<std::string> m_url;
+    VOutput<std::string> m_opened;
+};
+
+// An input of every type that is registered, named like it.
+class Everything final : public Orla::VObject {
+public:
+    Everything(const std::string& name, int level, const Preferences& preferences) : VObject{name, level, preferences}
+    {
+        for (const std::string& type : Orla::VValueCreator::names()) {
+            const auto value = Orla::VValueCreator::find(type);
+            bool ok = false;
+            if (const auto input = Orla::TypedSlotCreator::find(value->valueType()))
+                input->newSlot(this, type, "", ok, nullptr, 0);
+        }
+    }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+};
+
+// Offers names that the text forms of choices take for their own signs.
+class Chooser final : public Orla::VObject {
+public:
+    using One = StrongPtr<Orla::StringSelection, Orla::StringList>;
+    using Many = StrongPtr<Orla::MultipleStringSelection, Orla::StringList>;
+
+    Chooser(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}
+        , m_case{this, "case", Orla::Enum{cases, 4}, 0}
+        , m_one{this, "one", Loam::makeStrong<Orla::StringSelection>("plain", names()), 0}
+        , m_many{this, "many", Loam::makeStrong<Orla::MultipleStringSelection>("plain", "plain;pi{e}ces;\u00e4\"\n", ';'), 0}
+    {
+    }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+
+private:
+    static constexpr const char* cases[] = {"plain", "cubic", "two words \u00e4\"\n", "pi{e}ces"};
+
+    static StrongPtr<Orla::StringList> names()
+    {
+        const auto list = Loam::makeStrong<Orla::StringList>();
+        for (const char* name : {"plain", "a|b", "a@b", "@@", "two words \u00e4\"\n{}", ""})
+            list->append(name);
+        return list;
+    }
+
+    TypedSlot<Orla::Enum> m_case;
+    TypedSlot<One> m_one;
+    TypedSlot<Many> m_many;
+};
+
+class TicketReader final : public Orla::VObject {
+public:
+    TicketReader(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, m_ticket{this, "ticket", Ticket{}, 0}
+    {
+    }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+
+private:
+    TypedSlot<Ticket> m_ticket;
+};
+
+// Has names that other languages take for their own signs, and bytes that are no text.
+class Misnamed final : public Orla::VObject {
+public:
+    Misnamed(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}
+        , m_in{this, "\xFF<b>&amp;\"{in|x}\\N", "", 0}
+        , m_out{this, "</TABLE>\n\x01&#65;\\", ""}
+    {
+    }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+
+private:
+    TypedSlot<std::string> m_in;
+    VOutput<std::string> m_out;
+};
+
+// Fails when a partner was made for it already.
+class HalfMade final : public Orla::VObject, public Orla::Interactive {
+public:
+    HalfMade(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, Interactive{"event", 0}
+    {
+        throw std::runtime_error("no licence for events");
+    }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+};
+
+// Makes another object and holds it for ever.
+class Hoarder final : public Orla::VObject {
+public:
+    Hoarder(const std::string& name, int level, const Preferences& preferences) : VObject{name, level, preferences}
+    {
+        static const StrongPtr<VObject> hoard = createObject("Adder", "hoard");
+    }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+};
+
+const Orla::VObjectType<Misnamed> misnamedType{"Misnamed"};
+const Orla::VObjectType<HalfMade> halfMadeType{"HalfMade"};
+const Orla::VObjectType<Hoarder> hoarderType{"Hoarder"};
+const Orla::VObjectType<Everything> everythingType{"Everything"};
+const Orla::VObjectType<Chooser> chooserType{"Chooser"};
+const Orla::VObjectType<TicketReader> ticketReaderType{"TicketReader"};
 const Orla::VObjectType<Adder> adderType{"Adder"};
 const Orla::VObjectType<Counter> counterType{"Counter"};
 const Orla::VObjectType<Echo> echoType{"Echo"};
@@ -323,5 +605,11 @@ const Orla::VObjectType<FileReader> fileReaderType{"FileReader"};
 const Orla::VObjectType<Unmakable> unmakableType{"Unmakable"};
 const Orla::VObjectType<Unfinishable> unfinishableType{"Unfinishable"};
 const Orla::VObjectType<Clinging> clingingType{"Clinging"};
+const Orla::VObjectType<Chartmaker> chartmakerType{"Chartmaker"};
+const Orla::VObjectType<Follower> followerType{"Follower"};
+const Orla::VObjectType<Listener> listenerType{"Listener"};
+const Orla::VObjectType<ActionCounter> actionCounterType{"ActionCounter"};
+const Orla::VObjectType<Teller> tellerType{"Teller"};
+const Orla::VObjectType<Opener> openerType{"Opener"};
 
 } // namespace

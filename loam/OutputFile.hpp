@@ -1,15 +1,17 @@
 #pragma once
 
+#include <loam/Export.hpp>
+#include <loam/FileError.hpp>
+
+#include <cstddef>
 #include <string>
 #include <string_view>
 
-#include <sys/types.h>
-
-namespace Tarn {
+namespace Loam {
 
 /// Receives results. A file appears as a whole or not at all: it is written
 /// beside its place under another name and renamed when it is complete.
-class OutputFile {
+class LOAM_API OutputFile {
 public:
     /// A result in the file \p path. A link is followed; what is no file, as a
     /// pipe or a device, is written directly.
@@ -37,19 +39,25 @@ public:
     /// \throw FileError and the file is as it was before.
     void commit();
 
+    /// Removes what all outputs of the process have written beside their places so
+    /// far. For programs that have to end at once: it may be called in a signal
+    /// handler, and the outputs can do nothing any more.
+    static void removeUnfinished() noexcept;
+
     /// True if the output goes to its place piece by piece.
     bool isStream() const noexcept { return m_temporary.empty(); }
 
 private:
-    void openBeside(mode_t mode, bool keepMode);
+    void openBeside(unsigned mode, bool keepMode);
     void discard() noexcept;
 
     std::string m_name;      // in messages
     std::string m_path;      // of the file in the end
     std::string m_temporary; // of the file until then; empty for a stream
     std::string m_pending;
+    std::size_t m_place = 0; // among the unfinished files
     int m_descriptor = -1;
     bool m_owned = false;
 };
 
-} // namespace Tarn
+} // namespace Loam

@@ -1,20 +1,20 @@
-#include <tarn/OutputFile.hpp>
+#include <loam/OutputFile.hpp>
 
-#include <tarn/FileError.hpp>
-
-#include "tarn/TarnProcess.hpp"
+#include "support/TestFolder.hpp"
 
 #include <gmock/gmock.h>
 
 #include <cerrno>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <type_traits>
+#include <vector>
 
 #include <sys/stat.h>
 
-using namespace Tarn;
+using namespace Loam;
 using testing::ElementsAre;
 
 static_assert(!std::is_copy_constructible_v<OutputFile>);
@@ -138,4 +138,35 @@ TEST(OutputFile, namesTheFileThatCannotBeWritten)
 TEST(OutputFile, refusesAStreamThatWasClosed)
 {
     EXPECT_THROW((OutputFile{-1, "standard output"}), FileError);
+}
+
+TEST(OutputFile, leavesNothingUnfinishedWhenTheProgramEndsAtOnce)
+{
+    const TestFolder folder;
+    folder.write("second", "old");
+    OutputFile first{folder.file("first")};
+    OutputFile second{folder.file("second")};
+    first.write("new");
+    {
+        OutputFile third{folder.file("third")};
+        third.write("new");
+        third.commit();
+    }
+    EXPECT_EQ(folder.names().size(), 4u);
+    OutputFile::removeUnfinished();
+    EXPECT_THAT(folder.names(), ElementsAre("second", "third"));
+    EXPECT_EQ(contentOf(folder.file("second")), "old");
+}
+
+TEST(OutputFile, worksAlsoWhereMoreAreOpenThanAreRemembered)
+{
+    const TestFolder folder;
+    {
+        std::vector<std::unique_ptr<OutputFile>> many;
+        for (int i = 0; i < 100; ++i)
+            many.push_back(std::make_unique<OutputFile>(folder.file("file" + std::to_string(i))));
+        for (const auto& file : many)
+            file->commit();
+    }
+    EXPECT_EQ(folder.names().size(), 100u);
 }

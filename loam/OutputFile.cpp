@@ -1,9 +1,8 @@
-#include <tarn/OutputFile.hpp>
+#include <loam/OutputFile.hpp>
 
-#include <tarn/FileError.hpp>
-#include <tarn/Interruption.hpp>
-#include <tarn/Wording.hpp>
+#include <loam/StringUtil.hpp>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -12,15 +11,37 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace Tarn {
+namespace Loam {
 
 namespace {
 
 constexpr std::size_t BufferSize = 65536;
 
+// Files that are being written, for a signal handler, which may not wait for a
+// lock. Programs have few at a time; what is beyond that is not remembered.
+constexpr std::size_t MostUnfinished = 64;
+std::atomic<const char*> theUnfinished[MostUnfinished];
+static_assert(std::atomic<const char*>::is_always_lock_free);
+
+std::size_t remember(const char* path) noexcept
+{
+    for (std::size_t place = 0; place < MostUnfinished; ++place) {
+        const char* none = nullptr;
+        if (theUnfinished[place].compare_exchange_strong(none, path))
+            return place;
+    }
+    return MostUnfinished;
+}
+
+void forget(std::size_t place) noexcept
+{
+    if (place < MostUnfinished)
+        theUnfinished[place] = nullptr;
+}
+
 } // namespace
 
-OutputFile::OutputFile(const std::string& path) : m_name{printable(path)}, m_path{path}
+OutputFile::OutputFile(const std::string& path) : m_name{StringUtil::printable(path)}, m_path{path}
 {
     struct stat status{};
     const bool exists = ::stat(path.c_str(), &status) == 0;
@@ -52,11 +73,11 @@ OutputFile::~OutputFile()
     discard();
 }
 
-void OutputFile::openBeside(mode_t mode, bool keepMode)
+void OutputFile::openBeside(unsigned mode, bool keepMode)
 {
     const auto slash = m_path.rfind('/');
     const std::string start =
-        (slash == std::string::npos ? std::string() : m_path.substr(0, slash + 1)) + ".tarn-"
+        (slash == std::string::npos ? std::string() : m_path.substr(0, slash + 1)) + ".unfinished-"
         + std::to_string(::getpid()) + '-';
     for (int number = 1; m_descriptor < 0; ++number) {
         m_temporary = start + std::to_string(number) + ".tmp";
@@ -65,7 +86,7 @@ void OutputFile::openBeside(mode_t mode, bool keepMode)
             throw FileError{"cannot write " + m_name, errno};
     }
     m_owned = true;
-    Interruption::setUnfinishedFile(m_temporary.c_str());
+    m_place = remember(m_temporary.c_str());
     if (keepMode)
         ::fchmod(m_descriptor, mode);
 }
@@ -78,7 +99,7 @@ void OutputFile::discard() noexcept
     if (m_temporary.empty())
         return;
     ::unlink(m_temporary.c_str());
-    Interruption::setUnfinishedFile(nullptr);
+    forget(m_place);
     m_temporary.clear();
 }
 
@@ -120,8 +141,16 @@ void OutputFile::commit()
         return;
     if (std::rename(m_temporary.c_str(), m_path.c_str()) != 0)
         throw FileError{"cannot write " + m_name, errno};
-    Interruption::setUnfinishedFile(nullptr);
+    forget(m_place);
     m_temporary.clear();
 }
 
-} // namespace Tarn
+void OutputFile::removeUnfinished() noexcept
+{
+    for (const std::atomic<const char*>& entry : theUnfinished) {
+        if (const char* path = entry.load())
+            ::unlink(path);
+    }
+}
+
+} // namespace Loam

@@ -1,0 +1,69 @@
+# Packages: run cpack in the build folder. DEB makes three, TGZ one of everything
+# that can be unpacked anywhere.
+
+set(FATHOM_PACKAGE_CONTACT "fathom developers <fathom@example.org>" CACHE STRING
+    "Who is named as the maintainer of packages")
+mark_as_advanced(FATHOM_PACKAGE_CONTACT)
+
+set(runtime "libfathom${FATHOM_ABI_VERSION}")
+
+set(CPACK_GENERATOR DEB TGZ)
+set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
+set(CPACK_PACKAGE_NAME fathom)
+set(CPACK_PACKAGE_VENDOR fathom)
+set(CPACK_PACKAGE_CONTACT "${FATHOM_PACKAGE_CONTACT}")
+# CPack's default, the one that it does not put before the packages' own descriptions.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${CMAKE_PROJECT_NAME} built using CMake")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_VERBATIM_VARIABLES ON)
+# Whatever the umask of who makes them.
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(CPACK_COMPONENTS_ALL fathom_runtime fathom_development)
+if(FATHOM_BUILD_HOST)
+    list(APPEND CPACK_COMPONENTS_ALL fathom_host)
+endif()
+set(CPACK_COMPONENT_FATHOM_DEVELOPMENT_DEPENDS fathom_runtime)
+set(CPACK_COMPONENT_FATHOM_HOST_DEPENDS fathom_runtime)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# The program finds the libraries of its own build; a package for them there is not yet.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+set(CPACK_DEBIAN_PACKAGE_SOURCE fathom)
+
+set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_NAME "${runtime}")
+set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/shlibs")
+set(CPACK_DEBIAN_FATHOM_RUNTIME_DESCRIPTION "data-flow visualization framework - libraries
+Value types and bases of processing objects, and the libraries below them:
+objects and their evaluation, geometry, references and arrays.")
+
+set(CPACK_DEBIAN_FATHOM_DEVELOPMENT_PACKAGE_NAME libfathom-dev)
+set(CPACK_DEBIAN_FATHOM_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_FATHOM_DEVELOPMENT_PACKAGE_SUGGESTS "cmake (>= 3.25) | pkg-config")
+set(CPACK_DEBIAN_FATHOM_DEVELOPMENT_DESCRIPTION "data-flow visualization framework - headers
+What is needed to write libraries of processing objects, and programs that use
+them: headers, the CMake package and files for pkg-config.")
+
+set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_NAME tarn)
+set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SUGGESTS libfathom-dev)
+set(CPACK_DEBIAN_FATHOM_HOST_DESCRIPTION "data-flow visualization framework - program
+Loads saved networks of processing objects and evaluates them, with an example:
+a week of earthquakes as a table and as pictures.")
+
+# What packages built with these libraries depend on. CPack could write it, but for all
+# packages only, and would warn of object libraries, which have no version.
+set(shlibs "")
+foreach(library IN ITEMS fathom gable loam trellis)
+    string(APPEND shlibs "lib${library} ${FATHOM_ABI_VERSION} ${runtime} (>= ${PROJECT_VERSION})\n")
+endforeach()
+file(WRITE "${PROJECT_BINARY_DIR}/shlibs" "${shlibs}")
+
+include(CPack)

@@ -1,0 +1,59 @@
+#include <tarn/ChartChoice.hpp>
+
+#include <fathom/VChart.hpp>
+
+#include <limits>
+
+namespace Tarn {
+
+namespace {
+
+using Orla::StrongPtr;
+
+template<class T>
+T read(const Orla::VChartSelector& selector, const char* output, const StrongPtr<Orla::ValuePool>& pool)
+{
+    T result{};
+    const StrongPtr<Orla::VValueBase> value = selector.findOutput(output)->getValueBase(pool);
+    if (const auto* typed = Orla::VTypedValueBase<T>::cast(value.get()))
+        typed->getValue(result);
+    return result;
+}
+
+} // namespace
+
+ChartChoice ChartChoice::find()
+{
+    // Asking for the selector of the process would make one.
+    struct Selector final : Orla::VManagedObjectIterator {
+        bool apply(const StrongPtr<Orla::VManagedObject>& object) override
+        {
+            choice.m_selector = StrongPtr<Orla::VChartSelector>(object);
+            return !choice.m_selector;
+        }
+
+        ChartChoice choice;
+    } selector;
+    Orla::VManagedObject::traverse(selector, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    return selector.choice;
+}
+
+void ChartChoice::want(const std::string& name) const
+{
+    m_selector->findSlot("chartname")->setInitialText(name);
+}
+
+std::string ChartChoice::current(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    return read<Orla::VChart>(*m_selector, "CurrentChart", pool).name();
+}
+
+std::vector<std::string> ChartChoice::names(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    std::vector<std::string> names;
+    for (const Orla::VChart& chart : read<Orla::VChartList>(*m_selector, "atlas", pool))
+        names.push_back(chart.name());
+    return names;
+}
+
+} // namespace Tarn

@@ -1,0 +1,103 @@
+#include <tarn/GraphPicture.hpp>
+
+#include <tarn/Wording.hpp>
+
+#include <trellis/VActionNotifier.hpp>
+
+#include <graphviz/gvc.h>
+
+#include <memory>
+#include <stdexcept>
+
+#include <locale.h>
+
+namespace Tarn {
+
+namespace {
+
+// Numbers in pictures have a point, whatever locale a library has set.
+class PlainNumbers {
+public:
+    PlainNumbers()
+        : m_plain{::newlocale(LC_NUMERIC_MASK, "C", ::duplocale(LC_GLOBAL_LOCALE))}, m_before{::uselocale(m_plain)}
+    {
+    }
+
+    ~PlainNumbers()
+    {
+        ::uselocale(m_before);
+        ::freelocale(m_plain);
+    }
+
+    PlainNumbers(const PlainNumbers&) = delete;
+    PlainNumbers& operator=(const PlainNumbers&) = delete;
+
+private:
+    ::locale_t m_plain;
+    ::locale_t m_before;
+};
+
+// Graphviz says a complaint in pieces.
+std::string& complaints()
+{
+    static std::string text;
+    return text;
+}
+
+int complain(char* piece)
+{
+    complaints() += piece;
+    return 0;
+}
+
+std::string takeComplaints()
+{
+    std::string text;
+    text.swap(complaints());
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+}
+
+[[noreturn]] void fail()
+{
+    const std::string why = takeComplaints();
+    throw std::runtime_error("the network cannot be drawn: "
+                             + (why.empty() ? std::string("Graphviz gives no reason") : printable(why)));
+}
+
+struct Closer {
+    void operator()(Agraph_t* graph) const { ::agclose(graph); }
+    void operator()(GVC_t* context) const { ::gvFreeContext(context); }
+};
+
+} // namespace
+
+std::string drawGraph(const std::string& dot, PictureFormat format)
+{
+    const PlainNumbers plainNumbers;
+    complaints().clear();
+    ::agseterrf(&complain);
+    ::agreseterrors();
+    const std::unique_ptr<GVC_t, Closer> context(::gvContext());
+    const std::unique_ptr<Agraph_t, Closer> graph(::agmemread(dot.c_str()));
+    if (!graph || ::gvLayout(context.get(), graph.get(), "dot") != 0)
+        fail();
+    char* bytes = nullptr;
+    unsigned int length = 0;
+    const int status = ::gvRenderData(context.get(), graph.get(), format == PictureFormat::Svg ? "svg:svg" : "png:cairo",
+                                      &bytes, &length);
+    std::string picture;
+    if (bytes) {
+        picture.assign(bytes, length);
+        ::gvFreeRenderData(bytes);
+    }
+    ::gvFreeLayout(context.get(), graph.get());
+    // After an error there may be a picture, with something missing.
+    if (status != 0 || picture.empty() || ::agerrors() >= AGERR)
+        fail();
+    if (const std::string warning = takeComplaints(); !warning.empty())
+        Orla::VActionNotifier::Warning(printable(warning));
+    return picture;
+}
+
+} // namespace Tarn

@@ -1,0 +1,59 @@
+#include <tarn/HotKeys.hpp>
+
+#include <tarn/Wording.hpp>
+
+#include <fathom/HotKey.hpp>
+
+#include <limits>
+#include <map>
+#include <utility>
+
+namespace Tarn {
+
+namespace {
+
+using Orla::StrongPtr;
+
+// The key that an object starts with in a new pool.
+char initialKey(const Orla::HotKey& object)
+{
+    char key = 0;
+    const auto parameter = object.hotKeySlot().parameter();
+    const StrongPtr<Orla::VValueBase> value = parameter ? parameter->DefaultValue() : nullptr;
+    if (const auto* typed = Orla::VTypedValueBase<char>::cast(value.get()))
+        typed->getValue(key);
+    return key;
+}
+
+} // namespace
+
+std::vector<SharedHotKey> sharedHotKeys()
+{
+    struct Gather final : Orla::VManagedObjectIterator {
+        bool apply(const StrongPtr<Orla::VManagedObject>& object) override
+        {
+            if (const StrongPtr<Orla::HotKey> listener{object}) {
+                if (const char key = initialKey(*listener))
+                    objects[key].push_back(object->Name());
+            }
+            return true;
+        }
+
+        std::map<char, std::vector<std::string>, Orla::HotKey::SignedLess> objects;
+    } gather;
+    Orla::VManagedObject::traverse(gather, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+
+    std::vector<SharedHotKey> shared;
+    for (auto& [key, objects] : gather.objects) {
+        if (objects.size() > 1)
+            shared.push_back({key, std::move(objects)});
+    }
+    return shared;
+}
+
+std::string nameOfKey(char key)
+{
+    return key == ' ' ? "space" : inQuotes(std::string(1, key));
+}
+
+} // namespace Tarn

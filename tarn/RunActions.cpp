@@ -1,0 +1,51 @@
+#include <tarn/RunActions.hpp>
+
+#include <fathom/Action.hpp>
+#include <fathom/VValue.hpp>
+
+#include <typeinfo>
+
+namespace Tarn {
+
+namespace {
+
+using Orla::StrongPtr;
+using Action = StrongPtr<Orla::VAction>;
+
+} // namespace
+
+RunActions RunActions::find()
+{
+    struct Gather final : Orla::VOutputIterator {
+        bool apply(const StrongPtr<Orla::VObject>& object, const std::type_info&,
+                   const StrongPtr<Orla::VSlot>& output) override
+        {
+            const auto& preferences = object->creationPreferences();
+            if (!preferences || !preferences->contains("run"))
+                return true;
+            if (output->name() == "stepped")
+                actions.m_stepped.push_back(output);
+            else if (output->name() == "finished")
+                actions.m_finished.push_back(output);
+            return true;
+        }
+
+        RunActions actions;
+    } gather;
+    Orla::VObject::findOutputObjects(typeid(Action), gather);
+    return gather.actions;
+}
+
+bool RunActions::emit(const Outputs& outputs, const StrongPtr<Orla::ValuePool>& pool)
+{
+    for (const StrongPtr<Orla::VSlot>& output : outputs) {
+        const StrongPtr<Orla::VValueBase> value = output->getLocalValue(pool);
+        Action action;
+        const auto* typed = Orla::VTypedValueBase<Action>::cast(value.get());
+        if (typed && typed->getValue(action) && action)
+            action->emitAction(pool, output->parameter());
+    }
+    return !outputs.empty();
+}
+
+} // namespace Tarn

@@ -1,0 +1,77 @@
+#include <tarn/StatusReport.hpp>
+
+#include <tarn/Wording.hpp>
+
+#include <trellis/VObject.hpp>
+
+#include <algorithm>
+#include <typeinfo>
+
+namespace Tarn {
+
+namespace {
+
+using Orla::StrongPtr;
+using Orla::VObjectStatus;
+
+// Errors come first.
+int rankOf(const StatusReport::Entry& entry) noexcept
+{
+    return -static_cast<int>(entry.severity);
+}
+
+} // namespace
+
+StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool)
+{
+    struct Gather final : Orla::VOutputIterator {
+        bool apply(const StrongPtr<Orla::VObject>& object, const std::type_info&,
+                   const StrongPtr<Orla::VSlot>& output) override
+        {
+            VObjectStatus status;
+            const StrongPtr<Orla::VValueBase> value = output->getValueBase(pool);
+            const auto* typed = Orla::VTypedValueBase<VObjectStatus>::cast(value.get());
+            if (typed && typed->getValue(status)) {
+                const std::string text = status.plainText();
+                if (text.find_first_not_of(" \t\r\n") != std::string::npos || status.severity() != VObjectStatus::Severity::Information)
+                    entries.push_back({object->Name(), status.severity(), text});
+            }
+            return true;
+        }
+
+        StrongPtr<Orla::ValuePool> pool;
+        std::vector<Entry> entries;
+    } gather;
+    gather.pool = pool;
+    Orla::VObject::findOutputObjects(typeid(VObjectStatus), gather);
+    m_entries = std::move(gather.entries);
+    std::ranges::stable_sort(m_entries, {}, rankOf);
+}
+
+bool StatusReport::hasErrors() const noexcept
+{
+    return !m_entries.empty() && m_entries.front().severity == VObjectStatus::Severity::Error;
+}
+
+std::vector<std::string> StatusReport::lines() const
+{
+    std::vector<std::string> lines;
+    for (const Entry& entry : m_entries) {
+        const char* kind = entry.severity == VObjectStatus::Severity::Error     ? "error: "
+                           : entry.severity == VObjectStatus::Severity::Warning ? "warning: "
+                                                                                : "";
+        // The lines of a text stay lines.
+        std::size_t start = 0;
+        while (true) {
+            const auto end = entry.text.find('\n', start);
+            lines.push_back("  " + printable(entry.object) + ": " + kind
+                            + printable(std::string_view(entry.text).substr(start, end - start)));
+            if (end == std::string::npos)
+                break;
+            start = end + 1;
+        }
+    }
+    return lines;
+}
+
+} // namespace Tarn

@@ -1,0 +1,50 @@
+#include <tarn/commands/Commands.hpp>
+
+#include <tarn/ExitStatus.hpp>
+#include <tarn/HotKeys.hpp>
+#include <tarn/Session.hpp>
+#include <tarn/WarningPrinter.hpp>
+#include <tarn/Wording.hpp>
+
+namespace Tarn {
+
+namespace {
+
+int perform(const Arguments& arguments, const StandardStreams&)
+{
+    const Session session{findNetwork(arguments.names[0]), {}, {}};
+    if (!session.faults().empty())
+        return reportFaults(session.faults(), "");
+    for (const SharedHotKey& shared : sharedHotKeys()) {
+        std::string names;
+        for (const std::string& object : shared.objects)
+            names += (names.empty() ? "" : ", ") + inQuotes(object);
+        printLine(session.faults().file() + ": note: key " + nameOfKey(shared.key) + " is the hot key of " + names);
+    }
+    printLine(session.faults().file() + ": " + counted(session.network().objectCount, "object") + ", "
+        + counted(session.network().connectionCount, "connection") + ", no faults");
+    return Fine;
+}
+
+} // namespace
+
+const Command& checkCommand()
+{
+    static const Command command{
+        .name = "check",
+        .nameShape = "NETWORK.toml",
+        .fewestNames = 1,
+        .mostNames = 1,
+        .summary = "Loads a network and lists its faults.",
+        .help = R"(Loads the network and its libraries, makes and connects its objects, and lists all
+faults, each with its place. Evaluates nothing. The exit status is 2 if there are any.
+
+Keys of the keyboard to which several objects listen are no fault, but are listed.
+)",
+        .libraryFolders = "the network's folder and its subfolder \"lib\"",
+        .perform = &perform,
+    };
+    return command;
+}
+
+} // namespace Tarn

@@ -1,0 +1,65 @@
+#include <tarn/commands/Commands.hpp>
+
+#include <tarn/ExitStatus.hpp>
+#include <tarn/Faults.hpp>
+#include <tarn/WarningPrinter.hpp>
+#include <tarn/Wording.hpp>
+
+#include <fathom/CommandLineParser.hpp>
+
+#include <loam/FileError.hpp>
+#include <loam/OutputFile.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace Tarn {
+
+const std::vector<const Command*>& commands()
+{
+    static const std::vector<const Command*> all{&runCommand(),   &checkCommand(),    &convertCommand(),
+                                                  &graphCommand(), &typesCommand(),    &objectsCommand(),
+                                                  &describeCommand(), &librariesCommand()};
+    return all;
+}
+
+void print(const StandardStreams& streams, const std::string& text)
+{
+    Loam::OutputFile output{streams.results(), "standard output"};
+    output.write(text);
+    output.commit();
+}
+
+bool isStandardOutput(const std::string& name)
+{
+    const std::vector<std::string> names{"-", "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"};
+    return std::ranges::find(names, name) != names.end();
+}
+
+std::string absolutePath(const std::string& name)
+{
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(name, error);
+    if (error)
+        throw Loam::FileError{"cannot find " + printable(name), error.value()};
+    return path.string();
+}
+
+std::string findNetwork(const std::string& name)
+{
+    std::error_code error;
+    if (std::filesystem::path(name).is_absolute() || std::filesystem::exists(name, error))
+        return name;
+    return Orla::CommandLineParser{}.resolvePath(name);
+}
+
+int reportFaults(const Faults& faults, const std::string& consequence)
+{
+    for (const std::string& line : faults.lines())
+        printLine(line);
+    printLine(faults.file() + ": " + counted(faults.size(), "fault") + consequence);
+    return NotUnderstood;
+}
+
+} // namespace Tarn

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <tarn/Command.hpp>
+
+#include <vector>
+
+namespace Tarn {
+
+const Command& checkCommand();
+const Command& convertCommand();
+const Command& describeCommand();
+const Command& graphCommand();
+const Command& librariesCommand();
+const Command& objectsCommand();
+const Command& runCommand();
+const Command& typesCommand();
+
+/// All commands, in the order in which the help lists them.
+const std::vector<const Command*>& commands();
+
+// What several commands do in the same way.
+
+/// Writes \p text to standard output.
+/// \throw Loam::FileError
+void print(const StandardStreams& streams, const std::string& text);
+
+/// Whether \p name means standard output. That leads elsewhere by now, so its
+/// other names must not be opened.
+bool isStandardOutput(const std::string& name);
+
+/// \p name from the root on: the working folder changes when a network is loaded.
+/// \throw Loam::FileError
+std::string absolutePath(const std::string& name);
+
+/// The network \p name if there is such a file, else the first of that name in the
+/// data folders, else \p name again. Absolute names are taken as they are.
+std::string findNetwork(const std::string& name);
+
+class Faults;
+
+/// Lists \p faults on standard error, counts them with \p consequence behind, and
+/// returns the exit status.
+int reportFaults(const Faults& faults, const std::string& consequence);
+
+} // namespace Tarn

@@ -1,0 +1,71 @@
+#include <tarn/commands/Commands.hpp>
+
+#include <tarn/ExitStatus.hpp>
+#include <tarn/TypeReport.hpp>
+#include <tarn/WarningPrinter.hpp>
+#include <tarn/Wording.hpp>
+#include <tarn/commands/TypeArguments.hpp>
+
+#include <trellis/VObjectCreator.hpp>
+#include <trellis/VValueCreator.hpp>
+
+#include <algorithm>
+
+namespace Tarn {
+
+namespace {
+
+void reportUnknown(const std::string& name)
+{
+    std::string suggestions;
+    const auto suggest = [&](const char* kind, const std::vector<std::string>& names) {
+        if (const std::string near = nearest(name, names); !near.empty())
+            suggestions += (suggestions.empty() ? "; did you mean " : " or ") + std::string(kind) + inQuotes(near);
+    };
+    suggest("the object type ", Orla::VObjectCreator::names());
+    suggest("the value type ", Orla::VValueCreator::names());
+    say("no library has a type " + inQuotes(name)
+        + (suggestions.empty() ? "; tarn types lists those there are" : suggestions + "?"));
+}
+
+int perform(const Arguments& arguments, const StandardStreams& streams)
+{
+    const int level = levelOf(arguments);
+    const std::string& name = arguments.names[0];
+    const TypeCatalogue catalogue{librariesOf(arguments)};
+    const int status = reportRefusals(catalogue);
+    const auto values = catalogue.valueTypes(name);
+    const auto objects = catalogue.objectTypes(name, level);
+    if (values.empty() && objects.empty()) {
+        reportUnknown(name);
+        return NotUnderstood;
+    }
+    print(streams, arguments.has("json") ? descriptionJson(values, objects) : descriptionText(values, objects));
+    const auto failed = [](const auto& type) { return !type.failure.empty(); };
+    if (status == Fine && (std::ranges::any_of(values, failed) || std::ranges::any_of(objects, failed)))
+        return ObjectFailed;
+    return status;
+}
+
+} // namespace
+
+const Command& describeCommand()
+{
+    static const Command command{
+        .name = "describe",
+        .nameShape = "NAME",
+        .fewestNames = 1,
+        .mostNames = 1,
+        .summary = "Describes a type of values or objects.",
+        .help = R"(Describes the object type NAME with its inputs and outputs, or the value type NAME, or
+both if there are two. To learn of its inputs and outputs, an object is made and let go
+again; the exit status is 1 if none can be made, and 2 if there is no such type.
+)",
+        .options = {libraryOption(), levelOption(), jsonOption()},
+        .libraryFolders = "the working folder and its subfolder \"lib\"",
+        .perform = &perform,
+    };
+    return command;
+}
+
+} // namespace Tarn

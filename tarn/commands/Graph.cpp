@@ -1,0 +1,91 @@
+#include <tarn/commands/Commands.hpp>
+
+#include <tarn/ExitStatus.hpp>
+#include <tarn/GraphPicture.hpp>
+#include <tarn/NetworkGraph.hpp>
+#include <tarn/Session.hpp>
+#include <tarn/WarningPrinter.hpp>
+#include <tarn/Wording.hpp>
+
+#include <loam/OutputFile.hpp>
+
+#include <optional>
+
+namespace Tarn {
+
+namespace {
+
+constexpr char Shape[] = "FILE.svg|.png|.dot";
+
+enum class Kind { Dot, Svg, Png };
+
+Kind kindOf(const std::string& output)
+{
+    if (isStandardOutput(output) || output.ends_with(".dot"))
+        return Kind::Dot;
+    if (output.ends_with(".svg"))
+        return Kind::Svg;
+    if (output.ends_with(".png"))
+        return Kind::Png;
+    throw UsageError{"--output=" + printable(output) + ": expected a name that ends in .svg, .png or .dot"};
+}
+
+int perform(const Arguments& arguments, const StandardStreams& streams)
+{
+    const std::optional<std::string> output = arguments.text("output");
+    if (!output)
+        throw UsageError{"no --output, expected --output=" + std::string(Shape)};
+    const Kind kind = kindOf(*output);
+    const bool isFile = !isStandardOutput(*output);
+    const std::string network = findNetwork(arguments.names[0]);
+    const std::string path = isFile ? absolutePath(*output) : *output;
+
+    const Session session{network, {}, {}};
+    if (!session.faults().empty())
+        return reportFaults(session.faults(), "; nothing was drawn");
+    const NetworkGraph graph = NetworkGraph::of(session.network());
+    std::string picture = dotText(graph);
+    if (kind != Kind::Dot)
+        picture = drawGraph(picture, kind == Kind::Svg ? PictureFormat::Svg : PictureFormat::Png);
+    if (!isFile) {
+        print(streams, picture);
+    } else {
+        Loam::OutputFile file{path};
+        file.write(picture);
+        file.commit();
+    }
+    printLine(session.faults().file() + ": " + counted(graph.objects.size(), "object") + ", "
+              + counted(graph.connections.size(), "connection") + ", drawn to "
+              + (isFile ? printable(*output) : "standard output"));
+    return Fine;
+}
+
+} // namespace
+
+const Command& graphCommand()
+{
+    static const Command command{
+        .name = "graph",
+        .nameShape = "NETWORK.toml",
+        .fewestNames = 1,
+        .mostNames = 1,
+        .summary = "Draws a network.",
+        .help = R"(Loads the network as "tarn check" does and draws its objects as boxes, inputs on the
+left and outputs on the right, with the connections in the colours of their types.
+Dashed ones are not in the file: the objects found each other. With faults nothing is
+drawn.
+)",
+        .options =
+            {
+                {.name = "output",
+                 .shape = Shape,
+                 .help = "Where the drawing goes; the ending says in which form.\n"
+                         "\"-\" is the text for Graphviz on standard output."},
+            },
+        .libraryFolders = "the network's folder and its subfolder \"lib\"",
+        .perform = &perform,
+    };
+    return command;
+}
+
+} // namespace Tarn

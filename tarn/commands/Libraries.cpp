@@ -1,0 +1,45 @@
+#include <tarn/Libraries.hpp>
+
+#include <tarn/ExitStatus.hpp>
+#include <tarn/TypeReport.hpp>
+#include <tarn/commands/Commands.hpp>
+#include <tarn/commands/TypeArguments.hpp>
+
+#include <loam/Environment.hpp>
+
+#include <algorithm>
+
+namespace Tarn {
+
+namespace {
+
+int perform(const Arguments& arguments, const StandardStreams& streams)
+{
+    const auto files = findLibraryFiles(Libraries::searchPath(Loam::getCurrentDir()), arguments.names);
+    print(streams, arguments.has("json") ? libraryListJson(files) : libraryListText(files));
+    // Whoever names none cannot help what lies around.
+    const bool failed = std::ranges::any_of(files, [](const LibraryFile& file) { return !file.refusal.empty(); });
+    return failed && !arguments.names.empty() ? NotUnderstood : Fine;
+}
+
+} // namespace
+
+const Command& librariesCommand()
+{
+    static const Command command{
+        .name = "libraries",
+        .nameShape = "LIBRARY",
+        .mostNames = ~std::size_t{0},
+        .summary = "Lists object libraries and what they bring.",
+        .help = R"(Loads each library that is found, or each that is named, and lists its file and its
+types of objects and values. A file that cannot be loaded is listed with the reason; if
+it was named, the exit status is 2.
+)",
+        .options = {jsonOption()},
+        .libraryFolders = "the working folder and its subfolder \"lib\"",
+        .perform = &perform,
+    };
+    return command;
+}
+
+} // namespace Tarn

@@ -1,0 +1,45 @@
+#include <tarn/commands/Commands.hpp>
+
+#include <tarn/TypeReport.hpp>
+#include <tarn/commands/TypeArguments.hpp>
+
+namespace Tarn {
+
+namespace {
+
+int perform(const Arguments& arguments, const StandardStreams& streams)
+{
+    const int level = levelOf(arguments);
+    std::vector<std::string> libraries = librariesOf(arguments);
+    libraries.insert(libraries.end(), arguments.names.begin(), arguments.names.end());
+    const TypeCatalogue catalogue{libraries};
+    const int status = reportRefusals(catalogue);
+    const auto objects = catalogue.objectTypes(level);
+    print(streams, arguments.has("json") ? objectListJson(objects) : descriptionText({}, objects));
+    return status;
+}
+
+} // namespace
+
+const Command& objectsCommand()
+{
+    static const Command command{
+        .name = "objects",
+        .nameShape = "LIBRARY",
+        .mostNames = ~std::size_t{0},
+        .summary = "Lists object types with their inputs and outputs.",
+        .help = R"(Describes all object types that the standard library and the libraries named bring. To
+learn of its inputs and outputs, an object of each type is made and let go again. A type
+of which none can be made is listed with the reason.
+
+Inputs with a partner that is found by itself need no connection: the time comes from the
+network's clock, events come from the interaction source, and so on.
+)",
+        .options = {libraryOption(), levelOption(), jsonOption()},
+        .libraryFolders = "the working folder and its subfolder \"lib\"",
+        .perform = &perform,
+    };
+    return command;
+}
+
+} // namespace Tarn

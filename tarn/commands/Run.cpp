@@ -1,0 +1,262 @@
+#include <tarn/commands/Commands.hpp>
+
+#include <tarn/ChartChoice.hpp>
+#include <tarn/Evaluation.hpp>
+#include <tarn/EventPlayer.hpp>
+#include <tarn/ExitStatus.hpp>
+#include <tarn/Interruption.hpp>
+#include <tarn/PrintedOutputs.hpp>
+#include <tarn/Session.hpp>
+#include <tarn/StatusReport.hpp>
+#include <tarn/TableWriter.hpp>
+#include <tarn/Tracer.hpp>
+#include <tarn/WarningPrinter.hpp>
+#include <tarn/Wording.hpp>
+
+#include <loam/OutputFile.hpp>
+
+#include <charconv>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <system_error>
+
+namespace Tarn {
+
+namespace {
+
+void checkOverride(const std::string& set)
+{
+    const std::string target = set.substr(0, set.find('='));
+    if (target.size() == set.size() || target.find('.') == std::string::npos)
+        throw UsageError{"--set=" + printable(set) + ": expected --set=OBJECT.SLOT=TEXT"};
+}
+
+std::optional<std::uint64_t> readSteps(const std::optional<std::string>& text)
+{
+    if (!text)
+        return std::nullopt;
+    std::uint64_t steps = 0;
+    const char* const end = text->data() + text->size();
+    const auto [stop, error] = std::from_chars(text->data(), end, steps);
+    if (error != std::errc{} || stop != end || steps == 0)
+        throw UsageError{"--steps=" + printable(*text) + ": expected a whole number, 1 or more"};
+    return steps;
+}
+
+// Where a result goes, from the root on; empty if it is not wanted.
+std::string placeOf(const Arguments& arguments, const std::string& option, const std::string& network)
+{
+    const std::optional<std::string> name = arguments.text(option);
+    if (!name || isStandardOutput(*name))
+        return name.value_or("");
+    const std::string path = std::filesystem::path(absolutePath(*name)).lexically_normal().string();
+    std::error_code error;
+    if (std::filesystem::equivalent(network, path, error) && !error)
+        throw UsageError{"--" + option + "=" + printable(*name) + " would overwrite the network"};
+    return path;
+}
+
+std::unique_ptr<Loam::OutputFile> openResult(const std::string& path, const StandardStreams& streams)
+{
+    return isStandardOutput(path) ? std::make_unique<Loam::OutputFile>(streams.results(), "standard output")
+                                  : std::make_unique<Loam::OutputFile>(path);
+}
+
+std::vector<ScriptedEvent> readEvents(const std::optional<std::string>& path, Faults& faults)
+{
+    return path ? parseEvents(readFile(*path), faults) : std::vector<ScriptedEvent>{};
+}
+
+// Events that would never be played.
+void checkEvents(const std::vector<ScriptedEvent>& events, const Session& session, Faults& faults)
+{
+    if (events.empty())
+        return;
+    if (!EventPlayer::find())
+        faults.add("--events: no object of " + inQuotes(session.faults().file()) + " listens to events");
+    for (const ScriptedEvent& event : events) {
+        if (event.step >= session.stepCount())
+            faults.add(event.place, "step " + std::to_string(event.step) + " is not evaluated; the last one is "
+                                        + std::to_string(session.stepCount() - 1));
+    }
+}
+
+void printReport(const StatusReport& report)
+{
+    for (const std::string& line : report.lines())
+        printLine(line);
+}
+
+void printOutputs(const PrintedOutputs& printed, const Session& session, const StandardStreams& streams,
+                  EvaluationSummary& summary)
+{
+    if (printed.empty())
+        return;
+    std::vector<std::string> failures;
+    print(streams, printed.lines(session.pool(), failures));
+    for (const std::string& failure : failures)
+        say(failure);
+    if (!failures.empty() && summary.isFine())
+        summary.firstTrouble = summary.steps - 1;
+    summary.failures += failures.size();
+}
+
+int reportEvaluation(const Session& session, const EvaluationSummary& summary)
+{
+    std::string message = session.faults().file() + ": " + counted(session.network().objectCount, "object") + ", "
+                          + counted(summary.steps, "step");
+    if (summary.failures > 0)
+        message += ", " + counted(summary.failures, "failure");
+    if (summary.stopped > 0)
+        message += ", " + counted(summary.stopped, "loop") + " stopped";
+    if (summary.failures > 0 || summary.stopped > 0)
+        message += ", the first in step " + std::to_string(summary.firstTrouble);
+    printLine(message);
+    if (summary.timeIsLost)
+        say("object " + inQuotes(session.timeProvider().name()) + ", which provided the time, was removed before step "
+            + std::to_string(summary.steps));
+    const StatusReport report{session.pool()};
+    printReport(report);
+    return summary.isFine() && !report.hasErrors() ? Fine : ObjectFailed;
+}
+
+int reportMissingChart(const Session& session)
+{
+    const std::vector<std::string> names = ChartChoice::find().names(session.pool());
+    const PlacedText& wanted = session.wantedChart();
+    Faults faults{session.faults().file()};
+    faults.add(wanted.place, std::string(wanted.place ? "" : "--") + "chart: no object offers the chart "
+                                 + inQuotes(wanted.text) + (names.empty() ? "; there are none" : insteadOf({}, names)));
+    return reportFaults(faults, "; nothing was evaluated beyond the first step");
+}
+
+int reportInterruption(const Session& session, const EvaluationSummary& summary, const Loam::OutputFile* table)
+{
+    const int signal = Interruption::signal();
+    std::string message = signal != 0 ? "interrupted" : "an object cancelled the evaluation";
+    message += " in step " + std::to_string(summary.steps);
+    if (table)
+        message += table->isStream() ? "; the table ends before" : "; no table was written";
+    say(message);
+    printReport(StatusReport{session.pool()});
+    return signal != 0 ? 128 + signal : ObjectFailed;
+}
+
+int perform(const Arguments& arguments, const StandardStreams& streams)
+{
+    const std::vector<std::string> overrides = arguments.texts("set");
+    for (const std::string& set : overrides)
+        checkOverride(set);
+    const std::optional<std::uint64_t> steps = readSteps(arguments.text("steps"));
+    const std::string network = findNetwork(arguments.names[0]);
+
+    const Interruption interruption;
+    const std::string table = placeOf(arguments, "table", network);
+    const std::string trace = placeOf(arguments, "trace", network);
+    if (!trace.empty() && (trace == table || (isStandardOutput(trace) && isStandardOutput(table))))
+        throw UsageError{"--trace=" + printable(trace) + " would overwrite the table"};
+    if (isStandardOutput(trace) && arguments.has("print"))
+        throw UsageError{"--print would write into the trace on standard output"};
+
+    Faults eventFaults{arguments.text("events").value_or("")};
+    EvaluationTask task{.events = readEvents(arguments.text("events"), eventFaults), .showsProgress = true};
+    const Session session{network, overrides, steps, arguments.text("chart")};
+    if (!session.faults().empty())
+        return reportFaults(session.faults(), "; nothing was evaluated");
+    checkEvents(task.events, session, eventFaults);
+    if (!eventFaults.empty())
+        return reportFaults(eventFaults, "; nothing was evaluated");
+    Faults printFaults{session.faults().file()};
+    const PrintedOutputs printed{arguments.texts("print"), printFaults};
+    if (!printFaults.empty())
+        return reportFaults(printFaults, "; nothing was evaluated");
+
+    const std::unique_ptr<Loam::OutputFile> output = table.empty() ? nullptr : openResult(table, streams);
+    std::unique_ptr<TableWriter> writer;
+    if (output)
+        writer = std::make_unique<TableWriter>(*output);
+    task.table = writer.get();
+    const std::unique_ptr<Loam::OutputFile> traceOutput = trace.empty() ? nullptr : openResult(trace, streams);
+    std::unique_ptr<Tracer> tracer;
+    if (traceOutput)
+        tracer = std::make_unique<Tracer>(*traceOutput, session.pool(), "tarn run " + arguments.names[0]);
+    task.tracer = tracer.get();
+    EvaluationSummary summary = evaluate(session, task, interruption.cancellation());
+    // Whole also where the evaluation ended early: then it is wanted most.
+    if (tracer) {
+        tracer->finish();
+        traceOutput->commit();
+    }
+    if (summary.cancelled || Interruption::signal() != 0)
+        return reportInterruption(session, summary, output.get());
+    if (summary.chartIsMissing)
+        return reportMissingChart(session);
+    if (output)
+        output->commit();
+    printOutputs(printed, session, streams, summary);
+    return reportEvaluation(session, summary);
+}
+
+} // namespace
+
+const Command& runCommand()
+{
+    static const Command command{
+        .name = "run",
+        .nameShape = "NETWORK.toml",
+        .fewestNames = 1,
+        .mostNames = 1,
+        .summary = "Evaluates a network.",
+        .help = R"(Evaluates the network, once for each step of its global time; without an object
+that provides the time, once.
+
+Relative names in the texts of inputs start at the folder of the network.
+
+A table appears when it is complete: until then, and if something fails on the way,
+FILE.csv is what it was before. Objects that report an error do not end the run, and
+the table shows their last good values; the exit status is then 1.
+
+At the end every object that has something to say is listed with its status, errors
+first. An error makes the exit status 1.
+
+SIGINT and SIGTERM end the run within a second, with exit status 130 or 143. FILE.csv
+is then as before; standard output has got the rows of the steps before.
+)",
+        .options =
+            {
+                {.name = "set",
+                 .shape = "OBJECT.SLOT=TEXT",
+                 .help = "Sets an input, whatever the file says. Of several\ntexts for one input the last one counts.",
+                 .repeats = true},
+                {.name = "steps", .shape = "N", .help = "Evaluates the first N steps only."},
+                {.name = "chart",
+                 .shape = "NAME",
+                 .help = "Makes all objects that depend on a coordinate chart\nfollow this one, whatever the file says."},
+                {.name = "events",
+                 .shape = "FILE",
+                 .help = "Plays events of pointer and keyboard from a file; lines\n"
+                         "such as \"3 press 100 200 left\" or \"3 key r\", where 3 is\n"
+                         "the step after whose evaluation the event comes."},
+                {.name = "table",
+                 .shape = "FILE.csv",
+                 .help = "Writes the columns that the network lists, one row a\n"
+                         "step, as comma-separated values; \"-\" is standard output."},
+                {.name = "print",
+                 .shape = "OBJECT.OUTPUT",
+                 .help = "Prints the text of an output, or of its component\n"
+                         "OBJECT.OUTPUT.MEMBER, to standard output at the end.",
+                 .repeats = true},
+                {.name = "trace",
+                 .shape = "FILE.json",
+                 .help = "Writes which objects ran when, for how long and why, for\n"
+                         "the tracing pages of web browsers; \"-\" is standard output."},
+            },
+        .libraryFolders = "the network's folder and its subfolder \"lib\"",
+        .perform = &perform,
+    };
+    return command;
+}
+
+} // namespace Tarn

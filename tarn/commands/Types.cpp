@@ -1,0 +1,42 @@
+#include <tarn/commands/Commands.hpp>
+
+#include <tarn/TypeReport.hpp>
+#include <tarn/commands/TypeArguments.hpp>
+
+namespace Tarn {
+
+namespace {
+
+int perform(const Arguments& arguments, const StandardStreams& streams)
+{
+    std::vector<std::string> libraries = librariesOf(arguments);
+    libraries.insert(libraries.end(), arguments.names.begin(), arguments.names.end());
+    const TypeCatalogue catalogue{libraries};
+    const int status = reportRefusals(catalogue);
+    const auto values = catalogue.valueTypes();
+    const auto objects = catalogue.objectTypeFiles();
+    print(streams, arguments.has("json") ? typeListJson(values, objects) : typeListText(values, objects));
+    return status;
+}
+
+} // namespace
+
+const Command& typesCommand()
+{
+    static const Command command{
+        .name = "types",
+        .nameShape = "LIBRARY",
+        .mostNames = ~std::size_t{0},
+        .summary = "Lists the types of values and objects.",
+        .help = R"(Lists the value types, with a note which of them can be inputs, the colour in which
+their connections are drawn and the text of a value that nobody has set; and the object
+types that the standard library and the libraries named bring, with their files.
+)",
+        .options = {libraryOption(), jsonOption()},
+        .libraryFolders = "the working folder and its subfolder \"lib\"",
+        .perform = &perform,
+    };
+    return command;
+}
+
+} // namespace Tarn

@@ -1,0 +1,30 @@
+#include <fathom/Action.hpp>
+#include <fathom/VOutput.hpp>
+
+#include <trellis/VObjectCreator.hpp>
+
+namespace Tarn {
+
+namespace {
+
+using Orla::StrongPtr;
+using Action = StrongPtr<Orla::VAction>;
+
+/// Tells other objects how far a run is: who runs the network emits "stepped", with the
+/// number 1, after each step and "finished", with the number 2, once after the last.
+class Run final : public Orla::VObject {
+public:
+    using VObject::VObject;
+
+    bool update(Orla::VRequest&, double) override { return true; }
+
+private:
+    const Orla::VOutput<Action> m_stepped{this, "stepped", Loam::makeStrong<Orla::VAction>(1.0)};
+    const Orla::VOutput<Action> m_finished{this, "finished", Loam::makeStrong<Orla::VAction>(2.0)};
+};
+
+const Orla::VObjectType<Run> runType{"Run", Loam::makeStrong<Orla::VCreationPreferences>("default", "run")};
+
+} // namespace
+
+} // namespace Tarn

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <loam/OutputFile.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+/// A folder of its own for a test, gone with what is in it at the end.
+class TestFolder {
+public:
+    TestFolder() : m_path{testing::TempDir() + "test-folder-XXXXXX"}
+    {
+        if (!::mkdtemp(m_path.data()))
+            throw std::runtime_error("cannot make the folder " + m_path);
+    }
+
+    ~TestFolder()
+    {
+        std::error_code error;
+        std::filesystem::remove_all(m_path, error);
+    }
+
+    TestFolder(const TestFolder&) = delete;
+    TestFolder& operator=(const TestFolder&) = delete;
+
+    const std::string& path() const noexcept { return m_path; }
+
+    /// The path of the file \p name in it.
+    std::string file(const std::string& name) const { return m_path + '/' + name; }
+
+    /// Writes a file and returns its path.
+    std::string write(const std::string& name, const std::string& content) const
+    {
+        const std::string path = file(name);
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+        std::ofstream stream(path, std::ios::binary);
+        if (!stream.write(content.data(), static_cast<std::streamsize>(content.size())).flush())
+            throw std::runtime_error("cannot write " + path);
+        return path;
+    }
+
+    /// Names of everything in it, sorted.
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(m_path))
+            names.push_back(entry.path().filename().string());
+        std::ranges::sort(names);
+        return names;
+    }
+
+private:
+    std::string m_path;
+};
+
+/// All of the file \p path; an error of the test if it cannot be read.
+inline std::string contentOf(const std::string& path)
+{
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream)
+        ADD_FAILURE() << "cannot read " << path;
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// True if what is no regular file is written directly. A test checks it before it
+/// names a device: otherwise a program with that mistake, run by root, would
+/// replace the device with a file.
+inline bool isSafeToWriteDevices()
+{
+    const TestFolder folder;
+    const std::string pipe = folder.file("pipe");
+    if (::mkfifo(pipe.c_str(), 0600) != 0)
+        return false;
+    // Without a reader the writer would wait.
+    const int reader = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
+    const bool direct = Loam::OutputFile{pipe}.isStream();
+    ::close(reader);
+    return direct && std::filesystem::is_fifo(pipe);
+}

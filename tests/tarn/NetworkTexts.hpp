@@ -1,0 +1,34 @@
+#pragma once
+
+#include "tarn/TarnProcess.hpp"
+
+#include <string>
+#include <vector>
+
+// Pieces of networks, and running them.
+
+inline const std::string networkHead = "format = 1\nlibraries = ['testobjects']\n";
+
+inline std::string object(const std::string& name, const std::string& type, const std::string& more = {})
+{
+    return "[[object]]\nname = '" + name + "'\ntype = '" + type + "'\n" + more;
+}
+
+inline std::string column(const std::string& title, const std::string& value)
+{
+    return "[[column]]\ntitle = '" + title + "'\nvalue = '" + value + "'\n";
+}
+
+/// Time from 0 to 1 in steps of a quarter.
+inline const std::string clockInQuarters = object("clock", "GlobalTime", "set = { time = '0[0,1]@0.25' }\n");
+
+/// Runs a network and gives what became of its table on standard output. Messages
+/// call the network net.toml.
+inline ProcessResult evaluate(const std::string& network, std::vector<std::string> options = {},
+                              const std::vector<std::string>& environment = {})
+{
+    const TestFolder folder;
+    folder.write("net.toml", networkHead + network);
+    options.insert(options.begin(), {"run", "net.toml", "--table=-"});
+    return runTarn(options, {.environment = environment, .shell = "cd '" + folder.path() + "'"});
+}
