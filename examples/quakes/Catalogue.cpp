@@ -55,15 +55,16 @@ Catalogue Catalogue::withMagnitude(const Orla::Range& range) const
     constexpr double infinity = std::numeric_limits<double>::infinity();
     if (range == Orla::Range{-infinity, infinity})
         return *this;
-    auto selection = std::make_shared<std::vector<const Quake*>>();
-    for (std::size_t i = 0; i < m_size; ++i) {
-        const Quake& quake = (*this)[i];
-        if (quake.magnitude && range.begin <= *quake.magnitude && *quake.magnitude <= range.end)
-            selection->push_back(&quake);
-    }
+    return where([&range](const Quake& quake) {
+        return quake.magnitude && range.begin <= *quake.magnitude && *quake.magnitude <= range.end;
+    });
+}
+
+Catalogue Catalogue::withSelection(std::vector<const Quake*> selection) const
+{
     Catalogue result = *this;
-    result.m_size = selection->size();
-    result.m_selection = std::move(selection);
+    result.m_size = selection.size();
+    result.m_selection = std::make_shared<const std::vector<const Quake*>>(std::move(selection));
     return result;
 }
 
@@ -122,7 +123,8 @@ public:
         return read(quake.time) && separator() && read(quake.longitude) && separator() && read(quake.latitude)
             && separator() && read(quake.depth) && separator() && read(quake.magnitude) && separator()
             && read(quake.magnitudeType) && separator() && read(quake.net) && separator() && read(quake.id)
-            && separator() && read(quake.place) && separator() && read(quake.type) && lineEnd();
+            && separator() && read(quake.place) && separator() && read(quake.type) && separator()
+            && read(quake.url) && lineEnd();
     }
 
 private:
@@ -195,6 +197,7 @@ std::string Orla::VValueTrait<Quakes::Catalogue>::Text(const Quakes::Catalogue& 
         Quakes::write(text += ',', quake.id);
         Quakes::write(text += ',', quake.place);
         Quakes::write(text += ',', quake.type);
+        Quakes::write(text += ',', quake.url);
         text += '\n';
     }
     return text;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Quakes {
@@ -23,6 +24,7 @@ struct Quake {
     std::string id;
     std::string place; ///< for people: "4km W of Castaic, CA"
     std::string type;  ///< "earthquake", "quarry blast", ...
+    std::string url;   ///< of a page that tells more
 
     friend bool operator==(const Quake&, const Quake&) = default;
 };
@@ -32,12 +34,12 @@ struct Quake {
 /// Events never change and are shared: copies and selections refer to those of
 /// the catalogue that they come from.
 ///
-/// Text form: a line for each event, ended by LF or CR LF, with its ten parts in
-/// the order of `Quake`, separated by commas. An unknown number is empty. A part
+/// Text form: a line for each event, ended by LF or CR LF, with its eleven parts
+/// in the order of `Quake`, separated by commas. An unknown number is empty. A part
 /// may stand in quotes and must if it contains a comma, a quote or a line break;
 /// quotes inside are doubled. The empty text is the empty catalogue.
 ///
-///     1517363399.65,-122.197,46.2035,3.28,0.31,ml,uw,uw61345682,"37km NNE of Amboy, Washington",earthquake
+///     1517363399.65,-122.197,46.2035,3.28,0.31,ml,uw,uw61345682,"37km NNE of Amboy",earthquake,
 class Catalogue {
 public:
     Catalogue() = default;
@@ -63,9 +65,23 @@ public:
     /// of unknown magnitude belongs to the range `-inf:inf` alone.
     Catalogue withMagnitude(const Orla::Range& range) const;
 
+    /// The events for which \p isWanted is true.
+    template<class Predicate>
+    Catalogue where(Predicate&& isWanted) const
+    {
+        std::vector<const Quake*> selection;
+        for (std::size_t i = 0; i < m_size; ++i) {
+            if (isWanted((*this)[i]))
+                selection.push_back(&(*this)[i]);
+        }
+        return selection.size() == m_size ? *this : withSelection(std::move(selection));
+    }
+
     friend bool operator==(const Catalogue& a, const Catalogue& b) noexcept;
 
 private:
+    Catalogue withSelection(std::vector<const Quake*> selection) const;
+
     std::shared_ptr<const std::vector<Quake>> m_events;
     std::shared_ptr<const std::vector<const Quake*>> m_selection; // null: all of them
     std::size_t m_size = 0;                                       // as many from the start on
@@ -78,6 +94,6 @@ struct Orla::VValueTrait<Quakes::Catalogue> {
     static std::string Text(const Quakes::Catalogue& catalogue);
 
     /// Reads lines in any order of time. Returns false and leaves \p catalogue as
-    /// it was unless every line has its ten parts and all numbers are finite.
+    /// it was unless every line has its eleven parts and all numbers are finite.
     static bool setValueFromText(Quakes::Catalogue& catalogue, const std::string& text);
 };

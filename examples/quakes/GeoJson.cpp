@@ -166,6 +166,7 @@ Quake quakeOf(const Json& event)
     quake.net = properties.optionalText("net");
     quake.place = properties.optionalText("place");
     quake.type = properties.optionalText("type");
+    quake.url = properties.optionalText("url");
 
     const Members geometry = feature.object("geometry", "geometry.");
     geometry.expectText("type", "Point", "\"Point\"");

@@ -17,7 +17,7 @@ using ReadingProgress = std::function<bool(double fraction)>;
 /// third coordinate the depth in kilometres downwards.
 ///
 /// `time`, `id`, longitude and latitude are required. The depth and the
-/// properties `mag`, `magType`, `net`, `place` and `type` may be null or missing.
+/// properties `mag`, `magType`, `net`, `place`, `type` and `url` may be null or missing.
 /// Members not named here are ignored. Memory is needed for the events alone,
 /// not for the file.
 ///

@@ -2,60 +2,230 @@
 
 #include <fathom/Double.hpp>
 #include <fathom/TimeDependent.hpp>
+#include <fathom/VFlagList.hpp>
+#include <fathom/VMultipleStringList.hpp>
+#include <fathom/VObjectStatus.hpp>
 #include <fathom/VOutput.hpp>
+#include <fathom/VStringList.hpp>
 
 #include <trellis/VObjectCreator.hpp>
 
+#include <algorithm>
 #include <limits>
+#include <set>
+#include <string>
+#include <vector>
 
 namespace Quakes {
 
-/// Selects the events that have happened by the current time and whose magnitude
-/// lies in the range of the input `magnitude`, both ends included. The input
-/// `range` says which seconds since 1970 the times 0 and 1 stand for.
+namespace {
+
+using Orla::StrongPtr;
+using OneOf = StrongPtr<Orla::StringSelection, Loam::StringList>;
+using SomeOf = StrongPtr<Orla::MultipleStringSelection, Loam::StringList>;
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+/// What is offered where every type of magnitude will do.
+constexpr char AnyType[] = "any";
+
+// A flag's name has no blanks: "quarry_blast".
+std::string flagOf(std::string kind)
+{
+    std::ranges::replace(kind, ' ', '_');
+    return kind;
+}
+
+std::set<std::string> distinct(const Catalogue& catalogue, std::string Quake::*part)
+{
+    std::set<std::string> texts;
+    for (std::size_t i = 0; i < catalogue.size(); ++i) {
+        if (!(catalogue[i].*part).empty())
+            texts.insert(catalogue[i].*part);
+    }
+    return texts;
+}
+
+std::string listed(const std::set<std::string>& texts)
+{
+    std::string list;
+    for (const std::string& text : texts)
+        list += (list.empty() ? "" : ", ") + text;
+    return list;
+}
+
+} // namespace
+
+/// Selects the events that have happened by the current time and pass what its
+/// inputs ask for. The input `range` says which seconds since 1970 the times 0 and
+/// 1 stand for.
 ///
-/// Without a magnitude given (`-inf:inf`) all events are selected, those of
-/// unknown magnitude too; any other range leaves the latter out.
-class QuakeFilter : public Orla::VObject, public Orla::TimeDependent {
+/// - `magnitude`: both ends of the range are included. Without one (`-inf:inf`) all
+///   events pass, those of unknown magnitude too; any other range leaves the latter
+///   out.
+/// - `networks`: those that reported the event, `{ci}{us}`; all if none is selected.
+/// - `magnitudeType`: how the magnitude was measured, `mww@mww|`. Which types there are
+///   to choose from is filled in from the data; a choice is kept when other data
+///   comes that has it as well.
+/// - `kinds`: flags such as `+earthquake -explosion`, with "_" for blanks. If any flag
+///   is on, only events of such kinds pass; else all but those of kinds that are off.
+///
+/// The status warns of a choice that the data does not have.
+class QuakeFilter : public Orla::VObject, public Orla::TimeDependent, public Orla::StatusIndicator {
 public:
-    QuakeFilter(const std::string& name, int level,
-                const Orla::StrongPtr<Orla::VCreationPreferences>& preferences)
-        : VObject{name, level, preferences}, TimeDependent{"time", "range", preferences, Orla::VTime{0}}
+    QuakeFilter(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
+        : VObject{name, level, preferences}
+        , TimeDependent{"time", "range", preferences, Orla::VTime{0}}
+        , StatusIndicator{this, "", 0, Slotname}
     {
     }
 
     bool update(Orla::VRequest& request, double) override
     {
-        const Orla::StrongPtr<Orla::ValuePool>& pool = request.valuePool();
+        const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
         const double now = getTime(pool, 0, Orla::Range{});
-        const Catalogue happened = withMagnitude(m_all.value(pool), m_magnitude.value(pool)).until(now);
+        const Catalogue happened = passing(pool).until(now);
         m_selected(pool) <<= happened;
         m_count(pool) <<= static_cast<double>(happened.size());
         return true;
     }
 
 private:
-    // Magnitudes are looked through once and not at every step of time.
-    const Catalogue& withMagnitude(const Catalogue& all, const Orla::Range& magnitude)
+    struct Wanted {
+        Catalogue all;
+        Orla::Range magnitude{-infinity, infinity};
+        std::vector<std::string> networks;
+        std::string magnitudeType;
+        Orla::FlagList kinds;
+
+        friend bool operator==(const Wanted&, const Wanted&) = default;
+    };
+
+    // What the data has to choose from.
+    struct Choices {
+        std::set<std::string> networks;
+        std::set<std::string> magnitudeTypes;
+        std::set<std::string> kinds;
+    };
+
+    // Everything but the time is looked at once and not at every step.
+    const Catalogue& passing(const StrongPtr<Orla::ValuePool>& pool)
     {
-        if (!(all == m_lastAll && magnitude == m_lastMagnitude)) {
-            m_lastSelected = all.withMagnitude(magnitude);
-            m_lastAll = all;
-            m_lastMagnitude = magnitude;
+        Wanted wanted;
+        wanted.all = m_all.value(pool);
+        if (!(wanted.all == m_last.all))
+            m_choices = choicesOf(wanted.all);
+        wanted.magnitude = m_magnitude.value(pool);
+        wanted.networks = offerNetworks(pool);
+        wanted.magnitudeType = offerMagnitudeTypes(pool);
+        wanted.kinds = m_kinds.value(pool);
+        if (!(wanted == m_last)) {
+            m_passing = wanted.all.withMagnitude(wanted.magnitude).where([&wanted](const Quake& quake) {
+                return hasWantedNetwork(wanted.networks, quake) && hasWantedType(wanted.magnitudeType, quake)
+                       && isWantedKind(wanted.kinds, quake);
+            });
+            m_last = wanted;
         }
-        return m_lastSelected;
+        tellOfMissingChoices(pool, wanted);
+        return m_passing;
     }
 
-    static constexpr double infinity = std::numeric_limits<double>::infinity();
+    static Choices choicesOf(const Catalogue& all)
+    {
+        Choices choices{distinct(all, &Quake::net), distinct(all, &Quake::magnitudeType), {}};
+        for (const std::string& kind : distinct(all, &Quake::type))
+            choices.kinds.insert(flagOf(kind));
+        return choices;
+    }
+
+    static bool hasWantedNetwork(const std::vector<std::string>& networks, const Quake& quake)
+    {
+        return networks.empty() || std::ranges::find(networks, quake.net) != networks.end();
+    }
+
+    static bool hasWantedType(const std::string& type, const Quake& quake)
+    {
+        return type.empty() || type == AnyType || type == quake.magnitudeType;
+    }
+
+    static bool isWantedKind(const Orla::FlagList& kinds, const Quake& quake)
+    {
+        bool isMentioned = false;
+        const bool isOn = kinds(flagOf(quake.type), isMentioned);
+        if (isMentioned)
+            return isOn;
+        return std::ranges::none_of(kinds, [](const auto& flag) { return flag.second; });
+    }
+
+    // Publishes the types of the data, unless another object decides on the choice,
+    // and returns the one that is chosen.
+    std::string offerMagnitudeTypes(const StrongPtr<Orla::ValuePool>& pool) const
+    {
+        const OneOf held = m_magnitudeType.value(pool);
+        const std::string chosen = held ? held->selection : std::string();
+        if (m_magnitudeType.slot()->isConnected())
+            return chosen;
+        const auto fresh = Loam::makeStrong<Orla::StringSelection>(AnyType);
+        for (const std::string& type : m_choices.magnitudeTypes)
+            fresh->append(type);
+        // A choice that the data does not have stays one: the next data may have it.
+        if (!chosen.empty())
+            fresh->selection = chosen;
+        return updateSelection(m_magnitudeType, pool, fresh);
+    }
+
+    // The same for the networks; the choice is what is selected, in its order.
+    std::vector<std::string> offerNetworks(const StrongPtr<Orla::ValuePool>& pool) const
+    {
+        const StrongPtr<Orla::VValueBase> value = m_networks.slot()->getLocalValue(pool);
+        auto* const typed = Orla::VTypedValueBase<SomeOf>::cast(value.get());
+        SomeOf held;
+        if (typed)
+            typed->getValue(held);
+        const auto fresh = Loam::makeStrong<Orla::MultipleStringSelection>();
+        for (const std::string& network : m_choices.networks)
+            fresh->append(network);
+        if (held)
+            *fresh->selection = *held->selection;
+        const bool isOther = !held || !(*held == *fresh);
+        if (isOther && !m_networks.slot()->isConnected() && typed && typed->setValue(fresh))
+            m_networks.parameter()->notifyValueChange(value, pool);
+        return {fresh->selection->begin(), fresh->selection->end()};
+    }
+
+    void tellOfMissingChoices(const StrongPtr<Orla::ValuePool>& pool, const Wanted& wanted) const
+    {
+        std::string warning;
+        const auto check = [&warning](const char* what, const std::string& name, const std::set<std::string>& known) {
+            if (known.empty() || known.contains(name))
+                return;
+            warning += std::string(warning.empty() ? "" : "<BR>") + "no event has the " + what + " "
+                       + Orla::VObjectStatus::escaped(name) + ", there are "
+                       + Orla::VObjectStatus::escaped(listed(known));
+        };
+        for (const std::string& network : wanted.networks)
+            check("network", network, m_choices.networks);
+        if (wanted.magnitudeType != AnyType)
+            check("magnitude type", wanted.magnitudeType, m_choices.magnitudeTypes);
+        for (const auto& [name, isOn] : wanted.kinds)
+            check("kind", name, m_choices.kinds);
+        if (warning.empty())
+            setStatusInfo(pool, "");
+        else
+            setStatusWarning(pool, warning);
+    }
 
     Orla::TypedSlot<Catalogue> m_all{this, "catalog", Catalogue{}, 0};
     Orla::TypedSlot<Orla::Range> m_magnitude{this, "magnitude", Orla::Range{-infinity, infinity}, 0};
+    Orla::TypedSlot<SomeOf> m_networks{this, "networks", Loam::makeStrong<Orla::MultipleStringSelection>(), 0};
+    Orla::TypedSlot<OneOf> m_magnitudeType{this, "magnitudeType", Loam::makeStrong<Orla::StringSelection>(), {}, 0, true};
+    Orla::TypedSlot<bool[]> m_kinds{this, "kinds", "", 0};
     Orla::VOutput<Catalogue> m_selected{this, "catalog", Catalogue{}};
     Orla::VOutput<double> m_count{this, "count", 0.0};
 
-    Catalogue m_lastAll;
-    Orla::Range m_lastMagnitude{-infinity, infinity};
-    Catalogue m_lastSelected;
+    Wanted m_last;
+    Choices m_choices;
+    Catalogue m_passing;
 };
 
 } // namespace Quakes

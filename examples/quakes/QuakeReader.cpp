@@ -1,17 +1,21 @@
 #include "Catalogue.hpp"
 #include "GeoJson.hpp"
 
+#include <fathom/CommandLineParser.hpp>
 #include <fathom/String.hpp>
 #include <fathom/VOutput.hpp>
 
 #include <trellis/VObjectCreator.hpp>
 
+#include <loam/FileInfo.hpp>
+
 #include <stdexcept>
 
 namespace Quakes {
 
-/// Reads the events of a GeoJSON file. A file that cannot be read is an error
-/// and leaves the events that were read before.
+/// Reads the events of a GeoJSON file. A name that is no file is looked for in the
+/// data folders of the program. A file that cannot be read is an error and leaves
+/// the events that were read before.
 class QuakeReader : public Orla::VObject {
 public:
     using VObject::VObject;
@@ -23,7 +27,9 @@ public:
         if (file.empty())
             throw std::runtime_error{"the input \"file\" is empty, expected the name of a GeoJSON file"};
 
-        const std::optional<Catalogue> catalogue = readGeoJson(file, [&request](double fraction) {
+        const bool isThere = Loam::FileInfo{file}.exists();
+        const std::string found = isThere ? file : Orla::CommandLineParser{}.resolvePath(file);
+        const std::optional<Catalogue> catalogue = readGeoJson(found, [&request](double fraction) {
             request.reportProgress(fraction);
             return !request.isCancelled();
         });

@@ -46,9 +46,9 @@ std::vector<std::string> ids(const Catalogue& catalogue)
 }
 
 const Quake amboy{1517363399.65, -122.197, 46.2035, 3.28, 0.31, "ml", "uw", "uw61345682",
-                  "37km NNE of Amboy, Washington", "earthquake"};
+                  "37km NNE of Amboy, Washington", "earthquake", "https://example.org/uw61345682"};
 const std::string amboyText = "1517363399.65,-122.197,46.2035,3.28,0.31,ml,uw,uw61345682,"
-                              "\"37km NNE of Amboy, Washington\",earthquake\n";
+                              "\"37km NNE of Amboy, Washington\",earthquake,https://example.org/uw61345682\n";
 
 std::vector<Catalogue> samples()
 {
@@ -67,9 +67,9 @@ std::vector<Catalogue> samples()
     for (const double number : {0.0, -0.0, 1.0 / 3, -0.1, 1e-310, std::numeric_limits<double>::denorm_min(),
                                 std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest(),
                                 1517363399.65, 1517966773.84}) {
-        extreme.push_back(Quake{number, number, number, number, number, "", "", "", "", ""});
-        extreme.push_back(Quake{number, number, number, std::nullopt, number, "", "", "", "", ""});
-        extreme.push_back(Quake{number, number, number, number, std::nullopt, "", "", "", "", ""});
+        extreme.push_back(Quake{number, number, number, number, number, "", "", "", "", "", ""});
+        extreme.push_back(Quake{number, number, number, std::nullopt, number, "", "", "", "", "", ""});
+        extreme.push_back(Quake{number, number, number, number, std::nullopt, "", "", "", "", "", ""});
     }
     const Catalogue three{{quake("late", 2, 5), quake("early", 1, 3), quake("middle", 1.5)}};
     return {Catalogue{},
@@ -208,6 +208,7 @@ TEST(Catalogue, differsIfAnyPartOfAnEventDiffers)
         [](Quake& event) { event.id = ""; },
         [](Quake& event) { event.place = "elsewhere"; },
         [](Quake& event) { event.type = "explosion"; },
+        [](Quake& event) { event.url = "file:///"; },
     };
     for (std::size_t i = 0; i < changes.size(); ++i) {
         SCOPED_TRACE(i);
@@ -231,7 +232,7 @@ TEST(Catalogue, readsBackWhatItWrote)
 
 TEST(Catalogue, keepsTheSignOfZeroInText)
 {
-    const Catalogue zeros{{Quake{-0.0, -0.0, 0, 0, 0, "", "", "", "", ""}}};
+    const Catalogue zeros{{Quake{-0.0, -0.0, 0, 0, 0, "", "", "", "", "", ""}}};
     Catalogue copy;
     ASSERT_TRUE(Trait::setValueFromText(copy, Trait::Text(zeros)));
     EXPECT_TRUE(std::signbit(copy[0].time));
@@ -248,7 +249,7 @@ TEST(Catalogue, writesALineForEachEvent)
     unknown.time = 1517363400;
     unknown.place = "say \"ah\"\n";
     EXPECT_EQ(Trait::Text(Catalogue{{unknown, amboy}}),
-              amboyText + "1517363400,0,0,,,,,,\"say \"\"ah\"\"\n\",\n");
+              amboyText + "1517363400,0,0,,,,,,\"say \"\"ah\"\"\n\",,\n");
 }
 
 TEST(Catalogue, readsWhatOtherProgramsWrite)
@@ -259,19 +260,19 @@ TEST(Catalogue, readsWhatOtherProgramsWrite)
     const Catalogue two{{earlier, amboy}};
     const std::string line = amboyText.substr(0, amboyText.size() - 1);
     const std::string earlierLine =
-        "0,-122.197,46.2035,3.28,0.31,ml,uw,uw61345682,\"37km NNE of Amboy, Washington\",earthquake";
+        "0,-122.197,46.2035,3.28,0.31,ml,uw,uw61345682,\"37km NNE of Amboy, Washington\",earthquake,https://example.org/uw61345682";
     const struct { std::string text; Catalogue catalogue; } cases[] = {
         {line, one},
         {line + "\r\n", one},
         {line + "\n" + earlierLine, two},
         {earlierLine + "\r\n" + line + "\n", two},
         {"\"1517363399.65\",\"-122.197\",46.2035,3.28,0.31,\"ml\",\"uw\",uw61345682,"
-         "\"37km NNE of Amboy, Washington\",\"earthquake\"",
+         "\"37km NNE of Amboy, Washington\",\"earthquake\",https://example.org/uw61345682",
          one},
         {" 1.51736339965e9,-122.1970, +46.2035,3.28,.31,ml,uw,uw61345682,"
-         "\"37km NNE of Amboy, Washington\",earthquake",
+         "\"37km NNE of Amboy, Washington\",earthquake,https://example.org/uw61345682",
          one},
-        {"1,2,3,,\"\",,,,,", Catalogue{{Quake{1, 2, 3, std::nullopt, std::nullopt, "", "", "", "", ""}}}},
+        {"1,2,3,,\"\",,,,,,", Catalogue{{Quake{1, 2, 3, std::nullopt, std::nullopt, "", "", "", "", "", ""}}}},
     };
     for (const auto& [text, catalogue] : cases) {
         SCOPED_TRACE(text);
@@ -283,32 +284,32 @@ TEST(Catalogue, readsWhatOtherProgramsWrite)
 
 TEST(Catalogue, keepsItsValueWhenTheTextIsRefused)
 {
-    const std::string line = "1,2,3,4,5,ml,uw,id,place,earthquake";
+    const std::string line = "1,2,3,4,5,ml,uw,id,place,earthquake,";
     Catalogue catalogue{{amboy}};
     ASSERT_TRUE(Trait::setValueFromText(catalogue, line)) << "each row below spoils this";
 
     for (const std::string& text : std::vector<std::string>{
              "\n", ",", " ", "earthquakes",
-             "1,2,3,4,5,ml,uw,id,place",             // nine parts
-             "1,2,3,4,5,ml,uw,id,place,earthquake,", // eleven
-             ",2,3,4,5,ml,uw,id,place,earthquake",   // no time
-             "1,,3,4,5,ml,uw,id,place,earthquake",   // no longitude
-             "1,2,,4,5,ml,uw,id,place,earthquake",   // no latitude
-             "noon,2,3,4,5,ml,uw,id,place,earthquake",
-             "1,2x,3,4,5,ml,uw,id,place,earthquake",
-             "1,2,3 ,4,5,ml,uw,id,place,earthquake",
-             "1,2,3,deep,5,ml,uw,id,place,earthquake",
-             "1,2,3,4,strong,ml,uw,id,place,earthquake",
-             "nan,2,3,4,5,ml,uw,id,place,earthquake",
-             "1,inf,3,4,5,ml,uw,id,place,earthquake",
-             "1,2,-inf,4,5,ml,uw,id,place,earthquake",
-             "1,2,3,nan,5,ml,uw,id,place,earthquake",
-             "1,2,3,4,1e999,ml,uw,id,place,earthquake",
-             "1,2,3,4,5,ml,uw,id,\"place,earthquake", // a quote never closed
-             "1,2,3,4,5,ml,uw,id,place,\"earthquake",
-             "1,2,3,4,5,ml,uw,id,\"place\" ,earthquake", // text behind a quote
-             "1,2,3,4,5,ml,uw,id,pl\"ace,earthquake",    // a quote inside
-             "1,2,3,4,5,ml,uw,id,pla\nce,earthquake",    // a line break inside
+             "1,2,3,4,5,ml,uw,id,place,earthquake",   // ten parts
+             "1,2,3,4,5,ml,uw,id,place,earthquake,,", // twelve
+             ",2,3,4,5,ml,uw,id,place,earthquake,",   // no time
+             "1,,3,4,5,ml,uw,id,place,earthquake,",   // no longitude
+             "1,2,,4,5,ml,uw,id,place,earthquake,",   // no latitude
+             "noon,2,3,4,5,ml,uw,id,place,earthquake,",
+             "1,2x,3,4,5,ml,uw,id,place,earthquake,",
+             "1,2,3 ,4,5,ml,uw,id,place,earthquake,",
+             "1,2,3,deep,5,ml,uw,id,place,earthquake,",
+             "1,2,3,4,strong,ml,uw,id,place,earthquake,",
+             "nan,2,3,4,5,ml,uw,id,place,earthquake,",
+             "1,inf,3,4,5,ml,uw,id,place,earthquake,",
+             "1,2,-inf,4,5,ml,uw,id,place,earthquake,",
+             "1,2,3,nan,5,ml,uw,id,place,earthquake,",
+             "1,2,3,4,1e999,ml,uw,id,place,earthquake,",
+             "1,2,3,4,5,ml,uw,id,\"place,earthquake,", // a quote never closed
+             "1,2,3,4,5,ml,uw,id,place,\"earthquake,",
+             "1,2,3,4,5,ml,uw,id,\"place\" ,earthquake,", // text behind a quote
+             "1,2,3,4,5,ml,uw,id,pl\"ace,earthquake,",    // a quote inside
+             "1,2,3,4,5,ml,uw,id,pla\nce,earthquake,",    // a line break inside
              line + "\n\n",
              line + "\r" + line,
              line + "\n" + line.substr(0, 20),

@@ -83,9 +83,11 @@ TEST(GeoJson, readsEveryEventOfTheWeek)
     ASSERT_EQ(week->size(), 1707u);
 
     const Quake first{1517363399.65, -122.197, 46.2035, 3.28, 0.31, "ml", "uw", "uw61345682",
-                      "37km NNE of Amboy, Washington", "earthquake"};
+                      "37km NNE of Amboy, Washington", "earthquake",
+                      "https://earthquake.usgs.gov/earthquakes/eventpage/uw61345682"};
     const Quake last{1517966773.84, -118.6671667, 34.4945, 26.49, 2, "ml", "ci", "ci37868143",
-                     "4km W of Castaic, CA", "earthquake"};
+                     "4km W of Castaic, CA", "earthquake",
+                     "https://earthquake.usgs.gov/earthquakes/eventpage/ci37868143"};
     EXPECT_EQ((*week)[0], first);
     EXPECT_EQ((*week)[1706], last);
 
@@ -141,8 +143,8 @@ TEST(GeoJson, leavesOutWhatIsNullOrMissing)
         R"({"type":"Feature","id":"missing","properties":{"time":-1},)"
         R"("geometry":{"type":"Point","coordinates":[-1.5,2e1]}})")};
     const Catalogue catalogue = readGeoJson(file.name()).value();
-    EXPECT_EQ(catalogue, (Catalogue{{Quake{-0.001, -1.5, 20, {}, {}, "", "", "missing", "", ""},
-                                     Quake{2, 1, 2, {}, {}, "", "", "null", "", ""}}}));
+    EXPECT_EQ(catalogue, (Catalogue{{Quake{-0.001, -1.5, 20, {}, {}, "", "", "missing", "", "", ""},
+                                     Quake{2, 1, 2, {}, {}, "", "", "null", "", "", ""}}}));
 }
 
 TEST(GeoJson, ignoresWhatItDoesNotKnow)
@@ -151,7 +153,7 @@ TEST(GeoJson, ignoresWhatItDoesNotKnow)
         R"({"features":[{"extra":[{"id":1}],"type":"Feature","id":"g\"ü\n",)" + properties + "," + geometry
         + R"(}],"metadata":{"features":[1]},"bbox":[1,[2,{}]],"type":"FeatureCollection","crs":null})"};
     const Catalogue catalogue = readGeoJson(file.name()).value();
-    EXPECT_EQ(catalogue, (Catalogue{{Quake{1, 1, 2, 3, 4.5, "", "", "g\"ü\n", "", ""}}}));
+    EXPECT_EQ(catalogue, (Catalogue{{Quake{1, 1, 2, 3, 4.5, "", "", "g\"ü\n", "", "", ""}}}));
 }
 
 TEST(GeoJson, readsACollectionWithoutEvents)

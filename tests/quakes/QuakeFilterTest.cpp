@@ -215,3 +215,149 @@ TEST(QuakeFilter, makesItsReadersDueOnlyWhenTheSelectionChanges)
     filter.setText("magnitude", "0:9");
     EXPECT_EQ(filter.run().updates, 1u) << "the same events are selected";
 }
+
+namespace {
+
+Quake quakeOf(const std::string& id, const std::string& net, const std::string& magnitudeType, const std::string& type)
+{
+    Quake result = quake(id, 1, 5.0);
+    result.net = net;
+    result.magnitudeType = magnitudeType;
+    result.type = type;
+    return result;
+}
+
+// One that has everything to choose from.
+class QuakeFilterChoices : public testing::Test {
+protected:
+    QuakeFilterChoices()
+    {
+        filter.set("range", Range{1000, 1000});
+        filter.set("catalog", Catalogue{{quakeOf("a", "us", "mww", "earthquake"), quakeOf("b", "ci", "ml", "explosion"),
+                                         quakeOf("c", "ci", "ml", "earthquake"), quakeOf("d", "ak", "", "quarry blast"),
+                                         quakeOf("e", "us", "ml", "")}});
+    }
+
+    std::vector<std::string> run()
+    {
+        EXPECT_EQ(filter.run().failures, 0u);
+        return selected(filter);
+    }
+
+    // What an input holds after the run.
+    std::string held(const std::string& input) const
+    {
+        return filter.object->findSlot(input)->getValueBase(filter.pool)->Text();
+    }
+
+    Evaluation filter{"QuakeFilter"};
+};
+
+} // namespace
+
+TEST_F(QuakeFilterChoices, areFilledInFromTheData)
+{
+    EXPECT_THAT(run(), ElementsAre("a", "b", "c", "d", "e"));
+    EXPECT_EQ(held("networks"), "@{ak}{ci}{us}");
+    EXPECT_EQ(held("magnitudeType"), "any@any|ml|mww|");
+    EXPECT_EQ(filter.text("status"), "");
+}
+
+TEST_F(QuakeFilterChoices, selectTheNetworksThatReported)
+{
+    filter.setText("networks", "{us}{ak}");
+    EXPECT_THAT(run(), ElementsAre("a", "d", "e"));
+    EXPECT_EQ(held("networks"), "{us}{ak}@{ak}{ci}{us}");
+    filter.setText("networks", "{ci}");
+    EXPECT_THAT(run(), ElementsAre("b", "c")) << "another selection of the same choices";
+    filter.setText("networks", "@");
+    EXPECT_EQ(run().size(), 5u) << "none is as good as all";
+}
+
+TEST_F(QuakeFilterChoices, selectATypeOfMagnitude)
+{
+    filter.setText("magnitudeType", "ml@ml|");
+    EXPECT_THAT(run(), ElementsAre("b", "c", "e"));
+    EXPECT_EQ(held("magnitudeType"), "ml@any|ml|mww|");
+    filter.setText("magnitudeType", "mww");
+    EXPECT_THAT(run(), ElementsAre("a"));
+    filter.setText("magnitudeType", "any");
+    EXPECT_EQ(run().size(), 5u);
+}
+
+TEST_F(QuakeFilterChoices, survivesOtherData)
+{
+    filter.setText("magnitudeType", "mww@mww|");
+    filter.setText("networks", "{us}");
+    run();
+    filter.set("catalog", Catalogue{{quakeOf("x", "uw", "md", "earthquake")}});
+    EXPECT_THAT(run(), ElementsAre());
+    EXPECT_EQ(held("magnitudeType"), "mww@any|md|");
+    EXPECT_EQ(held("networks"), "{us}@{uw}");
+    filter.set("catalog", Catalogue{{quakeOf("y", "us", "mww", ""), quakeOf("z", "us", "ml", "")}});
+    EXPECT_THAT(run(), ElementsAre("y"));
+    EXPECT_EQ(held("magnitudeType"), "mww@any|ml|mww|");
+}
+
+TEST_F(QuakeFilterChoices, selectKindsByFlags)
+{
+    const struct { const char* kinds; std::vector<std::string> ids; } cases[] = {
+        {"+earthquake", {"a", "c"}},
+        {"-earthquake", {"b", "d", "e"}},
+        {"+earthquake -explosion", {"a", "c"}},
+        {"-explosion -quarry_blast", {"a", "c", "e"}},
+        {"quarry_blast explosion", {"b", "d"}},
+        {"", {"a", "b", "c", "d", "e"}},
+    };
+    for (const auto& [kinds, ids] : cases) {
+        SCOPED_TRACE(kinds);
+        filter.setText("kinds", kinds);
+        EXPECT_EQ(run(), ids);
+    }
+}
+
+TEST_F(QuakeFilterChoices, areAllAskedForAtOnce)
+{
+    filter.setText("networks", "{ci}{us}");
+    filter.setText("magnitudeType", "ml@ml|");
+    filter.setText("kinds", "-explosion");
+    EXPECT_THAT(run(), ElementsAre("c", "e"));
+}
+
+TEST_F(QuakeFilterChoices, warnOfWhatTheDataDoesNotHave)
+{
+    filter.setText("networks", "{us}{<xx>}");
+    filter.setText("magnitudeType", "mb@mb|");
+    filter.setText("kinds", "+quake");
+    EXPECT_THAT(run(), ElementsAre());
+    EXPECT_EQ(filter.text("status"),
+              "<FONT COLOR=magenta>no event has the network &lt;xx&gt;, there are ak, ci, us<BR>"
+              "no event has the magnitude type mb, there are ml, mww<BR>"
+              "no event has the kind quake, there are earthquake, explosion, quarry_blast</FONT>");
+    filter.setText("networks", "{us}");
+    filter.setText("magnitudeType", "any");
+    filter.setText("kinds", "");
+    run();
+    EXPECT_EQ(filter.text("status"), "");
+}
+
+TEST_F(QuakeFilterChoices, belongToTheirPool)
+{
+    const Orla::StrongPtr<Orla::ValuePool> other{new Orla::ValuePool("other")};
+    write(*filter.object, "range", other, Range{1000, 1000});
+    write(*filter.object, "catalog", other, Catalogue{{quakeOf("x", "uw", "md", "earthquake")}});
+    filter.setText("magnitudeType", "ml@ml|");
+    filter.setText("networks", "{ci}");
+    run();
+    Orla::VScheduler::run(other);
+    EXPECT_EQ(readText(*filter.object, "count", other), "1");
+    const auto heldThere = [&](const char* input) { return filter.object->findSlot(input)->getValueBase(other)->Text(); };
+    EXPECT_EQ(heldThere("magnitudeType"), "any@any|md|");
+    EXPECT_EQ(heldThere("networks"), "@{uw}");
+    EXPECT_EQ(held("magnitudeType"), "ml@any|ml|mww|");
+}
+
+TEST_F(QuakeFilterChoices, settleAfterOneRun)
+{
+    EXPECT_EQ(filter.run().updates, 1u) << "filling in the choices is no reason to run again";
+}

@@ -20,7 +20,7 @@ namespace {
 const std::string oneQuake =
     R"({"type":"FeatureCollection","features":[{"type":"Feature","id":"one",)"
     R"("properties":{"time":1000},"geometry":{"type":"Point","coordinates":[1,2,3]}}]})";
-const std::string oneText = "1,1,2,3,,,,one,,\n";
+const std::string oneText = "1,1,2,3,,,,one,,,\n";
 
 } // namespace
 

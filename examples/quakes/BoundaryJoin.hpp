@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace Quakes {
+
+/// A part of a ring that was cut by the boundary of a region: it runs inside of
+/// the region and begins and ends on the boundary.
+template<class Point>
+struct RingPiece {
+    double entry = 0; ///< where on the boundary the piece begins
+    double exit = 0;  ///< where it ends
+    std::vector<Point> points;
+};
+
+/// Makes closed rings of the pieces of one ring that keeps its inside on its left.
+///
+/// Places on the boundary are numbers that grow counterclockwise from 0 to
+/// \p period: from its exit each piece is continued counterclockwise along the
+/// boundary to the nearest entry. `walk(ring, from, distance)` adds what the ring
+/// needs of the boundary strictly between the two.
+template<class Point, class Walk>
+std::vector<std::vector<Point>> joinAlongBoundary(std::vector<RingPiece<Point>> pieces, double period,
+                                                  Walk walk)
+{
+    // Ends that are one place of the ring may differ by rounding.
+    const double rounding = period * 1e-12;
+    const auto distance = [&](double from, double to) {
+        const double ahead = to < from ? to - from + period : to - from;
+        return ahead > period - rounding ? 0 : ahead;
+    };
+
+    std::vector<std::vector<Point>> rings;
+    std::vector<bool> isUsed(pieces.size(), false);
+    for (std::size_t first = 0; first < pieces.size(); ++first) {
+        if (isUsed[first])
+            continue;
+        std::vector<Point> ring;
+        std::size_t current = first;
+        do {
+            isUsed[current] = true;
+            ring.insert(ring.end(), pieces[current].points.begin(), pieces[current].points.end());
+            const double exit = pieces[current].exit;
+            std::size_t next = first;
+            for (std::size_t i = 0; i < pieces.size(); ++i) {
+                if (!isUsed[i] && distance(exit, pieces[i].entry) < distance(exit, pieces[next].entry))
+                    next = i;
+            }
+            walk(ring, exit, distance(exit, pieces[next].entry));
+            current = next;
+        } while (current != first);
+        rings.push_back(std::move(ring));
+    }
+    return rings;
+}
+
+} // namespace Quakes

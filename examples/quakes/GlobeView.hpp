@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Canvas.hpp"
+#include "GlobeProjection.hpp"
+#include "PictureFrame.hpp"
+#include "Shapes.hpp"
+
+#include <fathom/VCamera.hpp>
+
+#include <vector>
+
+namespace Quakes {
+
+/// Draws the Earth as a camera sees it, with the land and the events on it: each
+/// where its epicentre is, unless the Earth hides that. Returns where the globe is.
+///
+/// \throw std::invalid_argument for a camera that `GlobeProjection` refuses.
+GlobeProjection drawGlobe(Canvas& canvas, const QuakePicture& picture, const std::vector<Polygon>& land,
+                          const Orla::VCamera& camera);
+
+} // namespace Quakes

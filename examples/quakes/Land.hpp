@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Shapes.hpp"
+
+#include <fathom/VValueType.hpp>
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Quakes {
+
+/// Polygons of land. They never change and are shared by copies.
+///
+/// Has no text form that could be read: it is always read from its file.
+class Land {
+public:
+    Land() = default;
+    explicit Land(std::vector<Polygon> polygons)
+        : m_polygons{std::make_shared<const std::vector<Polygon>>(std::move(polygons))}
+    {
+    }
+
+    const std::vector<Polygon>& polygons() const noexcept
+    {
+        static const std::vector<Polygon> none;
+        return m_polygons ? *m_polygons : none;
+    }
+
+    friend bool operator==(const Land& a, const Land& b) noexcept
+    {
+        return a.m_polygons == b.m_polygons || a.polygons() == b.polygons();
+    }
+
+private:
+    std::shared_ptr<const std::vector<Polygon>> m_polygons;
+};
+
+} // namespace Quakes
+
+template<>
+struct Orla::VValueTrait<Quakes::Land> {
+    /// Says how many polygons there are.
+    static std::string Text(const Quakes::Land& land)
+    {
+        const std::size_t count = land.polygons().size();
+        return std::to_string(count) + (count == 1 ? " polygon of land" : " polygons of land");
+    }
+
+    /// Refuses every text.
+    static bool setValueFromText(Quakes::Land&, const std::string&) { return false; }
+};

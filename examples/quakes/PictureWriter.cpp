@@ -1,0 +1,155 @@
+#include "Canvas.hpp"
+#include "Catalogue.hpp"
+#include "ChartPlaces.hpp"
+#include "FrameName.hpp"
+#include "GlobeView.hpp"
+#include "Land.hpp"
+#include "MapView.hpp"
+#include "PictureFrame.hpp"
+
+#include <fathom/Action.hpp>
+#include <fathom/Double.hpp>
+#include <fathom/String.hpp>
+#include <fathom/TimeDependent.hpp>
+#include <fathom/VCamera.hpp>
+#include <fathom/VChart.hpp>
+#include <fathom/VEnum.hpp>
+#include <fathom/VObjectStatus.hpp>
+
+#include <trellis/VObjectCreator.hpp>
+
+#include <loam/OutputFile.hpp>
+
+#include <cmath>
+#include <exception>
+#include <stdexcept>
+
+namespace Quakes {
+
+using Orla::StrongPtr;
+using Action = StrongPtr<Orla::VAction>;
+
+/// Draws the events that have happened by the current time over the land, in the
+/// chart that the network follows: a globe, as the camera sees it, in geocentric
+/// coordinates, a flat map in the others.
+///
+/// It draws when an action asks for it and writes the picture to a file, PNG or SVG
+/// by the name's ending, which is complete or as it was before. An action with the
+/// number 1, as a run emits it after each step, writes the file `frames`, any other
+/// one the file `file`; without a name nothing is written. In `frames` a row of "#"
+/// stands for the number of the step. The input `range` says which seconds since
+/// 1970 the times 0 and 1 stand for.
+///
+/// The status says what was written or what went wrong.
+class PictureWriter : public Orla::VObject,
+                      public Orla::TimeDependent,
+                      public Orla::VChartDependent,
+                      public Orla::Atlas,
+                      public Orla::StatusIndicator {
+public:
+    PictureWriter(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
+        : VObject{name, level, preferences}
+        , TimeDependent{"time", "range", preferences, Orla::VTime{0}}
+        , VChartDependent{"chart", 0}
+        , Atlas{"atlas"}
+        , StatusIndicator{this, "", 0, Slotname}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double number) override
+    {
+        const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
+        publish(pool, Orla::VChartList({chartName(Chart::Geographic), chartName(Chart::Geocentric),
+                                        chartName(Chart::PlateCarree)}));
+        // Actions carry a number; whatever else makes this object due does not.
+        if (number == 0)
+            return true;
+        const bool isFrame = number == StepNumber;
+        const std::string pattern = (isFrame ? m_frames : m_file).value(pool);
+        if (pattern.empty())
+            return true;
+        try {
+            const std::string file = isFrame ? frameName(pattern, stepIn(pool)) : pattern;
+            write(file, pool);
+            ++m_written;
+            setStatusInfo(pool, "wrote " + Orla::VObjectStatus::escaped(file)
+                                    + (m_written > 1 ? ", the last of " + std::to_string(m_written) + " pictures" : ""));
+        } catch (const std::exception& error) {
+            setStatusError(pool, Orla::VObjectStatus::escaped(error.what()), false);
+        }
+        return true;
+    }
+
+private:
+    static constexpr double StepNumber = 1;
+
+    static Orla::Enum colorRules()
+    {
+        Orla::Enum rules;
+        for (const ColorRule rule : {ColorRule::Depth, ColorRule::Magnitude, ColorRule::Age})
+            rules.addCase(colorRuleName(rule));
+        return rules;
+    }
+
+    double stepIn(const StrongPtr<Orla::ValuePool>& pool) const
+    {
+        const Orla::VTime time = timeSlot().value(pool);
+        return time.Tstep(time.time);
+    }
+
+    void write(const std::string& file, const StrongPtr<Orla::ValuePool>& pool) const
+    {
+        Canvas canvas{pictureFormat(file), size(m_width, pool), size(m_height, pool)};
+        QuakePicture picture;
+        picture.title = m_title.value(pool);
+        picture.instant = getTime(pool, 0, Orla::Range{});
+        picture.quakes = m_catalogue.value(pool);
+        if (const auto* rules = m_color.value(pool).selection())
+            picture.colorRule = colorRuleOfName(rules->selectedName()).value_or(ColorRule::Depth);
+        const Land land = m_land.value(pool);
+        const std::string chart = getChart(pool).name();
+        if (chart == chartName(Chart::Geocentric))
+            drawGlobe(canvas, picture, land.polygons(), m_camera.value(pool));
+        else if (chart.empty() || chartOfName(chart))
+            drawMap(canvas, picture, land.polygons());
+        else
+            throw std::runtime_error{"cannot draw in the chart \"" + chart
+                                     + "\", only in geographic, geocentric and plate carree"};
+        const std::string bytes = canvas.finished();
+        Loam::OutputFile output{file};
+        output.write(bytes);
+        output.commit();
+    }
+
+    static int size(const Orla::TypedSlot<double>& slot, const StrongPtr<Orla::ValuePool>& pool)
+    {
+        const double pixels = slot.value(pool);
+        // Written so that NaN, which compares false with everything, is refused too.
+        if (!(pixels >= 1 && pixels <= Canvas::largestSize && pixels == std::floor(pixels)))
+            throw std::runtime_error{"the input \"" + slot.name() + "\" is " + Orla::VValueTrait<double>::Text(pixels)
+                                     + ", expected a whole number of pixels from 1 to "
+                                     + std::to_string(Canvas::largestSize)};
+        return static_cast<int>(pixels);
+    }
+
+    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
+    Orla::TypedSlot<Land> m_land{this, "land", Land{}, 0};
+    Orla::TypedSlot<Orla::VCamera> m_camera{this, "camera", Orla::VCamera{{-1.5e7, -1.26e7, 1.64e7}, {}, {0, 0, 1}, 29}, 0};
+    Orla::TypedSlot<std::string> m_title{this, "title", "Earthquakes", 0};
+    Orla::TypedSlot<Orla::Enum> m_color{this, "color", colorRules(), 0};
+    Orla::TypedSlot<double> m_width{this, "width", 900.0, 0};
+    Orla::TypedSlot<double> m_height{this, "height", 900.0, 0};
+    Orla::TypedSlot<std::string> m_file{this, "file", "", 0};
+    Orla::TypedSlot<Action> m_write{this, "write", Action{}, 0};
+    Orla::TypedSlot<std::string> m_frames{this, "frames", "", 0};
+    Orla::TypedSlot<Action> m_step{this, "step", Action{}, 0};
+    std::size_t m_written = 0;
+};
+
+} // namespace Quakes
+
+namespace {
+
+const Orla::VObjectType<Quakes::PictureWriter> pictureWriterType{"PictureWriter"};
+
+} // namespace

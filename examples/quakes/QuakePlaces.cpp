@@ -1,0 +1,53 @@
+#include "Catalogue.hpp"
+#include "ChartPlaces.hpp"
+
+#include <fathom/GyrePhysicalSpacePoint.hpp>
+
+#include <trellis/VObjectCreator.hpp>
+
+namespace Quakes {
+
+using Orla::StrongPtr;
+
+/// Gives the hypocentres of a catalogue in the chart that the network follows, and
+/// the one of the strongest event, the latest of several, as `strongest`. An event
+/// of unknown depth counts as one on the surface.
+class QuakePlaces : public Orla::VObject, public ChartPlaces {
+public:
+    using VObject::VObject;
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
+        const Catalogue catalogue = m_catalogue.value(pool);
+        std::vector<ChartPlaces::point> places;
+        places.reserve(catalogue.size());
+        ChartPlaces::point strongest;
+        double magnitude = 0;
+        bool isFirst = true;
+        for (std::size_t i = 0; i < catalogue.size(); ++i) {
+            const Quake& quake = catalogue[i];
+            places.emplace_back(quake.longitude, quake.latitude, 0 - 1000 * quake.depth.value_or(0));
+            if (quake.magnitude && (isFirst || *quake.magnitude >= magnitude)) {
+                strongest = places.back();
+                magnitude = *quake.magnitude;
+                isFirst = false;
+            }
+        }
+        give(pool, places);
+        m_strongest(pool) <<= isFirst ? ChartPlaces::point{} : converted(strongest, Chart::Geographic, chartIn(pool));
+        return true;
+    }
+
+private:
+    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
+    Orla::VOutput<ChartPlaces::point> m_strongest{this, "strongest", ChartPlaces::point{}};
+};
+
+} // namespace Quakes
+
+namespace {
+
+const Orla::VObjectType<Quakes::QuakePlaces> quakePlacesType{"QuakePlaces"};
+
+} // namespace

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <vector>
+
+namespace Quakes {
+
+/// A place on the Earth's surface, in degrees.
+struct LonLat {
+    double longitude = 0; ///< positive to the east
+    double latitude = 0;  ///< positive to the north
+
+    friend bool operator==(const LonLat&, const LonLat&) = default;
+};
+
+/// An open line. Each segment is straight in longitude and latitude and goes the
+/// shorter way round the Earth: from 179 to -179 by 2 degrees across the date line.
+using Line = std::vector<LonLat>;
+
+/// A closed line, in which the last place is joined to the first and does not
+/// repeat it. It encloses the smaller of the two parts into which it divides the
+/// surface, whichever way it turns; this may be the part around a pole.
+using Ring = std::vector<LonLat>;
+
+/// What an odd number of the rings encloses: an outer ring, then those of its holes.
+using Polygon = std::vector<Ring>;
+
+/// What a file of shapes holds.
+struct Shapes {
+    std::vector<LonLat> points;
+    std::vector<Line> lines;
+    std::vector<Polygon> polygons;
+
+    friend bool operator==(const Shapes&, const Shapes&) = default;
+};
+
+} // namespace Quakes

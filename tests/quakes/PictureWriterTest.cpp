@@ -1,0 +1,192 @@
+#include "Evaluation.hpp"
+#include "Picture.hpp"
+
+#include <quakes/Catalogue.hpp>
+#include <quakes/Land.hpp>
+#include <quakes/QuakeStyle.hpp>
+
+#include "support/TestFolder.hpp"
+
+#include <fathom/VCamera.hpp>
+#include <fathom/VChart.hpp>
+#include <fathom/VTime.hpp>
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+using Quakes::Catalogue;
+using Quakes::ColorRule;
+using Quakes::Land;
+using Quakes::Quake;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+constexpr double EndOfRun = 2;
+constexpr double EndOfStep = 1;
+
+Quake quake(double time, double longitude, double latitude)
+{
+    Quake result;
+    result.time = time;
+    result.longitude = longitude;
+    result.latitude = latitude;
+    result.depth = 10;
+    result.magnitude = 6;
+    return result;
+}
+
+class PictureWriterTest : public testing::Test {
+protected:
+    PictureWriterTest()
+    {
+        writer.set("range", Orla::Range{1000, 2000});
+        writer.set("time", Orla::VTime{0.5, 0, 1, 0.25, "", "", {}});
+        writer.set("catalog", Catalogue{{quake(1500, 0, 0), quake(1501, 90, 0)}});
+        writer.set("width", 400.0);
+        writer.set("height", 300.0);
+    }
+
+    ~PictureWriterTest() override { Orla::VManagedObject::remove(Orla::VChartSelector::getChartSelector()); }
+
+    void act(double number)
+    {
+        Orla::VScheduler::schedule(writer.object, number, writer.pool);
+        EXPECT_EQ(writer.run().failures, 0u);
+    }
+
+    std::string writeFile(const std::string& name)
+    {
+        writer.set("file", folder.file(name));
+        act(EndOfRun);
+        return contentOf(folder.file(name));
+    }
+
+    const TestFolder folder;
+    Evaluation writer{"PictureWriter"};
+};
+
+} // namespace
+
+TEST_F(PictureWriterTest, drawsOnlyWhenAnActionAsksForIt)
+{
+    writer.set("file", folder.file("map.png"));
+    writer.set("frames", folder.file("frame-#.png"));
+    writer.run();
+    EXPECT_THAT(folder.names(), IsEmpty());
+    EXPECT_EQ(writer.text("status"), "");
+    act(EndOfRun);
+    EXPECT_THAT(folder.names(), ElementsAre("map.png"));
+    EXPECT_EQ(writer.text("status"), "wrote " + folder.file("map.png"));
+}
+
+TEST_F(PictureWriterTest, writesNothingWithoutAName)
+{
+    act(EndOfRun);
+    act(EndOfStep);
+    EXPECT_THAT(folder.names(), IsEmpty());
+    EXPECT_EQ(writer.text("status"), "");
+}
+
+TEST_F(PictureWriterTest, numbersThePicturesOfSteps)
+{
+    writer.set("frames", folder.file("frame-###.svg"));
+    act(EndOfStep);
+    writer.set("time", Orla::VTime{0.75, 0, 1, 0.25, "", "", {}});
+    act(EndOfStep);
+    EXPECT_THAT(folder.names(), ElementsAre("frame-002.svg", "frame-003.svg"));
+    EXPECT_EQ(writer.text("status"), "wrote " + folder.file("frame-003.svg") + ", the last of 2 pictures");
+}
+
+TEST_F(PictureWriterTest, drawsAMapOrAGlobeByTheChart)
+{
+    const std::string map = writeFile("map.png");
+    writer.set("chart", Orla::VChart{"plate carree"});
+    EXPECT_EQ(writeFile("same.png"), map);
+    writer.set("chart", Orla::VChart{"geocentric"});
+    writer.set("camera", Orla::VCamera{{3e7, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30});
+    const std::string globe = writeFile("globe.png");
+    EXPECT_NE(globe, map);
+    const Picture picture{globe};
+    EXPECT_EQ(picture.width, 400);
+    EXPECT_EQ(picture.height, 300);
+}
+
+TEST_F(PictureWriterTest, showsWhatHasHappenedByTheInstant)
+{
+    const std::string early = writeFile("early.svg");
+    writer.set("range", Orla::Range{1000, 2002});
+    const std::string late = writeFile("late.svg");
+    EXPECT_THAT(early, HasSubstr("svg"));
+    EXPECT_NE(early, late) << "the second event has happened by then";
+}
+
+TEST_F(PictureWriterTest, colorsByTheRuleThatIsChosen)
+{
+    const std::string byDepth = writeFile("a.svg");
+    EXPECT_EQ(writer.object->findSlot("color")->getValueBase(writer.pool)->Text(), "depth{depth}{magnitude}{age}");
+    writer.setText("color", "age");
+    const std::string byAge = writeFile("b.svg");
+    EXPECT_NE(byDepth, byAge);
+    writer.setText("color", "depth");
+    EXPECT_EQ(writeFile("c.svg"), byDepth);
+}
+
+TEST_F(PictureWriterTest, drawsTheLandThatItIsGiven)
+{
+    const std::string without = writeFile("without.svg");
+    writer.set("land", Land{{{{{-10, -10}, {10, -10}, {10, 10}, {-10, 10}}}}});
+    EXPECT_NE(writeFile("with.svg"), without);
+}
+
+TEST_F(PictureWriterTest, saysWhatIsWrongAndLeavesTheFileAsItWas)
+{
+    const auto expectError = [this](const std::string& text) {
+        EXPECT_THAT(writer.text("status"), StartsWith("<FONT COLOR=red>"));
+        EXPECT_THAT(writer.text("status"), HasSubstr(text));
+    };
+    folder.write("old.png", "old");
+    writer.set("file", folder.file("old.png"));
+
+    writer.set("width", 0.0);
+    act(EndOfRun);
+    expectError("the input \"width\" is 0, expected a whole number of pixels from 1 to 16384");
+    writer.set("width", 400.0);
+
+    writer.set("chart", Orla::VChart{"<polar>"});
+    act(EndOfRun);
+    expectError("cannot draw in the chart \"&lt;polar&gt;\", only in geographic, geocentric and plate carree");
+
+    writer.set("chart", Orla::VChart{"geocentric"});
+    writer.set("camera", Orla::VCamera{{0, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30});
+    act(EndOfRun);
+    expectError("camera");
+    writer.set("chart", Orla::VChart{});
+    EXPECT_EQ(contentOf(folder.file("old.png")), "old");
+
+    writer.set("file", folder.file("picture.bmp"));
+    act(EndOfRun);
+    expectError(".bmp");
+    writer.set("file", folder.file("picture"));
+    act(EndOfRun);
+    expectError(".png");
+    writer.set("file", folder.file("none/picture.png"));
+    act(EndOfRun);
+    expectError("cannot write " + folder.file("none/picture.png"));
+    writer.set("frames", folder.file("always.png"));
+    act(EndOfStep);
+    expectError("has no \"#\" for the number of the step");
+    EXPECT_THAT(folder.names(), ElementsAre("old.png"));
+}
+
+TEST_F(PictureWriterTest, writesTheSameBytesEachTime)
+{
+    for (const char* ending : {"png", "svg"}) {
+        const std::string first = writeFile(std::string("first.") + ending);
+        EXPECT_EQ(writeFile(std::string("second.") + ending), first) << ending;
+    }
+}

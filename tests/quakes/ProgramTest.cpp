@@ -1,0 +1,204 @@
+// The example as a person runs it: the host program with the saved network.
+
+#include "tarn/TarnProcess.hpp"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+ProcessResult run(std::vector<std::string> options, const std::vector<std::string>& environment = {})
+{
+    options.insert(options.begin(), {"run", QUAKES_NETWORK});
+    return runTarn(options, {.environment = environment, .shell = {}});
+}
+
+std::vector<std::string> linesOf(const std::string& text)
+{
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+const std::string strongestPage = "https://earthquake.usgs.gov/earthquakes/eventpage/us1000chhc";
+
+// The last column of a table's last row.
+std::string strongest(const std::string& table)
+{
+    const std::string last = linesOf(table).back();
+    return last.substr(last.find("\"{") + 1, last.rfind('}') - last.find("\"{"));
+}
+
+} // namespace
+
+TEST(Program, writesTheTableThatWasWorkedOutApart)
+{
+    const ProcessResult result = run({"--table=-"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    std::vector<std::string> expected;
+    std::ifstream file(EXPECTED_TABLE);
+    for (std::string line; std::getline(file, line);) {
+        if (!line.starts_with("#"))
+            expected.push_back(line);
+    }
+    const std::vector<std::string> lines = linesOf(result.out);
+    ASSERT_EQ(lines.size(), expected.size());
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        EXPECT_THAT(lines[i], StartsWith(expected[i] + ","));
+}
+
+TEST(Program, followsTheChartThatIsPicked)
+{
+    // Magnitude 6.4 at Hualien, 10.64 km deep. The metres were worked out in Python,
+    // by the formulas for the ellipsoid.
+    const ProcessResult flat = run({"--table=-", "--chart=geographic"});
+    EXPECT_EQ(flat.status, 0) << flat.err;
+    EXPECT_EQ(strongest(flat.out), "{121.653,24.1737,-10640}");
+    EXPECT_THAT(strongest(run({"--table=-", "--chart=plate carree"}).out), StartsWith("{13542350.013474112,2691003.974589"));
+    EXPECT_THAT(strongest(run({"--table=-", "--chart=geocentric"}).out), StartsWith("{-3050187.746425"));
+}
+
+TEST(Program, listsTheChartsWhenOneIsUnknown)
+{
+    const ProcessResult result = run({"--chart=mercator"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("--chart: no object offers the chart \"mercator\"; there are geocentric, "
+                                      "geographic, plate carree\n"));
+}
+
+TEST(Program, drawsAGlobeAndAMap)
+{
+    const TestFolder folder;
+    const ProcessResult globe = run({"--set=picture.file=" + folder.file("globe.png")});
+    EXPECT_EQ(globe.status, 0);
+    EXPECT_THAT(globe.err, HasSubstr("  picture: wrote " + folder.file("globe.png") + "\n"));
+    EXPECT_EQ(run({"--set=picture.file=" + folder.file("map.svg"), "--chart=plate carree"}).status, 0);
+    EXPECT_THAT(folder.names(), ElementsAre("globe.png", "map.svg"));
+    EXPECT_THAT(contentOf(folder.file("globe.png")), StartsWith("\x89PNG"));
+    EXPECT_THAT(contentOf(folder.file("map.svg")), HasSubstr("<svg"));
+
+    EXPECT_EQ(run({"--set=picture.file=" + folder.file("again.png")}, {"LC_ALL=de_DE.UTF-8"}).status, 0);
+    EXPECT_EQ(contentOf(folder.file("again.png")), contentOf(folder.file("globe.png"))) << "under another locale";
+}
+
+TEST(Program, drawsAPictureOfEachStep)
+{
+    const TestFolder folder;
+    const ProcessResult result = run({"--set=picture.frames=" + folder.file("frame-##.svg"), "--steps=3"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(folder.names(), ElementsAre("frame-00.svg", "frame-01.svg", "frame-02.svg"));
+    EXPECT_THAT(result.err, HasSubstr("frame-02.svg, the last of 3 pictures\n"));
+}
+
+TEST(Program, letsTheUserTurnTheGlobeAndPutItBack)
+{
+    const TestFolder folder;
+    EXPECT_EQ(run({"--set=picture.file=" + folder.file("plain.svg")}).status, 0);
+    const std::string plain = contentOf(folder.file("plain.svg"));
+
+    // "w" draws after the turn; what is drawn at the end is back where it was.
+    const std::string drag = "64 press 500 300 left\n64 move 320 300\n64 release 140 300 left\n";
+    const auto drawn = [&](const std::string& events) {
+        folder.write("events.txt", events);
+        const ProcessResult result =
+            run({"--set=picture.file=" + folder.file("turned.svg"), "--events=" + folder.file("events.txt")});
+        EXPECT_EQ(result.status, 0) << result.err;
+        return contentOf(folder.file("turned.svg"));
+    };
+    const std::string turned = drawn(drag);
+    EXPECT_NE(turned, plain);
+    EXPECT_EQ(drawn(drag + "64 key r\n"), plain);
+    EXPECT_EQ(drawn(drag + "64 move 900 900\n"), turned) << "the pointer was let go";
+}
+
+TEST(Program, writesThePictureWhenItsKeyIsPressed)
+{
+    const TestFolder folder;
+    folder.write("events.txt", "1 key w\n");
+    const ProcessResult result = run({"--set=picture.file=" + folder.file("a.svg"), "--steps=3",
+                                      "--events=" + folder.file("events.txt")});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.err, HasSubstr("the last of 2 pictures\n")) << "one for the key, one at the end";
+}
+
+TEST(Program, playsTheEventsOfTheExample)
+{
+    const TestFolder folder;
+    const ProcessResult result =
+        run({"--set=picture.file=" + folder.file("a.svg"), "--events=" QUAKES_EVENTS});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.err, HasSubstr("the last of 2 pictures\n"));
+}
+
+TEST(Program, opensThePageOfTheStrongestEvent)
+{
+    const TestFolder folder;
+    const std::string browser = folder.write("browser", "#!/bin/sh\necho \"$1\" > '" + folder.file("shown") + "'\n");
+    std::filesystem::permissions(browser, std::filesystem::perms::owner_all);
+    folder.write("events.txt", "64 key o\n");
+    const ProcessResult result = run({"--events=" + folder.file("events.txt")}, {"BROWSER=" + browser});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(contentOf(folder.file("shown")), strongestPage + "\n");
+    EXPECT_THAT(result.err, HasSubstr("  page: opened " + strongestPage + "\n"));
+}
+
+TEST(Program, findsItsDataInTheDataFolders)
+{
+    const TestFolder folder;
+    folder.write("net.toml", "format = 1\nlibraries = ['quakes']\n[[object]]\nname = 'r'\ntype = 'QuakeReader'\n"
+                             "set = { file = 'data/earthquakes.json' }\n[[object]]\nname = 'c'\ntype = 'CoastLines'\n"
+                             "set = { file = 'data/land-110m.json' }\n");
+    EXPECT_EQ(runTarn({"run", folder.file("net.toml")}).status, 1);
+    const ProcessResult found =
+        runTarn({"run", folder.file("net.toml")}, {.environment = {"TARN_DATA=" QUAKES_FOLDER}, .shell = {}});
+    EXPECT_EQ(found.status, 0) << found.err;
+}
+
+TEST(Program, tellsOfAChoiceThatTheDataDoesNotHave)
+{
+    const ProcessResult result = run({"--set=shown.networks={xx}", "--steps=1"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.err, HasSubstr("  shown: warning: no event has the network xx, there are ak, ci"));
+}
+
+TEST(Program, makesAPictureThatCannotBeWrittenAnError)
+{
+    const TestFolder folder;
+    const ProcessResult result = run({"--set=picture.file=" + folder.file("none/a.png"), "--steps=1"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("  picture: error: cannot write " + folder.file("none/a.png")));
+    EXPECT_THAT(folder.names(), IsEmpty());
+}
+
+TEST(Program, leavesWholePicturesAloneWhenItIsInterrupted)
+{
+    const TestFolder folder;
+    TarnProcess process{{"run", QUAKES_NETWORK, "--set=picture.frames=" + folder.file("frame-####.png"),
+                         "--set=clock.time=0[0,1]@0.00001"}};
+    // Until some are there.
+    for (int i = 0; i < 600 && folder.names().size() < 5; ++i)
+        ::usleep(100'000);
+    process.send(SIGINT);
+    const ProcessResult result = process.wait();
+    EXPECT_EQ(result.status, 130);
+    EXPECT_THAT(result.err, HasSubstr("tarn: interrupted in step "));
+    EXPECT_THAT(result.err, testing::ContainsRegex("  picture: wrote .*/frame-[0-9]+.png, the last of [0-9]+ pictures"));
+    const std::vector<std::string> names = folder.names();
+    EXPECT_GE(names.size(), 4u);
+    for (const std::string& name : names) {
+        EXPECT_THAT(name, StartsWith("frame-")) << "nothing unfinished";
+        EXPECT_THAT(contentOf(folder.file(name)), testing::EndsWith(std::string("IEND\xae\x42\x60\x82"))) << name;
+    }
+}
