@@ -29,15 +29,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string folderOf(const std::string& path)
-{
-    std::error_code error;
-    const fs::path absolute = fs::absolute(path, error);
-    if (error)
-        throw Loam::FileError{"cannot read " + printable(path), error.value()};
-    return absolute.parent_path().string();
-}
-
 bool isKnownType(const std::string& type)
 {
     return bool(Orla::VObjectCreator::find(type));

@@ -13,9 +13,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include <fcntl.h>
@@ -416,6 +418,15 @@ std::string readFile(const std::string& path)
             throw Loam::FileError{failed + ": it is larger than 256 MiB"};
     }
     return content;
+}
+
+std::string folderOf(const std::string& path)
+{
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
+    if (error)
+        throw Loam::FileError{"cannot read " + printable(path), error.value()};
+    return absolute.parent_path().string();
 }
 
 } // namespace Tarn

@@ -75,4 +75,8 @@ NetworkFile parseNetwork(std::string_view text, Faults& faults,
 /// \throw Loam::FileError
 std::string readFile(const std::string& path);
 
+/// The folder in which the file \p path stands, from the root on.
+/// \throw Loam::FileError
+std::string folderOf(const std::string& path);
+
 } // namespace Tarn

@@ -30,6 +30,10 @@ using Orla::VSlotContainer;
 constexpr char Uncoloured[] = "black";
 constexpr char Font[] = "sans-serif";
 
+// The layout of larger tangles would take minutes to become a little better.
+constexpr std::size_t MostPolished = 100;
+constexpr char FewerRounds[] = ", nslimit=1, nslimit1=1, mclimit=0.1";
+
 // Names under which object types are registered; none for a class that has several.
 std::map<std::type_index, std::string> registeredNames()
 {
@@ -253,8 +257,9 @@ NetworkGraph NetworkGraph::of(const Network& network)
 std::string dotText(const NetworkGraph& graph)
 {
     const std::string font = std::string("fontname=\"") + Font + '"';
+    const std::string rounds = graph.objects.size() > MostPolished ? FewerRounds : "";
     std::string text = "digraph network {\n"
-                       "    graph [rankdir=LR]\n"
+                       "    graph [rankdir=LR" + rounds + "]\n"
                        "    node [shape=plain, " + font + ", fontsize=11]\n"
                        "    edge [" + font + ", fontsize=9, arrowsize=0.6]\n";
     for (std::size_t number = 0; number < graph.objects.size(); ++number)

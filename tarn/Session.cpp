@@ -18,15 +18,6 @@ namespace Tarn {
 
 namespace {
 
-std::string folderOf(const std::string& path)
-{
-    std::error_code error;
-    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
-    if (error)
-        throw Loam::FileError{"cannot read " + printable(path), error.value()};
-    return absolute.parent_path().string();
-}
-
 // Where the input of the object is set, else where the object stands.
 Place placeOfSetting(const NetworkFile& file, const std::string& object, const std::string& input)
 {
@@ -34,7 +25,9 @@ Place placeOfSetting(const NetworkFile& file, const std::string& object, const s
     if (entry == file.objects.end())
         return {};
     const auto text = std::ranges::find(entry->texts, input, [](const auto& each) { return each.input.text; });
-    return text == entry->texts.end() ? entry->place : text->value.place;
+    if (text == entry->texts.end())
+        return entry->place;
+    return text->exact.empty() ? text->value.place : text->exact.front().place;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "GeoJson.hpp"
 
+#include "JsonText.hpp"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -28,26 +30,6 @@ struct Fault {
 };
 
 struct Stopped {};
-
-std::string shortened(std::string text)
-{
-    constexpr std::size_t longest = 60;
-    if (text.size() > longest)
-        text.replace(longest, std::string::npos, "...");
-    return text;
-}
-
-std::string described(const Json* found)
-{
-    if (!found)
-        return "nothing";
-    if (found->is_object())
-        return "an object";
-    if (found->is_array())
-        return "an array of " + std::to_string(found->size());
-    const char* const kind = found->is_string() ? "the text " : found->is_number() ? "the number " : "";
-    return kind + shortened(found->dump(-1, ' ', true, Json::error_handler_t::replace));
-}
 
 [[noreturn]] void refuse(const std::string& member, const Json* found, const char* expected)
 {

@@ -1,5 +1,7 @@
 #include "TopoJson.hpp"
 
+#include "JsonText.hpp"
+
 #include <loam/Numbers.hpp>
 
 #include <nlohmann/json.hpp>
@@ -55,27 +57,7 @@ struct Fault {
     std::string expected;
 };
 
-std::string shortened(std::string text)
-{
-    constexpr std::size_t longest = 60;
-    if (text.size() > longest)
-        text.replace(longest, std::string::npos, "...");
-    return text;
-}
-
-std::string described(const Json* found)
-{
-    if (!found)
-        return "nothing";
-    if (found->is_object())
-        return "an object";
-    if (found->is_array())
-        return "an array of " + std::to_string(found->size());
-    const char* const kind = found->is_string() ? "the text " : found->is_number() ? "the number " : "";
-    return kind + shortened(found->dump(-1, ' ', true, Json::error_handler_t::replace));
-}
-
-std::string described(const LonLat& place)
+std::string textOf(const LonLat& place)
 {
     return '[' + Loam::numberText(place.longitude) + ", " + Loam::numberText(place.latitude) + ']';
 }
@@ -194,7 +176,7 @@ private:
         constexpr double rounding = 1e-9;
         // Written so that NaN is refused too.
         if (!(std::abs(place.longitude) <= 360 + rounding && std::abs(place.latitude) <= 90 + rounding))
-            throw Fault{path.text(), "the position " + described(place),
+            throw Fault{path.text(), "the position " + textOf(place),
                         "a longitude from -360 to 360 and a latitude from -90 to 90 degrees"};
         place.latitude = std::clamp(place.latitude, -90.0, 90.0);
         if (std::abs(place.longitude) > 180 && std::abs(place.longitude) <= 180 + rounding)
@@ -262,8 +244,8 @@ private:
             if (isBackwards)
                 std::reverse(arc.begin(), arc.end());
             if (i > 0 && result.back() != arc.front())
-                throw Fault{place.text(), "an arc that begins at " + described(arc.front()),
-                            "one that begins where the one before it ends, at " + described(result.back())};
+                throw Fault{place.text(), "an arc that begins at " + textOf(arc.front()),
+                            "one that begins where the one before it ends, at " + textOf(result.back())};
             result.insert(result.end(), arc.begin() + (i > 0 ? 1 : 0), arc.end());
         }
         return result;
@@ -300,8 +282,8 @@ private:
             Ring ring = line(&rings[i], place);
             if (ring.front() != ring.back())
                 throw Fault{place.text(),
-                            "a ring that begins at " + described(ring.front()) + " and ends at "
-                                + described(ring.back()),
+                            "a ring that begins at " + textOf(ring.front()) + " and ends at "
+                                + textOf(ring.back()),
                             "one that ends where it begins"};
             if (ring.size() < 4)
                 throw Fault{place.text(), "a ring of " + std::to_string(ring.size()) + " positions",

@@ -37,6 +37,23 @@ bool isStandardOutput(const std::string& name)
     return std::ranges::find(names, name) != names.end();
 }
 
+std::unique_ptr<Loam::OutputFile> openResult(const std::string& path, const StandardStreams& streams)
+{
+    return isStandardOutput(path) ? std::make_unique<Loam::OutputFile>(streams.results(), "standard output")
+                                  : std::make_unique<Loam::OutputFile>(path);
+}
+
+std::vector<std::string> overridesOf(const Arguments& arguments)
+{
+    std::vector<std::string> overrides = arguments.texts("set");
+    for (const std::string& set : overrides) {
+        const std::string target = set.substr(0, set.find('='));
+        if (target.size() == set.size() || target.find('.') == std::string::npos)
+            throw UsageError{"--set=" + printable(set) + ": expected --set=OBJECT.SLOT=TEXT"};
+    }
+    return overrides;
+}
+
 std::string absolutePath(const std::string& name)
 {
     std::error_code error;

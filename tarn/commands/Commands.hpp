@@ -2,6 +2,10 @@
 
 #include <tarn/Command.hpp>
 
+#include <loam/OutputFile.hpp>
+
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace Tarn {
@@ -27,6 +31,14 @@ void print(const StandardStreams& streams, const std::string& text);
 /// Whether \p name means standard output. That leads elsewhere by now, so its
 /// other names must not be opened.
 bool isStandardOutput(const std::string& name);
+
+/// A result in the file \p path, or in standard output if that means it.
+/// \throw Loam::FileError
+std::unique_ptr<Loam::OutputFile> openResult(const std::string& path, const StandardStreams& streams);
+
+/// The texts of the option `--set`.
+/// \throw UsageError if one is not of the form OBJECT.SLOT=TEXT.
+std::vector<std::string> overridesOf(const Arguments& arguments);
 
 /// \p name from the root on: the working folder changes when a network is loaded.
 /// \throw Loam::FileError

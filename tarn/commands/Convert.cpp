@@ -14,18 +14,9 @@ namespace Tarn {
 
 namespace {
 
-void checkSetting(const std::string& set)
-{
-    const std::string target = set.substr(0, set.find('='));
-    if (target.size() == set.size() || target.find('.') == std::string::npos)
-        throw UsageError{"--set=" + printable(set) + ": expected --set=OBJECT.SLOT=TEXT"};
-}
-
 int perform(const Arguments& arguments, const StandardStreams& streams)
 {
-    const std::vector<std::string> overrides = arguments.texts("set");
-    for (const std::string& set : overrides)
-        checkSetting(set);
+    const std::vector<std::string> overrides = overridesOf(arguments);
     const std::string network = findNetwork(arguments.names[0]);
     const std::string& target = arguments.names[1];
     const bool isFile = !isStandardOutput(target);
@@ -34,8 +25,7 @@ int perform(const Arguments& arguments, const StandardStreams& streams)
     Conversion conversion{network, overrides};
     if (!conversion.faults().empty())
         return reportFaults(conversion.faults(), "; nothing was written");
-    const auto output = isFile ? std::make_unique<Loam::OutputFile>(path)
-                               : std::make_unique<Loam::OutputFile>(streams.results(), "standard output");
+    const auto output = openResult(path, streams);
     // Where a stream ends is not known; names in it count from the old folder.
     if (!output->isStream() && !arguments.has("keep-names")) {
         for (const std::string& message : conversion.moveTo(std::filesystem::path(path).parent_path().string()))

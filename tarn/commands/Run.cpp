@@ -26,13 +26,6 @@ namespace Tarn {
 
 namespace {
 
-void checkOverride(const std::string& set)
-{
-    const std::string target = set.substr(0, set.find('='));
-    if (target.size() == set.size() || target.find('.') == std::string::npos)
-        throw UsageError{"--set=" + printable(set) + ": expected --set=OBJECT.SLOT=TEXT"};
-}
-
 std::optional<std::uint64_t> readSteps(const std::optional<std::string>& text)
 {
     if (!text)
@@ -56,12 +49,6 @@ std::string placeOf(const Arguments& arguments, const std::string& option, const
     if (std::filesystem::equivalent(network, path, error) && !error)
         throw UsageError{"--" + option + "=" + printable(*name) + " would overwrite the network"};
     return path;
-}
-
-std::unique_ptr<Loam::OutputFile> openResult(const std::string& path, const StandardStreams& streams)
-{
-    return isStandardOutput(path) ? std::make_unique<Loam::OutputFile>(streams.results(), "standard output")
-                                  : std::make_unique<Loam::OutputFile>(path);
 }
 
 std::vector<ScriptedEvent> readEvents(const std::optional<std::string>& path, Faults& faults)
@@ -146,9 +133,7 @@ int reportInterruption(const Session& session, const EvaluationSummary& summary,
 
 int perform(const Arguments& arguments, const StandardStreams& streams)
 {
-    const std::vector<std::string> overrides = arguments.texts("set");
-    for (const std::string& set : overrides)
-        checkOverride(set);
+    const std::vector<std::string> overrides = overridesOf(arguments);
     const std::optional<std::uint64_t> steps = readSteps(arguments.text("steps"));
     const std::string network = findNetwork(arguments.names[0]);
 

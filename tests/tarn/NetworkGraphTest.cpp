@@ -156,6 +156,15 @@ TEST(NetworkGraph, escapesNamesInLabels)
     }
 }
 
+TEST(NetworkGraph, asksForFewerRoundsWhereALayoutTakesLong)
+{
+    NetworkGraph graph;
+    graph.objects.resize(100, {"a", "A", {}, {}});
+    EXPECT_THAT(dotText(graph), HasSubstr("graph [rankdir=LR]\n"));
+    graph.objects.push_back(graph.objects[0]);
+    EXPECT_THAT(dotText(graph), HasSubstr("graph [rankdir=LR, nslimit=1, nslimit1=1, mclimit=0.1]\n"));
+}
+
 TEST(NetworkGraph, isNotDrawnWithFaults)
 {
     const TestFolder folder;

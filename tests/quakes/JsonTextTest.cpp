@@ -1,0 +1,30 @@
+#include <quakes/JsonText.hpp>
+
+#include <nlohmann/json.hpp>
+
+#include <gtest/gtest.h>
+
+using Quakes::described;
+using nlohmann::json;
+
+TEST(JsonText, tellsWhatWasFound)
+{
+    EXPECT_EQ(described(nullptr), "nothing");
+    const struct { json found; const char* text; } cases[] = {
+        {json::object(), "an object"},
+        {json::array({1, 2}), "an array of 2"},
+        {5, "the number 5"},
+        {"a\nb", "the text \"a\\nb\""},
+        {true, "true"},
+        {nullptr, "null"},
+        {"\xff", "the text \"\\ufffd\""},
+    };
+    for (const auto& [found, text] : cases)
+        EXPECT_EQ(described(&found), text);
+}
+
+TEST(JsonText, cutsWhatIsLong)
+{
+    EXPECT_EQ(Quakes::shortened(std::string(60, 'a')), std::string(60, 'a'));
+    EXPECT_EQ(Quakes::shortened(std::string(61, 'a')), std::string(60, 'a') + "...");
+}
