@@ -249,9 +249,10 @@ void VScope::makeDue(Cause cause, const VParameter* changed)
     if (m_due || !m_container || !m_container->m_isEvaluated)
         return;
     m_due = true;
-    enqueue();
+    // First, so that nothing has to be remembered while it is queued.
     if (root().m_data->observer) [[unlikely]]
         tellObserver(cause, changed);
+    enqueue();
 }
 
 // Apart, so that whoever is not observed does not carry it along.

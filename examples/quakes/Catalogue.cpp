@@ -1,5 +1,7 @@
 #include "Catalogue.hpp"
 
+#include <fathom/VConnectionTypeColors.hpp>
+
 #include <loam/Numbers.hpp>
 
 #include <algorithm>
@@ -7,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <string_view>
+#include <typeinfo>
 #include <utility>
 
 namespace Quakes {
@@ -219,5 +222,11 @@ bool Orla::VValueTrait<Quakes::Catalogue>::setValueFromText(Quakes::Catalogue& c
 namespace {
 
 const Orla::VValueType<Quakes::Catalogue> catalogueType;
+
+// What people see of connections that carry one.
+const bool hasColor = [] {
+    Orla::VConnectionTypeColors::set(typeid(Quakes::Catalogue), "#D35400");
+    return true;
+}();
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <fathom/CommandLineParser.hpp>
 #include <fathom/String.hpp>
+#include <fathom/VConnectionTypeColors.hpp>
 
 #include <trellis/VObjectCreator.hpp>
 
@@ -12,6 +13,7 @@
 
 #include <limits>
 #include <stdexcept>
+#include <typeinfo>
 
 namespace Quakes {
 
@@ -81,6 +83,10 @@ private:
 namespace {
 
 const Orla::VValueType<Quakes::Land> landType;
+const bool hasColor = [] {
+    Orla::VConnectionTypeColors::set(typeid(Quakes::Land), "#8D6E63");
+    return true;
+}();
 const Orla::VObjectType<Quakes::CoastLines> coastLinesType{"CoastLines"};
 
 } // namespace

@@ -78,11 +78,11 @@ TEST(NetworkGraph, drawsWhatObjectsFindByThemselvesDashed)
                                   + object("listener", "Listener"))
                                 .out;
     EXPECT_THAT(connectionsOf(dot),
-                UnorderedElementsAre("clock:out0:e -> reader:in0:w [color=\"black\", style=dashed]",
-                                     "clock:out0:e -> told:in0:w [color=\"black\"]",
-                                     "maker:out0:e -> ChartSelector:in1:w [color=\"black\", style=dashed]",
-                                     "ChartSelector:out1:e -> follower:in0:w [color=\"black\", style=dashed]",
-                                     "InteractionSource:out0:e -> listener:in0:w [color=\"black\", style=dashed]"));
+                UnorderedElementsAre("clock:out0:e -> reader:in0:w [color=\"#B8860B\", style=dashed]",
+                                     "clock:out0:e -> told:in0:w [color=\"#B8860B\"]",
+                                     "maker:out0:e -> ChartSelector:in1:w [color=\"#C39BD3\", style=dashed]",
+                                     "ChartSelector:out1:e -> follower:in0:w [color=\"#8E44AD\", style=dashed]",
+                                     "InteractionSource:out0:e -> listener:in0:w [color=\"#E67E22\", style=dashed]"));
     EXPECT_THAT(dot, HasSubstr("<B>ChartSelector</B><BR/>VChartSelector</TD>"));
     EXPECT_THAT(dot, HasSubstr("<B>reader</B><BR/>TimeReader</TD>"));
     EXPECT_THAT(dot, HasSubstr(">maker.atlas</TD>"));
@@ -93,7 +93,7 @@ TEST(NetworkGraph, makesTheProviderThatNobodyNamed)
 {
     const ProcessResult result = graph(object("reader", "TimeReader"));
     EXPECT_THAT(connectionsOf(result.out),
-                ElementsAre("GlobalTime:out0:e -> reader:in0:w [color=\"black\", style=dashed]"));
+                ElementsAre("GlobalTime:out0:e -> reader:in0:w [color=\"#B8860B\", style=dashed]"));
 }
 
 TEST(NetworkGraph, hasALegendLineForEachType)

@@ -123,7 +123,8 @@ TEST(TypeCatalogue, knowsValueTypesWithTheirColours)
     EXPECT_THAT(number[0].components, IsEmpty());
     const auto time = catalogue.valueTypes("VTime");
     ASSERT_EQ(time.size(), 1u);
-    EXPECT_EQ(time[0].colour, "");
+    EXPECT_EQ(time[0].colour, "#B8860B");
+    EXPECT_EQ(catalogue.valueTypes("float")[0].colour, "");
     EXPECT_THAT(time[0].components, ElementsAre("time", "range", "dt"));
     const auto secret = catalogue.valueTypes("Secret");
     ASSERT_EQ(secret.size(), 1u);

@@ -173,8 +173,8 @@ TEST(TypeReport, hasTheStandardTypes)
                              "VObjectStatus", "VScalarFunctor",
                              "VTime", "char", "double", "float", "int", "long", "long long",
                              "short", "string", "unsigned int", "unsigned long", "unsigned long long", "unsigned short"})
-        EXPECT_THAT(result.out, ContainsRegex("\n  " + std::string(type) + " +value and input +(-|green) +\".*\"\n"));
-    EXPECT_THAT(result.out, ContainsRegex("\n  VChartList +value +-"));
+        EXPECT_THAT(result.out, ContainsRegex("\n  " + std::string(type) + " +value and input +(-|green|#[0-9A-F]+) +\".*\"\n"));
+    EXPECT_THAT(result.out, ContainsRegex("\n  VChartList +value +#C39BD3 "));
     EXPECT_THAT(result.out, ContainsRegex("\n  double +value and input +green +\"0\"\n"));
     EXPECT_THAT(result.out, ContainsRegex("\n  GlobalTime +" STANDARD_FOLDER "/standard.so\n"));
 }
