@@ -20,9 +20,10 @@ struct FATHOM_API VValueTrait<Gyre::FixedArray<int, 3>> {
 
     /// Reads three pieces between commas, one after the other into the first
     /// element; the other two keep what they were. So what `Text` wrote does not
-    /// read back: programs rely on the element that they get. Refuses, and changes
-    /// nothing, unless there are three pieces, the first of them not empty; ends
-    /// at the first piece that cannot be read.
+    /// read back: programs rely on the element that they get. The first character of
+    /// the text is dropped, whatever it is, in place of the bracket that `Text` writes.
+    /// Refuses, and changes nothing, unless there are three pieces, the first of them
+    /// not empty; ends at the first piece that cannot be read.
     static bool setValueFromText(Gyre::FixedArray<int, 3>& numbers, const std::string& text);
 };
 
