@@ -39,6 +39,29 @@ void forget(std::size_t place) noexcept
         theUnfinished[place] = nullptr;
 }
 
+std::string processFile(int descriptor)
+{
+    return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+// A new file without a name in the folder of `path`; -1 where there can be none, or
+// where it could not be given a name later.
+int openUnnamed(const std::string& path, unsigned mode) noexcept
+{
+#ifdef O_TMPFILE
+    const auto slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    const int descriptor = ::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, mode);
+    if (descriptor < 0 || ::access(processFile(descriptor).c_str(), F_OK) == 0)
+        return descriptor;
+    ::close(descriptor);
+#else
+    static_cast<void>(path);
+    static_cast<void>(mode);
+#endif
+    return -1;
+}
+
 } // namespace
 
 OutputFile::OutputFile(const std::string& path) : m_name{StringUtil::printable(path)}, m_path{path}
@@ -73,22 +96,45 @@ OutputFile::~OutputFile()
     discard();
 }
 
-void OutputFile::openBeside(unsigned mode, bool keepMode)
+std::string OutputFile::temporaryName(int number) const
 {
     const auto slash = m_path.rfind('/');
-    const std::string start =
-        (slash == std::string::npos ? std::string() : m_path.substr(0, slash + 1)) + ".unfinished-"
-        + std::to_string(::getpid()) + '-';
+    return (slash == std::string::npos ? std::string() : m_path.substr(0, slash + 1)) + ".unfinished-"
+           + std::to_string(::getpid()) + '-' + std::to_string(number) + ".tmp";
+}
+
+void OutputFile::openBeside(unsigned mode, bool keepMode)
+{
+    m_isFile = true;
+    m_descriptor = openUnnamed(m_path, mode);
     for (int number = 1; m_descriptor < 0; ++number) {
-        m_temporary = start + std::to_string(number) + ".tmp";
+        m_temporary = temporaryName(number);
         m_descriptor = ::open(m_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (m_descriptor < 0 && errno != EEXIST)
             throw FileError{"cannot write " + m_name, errno};
     }
     m_owned = true;
-    m_place = remember(m_temporary.c_str());
+    if (!m_temporary.empty())
+        m_place = remember(m_temporary.c_str());
     if (keepMode)
         ::fchmod(m_descriptor, mode);
+}
+
+// A name is needed to take the place of another file.
+void OutputFile::giveName()
+{
+    const std::string self = processFile(m_descriptor);
+    for (int number = 1;; ++number) {
+        m_temporary = temporaryName(number);
+        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_temporary.c_str(), AT_SYMLINK_FOLLOW) == 0)
+            break;
+        if (errno != EEXIST) {
+            const int why = errno;
+            m_temporary.clear();
+            throw FileError{"cannot write " + m_name, why};
+        }
+    }
+    m_place = remember(m_temporary.c_str());
 }
 
 void OutputFile::discard() noexcept
@@ -130,14 +176,15 @@ void OutputFile::commit()
         return;
     // Some systems tell only now that the disk is full. What is no file cannot be
     // synchronized, and need not be.
-    const bool lost = !m_temporary.empty() && ::fsync(m_descriptor) != 0 && errno != EINVAL && errno != EROFS
-                      && errno != ENOTSUP;
-    const int why = errno;
+    if (m_isFile && ::fsync(m_descriptor) != 0 && errno != EINVAL && errno != EROFS && errno != ENOTSUP)
+        throw FileError{"cannot write " + m_name, errno};
+    if (m_isFile && m_temporary.empty())
+        giveName();
     const bool closed = ::close(m_descriptor) == 0;
     m_descriptor = -1;
-    if (lost || !closed)
-        throw FileError{"cannot write " + m_name, lost ? why : errno};
-    if (m_temporary.empty())
+    if (!closed)
+        throw FileError{"cannot write " + m_name, errno};
+    if (!m_isFile)
         return;
     if (std::rename(m_temporary.c_str(), m_path.c_str()) != 0)
         throw FileError{"cannot write " + m_name, errno};

@@ -10,7 +10,9 @@
 namespace Loam {
 
 /// Receives results. A file appears as a whole or not at all: it is written
-/// beside its place under another name and renamed when it is complete.
+/// beside its place, without a name where the system can do that, and renamed when
+/// it is complete. So also a process that is killed leaves the file as it was, and
+/// nothing beside it.
 class LOAM_API OutputFile {
 public:
     /// A result in the file \p path. A link is followed; what is no file, as a
@@ -45,19 +47,22 @@ public:
     static void removeUnfinished() noexcept;
 
     /// True if the output goes to its place piece by piece.
-    bool isStream() const noexcept { return m_temporary.empty(); }
+    bool isStream() const noexcept { return !m_isFile; }
 
 private:
     void openBeside(unsigned mode, bool keepMode);
+    std::string temporaryName(int number) const;
+    void giveName();
     void discard() noexcept;
 
     std::string m_name;      // in messages
     std::string m_path;      // of the file in the end
-    std::string m_temporary; // of the file until then; empty for a stream
+    std::string m_temporary; // of the file until then; empty as long as it has no name
     std::string m_pending;
     std::size_t m_place = 0; // among the unfinished files
     int m_descriptor = -1;
     bool m_owned = false;
+    bool m_isFile = false;
 };
 
 } // namespace Loam

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -12,7 +13,10 @@
 #include <type_traits>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Loam;
 using testing::ElementsAre;
@@ -140,6 +144,18 @@ TEST(OutputFile, refusesAStreamThatWasClosed)
     EXPECT_THROW((OutputFile{-1, "standard output"}), FileError);
 }
 
+namespace {
+
+bool canBeUnnamed(const TestFolder& folder)
+{
+    const int descriptor = ::open(folder.path().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600);
+    if (descriptor >= 0)
+        ::close(descriptor);
+    return descriptor >= 0;
+}
+
+} // namespace
+
 TEST(OutputFile, leavesNothingUnfinishedWhenTheProgramEndsAtOnce)
 {
     const TestFolder folder;
@@ -152,10 +168,28 @@ TEST(OutputFile, leavesNothingUnfinishedWhenTheProgramEndsAtOnce)
         third.write("new");
         third.commit();
     }
-    EXPECT_EQ(folder.names().size(), 4u);
     OutputFile::removeUnfinished();
     EXPECT_THAT(folder.names(), ElementsAre("second", "third"));
     EXPECT_EQ(contentOf(folder.file("second")), "old");
+}
+
+TEST(OutputFile, leavesNothingBehindWhenTheProgramIsKilled)
+{
+    const TestFolder folder;
+    folder.write("result", "old");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        OutputFile output{folder.file("result")};
+        output.write("new");
+        output.flush();
+        std::raise(SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(contentOf(folder.file("result")), "old");
+    // Where a file needs a name, only that of the unfinished one is left.
+    EXPECT_EQ(folder.names().size(), canBeUnnamed(folder) ? 1u : 2u);
 }
 
 TEST(OutputFile, worksAlsoWhereMoreAreOpenThanAreRemembered)
