@@ -9,33 +9,9 @@
 #include <memory>
 #include <stdexcept>
 
-#include <locale.h>
-
 namespace Tarn {
 
 namespace {
-
-// Numbers in pictures have a point, whatever locale a library has set.
-class PlainNumbers {
-public:
-    PlainNumbers()
-        : m_plain{::newlocale(LC_NUMERIC_MASK, "C", ::duplocale(LC_GLOBAL_LOCALE))}, m_before{::uselocale(m_plain)}
-    {
-    }
-
-    ~PlainNumbers()
-    {
-        ::uselocale(m_before);
-        ::freelocale(m_plain);
-    }
-
-    PlainNumbers(const PlainNumbers&) = delete;
-    PlainNumbers& operator=(const PlainNumbers&) = delete;
-
-private:
-    ::locale_t m_plain;
-    ::locale_t m_before;
-};
 
 // Graphviz says a complaint in pieces.
 std::string& complaints()
@@ -74,7 +50,6 @@ struct Closer {
 
 std::string drawGraph(const std::string& dot, PictureFormat format)
 {
-    const PlainNumbers plainNumbers;
     complaints().clear();
     ::agseterrf(&complain);
     ::agreseterrors();
@@ -84,8 +59,8 @@ std::string drawGraph(const std::string& dot, PictureFormat format)
         fail();
     char* bytes = nullptr;
     unsigned int length = 0;
-    const int status = ::gvRenderData(context.get(), graph.get(), format == PictureFormat::Svg ? "svg:svg" : "png:cairo",
-                                      &bytes, &length);
+    const char* const renderer = format == PictureFormat::Svg ? "svg:svg" : "png:cairo";
+    const int status = ::gvRenderData(context.get(), graph.get(), renderer, &bytes, &length);
     std::string picture;
     if (bytes) {
         picture.assign(bytes, length);

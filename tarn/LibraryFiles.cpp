@@ -34,6 +34,11 @@ std::vector<std::string> namesIn(const std::string& folder)
     return names;
 }
 
+LibraryFile fileOf(const std::string& name, const std::string& path)
+{
+    return {.name = name, .path = path, .shadowedBy = {}, .refusal = {}, .objectTypes = {}, .valueTypes = {}};
+}
+
 std::vector<std::string> added(const std::vector<std::string>& before, const std::vector<std::string>& after)
 {
     std::vector<std::string> added;
@@ -65,7 +70,7 @@ std::vector<LibraryFile> findLibraryFiles(const std::vector<std::string>& folder
             const auto isSame = [&](const LibraryFile& each) { return each.path == path; };
             if (::access(path.c_str(), F_OK) != 0 || std::ranges::any_of(files, isSame))
                 continue;
-            LibraryFile file{.name = name, .path = path, .shadowedBy = {}, .refusal = {}, .objectTypes = {}, .valueTypes = {}};
+            LibraryFile file = fileOf(name, path);
             const auto first = std::ranges::find_if(
                 files, [&](const LibraryFile& each) { return each.name == name && each.refusal.empty(); });
             if (first != files.end())
@@ -77,7 +82,7 @@ std::vector<LibraryFile> findLibraryFiles(const std::vector<std::string>& folder
     for (const std::string& name : names) {
         if (std::ranges::find(files, name, &LibraryFile::name) != files.end())
             continue;
-        LibraryFile file{.name = name, .path = {}, .shadowedBy = {}, .refusal = {}, .objectTypes = {}, .valueTypes = {}};
+        LibraryFile file = fileOf(name, {});
         file.refusal = Libraries{folders}.load(name);
         files.push_back(std::move(file));
     }

@@ -211,6 +211,13 @@ std::string drawnColour(const std::string& colour)
     return doubled;
 }
 
+// \p start is the start of the cell's attributes, which end with the row's number.
+std::string cellOf(const std::vector<std::string>& names, std::size_t row, const std::string& start)
+{
+    return row < names.size() ? "<TD " + start + std::to_string(row) + "\">" + inLabel(names[row]) + "</TD>"
+                              : "<TD></TD>";
+}
+
 std::string boxOf(const NetworkGraph::Object& object)
 {
     std::string box = "<TABLE BORDER=\"1\" CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"4\">"
@@ -220,12 +227,8 @@ std::string boxOf(const NetworkGraph::Object& object)
     box += inLabel(object.type) + "</TD></TR>";
     for (std::size_t row = 0; row < std::max(object.inputs.size(), object.outputs.size()); ++row) {
         box += "<TR>";
-        box += row < object.inputs.size()
-                   ? "<TD ALIGN=\"LEFT\" PORT=\"in" + std::to_string(row) + "\">" + inLabel(object.inputs[row]) + "</TD>"
-                   : "<TD></TD>";
-        box += row < object.outputs.size()
-                   ? "<TD ALIGN=\"RIGHT\" PORT=\"out" + std::to_string(row) + "\">" + inLabel(object.outputs[row]) + "</TD>"
-                   : "<TD></TD>";
+        box += cellOf(object.inputs, row, "ALIGN=\"LEFT\" PORT=\"in");
+        box += cellOf(object.outputs, row, "ALIGN=\"RIGHT\" PORT=\"out");
         box += "</TR>";
     }
     return box + "</TABLE>";
@@ -241,7 +244,8 @@ std::string legendOf(const NetworkGraph& graph)
     }
     std::string rows;
     for (const auto& [type, colour] : colours)
-        rows += "<TR><TD BGCOLOR=\"" + colour + "\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">" + inLabel(type) + "</TD></TR>";
+        rows += "<TR><TD BGCOLOR=\"" + colour + "\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">" + inLabel(type)
+                + "</TD></TR>";
     if (hasImplicit)
         rows += "<TR><TD COLSPAN=\"2\" ALIGN=\"LEFT\">dashed: found by itself</TD></TR>";
     return "<TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLSPACING=\"4\">" + rows + "</TABLE>";
@@ -265,14 +269,15 @@ std::string dotText(const NetworkGraph& graph)
     for (std::size_t number = 0; number < graph.objects.size(); ++number)
         text += "    object" + std::to_string(number) + " [label=<" + boxOf(graph.objects[number]) + ">]\n";
     for (const NetworkGraph::Connection& connection : graph.connections) {
-        text += "    object" + std::to_string(connection.output.object)
-                + (connection.passesInputOn ? ":in" : ":out") + std::to_string(connection.output.slot)
-                + (connection.passesInputOn ? ":w" : ":e") + " -> object" + std::to_string(connection.input.object) + ":in"
-                + std::to_string(connection.input.slot) + ":w [color=\"" + drawnColour(connection.colour) + '"';
-        if (connection.isImplicit)
+        const auto& [output, passesInputOn, input, member, type, colour, isImplicit] = connection;
+        text += "    object" + std::to_string(output.object) + (passesInputOn ? ":in" : ":out")
+                + std::to_string(output.slot) + (passesInputOn ? ":w" : ":e") + " -> object"
+                + std::to_string(input.object) + ":in" + std::to_string(input.slot) + ":w [color=\""
+                + drawnColour(colour) + '"';
+        if (isImplicit)
             text += ", style=dashed";
-        if (!connection.member.empty())
-            text += ", label=<" + inLabel(connection.member) + ">";
+        if (!member.empty())
+            text += ", label=<" + inLabel(member) + ">";
         text += "]\n";
     }
     if (!graph.connections.empty())

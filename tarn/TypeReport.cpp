@@ -192,8 +192,8 @@ std::string libraryListText(const std::vector<LibraryFile>& files)
 {
     std::string text;
     for (const LibraryFile& file : files) {
-        text += (text.empty() ? "" : "\n") + printable(file.name) + (file.path.empty() ? "" : ", " + printable(file.path))
-                + '\n';
+        text += (text.empty() ? "" : "\n") + printable(file.name)
+                + (file.path.empty() ? "" : ", " + printable(file.path)) + '\n';
         if (!file.shadowedBy.empty())
             text += "  not used, because " + printable(file.shadowedBy) + " comes first\n";
         if (!file.refusal.empty())

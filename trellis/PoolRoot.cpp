@@ -244,21 +244,20 @@ void VScope::delist() noexcept
     m_container = nullptr;
 }
 
-void VScope::makeDue(Cause cause, const VParameter* changed)
+void VScope::makeDue()
 {
     if (m_due || !m_container || !m_container->m_isEvaluated)
         return;
     m_due = true;
-    // First, so that nothing has to be remembered while it is queued.
-    if (root().m_data->observer) [[unlikely]]
-        tellObserver(cause, changed);
     enqueue();
 }
 
-// Apart, so that whoever is not observed does not carry it along.
-void VScope::tellObserver(Cause cause, const VParameter* changed) const noexcept
+void VScope::makeDue(VScheduler::Observer::Cause cause, const VParameter* changed)
 {
-    root().m_data->observer->becameDue(*m_container->m_object, cause, changed, m_precision);
+    const bool wasDue = m_due;
+    makeDue();
+    if (VScheduler::Observer* const observer = root().m_data->observer; observer && m_due && !wasDue)
+        observer->becameDue(*m_container->m_object, cause, changed, m_precision);
 }
 
 void VScope::enqueue()

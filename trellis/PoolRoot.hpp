@@ -114,10 +114,11 @@ public:
 
     VScope* nextOfContainer() const noexcept { return m_next; }
 
-    using Cause = VScheduler::Observer::Cause;
-
     /// Queues the container's object for evaluation unless it is queued already.
-    void makeDue(Cause cause, const VParameter* changed = nullptr);
+    void makeDue();
+
+    /// As above, and tells the pool's observer, if there is one, why.
+    void makeDue(VScheduler::Observer::Cause cause, const VParameter* changed = nullptr);
 
     /// Moves a container that is queued to the place of its present order.
     void requeue();
@@ -134,7 +135,6 @@ private:
     friend class VParameter;
     friend class VScheduler;
 
-    void tellObserver(Cause cause, const VParameter* changed) const noexcept;
     void enqueue();
     void dequeue();
     void enlist();

@@ -150,6 +150,7 @@ void VParameter::makeReadersDue(ValuePool& root, const std::string& member) cons
     PoolRoot* data = root.m_data.get();
     if (!data)
         return;
+    const bool isObserved = data->observer != nullptr;
     // A clock may have a hundred thousand readers, each somewhere else in memory.
     constexpr std::size_t Ahead = 8;
     const std::size_t count = m_readers.size();
@@ -170,7 +171,10 @@ void VParameter::makeReadersDue(ValuePool& root, const std::string& member) cons
         // An object that writes an input of its own knows about it.
         if (scope.m_updating && !reader->readsOthers())
             continue;
-        scope.makeDue(VScope::Cause::Changed, this);
+        if (isObserved) [[unlikely]]
+            scope.makeDue(VScheduler::Observer::Cause::Changed, this);
+        else
+            scope.makeDue();
     }
 }
 

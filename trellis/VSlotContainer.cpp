@@ -225,7 +225,7 @@ std::string VSlotContainer::describe() const
 void VSlotContainer::becomeDueEverywhere()
 {
     for (VScope* scope = m_scopes; scope; scope = scope->nextOfContainer())
-        scope->makeDue(VScope::Cause::Connected);
+        scope->makeDue(VScheduler::Observer::Cause::Connected);
 }
 
 } // namespace Orla

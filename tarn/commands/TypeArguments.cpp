@@ -13,7 +13,10 @@ namespace Tarn {
 
 Option libraryOption()
 {
-    return {.name = "library", .shape = "NAME", .help = "Loads an object library beside the standard one.", .repeats = true};
+    return {.name = "library",
+            .shape = "NAME",
+            .help = "Loads an object library beside the standard one.",
+            .repeats = true};
 }
 
 Option levelOption()
