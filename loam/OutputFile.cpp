@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -42,6 +43,29 @@ void forget(std::size_t place) noexcept
 std::string processFile(int descriptor)
 {
     return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
+std::string nameBeside(const std::string& path, int number)
+{
+    const auto slash = path.rfind('/');
+    return (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + ".unfinished-"
+           + std::to_string(::getpid()) + '-' + std::to_string(number) + ".tmp";
+}
+
+// A name is needed to take the place of another file. False, and errno tells why, if
+// the file cannot be given one.
+bool giveName(int descriptor, const std::string& path, std::string& name)
+{
+    const std::string self = processFile(descriptor);
+    for (int number = 1;; ++number) {
+        std::string free = nameBeside(path, number);
+        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, free.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+            name = std::move(free);
+            return true;
+        }
+        if (errno != EEXIST)
+            return false;
+    }
 }
 
 // A new file without a name in the folder of `path`; -1 where there can be none, or
@@ -96,19 +120,12 @@ OutputFile::~OutputFile()
     discard();
 }
 
-std::string OutputFile::temporaryName(int number) const
-{
-    const auto slash = m_path.rfind('/');
-    return (slash == std::string::npos ? std::string() : m_path.substr(0, slash + 1)) + ".unfinished-"
-           + std::to_string(::getpid()) + '-' + std::to_string(number) + ".tmp";
-}
-
 void OutputFile::openBeside(unsigned mode, bool keepMode)
 {
     m_isFile = true;
     m_descriptor = openUnnamed(m_path, mode);
     for (int number = 1; m_descriptor < 0; ++number) {
-        m_temporary = temporaryName(number);
+        m_temporary = nameBeside(m_path, number);
         m_descriptor = ::open(m_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (m_descriptor < 0 && errno != EEXIST)
             throw FileError{"cannot write " + m_name, errno};
@@ -118,23 +135,6 @@ void OutputFile::openBeside(unsigned mode, bool keepMode)
         m_place = remember(m_temporary.c_str());
     if (keepMode)
         ::fchmod(m_descriptor, mode);
-}
-
-// A name is needed to take the place of another file.
-void OutputFile::giveName()
-{
-    const std::string self = processFile(m_descriptor);
-    for (int number = 1;; ++number) {
-        m_temporary = temporaryName(number);
-        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, m_temporary.c_str(), AT_SYMLINK_FOLLOW) == 0)
-            break;
-        if (errno != EEXIST) {
-            const int why = errno;
-            m_temporary.clear();
-            throw FileError{"cannot write " + m_name, why};
-        }
-    }
-    m_place = remember(m_temporary.c_str());
 }
 
 void OutputFile::discard() noexcept
@@ -178,8 +178,11 @@ void OutputFile::commit()
     // synchronized, and need not be.
     if (m_isFile && ::fsync(m_descriptor) != 0 && errno != EINVAL && errno != EROFS && errno != ENOTSUP)
         throw FileError{"cannot write " + m_name, errno};
-    if (m_isFile && m_temporary.empty())
-        giveName();
+    if (m_isFile && m_temporary.empty()) {
+        if (!giveName(m_descriptor, m_path, m_temporary))
+            throw FileError{"cannot write " + m_name, errno};
+        m_place = remember(m_temporary.c_str());
+    }
     const bool closed = ::close(m_descriptor) == 0;
     m_descriptor = -1;
     if (!closed)

@@ -51,8 +51,6 @@ public:
 
 private:
     void openBeside(unsigned mode, bool keepMode);
-    std::string temporaryName(int number) const;
-    void giveName();
     void discard() noexcept;
 
     std::string m_name;      // in messages
