@@ -4,6 +4,14 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+#include <string>
+
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 using Tarn::Progress;
 using testing::HasSubstr;
 using testing::Not;
@@ -39,6 +47,65 @@ TEST(Progress, fitsIntoNarrowTerminals)
         EXPECT_LE(line.size(), width);
         EXPECT_THAT(line, HasSubstr(std::string("123/4567").substr(0, width)));
     }
+}
+
+namespace {
+
+// What the host program shows on a terminal of that many columns.
+std::string shownOnATerminal(const std::string& network, unsigned short columns)
+{
+    const TestFolder folder;
+    const std::string file = folder.write("net.toml", networkHead + network);
+    winsize size{};
+    size.ws_col = columns;
+    size.ws_row = 24;
+    int terminal = -1;
+    const pid_t process = ::forkpty(&terminal, nullptr, nullptr, &size);
+    if (process == 0) {
+        ::setenv("TARN_LIBRARIES", TEST_OBJECTS_FOLDER, 1);
+        ::execl(TARN_PROGRAM, TARN_PROGRAM, "run", file.c_str(), static_cast<char*>(nullptr));
+        ::_exit(127);
+    }
+    std::string shown;
+    char buffer[4096];
+    // A terminal whose other end was closed is an error and no end of file.
+    for (ssize_t got = 0; (got = ::read(terminal, buffer, sizeof buffer)) > 0;)
+        shown.append(buffer, static_cast<std::size_t>(got));
+    ::close(terminal);
+    int status = 0;
+    EXPECT_EQ(::waitpid(process, &status, 0), process);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << shown;
+    return shown;
+}
+
+// Long enough for the line to be drawn some times.
+const std::string longRun = object("clock", "GlobalTime", "set = { time = '0[0,1]@0.0000005' }\n")
+                            + object("reader", "TimeReader");
+
+} // namespace
+
+TEST(Progress, isShownOnATerminalAndTakenAwayAtTheEnd)
+{
+    const std::string shown = shownOnATerminal(longRun, 100);
+    EXPECT_THAT(shown, testing::ContainsRegex("\\[[#.]+\\] [0-9]+/2000001, [0-9]+/s, [0-9]+s left"));
+    const std::string before = shown.substr(0, shown.find("2 objects, 2000001 steps"));
+    EXPECT_LT(before.rfind("/s, "), before.rfind("\r\x1b[K")) << "the line goes before the message comes";
+}
+
+TEST(Progress, fitsIntoATerminalOfTwentyColumns)
+{
+    const std::string shown = shownOnATerminal(longRun, 20);
+    const std::string erase = "\r\x1b[K";
+    std::size_t lines = 0;
+    for (auto at = shown.find(erase); at != std::string::npos; at = shown.find(erase, at + 1)) {
+        const auto start = at + erase.size();
+        const std::string line = shown.substr(start, shown.find_first_of("\r\n", start) - start);
+        if (line.find("/2000001") != std::string::npos) {
+            EXPECT_LT(line.size(), 20u) << line;
+            ++lines;
+        }
+    }
+    EXPECT_GT(lines, 0u);
 }
 
 TEST(Progress, isNotShownWhereNobodyWatches)
