@@ -18,7 +18,8 @@ namespace {
 
 class Chartmaker : public VObject, public Atlas {
 public:
-    Chartmaker(const std::string& name, const VChartList& charts) : VObject{name, 0, nullptr}, Atlas{"charts"}, m_charts{charts}
+    Chartmaker(const std::string& name, const VChartList& charts)
+        : VObject{name, 0, nullptr}, Atlas{"charts"}, m_charts{charts}
     {
     }
 

@@ -23,7 +23,10 @@ struct EvaluationSummary {
     bool timeIsLost = false;    ///< the time provider went before the last step
     bool chartIsMissing = false; ///< nobody offers the chart that is wanted
 
-    bool isFine() const noexcept { return failures == 0 && stopped == 0 && !cancelled && !timeIsLost && !chartIsMissing; }
+    bool isFine() const noexcept
+    {
+        return failures == 0 && stopped == 0 && !cancelled && !timeIsLost && !chartIsMissing;
+    }
 };
 
 /// What an evaluation is to do beside running what is due.

@@ -33,7 +33,8 @@ StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool)
             const auto* typed = Orla::VTypedValueBase<VObjectStatus>::cast(value.get());
             if (typed && typed->getValue(status)) {
                 const std::string text = status.plainText();
-                if (text.find_first_not_of(" \t\r\n") != std::string::npos || status.severity() != VObjectStatus::Severity::Information)
+                const bool isBlank = text.find_first_not_of(" \t\r\n") == std::string::npos;
+                if (!isBlank || status.severity() != VObjectStatus::Severity::Information)
                     entries.push_back({object->Name(), status.severity(), text});
             }
             return true;

@@ -104,7 +104,8 @@ private:
 
     static StrongPtr<Loam::ChunkBase> grabbed(const VInteractionEvent& event, const Orla::VCamera& camera)
     {
-        return Loam::makeStrong<DragChunk>(std::size_t{1}, Drag{static_cast<double>(event.x), static_cast<double>(event.y), camera});
+        const Drag drag{static_cast<double>(event.x), static_cast<double>(event.y), camera};
+        return Loam::makeStrong<DragChunk>(std::size_t{1}, drag);
     }
 
     // Null unless this object holds the grab.

@@ -23,9 +23,9 @@ Orla::VCamera orbited(const Orla::VCamera& camera, double east, double north)
     const double before = std::asin(std::clamp(offset.z() / distance, -1.0, 1.0));
     const double latitude = std::clamp(before + north * Degree, -HighestLatitude, HighestLatitude);
     Orla::VCamera moved = camera;
-    moved.position = camera.focus
-                     + distance * Gyre::PhysicalSpace::vector{std::cos(latitude) * std::cos(longitude),
-                                                              std::cos(latitude) * std::sin(longitude), std::sin(latitude)};
+    const Gyre::PhysicalSpace::vector direction{std::cos(latitude) * std::cos(longitude),
+                                                std::cos(latitude) * std::sin(longitude), std::sin(latitude)};
+    moved.position = camera.focus + distance * direction;
     return moved;
 }
 

@@ -72,8 +72,10 @@ public:
             const std::string file = isFrame ? frameName(pattern, stepIn(pool)) : pattern;
             write(file, pool);
             ++m_written;
-            setStatusInfo(pool, "wrote " + Orla::VObjectStatus::escaped(file)
-                                    + (m_written > 1 ? ", the last of " + std::to_string(m_written) + " pictures" : ""));
+            std::string message = "wrote " + Orla::VObjectStatus::escaped(file);
+            if (m_written > 1)
+                message += ", the last of " + std::to_string(m_written) + " pictures";
+            setStatusInfo(pool, message);
         } catch (const std::exception& error) {
             setStatusError(pool, Orla::VObjectStatus::escaped(error.what()), false);
         }
@@ -134,7 +136,8 @@ private:
 
     Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
     Orla::TypedSlot<Land> m_land{this, "land", Land{}, 0};
-    Orla::TypedSlot<Orla::VCamera> m_camera{this, "camera", Orla::VCamera{{-1.5e7, -1.26e7, 1.64e7}, {}, {0, 0, 1}, 29}, 0};
+    Orla::TypedSlot<Orla::VCamera> m_camera{this, "camera",
+                                            Orla::VCamera{{-1.5e7, -1.26e7, 1.64e7}, {}, {0, 0, 1}, 29}, 0};
     Orla::TypedSlot<std::string> m_title{this, "title", "Earthquakes", 0};
     Orla::TypedSlot<Orla::Enum> m_color{this, "color", colorRules(), 0};
     Orla::TypedSlot<double> m_width{this, "width", 900.0, 0};

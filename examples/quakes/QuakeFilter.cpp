@@ -218,7 +218,8 @@ private:
     Orla::TypedSlot<Catalogue> m_all{this, "catalog", Catalogue{}, 0};
     Orla::TypedSlot<Orla::Range> m_magnitude{this, "magnitude", Orla::Range{-infinity, infinity}, 0};
     Orla::TypedSlot<SomeOf> m_networks{this, "networks", Loam::makeStrong<Orla::MultipleStringSelection>(), 0};
-    Orla::TypedSlot<OneOf> m_magnitudeType{this, "magnitudeType", Loam::makeStrong<Orla::StringSelection>(), {}, 0, true};
+    Orla::TypedSlot<OneOf> m_magnitudeType{this, "magnitudeType", Loam::makeStrong<Orla::StringSelection>(), {}, 0,
+                                           true};
     Orla::TypedSlot<bool[]> m_kinds{this, "kinds", "", 0};
     Orla::VOutput<Catalogue> m_selected{this, "catalog", Catalogue{}};
     Orla::VOutput<double> m_count{this, "count", 0.0};

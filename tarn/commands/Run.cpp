@@ -218,7 +218,8 @@ is then as before; standard output has got the rows of the steps before.
                 {.name = "steps", .shape = "N", .help = "Evaluates the first N steps only."},
                 {.name = "chart",
                  .shape = "NAME",
-                 .help = "Makes all objects that depend on a coordinate chart\nfollow this one, whatever the file says."},
+                 .help = "Makes all objects that depend on a coordinate chart\n"
+                         "follow this one, whatever the file says."},
                 {.name = "events",
                  .shape = "FILE",
                  .help = "Plays events of pointer and keyboard from a file; lines\n"

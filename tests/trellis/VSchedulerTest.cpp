@@ -429,7 +429,8 @@ TEST_F(VSchedulerTest, runsReadersOfWhatAnUpdateWroteBeforeItFailed)
         const VScheduler::Summary summary = VScheduler::run(pool);
         EXPECT_EQ(summary.failures, 1u);
         EXPECT_EQ(summary.updates, 3u);
-        EXPECT_THAT(warnings(), testing::ElementsAre(testing::HasSubstr(throws ? "failed: " : "failed: its update returned false")));
+        const char* const reason = throws ? "failed: " : "failed: its update returned false";
+        EXPECT_THAT(warnings(), testing::ElementsAre(testing::HasSubstr(reason)));
     }
 }
 
