@@ -46,6 +46,14 @@ struct Closer {
     void operator()(GVC_t* context) const { ::gvFreeContext(context); }
 };
 
+// One for the whole process: what writes texts remembers the name of its last font,
+// which would be gone with the context of the picture before.
+GVC_t* theContext()
+{
+    static const std::unique_ptr<GVC_t, Closer> context(::gvContext());
+    return context.get();
+}
+
 } // namespace
 
 std::string drawGraph(const std::string& dot, PictureFormat format)
@@ -53,20 +61,20 @@ std::string drawGraph(const std::string& dot, PictureFormat format)
     complaints().clear();
     ::agseterrf(&complain);
     ::agreseterrors();
-    const std::unique_ptr<GVC_t, Closer> context(::gvContext());
+    GVC_t* const context = theContext();
     const std::unique_ptr<Agraph_t, Closer> graph(::agmemread(dot.c_str()));
-    if (!graph || ::gvLayout(context.get(), graph.get(), "dot") != 0)
+    if (!graph || ::gvLayout(context, graph.get(), "dot") != 0)
         fail();
     char* bytes = nullptr;
     unsigned int length = 0;
     const char* const renderer = format == PictureFormat::Svg ? "svg:svg" : "png:cairo";
-    const int status = ::gvRenderData(context.get(), graph.get(), renderer, &bytes, &length);
+    const int status = ::gvRenderData(context, graph.get(), renderer, &bytes, &length);
     std::string picture;
     if (bytes) {
         picture.assign(bytes, length);
         ::gvFreeRenderData(bytes);
     }
-    ::gvFreeLayout(context.get(), graph.get());
+    ::gvFreeLayout(context, graph.get());
     // After an error there may be a picture, with something missing.
     if (status != 0 || picture.empty() || ::agerrors() >= AGERR)
         fail();
