@@ -86,8 +86,11 @@ public:
             if (progress)
                 progress->show(m_summary.steps);
         }
+        const bool wasFine = m_summary.isFine();
         if (m_actions.emitFinished(m_pool))
             runDue();
+        if (wasFine && !m_summary.isFine())
+            m_summary.firstTrouble = m_summary.steps - 1;
         return m_summary;
     }
 

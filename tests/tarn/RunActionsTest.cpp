@@ -41,3 +41,11 @@ TEST(RunActions, arePassedOnByAKeyWithTheirNumbers)
                  + column("count", "counter.count"));
     EXPECT_EQ(result.out, "step,count\n0,1\n1,2\n2,3\n3,4\n4,5\n") << result.err;
 }
+
+TEST(RunActions, countWhatFailsAtTheEndToTheLastStep)
+{
+    const ProcessResult result = evaluate(clockInQuarters + object("run", "Run")
+                                          + object("touchy", "Touchy", "connect = { trigger = 'run.finished' }\n"));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, testing::HasSubstr("5 steps, 1 failure, the first in step 4\n"));
+}

@@ -434,6 +434,17 @@ private:
     VOutput<double> m_count;
 };
 
+// Fails when an action reaches it.
+class Touchy final : public Orla::VObject {
+public:
+    using VObject::VObject;
+
+    bool update(Orla::VRequest&, double number) override { return number == 0; }
+
+private:
+    TypedSlot<StrongPtr<Orla::VAction>> m_trigger{this, "trigger", nullptr, 0};
+};
+
 // Tells what its inputs say.
 class Teller final : public Orla::VObject, public Orla::StatusIndicator {
 public:
@@ -609,6 +620,7 @@ const Orla::VObjectType<Chartmaker> chartmakerType{"Chartmaker"};
 const Orla::VObjectType<Follower> followerType{"Follower"};
 const Orla::VObjectType<Listener> listenerType{"Listener"};
 const Orla::VObjectType<ActionCounter> actionCounterType{"ActionCounter"};
+const Orla::VObjectType<Touchy> touchyType{"Touchy"};
 const Orla::VObjectType<Teller> tellerType{"Teller"};
 const Orla::VObjectType<Opener> openerType{"Opener"};
 
