@@ -41,7 +41,7 @@ faults, each with its place. Evaluates nothing. The exit status is 2 if there ar
 
 Keys of the keyboard to which several objects listen are no fault, but are listed.
 )",
-        .libraryFolders = "the network's folder and its subfolder \"lib\"",
+        .libraryFolders = NetworkFolders,
         .perform = &perform,
     };
     return command;

@@ -43,6 +43,14 @@ std::unique_ptr<Loam::OutputFile> openResult(const std::string& path, const Stan
                                   : std::make_unique<Loam::OutputFile>(path);
 }
 
+Option setOption()
+{
+    return {.name = "set",
+            .shape = "OBJECT.SLOT=TEXT",
+            .help = "Sets an input, whatever the file says. Of several\ntexts for one input the last one counts.",
+            .repeats = true};
+}
+
 std::vector<std::string> overridesOf(const Arguments& arguments)
 {
     std::vector<std::string> overrides = arguments.texts("set");

@@ -36,6 +36,14 @@ bool isStandardOutput(const std::string& name);
 /// \throw Loam::FileError
 std::unique_ptr<Loam::OutputFile> openResult(const std::string& path, const StandardStreams& streams);
 
+/// The option `--set`, as all commands have it that make a network's objects anew.
+Option setOption();
+
+/// Where commands look for libraries beside the usual places: those that load a
+/// network, and those that do not.
+inline constexpr char NetworkFolders[] = "the network's folder and its subfolder \"lib\"";
+inline constexpr char WorkingFolders[] = "the working folder and its subfolder \"lib\"";
+
 /// The texts of the option `--set`.
 /// \throw UsageError if one is not of the form OBJECT.SLOT=TEXT.
 std::vector<std::string> overridesOf(const Arguments& arguments);

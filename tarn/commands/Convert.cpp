@@ -67,13 +67,10 @@ listed; names of folders are listed only.
 )",
         .options =
             {
-                {.name = "set",
-                 .shape = "OBJECT.SLOT=TEXT",
-                 .help = "Sets an input, whatever the file says. Of several\ntexts for one input the last one counts.",
-                 .repeats = true},
+                setOption(),
                 {.name = "keep-names", .shape = "", .help = "Leaves texts that name files as they are."},
             },
-        .libraryFolders = "the network's folder and its subfolder \"lib\"",
+        .libraryFolders = NetworkFolders,
         .perform = &perform,
     };
     return command;

@@ -62,7 +62,7 @@ both if there are two. To learn of its inputs and outputs, an object is made and
 again; the exit status is 1 if none can be made, and 2 if there is no such type.
 )",
         .options = {libraryOption(), levelOption(), jsonOption()},
-        .libraryFolders = "the working folder and its subfolder \"lib\"",
+        .libraryFolders = WorkingFolders,
         .perform = &perform,
     };
     return command;

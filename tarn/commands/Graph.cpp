@@ -82,7 +82,7 @@ drawn.
                  .help = "Where the drawing goes; the ending says in which form.\n"
                          "\"-\" is the text for Graphviz on standard output."},
             },
-        .libraryFolders = "the network's folder and its subfolder \"lib\"",
+        .libraryFolders = NetworkFolders,
         .perform = &perform,
     };
     return command;

@@ -36,7 +36,7 @@ types of objects and values. A file that cannot be loaded is listed with the rea
 it was named, the exit status is 2.
 )",
         .options = {jsonOption()},
-        .libraryFolders = "the working folder and its subfolder \"lib\"",
+        .libraryFolders = WorkingFolders,
         .perform = &perform,
     };
     return command;

@@ -36,7 +36,7 @@ Inputs with a partner that is found by itself need no connection: the time comes
 network's clock, events come from the interaction source, and so on.
 )",
         .options = {libraryOption(), levelOption(), jsonOption()},
-        .libraryFolders = "the working folder and its subfolder \"lib\"",
+        .libraryFolders = WorkingFolders,
         .perform = &perform,
     };
     return command;

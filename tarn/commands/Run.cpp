@@ -211,10 +211,7 @@ is then as before; standard output has got the rows of the steps before.
 )",
         .options =
             {
-                {.name = "set",
-                 .shape = "OBJECT.SLOT=TEXT",
-                 .help = "Sets an input, whatever the file says. Of several\ntexts for one input the last one counts.",
-                 .repeats = true},
+                setOption(),
                 {.name = "steps", .shape = "N", .help = "Evaluates the first N steps only."},
                 {.name = "chart",
                  .shape = "NAME",
@@ -239,7 +236,7 @@ is then as before; standard output has got the rows of the steps before.
                  .help = "Writes which objects ran when, for how long and why, for\n"
                          "the tracing pages of web browsers; \"-\" is standard output."},
             },
-        .libraryFolders = "the network's folder and its subfolder \"lib\"",
+        .libraryFolders = NetworkFolders,
         .perform = &perform,
     };
     return command;

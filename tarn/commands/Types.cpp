@@ -33,7 +33,7 @@ their connections are drawn and the text of a value that nobody has set; and the
 types that the standard library and the libraries named bring, with their files.
 )",
         .options = {libraryOption(), jsonOption()},
-        .libraryFolders = "the working folder and its subfolder \"lib\"",
+        .libraryFolders = WorkingFolders,
         .perform = &perform,
     };
     return command;
