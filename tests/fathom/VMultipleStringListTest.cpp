@@ -1,6 +1,6 @@
 #include <fathom/VMultipleStringList.hpp> // first: proves that the header stands alone
 
-#include "Recorders.hpp"
+#include "SelectionInput.hpp"
 
 #include <fathom/VOutput.hpp>
 #include <fathom/VValueType.hpp>
@@ -320,28 +320,15 @@ public:
 
     bool update(VRequest& request, double) override
     {
-        seen.push_back(Trait::Text(fields.value(request.valuePool())));
+        seen.push_back(Trait::Text(field.value(request.valuePool())));
         return true;
     }
 
-    TypedSlot<Selection> fields{this, "fields", make("b", "a,b,c"), 0};
+    TypedSlot<Selection> field{this, "field", make("b", "a,b,c"), 0};
     std::vector<std::string> seen;
 };
 
-class MultipleStringSelectionInput : public testing::Test {
-protected:
-    const TypedSlot<Selection>& slot() const { return m_object->fields; }
-    StrongPtr<VValueBase> valueIn(const StrongPtr<ValuePool>& pool) const
-    {
-        return slot().slot()->getLocalValue(pool);
-    }
-    std::string initialText() const { return slot().parameter()->DefaultValue()->Text(); }
-
-    const StrongPtr<Picker> m_object{new Picker("picker")};
-    const StrongPtr<ValuePool> m_first{new ValuePool("first")};
-    const StrongPtr<ValuePool> m_second{new ValuePool("second")};
-    const Changes m_changes{slot().parameter()};
-};
+using MultipleStringSelectionInput = SelectionInput<Picker>;
 
 } // namespace
 

@@ -1,6 +1,6 @@
 #include <fathom/VStringList.hpp> // first: proves that the header stands alone
 
-#include "Recorders.hpp"
+#include "SelectionInput.hpp"
 
 #include <fathom/VOutput.hpp>
 
@@ -234,20 +234,7 @@ public:
     std::vector<std::string> seen;
 };
 
-class StringSelectionInput : public testing::Test {
-protected:
-    const TypedSlot<Selection>& slot() const { return m_object->field; }
-    StrongPtr<VValueBase> valueIn(const StrongPtr<ValuePool>& pool) const
-    {
-        return slot().slot()->getLocalValue(pool);
-    }
-    std::string initialText() const { return slot().parameter()->DefaultValue()->Text(); }
-
-    const StrongPtr<Chooser> m_object{new Chooser("chooser")};
-    const StrongPtr<ValuePool> m_first{new ValuePool("first")};
-    const StrongPtr<ValuePool> m_second{new ValuePool("second")};
-    const Changes m_changes{slot().parameter()};
-};
+using StringSelectionInput = SelectionInput<Chooser>;
 
 } // namespace
 
