@@ -123,6 +123,18 @@ TEST(Program, letsTheUserTurnTheGlobeAndPutItBack)
     EXPECT_EQ(drawn(drag + "64 move 900 900\n"), turned) << "the pointer was let go";
 }
 
+TEST(Program, comesNearerWithEachTurnOfTheWheelAlsoInOneStep)
+{
+    const TestFolder folder;
+    const auto drawn = [&](const std::string& events) {
+        folder.write("events.txt", events);
+        EXPECT_EQ(run({"--set=picture.file=" + folder.file("a.svg"), "--events=" + folder.file("events.txt")}).status, 0);
+        return contentOf(folder.file("a.svg"));
+    };
+    const std::string turn = "64 wheel 450 450 1\n";
+    EXPECT_NE(drawn(turn), drawn(turn + turn));
+}
+
 TEST(Program, writesThePictureWhenItsKeyIsPressed)
 {
     const TestFolder folder;
