@@ -42,11 +42,6 @@ bool isNumberType(const std::type_info& type) noexcept
     return std::ranges::any_of(numbers, [&](const std::type_info* number) { return *number == type; });
 }
 
-bool isUtf8(const std::string& text)
-{
-    return findInvalidUtf8(text) == std::string_view::npos;
-}
-
 bool hasLibrary(const std::string& folder, const std::string& name)
 {
     return std::ranges::any_of(Libraries::searchPath(folder), [&](const std::string& place) {

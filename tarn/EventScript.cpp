@@ -177,8 +177,8 @@ private:
         std::string key;
         if (const auto named = find(Keys, word.text))
             key = *named;
-        else if (!word.text.empty() && placeAt(word.text, word.text.size()).column == 2)
-            key = word.text; // one character, of whatever number of bytes
+        else if (countCharacters(word.text) == 1)
+            key = word.text;
         else {
             refuse(word, "one character, or space, tab, enter, escape or hash");
             return;

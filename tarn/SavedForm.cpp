@@ -11,11 +11,6 @@ namespace {
 
 using Value = Orla::StrongPtr<Orla::VValueBase>;
 
-bool isUtf8(const std::string& text)
-{
-    return findInvalidUtf8(text) == std::string_view::npos;
-}
-
 // What the texts make of a copy of `given`, each starting from a copy of what the
 // one before left, as in an input; null if one is refused.
 Value readInto(const Value& given, const std::vector<std::string>& texts)

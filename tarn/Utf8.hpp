@@ -12,6 +12,11 @@ namespace Tarn {
 /// `npos` if there is none.
 std::size_t findInvalidUtf8(std::string_view text) noexcept;
 
+inline bool isUtf8(std::string_view text) noexcept
+{
+    return findInvalidUtf8(text) == std::string_view::npos;
+}
+
 /// How many characters \p text has.
 /// \pre It is well-formed, or a rough number will do.
 std::size_t countCharacters(std::string_view text) noexcept;

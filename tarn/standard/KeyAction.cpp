@@ -28,7 +28,7 @@ public:
         if (HotKeyIsPressed(pool))
             m_theAction->emitAction(pool, m_action.parameter());
         if (number != 0)
-            Loam::makeStrong<Orla::VAction>(number)->emitAction(pool, m_action.parameter());
+            Orla::VAction{number}.emitAction(pool, m_action.parameter());
         return true;
     }
 
