@@ -2,6 +2,57 @@
 
 namespace Loam {
 
+namespace {
+
+// Enough that the clock is rarely asked, and few enough that it never runs out.
+constexpr Ageable::Age TicksInAdvance = 4096;
+
+struct Reserve {
+    unsigned scopes;
+    Ageable::Age last; // the last tick taken
+    Ageable::Age end;  // the last tick that may be taken; 0 before the first one
+};
+
+#if defined(__GNUC__) && !defined(_WIN32)
+__attribute__((tls_model("initial-exec")))
+#endif
+thread_local Reserve t_reserve{};
+
+} // namespace
+
 std::atomic<Ageable::Age> Ageable::GlobalTime{0};
+
+Ageable::Age Ageable::nowAmongThreads() noexcept
+{
+    return t_reserve.end != 0 ? t_reserve.last : GlobalTime.load(std::memory_order_relaxed);
+}
+
+Ageable::Age Ageable::nextAmongThreads() noexcept
+{
+    Reserve& reserve = t_reserve;
+    if (reserve.scopes == 0)
+        return GlobalTime.fetch_add(1, std::memory_order_relaxed) + 1;
+    if (reserve.last == reserve.end) {
+        reserve.last = GlobalTime.fetch_add(TicksInAdvance, std::memory_order_relaxed);
+        reserve.end = reserve.last + TicksInAdvance;
+    }
+    return ++reserve.last;
+}
+
+// An inner scope starts with new ticks, because it may meet values that other threads
+// touched since the outer one began.
+Ageable::Ticks::Ticks() noexcept
+{
+    ++t_reserve.scopes;
+    t_reserve.last = 0;
+    t_reserve.end = 0;
+}
+
+Ageable::Ticks::~Ticks()
+{
+    --t_reserve.scopes;
+    t_reserve.last = 0;
+    t_reserve.end = 0;
+}
 
 } // namespace Loam
