@@ -39,9 +39,21 @@ public:
     StrongPtr<Adder> add()
     {
         auto object = Loam::makeStrong<Adder>("adder", 0, nullptr);
-        object->enableRequestProcessing();
+        VObject::finishCreation(object); // as `createObject` does
         objects.push_back(object);
         return object;
+    }
+
+    Network() = default;
+    Network(const Network&) = delete;
+    Network& operator=(const Network&) = delete;
+    ~Network()
+    {
+        pool.reset();
+        while (!objects.empty()) {
+            VManagedObject::remove(objects.back());
+            objects.pop_back();
+        }
     }
 
     static void connect(const StrongPtr<Adder>& from, const StrongPtr<Adder>& to, const TypedSlot<double>& input)

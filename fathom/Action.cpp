@@ -1,8 +1,10 @@
 #include <fathom/Action.hpp>
 
+#include <trellis/VNetwork.hpp>
 #include <trellis/VScheduler.hpp>
 
-#include <limits>
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace Orla {
@@ -18,25 +20,24 @@ bool VAction::emitAction(const StrongPtr<ValuePool>& pool, const StrongPtr<VPara
     if (WeakPtrImpl<VParameter>(parameter).expired())
         return false;
 
-    // Collected first: what scheduling sets off must not meet the traversal.
-    struct Listeners final : VManagedObjectIterator {
-        explicit Listeners(const StrongPtr<VParameter>& theParameter) : parameter{theParameter} {}
-
-        bool apply(const StrongPtr<VManagedObject>& managed) override
-        {
-            const StrongPtr<VObject> object(managed);
-            if (object && object->findSlot(parameter))
-                objects.push_back(object);
-            return true;
-        }
-
-        StrongPtr<VParameter> parameter;
-        std::vector<StrongPtr<VObject>> objects;
-    } listeners{parameter};
-
-    VManagedObject::traverse(listeners, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    // The announced objects among the readers, in the order in which they are traversed;
+    // each once, also if several of its inputs read the parameter.
+    std::vector<StrongPtr<VObject>> objects;
+    for (const VSlot* reader : parameter->readers()) {
+        VSlotContainer* const container = reader->container();
+        VObject* const object = container ? container->object() : nullptr;
+        if (!object || !object->isRegistered() || object->network() != &VNetwork::current())
+            continue;
+        if (StrongPtr<VObject> living = WeakPtrImpl<VObject>(object).lock())
+            objects.push_back(std::move(living));
+    }
+    std::ranges::sort(objects, [](const StrongPtr<VObject>& a, const StrongPtr<VObject>& b) {
+        return a->isTraversedBefore(*b);
+    });
+    const auto repeated = std::ranges::unique(objects);
+    objects.erase(repeated.begin(), repeated.end());
     const double precision = number;
-    for (const StrongPtr<VObject>& object : listeners.objects)
+    for (const StrongPtr<VObject>& object : objects)
         VScheduler::schedule(object, precision, pool);
     return true;
 }

@@ -32,6 +32,7 @@ bool HotKey::Key::isRepeatedlyPressed(const VInteractionEvent& event) const
 HotKey::HotKey(const char* slotName, int expertLevel)
     : Interactive{slotName, expertLevel}, m_hotkey{this, "hotkey", 0, expertLevel}
 {
+    keepsState(); // whether the key is armed
 }
 
 HotKey::~HotKey() = default;

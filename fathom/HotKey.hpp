@@ -13,6 +13,9 @@ namespace Orla {
 /// update the object asks whether its key was pressed; a stroke is reported once,
 /// and the next one only after an event has armed the key again. The first stroke of
 /// all needs no arming.
+///
+/// Whether the key is armed belongs to the object: a stroke that one pool reported is not
+/// reported in another one. The object therefore runs in one pool at a time.
 class FATHOM_API HotKey : public Interactive {
 public:
     /// One key and whether its next stroke counts.

@@ -44,13 +44,10 @@ void TimeDependent::TimeSetupFunction(VSlotContainer* container, const VSlotSet&
         return; // the user has connected it
 
     struct FindTimeObject final : VOutputIterator {
-        explicit FindTimeObject(const VSlotContainer& theSeeker) : seeker{theSeeker} {}
+        explicit FindTimeObject(const VSlot& theInput) : input{theInput} {}
 
         bool apply(const StrongPtr<VObject>& object, const std::type_info&, const StrongPtr<VSlot>& output) override
         {
-            // A provider may depend on time itself; it must not be connected to itself.
-            if (static_cast<const VSlotContainer*>(object.get()) == &seeker)
-                return true;
             const StrongPtr<VCreationPreferences>& offered = object->creationPreferences();
             if (!offered || !offered->contains("GlobalTime"))
                 return true;
@@ -60,22 +57,29 @@ void TimeDependent::TimeSetupFunction(VSlotContainer* container, const VSlotSet&
                 std::printf("      ... but no parameter available ...\n");
                 return true;
             }
+            // A provider may depend on time itself; it must not be connected to itself,
+            // nor to an object that passes its time on.
+            if (output->container() == input.container() || parameter == input.ownParameter())
+                return true;
             // NaN has no place in an order.
             if (!std::isnan(weight))
                 candidates[weight] = parameter;
             return true;
         }
 
-        const VSlotContainer& seeker;
+        const VSlot& input;
         StrongPtr<VCreationPreferences> preferences{new VCreationPreferences("default", "GlobalTime")};
         std::map<double, StrongPtr<VParameter, ValueNotifierList>> candidates;
-    } finder{*container};
+    } finder{*slot};
 
-    VObject::findOutputObjects(typeid(VTime), finder);
+    VObject::findOutputObjects(typeid(VTime), finder, "GlobalTime");
     if (!finder.candidates.empty()) {
         container->attachParameter(finder.candidates.begin()->second, slot, "");
         return;
     }
+    // A provider that depends on time keeps its own while it is the only one.
+    if (container->object() && VObject::isBeingProvided(*container->object(), "GlobalTime"))
+        return;
     std::puts("TimeDependent: scan for time providers, nothing found, thus creating one.");
     VObject::attachNewObject(container->object(), slot, "GlobalTime", finder.preferences);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <fathom/Export.hpp>
+#include <fathom/VRunningCell.hpp>
 #include <fathom/VValueParameter.hpp>
 
 #include <trellis/TypedSlotCreator.hpp>
@@ -50,7 +51,7 @@ public:
     /// \p expertLevel is the number that user interfaces file it under. Unless
     /// \p triggers is set, a change of its value does not make the object due.
     ///
-    /// A null \p that is reported; the input then reads its initial value for ever.
+    /// A null \p that is reported; the input then always reads its initial value.
     TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue,
               const StrongPtr<VCreationPreferences, InterfaceBase>& preferences, int expertLevel, bool triggers)
         : m_name{name}, m_preferences{preferences}, m_initialValue(initialValue)
@@ -60,9 +61,11 @@ public:
         const StrongPtr<VParameter> parameter(new VValueParameter<T>(initialValue, name, preferences));
         parameter->setCreator(that);
         m_slot = VSlotGlobals::addParameter(that, name, expertLevel, parameter, triggers);
+        if (!m_slot)
+            return;
         // The object itself declares this input.
-        if (m_slot)
-            m_slot->clearFlag(VSlot::AddedLater);
+        m_slot->clearFlag(VSlot::AddedLater);
+        m_place = m_slot->place();
     }
 
     TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue, int expertLevel)
@@ -92,10 +95,14 @@ public:
     /// The parameter that the slot refers to now; null without a slot.
     StrongPtr<VParameter, ValueNotifierList> parameter() const { return m_slot ? m_slot->parameter() : nullptr; }
 
-    /// Reads the input in \p pool into \p value; false, and \p value as it was, if
-    /// the pool holds none.
+    /// Reads the input in \p pool into \p value. Returns false, and leaves \p value as it
+    /// was, if the pool holds no value.
     bool read(const StrongPtr<ValuePool>& pool, T& value) const
     {
+        if (const VRunningCell<T> cell{pool.get(), m_place}) {
+            if (const VTypedValueBase<T>* const typed = cell.typed())
+                return typed->getValue(value);
+        }
         if (!m_slot)
             return false;
         const StrongPtr<VValueBase> found = m_slot->getValueBase(pool);
@@ -103,13 +110,31 @@ public:
         return typed && typed->getValue(value);
     }
 
-    /// The input in \p pool, or the initial value where the pool holds none.
+    /// The input in \p pool, or the initial value where the pool holds no value.
     T value(const StrongPtr<ValuePool>& pool) const
     {
+        if (const VRunningCell<T> cell{pool.get(), m_place}) {
+            if (const VValue<T>* const plain = cell.plain()) [[likely]]
+                return plain->content();
+        }
         T value{};
         if (read(pool, value))
             return value;
         return VValueOperations<T>::copyOf(m_initialValue);
+    }
+
+    /// Writes \p value into the input in \p pool, which is made where there is none, and
+    /// announces the change. Returns false without a slot or a pool.
+    bool set(const StrongPtr<ValuePool>& pool, const T& value) const
+    {
+        if (!m_slot)
+            return false;
+        const StrongPtr<VValueBase> found = m_slot->getLocalValue(pool);
+        VTypedValueBase<T>* const typed = VTypedValueBase<T>::cast(found.get());
+        if (!typed || !typed->setValue(value))
+            return false;
+        m_slot->parameter()->notifyValueChange(found, pool, m_slot->member());
+        return true;
     }
 
     /// The slot together with the pool to write it in.
@@ -131,6 +156,7 @@ private:
     std::string m_name;
     StrongPtr<VCreationPreferences, InterfaceBase> m_preferences;
     T m_initialValue;
+    VSlotPlace m_place;
 };
 
 template<class T>

@@ -1,6 +1,7 @@
 #include <fathom/VChart.hpp>
 
 #include <trellis/VActionNotifier.hpp>
+#include <trellis/VNetwork.hpp>
 
 #include <algorithm>
 #include <iterator>
@@ -53,17 +54,20 @@ VChartSelector::VChartSelector(const std::string& name, int level,
     , m_atlas{this, "atlas", VChartList{}}
     , m_currentChart{this, "CurrentChart", VChart{}}
 {
+    // One object that fails must not keep the others from following the chart.
+    acceptsFailedInputs();
 }
 
 VChartSelector::~VChartSelector() = default;
 
 StrongPtr<VChartSelector> VChartSelector::getChartSelector()
 {
-    static WeakPtrImpl<VChartSelector> theSelector;
-    if (const StrongPtr<VChartSelector> living{theSelector})
+    VNetwork& network = VNetwork::current();
+    const VNetwork::Change change{network};
+    if (const StrongPtr<VChartSelector> living{network.uniqueObject(typeid(VChartSelector))})
         return living;
     const auto selector = Loam::makeStrong<VChartSelector>("ChartSelector", 0, StrongPtr<VCreationPreferences>{});
-    theSelector = selector;
+    network.setUniqueObject(typeid(VChartSelector), selector);
     selector->enableRequestProcessing();
     VActionNotifier::VObjectCreation(selector, {}, nullptr);
     return selector;
@@ -97,40 +101,32 @@ bool VChartSelector::selectChart(const WeakPtrImpl<ValuePool>& pool, const std::
 
 bool VChartSelector::update(VRequest& request, double)
 {
-    struct Gather final : VSlotIterator {
-        bool apply(const StrongPtr<VSlot>& slot) override
-        {
-            if (!slot || !slot->parameter())
-                return true;
+    const StrongPtr<ValuePool>& pool = request.valuePool();
+    const StrongPtr<VValueBase> atlas = m_atlas.parameter()->getLocalValue(pool);
+    auto* const typed = VTypedValueBase<VChartList>::cast(atlas.get());
+    VChartList known;
+    if (typed)
+        typed->getValue(known);
+    std::vector<VChart> fresh; // merged at the end, which is linear however many there are
+    forEachInput(
+        [&](const StrongPtr<VSlot>& slot) {
             const StrongPtr<VValueBase> value = slot->getLocalValue(pool);
-            const auto* typed = VTypedValueBase<VChartList>::cast(value.get());
-            VChartList offered;
-            if (!typed || !typed->getValue(offered))
-                return true;
-            for (const VChart& chart : offered) {
+            const auto* const offered = VTypedValueBase<VChartList>::cast(value.get());
+            VChartList charts;
+            if (!offered || !offered->getValue(charts))
+                return;
+            for (const VChart& chart : charts) {
                 if (!known.find(chart))
                     fresh.push_back(chart);
             }
-            return true;
-        }
+        },
+        0);
+    known.insert(VChartList{std::move(fresh)});
 
-        StrongPtr<ValuePool> pool;
-        VChartList known;
-        std::vector<VChart> fresh; // merged at the end, which is linear however many there are
-    } gather;
-    gather.pool = request.valuePool();
-
-    const StrongPtr<VValueBase> atlas = m_atlas.parameter()->getLocalValue(gather.pool);
-    auto* const typed = VTypedValueBase<VChartList>::cast(atlas.get());
-    if (typed)
-        typed->getValue(gather.known);
-    iterateParameters(gather, 0);
-    gather.known.insert(VChartList{std::move(gather.fresh)});
-
-    const std::string name = m_chartname.value(gather.pool);
-    if (typed && typed->setValue(gather.known))
-        m_atlas.parameter()->notifyValueChange(atlas, gather.pool, "");
-    selectChart(gather.pool, name);
+    const std::string name = m_chartname.value(pool);
+    if (typed && typed->setValue(known))
+        m_atlas.parameter()->notifyValueChange(atlas, pool, "");
+    selectChart(pool, name);
     return true;
 }
 

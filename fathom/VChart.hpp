@@ -114,7 +114,7 @@ extern template class FATHOM_EXTERN_TEMPLATE TypedValueCreator<VChartList>;
 extern template class FATHOM_EXTERN_TEMPLATE VValueParameter<VChartList>;
 extern template class FATHOM_EXTERN_TEMPLATE VOutput<VChartList>;
 
-/// Gathers the charts that the objects of the process know, and publishes the one
+/// Gathers the charts that the objects of a network know, and publishes the one
 /// that the user picked. Which one that is belongs to each pool.
 ///
 /// | slot           | kind   | value                                      |
@@ -129,9 +129,9 @@ public:
     VChartSelector(const std::string& name, int level, const StrongPtr<VCreationPreferences, InterfaceBase>& prefs);
     ~VChartSelector() override;
 
-    /// The selector of the process, named "ChartSelector". Made and announced on
-    /// first use; the registry of managed objects is what keeps it alive, and once
-    /// it is gone, the next call makes another one.
+    /// The selector of the current network, named "ChartSelector". Made and announced on
+    /// first use; the registry keeps it alive, and once it is destroyed, the next call
+    /// makes another one.
     static StrongPtr<VChartSelector> getChartSelector();
 
     /// Makes the chart \p name the current one in \p pool and writes the name into

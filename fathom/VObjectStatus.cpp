@@ -197,7 +197,9 @@ StatusIndicator::StatusIndicator(VObject* object, const std::string& initialText
     if (!object)
         return;
     m_output->setSource(object);
-    object->registerOutput(m_output, outputName);
+    // A status says why an update failed, so it must reach its readers then.
+    if (const StrongPtr<VSlot> slot = object->registerOutput(m_output, outputName))
+        slot->setFlag(VSlot::StaysValid);
 }
 
 StatusIndicator::~StatusIndicator() = default;

@@ -2,9 +2,11 @@
 
 #include <fathom/Export.hpp>
 #include <fathom/TypedSlot.hpp>
+#include <fathom/VRunningCell.hpp>
 #include <fathom/VValueParameter.hpp>
 
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace Orla {
@@ -15,6 +17,18 @@ template<class T>
 struct VOutputAssignmentContext {
     StrongPtr<VValueParameter<T>, ValueNotifierList> parameter;
     StrongPtr<ValuePool> pool;
+};
+
+/// An output in a pool, as `VOutput` returns it: converts to the context above, but shares
+/// in owning nothing, so that updates in several threads do not count references to the
+/// parameter that they share. Valid as long as both pointers that it was made from.
+template<class T>
+struct VOutputReference {
+    const StrongPtr<VValueParameter<T>, ValueNotifierList>& parameter;
+    const StrongPtr<ValuePool>& pool;
+    VSlotPlace place; ///< where the output's container keeps the value
+
+    operator VOutputAssignmentContext<T>() const { return {parameter, pool}; }
 };
 
 /// Declares an output of type \p T of a processing object: a member of the
@@ -32,7 +46,8 @@ public:
             return;
         }
         m_parameter->setSource(that);
-        that->registerOutput(m_parameter, name);
+        if (const StrongPtr<VSlot> slot = that->registerOutput(m_parameter, name))
+            m_place = slot->place();
     }
 
     const StrongPtr<VValueParameter<T>, ValueNotifierList>& parameter() const noexcept { return m_parameter; }
@@ -40,10 +55,25 @@ public:
     /// The output in \p pool, to be written or read:
     ///
     ///     total(request.valuePool()) << sum;
-    VOutputAssignmentContext<T> operator()(const StrongPtr<ValuePool>& pool) const { return {m_parameter, pool}; }
+    VOutputReference<T> operator()(const StrongPtr<ValuePool>& pool) const { return {m_parameter, pool, m_place}; }
+
+    /// The output in \p pool, or the initial value where the pool holds no value.
+    T value(const StrongPtr<ValuePool>& pool) const
+    {
+        const StrongPtr<VValueBase> found = m_parameter->getValueBase(pool);
+        const VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(found.get());
+        T value{};
+        if (typed && typed->getValue(value))
+            return value;
+        const StrongPtr<VValueBase> initial = m_parameter->newValue();
+        if (const auto* const prototype = VTypedValueBase<T>::cast(initial.get()))
+            prototype->getValue(value);
+        return value;
+    }
 
 private:
     StrongPtr<VValueParameter<T>, ValueNotifierList> m_parameter;
+    VSlotPlace m_place;
 };
 
 namespace Detail {
@@ -132,6 +162,46 @@ bool operator>>(const VOutputAssignmentContext<T>& out, T& value)
     const StrongPtr<VValueBase> found = out.parameter->getLocalValue(out.pool);
     const VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(found.get());
     return typed && typed->getValue(value);
+}
+
+/// The same for what `VOutput` returns. In the update of the output's object they reach
+/// the value directly.
+template<class T>
+bool operator<<=(const VOutputReference<T>& out, const std::type_identity_t<T>& value)
+{
+    if (const VRunningCell<T> cell{out.pool.get(), out.place}) {
+        if (VValue<T>* const held = cell.writable()) [[likely]] {
+            if (Detail::areSame(std::as_const(*held).content(), value))
+                return false;
+            cell.write(*held, value);
+            return true;
+        }
+    }
+    return VOutputAssignmentContext<T>(out) <<= value;
+}
+
+template<class T>
+bool operator<<(const VOutputReference<T>& out, const std::type_identity_t<T>& value)
+{
+    if (const VRunningCell<T> cell{out.pool.get(), out.place}) {
+        if (VValue<T>* const held = cell.writable()) [[likely]] {
+            cell.write(*held, value);
+            return true;
+        }
+    }
+    return VOutputAssignmentContext<T>(out) << value;
+}
+
+template<class T>
+bool operator>>(const VOutputReference<T>& out, T& value)
+{
+    if (const VRunningCell<T> cell{out.pool.get(), out.place}) {
+        if (const VValue<T>* const held = cell.writable()) [[likely]] {
+            value = held->content();
+            return true;
+        }
+    }
+    return VOutputAssignmentContext<T>(out) >> value;
 }
 
 } // namespace Orla

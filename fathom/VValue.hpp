@@ -3,6 +3,7 @@
 #include <fathom/Export.hpp>
 
 #include <trellis/VManagedObject.hpp>
+#include <trellis/VSlot.hpp>
 #include <trellis/VValueBase.hpp>
 #include <trellis/VValueCreator.hpp>
 #include <trellis/VValueTrait.hpp>
@@ -12,12 +13,15 @@
 #include <loam/Typename.hpp>
 
 #include <atomic>
+#include <concepts>
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
+#include <utility>
 
 // The classes through which the framework handles values of one type. A type
 // joins by supplying `VValueTrait<T>`; everything else comes from here.
@@ -156,6 +160,10 @@ public:
         return Loam::makeStrong<Loam::Chunk<T>>(static_cast<std::size_t>(count), m_value);
     }
 
+    /// The held value itself.
+    T& content() noexcept { return m_value; }
+    const T& content() const noexcept { return m_value; }
+
     /// The one creator of the type in the process, made and registered when it is
     /// first asked for.
     static TypedValueCreator<T>& myTypedValueCreator()
@@ -229,6 +237,27 @@ bool VTypedValueBase<T>::isDifferentFrom(const WeakPtrImpl<VValueBase>& other) c
     T a{};
     T b{};
     return !getValue(a) || !typed->getValue(b) || VValueOperations<T>::areDifferent(a, b);
+}
+
+template<class T>
+    requires(!std::convertible_to<const T&, std::string>)
+bool VSlot::set(const StrongPtr<ValuePool>& pool, const T& value) const
+{
+    const StrongPtr<VValueBase> found = getLocalValue(pool);
+    VTypedValueBase<T>* const typed = VTypedValueBase<T>::cast(found.get());
+    if (!typed || !typed->setValue(value))
+        return false;
+    parameter()->notifyValueChange(found, pool, member());
+    return true;
+}
+
+template<class T>
+std::optional<T> VSlot::get(const StrongPtr<ValuePool>& pool) const
+{
+    const StrongPtr<VValueBase> found = getValueBase(pool);
+    const VTypedValueBase<T>* const typed = VTypedValueBase<T>::cast(found.get());
+    T value{};
+    return typed && typed->getValue(value) ? std::optional<T>(std::move(value)) : std::nullopt;
 }
 
 } // namespace Orla

@@ -5,6 +5,7 @@
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VParameter.hpp>
+#include <trellis/ValuePool.hpp>
 #include <trellis/Vprintf.hpp>
 
 #include <string>
@@ -40,7 +41,7 @@ public:
         StrongPtr<VValueBase> value = pool->retrieveValue(Name());
         if (!VTypedValueBase<T>::cast(value.get())) {
             value = m_prototype->copy();
-            addShadow(pool);
+            addShadow(pool->root());
         }
         pool->createVariable(this, value);
         return value;

@@ -1,7 +1,7 @@
 #include <trellis/TypedSlotCreator.hpp>
 
-#include <trellis/CreatorRegistry.hpp>
-#include <trellis/RegistryReport.hpp>
+#include <trellis/detail/CreatorRegistry.hpp>
+#include <trellis/detail/RegistryReport.hpp>
 
 #include <loam/TypeInfo.hpp>
 
@@ -9,9 +9,9 @@ namespace Orla {
 
 namespace {
 
-CreatorRegistry<TypedSlotCreator>& registry()
+Detail::CreatorRegistry<TypedSlotCreator>& registry()
 {
-    static CreatorRegistry<TypedSlotCreator> theRegistry;
+    static Detail::CreatorRegistry<TypedSlotCreator> theRegistry;
     return theRegistry;
 }
 
@@ -30,7 +30,7 @@ bool TypedSlotCreator::registerTypedSlotCreator(const std::type_info& type,
     const TypedSlotCreator& self = *alive;
     // The key is the type, so two types never meet under one.
     const std::string key = Loam::typeKey(type);
-    return registry().add(creator, key, key, ownerOf(type, typeid(self))).empty();
+    return registry().add(creator, key, key, Detail::ownerOf(type, typeid(self))).empty();
 }
 
 StrongPtr<TypedSlotCreator> TypedSlotCreator::find(const std::type_info& type)

@@ -1,45 +1,28 @@
 #include <trellis/VActionNotifier.hpp>
 
-#include <trellis/VManagedObject.hpp>
-#include <trellis/VObjectCreator.hpp>
-
 #include <algorithm>
 #include <cstdio>
+#include <mutex>
 #include <vector>
 
 namespace Orla {
 
 namespace {
 
-// Objects that go at the end of the program may still warn; then nobody is left
-// who hears it.
+// Objects that are destroyed at the end of the program may still warn; no notifier is
+// left then.
 struct Notifiers {
-    ~Notifiers() { isGone = true; }
+    ~Notifiers() { isDestroyed = true; }
 
+    std::mutex mutex;
     std::vector<Loam::WeakPtrImpl<VActionNotifier>> list;
-    static inline constinit bool isGone = false;
+    static inline constinit bool isDestroyed = false;
 };
 
-std::vector<Loam::WeakPtrImpl<VActionNotifier>>& notifiers()
+Notifiers& notifiers()
 {
     static Notifiers theNotifiers;
-    return theNotifiers.list;
-}
-
-// Calls each notifier that is there at the start and still there when its turn
-// comes; they may add and remove each other.
-template<class Function>
-void forEachNotifier(Function&& function)
-{
-    if (Notifiers::isGone)
-        return;
-    std::erase_if(notifiers(), [](const auto& notifier) { return notifier.expired(); });
-    for (const Loam::WeakPtrImpl<VActionNotifier>& entry : std::vector(notifiers())) {
-        if (std::ranges::find(notifiers(), entry) == notifiers().end())
-            continue;
-        if (const StrongPtr<VActionNotifier> notifier = entry.lock())
-            function(*notifier);
-    }
+    return theNotifiers;
 }
 
 } // namespace
@@ -62,40 +45,54 @@ void VActionNotifier::objectRemoved(const StrongPtr<VManagedObject>&)
 
 bool VActionNotifier::add(const StrongPtr<VActionNotifier>& notifier)
 {
-    if (!notifier || Notifiers::isGone
-        || std::ranges::find(notifiers(), Loam::WeakPtrImpl<VActionNotifier>(notifier)) != notifiers().end())
+    if (!notifier || Notifiers::isDestroyed)
         return false;
-    notifiers().emplace_back(notifier);
+    const std::lock_guard lock{notifiers().mutex};
+    auto& list = notifiers().list;
+    if (std::ranges::find(list, Loam::WeakPtrImpl<VActionNotifier>(notifier)) != list.end())
+        return false;
+    std::erase_if(list, [](const auto& each) { return each.expired(); });
+    list.emplace_back(notifier);
     return true;
 }
 
 bool VActionNotifier::remove(const StrongPtr<VActionNotifier>& notifier)
 {
-    return notifier && !Notifiers::isGone
-        && std::erase(notifiers(), Loam::WeakPtrImpl<VActionNotifier>(notifier)) > 0;
+    if (!notifier || Notifiers::isDestroyed)
+        return false;
+    const std::lock_guard lock{notifiers().mutex};
+    return std::erase(notifiers().list, notifier) > 0;
+}
+
+void VActionNotifier::forEachLiving(const std::function<void(VActionNotifier&)>& function)
+{
+    if (Notifiers::isDestroyed)
+        return;
+    // They may add and remove each other; one that is removed is not called any more.
+    std::vector<Loam::WeakPtrImpl<VActionNotifier>> entries;
+    {
+        const std::lock_guard lock{notifiers().mutex};
+        entries = notifiers().list;
+    }
+    for (const Loam::WeakPtrImpl<VActionNotifier>& entry : entries) {
+        StrongPtr<VActionNotifier> notifier;
+        {
+            const std::lock_guard lock{notifiers().mutex};
+            const auto& list = notifiers().list;
+            if (std::ranges::find(list, entry) != list.end())
+                notifier = entry.lock();
+        }
+        if (notifier)
+            function(*notifier);
+    }
 }
 
 void VActionNotifier::Warning(const std::string& message)
 {
     bool shown = false;
-    forEachNotifier([&](VActionNotifier& notifier) { shown |= notifier.warned(message); });
+    forEachLiving([&](VActionNotifier& notifier) { shown |= notifier.warned(message); });
     if (!shown)
         std::fprintf(stderr, "%s\n", message.c_str());
-}
-
-void VActionNotifier::VObjectCreation(const StrongPtr<VManagedObject>& object,
-                                      const Loam::InterfaceContainer& interfaces,
-                                      const StrongPtr<VObjectCreator>& creator)
-{
-    if (!object)
-        return;
-    VManagedObject::add(object);
-    forEachNotifier([&](VActionNotifier& notifier) { notifier.objectCreated(object, interfaces, creator); });
-}
-
-void VActionNotifier::VObjectRemoval(const StrongPtr<VManagedObject>& object)
-{
-    forEachNotifier([&](VActionNotifier& notifier) { notifier.objectRemoved(object); });
 }
 
 } // namespace Orla

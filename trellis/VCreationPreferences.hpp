@@ -4,6 +4,8 @@
 
 #include <loam/Interface.hpp>
 
+#include <atomic>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -15,6 +17,8 @@ namespace Orla {
 class TRELLIS_API VCreationPreferences : public Loam::InterfaceBase {
 public:
     VCreationPreferences() = default;
+    VCreationPreferences(const VCreationPreferences& other);
+    VCreationPreferences& operator=(const VCreationPreferences& other);
 
     /// The words \p purpose and \p wish; empty ones are left out.
     VCreationPreferences(const std::string& purpose, const std::string& wish);
@@ -38,8 +42,14 @@ public:
     /// In the order in which they were added.
     const std::vector<std::string>& words() const noexcept { return m_words; }
 
+    /// For directories that sort objects by the words of their preferences: from now on
+    /// `changesOfWatched` counts words that are added to these.
+    void watch() const noexcept { m_isWatched.store(true, std::memory_order_relaxed); }
+    static std::uint64_t changesOfWatched() noexcept;
+
 private:
     std::vector<std::string> m_words;
+    mutable std::atomic<bool> m_isWatched{false};
     double m_handicap = 0;
 };
 

@@ -1,84 +1,30 @@
 #include <trellis/VManagedObject.hpp>
 
-#include <trellis/VActionNotifier.hpp>
+#include <trellis/detail/FrameHooks.hpp>
+#include <trellis/detail/NetworkObjects.hpp>
+#include <trellis/detail/PoolState.hpp>
 
-#include <map>
+#include <trellis/VActionNotifier.hpp>
+#include <trellis/VNetwork.hpp>
+#include <trellis/VSlotContainer.hpp>
+
 #include <utility>
-#include <vector>
 
 namespace Orla {
 
-/// The announced objects of the process, by level and then in the order in which
-/// they were added. A removed one leaves a gap, so that positions hold still
-/// while a traversal walks over them.
-class ManagedObjectRegistry {
-public:
-    static ManagedObjectRegistry& instance()
-    {
-        static ManagedObjectRegistry theRegistry;
-        return theRegistry;
-    }
-
-    ManagedObjectRegistry() = default;
-    ManagedObjectRegistry(const ManagedObjectRegistry&) = delete;
-    ManagedObjectRegistry& operator=(const ManagedObjectRegistry&) = delete;
-    ~ManagedObjectRegistry() { isGone = true; }
-
-    // Objects that go at the end of the program may still ask.
-    static inline constinit bool isGone = false;
-
-    void add(const StrongPtr<VManagedObject>& object)
-    {
-        Level& level = levels[object->m_level];
-        object->m_place = level.objects.size();
-        object->m_registered = true;
-        level.objects.push_back(object);
-        ++count;
-    }
-
-    void remove(VManagedObject& object)
-    {
-        Level& level = levels[object.m_level];
-        object.m_registered = false;
-        ++level.gaps;
-        --count;
-        // Last, because it may be the last pointer.
-        const StrongPtr<VManagedObject> released = std::move(level.objects[object.m_place]);
-        if (traversals == 0 && level.gaps * 2 > level.objects.size())
-            level.closeGaps();
-    }
-
-    void closeGaps()
-    {
-        for (auto& [number, level] : levels) {
-            if (level.gaps > 0)
-                level.closeGaps();
-        }
-    }
-
-    struct Level {
-        std::vector<StrongPtr<VManagedObject>> objects;
-        std::size_t gaps = 0;
-
-        void closeGaps()
-        {
-            std::erase(objects, nullptr);
-            gaps = 0;
-            for (std::size_t i = 0; i < objects.size(); ++i)
-                objects[i]->m_place = i;
-        }
-    };
-
-    std::map<int, Level> levels;
-    std::size_t count = 0;
-    unsigned traversals = 0;
-};
+using Detail::NetworkCore;
+using Detail::NetworkObjects;
 
 namespace {
 
-ManagedObjectRegistry& registry()
+// Marks whether the registry keeps the object alive while it is evaluated.
+void setAnnounced(VManagedObject& object, bool isAnnounced)
 {
-    return ManagedObjectRegistry::instance();
+    auto* const container = dynamic_cast<VSlotContainer*>(&object);
+    if (!container)
+        return;
+    container->wiring().isAnnounced = isAnnounced;
+    Detail::FrameHooks::switchesChanged(*container);
 }
 
 } // namespace
@@ -87,76 +33,104 @@ VManagedObjectBase::~VManagedObjectBase() = default;
 
 VManagedObjectIterator::~VManagedObjectIterator() = default;
 
-VManagedObject::VManagedObject(const std::string& name, int level) : m_name{name}, m_level{level}
+VManagedObject::VManagedObject(const std::string& name, int level)
+    : m_name{name}, m_network{&NetworkCore::current()}, m_level{level}
 {
+    m_network->referenceBlock().addStrong();
 }
 
-VManagedObject::~VManagedObject() = default;
+VManagedObject::~VManagedObject()
+{
+    m_network->referenceBlock().releaseStrong();
+}
+
+VNetwork* VManagedObject::network() const noexcept
+{
+    if (m_network == &NetworkCore::defaultCore())
+        return &VNetwork::defaultNetwork();
+    return m_network->network.load();
+}
 
 bool VManagedObject::add(const StrongPtr<VManagedObject>& object)
 {
-    if (!object || object->m_registered || ManagedObjectRegistry::isGone)
+    if (!object)
         return false;
-    registry().add(object);
+    NetworkCore& network = *object->m_network;
+    NetworkObjects& objects = NetworkObjects::of(network);
+    {
+        const Detail::ChangeScope change{network};
+        if (!objects.add(object))
+            return false;
+        setAnnounced(*object, true);
+    }
+    for (const StrongPtr<Detail::RegistryWatcher>& watcher : objects.watchers())
+        watcher->objectAdded(object);
     return true;
 }
 
 bool VManagedObject::remove(const StrongPtr<VManagedObject>& object)
 {
-    if (!object || !object->m_registered || ManagedObjectRegistry::isGone)
+    if (!object)
         return false;
     // The pointer given may be the registry's own.
     const StrongPtr<VManagedObject> keepAlive = object;
-    registry().remove(*keepAlive);
+    NetworkCore& network = *keepAlive->m_network;
+    NetworkObjects* const objects = NetworkObjects::find(network);
+    if (!objects)
+        return false;
+    {
+        const Detail::ChangeScope change{network};
+        if (!keepAlive->isRegistered())
+            return false;
+        Detail::PoolState::holdWhileUpdating(keepAlive);
+        objects->remove(*keepAlive);
+        setAnnounced(*keepAlive, false);
+    }
+    for (const StrongPtr<Detail::RegistryWatcher>& watcher : objects->watchers())
+        watcher->objectRemoved(keepAlive);
     VActionNotifier::VObjectRemoval(keepAlive);
     return true;
 }
 
 bool VManagedObject::traverse(VManagedObjectIterator& iterator, int from, int to)
 {
-    if (ManagedObjectRegistry::isGone)
+    NetworkObjects* const objects = NetworkObjects::find(NetworkCore::current());
+    if (!objects)
         return true;
-    struct Visit {
-        Visit() { ++registry().traversals; }
-        ~Visit()
-        {
-            if (--registry().traversals == 0)
-                registry().closeGaps();
-        }
-    } visit;
-
-    // What is added meanwhile stands behind, on whatever level.
-    std::vector<std::pair<const ManagedObjectRegistry::Level*, std::size_t>> levels;
-    for (auto entry = registry().levels.lower_bound(from);
-         entry != registry().levels.end() && entry->first <= to; ++entry)
-        levels.emplace_back(&entry->second, entry->second.objects.size());
-
-    for (const auto& [level, count] : levels) {
-        for (std::size_t i = 0; i < count; ++i) {
-            const StrongPtr<VManagedObject> object = level->objects[i];
-            if (object && !iterator.apply(object))
-                return false;
-        }
+    for (const NetworkObjects::Entry& entry : objects->objects(from, to)) {
+        if (objects->isCurrent(entry) && !iterator.apply(entry.object))
+            return false;
     }
     return true;
 }
 
 StrongPtr<VManagedObject> VManagedObject::find(const std::string& name)
 {
-    if (ManagedObjectRegistry::isGone)
-        return nullptr;
-    for (const auto& [number, level] : registry().levels) {
-        for (const StrongPtr<VManagedObject>& object : level.objects) {
-            if (object && object->Name() == name)
-                return object;
-        }
-    }
-    return nullptr;
+    NetworkObjects* const objects = NetworkObjects::find(NetworkCore::current());
+    return objects ? objects->find(name) : nullptr;
 }
 
 std::size_t VManagedObject::count()
 {
-    return ManagedObjectRegistry::isGone ? 0 : registry().count;
+    NetworkObjects* const objects = NetworkObjects::find(NetworkCore::current());
+    return objects ? objects->count() : 0;
+}
+
+// Announcements are the registry's business, so they are defined here.
+
+void VActionNotifier::VObjectCreation(const StrongPtr<VManagedObject>& object,
+                                      const Loam::InterfaceContainer& interfaces,
+                                      const StrongPtr<VObjectCreator>& creator)
+{
+    if (!object)
+        return;
+    VManagedObject::add(object);
+    forEachLiving([&](VActionNotifier& notifier) { notifier.objectCreated(object, interfaces, creator); });
+}
+
+void VActionNotifier::VObjectRemoval(const StrongPtr<VManagedObject>& object)
+{
+    forEachLiving([&](VActionNotifier& notifier) { notifier.objectRemoved(object); });
 }
 
 } // namespace Orla

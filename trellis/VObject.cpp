@@ -1,13 +1,15 @@
 #include <trellis/VObject.hpp>
 
-#include <trellis/PoolRoot.hpp>
+#include <trellis/detail/FrameHooks.hpp>
+#include <trellis/detail/NetworkObjects.hpp>
+
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VObjectCreator.hpp>
 
 #include <loam/Typename.hpp>
 
+#include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace Orla {
 
@@ -29,6 +31,16 @@ StrongPtr<VSlot> outputFor(const VSlot& slot, const VObject& object)
     return passedOn;
 }
 
+// Notes that a provider of a type is being created.
+struct Providing {
+    Providing(std::vector<std::string>& theTypes, const std::string& type) : types{theTypes} { types.push_back(type); }
+    Providing(const Providing&) = delete;
+    Providing& operator=(const Providing&) = delete;
+    ~Providing() { types.pop_back(); }
+
+    std::vector<std::string>& types;
+};
+
 } // namespace
 
 VOutputIterator::~VOutputIterator() = default;
@@ -37,15 +49,25 @@ VObject::VObject(const std::string& name, int level,
                  const StrongPtr<VCreationPreferences, InterfaceBase>& preferences)
     : VManagedObject{name, level}, m_preferences{preferences}
 {
-    m_object = this;
+    wiring().object = this;
+    wiring().name = &Name();
 }
 
 VObject::~VObject()
 {
-    // The container's own destructor runs last; nobody may ask for an update any more.
-    PoolRoot::forgetContainer(*this);
-    m_isEvaluated = false;
-    m_object = nullptr;
+    // The container's own destructor runs last; no update may start any more.
+    const Detail::ChangeScope change{*wiring().network};
+    Detail::FrameHooks::containerGone(*this);
+    wiring().isEvaluated = false;
+    wiring().object = nullptr;
+    wiring().name = nullptr;
+}
+
+void VObject::enableRequestProcessing()
+{
+    const Detail::ChangeScope change{*wiring().network};
+    wiring().isEvaluated = true;
+    Detail::FrameHooks::switchesChanged(*this);
 }
 
 void VObject::finishCreation(const StrongPtr<VObject>& object, const Loam::InterfaceContainer& interfaces,
@@ -53,6 +75,9 @@ void VObject::finishCreation(const StrongPtr<VObject>& object, const Loam::Inter
 {
     if (!object)
         return;
+    // Set-up functions look for partners in the object's own network.
+    const Detail::CurrentScope current{*object->wiring().network};
+    const Detail::ChangeScope change{*object->wiring().network};
     object->runSetupFunctions();
     object->enableRequestProcessing();
     VActionNotifier::VObjectCreation(object, interfaces, creator);
@@ -69,36 +94,48 @@ StrongPtr<VObject> VObject::createObject(const std::string& typeName, const std:
     return object;
 }
 
-bool VObject::findOutputObjects(const std::type_info& type, VOutputIterator& iterator)
+bool VObject::findOutputObjects(const std::type_info& type, VOutputIterator& iterator,
+                                const std::string& requiredPreference)
 {
-    struct Objects final : VManagedObjectIterator {
-        Objects(const std::type_info& theType, VOutputIterator& theIterator) : type{theType}, iterator{theIterator} {}
-
-        bool apply(const StrongPtr<VManagedObject>& managed) override
-        {
-            const StrongPtr<VObject> object{managed};
-            if (!object)
-                return true;
-            const VSlotSet& outputs = object->outputs();
-            for (std::size_t i = 0; i < outputs.size(); ++i) {
-                const StrongPtr<VSlot> output = outputs[i];
-                if (output->type() == type && !iterator.apply(object, type, output))
-                    return false;
-            }
-            return true;
+    const auto visit = [&](const StrongPtr<VObject>& object) {
+        const VSlotSet& outputs = object->outputs();
+        for (std::size_t i = 0; i < outputs.size(); ++i) {
+            const StrongPtr<VSlot> output = outputs[i];
+            if (output->type() == type && !iterator.apply(object, type, output))
+                return false;
         }
+        return true;
+    };
+    if (requiredPreference.empty())
+        return forEachObject<VObject>(visit);
+    const auto* const objects = Detail::NetworkObjects::find(Detail::NetworkCore::current());
+    if (!objects)
+        return true;
+    for (const Detail::NetworkObjects::Entry& entry : objects->objectsWithPreference(requiredPreference)) {
+        const StrongPtr<VObject> object(entry.object);
+        if (object && objects->isCurrent(entry) && object->creationPreferences()->contains(requiredPreference)
+            && !visit(object))
+            return false;
+    }
+    return true;
+}
 
-        const std::type_info& type;
-        VOutputIterator& iterator;
-    } objects{type, iterator};
-    return VManagedObject::traverse(objects, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+bool VObject::isBeingProvided(const VObject& object, const std::string& typeName)
+{
+    const auto* const objects = Detail::NetworkObjects::find(*object.wiring().network);
+    return objects && std::ranges::find(objects->beingProvided, typeName) != objects->beingProvided.end();
 }
 
 StrongPtr<VObject> VObject::attachNewObject(VObject* object, const StrongPtr<VSlot>& slot, const std::string& typeName,
                                             const StrongPtr<VCreationPreferences>& preferences)
 {
-    if (!object || !slot || slot->container() != object)
+    if (!object || !slot || slot->container() != object || isBeingProvided(*object, typeName))
         return nullptr;
+    Detail::NetworkCore& network = *object->wiring().network;
+    const Detail::ChangeScope change{network};
+    const Detail::CurrentScope current{network};
+    const Providing providing{Detail::NetworkObjects::of(network).beingProvided, typeName};
+
     StrongPtr<VObject> provider = createObject(typeName, typeName, preferences);
     if (!provider) {
         VActionNotifier::Warning("No library provides objects of type \"" + typeName + "\"; the input \""
@@ -125,40 +162,38 @@ bool VConnectable::attachUniqueObject(const StrongPtr<VSlot>& slot, const Strong
     if (!slot)
         return false;
 
-    struct Best final : VOutputIterator {
-        bool apply(const StrongPtr<VObject>& object, const std::type_info&, const StrongPtr<VSlot>& offered) override
-        {
-            const StrongPtr<VCreationPreferences>& has = object->creationPreferences();
-            if (!has || !has->contains("unique") || offered->container() == self)
-                return true;
-            const double candidate = wanted ? has->weight(*wanted) : has->handicap();
-            if (std::isnan(candidate))
-                return true;
-            if (!output || candidate < weight) {
-                output = offered;
+    const Detail::ChangeScope change{*wiring().network};
+    const Detail::CurrentScope current{*wiring().network};
+    StrongPtr<VSlot> best;
+    double weight = 0;
+    VObject::forEachOutput(
+        slot->type(),
+        [&](const StrongPtr<VObject>& object, const StrongPtr<VSlot>& offered) {
+            if (offered->container() == this || offered->parameter() == slot->ownParameter())
+                return;
+            const VCreationPreferences& has = *object->creationPreferences();
+            const double candidate = preferences ? has.weight(*preferences) : has.handicap();
+            // Written so that NaN, which has no place in an order, is skipped.
+            if (best ? candidate < weight : candidate == candidate) {
+                best = offered;
                 weight = candidate;
             }
-            return true;
-        }
+        },
+        "unique");
 
-        const VSlotContainer* self = nullptr;
-        StrongPtr<VCreationPreferences> wanted;
-        StrongPtr<VSlot> output;
-        double weight = 0;
-    } best;
-    best.self = this;
-    best.wanted = preferences;
-    VObject::findOutputObjects(slot->type(), best);
-
-    if (!best.output && create) {
-        if (const StrongPtr<VObjectCreator> creator = VObjectCreator::findUnique(slot->type())) {
-            if (const StrongPtr<VObject> provider = creator->create(creator->typeName(), 0, preferences)) {
-                VObject::finishCreation(provider, {}, creator);
-                best.output = outputFor(*slot, *provider);
-            }
+    if (!best && create) {
+        const StrongPtr<VObjectCreator> creator = VObjectCreator::findUnique(slot->type());
+        std::vector<std::string>& beingProvided = Detail::NetworkObjects::of(*wiring().network).beingProvided;
+        // A provider that looks for one of its own kind must not create another one.
+        if (!creator || std::ranges::find(beingProvided, creator->typeName()) != beingProvided.end())
+            return false;
+        const Providing providing{beingProvided, creator->typeName()};
+        if (const StrongPtr<VObject> provider = creator->create(creator->typeName(), 0, preferences)) {
+            VObject::finishCreation(provider, {}, creator);
+            best = outputFor(*slot, *provider);
         }
     }
-    return best.output && attachOutput(best.output, slot, {});
+    return best && attachOutput(best, slot, {});
 }
 
 VSkale::VSkale() = default;

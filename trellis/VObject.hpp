@@ -7,6 +7,7 @@
 #include <trellis/VSkale.hpp>
 
 #include <string>
+#include <type_traits>
 #include <typeinfo>
 
 namespace Orla {
@@ -26,23 +27,28 @@ public:
 
 /// A processing object: reads its inputs and writes its outputs when it is due.
 ///
-/// An object is made in four steps: its constructor declares slots and outputs,
+/// An object is created in four steps: its constructor declares slots and outputs,
 /// the set-up functions of its mix-ins look for partners, request processing is
 /// enabled, and the object is announced. `finishCreation` takes the last three.
+///
+/// Pools of one network may be evaluated in several threads at the same time, so `update`
+/// may run several times at once, each time with another pool. An object that keeps
+/// state in members declares it with `keepsState()` in its constructor.
 class TRELLIS_API VObject : public VManagedObject, public virtual VSkale {
 public:
     VObject(const std::string& name, int level, const StrongPtr<VCreationPreferences, InterfaceBase>& preferences);
     ~VObject() override;
 
     /// Brings the outputs in the request's pool up to date with the inputs there.
-    /// \p precision is the number that the object was scheduled with, 0 where
-    /// nobody gave one. Returns false if the outputs could not be computed; what
-    /// it throws is reported and counts as the same.
+    /// \p precision is the number that the object was scheduled with, 0 unless
+    /// `VScheduler::schedule` was called. Returns false if the outputs could not be
+    /// computed; what it throws is reported and counts as the same. After such a failure
+    /// the objects that read its outputs do not run until it succeeds.
     virtual bool update(VRequest& request, double precision) = 0;
 
     /// From here on the object is evaluated when it is due.
-    void enableRequestProcessing() noexcept { m_isEvaluated = true; }
-    bool isRequestProcessingEnabled() const noexcept { return m_isEvaluated; }
+    void enableRequestProcessing();
+    bool isRequestProcessingEnabled() const noexcept { return wiring().isEvaluated; }
 
     /// What the object was made for; may be null.
     const StrongPtr<VCreationPreferences, InterfaceBase>& creationPreferences() const noexcept
@@ -56,23 +62,62 @@ public:
                                const Loam::InterfaceContainer& interfaces = {},
                                const StrongPtr<VObjectCreator>& creator = {});
 
-    /// A finished object of a registered type; null if there is no such type.
+    /// A finished object of a registered type in the current network; null if there is no
+    /// such type.
     static StrongPtr<VObject> createObject(const std::string& typeName, const std::string& name,
                                            const StrongPtr<VCreationPreferences>& preferences = {});
 
     /// Shows each output of type \p type of each announced object to
-    /// \p iterator. False if a visit ended it.
-    static bool findOutputObjects(const std::type_info& type, VOutputIterator& iterator);
+    /// \p iterator. A visitor that skips objects whose preferences lack a certain word
+    /// passes it as \p requiredPreference; only objects with that word are then looked
+    /// at, which takes the same time however many others there are. Returns false if a
+    /// visit ended it.
+    static bool findOutputObjects(const std::type_info& type, VOutputIterator& iterator,
+                                  const std::string& requiredPreference = {});
 
-    /// Makes an object of the registered type \p typeName, bearing that name, and
+    /// As above: calls \p function with each object and output, until it returns false if
+    /// it returns `bool`.
+    template<class Function>
+    static bool forEachOutput(const std::type_info& type, Function&& function,
+                              const std::string& requiredPreference = {});
+
+    /// Creates an object of the registered type \p typeName, bearing that name, and
     /// connects its output of the slot's type to \p slot of \p object. Null, a
-    /// warning, and the slot as it was, if there is no such type or output.
+    /// warning, and the slot as it was, if there is no such type or output. Null, too,
+    /// while an object of that type is being created in this way for another slot: a
+    /// provider that needs a provider of its own kind keeps its own value.
     static StrongPtr<VObject> attachNewObject(VObject* object, const StrongPtr<VSlot>& slot,
                                               const std::string& typeName,
                                               const StrongPtr<VCreationPreferences>& preferences);
 
+    /// True while `attachNewObject` creates an object of that type in the network of
+    /// \p object.
+    static bool isBeingProvided(const VObject& object, const std::string& typeName);
+
 private:
     StrongPtr<VCreationPreferences> m_preferences;
 };
+
+template<class Function>
+bool VObject::forEachOutput(const std::type_info& type, Function&& function, const std::string& requiredPreference)
+{
+    using Result = std::invoke_result_t<Function&, const StrongPtr<VObject>&, const StrongPtr<VSlot>&>;
+    struct Visit final : VOutputIterator {
+        explicit Visit(Function& theFunction) : function{theFunction} {}
+
+        bool apply(const StrongPtr<VObject>& object, const std::type_info&, const StrongPtr<VSlot>& output) override
+        {
+            if constexpr (std::is_same_v<Result, bool>) {
+                return function(object, output);
+            } else {
+                function(object, output);
+                return true;
+            }
+        }
+
+        Function& function;
+    } visit{function};
+    return findOutputObjects(type, visit, requiredPreference);
+}
 
 } // namespace Orla

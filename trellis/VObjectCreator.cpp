@@ -1,7 +1,7 @@
 #include <trellis/VObjectCreator.hpp>
 
-#include <trellis/CreatorRegistry.hpp>
-#include <trellis/RegistryReport.hpp>
+#include <trellis/detail/CreatorRegistry.hpp>
+#include <trellis/detail/RegistryReport.hpp>
 
 #include <loam/TypeInfo.hpp>
 
@@ -9,9 +9,9 @@ namespace Orla {
 
 namespace {
 
-CreatorRegistry<VObjectCreator>& registry()
+Detail::CreatorRegistry<VObjectCreator>& registry()
 {
-    static CreatorRegistry<VObjectCreator> theRegistry;
+    static Detail::CreatorRegistry<VObjectCreator> theRegistry;
     return theRegistry;
 }
 
@@ -25,8 +25,8 @@ bool VObjectCreator::registerCreator(const WeakPtrImpl<VObjectCreator>& creator,
     if (!alive)
         return false;
     const VObjectCreator& self = *alive;
-    const std::string owner = ownerOf(alive->objectType(), typeid(self));
-    if (!acceptedOrReported("object type", name, owner,
+    const std::string owner = Detail::ownerOf(alive->objectType(), typeid(self));
+    if (!Detail::acceptedOrReported("object type", name, owner,
                             registry().add(creator, name, Loam::typeKey(alive->objectType()), owner)))
         return false;
     alive->m_name = name;

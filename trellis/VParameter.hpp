@@ -3,10 +3,8 @@
 #include <trellis/Export.hpp>
 #include <trellis/VCreationPreferences.hpp>
 #include <trellis/ValueNotifierList.hpp>
-#include <trellis/ValuePool.hpp>
 #include <trellis/VValueBase.hpp>
 
-#include <cstdint>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -16,8 +14,16 @@ namespace Orla {
 class VSlot;
 class VSlotContainer;
 
+namespace Detail {
+class PoolState;
+class Wiring;
+}
+
 /// A named input or output of a slot container. Owns a prototype value, from
 /// which each pool's variable starts.
+///
+/// A parameter holds nothing that belongs to a pool; evaluating a network in several
+/// pools therefore does not write to it.
 ///
 /// The order of the virtual operations is part of the binary interface.
 class TRELLIS_API VParameter : public ValueNotifierList {
@@ -36,9 +42,9 @@ public:
     /// prototype value.
     virtual StrongPtr<VParameter, ValueNotifierList> copy() const;
 
-    /// The variable in \p pool: the one that stands there under the parameter's
-    /// name if it is of the same type, else a new one with the prototype's
-    /// content, and \p pool becomes a shadow. Null for a null pool.
+    /// The variable in \p pool: the one entered there under the parameter's name if
+    /// it is of the same type, else a new one with the prototype's content, and
+    /// \p pool becomes a shadow. Null for a null pool.
     virtual StrongPtr<VValueBase> createLocalVariable(const StrongPtr<ValuePool>& pool) const;
 
     /// Lets the component \p member of the prototype take its content from
@@ -70,21 +76,21 @@ public:
     /// The parameter's own switch, on at first. Output operators of a parameter
     /// that is switched off neither read nor write.
     bool isEnabled() const noexcept { return m_enabled; }
-    void setEnabled(bool enabled) noexcept { m_enabled = enabled; }
+    void setEnabled(bool enabled) noexcept;
 
-    /// The variable in \p pool, or its component \p member. Only looks: null
-    /// where there is none, for a null pool and with \p enabled false.
+    /// The variable in \p pool, or its component \p member. Creates nothing: null
+    /// where there is no variable, for a null pool, and with \p enabled false.
     StrongPtr<VValueBase> getValueBase(const StrongPtr<ValuePool>& pool, const std::string& member = {},
                                        bool enabled = true) const;
 
-    /// As `getValueBase`, but makes the variable, in the scope of the
-    /// parameter's container, where there is none.
+    /// As `getValueBase`, but creates the variable where there is none. Null also for
+    /// a pool that belongs to another network.
     StrongPtr<VValueBase> getLocalValue(const StrongPtr<ValuePool>& pool, const std::string& member = {},
                                         bool enabled = true) const;
 
     /// Announces that the variable \p value in \p pool was written: its age
     /// advances, the objects that read the parameter are due in the pool, and
-    /// each listener hears of it once. With \p member, objects that read a
+    /// each listener is notified once. With \p member, objects that read a
     /// different component are left alone.
     void notifyValueChange(const StrongPtr<VValueBase>& value, const StrongPtr<ValuePool>& pool,
                            const std::string& member = {}) const;
@@ -93,42 +99,37 @@ public:
     /// prototype: then the readers are due in every pool that has a variable.
     void touchValue(const StrongPtr<ValuePool>& pool) const;
 
+    /// The pools that have a variable of their own, and those that were noted as
+    /// shadows.
+    std::vector<StrongPtr<ValuePool>> shadows() const;
+
+    /// Adds the shadows of \p other to this parameter's.
+    void copyShadows(const VParameter& other) const;
+
     /// The slots that read the parameter now, in no particular order.
     const std::vector<VSlot*>& readers() const noexcept { return m_readers; }
 
+    /// The slot that declared the parameter; null while there is none. Its container
+    /// keeps the parameter's variables, unless the slot reads another parameter now.
+    VSlot* slot() const noexcept { return m_slot; }
+
 private:
-    friend class ValuePool;
-    friend class VSlot;
-    friend class VSlotContainer;
+    friend class Detail::PoolState;
+    friend class Detail::Wiring;
 
-    VValueBase* lookUp(const ValuePool& root) const
-    {
-        return m_cachedVersion == root.m_version ? m_cachedValue : lookUpUncached(root);
-    }
+    void noteHolder(ValuePool& pool) const;
+    std::vector<StrongPtr<ValuePool>> holders() const;
 
-    VValueBase* lookUpUncached(const ValuePool& root) const;
-    void noteHolder(ValuePool& root) const;
-    void makeReadersDue(ValuePool& root, const std::string& member) const;
-
-    // The last pool that was asked, by the version that it had. The pool owns
-    // the value as long as it keeps that version.
-    mutable std::uint64_t m_cachedVersion = 0;
-    mutable VValueBase* m_cachedValue = nullptr;
-
-    std::vector<VSlot*> m_readers; // slots take themselves out
+    std::vector<VSlot*> m_readers;
+    VSlot* m_slot = nullptr;
+    // Pools that hold a variable outside of frames; guarded by a lock of all parameters.
+    mutable std::unique_ptr<PoolList> m_holders;
     bool m_enabled = true;
-    std::uint64_t m_id;
     StrongPtr<VValueBase> m_value;
     std::string m_name;
     StrongPtr<VCreationPreferences> m_preferences;
     WeakPtrImpl<VSlotContainer> m_creator;
     WeakPtrImpl<VSlotContainer> m_source;
-    mutable PoolList m_holders; // the pools with a variable, which goes when the parameter goes
 };
-
-inline VValueBase* ValuePool::lookUp(const VParameter& parameter) const
-{
-    return parameter.lookUp(*m_root);
-}
 
 } // namespace Orla

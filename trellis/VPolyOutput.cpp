@@ -1,9 +1,12 @@
 #include <trellis/VPolyOutput.hpp>
 
-#include <functional>
+#include <trellis/detail/NetworkObjects.hpp>
+#include <trellis/detail/Wiring.hpp>
+
+#include <trellis/VNetwork.hpp>
+
 #include <limits>
 #include <list>
-#include <map>
 #include <vector>
 
 namespace Orla {
@@ -36,8 +39,8 @@ private:
         const StrongPtr<VSlotContainer> owner = m_output->owner();
         if (!owner)
             return m_output->Name();
-        // The container tells its object also while that is under construction,
-        // when a cast does not see it yet.
+        // The container knows its object also while that is under construction, when a
+        // cast does not find it yet.
         if (const VObject* object = owner->object())
             return object->Name() + "." + m_output->Name();
         const StrongPtr<VManagedObject> managed{owner};
@@ -48,36 +51,30 @@ private:
     int m_count = 0;
 };
 
-/// Brings the outputs on offer to the objects of one class, so that neither many
-/// outputs nor many other objects make a new one slow.
-class TRELLIS_HIDDEN VPolyConnection::Exchange final : public VActionNotifier {
+/// Brings the outputs on offer in one network to the objects of one class, so that
+/// neither many outputs nor many other objects make a new one slow.
+class TRELLIS_HIDDEN VPolyConnection::Exchange final : public Detail::RegistryWatcher {
 public:
-    static StrongPtr<Exchange> of(IsRequester isRequester)
+    static StrongPtr<Exchange> of(Detail::NetworkCore& network, IsRequester isRequester)
     {
-        WeakPtrImpl<Exchange>& entry = all()[isRequester];
-        if (StrongPtr<Exchange> living = entry.lock())
+        Detail::NetworkObjects& objects = Detail::NetworkObjects::of(network);
+        auto& entry = objects.exchange(reinterpret_cast<const void*>(isRequester));
+        if (StrongPtr<Exchange> living{entry})
             return living;
         const StrongPtr<Exchange> made(new Exchange(isRequester));
         entry = made;
-        made->lookAround();
-        VActionNotifier::add(made);
+        made->lookAround(objects);
+        objects.addWatcher(made);
         return made;
     }
 
-    ~Exchange() override
-    {
-        if (!All::isGone)
-            all().erase(m_isRequester);
-    }
-
-    void objectCreated(const StrongPtr<VManagedObject>& managed, const Loam::InterfaceContainer&,
-                       const StrongPtr<VObjectCreator>&) override
+    void objectAdded(const StrongPtr<VManagedObject>& managed) override
     {
         const StrongPtr<VObject> object{managed};
         if (!object || !m_isRequester(*object))
             return;
         m_requesters.emplace_back(object);
-        // Who is joined may take part in other joins.
+        // An object that is joined may take part in other joins.
         for (const StrongPtr<Joiner>& joiner : std::vector(m_joiners.begin(), m_joiners.end()))
             joiner->join(*object);
     }
@@ -98,40 +95,16 @@ public:
         }
     }
 
-    void remove(const StrongPtr<Joiner>& joiner)
-    {
-        m_joiners.erase(joiner->place);
-    }
+    void remove(const StrongPtr<Joiner>& joiner) { m_joiners.erase(joiner->place); }
 
 private:
-    struct All {
-        ~All() { isGone = true; }
-
-        std::map<IsRequester, WeakPtrImpl<Exchange>, std::less<>> exchanges;
-        static inline constinit bool isGone = false;
-    };
-
-    static std::map<IsRequester, WeakPtrImpl<Exchange>, std::less<>>& all()
-    {
-        static All theExchanges;
-        return theExchanges.exchanges;
-    }
-
     explicit Exchange(IsRequester isRequester) : m_isRequester{isRequester} {}
 
-    void lookAround()
+    void lookAround(const Detail::NetworkObjects& objects)
     {
-        struct Existing final : VManagedObjectIterator {
-            bool apply(const StrongPtr<VManagedObject>& managed) override
-            {
-                exchange->objectCreated(managed, {}, nullptr);
-                return true;
-            }
-
-            Exchange* exchange = nullptr;
-        } existing;
-        existing.exchange = this;
-        VManagedObject::traverse(existing, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+        for (const auto& entry :
+             objects.objects(std::numeric_limits<int>::min(), std::numeric_limits<int>::max()))
+            objectAdded(entry.object);
     }
 
     IsRequester m_isRequester;
@@ -140,14 +113,21 @@ private:
 };
 
 VPolyConnection::VPolyConnection(const StrongPtr<VParameter>& output, IsRequester isRequester)
-    : m_exchange{Exchange::of(isRequester)}, m_joiner{new Joiner(output)}
+    : m_joiner{new Joiner(output)}
 {
+    Detail::NetworkCore* const owners = Detail::Wiring::networkOf(*output);
+    Detail::NetworkCore& network = owners ? *owners : Detail::NetworkCore::current();
+    const Detail::ChangeScope change{network};
+    m_network = StrongPtr<Detail::NetworkCore>(&network);
+    m_exchange = Exchange::of(network, isRequester);
     m_exchange->add(m_joiner);
 }
 
 VPolyConnection::~VPolyConnection()
 {
+    const Detail::ChangeScope change{*m_network};
     m_exchange->remove(m_joiner);
+    m_exchange.reset();
 }
 
 int VPolyConnection::count() const noexcept

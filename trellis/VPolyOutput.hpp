@@ -13,8 +13,8 @@ class VOutput;
 template<class T>
 class VValueParameter;
 
-/// Adds one output to every object of a class as an input: to those that exist,
-/// and to those that are announced later.
+/// Adds one output to every object of a class in its network as an input: to those that
+/// exist, and to those that are registered later.
 class TRELLIS_API VPolyConnection {
 public:
     using IsRequester = bool (*)(const VObject& object);
@@ -24,13 +24,14 @@ public:
     VPolyConnection& operator=(const VPolyConnection&) = delete;
     ~VPolyConnection();
 
-    /// To how many objects the output was added.
+    /// The number of objects to which the output was added.
     int count() const noexcept;
 
 private:
     class Exchange;
     class Joiner;
 
+    StrongPtr<Detail::NetworkCore> m_network;
     StrongPtr<Exchange> m_exchange;
     StrongPtr<Joiner> m_joiner;
 };
@@ -49,7 +50,7 @@ public:
 
     const StrongPtr<VValueParameter<T>, ValueNotifierList>& output() const noexcept { return m_output; }
 
-    /// To how many requesters the output was added.
+    /// The number of requesters to which the output was added.
     int requesterCount() const noexcept { return m_connection.count(); }
 
 private:

@@ -1,21 +1,29 @@
 #include <trellis/VSlot.hpp>
 
-#include <trellis/NetworkOrder.hpp>
+#include <trellis/detail/FrameHooks.hpp>
+#include <trellis/detail/Wiring.hpp>
+
 #include <trellis/VSlotContainer.hpp>
-#include <trellis/VValueComponents.hpp>
 
 #include <algorithm>
 
 namespace Orla {
 
+namespace {
+
+// Up to here a walk over the names is faster than a table.
+constexpr std::size_t FewSlots = 16;
+
+} // namespace
+
 VSlot::VSlot(VSlotContainer& container, const std::string& name, int expertLevel,
              const StrongPtr<VParameter>& parameter, std::uint8_t flags)
     : m_container{&container}
     , m_parameter{parameter}
-    , m_flags{flags}
-    , m_expertLevel{expertLevel}
     , m_ownParameter{parameter}
-    , m_name{name}
+    , m_name{name == parameter->Name() ? nullptr : std::make_unique<const std::string>(name)}
+    , m_expertLevel{expertLevel}
+    , m_flags{flags}
 {
     const StrongPtr<VSlotContainer> owner = parameter->owner();
     m_ownsParameter = !owner || owner.get() == m_container;
@@ -23,77 +31,42 @@ VSlot::VSlot(VSlotContainer& container, const std::string& name, int expertLevel
 
 VSlot::~VSlot()
 {
-    leave();
+    Detail::Wiring::release(*this);
+}
+
+const std::string& VSlot::name() const noexcept
+{
+    return m_name ? *m_name : m_ownParameter->Name();
 }
 
 const std::string& VSlot::member() const noexcept
 {
     static const std::string none;
-    return m_member ? *m_member : none;
+    return m_link ? m_link->member : none;
 }
 
-bool VSlot::setInitialText(const std::string& text)
+StrongPtr<VValueBase> VSlot::componentOf(VValueBase& value) const
 {
-    const StrongPtr<VValueBase> value = m_ownParameter->newValue();
-    return value && value->setValueFromText(text) && m_ownParameter->setGlobalValue(value, {});
-}
-
-void VSlot::refersTo(const StrongPtr<VParameter>& parameter, const std::string& member, const VSlot* leader)
-{
-    m_leader = leader;
-    struct Change {
-        StrongPtr<VSlot> slot;
-        std::string member;
-    };
-    std::vector<Change> changes{{WeakPtrImpl<VSlot>(this).lock(), member}};
-    while (!changes.empty()) {
-        const Change change = std::move(changes.back());
-        changes.pop_back();
-        VSlot& slot = *change.slot;
-        const std::string oldMember = slot.member();
-        if (slot.m_parameter == parameter && oldMember == change.member)
-            continue;
-        slot.leave();
-        slot.m_parameter = parameter;
-        slot.m_member = change.member.empty() ? nullptr : std::make_unique<const std::string>(change.member);
-        slot.join();
-        if (VSlotContainer* container = slot.m_container) {
-            container->slotsChanged();
-            NetworkOrder::inputChanged(*container, &slot);
-            container->becomeDueEverywhere();
-        }
-        std::erase_if(slot.m_followers, [&](const WeakPtrImpl<VSlot>& entry) {
-            const StrongPtr<VSlot> follower = entry.lock();
-            // One that was connected elsewhere since then has gone its own way.
-            if (!follower || follower->m_leader != &slot || !follower->m_container)
-                return true;
-            // Slots may follow each other in a ring, which ends where it began.
-            if (follower.get() != this)
-                changes.push_back({follower, VValueComponents::join(change.member,
-                                                                    VValueComponents::rest(follower->member(), oldMember))});
-            return false;
-        });
+    StrongPtr<VValueBase> part = WeakPtrImpl<VValueBase>(&value).lock();
+    if (m_link) {
+        for (const auto make : m_link->accessor)
+            part = part ? make(*part) : nullptr;
     }
+    return part;
 }
 
-void VSlot::join()
+void VSlot::changeFlags(std::uint8_t flags) noexcept
 {
-    // An object that reads an output of its own is a loop like any other.
-    const StrongPtr<VSlotContainer> owner = m_parameter->owner();
-    m_readsOthers = owner && (owner.get() != m_container || !m_parameter->source().expired());
-    m_readerIndex = m_parameter->m_readers.size();
-    m_parameter->m_readers.push_back(this);
-}
-
-void VSlot::leave() noexcept
-{
-    if (m_readerIndex == NotReading)
-        return;
-    std::vector<VSlot*>& readers = m_parameter->m_readers;
-    readers[m_readerIndex] = readers.back();
-    readers[m_readerIndex]->m_readerIndex = m_readerIndex;
-    readers.pop_back();
-    m_readerIndex = NotReading;
+    const auto changed = static_cast<std::uint8_t>(m_flags ^ flags);
+    m_flags = flags;
+    // An input that the object itself declares may be read through a handle that
+    // remembers the cell.
+    if ((changed & AddedLater) != 0 && !hasFlag(AddedLater))
+        m_keepsCell = true;
+    if ((changed & Passive) != 0)
+        Detail::FrameHooks::readersChanged(*m_parameter);
+    if ((changed & StaysValid) != 0 && m_container)
+        Detail::FrameHooks::switchesChanged(*m_container);
 }
 
 bool VSlotSet::add(const StrongPtr<VSlot>& slot)
@@ -101,43 +74,66 @@ bool VSlotSet::add(const StrongPtr<VSlot>& slot)
     if (!slot || find(slot->name()))
         return false;
     m_slots.push_back(slot);
-    if (m_index)
-        m_index->emplace(slot->name(), m_slots.size() - 1);
+    try {
+        if (!m_index && m_slots.size() > FewSlots) {
+            closeAllGaps();
+            auto index = std::make_unique<Index>();
+            for (std::size_t i = 0; i < m_slots.size(); ++i)
+                index->emplace(m_slots[i]->name(), i);
+            m_index = std::move(index);
+        } else if (m_index) {
+            m_index->emplace(slot->name(), m_slots.size() - 1);
+        }
+    } catch (...) {
+        m_slots.pop_back();
+        throw;
+    }
     return true;
 }
 
-bool VSlotSet::remove(const VSlot& slot)
+bool VSlotSet::remove(const VSlot& slot) noexcept
 {
-    const auto found =
-        std::ranges::find_if(m_slots, [&slot](const StrongPtr<VSlot>& entry) { return entry.get() == &slot; });
-    if (found == m_slots.end())
+    const std::size_t position = positionOf(slot.name());
+    if (position == Nowhere || m_slots[position].get() != &slot)
         return false;
-    m_index.reset();
-    m_slots.erase(found);
+    if (m_index)
+        m_index->erase(slot.name());
+    ++m_gaps;
+    // Last, because it may be the last pointer to the slot.
+    const StrongPtr<VSlot> released = std::move(m_slots[position]);
     return true;
+}
+
+void VSlotSet::closeAllGaps() const noexcept
+{
+    if (m_gaps == 0)
+        return;
+    std::erase(m_slots, nullptr);
+    m_gaps = 0;
+    if (!m_index)
+        return;
+    for (std::size_t i = 0; i < m_slots.size(); ++i)
+        m_index->find(m_slots[i]->name())->second = i;
+}
+
+std::size_t VSlotSet::positionOf(std::string_view name) const
+{
+    if (m_index) {
+        const auto found = m_index->find(name);
+        return found == m_index->end() ? Nowhere : found->second;
+    }
+    for (std::size_t i = 0; i < m_slots.size(); ++i) {
+        if (m_slots[i] && m_slots[i]->name() == name)
+            return i;
+    }
+    return Nowhere;
 }
 
 const StrongPtr<VSlot>& VSlotSet::find(const std::string& name) const
 {
     static const StrongPtr<VSlot> nothing;
-    constexpr std::size_t Few = 16;
-    if (m_slots.size() <= Few) {
-        const auto found = std::ranges::find(m_slots, name, [](const StrongPtr<VSlot>& slot) -> const std::string& {
-            return slot->name();
-        });
-        return found == m_slots.end() ? nothing : *found;
-    }
-    if (!m_index)
-        buildIndex();
-    const auto found = m_index->find(name);
-    return found == m_index->end() ? nothing : m_slots[found->second];
-}
-
-void VSlotSet::buildIndex() const
-{
-    m_index = std::make_unique<Index>();
-    for (std::size_t i = 0; i < m_slots.size(); ++i)
-        m_index->emplace(m_slots[i]->name(), i);
+    const std::size_t position = positionOf(name);
+    return position == Nowhere ? nothing : m_slots[position];
 }
 
 } // namespace Orla

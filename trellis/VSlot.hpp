@@ -2,10 +2,13 @@
 
 #include <trellis/Export.hpp>
 #include <trellis/VParameter.hpp>
+#include <trellis/VSlotPlace.hpp>
 
+#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -25,7 +28,8 @@ public:
         AutoConnected = 0x01, ///< the framework connects it where the user does not
         Passive = 0x02,       ///< a change of its value does not make the object due
         Output = 0x04,        ///< made by registering an output
-        AddedLater = 0x08     ///< added from outside, not by the object's own declaration
+        AddedLater = 0x08,    ///< added from outside, not by the object's own declaration
+        StaysValid = 0x10     ///< an output that is valid also after an update that failed
     };
 
     VSlot(VSlotContainer& container, const std::string& name, int expertLevel, const StrongPtr<VParameter>& parameter,
@@ -34,10 +38,10 @@ public:
     VSlot& operator=(const VSlot&) = delete;
     ~VSlot() override;
 
-    const std::string& name() const noexcept { return m_name; }
+    const std::string& name() const noexcept;
     int expertLevel() const noexcept { return m_expertLevel; }
 
-    /// Null once the container is gone.
+    /// Null once the container is destroyed.
     VSlotContainer* container() const noexcept { return m_container; }
 
     const StrongPtr<VParameter>& parameter() const noexcept { return m_parameter; }
@@ -49,57 +53,73 @@ public:
     /// False for an input that was added with another container's parameter.
     bool ownsParameter() const noexcept { return m_ownsParameter; }
 
-    /// True if somebody's output, or another container's input, is read.
+    /// True if the slot reads an output, or another container's input.
     bool readsOthers() const noexcept { return m_readsOthers; }
 
     std::uint8_t flags() const noexcept { return m_flags; }
     bool hasFlag(Flag flag) const noexcept { return (m_flags & flag) != 0; }
-    void setFlag(Flag flag) noexcept { m_flags = static_cast<std::uint8_t>(m_flags | flag); }
-    void clearFlag(Flag flag) noexcept { m_flags = static_cast<std::uint8_t>(m_flags & ~flag); }
+    void setFlag(Flag flag) noexcept { changeFlags(static_cast<std::uint8_t>(m_flags | flag)); }
+    void clearFlag(Flag flag) noexcept { changeFlags(static_cast<std::uint8_t>(m_flags & ~flag)); }
 
     /// The type of value that the slot takes or offers.
     const std::type_info& type() const { return m_ownParameter->valueType(); }
 
     /// The value that the slot refers to in \p pool, its component if it names a
-    /// member; null where there is none.
-    StrongPtr<VValueBase> getValueBase(const StrongPtr<ValuePool>& pool) const
-    {
-        return m_parameter->getValueBase(pool, member());
-    }
+    /// member; null where there is no value.
+    StrongPtr<VValueBase> getValueBase(const StrongPtr<ValuePool>& pool) const;
 
-    /// As `getValueBase`, but makes the variable where there is none.
-    StrongPtr<VValueBase> getLocalValue(const StrongPtr<ValuePool>& pool) const
-    {
-        return m_parameter->getLocalValue(pool, member());
-    }
+    /// As `getValueBase`, but creates the variable where there is none.
+    StrongPtr<VValueBase> getLocalValue(const StrongPtr<ValuePool>& pool) const;
 
-    /// Reads \p text into the initial value that new pools start from. False, and
-    /// nothing changed, if the text is refused.
+    /// Reads \p text into the slot's value in \p pool, which is created where there is
+    /// none, and announces the change. Returns false, and changes nothing, if the text
+    /// is refused or there is no pool.
+    bool set(const StrongPtr<ValuePool>& pool, const std::string& text) const;
+
+    /// Writes \p value and announces the change. Returns false, and changes nothing, if
+    /// the slot's values are not of type \p T; there is no conversion, so pass `5.0` to
+    /// a slot of type `double`. Include `fathom/VValue.hpp` to use it.
+    template<class T>
+        requires(!std::convertible_to<const T&, std::string>)
+    bool set(const StrongPtr<ValuePool>& pool, const T& value) const;
+
+    /// The slot's value in \p pool as text; nothing where there is no value.
+    std::optional<std::string> text(const StrongPtr<ValuePool>& pool) const;
+
+    /// A copy of the slot's value in \p pool; nothing where there is no value of type
+    /// \p T. Include `fathom/VValue.hpp` to use it.
+    template<class T>
+    std::optional<T> get(const StrongPtr<ValuePool>& pool) const;
+
+    /// Reads \p text into the initial value that new pools start from. Returns false,
+    /// and changes nothing, if the text is refused.
     bool setInitialText(const std::string& text);
 
-private:
-    friend class VParameter;
-    friend class VSlotContainer;
+    /// Where the slot's container keeps its values.
+    VSlotPlace place() const noexcept { return {m_container, m_cell}; }
 
-    void refersTo(const StrongPtr<VParameter>& parameter, const std::string& member, const VSlot* leader);
-    void join();
-    void leave() noexcept;
+    /// Creates the component that the slot reads as a value of its own; null if
+    /// \p value does not have it.
+    StrongPtr<VValueBase> componentOf(VValueBase& value) const;
+
+private:
+    friend class Detail::Wiring;
+    struct Link;
+
+    void changeFlags(std::uint8_t flags) noexcept;
 
     VSlotContainer* m_container;
     StrongPtr<VParameter> m_parameter;
-    std::unique_ptr<const std::string> m_member; // null for the value itself
+    StrongPtr<VParameter> m_ownParameter;
+    std::unique_ptr<const std::string> m_name; // null if it is the own parameter's
+    std::unique_ptr<Link> m_link;              // null for a slot without a connection
+    std::size_t m_readerIndex = NotReading;
+    std::uint32_t m_cell = VSlotPlace::NoCell;
+    int m_expertLevel;
     std::uint8_t m_flags;
     bool m_ownsParameter = true;
     bool m_readsOthers = false;
-    int m_expertLevel;
-    std::size_t m_readerIndex = NotReading;
-    StrongPtr<VParameter> m_ownParameter;
-    std::string m_name;
-
-    // Slots that were connected to this one where it passes its input on, and the
-    // one that this slot was connected to in that way; compared, not looked into.
-    std::vector<WeakPtrImpl<VSlot>> m_followers;
-    const VSlot* m_leader = nullptr;
+    bool m_keepsCell = false; // its cell is not given to another slot when it is removed
 
     static constexpr std::size_t NotReading = ~std::size_t{0};
 };
@@ -109,26 +129,61 @@ class TRELLIS_API VSlotSet {
 public:
     using const_iterator = std::vector<StrongPtr<VSlot>>::const_iterator;
 
-    /// False if a slot of that name is in already.
+    /// Returns false if the set has a slot of that name.
     bool add(const StrongPtr<VSlot>& slot);
-    bool remove(const VSlot& slot);
 
-    /// Null if there is none.
+    /// Returns false if the slot is not in the set. Takes the same time however many
+    /// slots there are; the gap is closed before the slots are visited again.
+    bool remove(const VSlot& slot) noexcept;
+
+    /// Null if there is no slot of that name.
     const StrongPtr<VSlot>& find(const std::string& name) const;
 
-    std::size_t size() const noexcept { return m_slots.size(); }
-    bool empty() const noexcept { return m_slots.empty(); }
-    const StrongPtr<VSlot>& operator[](std::size_t index) const { return m_slots[index]; }
-    const_iterator begin() const noexcept { return m_slots.begin(); }
-    const_iterator end() const noexcept { return m_slots.end(); }
+    std::size_t size() const noexcept { return m_slots.size() - m_gaps; }
+    bool empty() const noexcept { return size() == 0; }
+    const StrongPtr<VSlot>& operator[](std::size_t index) const
+    {
+        closeGaps();
+        return m_slots[index];
+    }
+    const_iterator begin() const noexcept
+    {
+        closeGaps();
+        return m_slots.begin();
+    }
+    const_iterator end() const noexcept
+    {
+        closeGaps();
+        return m_slots.end();
+    }
+
+    /// Calls \p function with each slot. Slots may be added meanwhile, and several
+    /// threads may visit the set at the same time.
+    template<class Function>
+    void forEach(Function&& function) const
+    {
+        for (std::size_t i = 0; i < m_slots.size(); ++i) {
+            if (m_slots[i])
+                function(*m_slots[i]);
+        }
+    }
 
 private:
     using Index = std::unordered_map<std::string_view, std::size_t>;
 
-    void buildIndex() const;
+    std::size_t positionOf(std::string_view name) const;
+    void closeGaps() const noexcept
+    {
+        if (m_gaps > 0) [[unlikely]]
+            closeAllGaps();
+    }
+    void closeAllGaps() const noexcept;
 
-    std::vector<StrongPtr<VSlot>> m_slots;
-    mutable std::unique_ptr<Index> m_index; // made when a large set is searched
+    static constexpr std::size_t Nowhere = ~std::size_t{0};
+
+    mutable std::vector<StrongPtr<VSlot>> m_slots; // null where a slot was removed
+    mutable std::size_t m_gaps = 0;
+    std::unique_ptr<Index> m_index; // of a large set
 };
 
 } // namespace Orla

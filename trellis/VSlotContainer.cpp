@@ -1,25 +1,16 @@
 #include <trellis/VSlotContainer.hpp>
 
-#include <trellis/NetworkOrder.hpp>
-#include <trellis/PoolRoot.hpp>
+#include <trellis/detail/FrameHooks.hpp>
+#include <trellis/detail/Wiring.hpp>
+
 #include <trellis/VActionNotifier.hpp>
-#include <trellis/VManagedObject.hpp>
-#include <trellis/VObject.hpp>
 #include <trellis/VValueComponents.hpp>
 
 #include <loam/Typename.hpp>
 
-#include <algorithm>
-
 namespace Orla {
 
 namespace {
-
-std::uint64_t nextId()
-{
-    static std::uint64_t last = 0;
-    return ++last;
-}
 
 // Empty if an input of type `wanted` can read `member` of `parameter`.
 std::string whyNot(const VParameter& parameter, const std::string& member, const std::type_info& wanted)
@@ -42,21 +33,18 @@ std::string whyNot(const VParameter& parameter, const std::string& member, const
 
 VSlotIterator::~VSlotIterator() = default;
 
-VSlotContainer::VSlotContainer() : m_id{nextId()}
+VSlotContainer::VSlotContainer()
 {
+    Detail::NetworkCore& network = Detail::NetworkCore::current();
+    m_wiring.index = network.add(*this);
+    m_wiring.network = &network;
+    network.referenceBlock().addStrong();
 }
 
 VSlotContainer::~VSlotContainer()
 {
-    PoolRoot::forgetContainer(*this);
-    for (const VSlotSet* slots : {&m_inputs, &m_outputs}) {
-        for (const StrongPtr<VSlot>& slot : *slots) {
-            slot->leave();
-            slot->m_container = nullptr;
-        }
-    }
-    // Readers go on with the parameters of the outputs, which now have no source.
-    NetworkOrder::forget(*this);
+    Detail::Wiring::destroy(*this);
+    m_wiring.network->referenceBlock().releaseStrong();
 }
 
 StrongPtr<VSlot> VSlotContainer::addParameter(const std::string& name, int expertLevel,
@@ -71,27 +59,23 @@ StrongPtr<VSlot> VSlotContainer::addParameter(const std::string& name, int exper
                                  + "; the first one stays");
         return nullptr;
     }
+    if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter);
+        other && other != m_wiring.network) {
+        VActionNotifier::Warning("The input \"" + name + "\" of " + describe()
+                                 + " was not added: its parameter belongs to another network");
+        return nullptr;
+    }
     const std::uint8_t flags =
         static_cast<std::uint8_t>(VSlot::AddedLater | (triggers ? std::uint8_t{0} : std::uint8_t{VSlot::Passive}));
-    StrongPtr<VSlot> slot(new VSlot(*this, name, expertLevel, parameter, flags));
-    m_inputs.add(slot);
-    slot->join();
-    slotsChanged();
-    NetworkOrder::inputChanged(*this, slot.get());
-    becomeDueEverywhere();
-    return slot;
+    return Detail::Wiring::addInput(*this, name, expertLevel, parameter, flags);
 }
 
 bool VSlotContainer::removeParameter(const StrongPtr<VSlot>& slot)
 {
-    if (!slot || !m_inputs.remove(*slot))
+    if (!slot || slot->container() != this || m_inputs.find(slot->name()) != slot)
         return false;
-    m_outputs.remove(*slot);
-    slot->leave();
-    slot->m_container = nullptr;
-    slotsChanged();
-    NetworkOrder::inputChanged(*this, nullptr);
-    becomeDueEverywhere();
+    const StrongPtr<VSlot> keepAlive = slot; // the pointer given may be the set's own
+    Detail::Wiring::removeInput(*this, keepAlive);
     return true;
 }
 
@@ -106,24 +90,15 @@ StrongPtr<VSlot> VSlotContainer::registerOutput(const StrongPtr<VParameter>& par
                                  + "; the first one stays");
         return nullptr;
     }
-    if (parameter->source().expired()) {
-        parameter->setSource(this);
-        // Who reads it already reads this container from now on.
-        for (VSlot* reader : std::vector<VSlot*>(parameter->readers())) {
-            reader->leave();
-            reader->join();
-            NetworkOrder::inputChanged(*reader->container(), reader);
-        }
-    }
-    StrongPtr<VSlot> slot(new VSlot(*this, name, 0, parameter, VSlot::Output));
-    m_outputs.add(slot);
-    slotsChanged();
-    return slot;
+    return Detail::Wiring::addOutput(*this, name, parameter);
 }
 
 bool VSlotContainer::registerOutput(const StrongPtr<VSlot>& input)
 {
-    return input && input->container() == this && m_outputs.add(input);
+    if (!input || input->container() != this)
+        return false;
+    const Detail::ChangeScope change{*m_wiring.network};
+    return m_outputs.add(input);
 }
 
 StrongPtr<VSlot> VSlotContainer::findSlot(const StrongPtr<VParameter>& parameter) const
@@ -159,6 +134,12 @@ bool VSlotContainer::iterateParameters(VSlotIterator& iterator, int expertLevel)
 bool VSlotContainer::attachParameter(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
                                      const std::string& member, std::string* reason)
 {
+    if (parameter && slot && parameter != slot->ownParameter()) {
+        // An input of another container stands for whatever that input reads.
+        if (VSlot* const passing = Detail::Wiring::passingSlot(*parameter))
+            return connect(passing->parameter(), slot, VValueComponents::join(passing->member(), member), passing,
+                           reason);
+    }
     return connect(parameter, slot, member, nullptr, reason);
 }
 
@@ -168,22 +149,23 @@ bool VSlotContainer::attachOutput(const StrongPtr<VSlot>& output, const StrongPt
     if (!output)
         return connect(nullptr, slot, member, nullptr, reason);
     // An input that is passed on may read a component itself.
-    const VSlot* leader = output->hasFlag(VSlot::Output) ? nullptr : output.get();
-    if (!connect(output->parameter(), slot, VValueComponents::join(output->member(), member), leader, reason))
-        return false;
-    if (leader && std::ranges::find(output->m_followers, WeakPtrImpl<VSlot>(slot)) == output->m_followers.end())
-        output->m_followers.emplace_back(slot);
-    return true;
+    VSlot* const leader = output->hasFlag(VSlot::Output) ? nullptr : output.get();
+    return connect(output->parameter(), slot, VValueComponents::join(output->member(), member), leader, reason);
 }
 
 bool VSlotContainer::connect(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
-                             const std::string& member, const VSlot* leader, std::string* reason)
+                             const std::string& member, VSlot* leader, std::string* reason)
 {
     std::string why;
     if (!parameter)
         why = "there is no parameter to connect to";
     else if (!slot || slot->container() != this || slot->hasFlag(VSlot::Output))
-        why = "the slot is no input of " + describe();
+        why = "the slot is not an input of " + describe();
+    else if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter);
+             other && other != m_wiring.network)
+        why = "the two objects belong to different networks";
+    else if (m_wiring.network->isClosed())
+        why = "the network of " + describe() + " was destroyed";
     else
         why = whyNot(*parameter, member, slot->type());
     if (!why.empty()) {
@@ -194,7 +176,8 @@ bool VSlotContainer::connect(const StrongPtr<VParameter>& parameter, const Stron
                                      + " was not connected: " + why);
         return false;
     }
-    slot->refersTo(parameter, member, leader);
+    const StrongPtr<VParameter> keepAlive = parameter; // the pointer given may be the slot's own
+    Detail::Wiring::connect(*slot, keepAlive, member, leader);
     return true;
 }
 
@@ -203,29 +186,45 @@ bool VSlotContainer::detach(const StrongPtr<VSlot>& slot)
     if (!slot || slot->container() != this)
         return false;
     const bool wasConnected = slot->isConnected();
-    slot->refersTo(slot->ownParameter(), {}, nullptr);
+    Detail::Wiring::connect(*slot, slot->ownParameter(), {}, nullptr);
     return wasConnected;
+}
+
+std::set<VSlotContainer::SetupFunction>& VSlotContainer::setupFunctions()
+{
+    if (!m_setupFunctions)
+        m_setupFunctions = std::make_unique<std::set<SetupFunction>>();
+    return *m_setupFunctions;
 }
 
 void VSlotContainer::runSetupFunctions()
 {
+    if (!m_setupFunctions)
+        return;
     // A function may add others; each that was there at the start is called.
-    const std::set<SetupFunction> functions = m_setupFunctions;
+    const std::set<SetupFunction> functions = *m_setupFunctions;
     for (SetupFunction function : functions)
         function(this, m_inputs);
 }
 
-std::string VSlotContainer::describe() const
+void VSlotContainer::keepsState()
 {
-    const auto* object = dynamic_cast<const VManagedObject*>(this);
-    const std::string type = Loam::Typename(typeid(*this));
-    return object ? type + " \"" + object->Name() + "\"" : type;
+    const Detail::ChangeScope change{*m_wiring.network};
+    m_wiring.keepsState = true;
+    Detail::FrameHooks::switchesChanged(*this);
 }
 
-void VSlotContainer::becomeDueEverywhere()
+void VSlotContainer::acceptsFailedInputs()
 {
-    for (VScope* scope = m_scopes; scope; scope = scope->nextOfContainer())
-        scope->makeDue(VScheduler::Observer::Cause::Connected);
+    const Detail::ChangeScope change{*m_wiring.network};
+    m_wiring.acceptsFailed = true;
+    Detail::FrameHooks::switchesChanged(*this);
+}
+
+std::string VSlotContainer::describe() const
+{
+    const std::string type = Loam::Typename(typeid(*this));
+    return m_wiring.name ? type + " \"" + *m_wiring.name + "\"" : type;
 }
 
 } // namespace Orla

@@ -3,16 +3,19 @@
 #include <trellis/Export.hpp>
 #include <trellis/VManagedObjectBase.hpp>
 #include <trellis/VSlot.hpp>
+#include <trellis/detail/ContainerWiring.hpp>
 
+#include <concepts>
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace Orla {
 
 class VObject;
-class VScope;
 class VSlotContainer;
 
 /// Visits slots; see `VSlotContainer::iterateParameters`.
@@ -28,14 +31,18 @@ public:
 ///
 /// Derived virtually by everything that adds slots to an object, so that all
 /// parts of an object share one container.
+///
+/// A container belongs to the network that is current in the thread that creates it.
+/// Changes of its slots and connections keep that network to the calling thread;
+/// evaluations in other threads wait meanwhile.
 class TRELLIS_API VSlotContainer : public virtual VManagedObjectBase {
 public:
-    /// Called once with all inputs, after the object was made and the user's
-    /// connections stand.
+    /// Called once with all inputs, after the object was created and the user's
+    /// connections were made.
     using SetupFunction = void (*)(VSlotContainer*, const VSlotSet&);
 
-    /// An input that is declared by its type and a number; which types there are
-    /// is the business of the libraries above.
+    /// An input that is declared by its type and a number; the libraries above define
+    /// which types there are.
     template<class T, int Number>
     class in;
 
@@ -43,7 +50,7 @@ public:
     VSlotContainer(const VSlotContainer&) = delete;
     VSlotContainer& operator=(const VSlotContainer&) = delete;
 
-    /// Whoever reads this container's outputs keeps the last values.
+    /// The readers of this container's outputs keep the last values.
     ~VSlotContainer() override;
 
     /// Adds an input named \p name for \p parameter; \p expertLevel is the number
@@ -53,7 +60,7 @@ public:
     StrongPtr<VSlot> addParameter(const std::string& name, int expertLevel, const StrongPtr<VParameter>& parameter,
                                   bool triggers);
 
-    /// Takes an input out; false if it is none of this container's.
+    /// Removes an input. Returns false if it does not belong to this container.
     bool removeParameter(const StrongPtr<VSlot>& slot);
 
     /// Offers \p parameter as an output. Its source becomes this container if it
@@ -62,7 +69,7 @@ public:
     StrongPtr<VSlot> registerOutput(const StrongPtr<VParameter>& parameter, const std::string& name);
 
     /// Offers an input of this container as an output too: what is connected to
-    /// it gets what the input gets, also when the input is connected anew. False
+    /// it reads what the input reads, also when the input is reconnected. Returns false
     /// for a slot of another container and for a name that an output has already.
     bool registerOutput(const StrongPtr<VSlot>& input);
 
@@ -75,13 +82,20 @@ public:
     StrongPtr<VSlot> findOutput(const std::string& name) const { return m_outputs.find(name); }
 
     /// Visits the inputs with \p expertLevel or a higher one, in the order in
-    /// which they were added. Slots may be added and removed meanwhile. False if
+    /// which they were added. Slots may be added and removed meanwhile. Returns false if
     /// a visit ended it.
     bool iterateParameters(VSlotIterator& iterator, int expertLevel);
 
+    /// As above: calls \p function with each slot, until it returns false if it
+    /// returns `bool`.
+    template<std::invocable<const StrongPtr<VSlot>&> Function>
+    bool forEachInput(Function&& function, int expertLevel);
+
     /// Connects the input \p slot of this container to \p parameter, or to its
-    /// component \p member; an existing connection is replaced. If the types
-    /// differ or there is no such component, nothing changes and the result is
+    /// component \p member; an existing connection is replaced. If the parameter is
+    /// another container's input, the slot reads what that input reads, also when it is
+    /// reconnected. If the types differ, if there is no such component, or if the
+    /// containers belong to different networks, nothing changes and the result is
     /// false; the reason goes to \p reason or, without one, to
     /// `VActionNotifier::Warning`.
     bool attachParameter(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
@@ -92,58 +106,70 @@ public:
     bool attachOutput(const StrongPtr<VSlot>& output, const StrongPtr<VSlot>& slot, const std::string& member,
                       std::string* reason = nullptr);
 
-    /// Gives the slot its own parameter back; false if it is not connected.
+    /// Gives the slot its own parameter back. Returns false if it is not connected.
     bool detach(const StrongPtr<VSlot>& slot);
 
     /// A function is held at most once.
-    std::set<SetupFunction>& setupFunctions() noexcept { return m_setupFunctions; }
+    std::set<SetupFunction>& setupFunctions();
 
     /// Calls every set-up function.
     void runSetupFunctions();
 
-    /// The processing object that the container is part of, or null.
-    VObject* object() const noexcept { return m_object; }
+    /// Declares that the object keeps state in members that affects its results: it
+    /// then runs in one pool at a time, also where pools are evaluated in several
+    /// threads. Call it in the constructor.
+    void keepsState();
 
-    /// How to call the container in messages.
+    /// Declares that the object runs although an input comes from an update that failed.
+    /// `VRequest::hasFailed` tells its update which inputs those are.
+    void acceptsFailedInputs();
+
+    /// The processing object that the container is part of, or null.
+    VObject* object() const noexcept { return m_wiring.object; }
+
+    /// How messages name the container.
     std::string describe() const;
 
     /// The container's place in the order of evaluation: objects are evaluated
-    /// by ascending numbers, and whoever reads has a larger number than those
+    /// by ascending numbers, and a reader has a larger number than the containers
     /// that it reads, loops apart. May be out of date until the next evaluation.
-    std::uint32_t evaluationOrder() const noexcept { return m_order; }
+    std::uint32_t evaluationOrder() const noexcept { return m_wiring.order; }
+
+    /// For the framework itself.
+    Detail::ContainerWiring& wiring() noexcept { return m_wiring; }
+    const Detail::ContainerWiring& wiring() const noexcept { return m_wiring; }
 
 private:
-    friend class NetworkOrder;
-    friend class PoolRoot;
-    friend class ValuePool;
-    friend class VObject;
-    friend class VParameter;
-    friend class VScheduler;
-    friend class VScope;
-    friend class VSlot;
+    friend class Detail::Wiring;
 
     bool connect(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot, const std::string& member,
-                 const VSlot* leader, std::string* reason);
-    void slotsChanged() noexcept { ++m_layout; }
-    void becomeDueEverywhere();
+                 VSlot* leader, std::string* reason);
 
-    // What running the container needs stands together.
-    VObject* m_object = nullptr;
-    std::uint64_t m_cachedPool = 0; // the last pool that was asked for this container's scope
-    VScope* m_cachedScope = nullptr;
-    std::uint32_t m_order = 0;
-    std::uint32_t m_orderAfter = 0; // readers outside a loop come after all of the loop
-    std::uint32_t m_layout = 1;     // changes when variables may be missing in a pool
-    std::uint32_t m_mark = 0;       // scratch of the ordering
-    bool m_isEvaluated = false; // request processing was enabled
-    bool m_inLoop = false;
-    std::size_t m_pendingPlace = 0; // among those whose order must be worked out, counted from 1
-
-    std::uint64_t m_id;
-    VScope* m_scopes = nullptr; // first of this container's scopes in all pools
+    Detail::ContainerWiring m_wiring;
     VSlotSet m_inputs;
     VSlotSet m_outputs;
-    std::set<SetupFunction> m_setupFunctions;
+    std::unique_ptr<std::set<SetupFunction>> m_setupFunctions; // most containers have none
 };
+
+template<std::invocable<const StrongPtr<VSlot>&> Function>
+bool VSlotContainer::forEachInput(Function&& function, int expertLevel)
+{
+    struct Visit final : VSlotIterator {
+        explicit Visit(Function& theFunction) : function{theFunction} {}
+
+        bool apply(const StrongPtr<VSlot>& slot) override
+        {
+            if constexpr (std::is_same_v<std::invoke_result_t<Function&, const StrongPtr<VSlot>&>, bool>) {
+                return function(slot);
+            } else {
+                function(slot);
+                return true;
+            }
+        }
+
+        Function& function;
+    } visit{function};
+    return iterateParameters(visit, expertLevel);
+}
 
 } // namespace Orla

@@ -1,6 +1,5 @@
 #include <trellis/VValueBase.hpp>
 
-#include <trellis/VManagedObject.hpp>
 #include <trellis/VValueComponents.hpp>
 #include <trellis/VValueCreator.hpp>
 

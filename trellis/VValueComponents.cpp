@@ -76,6 +76,22 @@ StrongPtr<VValueBase> VValueComponents::make(VValueBase& container, const std::s
     return outer ? make(*outer, parts->second) : nullptr;
 }
 
+VValueComponents::Accessor VValueComponents::accessor(const std::type_info& type, const std::string& member)
+{
+    if (member.empty())
+        return {};
+    if (const Component component = find(type, member); component.make)
+        return {component.make};
+    const auto parts = split(member);
+    const Component outer = parts ? find(type, parts->first) : Component{};
+    if (!outer.make)
+        return {};
+    Accessor all = accessor(*outer.type, parts->second);
+    if (!all.empty())
+        all.insert(all.begin(), outer.make);
+    return all;
+}
+
 const std::type_info* VValueComponents::typeOf(const std::type_info& type, const std::string& member)
 {
     if (member.empty())

@@ -22,6 +22,10 @@ public:
         StrongPtr<VValueBase> (*make)(VValueBase& container) = nullptr;
     };
 
+    /// Leads from a value to one of its components: each function creates a component of
+    /// the value that the one before created.
+    using Accessor = std::vector<StrongPtr<VValueBase> (*)(VValueBase& container)>;
+
     /// Offers \p components for values of type \p type as long as it lives.
     explicit VValueComponents(const std::type_info& type, std::vector<Component> components);
     ~VValueComponents();
@@ -31,6 +35,11 @@ public:
     /// The component \p member of \p container, null if its type has none of that
     /// name. "range.begin" is the component "begin" of the component "range".
     static StrongPtr<VValueBase> make(VValueBase& container, const std::string& member);
+
+    /// What leads to the component \p member of values of type \p type; empty for the
+    /// value itself and for a name that the type does not have. Looks names up once, so
+    /// that reading through it needs neither a lock nor a string.
+    static Accessor accessor(const std::type_info& type, const std::string& member);
 
     /// Type of the component, null if \p type has none of that name. The empty
     /// name is the value itself.

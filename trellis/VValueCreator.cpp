@@ -1,7 +1,7 @@
 #include <trellis/VValueCreator.hpp>
 
-#include <trellis/CreatorRegistry.hpp>
-#include <trellis/RegistryReport.hpp>
+#include <trellis/detail/CreatorRegistry.hpp>
+#include <trellis/detail/RegistryReport.hpp>
 
 #include <loam/TypeInfo.hpp>
 
@@ -9,9 +9,9 @@ namespace Orla {
 
 namespace {
 
-CreatorRegistry<VValueCreator>& registry()
+Detail::CreatorRegistry<VValueCreator>& registry()
 {
-    static CreatorRegistry<VValueCreator> theRegistry;
+    static Detail::CreatorRegistry<VValueCreator> theRegistry;
     return theRegistry;
 }
 
@@ -25,8 +25,8 @@ bool VValueCreator::registerCreator(const WeakPtrImpl<VValueCreator>& creator, c
     if (!alive)
         return false;
     const VValueCreator& self = *alive;
-    const std::string owner = ownerOf(alive->valueType(), typeid(self));
-    return acceptedOrReported("value type", name, owner,
+    const std::string owner = Detail::ownerOf(alive->valueType(), typeid(self));
+    return Detail::acceptedOrReported("value type", name, owner,
                               registry().add(creator, name, Loam::typeKey(alive->valueType()), owner));
 }
 

@@ -1,12 +1,39 @@
 #include <trellis/ValueNotifierList.hpp>
 
-#include <trellis/ValuePool.hpp>
+#include <trellis/detail/FrameHooks.hpp>
 
 #include <algorithm>
+#include <cstdint>
+#include <mutex>
 
 namespace Orla {
 
+namespace {
+
+// Shadows are noted once per parameter and pool, so one lock serves all lists.
+std::mutex& shadowsMutex()
+{
+    static std::mutex& theMutex = *new std::mutex; // parameters may outlive static objects
+    return theMutex;
+}
+
+} // namespace
+
+// Pools of several threads may notify the listeners of one parameter at the same time.
+struct ValueNotifierList::Listeners {
+    struct Entry {
+        WeakPtrImpl<VValueListener> listener;
+        std::uint64_t number = 0; // tells whether a listener was removed and added again
+    };
+
+    std::mutex mutex;
+    std::vector<Entry> entries;
+    std::uint64_t lastNumber = 0;
+};
+
 VValueListener::~VValueListener() = default;
+
+ValueNotifierList::ValueNotifierList() = default;
 
 ValueNotifierList::~ValueNotifierList() = default;
 
@@ -19,12 +46,16 @@ bool ValueNotifierList::addListener(const StrongPtr<VValueListener>& listener)
 {
     if (!listener)
         return false;
-    if (!m_listeners)
+    if (!m_listeners) {
         m_listeners = std::make_unique<Listeners>();
+        Detail::FrameHooks::listenersChanged(*this);
+    }
+    const std::lock_guard lock{m_listeners->mutex};
     auto& entries = m_listeners->entries;
-    if (std::ranges::find(entries, WeakPtrImpl<VValueListener>(listener)) != entries.end())
+    const auto isSame = [&](const Listeners::Entry& entry) { return entry.listener == listener; };
+    if (std::ranges::any_of(entries, isSame))
         return false;
-    entries.emplace_back(listener);
+    entries.push_back({listener, ++m_listeners->lastNumber});
     return true;
 }
 
@@ -32,44 +63,44 @@ bool ValueNotifierList::removeListener(const VValueListener& listener)
 {
     if (!m_listeners)
         return false;
-    auto& entries = m_listeners->entries;
-    const auto found = std::ranges::find_if(entries, [&listener](const WeakPtrImpl<VValueListener>& entry) {
-        return entry.referenceBlock() == &listener.referenceBlock();
-    });
-    if (found == entries.end())
-        return false;
-    // Positions must not move while a notification walks over them.
-    if (m_listeners->notifying > 0)
-        found->reset();
-    else
-        entries.erase(found);
-    return true;
+    const std::lock_guard lock{m_listeners->mutex};
+    return std::erase_if(m_listeners->entries, [&listener](const Listeners::Entry& entry) {
+               return entry.listener.referenceBlock() == &listener.referenceBlock();
+           }) > 0;
 }
 
 void ValueNotifierList::callListeners(const StrongPtr<ValuePool>& pool) const
 {
-    // A listener may let the last pointer to this list go.
+    // A listener may release the last pointer to this list.
     const StrongPtr<const ValueNotifierList> keepAlive = WeakPtrImpl<const ValueNotifierList>(this).lock();
-    struct Visit {
-        explicit Visit(Listeners& theListeners) : listeners{theListeners} { ++listeners.notifying; }
-        ~Visit()
+    std::vector<Listeners::Entry> entries;
+    {
+        const std::lock_guard lock{m_listeners->mutex};
+        std::erase_if(m_listeners->entries, [](const Listeners::Entry& entry) { return entry.listener.expired(); });
+        entries = m_listeners->entries;
+    }
+    for (const Listeners::Entry& entry : entries) {
+        StrongPtr<VValueListener> listener;
         {
-            if (--listeners.notifying == 0)
-                std::erase_if(listeners.entries, [](const auto& entry) { return entry.expired(); });
+            const std::lock_guard lock{m_listeners->mutex};
+            if (std::ranges::find(m_listeners->entries, entry.number, &Listeners::Entry::number)
+                != m_listeners->entries.end())
+                listener = entry.listener.lock();
         }
-        Listeners& listeners;
-    } visit{*m_listeners};
-    const std::size_t count = visit.listeners.entries.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        if (const StrongPtr<VValueListener> listener = visit.listeners.entries[i].lock())
+        if (listener)
             listener->valueChanged(*this, pool);
     }
 }
 
 void ValueNotifierList::addShadow(const StrongPtr<ValuePool>& pool) const
 {
-    if (pool && !m_shadows.endsWith(pool))
-        m_shadows.add(pool);
+    if (!pool)
+        return;
+    const std::lock_guard lock{shadowsMutex()};
+    if (!m_shadows)
+        m_shadows = std::make_unique<PoolList>();
+    if (!m_shadows->endsWith(pool))
+        m_shadows->add(pool);
 }
 
 void ValueNotifierList::copyShadows(const ValueNotifierList& other) const
@@ -80,12 +111,12 @@ void ValueNotifierList::copyShadows(const ValueNotifierList& other) const
 
 std::vector<StrongPtr<ValuePool>> ValueNotifierList::shadows() const
 {
-    return m_shadows.alive();
+    const std::lock_guard lock{shadowsMutex()};
+    return m_shadows ? m_shadows->alive() : std::vector<StrongPtr<ValuePool>>{};
 }
 
 void PoolList::add(const WeakPtrImpl<ValuePool>& pool)
 {
-    // Full is when the memory is: looking for dead ones costs no more than moving.
     if (m_pools.size() == m_pools.capacity()) {
         std::erase_if(m_pools, [](const WeakPtrImpl<ValuePool>& entry) { return entry.expired(); });
         m_pools.reserve(std::max<std::size_t>(1, 2 * m_pools.size()));
@@ -102,10 +133,7 @@ std::vector<StrongPtr<ValuePool>> PoolList::alive() const
 {
     std::vector<StrongPtr<ValuePool>> alive;
     alive.reserve(m_pools.size());
-    for (const WeakPtrImpl<ValuePool>& entry : m_pools) {
-        if (StrongPtr<ValuePool> pool = entry.lock())
-            alive.push_back(std::move(pool));
-    }
+    forEachAlive([&alive](const StrongPtr<ValuePool>& pool) { alive.push_back(pool); });
     return alive;
 }
 

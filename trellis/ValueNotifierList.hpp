@@ -15,62 +15,62 @@ using Loam::WeakPtrImpl;
 class ValueNotifierList;
 class ValuePool;
 
-/// Hears of changes of the values that it listens to.
+/// Is notified of changes of the values that it listens to.
 class TRELLIS_API VValueListener : public Loam::ReferenceBase<VValueListener> {
 public:
     ~VValueListener() override;
 
     /// The value of \p source changed in \p pool; a null pool means the initial
     /// value that new pools start from. Listeners may be added and removed, and
-    /// objects made and destroyed, from here.
+    /// objects created and destroyed, from here. Called in the thread that evaluates
+    /// the pool.
     virtual void valueChanged(const ValueNotifierList& source, const StrongPtr<ValuePool>& pool) = 0;
 };
 
-/// Pools, held weakly. Dead ones are dropped when they could be half of the list,
-/// so that something which sees a million pools come and go stays small.
+/// Pools, held weakly.
 class TRELLIS_API PoolList {
 public:
+    /// Prunes expired entries only when the vector must reallocate, so pruning stays
+    /// amortized O(1) and a list that sees a million pools come and go stays small.
     void add(const WeakPtrImpl<ValuePool>& pool);
 
     /// False for an empty list.
     bool endsWith(const StrongPtr<ValuePool>& pool) const;
 
-    /// Those that are alive, in the order in which they were added.
+    /// The living pools in the order in which they were added.
     std::vector<StrongPtr<ValuePool>> alive() const;
+
+    /// Calls \p function for each living pool; allocates nothing.
+    template<class Function>
+    void forEachAlive(Function&& function) const
+    {
+        for (const WeakPtrImpl<ValuePool>& entry : m_pools) {
+            if (const StrongPtr<ValuePool> pool = entry.lock())
+                function(pool);
+        }
+    }
 
 private:
     std::vector<WeakPtrImpl<ValuePool>> m_pools;
 };
 
-/// Who wants to know of a parameter's changes, and which pools have their own
-/// value of it.
+/// The listeners of a parameter, and the pools that have a value of their own.
 class TRELLIS_API ValueNotifierList : public Loam::ReferenceBase<ValueNotifierList> {
 public:
     ~ValueNotifierList() override;
 
-    /// Tells every listener that the initial value changed.
+    /// Notifies every listener that the initial value changed.
     virtual void touch() const;
 
-    /// Adds a listener, held weakly; false if it is in already. One that is added
-    /// during a notification hears from the next one on.
+    /// Adds a listener, held weakly. Returns false if it was added before. One that
+    /// is added during a notification is called from the next notification on.
     bool addListener(const StrongPtr<VValueListener>& listener);
 
-    /// False if it is not in. One that is removed during a notification hears
-    /// nothing more of it.
+    /// Returns false if it was not added. One that is removed during a notification
+    /// is not called any more.
     bool removeListener(const VValueListener& listener);
 
-    /// Notes that \p pool has a value of its own ("shadow" of the initial
-    /// value). Constant, because it does not change what the parameter says.
-    void addShadow(const StrongPtr<ValuePool>& pool) const;
-
-    /// Adds the living shadows of \p other to this one's.
-    void copyShadows(const ValueNotifierList& other) const;
-
-    /// The pools alive that were noted, in that order.
-    std::vector<StrongPtr<ValuePool>> shadows() const;
-
-protected:
-    ValueNotifierList() = default;
+    bool hasListeners() const noexcept { return m_listeners != nullptr; }
 
     /// Calls every listener once.
     void notifyListeners(const StrongPtr<ValuePool>& pool) const
@@ -79,16 +79,27 @@ protected:
             callListeners(pool);
     }
 
+    /// Notes that \p pool has a value of its own ("shadow" of the initial value).
+    /// Constant, because it does not change the value. May be called by several
+    /// threads at once.
+    void addShadow(const StrongPtr<ValuePool>& pool) const;
+
+    /// Adds the living shadows of \p other.
+    void copyShadows(const ValueNotifierList& other) const;
+
+    /// The living pools that were noted, in that order.
+    std::vector<StrongPtr<ValuePool>> shadows() const;
+
+protected:
+    ValueNotifierList();
+
 private:
-    struct Listeners {
-        std::vector<WeakPtrImpl<VValueListener>> entries;
-        unsigned notifying = 0;
-    };
+    struct Listeners;
 
     void callListeners(const StrongPtr<ValuePool>& pool) const;
 
-    std::unique_ptr<Listeners> m_listeners; // most parameters have none
-    mutable PoolList m_shadows;
+    std::unique_ptr<Listeners> m_listeners;      // most parameters have none
+    mutable std::unique_ptr<PoolList> m_shadows; // guarded by a lock that all lists share
 };
 
 } // namespace Orla

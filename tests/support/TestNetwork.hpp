@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <functional>
@@ -102,10 +103,10 @@ public:
     }
 
     static constexpr double Modulus = 1'000'003;
-    static inline std::size_t living = 0;
+    static inline std::atomic<std::size_t> living{0};
 
     Work work;
-    unsigned runs = 0;
+    std::atomic<unsigned> runs{0}; // pools may run it in several threads
 };
 
 /// An object that evaluates: with the output "out" and the inputs given.
@@ -138,7 +139,7 @@ inline std::vector<unsigned> runsOf(const std::vector<StrongPtr<Node>>& nodes)
 {
     std::vector<unsigned> runs;
     for (const StrongPtr<Node>& node : nodes)
-        runs.push_back(std::exchange(node->runs, 0));
+        runs.push_back(node->runs.exchange(0));
     return runs;
 }
 

@@ -5,6 +5,7 @@
 #include <trellis/VValueComponents.hpp>
 #include <trellis/VValueTrait.hpp>
 
+#include <atomic>
 #include <cstddef>
 #include <string>
 #include <typeinfo>
@@ -57,7 +58,7 @@ public:
 };
 
 /// How many `TestValue`s there are.
-inline std::size_t livingTestValues = 0;
+inline std::atomic<std::size_t> livingTestValues{0};
 
 template<class T>
 class TestValue final : public Typed<T> {

@@ -1,4 +1,4 @@
-#include <trellis/CreatorRegistry.hpp>
+#include <trellis/detail/CreatorRegistry.hpp>
 
 #include <gmock/gmock.h>
 
@@ -6,6 +6,7 @@
 #include <thread>
 
 using namespace Orla;
+using namespace Orla::Detail;
 using Loam::makeStrong;
 using Loam::StrongPtr;
 using testing::ElementsAre;

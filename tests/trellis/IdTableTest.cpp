@@ -1,4 +1,4 @@
-#include <trellis/IdTable.hpp>
+#include <trellis/detail/IdTable.hpp>
 
 #include <loam/StrongPtr.hpp>
 
@@ -12,6 +12,7 @@
 #include <vector>
 
 using namespace Orla;
+using namespace Orla::Detail;
 
 namespace {
 

@@ -8,6 +8,7 @@
 // What a refused registration says; the registries themselves have their own tests.
 
 using namespace Orla;
+using namespace Orla::Detail;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -28,7 +28,7 @@ TEST_F(ValuePoolTest, hasAName)
 {
     EXPECT_EQ(pool->Name(), "pool");
     EXPECT_EQ(ValuePool().Name(), "");
-    EXPECT_EQ(&pool->root(), pool.get());
+    EXPECT_EQ(pool->root(), pool);
 }
 
 TEST_F(ValuePoolTest, findsAVariableByItsNameAndByItsParameter)
@@ -79,7 +79,8 @@ TEST_F(ValuePoolTest, givesUpTheOldPlaceOfAVariableThatIsEnteredElsewhere)
     pool->createVariable(parameter.get(), value);
     EXPECT_EQ(parameter->getValueBase(pool), value);
     EXPECT_TRUE(old.expired());
-    EXPECT_FALSE(pool->scopeOf(*node)->retrieveValue("in"));
+    EXPECT_EQ(node->findSlot("in")->getValueBase(pool), value);
+    EXPECT_EQ(pool->retrieveValue("in"), value);
 }
 
 TEST_F(ValuePoolTest, keepsANameForThoseWhoShareIt)
@@ -130,9 +131,7 @@ TEST_F(ValuePoolTest, keepsInputsOfTheSameNameApart)
     EXPECT_EQ(first->read(pool, "in"), 1);
     EXPECT_EQ(second->read(pool, "in"), 2);
     EXPECT_FALSE(pool->retrieveValue("in")) << "neither of them has the name to itself";
-    EXPECT_EQ(contentOf(pool->scopeOf(*first)->retrieveValue("in")), 1);
-    EXPECT_EQ(contentOf(pool->scopeOf(*second)->retrieveValue("in")), 2);
-    EXPECT_EQ(pool->scopeCount(), 2u);
+    EXPECT_EQ(pool->variableCount(), 2u);
 }
 
 TEST_F(ValuePoolTest, keepsAnInputAndAnOutputOfTheSameNameApart)
@@ -146,7 +145,6 @@ TEST_F(ValuePoolTest, keepsAnInputAndAnOutputOfTheSameNameApart)
     EXPECT_EQ(contentOf(output->getLocalValue(pool)), 5);
     EXPECT_EQ(contentOf<std::string>(textOutput->getLocalValue(pool)), "text");
     EXPECT_EQ(pool->variableCount(), 3u);
-    EXPECT_EQ(pool->scopeCount(), 1u);
 }
 
 TEST_F(ValuePoolTest, keepsParametersWithoutAnOwnerApart)
@@ -159,12 +157,6 @@ TEST_F(ValuePoolTest, keepsParametersWithoutAnOwnerApart)
     EXPECT_EQ(contentOf(third->getLocalValue(pool)), 3);
     EXPECT_EQ(contentOf(pool->retrieveValue("limit")), 1) << "who came first has the name";
     EXPECT_EQ(pool->variableCount(), 3u);
-
-    const std::vector<StrongPtr<ValuePool>> kept = second->shadows();
-    ASSERT_EQ(kept.size(), 1u);
-    pool.reset();
-    EXPECT_EQ(kept[0]->variableCount(), 0u);
-    EXPECT_FALSE(second->getLocalValue(kept[0])) << "a part of a pool that is gone";
 }
 
 TEST_F(ValuePoolTest, sharesAVariableBetweenWriterAndReaders)
@@ -175,26 +167,7 @@ TEST_F(ValuePoolTest, sharesAVariableBetweenWriterAndReaders)
     writer->write(pool, "out", 5.0);
     EXPECT_EQ(contentOf(reader->findSlot("in")->getValueBase(pool)), 5);
     EXPECT_EQ(pool->variableCount(), 1u);
-    EXPECT_EQ(contentOf(pool->scopeOf(*writer)->retrieveValue("out")), 5);
-}
-
-TEST_F(ValuePoolTest, isReachedThroughItsScopes)
-{
-    const auto node = makeNode("node");
-    const StrongPtr<ValuePool> scope = pool->scopeOf(*node);
-    EXPECT_EQ(pool->scopeOf(*node), scope);
-    EXPECT_EQ(&scope->root(), pool.get());
-    EXPECT_NE(scope, pool);
-    const auto parameter = testParameter("limit", 1.0);
-    const StrongPtr<VValueBase> value = parameter->getLocalValue(scope);
-    EXPECT_EQ(parameter->getValueBase(pool), value);
-    EXPECT_EQ(pool->variableCount(), 1u);
-    EXPECT_EQ(scope->variableCount(), 1u);
-
-    scope->createVariable(parameter.get(), testValue(2.0));
-    EXPECT_EQ(contentOf(parameter->getValueBase(pool)), 2);
-    EXPECT_EQ(contentOf(parameter->getValueBase(scope)), 2);
-    EXPECT_EQ(scope->scopeOf(*node), scope);
+    EXPECT_EQ(reader->findSlot("in")->getValueBase(pool), writer->findOutput("out")->getValueBase(pool));
 }
 
 TEST_F(ValuePoolTest, finds100000VariablesByNameAndByParameter)
@@ -256,26 +229,21 @@ TEST_F(ValuePoolTest, mayGoBeforeParametersAndContainersOrAfterThem)
             runAll(nodes, each);
             nodes[0]->write(each, "in", 3.0);
         }
-        StrongPtr<ValuePool> scope = first->scopeOf(*nodes[0]);
         for (const char what : order) {
             if (what == 'p') {
                 first.reset();
-                EXPECT_EQ(scope->variableCount(), second ? scope->variableCount() : 0u);
                 second.reset();
             } else if (what == 'c') {
                 plain.reset();
             } else {
                 nodes.clear();
+                if (first) {
+                    EXPECT_EQ(contentOf(slot->getValueBase(first)), 1) << "the slot keeps the writer's output";
+                }
             }
         }
         EXPECT_FALSE(slot->container());
-        if (StrongPtr<VValueBase> left = scope->retrieveValue("in")) {
-            EXPECT_EQ(contentOf(left), 3) << "a scope that somebody kept";
-        }
-        EXPECT_EQ(scope->variableCount(), 0u);
-        EXPECT_FALSE(slot->getValueBase(scope));
-        EXPECT_FALSE(slot->getLocalValue(scope)) << "it belongs to no pool any more";
-        EXPECT_FALSE(VScheduler::isDue(scope));
+        EXPECT_FALSE(slot->getValueBase(first));
     }
 }
 
@@ -288,7 +256,6 @@ TEST_F(ValuePoolTest, holdsTheLastValuesOfAnObjectThatWentAway)
     EXPECT_EQ(reader->read(pool, "out"), 2);
     writer.reset();
     EXPECT_EQ(contentOf(reader->findSlot("in")->getValueBase(pool)), 1);
-    EXPECT_EQ(pool->scopeCount(), 1u);
     runAll({reader}, pool);
     EXPECT_EQ(reader->read(pool, "out"), 2);
     reader->detach(reader->findSlot("in"));
@@ -313,7 +280,6 @@ TEST_F(ValuePoolTest, letsVariablesGoThatHoldTheLastPointerToAnObject)
         EXPECT_EQ(Node::living, 0u);
         for (const StrongPtr<VParameter>& other : others)
             EXPECT_EQ(contentOf(other->getValueBase(pool)), 1);
-        EXPECT_EQ(pool->scopeCount(), 0u);
     };
 
     enterObject();

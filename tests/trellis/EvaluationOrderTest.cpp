@@ -12,7 +12,7 @@ using namespace Orla;
 
 namespace {
 
-class NetworkOrderTest : public FrameworkTest {
+class EvaluationOrderTest : public FrameworkTest {
 protected:
     StrongPtr<ValuePool> pool{new ValuePool("pool")};
 
@@ -32,7 +32,7 @@ protected:
 
 } // namespace
 
-TEST_F(NetworkOrderTest, standsForwardsBackwardsAndInAnyOrderOfConnecting)
+TEST_F(EvaluationOrderTest, standsForwardsBackwardsAndInAnyOrderOfConnecting)
 {
     constexpr std::size_t Count = 30;
     std::vector<std::size_t> links;
@@ -58,7 +58,7 @@ TEST_F(NetworkOrderTest, standsForwardsBackwardsAndInAnyOrderOfConnecting)
     }
 }
 
-TEST_F(NetworkOrderTest, putsReadersBehindEverythingThatTheyReadInRandomNetworks)
+TEST_F(EvaluationOrderTest, putsReadersBehindEverythingThatTheyReadInRandomNetworks)
 {
     // Connections are made and cut at random; loops come and go. Which objects
     // form loops is found the slow way: by who reaches whom.
@@ -128,7 +128,7 @@ TEST_F(NetworkOrderTest, putsReadersBehindEverythingThatTheyReadInRandomNetworks
     }
 }
 
-TEST_F(NetworkOrderTest, putsNobodyFromOutsideBetweenTheMembersOfALoop)
+TEST_F(EvaluationOrderTest, putsNobodyFromOutsideBetweenTheMembersOfALoop)
 {
     const auto entry = makeQuiet("entry", 0);
     const auto a = makeQuiet("a", 2);
@@ -148,7 +148,7 @@ TEST_F(NetworkOrderTest, putsNobodyFromOutsideBetweenTheMembersOfALoop)
     EXPECT_GT(reader->evaluationOrder(), first + 2);
 }
 
-TEST_F(NetworkOrderTest, standsAgainWhenALoopIsOpenedByAConnectionOrByTheEndOfAMember)
+TEST_F(EvaluationOrderTest, standsAgainWhenALoopIsOpenedByAConnectionOrByTheEndOfAMember)
 {
     for (const bool byEnd : {false, true}) {
         for (std::size_t cut = 0; cut < 5; ++cut) {
@@ -180,7 +180,7 @@ TEST_F(NetworkOrderTest, standsAgainWhenALoopIsOpenedByAConnectionOrByTheEndOfAM
     }
 }
 
-TEST_F(NetworkOrderTest, followsPassedInputsAndSharedParameters)
+TEST_F(EvaluationOrderTest, followsPassedInputsAndSharedParameters)
 {
     const auto source = makeQuiet("source");
     const auto deep = makeQuiet("deep");
@@ -197,17 +197,19 @@ TEST_F(NetworkOrderTest, followsPassedInputsAndSharedParameters)
     EXPECT_LT(deep->evaluationOrder(), reader->evaluationOrder());
     EXPECT_LT(reader->evaluationOrder(), behind->evaluationOrder());
 
-    // An input that is read by others is written by its own object.
+    // An input that another container reads passes on what it reads itself.
     const auto owner = makeQuiet("owner");
     const auto sharing = makeQuiet("sharing");
     sharing->attachParameter(owner->findSlot("in 0")->parameter(), sharing->findSlot("in 0"), "");
     evaluate(source);
+    EXPECT_LT(owner->evaluationOrder(), sharing->evaluationOrder());
     connect(behind, owner, "in 0");
     evaluate(source);
-    EXPECT_LT(owner->evaluationOrder(), sharing->evaluationOrder());
+    EXPECT_LT(behind->evaluationOrder(), owner->evaluationOrder());
+    EXPECT_LT(behind->evaluationOrder(), sharing->evaluationOrder());
 }
 
-TEST_F(NetworkOrderTest, countsAnOutputThatIsDeclaredAfterItIsRead)
+TEST_F(EvaluationOrderTest, countsAnOutputThatIsDeclaredAfterItIsRead)
 {
     const auto source = makeQuiet("source");
     const auto writer = makeQuiet("writer");
@@ -224,7 +226,7 @@ TEST_F(NetworkOrderTest, countsAnOutputThatIsDeclaredAfterItIsRead)
     EXPECT_LT(reader->evaluationOrder(), behind->evaluationOrder());
 }
 
-TEST_F(NetworkOrderTest, isWorkedOutForLongLoopsOnAnOrdinaryStack)
+TEST_F(EvaluationOrderTest, isWorkedOutForLongLoopsOnAnOrdinaryStack)
 {
 #if defined(SANITIZED)
     constexpr std::size_t Count = 30'000; // frames are several times as large

@@ -4,8 +4,7 @@
 
 #include <random>
 
-// Scopes and queues of pools have no face of their own; what they do is seen
-// through pools and the scheduler.
+// Frames and queues are internal; the tests see them through pools and the scheduler.
 
 using namespace Orla;
 using testing::ElementsAre;
@@ -13,7 +12,7 @@ using testing::ElementsAreArray;
 
 namespace {
 
-class PoolRootTest : public FrameworkTest {
+class PoolStateTest : public FrameworkTest {
 protected:
     StrongPtr<ValuePool> pool{new ValuePool("pool")};
     std::vector<std::string> ran;
@@ -32,7 +31,7 @@ protected:
 
 } // namespace
 
-TEST_F(PoolRootTest, queuesObjectsOfOneOrderAsTheyBecomeDue)
+TEST_F(PoolStateTest, queuesObjectsOfOneOrderAsTheyBecomeDue)
 {
     std::vector<StrongPtr<Node>> nodes;
     for (const char* name : {"a", "b", "c", "d", "e"})
@@ -43,7 +42,7 @@ TEST_F(PoolRootTest, queuesObjectsOfOneOrderAsTheyBecomeDue)
     EXPECT_THAT(ran, ElementsAre("d", "a", "e", "c", "b")) << "who is due already keeps the place";
 }
 
-TEST_F(PoolRootTest, queuesSourcesBeforeTheirReaders)
+TEST_F(PoolStateTest, queuesSourcesBeforeTheirReaders)
 {
     // Objects of all numbers from 0 to 29, due in random order, several of each.
     std::vector<StrongPtr<Node>> sources;
@@ -76,7 +75,7 @@ TEST_F(PoolRootTest, queuesSourcesBeforeTheirReaders)
     }
 }
 
-TEST_F(PoolRootTest, takesObjectsOutOfTheQueueWhenTheyGo)
+TEST_F(PoolStateTest, takesObjectsOutOfTheQueueWhenTheyGo)
 {
     std::mt19937 random(4);
     for (int round = 0; round < 30; ++round) {
@@ -104,7 +103,7 @@ TEST_F(PoolRootTest, takesObjectsOutOfTheQueueWhenTheyGo)
     }
 }
 
-TEST_F(PoolRootTest, letsADueObjectRunAtItsNewPlaceWhenItsOrderWasLoweredMeanwhile)
+TEST_F(PoolStateTest, letsADueObjectRunAtItsNewPlaceWhenItsOrderWasLoweredMeanwhile)
 {
     // "late" is due at the end of a chain; then its connection is cut, and what
     // reads it stands in front of where it was queued.
@@ -137,30 +136,17 @@ TEST_F(PoolRootTest, letsADueObjectRunAtItsNewPlaceWhenItsOrderWasLoweredMeanwhi
     }
 }
 
-TEST_F(PoolRootTest, givesEachContainerOneScopeInEachPool)
-{
-    const auto second = Loam::makeStrong<ValuePool>("second");
-    const auto node = makeNode("node");
-    const StrongPtr<ValuePool> inFirst = pool->scopeOf(*node);
-    const StrongPtr<ValuePool> inSecond = second->scopeOf(*node);
-    EXPECT_NE(inFirst, inSecond);
-    EXPECT_EQ(pool->scopeOf(*node), inFirst);
-    EXPECT_EQ(second->scopeOf(*node), inSecond);
-    EXPECT_EQ(pool->scopeCount(), 1u);
-}
-
-TEST_F(PoolRootTest, givesAnObjectOnlyWhatItHasItself)
+TEST_F(PoolStateTest, givesAnObjectOnlyWhatItHasItself)
 {
     // Pools follow their variables, not the size of the network.
     std::vector<StrongPtr<Node>> nodes;
     for (int i = 0; i < 100; ++i)
         nodes.push_back(makeNode("node"));
     runAll({nodes[50]}, pool);
-    EXPECT_EQ(pool->scopeCount(), 1u);
     EXPECT_EQ(pool->variableCount(), 2u);
 }
 
-TEST_F(PoolRootTest, completesTheVariablesBeforeAnUpdate)
+TEST_F(PoolStateTest, completesTheVariablesBeforeAnUpdate)
 {
     const auto node = makeNode("node", {"first"});
     std::size_t variables = 0;
@@ -185,7 +171,7 @@ TEST_F(PoolRootTest, completesTheVariablesBeforeAnUpdate)
     EXPECT_EQ(variables, 4u) << "the writer never ran, so its variable was made for the reader";
 }
 
-TEST_F(PoolRootTest, makesManySmallPoolsAsNaturalAsALargeOne)
+TEST_F(PoolStateTest, makesManySmallPoolsAsNaturalAsALargeOne)
 {
     std::vector<StrongPtr<Node>> nodes{makeNode("a"), makeNode("b"), makeNode("c")};
     connect(nodes[0], nodes[1]);
@@ -204,39 +190,13 @@ TEST_F(PoolRootTest, makesManySmallPoolsAsNaturalAsALargeOne)
     pools.resize(2500);
     nodes.erase(nodes.begin() + 1);
     for (const StrongPtr<ValuePool>& each : pools) {
-        EXPECT_EQ(each->scopeCount(), 2u);
         const double before = contentOf(nodes[1]->findSlot("in")->getValueBase(each));
         runAll(nodes, each);
         EXPECT_EQ(nodes[1]->read(each, "out"), before + 1);
     }
 }
 
-TEST_F(PoolRootTest, forgetsWhereAnInputAndAnOutputOfOneNameStoodApart)
-{
-    auto writer = Loam::makeStrong<Node>("writer");
-    for (int i = 0; i < 2; ++i) {
-        const std::string name = "data " + std::to_string(i);
-        writer->addInput(name);
-        writer->addOutput(name);
-    }
-    writer->enableRequestProcessing();
-    auto reader = makeNode("reader");
-    connect(writer, reader, "in", "", "data 1");
-    runAll({writer}, pool);
-    EXPECT_EQ(pool->variableCount(), 5u);
-    EXPECT_EQ(reader->read(pool, "out"), 2);
-    const StrongPtr<ValuePool> kept = writer->findOutput("data 0")->parameter()->shadows().front();
-    EXPECT_EQ(contentOf(kept->retrieveValue("data 0")), 1);
-    EXPECT_FALSE(pool->scopeOf(*writer) == kept);
-
-    writer.reset();
-    EXPECT_EQ(kept->variableCount(), 0u);
-    EXPECT_EQ(contentOf(reader->findSlot("in")->getValueBase(pool)), 1);
-    reader.reset();
-    EXPECT_EQ(pool->variableCount(), 0u);
-}
-
-TEST_F(PoolRootTest, forgetsAContainerInAllPoolsWithoutForgettingWhatOthersRead)
+TEST_F(PoolStateTest, forgetsAContainerInAllPoolsWithoutForgettingWhatOthersRead)
 {
     auto writer = makeNode("writer");
     const auto reader = makeNode("reader");
@@ -247,14 +207,11 @@ TEST_F(PoolRootTest, forgetsAContainerInAllPoolsWithoutForgettingWhatOthersRead)
         runAll({writer, reader}, pools.back());
         VScheduler::schedule(writer, 0, pools.back());
     }
-    const StrongPtr<ValuePool> kept = pools[7]->scopeOf(*writer);
     pools.erase(pools.begin() + 3);
     writer.reset();
     for (const StrongPtr<ValuePool>& each : pools) {
         EXPECT_FALSE(VScheduler::isDue(each));
-        EXPECT_EQ(each->scopeCount(), 1u);
         EXPECT_EQ(each->variableCount(), 2u);
         EXPECT_EQ(contentOf(reader->findSlot("in")->getValueBase(each)), 1);
     }
-    EXPECT_EQ(kept->variableCount(), 0u);
 }

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace Orla {
+namespace Orla::Detail {
 
 /// What creators are registered under which name. Holds weak references: what a
 /// library registered is gone when the library unloads.
@@ -86,4 +86,4 @@ private:
     std::map<std::string, std::vector<Candidate>, std::less<>> m_candidates;
 };
 
-} // namespace Orla
+} // namespace Orla::Detail

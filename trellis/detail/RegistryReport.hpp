@@ -3,7 +3,7 @@
 #include <string>
 #include <typeinfo>
 
-namespace Orla {
+namespace Orla::Detail {
 
 /// The name of \p type and the library that brings its creator, for reports.
 std::string ownerOf(const std::type_info& type, const std::type_info& creator);
@@ -13,4 +13,4 @@ std::string ownerOf(const std::type_info& type, const std::type_info& creator);
 bool acceptedOrReported(const char* kind, const std::string& name, const std::string& owner,
                         const std::string& holder);
 
-} // namespace Orla
+} // namespace Orla::Detail

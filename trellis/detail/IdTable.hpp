@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace Orla {
+namespace Orla::Detail {
 
 /// Hash table from a non-zero number to a small value: open addressing with
 /// linear probing, so that a look-up touches one or two cache lines however many
@@ -130,4 +130,4 @@ private:
     unsigned m_shift = 64;
 };
 
-} // namespace Orla
+} // namespace Orla::Detail

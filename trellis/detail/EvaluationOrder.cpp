@@ -1,28 +1,15 @@
-#include <trellis/NetworkOrder.hpp>
+#include <trellis/detail/EvaluationOrder.hpp>
 
-#include <trellis/PoolRoot.hpp>
+#include <trellis/detail/FrameHooks.hpp>
+
 #include <trellis/VSlotContainer.hpp>
 
 #include <algorithm>
+#include <new>
 
-namespace Orla {
+namespace Orla::Detail {
 
 namespace {
-
-// The containers whose order must be worked out. At exit it may go before the
-// last of them do.
-struct Pending {
-    ~Pending() { isGone = true; }
-
-    std::vector<VSlotContainer*> containers;
-    static inline constinit bool isGone = false;
-};
-
-std::vector<VSlotContainer*>& pending()
-{
-    static Pending thePending;
-    return thePending.containers;
-}
 
 // Calls `function` for each container that reads something that `container`
 // writes; more than once if it reads several things.
@@ -67,19 +54,19 @@ void forEachSource(const VSlotContainer& container, Function&& function)
 /// Tarjan's strongly connected components, "Depth-first search and linear graph
 /// algorithms" (1972), with a stack of its own instead of recursion, so that
 /// the length of a chain does not matter.
-class NetworkOrder::Search {
+class EvaluationOrder::Search {
 public:
     using Component = std::vector<VSlotContainer*>;
 
     ~Search()
     {
         for (const Node& node : m_nodes)
-            node.container->m_mark = 0;
+            node.container->wiring().mark = 0;
     }
 
     void visit(VSlotContainer& start)
     {
-        if (start.m_mark != 0)
+        if (start.wiring().mark != 0)
             return;
         open(start);
         while (!m_path.empty()) {
@@ -90,12 +77,12 @@ public:
                 continue;
             }
             VSlotContainer& reader = *step.readers[step.next++];
-            if (reader.m_mark == 0) {
+            if (reader.wiring().mark == 0) {
                 open(reader);
             } else {
-                const Node& seen = m_nodes[reader.m_mark - 1];
+                const Node& seen = m_nodes[reader.wiring().mark - 1];
                 if (seen.onStack)
-                    node.low = std::min(node.low, reader.m_mark - 1);
+                    node.low = std::min(node.low, reader.wiring().mark - 1);
             }
         }
     }
@@ -103,7 +90,7 @@ public:
     /// In reverse order: those that read come before those that they read.
     std::vector<Component>& components() noexcept { return m_components; }
 
-    bool wasVisited(const VSlotContainer& container) const noexcept { return container.m_mark != 0; }
+    bool wasVisited(const VSlotContainer& container) const noexcept { return container.wiring().mark != 0; }
 
 private:
     struct Node {
@@ -122,7 +109,7 @@ private:
     {
         const auto index = static_cast<std::uint32_t>(m_nodes.size());
         m_nodes.push_back({&container, index, true});
-        container.m_mark = index + 1;
+        container.wiring().mark = index + 1;
         m_stack.push_back(index);
         Step& step = m_path.emplace_back(Step{index, 0, {}});
         forEachReader(container, [&step](VSlotContainer& reader) { step.readers.push_back(&reader); });
@@ -148,7 +135,7 @@ private:
             component.push_back(m_nodes[member].container);
         } while (member != index);
         // In the order in which they were reached.
-        std::ranges::sort(component, {}, &VSlotContainer::m_mark);
+        std::ranges::sort(component, {}, [](VSlotContainer* each) { return each->wiring().mark; });
         m_components.push_back(std::move(component));
     }
 
@@ -160,7 +147,7 @@ private:
 
 // Puts the members of a loop into the order in which they run after `entry`:
 // each behind those that it reads, the connections that close the loop apart.
-void NetworkOrder::orderLoop(std::vector<VSlotContainer*>& loop, VSlotContainer& entry)
+void EvaluationOrder::orderLoop(std::vector<VSlotContainer*>& loop, VSlotContainer& entry)
 {
     struct Step {
         VSlotContainer* container;
@@ -170,10 +157,10 @@ void NetworkOrder::orderLoop(std::vector<VSlotContainer*>& loop, VSlotContainer&
     std::vector<Step> path;
     std::vector<VSlotContainer*> finished;
     const auto open = [&path](VSlotContainer& container) {
-        container.m_mark |= Ordered;
+        container.wiring().mark |= Ordered;
         Step& step = path.emplace_back(Step{&container, 0, {}});
         forEachReader(container, [&step](VSlotContainer& reader) {
-            if ((reader.m_mark & InThisComponent) != 0)
+            if ((reader.wiring().mark & InThisComponent) != 0)
                 step.readers.push_back(&reader);
         });
     };
@@ -183,80 +170,96 @@ void NetworkOrder::orderLoop(std::vector<VSlotContainer*>& loop, VSlotContainer&
         if (step.next == step.readers.size()) {
             finished.push_back(step.container);
             path.pop_back();
-        } else if (VSlotContainer& reader = *step.readers[step.next++]; (reader.m_mark & Ordered) == 0) {
+        } else if (VSlotContainer& reader = *step.readers[step.next++]; (reader.wiring().mark & Ordered) == 0) {
             open(reader);
         }
     }
     for (VSlotContainer* container : loop)
-        container->m_mark &= ~Ordered;
+        container->wiring().mark &= ~Ordered;
     loop.assign(finished.rbegin(), finished.rend());
 }
 
-void NetworkOrder::inputChanged(VSlotContainer& container, const VSlot* slot)
+void EvaluationOrder::inputChanged(VSlotContainer& container, const VSlot* slot) noexcept
 {
-    if (container.m_pendingPlace != 0)
+    const ContainerWiring& wiring = container.wiring();
+    if (wiring.pendingPlace != 0)
         return;
-    // The usual case, a network that is built from its sources on: the order
-    // stands already. In a loop every change may open it.
-    if (!container.m_inLoop) {
+    // The usual case is a network that is built from its sources on: the order is
+    // right already. In a loop every change may open the loop.
+    if (!wiring.inLoop) {
         if (!slot || !slot->readsOthers())
             return;
         const StrongPtr<VSlotContainer> source = slot->parameter()->owner();
-        if (source && source->m_pendingPlace == 0 && source->m_orderAfter < container.m_order)
+        if (source && source->wiring().pendingPlace == 0 && source->wiring().orderAfter < wiring.order)
             return;
     }
     note(container);
 }
 
-void NetworkOrder::note(VSlotContainer& container)
+void EvaluationOrder::note(VSlotContainer& container) noexcept
 {
-    if (container.m_pendingPlace != 0 || Pending::isGone)
+    if (container.wiring().pendingPlace != 0)
         return;
-    pending().push_back(&container);
-    container.m_pendingPlace = pending().size();
+    try {
+        m_pending.push_back(&container);
+        container.wiring().pendingPlace = static_cast<std::uint32_t>(m_pending.size());
+    } catch (const std::bad_alloc&) {
+        m_mustStartOver = true;
+    }
 }
 
-void NetworkOrder::forget(VSlotContainer& container)
+void EvaluationOrder::forget(VSlotContainer& container) noexcept
 {
     // The loop may be open without it.
-    if (container.m_inLoop)
-        forEachReader(container, [](VSlotContainer& reader) { note(reader); });
-    if (container.m_pendingPlace == 0 || Pending::isGone)
+    if (container.wiring().inLoop)
+        forEachReader(container, [this](VSlotContainer& reader) { note(reader); });
+    std::uint32_t& place = container.wiring().pendingPlace;
+    if (place == 0)
         return;
-    pending().back()->m_pendingPlace = container.m_pendingPlace;
-    pending()[container.m_pendingPlace - 1] = pending().back();
-    pending().pop_back();
-    container.m_pendingPlace = 0;
+    m_pending.back()->wiring().pendingPlace = place;
+    m_pending[place - 1] = m_pending.back();
+    m_pending.pop_back();
+    place = 0;
+    if (m_pending.empty())
+        m_pending = {};
 }
 
-bool NetworkOrder::isUpToDate() noexcept
-{
-    return Pending::isGone || pending().empty();
-}
-
-void NetworkOrder::update()
+void EvaluationOrder::update(const std::vector<VSlotContainer*>& all)
 {
     if (isUpToDate())
         return;
-    Search search;
-    for (VSlotContainer* container : pending()) {
-        container->m_pendingPlace = 0;
-        search.visit(*container);
+    const bool startsOver = m_mustStartOver;
+    m_mustStartOver = true; // until everything succeeded
+    {
+        Search search;
+        for (VSlotContainer* container : startsOver ? all : m_pending) {
+            // Closes the gaps, so that evaluations in several threads do not.
+            static_cast<void>(container->inputs().begin());
+            static_cast<void>(container->outputs().begin());
+            search.visit(*container);
+        }
+        apply(search);
     }
-    pending().clear();
+    for (VSlotContainer* container : m_pending)
+        container->wiring().pendingPlace = 0;
+    m_pending = {};
+    m_mustStartOver = false;
+}
 
+void EvaluationOrder::apply(Search& search)
+{
     std::vector<Search::Component>& components = search.components();
     for (auto component = components.rbegin(); component != components.rend(); ++component) {
         const bool isLoop = component->size() > 1;
         for (VSlotContainer* container : *component)
-            container->m_mark |= InThisComponent;
+            container->wiring().mark |= InThisComponent;
         std::uint32_t order = 0;
         VSlotContainer* entry = nullptr;
         for (VSlotContainer* container : *component) {
             forEachSource(*container, [&](const VSlotContainer& source) {
-                if ((source.m_mark & InThisComponent) != 0)
+                if ((source.wiring().mark & InThisComponent) != 0)
                     return;
-                order = std::max(order, source.m_orderAfter + 1);
+                order = std::max(order, source.wiring().orderAfter + 1);
                 if (!entry)
                     entry = container;
             });
@@ -265,20 +268,19 @@ void NetworkOrder::update()
             orderLoop(*component, entry ? *entry : *component->front());
         const std::uint32_t after = order + static_cast<std::uint32_t>(component->size()) - 1;
         for (VSlotContainer* container : *component) {
-            const bool isEarlier = order < container->m_order;
-            container->m_order = order++;
-            // Whoever is due would run behind readers that queue up from now on.
-            for (VScope* scope = isEarlier ? container->m_scopes : nullptr; scope; scope = scope->nextOfContainer())
-                scope->requeue();
-            container->m_orderAfter = after;
-            container->m_inLoop = isLoop;
+            ContainerWiring& wiring = container->wiring();
+            const bool changed = wiring.order != order || wiring.inLoop != isLoop;
+            wiring.order = order++;
+            wiring.orderAfter = after;
+            wiring.inLoop = isLoop;
+            wiring.mark &= ~InThisComponent;
+            if (changed)
+                FrameHooks::orderChanged(*container);
         }
-        for (VSlotContainer* container : *component)
-            container->m_mark &= ~InThisComponent;
     }
 }
 
-std::vector<VSlotContainer*> NetworkOrder::loopOf(VSlotContainer& container)
+std::vector<VSlotContainer*> EvaluationOrder::loopOf(VSlotContainer& container)
 {
     Search search;
     search.visit(container);
@@ -286,4 +288,4 @@ std::vector<VSlotContainer*> NetworkOrder::loopOf(VSlotContainer& container)
     return search.components().back();
 }
 
-} // namespace Orla
+} // namespace Orla::Detail

@@ -1,11 +1,11 @@
-#include <trellis/RegistryReport.hpp>
+#include <trellis/detail/RegistryReport.hpp>
 
 #include <trellis/VActionNotifier.hpp>
 
 #include <loam/Environment.hpp>
 #include <loam/TypeInfo.hpp>
 
-namespace Orla {
+namespace Orla::Detail {
 
 std::string ownerOf(const std::type_info& type, const std::type_info& creator)
 {
@@ -26,4 +26,4 @@ bool acceptedOrReported(const char* kind, const std::string& name, const std::st
     return false;
 }
 
-} // namespace Orla
+} // namespace Orla::Detail

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <fathom/VValue.hpp>
+
+#include <trellis/VFrame.hpp>
+#include <trellis/ValuePool.hpp>
+
+#include <cstdint>
+#include <typeinfo>
+
+namespace Orla {
+
+/// The cell of a slot of the object whose update runs: how typed slots and outputs reach
+/// their values without looking anything up. Of which class the value is, is found out
+/// once and noted in the cell.
+template<class T>
+class VRunningCell {
+public:
+    /// The cell at \p place, if \p pool is the one of a running update of the place's
+    /// container.
+    VRunningCell(const ValuePool* pool, const VSlotPlace& place) noexcept
+        : m_frame{pool ? VFrame::of(pool->runningFrame(), place) : nullptr}, m_cell{place.cell}
+    {
+    }
+
+    explicit operator bool() const noexcept { return m_frame != nullptr; }
+
+    /// The value if it is held in the plain way, else null.
+    VValue<T>* plain() const noexcept
+    {
+        std::uint16_t& flags = m_frame->flags(m_cell);
+        VValueBase* const value = m_frame->cell(m_cell).value;
+        if ((flags & VFrame::Plain) != 0) [[likely]]
+            return static_cast<VValue<T>*>(value);
+        if (!value || (flags & VFrame::Typed) != 0 || typeid(*value) != typeid(VValue<T>))
+            return nullptr;
+        flags |= VFrame::Plain;
+        return static_cast<VValue<T>*>(value);
+    }
+
+    /// The value, also if it is part of another one; null if there is none.
+    VTypedValueBase<T>* typed() const noexcept
+    {
+        if (VValue<T>* const value = plain())
+            return value;
+        std::uint16_t& flags = m_frame->flags(m_cell);
+        VValueBase* const value = m_frame->cell(m_cell).value;
+        if ((flags & VFrame::Typed) != 0)
+            return static_cast<VTypedValueBase<T>*>(value);
+        auto* const typed = dynamic_cast<VTypedValueBase<T>*>(value);
+        if (typed)
+            flags |= VFrame::Typed;
+        return typed;
+    }
+
+    /// The plain value of an output that may be written, else null.
+    VValue<T>* writable() const noexcept
+    {
+        const std::uint16_t flags = m_frame->flags(m_cell);
+        return (flags & (VFrame::Owned | VFrame::Off)) == VFrame::Owned ? plain() : nullptr;
+    }
+
+    /// Assigns \p value to what `writable` returned, and announces the change.
+    void write(VValue<T>& to, const T& value) const
+    {
+        m_frame->prepareToAnnounce(m_cell);
+        to.content() = value;
+        to.touch();
+        m_frame->announce(m_cell);
+    }
+
+private:
+    VFrame* m_frame;
+    std::uint32_t m_cell;
+};
+
+} // namespace Orla

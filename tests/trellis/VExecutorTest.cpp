@@ -1,0 +1,309 @@
+#include <trellis/VExecutor.hpp>
+
+#include "support/Sanitizers.hpp"
+#include "support/TestNetwork.hpp"
+
+#include <trellis/VNetwork.hpp>
+
+#include <condition_variable>
+#include <mutex>
+#include <random>
+#include <stdexcept>
+#include <thread>
+
+// Evaluating one pool in several threads.
+
+using namespace Orla;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+using Nodes = std::vector<StrongPtr<Node>>;
+
+// One thread per task.
+class Threads final : public VExecutor {
+public:
+    explicit Threads(unsigned count = 3) : m_count{count} {}
+    ~Threads() override
+    {
+        for (std::thread& thread : m_threads)
+            thread.join();
+    }
+
+    unsigned concurrency() const noexcept override { return m_count; }
+    void execute(std::function<void()> task) override { m_threads.emplace_back(std::move(task)); }
+
+private:
+    unsigned m_count;
+    std::vector<std::thread> m_threads;
+};
+
+// Keeps tasks until the end, as a thread pool does that is busy elsewhere.
+class Busy final : public VExecutor {
+public:
+    unsigned concurrency() const noexcept override { return 2; }
+    void execute(std::function<void()> task) override { tasks.push_back(std::move(task)); }
+    std::vector<std::function<void()>> tasks;
+};
+
+// Two updates that can only return together.
+class Meeting {
+public:
+    bool wait()
+    {
+        std::unique_lock lock{m_mutex};
+        ++m_count;
+        m_changed.notify_all();
+        return m_changed.wait_for(lock, std::chrono::seconds(20), [this] { return m_count >= 2; });
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_count = 0;
+};
+
+struct Hearing final : VValueListener {
+    explicit Hearing(std::vector<std::string>& theEntries, std::string theName)
+        : entries{theEntries}, name{std::move(theName)}
+    {
+    }
+    void valueChanged(const ValueNotifierList&, const StrongPtr<ValuePool>&) override { entries.push_back(name); }
+    std::vector<std::string>& entries;
+    std::string name;
+};
+
+class VExecutorTest : public FrameworkTest {
+protected:
+    static VScheduler::Summary run(const StrongPtr<ValuePool>& each, VExecutor& executor)
+    {
+        VRequest request(each);
+        return VScheduler::run(request, executor);
+    }
+
+    StrongPtr<ValuePool> pool{new ValuePool("pool")};
+};
+
+} // namespace
+
+TEST_F(VExecutorTest, runsIndependentObjectsAtTheSameTime)
+{
+    Meeting meeting;
+    const auto a = makeNode("a");
+    const auto b = makeNode("b");
+    for (const StrongPtr<Node>& node : {a, b}) {
+        node->work = [&meeting](Node& self, VRequest& request, double) {
+            return meeting.wait() && self.writeSum(request.valuePool());
+        };
+        VScheduler::schedule(node, 0, pool);
+    }
+    Threads threads;
+    const VScheduler::Summary summary = run(pool, threads);
+    EXPECT_EQ(summary.updates, 2u);
+    EXPECT_EQ(summary.failures, 0u);
+}
+
+TEST_F(VExecutorTest, runsObjectsOfDifferentDepthAtTheSameTime)
+{
+    // Only one of the two has something before it.
+    for (const bool isFirst : {false, true}) {
+        SCOPED_TRACE(isFirst);
+        Meeting meeting;
+        const auto source = makeNode("source");
+        const auto deep = makeNode("deep");
+        connect(source, deep);
+        const auto flat = makeNode("flat");
+        for (const StrongPtr<Node>& node : {deep, flat}) {
+            node->work = [&meeting](Node& self, VRequest& request, double) {
+                return meeting.wait() && self.writeSum(request.valuePool());
+            };
+        }
+        const Nodes order = isFirst ? Nodes{flat, source} : Nodes{source, flat};
+        for (const StrongPtr<Node>& node : order)
+            VScheduler::schedule(node, 0, pool);
+        Threads threads;
+        EXPECT_EQ(run(pool, threads).failures, 0u);
+        EXPECT_THAT(runsOf({source, deep, flat}), Each(1u));
+    }
+}
+
+TEST_F(VExecutorTest, givesTheSameResultsAndNotificationsAsASerialRun)
+{
+#if defined(SANITIZED)
+    constexpr unsigned Networks = 200;
+#else
+    constexpr unsigned Networks = 2000;
+#endif
+    Threads none{0};
+    for (unsigned seed = 0; seed < Networks; ++seed) {
+        std::mt19937 random(seed);
+        const std::size_t count = 4 + random() % 20;
+        Nodes nodes;
+        for (std::size_t i = 0; i < count; ++i) {
+            nodes.push_back(makeNode(std::to_string(i), {"x", "y"}));
+            for (const char* input : {"x", "y"}) {
+                if (i > 0 && random() % 3 != 0)
+                    connect(nodes[random() % i], nodes[i], input);
+            }
+            if (random() % 8 == 0)
+                nodes[i]->work = [](Node&, VRequest&, double) { return false; };
+        }
+        std::vector<std::string> serial;
+        std::vector<std::string> concurrent;
+        const auto second = Loam::makeStrong<ValuePool>("second");
+        VScheduler::Summary summaries[2];
+        for (const bool isConcurrent : {false, true}) {
+            std::vector<std::string>& entries = isConcurrent ? concurrent : serial;
+            std::vector<StrongPtr<Hearing>> logs;
+            for (const StrongPtr<Node>& node : nodes) {
+                logs.push_back(Loam::makeStrong<Hearing>(entries, node->Name()));
+                if (seed % 2 == 0)
+                    node->findOutput("out")->parameter()->addListener(logs.back());
+            }
+            const auto& each = isConcurrent ? second : pool;
+            std::mt19937 order(seed);
+            Nodes due = nodes;
+            std::ranges::shuffle(due, order);
+            for (const StrongPtr<Node>& node : due)
+                VScheduler::schedule(node, 0, each);
+            Threads threads;
+            VRequest request(each);
+            summaries[isConcurrent] = isConcurrent ? VScheduler::run(request, threads) : VScheduler::run(request);
+            for (const std::string& warning : warnings())
+                entries.push_back(warning);
+        }
+        ASSERT_EQ(serial, concurrent) << seed;
+        ASSERT_EQ(summaries[0].updates, summaries[1].updates);
+        ASSERT_EQ(summaries[0].failures, summaries[1].failures);
+        ASSERT_EQ(summaries[0].waiting, summaries[1].waiting);
+        for (const StrongPtr<Node>& node : nodes)
+            ASSERT_EQ(node->read(pool, "out"), node->read(second, "out")) << seed;
+        pool = Loam::makeStrong<ValuePool>("pool");
+    }
+}
+
+TEST_F(VExecutorTest, doesWithoutThreadsThatAreBusy)
+{
+    Busy busy;
+    Nodes nodes;
+    for (int i = 0; i < 20; ++i)
+        nodes.push_back(makeNode("node"));
+    for (const StrongPtr<Node>& node : nodes)
+        VScheduler::schedule(node, 0, pool);
+    EXPECT_EQ(run(pool, busy).updates, 20u);
+    EXPECT_FALSE(busy.tasks.empty());
+    pool.reset();
+    nodes.clear();
+    for (const auto& task : busy.tasks)
+        task(); // long after the run
+}
+
+TEST_F(VExecutorTest, passesOnWhatTheExecutorThrows)
+{
+    struct Throwing final : VExecutor {
+        unsigned concurrency() const noexcept override { return 2; }
+        void execute(std::function<void()>) override { throw std::runtime_error{"no threads"}; }
+    } throwing;
+    const auto a = makeNode("a");
+    const auto b = makeNode("b");
+    const auto reader = makeNode("reader");
+    connect(a, reader);
+    runAll({a, b, reader}, pool);
+    runsOf({a, b, reader});
+    for (const StrongPtr<Node>& node : {a, b})
+        VScheduler::schedule(node, 0, pool);
+    EXPECT_THROW(run(pool, throwing), std::runtime_error);
+    EXPECT_THAT(runsOf({a, b, reader}), ElementsAre(1, 1, 0));
+    EXPECT_TRUE(VScheduler::isDue(reader, pool));
+    EXPECT_EQ(VScheduler::run(pool).updates, 1u);
+}
+
+TEST_F(VExecutorTest, keepsWhatIsDueWhenItIsCancelled)
+{
+    Nodes nodes;
+    VRequest request(pool);
+    VCancellation cancellation = request.cancellation();
+    for (int i = 0; i < 50; ++i) {
+        nodes.push_back(makeNode(std::to_string(i)));
+        nodes.back()->work = [i, cancellation](Node& self, VRequest& handed, double) mutable {
+            if (i == 10)
+                cancellation.cancel();
+            return self.writeSum(handed.valuePool());
+        };
+    }
+    const auto reader = makeNode("reader");
+    connect(nodes[49], reader);
+    for (const StrongPtr<Node>& node : nodes)
+        VScheduler::schedule(node, 0, pool);
+    Threads threads;
+    EXPECT_EQ(VScheduler::run(request, threads).outcome, VScheduler::Outcome::Cancelled);
+    EXPECT_TRUE(VScheduler::isDue(nodes[49], pool));
+    for (const StrongPtr<Node>& node : nodes)
+        node->work = nullptr;
+    EXPECT_EQ(VScheduler::run(pool).outcome, VScheduler::Outcome::Done);
+    EXPECT_EQ(reader->read(pool, "out"), 2);
+}
+
+TEST_F(VExecutorTest, runsLoopsAsASerialRunDoes)
+{
+    const auto a = makeNode("a");
+    const auto b = makeNode("b");
+    connect(a, b);
+    connect(b, a);
+    b->work = [](Node& self, VRequest& request, double) {
+        const double next = std::min(20.0, self.read(request.valuePool(), "in"));
+        return self.writeIfDifferent(request.valuePool(), "out", next) || true;
+    };
+    const auto beside = makeNode("beside");
+    for (const StrongPtr<Node>& node : {a, b, beside})
+        VScheduler::schedule(node, 0, pool);
+    Threads threads;
+    const VScheduler::Summary summary = run(pool, threads);
+    EXPECT_EQ(summary.stopped, 0u);
+    EXPECT_EQ(b->read(pool, "out"), 20);
+    EXPECT_EQ(beside->runs, 1u);
+}
+
+TEST_F(VExecutorTest, letsConcurrentUpdatesChangeTheNetwork)
+{
+    for (int round = 0; round < 20; ++round) {
+        Nodes nodes;
+        for (int i = 0; i < 10; ++i) {
+            nodes.push_back(makeNode(std::to_string(i)));
+            nodes.back()->work = [](Node& self, VRequest& request, double) {
+                const auto added = makeNode("added");
+                VObject::finishCreation(added);
+                VManagedObject::remove(added);
+                return self.writeSum(request.valuePool());
+            };
+        }
+        const auto each = Loam::makeStrong<ValuePool>();
+        for (const StrongPtr<Node>& node : nodes)
+            VScheduler::schedule(node, 0, each);
+        Threads threads;
+        EXPECT_EQ(run(each, threads).updates, 10u);
+    }
+}
+
+TEST_F(VExecutorTest, recordsWhatUpdatesScheduleForItsTurn)
+{
+    const auto target = makeNode("target");
+    std::vector<double> precisions;
+    target->work = [&precisions](Node&, VRequest&, double precision) {
+        precisions.push_back(precision);
+        return true;
+    };
+    Nodes nodes;
+    for (int i = 1; i <= 4; ++i) {
+        nodes.push_back(makeNode(std::to_string(i)));
+        nodes.back()->work = [&target, i](Node&, VRequest& request, double) {
+            return VScheduler::schedule(target, i, request.valuePool());
+        };
+        VScheduler::schedule(nodes.back(), 0, pool);
+    }
+    Threads threads;
+    run(pool, threads);
+    EXPECT_THAT(precisions, ElementsAre(4));
+}

@@ -1,0 +1,544 @@
+#include <trellis/detail/ConcurrentRun.hpp>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <new>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+namespace Orla::Detail {
+
+namespace {
+
+// The most frames that are looked at to find out whether one depends on another.
+constexpr std::size_t LeastEffort = 256;
+constexpr std::size_t MostEffort = 1u << 20;
+
+} // namespace
+
+/// One update that may run in another thread, and what it announced.
+class ConcurrentRun::Job {
+public:
+    explicit Job(VFrame& frame) : update{frame} {}
+
+    struct Event {
+        VFrame* frame = nullptr;        // that wrote a cell, or was scheduled
+        std::uint32_t cell = 0;
+        StrongPtr<VParameter> parameter; // that was announced otherwise
+        std::string member;
+        double precision = 0;
+        bool isSchedule = false;
+    };
+
+    enum class State { Waiting, Running, Done };
+
+    Update update;
+    std::vector<Event> events;
+    Update::Result result = Update::Result::Skipped;
+    std::exception_ptr error; // of recording
+    State state = State::Waiting; // guarded by the team's lock
+    bool isReady = false;     // false if the object does not run
+    bool needsCount = true;   // its run was not counted yet
+};
+
+/// The threads that work on a run: the calling one and those of the executor. Tasks of
+/// the executor share in owning it, because they may start after the run has ended.
+class ConcurrentRun::Team {
+public:
+    Team(ConcurrentRun& theRun, PoolState& thePool, NetworkCore& theNetwork, VRequest& theRequest)
+        : run{theRun}
+        , pool{thePool}
+        , request{theRequest}
+        , network{&theNetwork}
+        , cancellation{theRequest.cancellation()}
+        , concurrency{theRun.m_executor.concurrency()}
+    {
+    }
+
+    /// Runs jobs until there are none left to start.
+    void work(std::unique_lock<std::mutex>& lock, const StrongPtr<ValuePool>& view, VRequest& ownRequest)
+    {
+        std::vector<Job*> mine;
+        while (!jobs.empty()) {
+            // A few at a time, so that many short ones need the lock rarely.
+            const std::size_t share = std::max<std::size_t>(1, jobs.size() / 8);
+            mine.assign(jobs.begin(), jobs.begin() + static_cast<std::ptrdiff_t>(share));
+            jobs.erase(jobs.begin(), jobs.begin() + static_cast<std::ptrdiff_t>(share));
+            lock.unlock();
+            for (Job* job : mine)
+                runJob(*job, *view, ownRequest);
+            lock.lock();
+            for (Job* job : mine)
+                job->state = Job::State::Done;
+            running -= mine.size();
+            progressed.notify_all();
+        }
+    }
+
+    void runJob(Job& job, ValuePool& view, VRequest& ownRequest)
+    {
+        if (!job.isReady)
+            return;
+        if (cancellation.isCancelled()) {
+            job.result = Update::Result::Cancelled;
+            return;
+        }
+        network->gate.giveWay();
+        Job* const outer = std::exchange(t_job, &job);
+        job.result = job.update.call(view, ownRequest);
+        t_job = outer;
+    }
+
+    /// What a task of the executor does.
+    void help() noexcept
+    {
+        std::unique_lock lock{mutex};
+        ++helpers;
+        try {
+            helpUntilClosed(lock);
+        } catch (const std::bad_alloc&) {
+            // The other threads do without this one.
+        }
+        if (!lock.owns_lock())
+            lock.lock();
+        --helpers;
+        progressed.notify_all();
+    }
+
+    void helpUntilClosed(std::unique_lock<std::mutex>& lock)
+    {
+        std::chrono::microseconds patience{50};
+        while (!isClosed) {
+            if (jobs.empty()) {
+                const bool isIdle = hasJobs.wait_for(lock, patience) == std::cv_status::timeout;
+                if (isClosed || !jobs.empty() || !isIdle || running == 0)
+                    continue;
+                // The others take long: there may be more to do that does not depend on
+                // them.
+                lock.unlock();
+                {
+                    const UseScope use{*network};
+                    if (const std::unique_lock plan{planning, std::try_to_lock})
+                        run.startEarly(MostEffort);
+                }
+                lock.lock();
+                patience = std::min(2 * patience, std::chrono::microseconds{5000});
+                continue;
+            }
+            patience = std::chrono::microseconds{50};
+            lock.unlock();
+            {
+                const UseScope use{*network};
+                const CurrentScope current{*network};
+                const Loam::Ageable::Ticks ticks;
+                StrongPtr<ValuePool> view;
+                {
+                    const std::lock_guard tables{tablesMutex};
+                    lock.lock();
+                    if (!isClosed && !jobs.empty())
+                        view = pool.makeView();
+                    lock.unlock();
+                }
+                if (view) {
+                    VRequest own(view, [this](double fraction) { report(fraction); }, cancellation);
+                    lock.lock();
+                    work(lock, view, own);
+                    lock.unlock();
+                    const std::lock_guard tables{tablesMutex};
+                    view.reset();
+                    own = VRequest(nullptr);
+                }
+            }
+            lock.lock();
+        }
+    }
+
+    void report(double fraction)
+    {
+        const std::lock_guard lock{reportMutex};
+        request.reportProgress(fraction);
+    }
+
+    ConcurrentRun& run; // this and the next ones live as long as the run
+    PoolState& pool;
+    VRequest& request;
+    const StrongPtr<NetworkCore> network;
+    const VCancellation cancellation;
+    const unsigned concurrency;
+
+    std::mutex planning;              // held by the thread that decides what to run next
+    std::recursive_mutex tablesMutex; // guards the pool's tables
+    std::mutex reportMutex;
+    std::mutex mutex; // guards the rest
+    std::condition_variable hasJobs;
+    std::condition_variable progressed;
+    std::deque<Job*> jobs;   // to be started
+    std::size_t running = 0; // started or to be started, and not done
+    unsigned helpers = 0;    // tasks that run now
+    bool isClosed = false;
+
+    static thread_local Job* t_job; // that this thread runs
+};
+
+thread_local ConcurrentRun::Job* ConcurrentRun::Team::t_job = nullptr;
+
+ConcurrentRun::ConcurrentRun(PoolState& pool, VRequest& request, VExecutor& executor)
+    : SerialRun{pool, request}, m_executor{executor}, m_team{std::make_shared<Team>(*this, pool, m_network, request)}, m_plan{m_team->planning}
+{
+    m_pool.recorder = this;
+}
+
+ConcurrentRun::~ConcurrentRun()
+{
+    {
+        const Gate::Pause pause;
+        std::unique_lock lock{m_team->mutex};
+        m_team->isClosed = true;
+        m_team->jobs.clear();
+        m_team->hasJobs.notify_all();
+        m_team->progressed.wait(lock, [this] { return m_team->helpers == 0; });
+    }
+    m_pool.recorder = nullptr;
+    // What was taken from the queue and not committed stays due.
+    const auto giveBack = [this](Job* job) {
+        if (!job || PoolState::isDead(job->update.frame()))
+            return;
+        try {
+            m_pool.setPrecision(job->update.frame(), job->update.precision());
+        } catch (const std::bad_alloc&) {
+            // The object is due all the same, with the number that it has by default.
+        }
+        m_pool.makeDue(job->update.frame());
+    };
+    for (const std::unique_ptr<Job>& job : m_batch)
+        giveBack(job.get());
+    for (const auto& [frame, job] : m_early)
+        giveBack(job.get());
+}
+
+std::recursive_mutex& ConcurrentRun::mutex() noexcept
+{
+    return m_team->tablesMutex;
+}
+
+bool ConcurrentRun::recordChange(VFrame& writer, std::uint32_t cell)
+{
+    Job* const job = Team::t_job;
+    if (!job)
+        return false;
+    Job::Event event;
+    event.frame = &writer;
+    event.cell = cell;
+    job->events.push_back(std::move(event));
+    return true;
+}
+
+bool ConcurrentRun::recordChange(const VParameter& parameter, const std::string& member)
+{
+    Job* const job = Team::t_job;
+    if (!job)
+        return false;
+    // Usually the object has written an output of its own.
+    VFrame& frame = job->update.frame();
+    const VSlot* const slot = parameter.slot();
+    if (member.empty() && slot && slot->container() == frame.container() && !slot->isConnected()
+        && slot->member().empty() && frame.hasCell(slot->place().cell))
+        return recordChange(frame, slot->place().cell);
+    Job::Event event;
+    event.parameter = WeakPtrImpl<VParameter>(const_cast<VParameter*>(&parameter)).lock();
+    event.member = member;
+    job->events.push_back(std::move(event));
+    return true;
+}
+
+bool ConcurrentRun::recordSchedule(VFrame& frame, double precision)
+{
+    Job* const job = Team::t_job;
+    if (!job)
+        return false;
+    Job::Event event;
+    event.frame = &frame;
+    event.precision = precision;
+    event.isSchedule = true;
+    job->events.push_back(std::move(event));
+    return true;
+}
+
+VScheduler::Summary ConcurrentRun::run()
+{
+    if (m_pool.hasPending)
+        m_pool.announcePending();
+    while (isThereMore()) {
+        VFrame* const frame = next();
+        if (!frame)
+            continue;
+        const bool isAlone = m_early.empty() && !m_pool.peekDue();
+        if (PoolState::isInLoop(*frame) || (isAlone && !m_early.contains(frame))) {
+            if (!runOne(*frame))
+                break;
+            continue;
+        }
+        takeBatch(*frame);
+        if (!runBatch())
+            break;
+        if (m_executorError)
+            std::rethrow_exception(m_executorError);
+    }
+    m_summary.waiting = m_pool.waitingCount;
+    return m_summary;
+}
+
+// Takes all due frames of one order number out of the queue.
+void ConcurrentRun::takeBatch(VFrame& first)
+{
+    const std::uint32_t order = PoolState::orderOf(first);
+    m_batch.push_back(makeJob(first));
+    while (VFrame* const frame = m_pool.peekDue()) {
+        if (PoolState::orderOf(*frame) != order || PoolState::isInLoop(*frame))
+            break;
+        m_batch.push_back(makeJob(*m_pool.nextDue()));
+    }
+}
+
+std::unique_ptr<ConcurrentRun::Job> ConcurrentRun::makeJob(VFrame& frame)
+{
+    if (const auto early = m_early.find(&frame); early != m_early.end()) {
+        std::unique_ptr<Job> job = std::move(early->second);
+        m_early.erase(early);
+        return job;
+    }
+    auto job = std::make_unique<Job>(frame);
+    job->isReady = job->update.prepare();
+    if (job->isReady)
+        m_pool.prepareToAnnounce(frame);
+    return job;
+}
+
+// Asks the executor for as many threads as the jobs can use.
+void ConcurrentRun::hire(std::size_t jobs)
+{
+    if (m_executorError)
+        return;
+    const std::size_t wanted = std::min<std::size_t>(m_executor.concurrency(), jobs > 0 ? jobs - 1 : 0);
+    try {
+        for (; m_hired < wanted; ++m_hired)
+            m_executor.execute([team = m_team] { team->help(); });
+    } catch (...) {
+        m_executorError = std::current_exception();
+    }
+}
+
+bool ConcurrentRun::runBatch()
+{
+    Team& team = *m_team;
+    std::size_t fresh = 0;
+    {
+        const std::lock_guard lock{team.mutex};
+        for (const std::unique_ptr<Job>& job : m_batch) {
+            if (job->state == Job::State::Waiting && job->needsCount) {
+                job->needsCount = false;
+                if (job->isReady && !countRun(job->update.frame()))
+                    job->isReady = false;
+                job->state = Job::State::Running;
+                team.jobs.push_back(job.get());
+                ++team.running;
+                ++fresh;
+            }
+        }
+    }
+    // Objects behind these may start at once, if they do not depend on them.
+    std::size_t effort = LeastEffort;
+    if (fresh <= m_executor.concurrency())
+        startEarly(effort);
+    {
+        const std::lock_guard lock{team.mutex};
+        fresh = team.running;
+    }
+    hire(fresh);
+    team.hasJobs.notify_all();
+
+    const StrongPtr<ValuePool>& pool = m_request.valuePool();
+    const auto isDone = [this] {
+        return std::ranges::all_of(m_batch, [](const auto& job) { return job->state == Job::State::Done; });
+    };
+    std::unique_lock lock{team.mutex};
+    while (true) {
+        m_plan.unlock(); // while this thread is busy, another one may decide
+        team.work(lock, pool, m_request);
+        if (!isDone()) {
+            lock.unlock();
+            {
+                const Gate::Pause pause;
+                lock.lock();
+                team.progressed.wait_for(lock, std::chrono::microseconds(200), isDone);
+                lock.unlock();
+            }
+            lock.lock();
+        }
+        const bool isOver = isDone();
+        lock.unlock();
+        m_plan.lock();
+        lock.lock();
+        if (isOver)
+            break;
+        if (!team.jobs.empty())
+            continue;
+        lock.unlock();
+        // Others take long: this thread can do more than wait.
+        effort = std::min(2 * effort, MostEffort);
+        startEarly(effort);
+        lock.lock();
+    }
+    lock.unlock();
+
+    for (std::unique_ptr<Job>& job : m_batch) {
+        if (!commit(*job))
+            return false;
+        job.reset();
+    }
+    m_batch.clear();
+    return true;
+}
+
+// Starts objects that depend neither on one that runs nor on one that is to be run
+// first. What an update that is done has written counts as announced, although its turn
+// to announce has not come.
+void ConcurrentRun::startEarly(std::size_t effort)
+{
+    std::vector<VFrame*> blocking;
+    std::vector<VFrame*> candidates;
+    std::unordered_set<const VFrame*> taken;
+    const auto sort = [&](const Job& job) {
+        VFrame& frame = job.update.frame();
+        taken.insert(&frame);
+        bool blocks = job.state != Job::State::Done || job.result != Update::Result::Succeeded;
+        for (std::size_t i = 0; !blocks && i < job.events.size(); ++i) {
+            const Job::Event& event = job.events[i];
+            // A listener may do anything, so what it is notified of waits for its turn.
+            blocks = event.parameter || event.isSchedule
+                  || (event.frame->flags(event.cell) & VFrame::Heard) != 0;
+        }
+        if (blocks) {
+            blocking.push_back(&frame);
+            return;
+        }
+        for (const Job::Event& event : job.events)
+            PoolState::forEachKnownReader(*event.frame, event.cell,
+                                          [&](VFrame& reader) { candidates.push_back(&reader); });
+    };
+    {
+        const std::lock_guard lock{m_team->mutex};
+        for (const std::unique_ptr<Job>& job : m_batch) {
+            if (job)
+                sort(*job);
+        }
+        for (const auto& [frame, job] : m_early)
+            sort(*job);
+    }
+    bool hasSeenAll = true;
+    m_pool.forEachDue([&](VFrame& frame) {
+        candidates.push_back(&frame);
+        return hasSeenAll = candidates.size() < effort;
+    });
+    if (!hasSeenAll)
+        return; // it would take too long to find out
+    std::erase_if(candidates, [&](VFrame* frame) {
+        if (taken.contains(frame))
+            return true;
+        if (!PoolState::isInLoop(*frame) && PoolState::mayStartEarly(*frame))
+            return false;
+        blocking.push_back(frame);
+        return true;
+    });
+    if (candidates.empty())
+        return;
+    std::ranges::stable_sort(candidates, {}, [](const VFrame* frame) { return PoolState::orderOf(*frame); });
+    std::erase_if(candidates, [&](const VFrame* frame) { return !taken.insert(frame).second; });
+    const std::uint32_t lastOrder = PoolState::orderOf(*candidates.back());
+
+    // Everything that depends on what blocks, as far as it matters.
+    std::unordered_set<const VFrame*> blocked;
+    std::vector<VFrame*> path;
+    const auto block = [&](VFrame& start) {
+        const std::lock_guard tables{m_team->tablesMutex};
+        path.assign(1, &start);
+        while (!path.empty()) {
+            const VFrame& frame = *path.back();
+            path.pop_back();
+            const std::size_t before = path.size();
+            m_pool.collectReaders(frame, path);
+            const auto isKnown = [&](const VFrame* reader) {
+                return PoolState::orderOf(*reader) > lastOrder || !blocked.insert(reader).second;
+            };
+            path.erase(std::remove_if(path.begin() + static_cast<std::ptrdiff_t>(before), path.end(), isKnown),
+                       path.end());
+            if (blocked.size() > effort)
+                return false;
+        }
+        return true;
+    };
+    for (VFrame* frame : blocking) {
+        if (!block(*frame))
+            return;
+    }
+    std::size_t started = 0;
+    for (VFrame* frame : candidates) {
+        if (!blocked.contains(frame)) {
+            auto job = makeJob(*frame);
+            const bool counts = job->isReady && m_pool.countRun(*frame);
+            if (!counts) {
+                // It is looked at again when its turn comes.
+                if (job->isReady)
+                    m_pool.setPrecision(*frame, job->update.precision());
+            } else {
+                job->needsCount = false;
+                job->state = Job::State::Running;
+                Job* const raw = job.get();
+                m_early.emplace(frame, std::move(job));
+                const std::lock_guard lock{m_team->mutex};
+                m_team->jobs.push_back(raw);
+                ++m_team->running;
+                ++started;
+            }
+        }
+        if (started > m_team->concurrency || !block(*frame))
+            break;
+    }
+    if (started > 0)
+        m_team->hasJobs.notify_all();
+}
+
+bool ConcurrentRun::commit(Job& job)
+{
+    if (!job.isReady || job.result == Update::Result::Skipped)
+        return true;
+    if (m_pool.observer)
+        m_pool.observer->began(job.update.object());
+    job.update.knowValuesOfNow();
+    announce(job);
+    return finish(job.update, job.result);
+}
+
+void ConcurrentRun::announce(Job& job)
+{
+    for (const Job::Event& event : job.events) {
+        if (event.isSchedule) {
+            m_pool.schedule(*event.frame, event.precision);
+        } else if (event.parameter) {
+            m_pool.announce(*event.parameter, event.member);
+        } else {
+            // The pool's order of changes is that of the announcements.
+            if (VValueBase* const value = event.frame->cell(event.cell).value)
+                value->age().touch();
+            event.frame->announce(event.cell);
+        }
+    }
+    job.events.clear();
+}
+
+} // namespace Orla::Detail

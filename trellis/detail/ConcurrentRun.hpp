@@ -1,0 +1,54 @@
+#pragma once
+
+#include <trellis/detail/SerialRun.hpp>
+
+#include <trellis/VExecutor.hpp>
+
+#include <exception>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace Orla::Detail {
+
+/// One call of `VScheduler::run` with an executor.
+///
+/// The due objects of one order number do not depend on each other; they run
+/// concurrently. While some of them take long, objects behind them that do not depend on
+/// them start early. What an update announces is recorded in its thread, and announced
+/// by this thread in the order in which a serial run would have done so.
+class ConcurrentRun final : private SerialRun, private Recorder {
+public:
+    ConcurrentRun(PoolState& pool, VRequest& request, VExecutor& executor);
+    ~ConcurrentRun() override;
+
+    VScheduler::Summary run();
+
+private:
+    class Job;
+    class Team;
+
+    bool recordChange(VFrame& writer, std::uint32_t cell) override;
+    bool recordChange(const VParameter& parameter, const std::string& member) override;
+    bool recordSchedule(VFrame& frame, double precision) override;
+    std::recursive_mutex& mutex() noexcept override;
+
+    void takeBatch(VFrame& first);
+    std::unique_ptr<Job> makeJob(VFrame& frame);
+    bool runBatch();
+    void startEarly(std::size_t effort);
+    bool commit(Job& job);
+    void announce(Job& job);
+    void hire(std::size_t jobs);
+
+    VExecutor& m_executor;
+    std::shared_ptr<Team> m_team;
+    std::unique_lock<std::mutex> m_plan; // released while this thread runs objects or waits
+    std::vector<std::unique_ptr<Job>> m_batch;             // jobs of one order number, in serial order
+    std::map<const VFrame*, std::unique_ptr<Job>> m_early; // jobs that started before their turn
+    std::exception_ptr m_executorError;
+    unsigned m_hired = 0;
+};
+
+} // namespace Orla::Detail

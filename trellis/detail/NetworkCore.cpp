@@ -1,0 +1,97 @@
+#include <trellis/detail/NetworkCore.hpp>
+
+#include <trellis/VSlotContainer.hpp>
+
+#include <algorithm>
+#include <iterator>
+
+namespace Orla::Detail {
+
+namespace {
+
+#if defined(__GNUC__) && !defined(_WIN32)
+__attribute__((tls_model("initial-exec")))
+#endif
+thread_local NetworkCore* t_current = nullptr;
+
+} // namespace
+
+NetworkCore::Extension::~Extension() = default;
+
+NetworkCore::~NetworkCore() = default;
+
+NetworkCore& NetworkCore::defaultCore()
+{
+    // Never destroyed, because objects may outlive all static ones.
+    static NetworkCore& theCore = [&]() -> NetworkCore& {
+        auto* const core = new NetworkCore;
+        core->referenceBlock().adopt();
+        return *core;
+    }();
+    return theCore;
+}
+
+NetworkCore& NetworkCore::current() noexcept
+{
+    return t_current && !t_current->isClosed() ? *t_current : defaultCore();
+}
+
+NetworkCore* NetworkCore::exchangeCurrent(NetworkCore* core) noexcept
+{
+    return std::exchange(t_current, core);
+}
+
+std::uint32_t NetworkCore::add(VSlotContainer& container)
+{
+    const std::lock_guard lock{m_mutex};
+    if (!m_free.empty()) {
+        const std::uint32_t index = m_free.back();
+        m_free.pop_back();
+        m_containers[index] = &container;
+        return index;
+    }
+    // Makes room for the indices that will be free, so that `remove` cannot fail.
+    if (m_free.capacity() <= m_containers.size())
+        m_free.reserve(2 * m_containers.size() + 16);
+    m_containers.push_back(&container);
+    return static_cast<std::uint32_t>(m_containers.size() - 1);
+}
+
+void NetworkCore::remove(VSlotContainer& container) noexcept
+{
+    const std::lock_guard lock{m_mutex};
+    const std::uint32_t index = container.wiring().index;
+    m_containers[index] = nullptr;
+    m_free.push_back(index);
+    if (m_free.size() == m_containers.size()) {
+        // The network is empty again; so is its memory.
+        m_containers = {};
+        m_free = {};
+    }
+}
+
+std::vector<Loam::StrongPtr<VSlotContainer>> NetworkCore::containers() const
+{
+    const std::lock_guard lock{m_mutex};
+    std::vector<Loam::StrongPtr<VSlotContainer>> living;
+    living.reserve(m_containers.size());
+    for (VSlotContainer* container : m_containers) {
+        if (!container)
+            continue;
+        if (auto alive = Loam::WeakPtrImpl<VSlotContainer>(container).lock())
+            living.push_back(std::move(alive));
+    }
+    return living;
+}
+
+void NetworkCore::updateOrder()
+{
+    std::vector<VSlotContainer*> all;
+    if (order.needsAll()) {
+        const std::lock_guard lock{m_mutex};
+        std::ranges::copy_if(m_containers, std::back_inserter(all), [](const auto* each) { return each != nullptr; });
+    }
+    order.update(all);
+}
+
+} // namespace Orla::Detail

@@ -1,0 +1,386 @@
+#pragma once
+
+#include <trellis/detail/DueQueue.hpp>
+#include <trellis/detail/IdTable.hpp>
+#include <trellis/detail/NetworkCore.hpp>
+
+#include <trellis/VManagedObjectBase.hpp>
+#include <trellis/VObserver.hpp>
+#include <trellis/ValuePool.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace Orla {
+
+class VParameter;
+class VSlot;
+class VSlotContainer;
+
+namespace Detail {
+
+/// Receives what updates announce while objects of one pool run concurrently. The
+/// functions return false if the calling thread does not run such an update; the pool
+/// then announces at once.
+class Recorder {
+public:
+    virtual ~Recorder();
+    virtual bool recordChange(VFrame& writer, std::uint32_t cell) = 0;
+    virtual bool recordChange(const VParameter& parameter, const std::string& member) = 0;
+    virtual bool recordSchedule(VFrame& frame, double precision) = 0;
+
+    /// Guards the pool's tables against the other updates.
+    virtual std::recursive_mutex& mutex() noexcept = 0;
+};
+
+/// Everything that a pool holds once it is used: frames, variables, and what is due.
+class PoolState {
+public:
+    explicit PoolState(ValuePool& pool) noexcept : m_pool{&pool} {}
+    PoolState(const PoolState&) = delete;
+    PoolState& operator=(const PoolState&) = delete;
+    ~PoolState();
+
+    ValuePool& pool() const noexcept { return *m_pool; }
+
+    // Frames
+
+    VFrame* findFrame(const VSlotContainer& container) noexcept;
+
+    /// The frame of \p container, made if it is missing; null for a container of another
+    /// network than the pool's. The first container binds the pool to its network.
+    VFrame* frame(VSlotContainer& container);
+
+    /// The network that the pool is bound to; null if it is not bound.
+    NetworkCore* network() const noexcept;
+
+    /// Gives each slot of the frame's container its cell and each cell its value.
+    void complete(VFrame& frame);
+
+    /// Calls \p function for each frame.
+    template<class Function>
+    void forEachFrame(Function&& function)
+    {
+        for (VFrame* frame : m_frames) {
+            if (frame)
+                function(*frame);
+        }
+    }
+
+    // Variables
+
+    /// Creates nothing: null where there is no variable.
+    VValueBase* find(const VParameter& parameter) noexcept;
+
+    /// The variable of \p parameter, made if it is missing; null for a parameter of
+    /// another network.
+    StrongPtr<VValueBase> make(const VParameter& parameter);
+
+    /// The value that \p slot refers to; null where there is none.
+    StrongPtr<VValueBase> find(const VSlot& slot);
+    StrongPtr<VValueBase> make(const VSlot& slot);
+
+    void enter(const VParameter& parameter, const StrongPtr<VValueBase>& value);
+    StrongPtr<VValueBase> findName(const std::string& name) const;
+    std::size_t variableCount() noexcept;
+
+    /// Releases the variables of a parameter that is about to be destroyed.
+    static void forgetEverywhere(const VParameter& parameter) noexcept;
+
+    /// Makes \p frame due as `VScheduler::schedule` does.
+    void schedule(VFrame& frame, double precision);
+
+    /// Makes the objects due that read \p parameter, and notifies listeners.
+    void announce(const VParameter& parameter, const std::string& member);
+
+    /// Makes the readers of \p parameter due in every pool that has a variable.
+    static void announcePrototype(const VParameter& parameter);
+
+    /// The pools in which a frame keeps the parameter's variable.
+    static std::vector<StrongPtr<ValuePool>> poolsWithCell(const VParameter& parameter);
+
+    // What is due
+
+    void makeDue(VFrame& frame) noexcept
+    {
+        if (frame.m_isDue || !frame.m_isEvaluated)
+            return;
+        frame.m_isDue = true;
+        ++dueCount;
+        enqueue(frame);
+    }
+
+    /// As above, and notifies the pool's observer.
+    void makeDue(VFrame& frame, VObserver::Cause cause, const VParameter* changed = nullptr) noexcept;
+
+    void enqueue(VFrame& frame) noexcept;
+
+    /// The next due frame, removed from the queue; null if nothing is due.
+    VFrame* nextDue() noexcept;
+
+    /// The next due frame, which stays in the queue; null if nothing is due.
+    VFrame* peekDue() noexcept;
+
+    // Concurrent updates
+
+    /// Prepares announcing whatever the object writes, so that its update does not need
+    /// the pool's tables for that.
+    void prepareToAnnounce(VFrame& frame);
+
+    static std::uint32_t orderOf(const VFrame& frame) noexcept { return frame.m_order; }
+    /// False for an object that waits for a failed one, or whose cells are not worked out.
+    static bool mayStartEarly(const VFrame& frame) noexcept
+    {
+        return frame.m_isEvaluated && !frame.m_isWaiting && !frame.m_isUpdating;
+    }
+
+    static bool isInLoop(const VFrame& frame) noexcept { return frame.m_isInLoop; }
+    static bool isDead(const VFrame& frame) noexcept { return frame.m_isDead; }
+
+    /// Calls \p function with the frames that an announcement of the cell makes due.
+    template<class Function>
+    static void forEachKnownReader(VFrame& frame, std::uint32_t cell, Function&& function);
+
+    /// Appends the frames that read a value of \p frame now.
+    void collectReaders(const VFrame& frame, std::vector<VFrame*>& readers);
+
+    /// A pool of its own for one update.
+    StrongPtr<ValuePool> makeView();
+
+    /// Queues the frames that wait for the next round of a loop.
+    bool startRound() noexcept;
+
+    /// The network's order changed: due frames are sorted again before the next one runs.
+    void orderChanged() noexcept { m_isOutOfOrder = true; }
+
+    void setPrecision(VFrame& frame, double precision);
+    double precision(const VFrame& frame) noexcept;
+    double takePrecision(VFrame& frame) noexcept;
+
+    /// An object that has run this often in one pass is part of a loop that does not
+    /// settle.
+    static constexpr unsigned MaximalRuns = 100;
+
+    /// Calls \p function with the frames in the queue, roughly in their order.
+    template<class Function>
+    void forEachDue(Function&& function)
+    {
+        due.forEach([&](VFrame& frame) { return frame.m_isDead || function(frame); });
+    }
+
+    static bool isDue(const VFrame& frame) noexcept { return frame.m_isDue; }
+
+    template<class State>
+    static State stateOf(const VFrame& frame) noexcept
+    {
+        return frame.m_isWaiting      ? State::Waiting
+               : frame.m_isDue        ? State::Due
+               : frame.m_hasFailed    ? State::Failed
+               : frame.m_lastRun != 0 ? State::UpToDate
+                                      : State::NotRun;
+    }
+
+    /// Starts a new pass, in which objects may run again as often as it takes.
+    void beginPass() noexcept
+    {
+        if ((++pass & 0xFFFFFF) == 0) {
+            pass = 1;
+            forEachFrame([](VFrame& frame) { frame.m_pass = 0; });
+        }
+    }
+
+    /// Counts a run of the object in this pass; false if it has run too often.
+    bool countRun(VFrame& frame) noexcept
+    {
+        if (frame.m_pass != pass) {
+            frame.m_pass = pass & 0xFFFFFF;
+            frame.m_runs = 0;
+        }
+        if (frame.m_runs >= MaximalRuns) [[unlikely]]
+            return false;
+        ++frame.m_runs;
+        return true;
+    }
+
+    /// Keeps an object from running again in this pass.
+    void stop(VFrame& frame) noexcept
+    {
+        frame.m_pass = pass & 0xFFFFFF;
+        frame.m_runs = MaximalRuns + 1;
+    }
+
+    bool isStopped(const VFrame& frame) const noexcept { return frame.m_runs > MaximalRuns; }
+
+    /// Notes which member of a loop runs, if it is one.
+    void enterLoop(const VFrame& frame) noexcept
+    {
+        loopPosition = frame.m_isInLoop ? std::int64_t{frame.m_order} : -1;
+    }
+
+    /// True if the frame must wait until the loop before it has settled.
+    bool isBehindRound(const VFrame& frame) const noexcept { return frame.m_order > roundEnd; }
+
+    // Failures
+
+    /// The update of \p frame failed: frames that read its outputs wait from now on.
+    void fail(VFrame& frame) noexcept;
+
+    /// The update of \p frame succeeded after a failure, or the frame is going away.
+    void recover(VFrame& frame) noexcept;
+
+    /// Works out whether a frame whose connections changed has to wait.
+    void updateWaiting(VFrame& frame) noexcept;
+
+    /// True if the value in the cell comes from an update that failed or is waiting.
+    static bool isMissing(VFrame& frame, std::uint32_t cell) noexcept;
+
+    /// Notes in the cells of an object that accepts failed inputs which of them failed.
+    void markMissing(VFrame& frame) noexcept;
+
+    /// True if the value in the cell is another one than at the last successful update.
+    static bool hasChanged(VFrame& frame, std::uint32_t cell) noexcept;
+
+    /// The objects that failed and that the frame's object waits for, nearest first.
+    std::vector<VObject*> failedSources(VFrame& frame);
+
+    // What `FrameHooks` need
+
+    void dropFrame(VFrame& frame) noexcept;
+    void unlinkCell(VFrame& frame, std::uint32_t cell) noexcept;
+    void keepOutside(VFrame& frame, const VSlot& slot);
+    static void forgetReaders(VFrame& frame, std::uint32_t cell) noexcept;
+    static void readSwitches(VFrame& frame) noexcept;
+    static void becameStale(VFrame& frame) noexcept { frame.m_isStale = true; }
+    static void forgetRewiring(VFrame& frame) noexcept;
+    static void rewiredCell(VFrame& frame, std::uint32_t cell) noexcept;
+    static PoolState& of(VFrame& frame) noexcept { return *frame.m_pool; }
+
+    /// Releases what was held while it was updated.
+    void releaseHeldObjects() noexcept;
+
+    /// Frees a dead frame that nothing refers to.
+    void freeFrame(VFrame& frame) noexcept;
+
+    /// Announces again what could not be announced for lack of memory.
+    void announcePending();
+
+    /// Keeps an object alive until its updates that run now, in any pool, have returned.
+    static void holdWhileUpdating(const StrongPtr<VManagedObjectBase>& object);
+
+    // Data that the scheduler uses
+
+    DueQueue due;
+    // Members of loops that became due at or before the one that runs. They wait
+    // until those behind it had their turn, or two members could keep the others
+    // from ever running.
+    DueQueue nextRound;
+    std::size_t dueCount = 0;                   // frames in either queue
+    std::int64_t loopPosition = -1;             // order of the member of a loop that runs
+    std::uint32_t roundEnd = ~std::uint32_t{0}; // what comes later must wait for the next round
+    std::uint32_t pass = 0;
+    bool isRunning = false;
+    bool hasPending = false; // something could not be announced for lack of memory
+    std::size_t waitingCount = 0;
+    VObserver* observer = nullptr;
+    Recorder* recorder = nullptr; // while objects run concurrently
+    std::vector<StrongPtr<VManagedObjectBase>> heldObjects; // removed during their update
+
+private:
+    struct Variable {
+        StrongPtr<VValueBase> value;
+        bool isFromFailed = false;
+    };
+
+    struct NamedVariable {
+        std::string name;
+        StrongPtr<VValueBase> value;
+        const VParameter* parameter;
+    };
+
+    friend class Orla::VFrame;
+    friend class Orla::ValuePool;
+
+    void forget(const VParameter& parameter) noexcept;
+    bool bind(VSlotContainer& container) noexcept;
+    VFrame* makeFrame(VSlotContainer& container);
+    void growCells(VFrame& frame, std::uint32_t count);
+    void removeFromTable(const VFrame& frame) noexcept;
+    std::size_t homeOf(const VSlotContainer& container) const noexcept;
+    VValueBase* fillOwned(VFrame& frame, const VSlot& slot);
+    void resolve(VFrame& frame, const VSlot& slot);
+    void replaceForReaders(const VParameter& parameter) noexcept;
+    const NamedVariable* namedVariable(const std::string& name) const;
+    void enterName(const VParameter& parameter, const StrongPtr<VValueBase>& value);
+    void removeName(const VParameter& parameter) noexcept;
+    void releaseCell(VFrame& frame, std::uint32_t cell) noexcept;
+    const VParameter* parameterOf(const VFrame& frame, std::uint32_t cell) const noexcept;
+    template<class Function>
+    void forEachReader(VFrame& frame, Function&& function) noexcept;
+    bool readsMissing(VFrame& frame) noexcept;
+    static bool makesWait(const VFrame& source, const VFrame& reader) noexcept;
+    void markWaiting(VFrame& start) noexcept;
+    void release(VFrame& start) noexcept;
+
+    void setWaiting(VFrame& frame, bool isWaiting) noexcept;
+
+    /// Locks the tables if other updates of the pool run meanwhile.
+    std::unique_lock<std::recursive_mutex> lockTables() const
+    {
+        return recorder ? std::unique_lock(recorder->mutex()) : std::unique_lock<std::recursive_mutex>();
+    }
+
+    static std::uint64_t keyOf(const void* pointer) noexcept
+    {
+        return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer));
+    }
+
+    ValuePool* m_pool;
+    StrongPtr<NetworkCore> m_network;
+    std::vector<VFrame*> m_frames; // open addressing by the container's index; null where free
+    std::size_t m_frameCount = 0;
+    IdTable<Variable> m_variables; // of parameters that have no cell, by address
+    std::vector<NamedVariable> m_names;
+    std::unordered_map<std::string, std::size_t> m_nameIndex; // only for many variables
+    IdTable<double> m_precisions;  // by frame
+    std::vector<ValuePool*> m_views; // pools that stand for this one
+    std::size_t m_deadCount = 0;     // dead frames in the queues
+    bool m_isOutOfOrder = false;
+};
+
+/// The frames that read one value, where they are several; their pointers follow.
+struct ReaderList {
+    std::size_t count = 0;
+    VFrame** frames() noexcept { return reinterpret_cast<VFrame**>(this + 1); }
+};
+
+template<class Function>
+void PoolState::forEachKnownReader(VFrame& frame, std::uint32_t cell, Function&& function)
+{
+    if ((frame.flags(cell) & VFrame::OneReader) != 0) {
+        function(*static_cast<VFrame*>(frame.cell(cell).link));
+        return;
+    }
+    if ((frame.flags(cell) & VFrame::ManyReaders) == 0)
+        return;
+    auto& readers = *static_cast<ReaderList*>(frame.cell(cell).link);
+    VFrame** const frames = readers.frames();
+    const std::size_t count = readers.count;
+    for (std::size_t i = 0; i < count; ++i) {
+#if defined(__GNUC__)
+        // A clock may have a hundred thousand readers, each somewhere else in memory.
+        constexpr std::size_t Ahead = 8;
+        if (i + Ahead < count)
+            __builtin_prefetch(frames[i + Ahead]);
+#endif
+        function(*frames[i]);
+    }
+}
+
+} // namespace Detail
+
+} // namespace Orla

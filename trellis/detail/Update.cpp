@@ -1,0 +1,116 @@
+#include <trellis/detail/Update.hpp>
+
+#include <trellis/VActionNotifier.hpp>
+
+#include <loam/AtomicCount.hpp>
+
+#include <exception>
+#include <utility>
+
+namespace Orla::Detail {
+
+void Update::release() noexcept
+{
+    if (m_frame.m_isDead && !m_frame.m_isDue)
+        m_pool.freeFrame(m_frame);
+    // Last, because it may be the last holder of the object.
+    m_pool.releaseHeldObjects();
+}
+
+bool Update::prepareCarefully()
+{
+    if (m_frame.m_isStale) [[unlikely]] {
+        try {
+            m_pool.complete(m_frame);
+        } catch (...) {
+            m_pool.makeDue(m_frame);
+            throw;
+        }
+    }
+    if (m_frame.m_isWaiting) [[unlikely]] {
+        m_frame.m_missedRun = true;
+        return false;
+    }
+    if (m_frame.m_needsHold) {
+        m_hold = WeakPtrImpl<VObject>(m_frame.m_object).lock();
+        if (!m_hold)
+            return false; // it is being destroyed
+    }
+    if (m_frame.m_acceptsFailed) [[unlikely]]
+        m_pool.markMissing(m_frame);
+    m_keepsState = m_frame.m_keepsState;
+    m_precision = m_pool.takePrecision(m_frame);
+    return true;
+}
+
+// Waits until the object does not run in another thread.
+bool Update::takeTurn()
+{
+    static thread_local const char mark = 0;
+    std::atomic<const void*>& runner = const_cast<VSlotContainer*>(m_frame.m_container)->wiring().runner;
+    const void* expected = nullptr;
+    while (!runner.compare_exchange_strong(expected, &mark)) {
+        if (expected == &mark)
+            return true; // in an outer update of this thread, which gives the turn
+        m_pool.network()->gate.waitUntil([&runner] { return !runner.load(); });
+        if (m_frame.m_isDead)
+            return false;
+        expected = nullptr;
+    }
+    m_hasTurn = true;
+    return true;
+}
+
+void Update::giveTurn() noexcept
+{
+    if (!m_hasTurn)
+        return;
+    const_cast<VSlotContainer*>(m_frame.m_container)->wiring().runner.store(nullptr);
+    if (!Loam::isSingleThreaded() && m_pool.network())
+        m_pool.network()->gate.wake();
+    m_hasTurn = false;
+}
+
+std::string Update::failure() const
+{
+    if (!m_thrown)
+        return "its update returned false";
+    try {
+        std::rethrow_exception(m_thrown);
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (const char* message) {
+        return message ? message : "";
+    } catch (const std::string& message) {
+        return message;
+    } catch (...) {
+        return "it threw something other than a std::exception";
+    }
+}
+
+void Update::concludeCarefully(Result result)
+{
+    if (m_frame.m_isDead)
+        return;
+    switch (result) {
+    case Result::Skipped:
+        break;
+    case Result::Cancelled:
+        // What it wrote may be half of the result.
+        m_pool.setPrecision(m_frame, m_precision);
+        m_pool.makeDue(m_frame, VObserver::Cause::Cancelled);
+        break;
+    case Result::Failed:
+        m_pool.fail(m_frame);
+        VActionNotifier::Warning(object().describe() + " failed: " + failure());
+        break;
+    case Result::Succeeded:
+        m_frame.m_lastRun = m_startedAt + 1;
+        if (m_frame.m_hasRewired) [[unlikely]]
+            PoolState::forgetRewiring(m_frame);
+        if (m_frame.m_hasFailed) [[unlikely]]
+            m_pool.recover(m_frame);
+    }
+}
+
+} // namespace Orla::Detail
