@@ -1,25 +1,15 @@
 #include <tarn/AnnouncedObjects.hpp>
 
-#include <limits>
-#include <utility>
-
 namespace Tarn {
 
 using Orla::StrongPtr;
 
 std::vector<StrongPtr<Orla::VManagedObject>> announcedObjects()
 {
-    struct All final : Orla::VManagedObjectIterator {
-        bool apply(const StrongPtr<Orla::VManagedObject>& object) override
-        {
-            objects.push_back(object);
-            return true;
-        }
-
-        std::vector<StrongPtr<Orla::VManagedObject>> objects;
-    } all;
-    Orla::VManagedObject::traverse(all, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
-    return std::move(all.objects);
+    std::vector<StrongPtr<Orla::VManagedObject>> objects;
+    Orla::VManagedObject::forEachObject(
+        [&objects](const StrongPtr<Orla::VManagedObject>& object) { objects.push_back(object); });
+    return objects;
 }
 
 void removeAnnouncedObjects()

@@ -2,7 +2,6 @@
 
 #include <fathom/VChart.hpp>
 
-#include <limits>
 
 namespace Tarn {
 
@@ -24,18 +23,13 @@ T read(const Orla::VChartSelector& selector, const char* output, const StrongPtr
 
 ChartChoice ChartChoice::find()
 {
-    // Asking for the selector of the process would make one.
-    struct Selector final : Orla::VManagedObjectIterator {
-        bool apply(const StrongPtr<Orla::VManagedObject>& object) override
-        {
-            choice.m_selector = StrongPtr<Orla::VChartSelector>(object);
-            return !choice.m_selector;
-        }
-
-        ChartChoice choice;
-    } selector;
-    Orla::VManagedObject::traverse(selector, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
-    return selector.choice;
+    // Asking for the selector of the network would make one.
+    ChartChoice choice;
+    Orla::VManagedObject::forEachObject<Orla::VChartSelector>([&](const StrongPtr<Orla::VChartSelector>& selector) {
+        choice.m_selector = selector;
+        return false;
+    });
+    return choice;
 }
 
 void ChartChoice::want(const std::string& name) const

@@ -6,6 +6,7 @@
 #include <tarn/RunActions.hpp>
 #include <tarn/Session.hpp>
 #include <tarn/TableWriter.hpp>
+#include <tarn/TaskExecutor.hpp>
 #include <tarn/Tracer.hpp>
 #include <tarn/Wording.hpp>
 
@@ -119,7 +120,9 @@ private:
     bool runDue()
     {
         Orla::VRequest request{m_pool, {}, m_cancellation};
-        const Orla::VScheduler::Summary done = Orla::VScheduler::run(request);
+        // A trace shows how long each object takes, so they run one after the other.
+        const Orla::VScheduler::Summary done = m_task.tracer ? Orla::VScheduler::run(request)
+                                                             : Orla::VScheduler::run(request, m_executor);
         m_summary.failures += done.failures;
         m_summary.stopped += done.stopped;
         m_summary.cancelled = done.outcome != Orla::VScheduler::Outcome::Done || request.isCancelled();
@@ -140,6 +143,7 @@ private:
     const ChartChoice m_chart = ChartChoice::find();
     const EventPlayer m_player = EventPlayer::find();
     const RunActions m_actions = RunActions::find();
+    TaskExecutor m_executor;
     EvaluationSummary m_summary;
     std::size_t m_nextEvent = 0;
 };

@@ -13,22 +13,14 @@ using Orla::VInteractionEvent;
 
 EventPlayer EventPlayer::find()
 {
-    struct Source final : Orla::VOutputIterator {
-        bool apply(const StrongPtr<Orla::VObject>& object, const std::type_info&,
-                   const StrongPtr<Orla::VSlot>& offered) override
-        {
-            const auto& preferences = object->creationPreferences();
-            if (!preferences || !preferences->contains("unique"))
-                return true;
-            output = offered;
-            return false;
-        }
-
-        StrongPtr<Orla::VSlot> output;
-    } source;
-    Orla::VObject::findOutputObjects(typeid(VInteractionEvent), source);
     EventPlayer player;
-    player.m_output = source.output;
+    Orla::VObject::forEachOutput(
+        typeid(VInteractionEvent),
+        [&player](const StrongPtr<Orla::VObject>&, const StrongPtr<Orla::VSlot>& output) {
+            player.m_output = output;
+            return false;
+        },
+        "unique");
     return player;
 }
 

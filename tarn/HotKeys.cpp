@@ -4,7 +4,6 @@
 
 #include <fathom/HotKey.hpp>
 
-#include <limits>
 #include <map>
 #include <utility>
 
@@ -29,22 +28,15 @@ char initialKey(const Orla::HotKey& object)
 
 std::vector<SharedHotKey> sharedHotKeys()
 {
-    struct Gather final : Orla::VManagedObjectIterator {
-        bool apply(const StrongPtr<Orla::VManagedObject>& object) override
-        {
-            if (const StrongPtr<Orla::HotKey> listener{object}) {
-                if (const char key = initialKey(*listener))
-                    objects[key].push_back(object->Name());
-            }
-            return true;
-        }
-
-        std::map<char, std::vector<std::string>, Orla::HotKey::SignedLess> objects;
-    } gather;
-    Orla::VManagedObject::traverse(gather, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    std::map<char, std::vector<std::string>, Orla::HotKey::SignedLess> listeners;
+    Orla::VManagedObject::forEachObject([&](const StrongPtr<Orla::VManagedObject>& object) {
+        const StrongPtr<Orla::HotKey> listener{object};
+        if (const char key = listener ? initialKey(*listener) : '\0')
+            listeners[key].push_back(object->Name());
+    });
 
     std::vector<SharedHotKey> shared;
-    for (auto& [key, objects] : gather.objects) {
+    for (auto& [key, objects] : listeners) {
         if (objects.size() > 1)
             shared.push_back({key, std::move(objects)});
     }

@@ -16,24 +16,17 @@ using Action = StrongPtr<Orla::VAction>;
 
 RunActions RunActions::find()
 {
-    struct Gather final : Orla::VOutputIterator {
-        bool apply(const StrongPtr<Orla::VObject>& object, const std::type_info&,
-                   const StrongPtr<Orla::VSlot>& output) override
-        {
-            const auto& preferences = object->creationPreferences();
-            if (!preferences || !preferences->contains("run"))
-                return true;
+    RunActions actions;
+    Orla::VObject::forEachOutput(
+        typeid(Action),
+        [&actions](const StrongPtr<Orla::VObject>&, const StrongPtr<Orla::VSlot>& output) {
             if (output->name() == "stepped")
                 actions.m_stepped.push_back(output);
             else if (output->name() == "finished")
                 actions.m_finished.push_back(output);
-            return true;
-        }
-
-        RunActions actions;
-    } gather;
-    Orla::VObject::findOutputObjects(typeid(Action), gather);
-    return gather.actions;
+        },
+        "run");
+    return actions;
 }
 
 bool RunActions::emit(const Outputs& outputs, const StrongPtr<Orla::ValuePool>& pool)

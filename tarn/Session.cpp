@@ -44,6 +44,8 @@ Session::Session(const std::string& path, const std::vector<std::string>& overri
     if (::chdir(m_folder.c_str()) != 0)
         throw Loam::FileError{"cannot enter " + printable(m_folder), errno};
     const NetworkFile file = parseNetwork(text, m_faults);
+    m_objects.emplace(m_folder);
+    m_scope.emplace(*m_objects);
     Orla::VActionNotifier::add(m_census);
     std::vector<std::string> missing;
     loadLibraries(file, missing);
@@ -62,6 +64,8 @@ Session::~Session()
     m_network = {};
     m_pool.reset();
     removeAnnouncedObjects();
+    m_scope.reset();
+    m_objects.reset();
     Orla::VActionNotifier::remove(m_census);
     const std::string survivor = m_census->survivor();
     if (survivor.empty())

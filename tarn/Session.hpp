@@ -7,6 +7,7 @@
 #include <tarn/NetworkFile.hpp>
 #include <tarn/TimeProvider.hpp>
 
+#include <trellis/VNetwork.hpp>
 #include <trellis/ValuePool.hpp>
 
 #include <cstdint>
@@ -68,6 +69,8 @@ private:
     Orla::StrongPtr<Census> m_census;
     std::string m_folder;
     Libraries m_libraries;
+    std::optional<Orla::VNetwork> m_objects; // the network of the file's objects
+    std::optional<Orla::VNetwork::Scope> m_scope;
     Orla::StrongPtr<Orla::ValuePool> m_pool;
     Network m_network;
     TimeProvider m_timeProvider;

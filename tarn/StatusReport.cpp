@@ -5,6 +5,7 @@
 #include <trellis/VObject.hpp>
 
 #include <algorithm>
+#include <optional>
 #include <typeinfo>
 
 namespace Tarn {
@@ -24,28 +25,16 @@ int rankOf(const StatusReport::Entry& entry) noexcept
 
 StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool)
 {
-    struct Gather final : Orla::VOutputIterator {
-        bool apply(const StrongPtr<Orla::VObject>& object, const std::type_info&,
-                   const StrongPtr<Orla::VSlot>& output) override
-        {
-            VObjectStatus status;
-            const StrongPtr<Orla::VValueBase> value = output->getValueBase(pool);
-            const auto* typed = Orla::VTypedValueBase<VObjectStatus>::cast(value.get());
-            if (typed && typed->getValue(status)) {
-                const std::string text = status.plainText();
-                const bool isBlank = text.find_first_not_of(" \t\r\n") == std::string::npos;
-                if (!isBlank || status.severity() != VObjectStatus::Severity::Information)
-                    entries.push_back({object->Name(), status.severity(), text});
-            }
-            return true;
-        }
-
-        StrongPtr<Orla::ValuePool> pool;
-        std::vector<Entry> entries;
-    } gather;
-    gather.pool = pool;
-    Orla::VObject::findOutputObjects(typeid(VObjectStatus), gather);
-    m_entries = std::move(gather.entries);
+    Orla::VObject::forEachOutput(
+        typeid(VObjectStatus), [&](const StrongPtr<Orla::VObject>& object, const StrongPtr<Orla::VSlot>& output) {
+            const std::optional<VObjectStatus> status = output->get<VObjectStatus>(pool);
+            if (!status)
+                return;
+            const std::string text = status->plainText();
+            const bool isBlank = text.find_first_not_of(" \t\r\n") == std::string::npos;
+            if (!isBlank || status->severity() != VObjectStatus::Severity::Information)
+                m_entries.push_back({object->Name(), status->severity(), text});
+        });
     std::ranges::stable_sort(m_entries, {}, rankOf);
 }
 

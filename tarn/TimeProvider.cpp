@@ -26,34 +26,28 @@ StrongPtr<Orla::VSlot> freeTimeInput(const Orla::VObject& object)
 
 TimeProvider TimeProvider::find()
 {
-    struct Best final : Orla::VManagedObjectIterator {
-        bool apply(const StrongPtr<Orla::VManagedObject>& managed) override
-        {
-            const StrongPtr<Orla::VObject> object{managed};
-            if (!object || !object->creationPreferences() || !object->creationPreferences()->contains("GlobalTime"))
-                return true;
-            const StrongPtr<Orla::VSlot> input = freeTimeInput(*object);
-            const double candidate = object->creationPreferences()->weight(wanted);
-            // Written so that NaN, which has no place in an order, is passed over.
-            if (!input || !(candidate <= weight))
-                return true;
-            equals = candidate < weight ? 1 : equals + 1;
-            weight = candidate;
-            provider.m_name = object->Name();
-            provider.m_input = input;
-            return true;
-        }
-
-        const Orla::VCreationPreferences wanted{"default", "GlobalTime"};
-        double weight = std::numeric_limits<double>::infinity();
-        std::size_t equals = 0;
-        TimeProvider provider;
-    } best;
-    Orla::VManagedObject::traverse(best, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
-    if (best.equals > 1)
-        Orla::VActionNotifier::Warning(counted(best.equals, "object") + " provide the global time; "
-                                       + inQuotes(best.provider.m_name) + " is stepped");
-    return best.provider;
+    const Orla::VCreationPreferences wanted{"default", "GlobalTime"};
+    double weight = std::numeric_limits<double>::infinity();
+    std::size_t equals = 0;
+    TimeProvider provider;
+    Orla::VManagedObject::forEachObject<Orla::VObject>([&](const StrongPtr<Orla::VObject>& object) {
+        const auto& preferences = object->creationPreferences();
+        if (!preferences || !preferences->contains("GlobalTime"))
+            return;
+        const StrongPtr<Orla::VSlot> input = freeTimeInput(*object);
+        const double candidate = preferences->weight(wanted);
+        // Written so that NaN, which has no place in an order, is skipped.
+        if (!input || !(candidate <= weight))
+            return;
+        equals = candidate < weight ? 1 : equals + 1;
+        weight = candidate;
+        provider.m_name = object->Name();
+        provider.m_input = input;
+    });
+    if (equals > 1)
+        Orla::VActionNotifier::Warning(counted(equals, "object") + " provide the global time; "
+                                       + inQuotes(provider.m_name) + " is stepped");
+    return provider;
 }
 
 Orla::VTime TimeProvider::time(const StrongPtr<Orla::ValuePool>& pool) const
@@ -67,14 +61,9 @@ Orla::VTime TimeProvider::time(const StrongPtr<Orla::ValuePool>& pool) const
 
 void TimeProvider::setStep(const StrongPtr<Orla::ValuePool>& pool, const Orla::VTime& like, std::uint64_t step) const
 {
-    const StrongPtr<Orla::VValueBase> value = m_input->getLocalValue(pool);
-    auto* const typed = Orla::VTypedValueBase<Orla::VTime>::cast(value.get());
-    if (!typed)
-        return;
     Orla::VTime time = like;
     time.time = like.Tdiscrete(static_cast<double>(step));
-    typed->setValue(time);
-    m_input->parameter()->notifyValueChange(value, pool);
+    m_input->set(pool, time);
 }
 
 double TimeProvider::stepCount(const Orla::VTime& time) noexcept
