@@ -34,8 +34,7 @@ bool VAction::emitAction(const StrongPtr<ValuePool>& pool, const StrongPtr<VPara
     std::ranges::sort(objects, [](const StrongPtr<VObject>& a, const StrongPtr<VObject>& b) {
         return a->isTraversedBefore(*b);
     });
-    const auto repeated = std::ranges::unique(objects);
-    objects.erase(repeated.begin(), repeated.end());
+    objects.erase(std::unique(objects.begin(), objects.end()), objects.end());
     const double precision = number;
     for (const StrongPtr<VObject>& object : objects)
         VScheduler::schedule(object, precision, pool);

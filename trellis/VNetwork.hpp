@@ -26,11 +26,11 @@ namespace Orla {
 /// - Different pools of one network may be used in different threads at the same time:
 ///   set inputs, evaluate, read outputs. One pool is used by one thread at a time.
 /// - Values, objects and registrations may be created in any thread.
-/// - Whoever adds, removes, connects or destroys objects, slots or listeners keeps the
-///   network to the calling thread meanwhile. The functions that do so take a `Change`
-///   themselves; hold one around several of them to make them one step. Evaluations in
-///   other threads wait between two updates. An update may change its network, also
-///   while other threads evaluate it.
+/// - Adding, removing, connecting or destroying objects and slots keeps the network to the
+///   calling thread. The functions that do so take a `Change` themselves; hold one around
+///   several of them to make them one step, and around adding listeners and setting
+///   initial values. Evaluations in other threads wait between two updates. An update may
+///   change its network, also while other threads evaluate it.
 /// - Outside of `VScheduler::run`, a thread that works with pools or slots while another
 ///   thread may change the network holds a `Use`.
 /// - Do not change a network while holding a `Change` of another one, unless all threads

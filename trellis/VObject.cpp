@@ -51,6 +51,7 @@ VObject::VObject(const std::string& name, int level,
 {
     wiring().object = this;
     wiring().name = &Name();
+    wiring().block = &referenceBlock();
 }
 
 VObject::~VObject()

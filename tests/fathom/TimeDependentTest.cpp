@@ -402,3 +402,35 @@ TEST_F(TimeDependentTest, isEvaluatedWhenTheTimeChanges)
     EXPECT_TRUE(reader->seen(m_pool) >> seen);
     EXPECT_EQ(seen, 0.75);
 }
+
+namespace {
+
+// Provides time, and asks for it, too.
+class TimedClock : public VObject, public TimeDependent {
+public:
+    TimedClock(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, TimeDependent{"time", "range", preferences, VTime{}}
+    {
+    }
+
+    bool update(VRequest&, double) override { return true; }
+};
+
+} // namespace
+
+TEST_F(TimeDependentTest, createsOneProviderThoughThatDependsOnTimeItself)
+{
+    const VObjectType<TimedClock> type{"GlobalTime"};
+    StrongPtr<Reader> reader;
+    EXPECT_EQ(printedBy([&] { reader = createReader(); }), creating);
+    EXPECT_EQ(VManagedObject::count(), 2u);
+    const StrongPtr<TimedClock> clock(VManagedObject::find("GlobalTime"));
+    ASSERT_TRUE(clock);
+    EXPECT_EQ(timeOf(*reader), timeOf(*clock));
+    EXPECT_FALSE(clock->timeSlot().slot()->isConnected()) << "it keeps its own time";
+
+    // A reader of the provider's time follows the provider.
+    const auto other = createClock(10);
+    clock->attachOutput(other->findOutput("now"), clock->timeSlot().slot(), "");
+    EXPECT_EQ(timeOf(*reader), other->time.parameter());
+}

@@ -74,6 +74,50 @@ TEST_F(VSlotTest, setsItsOwnInitialValueAlsoWhileItIsConnected)
     EXPECT_EQ(contentOf(slot->getLocalValue(pool)), 3);
 }
 
+TEST_F(VSlotTest, isSetFromTextInOnePoolAndAnnouncesTheChange)
+{
+    const auto reader = makeNode("reader");
+    const StrongPtr<VSlot> slot = reader->findSlot("in");
+    EXPECT_FALSE(slot->text(pool)) << "the pool holds no value";
+    EXPECT_TRUE(slot->set(pool, "4.5"));
+    EXPECT_EQ(slot->text(pool), "4.5");
+    EXPECT_EQ(contentOf(slot->getValueBase(pool)), 4.5);
+    EXPECT_TRUE(VScheduler::isDue(reader, pool));
+    EXPECT_EQ(contentOf(slot->ownParameter()->DefaultValue()), 0) << "other pools start as before";
+    VScheduler::run(pool);
+    EXPECT_FALSE(slot->set(pool, "many"));
+    EXPECT_EQ(slot->text(pool), "4.5");
+    EXPECT_FALSE(VScheduler::isDue(reader, pool));
+    EXPECT_FALSE(slot->set(nullptr, "5"));
+}
+
+TEST_F(VSlotTest, followsTheInputThatItWasAttachedToByItsParameter)
+{
+    const auto passing = makeNode("passing");
+    const auto reader = makeNode("reader");
+    const auto source = makeNode("source");
+    ASSERT_TRUE(reader->attachParameter(passing->findSlot("in")->parameter(), reader->findSlot("in"), ""));
+    source->write(pool, "out", 7.0);
+    connect(source, passing);
+    EXPECT_EQ(contentOf(reader->findSlot("in")->getLocalValue(pool)), 7);
+    passing->detach(passing->findSlot("in"));
+    passing->write(pool, "in", 3.0);
+    EXPECT_EQ(contentOf(reader->findSlot("in")->getLocalValue(pool)), 3);
+}
+
+TEST_F(VSlotTest, keepsItsOwnValueInAPoolWhileItIsConnected)
+{
+    const auto reader = makeNode("reader");
+    const auto source = makeNode("source");
+    reader->write(pool, "in", 5.0);
+    connect(source, reader);
+    runAll({source, reader}, pool);
+    EXPECT_EQ(reader->read(pool, "out"), 2);
+    reader->detach(reader->findSlot("in"));
+    VScheduler::run(pool);
+    EXPECT_EQ(reader->read(pool, "out"), 6);
+}
+
 TEST_F(VSlotTest, readsTheComponentThatItsMemberNames)
 {
     node->addInput("in", 1.0);

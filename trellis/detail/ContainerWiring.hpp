@@ -8,6 +8,12 @@
 #include <string>
 #include <vector>
 
+namespace Loam {
+
+class ReferenceBlock;
+
+} // namespace Loam
+
 namespace Orla {
 
 class VFrame;
@@ -22,6 +28,7 @@ class NetworkCore;
 struct ContainerWiring {
     NetworkCore* network = nullptr; // owned by the container
     VObject* object = nullptr;
+    Loam::ReferenceBlock* block = nullptr; // the object's; may be asked while it is being destroyed
     const std::string* name = nullptr; // the object's
     std::unique_ptr<std::vector<VFrame*>> frames;           // one per pool that uses the container
     std::unique_ptr<std::vector<std::uint32_t>> freeCells;  // of inputs that were removed

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <unordered_set>
 #include <utility>
 
@@ -708,6 +709,7 @@ void PoolState::schedule(VFrame& frame, double precision)
 {
     if (recorder && recorder->recordSchedule(frame, precision)) [[unlikely]]
         return;
+    const UseScope use{*m_network}; // another thread may bring the evaluation order up to date
     setPrecision(frame, precision);
     makeDue(frame, VObserver::Cause::Scheduled);
 }
@@ -743,6 +745,10 @@ void PoolState::announce(const VParameter& parameter, const std::string& member)
         return;
     const VSlot* const home = homeSlot(parameter);
     VFrame* const writer = home ? frame(*home->container()) : nullptr;
+    // Another thread may bring the evaluation order up to date.
+    std::optional<UseScope> use;
+    if (m_network && !isRunning)
+        use.emplace(*m_network);
     if (writer && member.empty()) {
         growCells(*writer, home->place().cell + 1);
         const bool isFilled = writer->cell(home->place().cell).value != nullptr;

@@ -13,8 +13,10 @@ void Update::release() noexcept
 {
     if (m_frame.m_isDead && !m_frame.m_isDue)
         m_pool.freeFrame(m_frame);
-    // Last, because it may be the last holder of the object.
+    // Last, because these may be the last holders of the object.
     m_pool.releaseHeldObjects();
+    if (m_hold)
+        m_hold->releaseStrong();
 }
 
 bool Update::prepareCarefully()
@@ -32,9 +34,11 @@ bool Update::prepareCarefully()
         return false;
     }
     if (m_frame.m_needsHold) {
-        m_hold = WeakPtrImpl<VObject>(m_frame.m_object).lock();
-        if (!m_hold)
-            return false; // it is being destroyed
+        // The object itself must not be touched: another thread may be destroying it.
+        Loam::ReferenceBlock* const block = m_frame.m_container->wiring().block;
+        if (!block || !block->tryAddStrong())
+            return false;
+        m_hold = block;
     }
     if (m_frame.m_acceptsFailed) [[unlikely]]
         m_pool.markMissing(m_frame);

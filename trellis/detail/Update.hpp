@@ -24,7 +24,7 @@ public:
     ~Update()
     {
         m_frame.m_isUpdating = false;
-        if (m_frame.m_isDead || !m_pool.heldObjects.empty()) [[unlikely]]
+        if (m_frame.m_isDead || m_hold || !m_pool.heldObjects.empty()) [[unlikely]]
             release();
     }
 
@@ -84,7 +84,7 @@ private:
 
     VFrame& m_frame;
     PoolState& m_pool;
-    StrongPtr<VObject> m_hold;
+    Loam::ReferenceBlock* m_hold = nullptr; // of an object that no registry keeps alive
     std::exception_ptr m_thrown;
     double m_precision = 0;
     Loam::Ageable::Age m_startedAt = 0;
