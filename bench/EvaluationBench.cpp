@@ -14,10 +14,11 @@
 
 #include <benchmark/benchmark.h>
 
-#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -278,6 +279,8 @@ void emitAction(benchmark::State& state)
     const StrongPtr<ValuePool> pool(new ValuePool("bench"));
     const auto action = Loam::makeStrong<VAction>(2.0);
     const StrongPtr<VParameter> parameter = source->findOutput("action")->parameter();
+    action->emitAction(pool, parameter);
+    VScheduler::run(pool); // brings the evaluation order up to date
     for (auto _ : state) {
         action->emitAction(pool, parameter);
         VScheduler::run(pool);

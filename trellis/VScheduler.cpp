@@ -140,6 +140,8 @@ VScheduler::Summary VScheduler::run(VRequest& request)
 
 VScheduler::Summary VScheduler::run(VRequest& request, VExecutor& executor)
 {
+    if (executor.concurrency() == 0)
+        return run(request);
     return runWith<Detail::ConcurrentRun>(request, executor);
 }
 

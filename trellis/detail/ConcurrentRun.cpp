@@ -7,6 +7,7 @@
 #include <deque>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <string>
 #include <unordered_set>
 #include <utility>
@@ -19,31 +20,42 @@ namespace {
 constexpr std::size_t LeastEffort = 256;
 constexpr std::size_t MostEffort = 1u << 20;
 
+// A pool keeps the memory of so many jobs from one run to the next.
+constexpr std::size_t MostSpareJobs = 4096;
+
 } // namespace
 
 /// One update that may run in another thread, and what it announced.
 class ConcurrentRun::Job {
 public:
-    explicit Job(VFrame& frame) : update{frame} {}
+    // A parameter that was announced otherwise than by writing a cell.
+    struct Announcement {
+        StrongPtr<VParameter> parameter;
+        std::string member;
+    };
 
     struct Event {
-        VFrame* frame = nullptr;        // that wrote a cell, or was scheduled
-        std::uint32_t cell = 0;
-        StrongPtr<VParameter> parameter; // that was announced otherwise
-        std::string member;
+        VFrame* frame = nullptr; // that wrote a cell, or was scheduled
+        std::unique_ptr<Announcement> announcement;
         double precision = 0;
+        std::uint32_t cell = 0;
         bool isSchedule = false;
     };
 
     enum class State { Waiting, Running, Done };
 
-    Update update;
+    std::optional<Update> update;
     std::vector<Event> events;
     Update::Result result = Update::Result::Skipped;
-    std::exception_ptr error; // of recording
     State state = State::Waiting; // guarded by the team's lock
     bool isReady = false;     // false if the object does not run
     bool needsCount = true;   // its run was not counted yet
+};
+
+/// Jobs whose memory is used again, also by the next run in the pool.
+class ConcurrentRun::SpareJobs final : public RunMemory {
+public:
+    std::vector<std::unique_ptr<Job>> jobs;
 };
 
 /// The threads that work on a run: the calling one and those of the executor. Tasks of
@@ -90,7 +102,7 @@ public:
         }
         network->gate.giveWay();
         Job* const outer = std::exchange(t_job, &job);
-        job.result = job.update.call(view, ownRequest);
+        job.result = job.update->call(view, ownRequest);
         t_job = outer;
     }
 
@@ -190,6 +202,9 @@ thread_local ConcurrentRun::Job* ConcurrentRun::Team::t_job = nullptr;
 ConcurrentRun::ConcurrentRun(PoolState& pool, VRequest& request, VExecutor& executor)
     : SerialRun{pool, request}, m_executor{executor}, m_team{std::make_shared<Team>(*this, pool, m_network, request)}, m_plan{m_team->planning}
 {
+    if (!m_pool.runMemory)
+        m_pool.runMemory = std::make_unique<SpareJobs>();
+    m_spare = static_cast<SpareJobs*>(m_pool.runMemory.get());
     m_pool.recorder = this;
 }
 
@@ -206,14 +221,14 @@ ConcurrentRun::~ConcurrentRun()
     m_pool.recorder = nullptr;
     // What was taken from the queue and not committed stays due.
     const auto giveBack = [this](Job* job) {
-        if (!job || PoolState::isDead(job->update.frame()))
+        if (!job || PoolState::isDead(job->update->frame()))
             return;
         try {
-            m_pool.setPrecision(job->update.frame(), job->update.precision());
+            m_pool.setPrecision(job->update->frame(), job->update->precision());
         } catch (const std::bad_alloc&) {
             // The object is due all the same, with the number that it has by default.
         }
-        m_pool.makeDue(job->update.frame());
+        m_pool.makeDue(job->update->frame());
     };
     for (const std::unique_ptr<Job>& job : m_batch)
         giveBack(job.get());
@@ -244,14 +259,14 @@ bool ConcurrentRun::recordChange(const VParameter& parameter, const std::string&
     if (!job)
         return false;
     // Usually the object has written an output of its own.
-    VFrame& frame = job->update.frame();
+    VFrame& frame = job->update->frame();
     const VSlot* const slot = parameter.slot();
     if (member.empty() && slot && slot->container() == frame.container() && !slot->isConnected()
         && slot->member().empty() && frame.hasCell(slot->place().cell))
         return recordChange(frame, slot->place().cell);
     Job::Event event;
-    event.parameter = WeakPtrImpl<VParameter>(const_cast<VParameter*>(&parameter)).lock();
-    event.member = member;
+    event.announcement.reset(new Job::Announcement{
+        WeakPtrImpl<VParameter>(const_cast<VParameter*>(&parameter)).lock(), member});
     job->events.push_back(std::move(event));
     return true;
 }
@@ -312,11 +327,30 @@ std::unique_ptr<ConcurrentRun::Job> ConcurrentRun::makeJob(VFrame& frame)
         m_early.erase(early);
         return job;
     }
-    auto job = std::make_unique<Job>(frame);
-    job->isReady = job->update.prepare();
+    std::unique_ptr<Job> job;
+    if (m_spare->jobs.empty()) {
+        job = std::make_unique<Job>();
+    } else {
+        job = std::move(m_spare->jobs.back());
+        m_spare->jobs.pop_back();
+    }
+    job->update.emplace(frame);
+    job->isReady = job->update->prepare();
     if (job->isReady)
         m_pool.prepareToAnnounce(frame);
     return job;
+}
+
+// Keeps the memory of a job for the next one.
+void ConcurrentRun::recycle(std::unique_ptr<Job> job)
+{
+    job->update.reset();
+    job->events.clear();
+    job->result = Update::Result::Skipped;
+    job->state = Job::State::Waiting;
+    job->needsCount = true;
+    if (m_spare->jobs.size() < MostSpareJobs)
+        m_spare->jobs.push_back(std::move(job));
 }
 
 // Asks the executor for as many threads as the jobs can use.
@@ -342,7 +376,7 @@ bool ConcurrentRun::runBatch()
         for (const std::unique_ptr<Job>& job : m_batch) {
             if (job->state == Job::State::Waiting && job->needsCount) {
                 job->needsCount = false;
-                if (job->isReady && !countRun(job->update.frame()))
+                if (job->isReady && !countRun(job->update->frame()))
                     job->isReady = false;
                 job->state = Job::State::Running;
                 team.jobs.push_back(job.get());
@@ -396,10 +430,11 @@ bool ConcurrentRun::runBatch()
     }
     lock.unlock();
 
+    m_spare->jobs.reserve(m_spare->jobs.size() + m_batch.size());
     for (std::unique_ptr<Job>& job : m_batch) {
         if (!commit(*job))
             return false;
-        job.reset();
+        recycle(std::move(job));
     }
     m_batch.clear();
     return true;
@@ -414,13 +449,13 @@ void ConcurrentRun::startEarly(std::size_t effort)
     std::vector<VFrame*> candidates;
     std::unordered_set<const VFrame*> taken;
     const auto sort = [&](const Job& job) {
-        VFrame& frame = job.update.frame();
+        VFrame& frame = job.update->frame();
         taken.insert(&frame);
         bool blocks = job.state != Job::State::Done || job.result != Update::Result::Succeeded;
         for (std::size_t i = 0; !blocks && i < job.events.size(); ++i) {
             const Job::Event& event = job.events[i];
             // A listener may do anything, so what it is notified of waits for its turn.
-            blocks = event.parameter || event.isSchedule
+            blocks = event.announcement || event.isSchedule
                   || (event.frame->flags(event.cell) & VFrame::Heard) != 0;
         }
         if (blocks) {
@@ -494,7 +529,7 @@ void ConcurrentRun::startEarly(std::size_t effort)
             if (!counts) {
                 // It is looked at again when its turn comes.
                 if (job->isReady)
-                    m_pool.setPrecision(*frame, job->update.precision());
+                    m_pool.setPrecision(*frame, job->update->precision());
             } else {
                 job->needsCount = false;
                 job->state = Job::State::Running;
@@ -518,10 +553,10 @@ bool ConcurrentRun::commit(Job& job)
     if (!job.isReady || job.result == Update::Result::Skipped)
         return true;
     if (m_pool.observer)
-        m_pool.observer->began(job.update.object());
-    job.update.knowValuesOfNow();
+        m_pool.observer->began(job.update->object());
+    job.update->knowValuesOfNow();
     announce(job);
-    return finish(job.update, job.result);
+    return finish(*job.update, job.result);
 }
 
 void ConcurrentRun::announce(Job& job)
@@ -529,8 +564,8 @@ void ConcurrentRun::announce(Job& job)
     for (const Job::Event& event : job.events) {
         if (event.isSchedule) {
             m_pool.schedule(*event.frame, event.precision);
-        } else if (event.parameter) {
-            m_pool.announce(*event.parameter, event.member);
+        } else if (event.announcement) {
+            m_pool.announce(*event.announcement->parameter, event.announcement->member);
         } else {
             // The pool's order of changes is that of the announcements.
             if (VValueBase* const value = event.frame->cell(event.cell).value)

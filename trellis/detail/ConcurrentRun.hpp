@@ -27,6 +27,7 @@ public:
 
 private:
     class Job;
+    class SpareJobs;
     class Team;
 
     bool recordChange(VFrame& writer, std::uint32_t cell) override;
@@ -36,6 +37,7 @@ private:
 
     void takeBatch(VFrame& first);
     std::unique_ptr<Job> makeJob(VFrame& frame);
+    void recycle(std::unique_ptr<Job> job);
     bool runBatch();
     void startEarly(std::size_t effort);
     bool commit(Job& job);
@@ -47,6 +49,7 @@ private:
     std::unique_lock<std::mutex> m_plan; // released while this thread runs objects or waits
     std::vector<std::unique_ptr<Job>> m_batch;             // jobs of one order number, in serial order
     std::map<const VFrame*, std::unique_ptr<Job>> m_early; // jobs that started before their turn
+    SpareJobs* m_spare = nullptr; // owned by the pool
     std::exception_ptr m_executorError;
     unsigned m_hired = 0;
 };

@@ -131,6 +131,8 @@ namespace Detail {
 
 Recorder::~Recorder() = default;
 
+RunMemory::~RunMemory() = default;
+
 PoolState::~PoolState()
 {
     for (ValuePool* view : m_views)

@@ -38,6 +38,12 @@ public:
     virtual std::recursive_mutex& mutex() noexcept = 0;
 };
 
+/// Memory that one evaluation of a pool leaves to the next.
+class RunMemory {
+public:
+    virtual ~RunMemory();
+};
+
 /// Everything that a pool holds once it is used: frames, variables, and what is due.
 class PoolState {
 public:
@@ -288,6 +294,7 @@ public:
     std::size_t waitingCount = 0;
     VObserver* observer = nullptr;
     Recorder* recorder = nullptr; // while objects run concurrently
+    std::unique_ptr<RunMemory> runMemory;
     std::vector<StrongPtr<VManagedObjectBase>> heldObjects; // removed during their update
 
 private:
