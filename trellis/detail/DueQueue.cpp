@@ -30,7 +30,9 @@ void DueQueue::pushAmongMany(VFrame& frame) noexcept
         bucket = &fresh;
     } else if (!bucket) {
         try {
-            m_farOrders.reserve(m_farOrders.size() + 1);
+            // Before the bucket is made, so that a failure leaves nothing half done.
+            if (m_farOrders.size() == m_farOrders.capacity())
+                m_farOrders.reserve(std::max<std::size_t>(16, 2 * m_farOrders.size()));
             bucket = &m_far[order + std::uint64_t{1}];
             m_farOrders.push_back(order);
             std::ranges::push_heap(m_farOrders, std::greater{});
