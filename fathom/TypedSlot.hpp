@@ -123,8 +123,8 @@ public:
         return VValueOperations<T>::copyOf(m_initialValue);
     }
 
-    /// Writes \p value into the input in \p pool, which is made where there is none, and
-    /// announces the change. Returns false without a slot or a pool.
+    /// Writes \p value into the input in \p pool, creating the variable if it is missing,
+    /// and announces the change. Returns false without a slot or a pool.
     bool set(const StrongPtr<ValuePool>& pool, const T& value) const
     {
         if (!m_slot)

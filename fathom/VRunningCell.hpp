@@ -10,13 +10,13 @@
 
 namespace Orla {
 
-/// The cell of a slot of the object whose update runs: how typed slots and outputs reach
-/// their values without looking anything up. Of which class the value is, is found out
-/// once and noted in the cell.
+/// The cell of a slot of the object whose update runs. Typed slots and outputs reach their
+/// values through it without a look-up. The class of the value is determined once and
+/// noted in the cell.
 template<class T>
 class VRunningCell {
 public:
-    /// The cell at \p place, if \p pool is the one of a running update of the place's
+    /// The cell at \p place, if \p pool belongs to a running update of the place's
     /// container.
     VRunningCell(const ValuePool* pool, const VSlotPlace& place) noexcept
         : m_frame{pool ? VFrame::of(pool->runningFrame(), place) : nullptr}, m_cell{place.cell}
@@ -38,7 +38,7 @@ public:
         return static_cast<VValue<T>*>(value);
     }
 
-    /// The value, also if it is part of another one; null if there is none.
+    /// The value, which may be a component of another one; null if the cell is empty.
     VTypedValueBase<T>* typed() const noexcept
     {
         if (VValue<T>* const value = plain())

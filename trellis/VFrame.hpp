@@ -38,7 +38,7 @@ public:
         Typed = 0x0008,       ///< the value is a `VTypedValueBase` of the slot's type
         Off = 0x0010,         ///< the parameter is switched off
         Heard = 0x0020,       ///< the parameter has listeners
-        KnowsReaders = 0x0040,///< `link` tells which frames read the value
+        KnowsReaders = 0x0040,///< `link` lists the frames that read the value
         OneReader = 0x0080,   ///< `link` is that frame
         ManyReaders = 0x0100, ///< `link` is a list of frames
         OwnInput = 0x0200,    ///< the container reads the value itself
@@ -106,7 +106,7 @@ private:
 
     VFrame() = default;
 
-    /// Asks the processor to have the memory at hand that an update needs first.
+    /// Prefetches the memory that an update needs first.
     void prefetchForUpdate() const noexcept
     {
 #if defined(__GNUC__)
@@ -140,8 +140,8 @@ private:
     std::uint32_t m_runs : 8 = 0;  // in that evaluation
     std::uint32_t m_place = 0;     // among the container's frames; guarded by their lock
     std::uint8_t m_inlineCells = 0;
-    bool m_isDead = false; // its container is destroyed; freed when nothing refers to it
-    // Not for the thread that runs an update concurrently.
+    bool m_isDead = false; // its container was destroyed; freed when nothing refers to it
+    // A thread that runs an update concurrently does not touch these.
     std::uint16_t m_isDue : 1 = false;
     std::uint16_t m_isUpdating : 1 = false;
     std::uint16_t m_isStale : 1 = true; // cells must be worked out before the next update

@@ -81,7 +81,7 @@ public:
     };
 
     /// Keeps other threads from changing a network while this thread uses it; see
-    /// "Threads". Uses nest; evaluating is a use by itself.
+    /// "Threads". Uses nest; `VScheduler::run` takes one.
     class TRELLIS_API Use {
     public:
         explicit Use(VNetwork& network);

@@ -62,8 +62,8 @@ public:
                                const Loam::InterfaceContainer& interfaces = {},
                                const StrongPtr<VObjectCreator>& creator = {});
 
-    /// A finished object of a registered type in the current network; null if there is no
-    /// such type.
+    /// A finished object of a registered type in the current network; null if no
+    /// library has such a type.
     static StrongPtr<VObject> createObject(const std::string& typeName, const std::string& name,
                                            const StrongPtr<VCreationPreferences>& preferences = {});
 
@@ -82,10 +82,10 @@ public:
                               const std::string& requiredPreference = {});
 
     /// Creates an object of the registered type \p typeName, bearing that name, and
-    /// connects its output of the slot's type to \p slot of \p object. Null, a
-    /// warning, and the slot as it was, if there is no such type or output. Null, too,
-    /// while an object of that type is being created in this way for another slot: a
-    /// provider that needs a provider of its own kind keeps its own value.
+    /// connects its output of the slot's type to \p slot of \p object. Returns
+    /// null with a warning, and leaves the slot as it was, if the type or the output does
+    /// not exist. Returns null, too, while this function creates an object of that type for
+    /// another slot: a provider that needs a provider of its own kind keeps its own value.
     static StrongPtr<VObject> attachNewObject(VObject* object, const StrongPtr<VSlot>& slot,
                                               const std::string& typeName,
                                               const StrongPtr<VCreationPreferences>& preferences);

@@ -78,13 +78,13 @@ public:
     bool isEnabled() const noexcept { return m_enabled; }
     void setEnabled(bool enabled) noexcept;
 
-    /// The variable in \p pool, or its component \p member. Creates nothing: null
-    /// where there is no variable, for a null pool, and with \p enabled false.
+    /// The variable in \p pool, or its component \p member. Creates nothing:
+    /// returns null if the variable is missing, for a null pool, and with \p enabled false.
     StrongPtr<VValueBase> getValueBase(const StrongPtr<ValuePool>& pool, const std::string& member = {},
                                        bool enabled = true) const;
 
-    /// As `getValueBase`, but creates the variable where there is none. Null also for
-    /// a pool that belongs to another network.
+    /// As `getValueBase`, but creates a missing variable. Returns null for a pool that
+    /// belongs to another network, too.
     StrongPtr<VValueBase> getLocalValue(const StrongPtr<ValuePool>& pool, const std::string& member = {},
                                         bool enabled = true) const;
 
@@ -109,8 +109,8 @@ public:
     /// The slots that read the parameter now, in no particular order.
     const std::vector<VSlot*>& readers() const noexcept { return m_readers; }
 
-    /// The slot that declared the parameter; null while there is none. Its container
-    /// keeps the parameter's variables, unless the slot reads another parameter now.
+    /// The slot that declared the parameter, or null. Frames of its container keep the
+    /// parameter's variables, unless the slot reads another parameter now.
     VSlot* slot() const noexcept { return m_slot; }
 
 private:

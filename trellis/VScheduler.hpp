@@ -80,7 +80,7 @@ public:
     /// Runs what is due in the request's pool, and what becomes due by it, until
     /// nothing is. An update that throws or returns false is reported through
     /// `VActionNotifier::Warning` with the object's name; objects that do not read its
-    /// outputs go on.
+    /// outputs run as usual.
     static Summary run(VRequest& request);
 
     /// As above, without progress or cancellation.

@@ -65,28 +65,28 @@ public:
     const std::type_info& type() const { return m_ownParameter->valueType(); }
 
     /// The value that the slot refers to in \p pool, its component if it names a
-    /// member; null where there is no value.
+    /// member; null if the value is missing.
     StrongPtr<VValueBase> getValueBase(const StrongPtr<ValuePool>& pool) const;
 
-    /// As `getValueBase`, but creates the variable where there is none.
+    /// As `getValueBase`, but creates a missing variable.
     StrongPtr<VValueBase> getLocalValue(const StrongPtr<ValuePool>& pool) const;
 
-    /// Reads \p text into the slot's value in \p pool, which is created where there is
-    /// none, and announces the change. Returns false, and changes nothing, if the text
-    /// is refused or there is no pool.
+    /// Reads \p text into the slot's value in \p pool, creating the variable if it is
+    /// missing, and announces the change. Returns false, and changes nothing, if the text
+    /// is refused or \p pool is null.
     bool set(const StrongPtr<ValuePool>& pool, const std::string& text) const;
 
     /// Writes \p value and announces the change. Returns false, and changes nothing, if
-    /// the slot's values are not of type \p T; there is no conversion, so pass `5.0` to
-    /// a slot of type `double`. Include `fathom/VValue.hpp` to use it.
+    /// the slot's values are not of type \p T. Types are not converted: pass `5.0` to a
+    /// slot of type `double`. Include `fathom/VValue.hpp` to use it.
     template<class T>
         requires(!std::convertible_to<const T&, std::string>)
     bool set(const StrongPtr<ValuePool>& pool, const T& value) const;
 
-    /// The slot's value in \p pool as text; nothing where there is no value.
+    /// The slot's value in \p pool as text; empty if the value is missing.
     std::optional<std::string> text(const StrongPtr<ValuePool>& pool) const;
 
-    /// A copy of the slot's value in \p pool; nothing where there is no value of type
+    /// A copy of the slot's value in \p pool; empty if the value is missing or not of type
     /// \p T. Include `fathom/VValue.hpp` to use it.
     template<class T>
     std::optional<T> get(const StrongPtr<ValuePool>& pool) const;
@@ -136,7 +136,7 @@ public:
     /// slots there are; the gap is closed before the slots are visited again.
     bool remove(const VSlot& slot) noexcept;
 
-    /// Null if there is no slot of that name.
+    /// The slot of that name, or null.
     const StrongPtr<VSlot>& find(const std::string& name) const;
 
     std::size_t size() const noexcept { return m_slots.size() - m_gaps; }

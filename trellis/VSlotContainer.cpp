@@ -135,7 +135,7 @@ bool VSlotContainer::attachParameter(const StrongPtr<VParameter>& parameter, con
                                      const std::string& member, std::string* reason)
 {
     if (parameter && slot && parameter != slot->ownParameter()) {
-        // An input of another container stands for whatever that input reads.
+        // A slot attached to another container's input reads what that input reads.
         if (VSlot* const passing = Detail::Wiring::passingSlot(*parameter))
             return connect(passing->parameter(), slot, VValueComponents::join(passing->member(), member), passing,
                            reason);

@@ -94,7 +94,7 @@ public:
     /// Connects the input \p slot of this container to \p parameter, or to its
     /// component \p member; an existing connection is replaced. If the parameter is
     /// another container's input, the slot reads what that input reads, also when it is
-    /// reconnected. If the types differ, if there is no such component, or if the
+    /// reconnected. If the types differ, the component does not exist, or the
     /// containers belong to different networks, nothing changes and the result is
     /// false; the reason goes to \p reason or, without one, to
     /// `VActionNotifier::Warning`.
@@ -121,7 +121,7 @@ public:
     void keepsState();
 
     /// Declares that the object runs although an input comes from an update that failed.
-    /// `VRequest::hasFailed` tells its update which inputs those are.
+    /// Its update asks `VRequest::hasFailed` which inputs failed.
     void acceptsFailedInputs();
 
     /// The processing object that the container is part of, or null.

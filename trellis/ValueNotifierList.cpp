@@ -23,7 +23,7 @@ std::mutex& shadowsMutex()
 struct ValueNotifierList::Listeners {
     struct Entry {
         WeakPtrImpl<VValueListener> listener;
-        std::uint64_t number = 0; // tells whether a listener was removed and added again
+        std::uint64_t number = 0; // differs after a listener is removed and added again
     };
 
     std::mutex mutex;

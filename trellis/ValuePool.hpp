@@ -45,7 +45,7 @@ public:
     /// name. Replaces what the pool held for the parameter and under the name.
     void createVariable(const VParameter* parameter, const StrongPtr<VValueBase>& value);
 
-    /// The variable of \p parameter; null if there is no variable.
+    /// The variable of \p parameter, or null.
     StrongPtr<VValueBase> findVariable(const VParameter& parameter) const
     {
         return StrongPtr<VValueBase>(lookUp(parameter));
@@ -57,9 +57,9 @@ public:
     /// How many parameters have a variable in the pool.
     std::size_t variableCount() const;
 
-    /// The pool itself. While objects of one pool run concurrently, each update gets a
-    /// pool of its own that stands for the one that is evaluated; this is the latter.
-    /// Null once that pool is destroyed.
+    /// The pool that is evaluated. This is the pool itself, except in concurrent updates:
+    /// each gets a view, a pool object of its own that shares the variables of the
+    /// evaluated one. Null once the evaluated pool is destroyed.
     StrongPtr<ValuePool> root() const;
 
     /// The frame of the update that runs with this pool; null outside of updates.
@@ -73,11 +73,11 @@ private:
     friend class Detail::PoolState;
     friend class Detail::Update;
 
-    /// A pool that stands for the one of \p state in one update.
+    /// A view of the pool of \p state.
     explicit ValuePool(Detail::PoolState& state);
 
     std::string m_name;
-    Detail::PoolState* m_state = nullptr; // owned, unless the pool stands for another one
+    Detail::PoolState* m_state = nullptr; // owned, unless the pool is a view
     VFrame* m_running = nullptr;
     bool m_isView = false;
 };

@@ -70,7 +70,7 @@ TEST_F(VNetworkTest, showsItsOwnObjectsAlone)
     VManagedObject::remove(outside);
 }
 
-TEST_F(VNetworkTest, takesItsObjectsValuesAndConnectionsAlongWhenItIsDestroyed)
+TEST_F(VNetworkTest, removesItsObjectsValuesAndConnectionsWhenItIsDestroyed)
 {
     const auto pool = Loam::makeStrong<ValuePool>("pool");
     {
@@ -218,7 +218,7 @@ TEST_F(VNetworkTest, mayBeDestroyedByAnUpdateOfItsOwn)
     const VScheduler::Summary summary = VScheduler::run(pool);
     EXPECT_EQ(summary.outcome, VScheduler::Outcome::Done);
     EXPECT_EQ(summary.updates, 2u);
-    EXPECT_EQ(readAfterwards, 7) << "the update goes on with the values that it has";
+    EXPECT_EQ(readAfterwards, 7) << "the update continues with the values that it has";
     EXPECT_EQ(other->runs, 0u);
     EXPECT_EQ(Node::living, 1u);
 }

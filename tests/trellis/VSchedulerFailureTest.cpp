@@ -272,11 +272,11 @@ TEST_F(VSchedulerFailureTest, isObserved)
         void ended(const VObject& object, Result result) noexcept override
         {
             if (result == Result::Failed)
-                heard.push_back(object.Name() + " failed");
+                events.push_back(object.Name() + " failed");
         }
-        void startedWaiting(const VObject& object) noexcept override { heard.push_back(object.Name() + " waits"); }
-        void stoppedWaiting(const VObject& object) noexcept override { heard.push_back(object.Name() + " goes on"); }
-        std::vector<std::string> heard;
+        void startedWaiting(const VObject& object) noexcept override { events.push_back(object.Name() + " waits"); }
+        void stoppedWaiting(const VObject& object) noexcept override { events.push_back(object.Name() + " continues"); }
+        std::vector<std::string> events;
     } listener;
     const auto source = makeNode("source");
     const auto reader = makeNode("reader");
@@ -289,7 +289,7 @@ TEST_F(VSchedulerFailureTest, isObserved)
     source->work = nullptr;
     VScheduler::schedule(source, 0, pool);
     run();
-    EXPECT_THAT(listener.heard, ElementsAre("source failed", "reader waits", "reader goes on"));
+    EXPECT_THAT(listener.events, ElementsAre("source failed", "reader waits", "reader continues"));
     VScheduler::observe(pool, nullptr);
 }
 

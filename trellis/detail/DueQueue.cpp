@@ -55,7 +55,7 @@ void DueQueue::sortIn() noexcept
     }
     if (!m_unsorted.first)
         return;
-    // Memory is still short: the earliest one goes first, wherever it is.
+    // Memory is still short: move the earliest frame to the front.
     VFrame* earliest = m_unsorted.first;
     VFrame* before = nullptr;
     for (VFrame* each = m_unsorted.first; each->m_nextDue; each = each->m_nextDue) {

@@ -165,7 +165,7 @@ PoolState::~PoolState()
         else
             m_network->gate.endChange();
     }
-    // Values may be the last holders of objects, whose own frames are gone by now.
+    // Values may be the last holders of objects. The objects have no frames here any more.
     for (DueQueue* queue : {&due, &nextRound}) {
         while (!queue->empty()) {
             VFrame& frame = queue->pop();
@@ -364,7 +364,7 @@ void PoolState::dropFrame(VFrame& frame) noexcept
         ++m_deadCount;
     }
     if (frame.m_isUpdating) {
-        // The update goes on with the values that it has.
+        // The update continues with the values that it has.
         const std::uint32_t count = frame.cellCount();
         for (std::uint32_t cell = 0; cell < count; ++cell) {
             forgetReaders(frame, cell);

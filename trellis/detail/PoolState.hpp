@@ -80,14 +80,14 @@ public:
 
     // Variables
 
-    /// Creates nothing: null where there is no variable.
+    /// The variable of \p parameter, or null; creates nothing.
     VValueBase* find(const VParameter& parameter) noexcept;
 
     /// The variable of \p parameter, made if it is missing; null for a parameter of
     /// another network.
     StrongPtr<VValueBase> make(const VParameter& parameter);
 
-    /// The value that \p slot refers to; null where there is none.
+    /// The value that \p slot refers to, or null.
     StrongPtr<VValueBase> find(const VSlot& slot);
     StrongPtr<VValueBase> make(const VSlot& slot);
 
@@ -155,7 +155,7 @@ public:
     /// Appends the frames that read a value of \p frame now.
     void collectReaders(const VFrame& frame, std::vector<VFrame*>& readers);
 
-    /// A pool of its own for one update.
+    /// A view of the pool for one thread's updates.
     StrongPtr<ValuePool> makeView();
 
     /// Queues the frames that wait for the next round of a loop.
@@ -354,7 +354,7 @@ private:
     std::vector<NamedVariable> m_names;
     std::unordered_map<std::string, std::size_t> m_nameIndex; // only for many variables
     IdTable<double> m_precisions;  // by frame
-    std::vector<ValuePool*> m_views; // pools that stand for this one
+    std::vector<ValuePool*> m_views; // of this pool
     std::size_t m_deadCount = 0;     // dead frames in the queues
     bool m_isOutOfOrder = false;
 };
