@@ -44,9 +44,8 @@ public:
         OwnInput = 0x0200,    ///< the container reads the value itself
         Rewired = 0x0400,     ///< reads another value than in the last update that succeeded
         FromFailed = 0x0800,  ///< the value comes from a destroyed object whose update had failed
-        StaysValid = 0x1000,  ///< an output that is valid also after an update that failed
-        Unannounced = 0x2000, ///< a change could not be announced for lack of memory
-        Missing = 0x4000      ///< the value comes from an update that failed or waits
+        Unannounced = 0x1000, ///< a change could not be announced for lack of memory
+        Missing = 0x2000      ///< the value comes from an update that failed or waits
     };
 
     struct Cell {
@@ -119,6 +118,10 @@ private:
 #endif
     }
 
+    /// True while the object's own update writes. Such an object knows about the inputs
+    /// that it writes itself.
+    bool isWriting() const noexcept { return m_isUpdating && !m_hasReturned; }
+
     /// False for an object that simply runs.
     bool needsPreparation() const noexcept
     {
@@ -144,6 +147,7 @@ private:
     // A thread that runs an update concurrently does not touch these.
     std::uint16_t m_isDue : 1 = false;
     std::uint16_t m_isUpdating : 1 = false;
+    std::uint16_t m_hasReturned : 1 = false; // its update; what it wrote is not announced yet
     std::uint16_t m_isStale : 1 = true; // cells must be worked out before the next update
     std::uint16_t m_hasFailed : 1 = false;
     std::uint16_t m_isWaiting : 1 = false; // for an object that failed

@@ -85,7 +85,6 @@ public:
 
 private:
     friend class Detail::NetworkObjects;
-    friend class VNetwork;
 
     std::string m_name;
     Detail::NetworkCore* m_network; // owned

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 #include <typeinfo>
+#include <utility>
 
 namespace Orla {
 

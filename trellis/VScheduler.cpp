@@ -5,6 +5,7 @@
 #include <trellis/VExecutor.hpp>
 
 #include <algorithm>
+#include <optional>
 
 namespace Orla {
 
@@ -25,6 +26,20 @@ VFrame* frameOf(const VObject& object, const StrongPtr<ValuePool>& pool) noexcep
     return state ? state->findFrame(object) : nullptr;
 }
 
+// Keeps other threads from removing frames of the pool, as long as it lives.
+class PoolUse {
+public:
+    explicit PoolUse(const StrongPtr<ValuePool>& pool)
+    {
+        const PoolState* const state = stateOf(pool);
+        if (state && state->network())
+            m_use.emplace(*state->network());
+    }
+
+private:
+    std::optional<Detail::UseScope> m_use;
+};
+
 } // namespace
 
 VExecutor::~VExecutor() = default;
@@ -34,6 +49,7 @@ bool VScheduler::schedule(const StrongPtr<VObject>& object, double precision, co
     if (!object || !object->isRequestProcessingEnabled() || !pool || !pool->root())
         return false;
     PoolState& state = pool->stateOrNew();
+    const Detail::UseScope use{*object->wiring().network};
     VFrame* const frame = state.frame(*object);
     if (!frame)
         return false;
@@ -64,18 +80,21 @@ std::size_t VScheduler::scheduleAll(const StrongPtr<ValuePool>& pool)
 
 bool VScheduler::isDue(const StrongPtr<VObject>& object, const StrongPtr<ValuePool>& pool)
 {
+    const PoolUse use{pool};
     const VFrame* const frame = object ? frameOf(*object, pool) : nullptr;
     return frame && PoolState::isDue(*frame);
 }
 
 bool VScheduler::isDue(const StrongPtr<ValuePool>& pool)
 {
+    const PoolUse use{pool};
     const PoolState* const state = Orla::stateOf(pool);
     return state && state->dueCount > 0;
 }
 
 VScheduler::State VScheduler::stateOf(const VObject& object, const StrongPtr<ValuePool>& pool)
 {
+    const PoolUse use{pool};
     const VFrame* const frame = frameOf(object, pool);
     return frame ? PoolState::stateOf<State>(*frame) : State::NotRun;
 }
@@ -83,6 +102,7 @@ VScheduler::State VScheduler::stateOf(const VObject& object, const StrongPtr<Val
 std::vector<StrongPtr<VObject>> VScheduler::waitingFor(const VObject& object, const StrongPtr<ValuePool>& pool)
 {
     std::vector<StrongPtr<VObject>> failed;
+    const PoolUse use{pool};
     PoolState* const state = Orla::stateOf(pool);
     VFrame* const frame = frameOf(object, pool);
     if (!frame)
@@ -103,8 +123,6 @@ bool VScheduler::observe(const StrongPtr<ValuePool>& pool, Observer* observer)
 
 VScheduler::Summary VScheduler::run(const StrongPtr<ValuePool>& pool)
 {
-    if (!isDue(pool))
-        return {};
     VRequest request(pool);
     return run(request);
 }
@@ -117,17 +135,20 @@ VScheduler::Summary runWith(VRequest& request, Arguments&... arguments)
 {
     VScheduler::Summary summary;
     PoolState* const state = stateOf(request.valuePool());
-    if (!state || !state->network() || (state->dueCount == 0 && !state->hasPending)) {
-        summary.waiting = state ? state->waitingCount : 0;
+    if (!state || !state->network())
+        return summary;
+    // Both outlive the run, whatever objects do with their pointers.
+    const StrongPtr<ValuePool> pool = request.valuePool()->root();
+    const StrongPtr<Detail::NetworkCore> network(state->network());
+    const Detail::UseScope use{*network};
+    if (state->dueCount == 0 && !state->hasPending) {
+        summary.waiting = state->waitingCount;
         return summary;
     }
     if (state->isRunning) {
         summary.outcome = VScheduler::Outcome::Busy;
         return summary;
     }
-    // Both outlive the run, whatever objects do with their pointers.
-    const StrongPtr<ValuePool> pool = request.valuePool()->root();
-    const StrongPtr<Detail::NetworkCore> network(state->network());
     return Run{*state, request, arguments...}.run();
 }
 

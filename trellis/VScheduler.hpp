@@ -90,7 +90,9 @@ public:
     /// thread and in those of \p executor. Values, and the order in which listeners,
     /// observers and action notifiers are notified, are the same as without it; they are
     /// notified in this thread, after the update has returned. While an object runs, it
-    /// may use its own inputs and outputs, and schedule objects.
+    /// may use its own inputs and outputs, and schedule objects. A listener may write to
+    /// any object; while values in the pool have listeners, objects therefore run
+    /// concurrently only if they have the same evaluation order.
     ///
     /// What \p executor throws reaches the caller after the updates that were started
     /// have ended; what was not run stays due.

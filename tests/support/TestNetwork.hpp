@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstddef>
 #include <functional>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -124,6 +125,21 @@ inline bool connect(const StrongPtr<Node>& from, const StrongPtr<Node>& to, cons
                     const std::string& member = {}, const std::string& output = "out")
 {
     return to->attachOutput(from->findOutput(output), to->findSlot(input), member);
+}
+
+/// A network without loops, of objects with the inputs "x" and "y". The object's number is
+/// its name; an input reads an earlier object or nothing.
+inline std::vector<StrongPtr<Node>> makeRandomNetwork(std::mt19937& random, std::size_t count)
+{
+    std::vector<StrongPtr<Node>> nodes;
+    for (std::size_t i = 0; i < count; ++i) {
+        nodes.push_back(makeNode(std::to_string(i), {"x", "y"}));
+        for (const char* input : {"x", "y"}) {
+            if (i > 0 && random() % 4 != 0)
+                connect(nodes[random() % i], nodes[i], input);
+        }
+    }
+    return nodes;
 }
 
 /// Makes all objects due in the pool and runs them.

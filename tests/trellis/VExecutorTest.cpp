@@ -136,19 +136,12 @@ TEST_F(VExecutorTest, givesTheSameResultsAndNotificationsAsASerialRun)
 #else
     constexpr unsigned Networks = 2000;
 #endif
-    Threads none{0};
     for (unsigned seed = 0; seed < Networks; ++seed) {
         std::mt19937 random(seed);
-        const std::size_t count = 4 + random() % 20;
-        Nodes nodes;
-        for (std::size_t i = 0; i < count; ++i) {
-            nodes.push_back(makeNode(std::to_string(i), {"x", "y"}));
-            for (const char* input : {"x", "y"}) {
-                if (i > 0 && random() % 3 != 0)
-                    connect(nodes[random() % i], nodes[i], input);
-            }
+        const Nodes nodes = makeRandomNetwork(random, 4 + random() % 20);
+        for (const StrongPtr<Node>& node : nodes) {
             if (random() % 8 == 0)
-                nodes[i]->work = [](Node&, VRequest&, double) { return false; };
+                node->work = [](Node&, VRequest&, double) { return false; };
         }
         std::vector<std::string> serial;
         std::vector<std::string> concurrent;
@@ -306,4 +299,75 @@ TEST_F(VExecutorTest, recordsWhatUpdatesScheduleForItsTurn)
     Threads threads;
     run(pool, threads);
     EXPECT_THAT(precisions, ElementsAre(4));
+}
+
+namespace {
+
+// Writes a number to an object's input as soon as a value changes.
+struct Writing final : VValueListener {
+    explicit Writing(StrongPtr<VSlot> theInput) : input{std::move(theInput)} {}
+    void valueChanged(const ValueNotifierList&, const StrongPtr<ValuePool>& pool) override
+    {
+        Node::write(pool, input, 5.0);
+    }
+    StrongPtr<VSlot> input;
+};
+
+} // namespace
+
+TEST_F(VExecutorTest, runsAnObjectAgainAfterAListenerWroteItsInput)
+{
+    const auto first = makeNode("first");
+    const auto second = makeNode("second");
+    const auto listener = Loam::makeStrong<Writing>(second->findSlot("in"));
+    first->findOutput("out")->parameter()->addListener(listener);
+    for (const StrongPtr<Node>& node : {first, second})
+        VScheduler::schedule(node, 0, pool);
+    Threads threads;
+    EXPECT_EQ(run(pool, threads).outcome, VScheduler::Outcome::Done);
+    EXPECT_EQ(second->read(pool, "out"), 6);
+    EXPECT_FALSE(VScheduler::isDue(pool));
+}
+
+TEST_F(VExecutorTest, showsAnObjectWhatAListenerWroteBeforeItsTurn)
+{
+    // "deep" would be ready long before "slow" returns.
+    const auto slow = makeNode("slow");
+    slow->work = [](Node& self, VRequest& request, double) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        return self.writeSum(request.valuePool());
+    };
+    const auto source = makeNode("source");
+    const auto deep = makeNode("deep", {"x", "y"});
+    connect(source, deep, "x");
+    const auto listener = Loam::makeStrong<Writing>(deep->findSlot("y"));
+    slow->findOutput("out")->parameter()->addListener(listener);
+    for (const StrongPtr<Node>& node : {source, slow})
+        VScheduler::schedule(node, 0, pool);
+    Threads threads;
+    run(pool, threads);
+    EXPECT_EQ(deep->read(pool, "out"), 7);
+    EXPECT_EQ(deep->runs, 1u);
+}
+
+TEST_F(VExecutorTest, runsAnObjectAgainThatIsScheduledAfterAnEarlyStart)
+{
+    Meeting meeting;
+    const auto source = makeNode("source");
+    const auto deep = makeNode("deep");
+    connect(source, deep);
+    std::vector<double> precisions;
+    deep->work = [&](Node&, VRequest&, double precision) {
+        precisions.push_back(precision);
+        return meeting.wait();
+    };
+    const auto slow = makeNode("slow");
+    slow->work = [&](Node&, VRequest& request, double) {
+        return meeting.wait() && VScheduler::schedule(deep, 3, request.valuePool());
+    };
+    for (const StrongPtr<Node>& node : {source, slow})
+        VScheduler::schedule(node, 0, pool);
+    Threads threads;
+    EXPECT_EQ(run(pool, threads).failures, 0u);
+    EXPECT_THAT(precisions, ElementsAre(0, 3));
 }

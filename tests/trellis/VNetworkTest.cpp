@@ -19,6 +19,12 @@ protected:
         return node;
     }
 
+    static StrongPtr<Node> makeNodeIn(VNetwork& network)
+    {
+        const VNetwork::Scope scope{network};
+        return makeNode("inside");
+    }
+
     static std::vector<std::string> namesOfObjects()
     {
         std::vector<std::string> names;
@@ -122,11 +128,7 @@ TEST_F(VNetworkTest, leavesObjectsThatAreHeldWithoutConnections)
 TEST_F(VNetworkTest, refusesConnectionsToAnotherNetwork)
 {
     VNetwork network;
-    StrongPtr<Node> inside;
-    {
-        const VNetwork::Scope scope{network};
-        inside = makeNode("inside");
-    }
+    const auto inside = makeNodeIn(network);
     const auto outside = makeNode("outside");
     std::string reason;
     EXPECT_FALSE(outside->attachOutput(inside->findOutput("out"), outside->findSlot("in"), "", &reason));
@@ -142,11 +144,7 @@ TEST_F(VNetworkTest, refusesConnectionsToAnotherNetwork)
 TEST_F(VNetworkTest, refusesPoolsThatAnotherNetworkUses)
 {
     VNetwork network;
-    StrongPtr<Node> inside;
-    {
-        const VNetwork::Scope scope{network};
-        inside = makeNode("inside");
-    }
+    const auto inside = makeNodeIn(network);
     const auto outside = makeNode("outside");
     const auto pool = Loam::makeStrong<ValuePool>("pool");
     EXPECT_TRUE(VScheduler::schedule(inside, 0, pool));

@@ -286,6 +286,27 @@ TEST_F(VSchedulerTest, runsAChainOfAMillionObjectsBuiltFromEitherEndOnAnOrdinary
     }
 }
 
+TEST_F(VSchedulerTest, leavesAReaderAloneThatIsBeingDestroyed)
+{
+    struct AtEnd {
+        ~AtEnd() { call(); }
+        std::function<void()> call;
+    };
+    // Its virtual bases, which hold the slots, are destroyed after `AtEnd`.
+    struct Dying : virtual VSkale, AtEnd, Node {
+        using Node::Node;
+    };
+    const auto source = makeNode("source");
+    auto reader = Loam::makeStrong<Dying>("reader");
+    reader->addInput("in");
+    reader->enableRequestProcessing();
+    connect(source, reader);
+    runAll({source, reader}, pool);
+    reader->call = [&] { Node::write(pool, source->findOutput("out"), 5.0); };
+    reader = nullptr;
+    EXPECT_FALSE(VScheduler::isDue(pool));
+}
+
 TEST_F(VSchedulerTest, runsEveryReaderOfOneOutputOnce)
 {
     const auto source = makeNode("source");

@@ -36,15 +36,7 @@ void inThreads(unsigned count, Function&& function)
 Nodes makeRandomNetwork(unsigned seed)
 {
     std::mt19937 random(seed);
-    Nodes nodes;
-    for (std::size_t i = 0; i < 6 + seed % 10; ++i) {
-        nodes.push_back(makeNode(std::to_string(i), {"x", "y"}));
-        for (const char* input : {"x", "y"}) {
-            if (i > 0 && random() % 4 != 0)
-                connect(nodes[random() % i], nodes[i], input);
-        }
-    }
-    return nodes;
+    return Orla::makeRandomNetwork(random, 6 + seed % 10);
 }
 
 class VSchedulerThreadsTest : public FrameworkTest {};
@@ -187,6 +179,64 @@ TEST_F(VSchedulerThreadsTest, letsAnUpdateRemoveItsObjectWhileOthersRunIt)
             }
         });
         EXPECT_TRUE(watch.expired());
+    }
+}
+
+TEST_F(VSchedulerThreadsTest, letsAnUpdateRemoveItsReaderWhileOthersEvaluate)
+{
+    for (int round = 0; round < 30; ++round) {
+        const auto source = makeNode("source");
+        WeakPtrImpl<Node> reader;
+        {
+            const auto made = makeNode("reader");
+            connect(source, made);
+            VObject::finishCreation(made);
+            reader = made;
+        }
+        std::atomic<int> updates{0};
+        source->work = [&](Node& self, VRequest& request, double) {
+            if (++updates == 5)
+                VManagedObject::remove(reader.lock());
+            return self.writeSum(request.valuePool());
+        };
+        inThreads(3, [&](unsigned) {
+            const auto pool = Loam::makeStrong<ValuePool>();
+            for (int i = 0; i < 10; ++i) {
+                VScheduler::schedule(source, 0, pool);
+                EXPECT_EQ(VScheduler::run(pool).outcome, VScheduler::Outcome::Done);
+            }
+        });
+        ASSERT_TRUE(reader.expired());
+    }
+}
+
+TEST_F(VSchedulerThreadsTest, letsAnUpdateDestroyItsNetworkWhileOthersEvaluate)
+{
+    for (unsigned round = 0; round < 30; ++round) {
+        auto network = std::make_unique<VNetwork>();
+        Nodes nodes;
+        {
+            const VNetwork::Scope scope{*network};
+            nodes = makeRandomNetwork(round);
+        }
+        std::atomic<int> updates{0};
+        nodes[3]->work = [&](Node& self, VRequest& request, double) {
+            if (++updates == 5)
+                network.reset();
+            return self.writeSum(request.valuePool());
+        };
+        inThreads(3, [&](unsigned) {
+            const auto pool = Loam::makeStrong<ValuePool>();
+            for (int i = 0; i < 10; ++i) {
+                for (const StrongPtr<Node>& node : nodes)
+                    VScheduler::schedule(node, 0, pool);
+                EXPECT_EQ(VScheduler::run(pool).outcome, VScheduler::Outcome::Done);
+            }
+            EXPECT_FALSE(VScheduler::isDue(pool));
+            EXPECT_FALSE(VScheduler::schedule(nodes[0], 0, pool));
+        });
+        ASSERT_FALSE(network);
+        ASSERT_EQ(nodes[0]->network(), nullptr);
     }
 }
 

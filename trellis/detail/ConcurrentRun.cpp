@@ -1,14 +1,12 @@
 #include <trellis/detail/ConcurrentRun.hpp>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <new>
 #include <optional>
-#include <string>
 #include <unordered_set>
 #include <utility>
 
@@ -46,10 +44,10 @@ public:
 
     std::optional<Update> update;
     std::vector<Event> events;
-    Update::Result result = Update::Result::Skipped;
-    State state = State::Waiting; // guarded by the team's lock
-    bool isReady = false;     // false if the object does not run
-    bool needsCount = true;   // its run was not counted yet
+    Update::Result result = Update::Result::Skipped; // this and the state are guarded by
+    State state = State::Waiting;                    // the team's lock
+    bool isReady = false;                            // false if the object does not run
+    bool needsCount = true;                          // its run was not counted yet
 };
 
 /// Jobs whose memory is used again, also by the next run in the pool.
@@ -75,35 +73,39 @@ public:
     /// Runs jobs until there are none left to start.
     void work(std::unique_lock<std::mutex>& lock, const StrongPtr<ValuePool>& view, VRequest& ownRequest)
     {
-        std::vector<Job*> mine;
+        std::vector<std::pair<Job*, Update::Result>> mine;
         while (!jobs.empty()) {
             // A few at a time, so that many short ones need the lock rarely.
             const std::size_t share = std::max<std::size_t>(1, jobs.size() / 8);
-            mine.assign(jobs.begin(), jobs.begin() + static_cast<std::ptrdiff_t>(share));
-            jobs.erase(jobs.begin(), jobs.begin() + static_cast<std::ptrdiff_t>(share));
+            const auto end = jobs.begin() + static_cast<std::ptrdiff_t>(share);
+            mine.clear();
+            for (auto job = jobs.begin(); job != end; ++job)
+                mine.emplace_back(*job, Update::Result::Skipped);
+            jobs.erase(jobs.begin(), end);
             lock.unlock();
-            for (Job* job : mine)
-                runJob(*job, *view, ownRequest);
+            for (auto& [job, result] : mine)
+                result = runJob(*job, *view, ownRequest);
             lock.lock();
-            for (Job* job : mine)
+            for (const auto& [job, result] : mine) {
+                job->result = result;
                 job->state = Job::State::Done;
+            }
             running -= mine.size();
             progressed.notify_all();
         }
     }
 
-    void runJob(Job& job, ValuePool& view, VRequest& ownRequest)
+    Update::Result runJob(Job& job, ValuePool& view, VRequest& ownRequest)
     {
         if (!job.isReady)
-            return;
-        if (cancellation.isCancelled()) {
-            job.result = Update::Result::Cancelled;
-            return;
-        }
+            return Update::Result::Skipped;
+        if (cancellation.isCancelled())
+            return Update::Result::Cancelled;
         network->gate.giveWay();
         Job* const outer = std::exchange(t_job, &job);
-        job.result = job.update->call(view, ownRequest);
+        const Update::Result result = job.update->call(view, ownRequest);
         t_job = outer;
+        return result;
     }
 
     /// What a task of the executor does.
@@ -200,7 +202,10 @@ public:
 thread_local ConcurrentRun::Job* ConcurrentRun::Team::t_job = nullptr;
 
 ConcurrentRun::ConcurrentRun(PoolState& pool, VRequest& request, VExecutor& executor)
-    : SerialRun{pool, request}, m_executor{executor}, m_team{std::make_shared<Team>(*this, pool, m_network, request)}, m_plan{m_team->planning}
+    : SerialRun{pool, request}
+    , m_executor{executor}
+    , m_team{std::make_shared<Team>(*this, pool, m_network, request)}
+    , m_plan{m_team->planning}
 {
     if (!m_pool.runMemory)
         m_pool.runMemory = std::make_unique<SpareJobs>();
@@ -220,20 +225,18 @@ ConcurrentRun::~ConcurrentRun()
     }
     m_pool.recorder = nullptr;
     // What was taken from the queue and not committed stays due.
-    const auto giveBack = [this](Job* job) {
-        if (!job || PoolState::isDead(job->update->frame()))
-            return;
-        try {
-            m_pool.setPrecision(job->update->frame(), job->update->precision());
-        } catch (const std::bad_alloc&) {
-            // The object is due all the same, with the number that it has by default.
-        }
-        m_pool.makeDue(job->update->frame());
-    };
-    for (const std::unique_ptr<Job>& job : m_batch)
-        giveBack(job.get());
+    for (const std::unique_ptr<Job>& job : m_batch) {
+        if (job)
+            giveBack(*job);
+    }
     for (const auto& [frame, job] : m_early)
-        giveBack(job.get());
+        giveBack(*job);
+}
+
+void ConcurrentRun::giveBack(Job& job) noexcept
+{
+    PoolState::setReturned(job.update->frame(), false);
+    m_pool.giveBack(job.update->frame(), job.update->precision());
 }
 
 std::recursive_mutex& ConcurrentRun::mutex() noexcept
@@ -312,11 +315,15 @@ VScheduler::Summary ConcurrentRun::run()
 void ConcurrentRun::takeBatch(VFrame& first)
 {
     const std::uint32_t order = PoolState::orderOf(first);
-    m_batch.push_back(makeJob(first));
+    const auto take = [this](VFrame& frame) {
+        m_batch.emplace_back(); // before the job, which must not get lost
+        m_batch.back() = makeJob(frame);
+    };
+    take(first);
     while (VFrame* const frame = m_pool.peekDue()) {
         if (PoolState::orderOf(*frame) != order || PoolState::isInLoop(*frame))
             break;
-        m_batch.push_back(makeJob(*m_pool.nextDue()));
+        take(*m_pool.nextDue());
     }
 }
 
@@ -335,9 +342,14 @@ std::unique_ptr<ConcurrentRun::Job> ConcurrentRun::makeJob(VFrame& frame)
         m_spare->jobs.pop_back();
     }
     job->update.emplace(frame);
-    job->isReady = job->update->prepare();
-    if (job->isReady)
-        m_pool.prepareToAnnounce(frame);
+    try {
+        job->isReady = job->update->prepare();
+        if (job->isReady)
+            m_pool.prepareToAnnounce(frame);
+    } catch (...) {
+        giveBack(*job);
+        throw;
+    }
     return job;
 }
 
@@ -374,15 +386,12 @@ bool ConcurrentRun::runBatch()
     {
         const std::lock_guard lock{team.mutex};
         for (const std::unique_ptr<Job>& job : m_batch) {
-            if (job->state == Job::State::Waiting && job->needsCount) {
-                job->needsCount = false;
-                if (job->isReady && !countRun(job->update->frame()))
-                    job->isReady = false;
-                job->state = Job::State::Running;
-                team.jobs.push_back(job.get());
-                ++team.running;
-                ++fresh;
-            }
+            if (job->state != Job::State::Waiting)
+                continue; // it started early
+            if (std::exchange(job->needsCount, false) && job->isReady && !countRun(job->update->frame()))
+                job->isReady = false;
+            start(*job);
+            ++fresh;
         }
     }
     // Objects behind these may start at once, if they do not depend on them.
@@ -431,6 +440,8 @@ bool ConcurrentRun::runBatch()
     lock.unlock();
 
     m_spare->jobs.reserve(m_spare->jobs.size() + m_batch.size());
+    for (const std::unique_ptr<Job>& job : m_batch)
+        PoolState::setReturned(job->update->frame(), true);
     for (std::unique_ptr<Job>& job : m_batch) {
         if (!commit(*job))
             return false;
@@ -440,11 +451,22 @@ bool ConcurrentRun::runBatch()
     return true;
 }
 
+// Hands a job to the threads, whose lock the caller holds.
+void ConcurrentRun::start(Job& job)
+{
+    m_team->jobs.push_back(&job);
+    ++m_team->running;
+    job.state = Job::State::Running;
+}
+
 // Starts objects that depend neither on one that runs nor on one that is to be run
 // first. What an update that is done has written counts as announced, although its turn
-// to announce has not come.
+// to announce has not come. A listener may write to any object before its turn, so
+// nothing starts early while values have listeners.
 void ConcurrentRun::startEarly(std::size_t effort)
 {
+    if (m_pool.hasListeners)
+        return;
     std::vector<VFrame*> blocking;
     std::vector<VFrame*> candidates;
     std::unordered_set<const VFrame*> taken;
@@ -454,9 +476,7 @@ void ConcurrentRun::startEarly(std::size_t effort)
         bool blocks = job.state != Job::State::Done || job.result != Update::Result::Succeeded;
         for (std::size_t i = 0; !blocks && i < job.events.size(); ++i) {
             const Job::Event& event = job.events[i];
-            // A listener may do anything, so what it is notified of waits for its turn.
-            blocks = event.announcement || event.isSchedule
-                  || (event.frame->flags(event.cell) & VFrame::Heard) != 0;
+            blocks = event.announcement || event.isSchedule;
         }
         if (blocks) {
             blocking.push_back(&frame);
@@ -529,15 +549,12 @@ void ConcurrentRun::startEarly(std::size_t effort)
             if (!counts) {
                 // It is looked at again when its turn comes.
                 if (job->isReady)
-                    m_pool.setPrecision(*frame, job->update->precision());
+                    giveBack(*job);
             } else {
                 job->needsCount = false;
-                job->state = Job::State::Running;
-                Job* const raw = job.get();
-                m_early.emplace(frame, std::move(job));
+                Job& early = keepEarly(*frame, std::move(job));
                 const std::lock_guard lock{m_team->mutex};
-                m_team->jobs.push_back(raw);
-                ++m_team->running;
+                start(early);
                 ++started;
             }
         }
@@ -548,15 +565,34 @@ void ConcurrentRun::startEarly(std::size_t effort)
         m_team->hasJobs.notify_all();
 }
 
+ConcurrentRun::Job& ConcurrentRun::keepEarly(VFrame& frame, std::unique_ptr<Job> job)
+{
+    try {
+        return *(m_early[&frame] = std::move(job));
+    } catch (...) {
+        giveBack(*job);
+        throw;
+    }
+}
+
 bool ConcurrentRun::commit(Job& job)
 {
+    VFrame& frame = job.update->frame();
+    PoolState::setReturned(frame, false);
     if (!job.isReady || job.result == Update::Result::Skipped)
         return true;
     if (m_pool.observer)
         m_pool.observer->began(job.update->object());
-    job.update->knowValuesOfNow();
+    // A listener that was notified of an earlier job may have written an input of this
+    // one. The object then runs again, as if its turn had come before that job's.
+    const bool isOutdated = PoolState::mustRunAgain(frame);
+    if (!isOutdated)
+        job.update->knowValuesOfNow();
     announce(job);
-    return finish(*job.update, job.result);
+    const bool goesOn = finish(*job.update, job.result);
+    if (isOutdated && !PoolState::isDead(frame))
+        m_pool.makeDue(frame);
+    return goesOn;
 }
 
 void ConcurrentRun::announce(Job& job)

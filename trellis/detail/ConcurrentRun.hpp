@@ -37,6 +37,9 @@ private:
 
     void takeBatch(VFrame& first);
     std::unique_ptr<Job> makeJob(VFrame& frame);
+    Job& keepEarly(VFrame& frame, std::unique_ptr<Job> job);
+    void start(Job& job);
+    void giveBack(Job& job) noexcept;
     void recycle(std::unique_ptr<Job> job);
     bool runBatch();
     void startEarly(std::size_t effort);

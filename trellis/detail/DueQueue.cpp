@@ -99,11 +99,6 @@ VFrame& DueQueue::front() noexcept
     return m_only ? *m_only : *nextBucket().first;
 }
 
-std::uint32_t DueQueue::frontOrder() noexcept
-{
-    return front().m_order;
-}
-
 VFrame& DueQueue::popAmongMany() noexcept
 {
     Bucket& bucket = nextBucket();

@@ -37,10 +37,6 @@ public:
     /// \pre The queue is not empty.
     VFrame& front() noexcept;
 
-    /// The order number of the next frame.
-    /// \pre The queue is not empty.
-    std::uint32_t frontOrder() noexcept;
-
     /// Calls \p function with the frames until it returns false, those at hand first.
     template<class Function>
     void forEach(Function&& function)

@@ -82,12 +82,8 @@ void FrameHooks::orderChanged(VSlotContainer& container) noexcept
 
 void FrameHooks::switchesChanged(VSlotContainer& container) noexcept
 {
-    forEachFrame(&container, [&container](VFrame& frame, PoolState& pool) {
+    forEachFrame(&container, [](VFrame& frame, PoolState& pool) {
         PoolState::readSwitches(frame);
-        container.outputs().forEach([&frame](const VSlot& slot) {
-            if (slot.hasFlag(VSlot::Output) && frame.hasCell(slot.place().cell))
-                setFlag(frame, slot.place().cell, VFrame::StaysValid, slot.hasFlag(VSlot::StaysValid));
-        });
         pool.updateWaiting(frame);
     });
 }
@@ -104,7 +100,10 @@ void FrameHooks::listenersChanged(const ValueNotifierList& list) noexcept
     const auto* const parameter = dynamic_cast<const VParameter*>(&list);
     if (!parameter)
         return;
-    forEachHomeCell(*parameter, [](VFrame& frame, std::uint32_t cell) { setFlag(frame, cell, VFrame::Heard, true); });
+    forEachHomeCell(*parameter, [](VFrame& frame, std::uint32_t cell) {
+        setFlag(frame, cell, VFrame::Heard, true);
+        PoolState::of(frame).hasListeners = true;
+    });
 }
 
 void FrameHooks::containerGone(VSlotContainer& container) noexcept
@@ -140,6 +139,8 @@ void FrameHooks::containerGone(VSlotContainer& container) noexcept
                     each.cell(reader->place().cell).link = nullptr;
             });
     });
+    // Nor do the objects that the container reads.
+    container.inputs().forEach([](const VSlot& slot) { readersChanged(*slot.parameter()); });
     for (VFrame* frame : *frames)
         PoolState::of(*frame).dropFrame(*frame);
 }

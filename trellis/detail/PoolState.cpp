@@ -40,6 +40,12 @@ const VSlot* homeSlot(const VParameter& parameter) noexcept
     return isKept ? slot : nullptr;
 }
 
+// True for an output whose value does not count after its object failed.
+bool isResult(const VSlot& slot) noexcept
+{
+    return slot.hasFlag(VSlot::Output) && !slot.hasFlag(VSlot::StaysValid);
+}
+
 // Calls `function` for each slot of the container that has a cell.
 template<class Function>
 void forEachCell(const VSlotContainer& container, Function&& function)
@@ -65,12 +71,12 @@ void VFrame::announce(std::uint32_t index)
     const std::uint16_t bits = flags(index);
     if (pool.observer) [[unlikely]] {
         const VParameter* const parameter = pool.parameterOf(*this, index);
-        if ((bits & OwnInput) != 0 && !m_isUpdating)
+        if ((bits & OwnInput) != 0 && !isWriting())
             pool.makeDue(*this, VObserver::Cause::Changed, parameter);
         pool.forEachKnownReader(*this, index,
                                 [&](VFrame& reader) { pool.makeDue(reader, VObserver::Cause::Changed, parameter); });
     } else {
-        if ((bits & OwnInput) != 0 && !m_isUpdating)
+        if ((bits & OwnInput) != 0 && !isWriting())
             pool.makeDue(*this);
         if ((bits & OneReader) != 0) {
             VFrame& reader = *static_cast<VFrame*>(cell(index).link);
@@ -379,18 +385,18 @@ void PoolState::dropFrame(VFrame& frame) noexcept
         freeFrame(frame);
     }
     if (m_deadCount > 0 && dueCount == 0) {
-        while (VFrame* const next = nextDue())
-            enqueue(*next); // cannot happen: all that is queued is dead
+        // All that is queued is dead.
+        for (DueQueue* queue : {&due, &nextRound}) {
+            while (!queue->empty())
+                discard(queue->pop());
+        }
     }
 }
 
 void PoolState::unlinkCell(VFrame& frame, std::uint32_t cell) noexcept
 {
-    if (frame.m_isDead)
-        return;
-    if (!frame.hasCell(cell))
-        return;
-    releaseCell(frame, cell);
+    if (!frame.m_isDead && frame.hasCell(cell))
+        releaseCell(frame, cell);
 }
 
 void PoolState::forgetRewiring(VFrame& frame) noexcept
@@ -439,10 +445,10 @@ VValueBase* PoolState::fillOwned(VFrame& frame, const VSlot& slot)
     std::uint16_t bits = static_cast<std::uint16_t>((frame.flags(index) & VFrame::Rewired) | VFrame::Owned);
     if (!parameter.isEnabled())
         bits |= VFrame::Off;
-    if (parameter.hasListeners())
+    if (parameter.hasListeners()) {
         bits |= VFrame::Heard;
-    if (slot.hasFlag(VSlot::StaysValid))
-        bits |= VFrame::StaysValid;
+        hasListeners = true;
+    }
     frame.flags(index) = bits;
     m_variables.erase(keyOf(&parameter));
     return value.get();
@@ -711,7 +717,6 @@ void PoolState::schedule(VFrame& frame, double precision)
 {
     if (recorder && recorder->recordSchedule(frame, precision)) [[unlikely]]
         return;
-    const UseScope use{*m_network}; // another thread may bring the evaluation order up to date
     setPrecision(frame, precision);
     makeDue(frame, VObserver::Cause::Scheduled);
 }
@@ -745,12 +750,12 @@ void PoolState::announce(const VParameter& parameter, const std::string& member)
 {
     if (recorder && recorder->recordChange(parameter, member)) [[unlikely]]
         return;
-    const VSlot* const home = homeSlot(parameter);
-    VFrame* const writer = home ? frame(*home->container()) : nullptr;
-    // Another thread may bring the evaluation order up to date.
+    // Another thread may bring the evaluation order up to date, or remove objects.
     std::optional<UseScope> use;
     if (m_network && !isRunning)
         use.emplace(*m_network);
+    const VSlot* const home = homeSlot(parameter);
+    VFrame* const writer = home ? frame(*home->container()) : nullptr;
     if (writer && member.empty()) {
         growCells(*writer, home->place().cell + 1);
         const bool isFilled = writer->cell(home->place().cell).value != nullptr;
@@ -767,7 +772,7 @@ void PoolState::announce(const VParameter& parameter, const std::string& member)
             continue;
         VFrame* const frame = this->frame(*container);
         // An object that writes an input of its own knows about it.
-        if (!frame || (frame->m_isUpdating && !reader.readsOthers()))
+        if (!frame || (frame->isWriting() && !reader.readsOthers()))
             continue;
         makeDue(*frame, VObserver::Cause::Changed, &parameter);
     }
@@ -783,7 +788,7 @@ void PoolState::announcePrototype(const VParameter& parameter)
             if (!container || !container->object() || reader.hasFlag(VSlot::Passive))
                 continue;
             VFrame* const frame = pool.frame(*container);
-            if (frame && !(frame->m_isUpdating && !reader.readsOthers()))
+            if (frame && !(frame->isWriting() && !reader.readsOthers()))
                 pool.makeDue(*frame, VObserver::Cause::Changed, &parameter);
         }
     };
@@ -864,47 +869,49 @@ void PoolState::enqueue(VFrame& frame) noexcept
     }
 }
 
+void PoolState::sortIfOutOfOrder() noexcept
+{
+    if (m_isOutOfOrder) [[unlikely]] {
+        m_isOutOfOrder = false;
+        due.sortAgain();
+        nextRound.sortAgain();
+    }
+}
+
+// Frees a dead frame that left its queue.
+void PoolState::discard(VFrame& dead) noexcept
+{
+    dead.m_isDue = false;
+    --m_deadCount;
+    if (!dead.m_isUpdating)
+        freeFrame(dead);
+}
+
 VFrame* PoolState::peekDue() noexcept
 {
-    while (true) {
-        if (m_isOutOfOrder) [[unlikely]] {
-            m_isOutOfOrder = false;
-            due.sortAgain();
-            nextRound.sortAgain();
-        }
-        if (due.empty())
-            return nullptr;
+    sortIfOutOfOrder();
+    while (!due.empty()) {
         VFrame& next = due.front();
-        if (!next.m_isDead)
+        if (!next.m_isDead) [[likely]]
             return &next;
-        due.pop();
-        --m_deadCount;
-        next.m_isDue = false;
-        if (!next.m_isUpdating)
-            freeFrame(next);
+        discard(due.pop());
     }
+    return nullptr;
 }
 
 VFrame* PoolState::nextDue() noexcept
 {
-    while (true) {
-        if (m_isOutOfOrder) [[unlikely]] {
-            m_isOutOfOrder = false;
-            due.sortAgain();
-            nextRound.sortAgain();
-        }
-        if (due.empty())
-            return nullptr;
+    sortIfOutOfOrder();
+    while (!due.empty()) {
         VFrame& next = due.pop();
-        next.m_isDue = false;
         if (!next.m_isDead) [[likely]] {
+            next.m_isDue = false;
             --dueCount;
             return &next;
         }
-        --m_deadCount;
-        if (!next.m_isUpdating)
-            freeFrame(next);
+        discard(next);
     }
+    return nullptr;
 }
 
 bool PoolState::startRound() noexcept
@@ -930,6 +937,19 @@ double PoolState::precision(const VFrame& frame) noexcept
     return frame.m_hasPrecision ? *m_precisions.find(keyOf(&frame)) : 0;
 }
 
+void PoolState::giveBack(VFrame& frame, double precision) noexcept
+{
+    if (frame.m_isDead)
+        return;
+    try {
+        if (!frame.m_hasPrecision) // or it was scheduled again meanwhile
+            setPrecision(frame, precision);
+    } catch (const std::bad_alloc&) {
+        // The object is due all the same, with the number that it has by default.
+    }
+    makeDue(frame);
+}
+
 double PoolState::takePrecision(VFrame& frame) noexcept
 {
     if (!frame.m_hasPrecision) [[likely]]
@@ -950,8 +970,7 @@ void PoolState::keepOutside(VFrame& frame, const VSlot& slot)
     const VParameter& parameter = *slot.parameter();
     Variable& entry = m_variables[keyOf(&parameter)];
     entry.value = StrongPtr<VValueBase>(frame.cell(cell).value);
-    entry.isFromFailed = slot.hasFlag(VSlot::Output) && !slot.hasFlag(VSlot::StaysValid)
-                      && (frame.m_hasFailed || frame.m_isWaiting);
+    entry.isFromFailed = isResult(slot) && lacksResults(frame);
     parameter.noteHolder(*m_pool);
     if (!entry.isFromFailed)
         return;
@@ -969,16 +988,21 @@ bool PoolState::isMissing(VFrame& frame, std::uint32_t cell) noexcept
     return frame.hasCell(cell) && (frame.flags(cell) & (VFrame::Missing | VFrame::FromFailed)) != 0;
 }
 
+// The frame of the object whose result `slot` reads; null if it reads something else.
+VFrame* PoolState::sourceOfResult(const VSlot& slot) noexcept
+{
+    const VSlot* const home = isHome(slot) ? nullptr : homeSlot(*slot.parameter());
+    return home && isResult(*home) ? findFrame(*home->container()) : nullptr;
+}
+
 void PoolState::markMissing(VFrame& frame) noexcept
 {
     frame.m_container->inputs().forEach([&](const VSlot& slot) {
         const std::uint32_t cell = slot.place().cell;
         if (!frame.hasCell(cell))
             return;
-        const VSlot* const home = isHome(slot) ? nullptr : homeSlot(*slot.parameter());
-        const bool isResult = home && home->hasFlag(VSlot::Output) && !home->hasFlag(VSlot::StaysValid);
-        const VFrame* const source = isResult ? findFrame(*home->container()) : nullptr;
-        const bool isMissing = source && (source->m_hasFailed || source->m_isWaiting);
+        const VFrame* const source = sourceOfResult(slot);
+        const bool isMissing = source && lacksResults(*source);
         std::uint16_t& flags = frame.flags(cell);
         flags = static_cast<std::uint16_t>(isMissing ? flags | VFrame::Missing : flags & ~VFrame::Missing);
     });
@@ -1009,16 +1033,9 @@ bool PoolState::readsMissing(VFrame& frame) noexcept
         if (isMissing || isHome(slot))
             return;
         const std::uint32_t cell = slot.place().cell;
-        if (frame.hasCell(cell)
-            && (frame.flags(cell) & VFrame::FromFailed) != 0) {
-            isMissing = true;
-            return;
-        }
-        const VSlot* const home = homeSlot(*slot.parameter());
-        if (!home || !home->hasFlag(VSlot::Output) || home->hasFlag(VSlot::StaysValid))
-            return;
-        const VFrame* const source = findFrame(*home->container());
-        isMissing = source && makesWait(*source, frame) && (source->m_hasFailed || source->m_isWaiting);
+        const VFrame* const source = sourceOfResult(slot);
+        isMissing = (frame.hasCell(cell) && (frame.flags(cell) & VFrame::FromFailed) != 0)
+                 || (source && makesWait(*source, frame) && lacksResults(*source));
     });
     return isMissing;
 }
@@ -1029,7 +1046,7 @@ template<class Function>
 void PoolState::forEachReader(VFrame& frame, Function&& function) noexcept
 {
     frame.m_container->outputs().forEach([&](const VSlot& slot) {
-        if (!slot.hasFlag(VSlot::Output) || slot.hasFlag(VSlot::StaysValid) || !isHome(slot))
+        if (!isResult(slot) || !isHome(slot))
             return;
         const std::vector<VSlot*>& readers = slot.parameter()->readers();
         for (std::size_t i = 0; i < readers.size(); ++i) {
@@ -1173,11 +1190,8 @@ std::vector<VObject*> PoolState::failedSources(VFrame& start)
     std::unordered_set<const VFrame*> seen{&start};
     for (std::size_t i = 0; i < path.size(); ++i) {
         path[i]->m_container->inputs().forEach([&](const VSlot& slot) {
-            const VSlot* const home = isHome(slot) ? nullptr : homeSlot(*slot.parameter());
-            if (!home || !home->hasFlag(VSlot::Output) || home->hasFlag(VSlot::StaysValid))
-                return;
-            VFrame* const source = findFrame(*home->container());
-            if (!source || !(source->m_hasFailed || source->m_isWaiting) || !seen.insert(source).second)
+            VFrame* const source = sourceOfResult(slot);
+            if (!source || !lacksResults(*source) || !seen.insert(source).second)
                 return;
             if (source->m_hasFailed)
                 failed.push_back(source->m_object);

@@ -98,7 +98,7 @@ public:
     /// Releases the variables of a parameter that is about to be destroyed.
     static void forgetEverywhere(const VParameter& parameter) noexcept;
 
-    /// Makes \p frame due as `VScheduler::schedule` does.
+    /// Makes \p frame due as `VScheduler::schedule` does. The caller uses the network.
     void schedule(VFrame& frame, double precision);
 
     /// Makes the objects due that read \p parameter, and notifies listeners.
@@ -146,6 +146,9 @@ public:
     }
 
     static bool isInLoop(const VFrame& frame) noexcept { return frame.m_isInLoop; }
+    /// True if the object became due or was scheduled after it had left the queue.
+    static bool mustRunAgain(const VFrame& frame) noexcept { return frame.m_isDue || frame.m_hasPrecision; }
+    static void setReturned(VFrame& frame, bool hasReturned) noexcept { frame.m_hasReturned = hasReturned; }
     static bool isDead(const VFrame& frame) noexcept { return frame.m_isDead; }
 
     /// Calls \p function with the frames that an announcement of the cell makes due.
@@ -167,6 +170,9 @@ public:
     void setPrecision(VFrame& frame, double precision);
     double precision(const VFrame& frame) noexcept;
     double takePrecision(VFrame& frame) noexcept;
+
+    /// Makes an object due that left the queue with \p precision and did not run.
+    void giveBack(VFrame& frame, double precision) noexcept;
 
     /// An object that has run this often in one pass is part of a loop that does not
     /// settle.
@@ -290,7 +296,8 @@ public:
     std::uint32_t roundEnd = ~std::uint32_t{0}; // what comes later must wait for the next round
     std::uint32_t pass = 0;
     bool isRunning = false;
-    bool hasPending = false; // something could not be announced for lack of memory
+    bool hasListeners = false; // a value in a cell has, or had, listeners
+    bool hasPending = false;   // something could not be announced for lack of memory
     std::size_t waitingCount = 0;
     VObserver* observer = nullptr;
     Recorder* recorder = nullptr; // while objects run concurrently
@@ -325,10 +332,14 @@ private:
     void enterName(const VParameter& parameter, const StrongPtr<VValueBase>& value);
     void removeName(const VParameter& parameter) noexcept;
     void releaseCell(VFrame& frame, std::uint32_t cell) noexcept;
+    void sortIfOutOfOrder() noexcept;
+    void discard(VFrame& dead) noexcept;
+    VFrame* sourceOfResult(const VSlot& slot) noexcept;
     const VParameter* parameterOf(const VFrame& frame, std::uint32_t cell) const noexcept;
     template<class Function>
     void forEachReader(VFrame& frame, Function&& function) noexcept;
     bool readsMissing(VFrame& frame) noexcept;
+    static bool lacksResults(const VFrame& frame) noexcept { return frame.m_hasFailed || frame.m_isWaiting; }
     static bool makesWait(const VFrame& source, const VFrame& reader) noexcept;
     void markWaiting(VFrame& start) noexcept;
     void release(VFrame& start) noexcept;

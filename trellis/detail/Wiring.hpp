@@ -55,8 +55,6 @@ public:
     /// Takes a slot that is about to be destroyed out of all lists.
     static void release(VSlot& slot) noexcept;
 
-    static void setSlot(VParameter& parameter, VSlot* slot) noexcept { parameter.m_slot = slot; }
-
 private:
     static std::uint32_t takeCell(VSlotContainer& container);
     static void giveCellBack(VSlot& slot);
