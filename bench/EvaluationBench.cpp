@@ -1,11 +1,12 @@
 // Evaluating in several pools and threads, reading components, and what it costs to
 // work next to 100,000 other objects.
 
+#include "Adder.hpp"
+
 #include <fathom/Action.hpp>
 #include <fathom/Double.hpp>
 #include <fathom/Range.hpp>
 #include <fathom/TimeDependent.hpp>
-#include <fathom/VOutput.hpp>
 
 #include <trellis/VExecutor.hpp>
 #include <trellis/VNetwork.hpp>
@@ -27,22 +28,6 @@
 using namespace Orla;
 
 namespace {
-
-class Adder : public VObject {
-public:
-    using VObject::VObject;
-
-    bool update(VRequest& request, double) override
-    {
-        const StrongPtr<ValuePool>& pool = request.valuePool();
-        sum(pool) << a.value(pool) + b.value(pool) + 1;
-        return true;
-    }
-
-    TypedSlot<double> a{this, "a", 0.0, 0};
-    TypedSlot<double> b{this, "b", 0.0, 0};
-    VOutput<double> sum{this, "sum", 0.0};
-};
 
 template<class T, class... Arguments>
 StrongPtr<T> announce(Arguments&&... arguments)
@@ -82,13 +67,6 @@ StrongPtr<ValuePool> evaluatedPool(const Adders& objects)
         VScheduler::schedule(object, 0, pool);
     VScheduler::run(pool);
     return pool;
-}
-
-void report(benchmark::State& state, std::size_t objects)
-{
-    state.counters["per_object"] =
-        benchmark::Counter(static_cast<double>(objects) * static_cast<double>(state.iterations()),
-                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 /// The pools take turns, so that nothing which one leaves behind helps the other.

@@ -2,8 +2,9 @@
 // version that does the same with nothing around it. Times are for one pass;
 // the counter "per_object" is what to compare.
 
+#include "Adder.hpp"
+
 #include <fathom/Double.hpp>
-#include <fathom/VOutput.hpp>
 
 #include <trellis/VScheduler.hpp>
 
@@ -17,22 +18,6 @@
 using namespace Orla;
 
 namespace {
-
-class Adder : public VObject {
-public:
-    using VObject::VObject;
-
-    bool update(VRequest& request, double) override
-    {
-        const StrongPtr<ValuePool>& pool = request.valuePool();
-        sum(pool) << a.value(pool) + b.value(pool) + 1;
-        return true;
-    }
-
-    TypedSlot<double> a{this, "a", 0.0, 0};
-    TypedSlot<double> b{this, "b", 0.0, 0};
-    VOutput<double> sum{this, "sum", 0.0};
-};
 
 class Network {
 public:
@@ -81,13 +66,6 @@ public:
     StrongPtr<ValuePool> pool{new ValuePool("bench")};
     std::vector<StrongPtr<Adder>> objects;
 };
-
-void report(benchmark::State& state, std::size_t objects)
-{
-    state.counters["per_object"] =
-        benchmark::Counter(static_cast<double>(objects) * static_cast<double>(state.iterations()),
-                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-}
 
 void runNetwork(benchmark::State& state, Network& network)
 {
