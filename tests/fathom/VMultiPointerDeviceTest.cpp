@@ -14,7 +14,7 @@ using Pointer = VMultiPointerDevice::Pointer;
 
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 static_assert(Pointer{1, 2, 3} == Pointer{1, 2, 3});
 
@@ -52,11 +52,11 @@ TEST(VMultiPointerDevice, equalsOneWithTheSamePointersInTheSamePlaces)
 
 TEST(VMultiPointerDevice, takesANanCoordinateForEqualToEveryOther)
 {
-    EXPECT_EQ(device({{1, nan, 20}}), device({{1, 10, 20}}));
-    EXPECT_EQ(device({{1, 10, 20}}), device({{1, 10, nan}}));
-    EXPECT_EQ(device({{1, nan, nan}}), device({{1, nan, nan}}));
-    EXPECT_NE(device({{1, nan, 20}}), device({{1, nan, 21}})) << "the other coordinate still counts";
-    EXPECT_NE(device({{1, nan, 20}}), device({{2, nan, 20}})) << "and so does the identifier";
+    EXPECT_EQ(device({{1, notANumber, 20}}), device({{1, 10, 20}}));
+    EXPECT_EQ(device({{1, 10, 20}}), device({{1, 10, notANumber}}));
+    EXPECT_EQ(device({{1, notANumber, notANumber}}), device({{1, notANumber, notANumber}}));
+    EXPECT_NE(device({{1, notANumber, 20}}), device({{1, notANumber, 21}})) << "the other coordinate still counts";
+    EXPECT_NE(device({{1, notANumber, 20}}), device({{2, notANumber, 20}})) << "and so does the identifier";
 }
 
 TEST(VMultiPointerDevice, hasNoTextForm)
