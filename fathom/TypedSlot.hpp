@@ -66,6 +66,8 @@ public:
         // The object itself declares this input.
         m_slot->clearFlag(VSlot::AddedLater);
         m_place = m_slot->place();
+        if constexpr (requires { VValueTrait<T>::sharesState; })
+            that->runsInTurn();
     }
 
     TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue, int expertLevel)

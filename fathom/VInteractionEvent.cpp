@@ -7,8 +7,10 @@ VInteractionEvent::InteractionGrabber::InteractionGrabber(const std::string& nam
 }
 
 VInteractionEvent::InteractionGrabber::InteractionGrabber(InteractionGrabber& other, const std::string& name)
-    : m_stack{other.m_stack}, m_name{name}
+    : m_name{name}
 {
+    const std::lock_guard lock{other.m_mutex};
+    m_stack = other.m_stack;
 }
 
 VInteractionEvent::InteractionGrabber::~InteractionGrabber() = default;
@@ -32,53 +34,57 @@ VInteractionEvent::VInteractionEvent(unsigned long long theKind, const StrongPtr
 
 VInteractionEvent::~VInteractionEvent() = default;
 
+// Calls `function` with the holder's entry, which is null if nothing that lives holds the
+// grab. Dead entries in front of it are dropped.
+template<class Function>
+bool VInteractionEvent::InteractionGrabber::withHolder(Function&& function)
+{
+    // Destroyed without the lock, because the data of a grab may be anything.
+    std::list<GrabReason> dropped;
+    const std::lock_guard lock{m_mutex};
+    while (!m_stack.empty() && m_stack.front().object.expired())
+        dropped.splice(dropped.begin(), m_stack, m_stack.begin());
+    return function(m_stack.empty() ? nullptr : &m_stack.front());
+}
+
 void VInteractionEvent::grab(const WeakPtrImpl<VObject>& obj, GrabReason::Type type, int value,
                              const StrongPtr<ChunkBase>& data)
 {
     if (obj.expired() || !grabber)
         return;
+    std::list<GrabReason> replaced;
+    std::list<GrabReason> entry;
+    entry.push_back({obj, type, value, data});
+    const std::lock_guard lock{grabber->m_mutex};
     std::list<GrabReason>& stack = grabber->m_stack;
-    if (stack.empty() || !(stack.front().object == obj))
-        stack.emplace_front().object = obj;
-    GrabReason& reason = stack.front();
-    reason.type = type;
-    reason.value = value;
-    reason.data = data;
+    if (!stack.empty() && stack.front().object == obj)
+        replaced.splice(replaced.begin(), stack, stack.begin());
+    stack.splice(stack.begin(), entry);
 }
 
 void VInteractionEvent::ungrab(const WeakPtrImpl<VObject>& obj)
 {
-    if (obj.expired() || !grabber || grabber->m_stack.empty())
+    if (obj.expired() || !grabber)
         return;
-    if (grabber->m_stack.front().object == obj)
-        grabber->m_stack.pop_front();
-}
-
-// The first living entry, with the dead ones before it dropped; null if nobody
-// holds the grab.
-const VInteractionEvent::GrabReason* VInteractionEvent::holder() const
-{
-    if (!grabber)
-        return nullptr;
+    std::list<GrabReason> ended;
+    const std::lock_guard lock{grabber->m_mutex};
     std::list<GrabReason>& stack = grabber->m_stack;
-    while (!stack.empty() && stack.front().object.expired())
-        stack.pop_front();
-    return stack.empty() ? nullptr : &stack.front();
+    if (!stack.empty() && stack.front().object == obj)
+        ended.splice(ended.begin(), stack, stack.begin());
 }
 
 bool VInteractionEvent::mayuse(const WeakPtrImpl<VObject>& obj) const
 {
-    // `obj` may stand in an entry that is dropped.
-    const auto* const asking = obj.referenceBlock();
-    const GrabReason* reason = holder();
-    return !reason || reason->object.referenceBlock() == asking;
+    return !grabber || grabber->withHolder([&](const GrabReason* holder) {
+        return !holder || holder->object.referenceBlock() == obj.referenceBlock();
+    });
 }
 
 bool VInteractionEvent::isMine(const WeakPtrImpl<VObject>& obj) const
 {
-    const auto* const asking = obj.referenceBlock();
-    const GrabReason* reason = holder();
-    return reason && reason->object.referenceBlock() == asking;
+    return grabber && grabber->withHolder([&](const GrabReason* holder) {
+        return holder && holder->object.referenceBlock() == obj.referenceBlock();
+    });
 }
 
 std::string VValueTrait<VInteractionEvent>::Text(const VInteractionEvent& event)

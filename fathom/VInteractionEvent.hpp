@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <list>
+#include <mutex>
 #include <string>
 
 namespace Orla {
@@ -32,7 +33,7 @@ public:
     };
 
     /// Who holds the pointer and the keyboard: a stack whose front is the current
-    /// holder.
+    /// holder. Events of one grabber may be used in several threads.
     class FATHOM_API InteractionGrabber : public Loam::ReferenceBase<InteractionGrabber> {
     public:
         explicit InteractionGrabber(const std::string& name);
@@ -43,12 +44,17 @@ public:
 
         const std::string& name() const noexcept { return m_name; }
 
-        /// Current holder first; entries may have died.
+        /// Current holder first; entries may have died. Not while another thread uses an
+        /// event of the grabber.
         const std::list<GrabReason>& stack() const noexcept { return m_stack; }
 
     private:
         friend class VInteractionEvent;
 
+        template<class Function>
+        bool withHolder(Function&& function);
+
+        mutable std::mutex m_mutex; // guards the stack
         std::list<GrabReason> m_stack;
         std::string m_name;
     };
@@ -114,12 +120,12 @@ public:
     std::int32_t clicks;
     StrongPtr<InteractionGrabber> grabber;
 
-private:
-    const GrabReason* holder() const;
 };
 
 template<>
 struct FATHOM_API VValueTrait<VInteractionEvent> {
+    static constexpr bool sharesState = true; ///< the grabber
+
     static std::string Text(const VInteractionEvent& event);
 
     /// Refuses every text.

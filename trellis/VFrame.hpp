@@ -157,6 +157,7 @@ private:
     std::uint16_t m_needsHold : 1 = true; // no registry keeps the object alive
     std::uint16_t m_keepsState : 1 = false;
     std::uint16_t m_acceptsFailed : 1 = false;
+    std::uint16_t m_runsInTurn : 1 = false; // not concurrently: a member of a loop, or as declared
     std::uint16_t m_hasPrecision : 1 = false;
     std::uint16_t m_hasRewired : 1 = false; // a cell has the flag `Rewired`
 };

@@ -214,6 +214,13 @@ void VSlotContainer::keepsState()
     Detail::FrameHooks::switchesChanged(*this);
 }
 
+void VSlotContainer::runsInTurn()
+{
+    const Detail::ChangeScope change{*m_wiring.network};
+    m_wiring.runsInTurn = true;
+    Detail::FrameHooks::switchesChanged(*this);
+}
+
 void VSlotContainer::acceptsFailedInputs()
 {
     const Detail::ChangeScope change{*m_wiring.network};

@@ -120,6 +120,12 @@ public:
     /// threads. Call it in the constructor.
     void keepsState();
 
+    /// Declares that the object shares more with others than the values that they read from
+    /// each other, such as who holds the pointer. Such objects run one after the other, in
+    /// the order of a serial evaluation, also where others run concurrently. Inputs of a
+    /// type whose `VValueTrait` has a member `sharesState` declare it for their object.
+    void runsInTurn();
+
     /// Declares that the object runs although an input comes from an update that failed.
     /// Its update asks `VRequest::hasFailed` which inputs failed.
     void acceptsFailedInputs();

@@ -1,5 +1,7 @@
 #include <fathom/VInteractionEvent.hpp> // first: proves that the header stands alone
 
+#include "support/Threads.hpp"
+
 #include <fathom/VOutput.hpp>
 
 #include <trellis/VActionNotifier.hpp>
@@ -8,7 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 using namespace Orla;
@@ -325,6 +329,52 @@ TEST(Interactive, objectsAllGetTheStreamOfTheOneSourceWhichIsMadeWhenMissing)
     EXPECT_EQ(one->seen, (std::vector<int>{-1, 10, 10, 20})) << "a repeated event is delivered too";
     EXPECT_EQ(two->seen, one->seen);
     EXPECT_TRUE(VManagedObject::remove(source));
+}
+
+// Grabs what it can, and notes whether it could.
+class Grabbing final : public VObject {
+public:
+    Grabbing(const std::string& name, std::chrono::milliseconds duration)
+        : VObject{name, 0, nullptr}, m_duration{duration}
+    {
+    }
+
+    bool update(VRequest& request, double) override
+    {
+        std::this_thread::sleep_for(m_duration);
+        VInteractionEvent event = m_event.value(request.valuePool());
+        const WeakPtrImpl<VObject> self = this;
+        holds = event.mayuse(self);
+        if (holds)
+            event.grab(self, GrabReason::Pointer, 0, nullptr);
+        return true;
+    }
+
+    const StrongPtr<VSlot>& eventSlot() const { return m_event.slot(); }
+
+    bool holds = false;
+
+private:
+    std::chrono::milliseconds m_duration;
+    TypedSlot<VInteractionEvent> m_event{this, "event", VInteractionEvent{}, 0};
+};
+
+TEST(VInteractionEvent, isSeenByItsReadersInTurnAlsoWhereObjectsRunConcurrently)
+{
+    const StrongPtr<ValuePool> pool(new ValuePool);
+    const VInteractionEvent event{VInteractionEvent::Press, Loam::makeStrong<Grabber>("stream")};
+    std::vector<StrongPtr<Grabbing>> objects;
+    for (int i = 0; i < 8; ++i) {
+        // The later ones would be the first to grab.
+        objects.push_back(Loam::makeStrong<Grabbing>(std::to_string(i), std::chrono::milliseconds(3 * (8 - i))));
+        objects.back()->enableRequestProcessing();
+        objects.back()->eventSlot()->set(pool, event);
+    }
+    VRequest request(pool);
+    Threads threads;
+    EXPECT_EQ(VScheduler::run(request, threads).updates, 8u);
+    for (const StrongPtr<Grabbing>& object : objects)
+        EXPECT_EQ(object->holds, object == objects.front()) << object->Name();
 }
 
 } // namespace

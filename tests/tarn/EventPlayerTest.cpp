@@ -30,6 +30,7 @@ TEST(EventPlayer, showsEachEventToWhoListens)
 TEST(EventPlayer, playsEventsAfterTheirStep)
 {
     const ProcessResult result = play("1 keydown a\n3 keydown b\n", clockInQuarters + listening);
+    EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "step,log\n0,\n1,\"6@-1,-1:0:0:a::0;\"\n2,\"6@-1,-1:0:0:a::0;\"\n"
                           "3,\"6@-1,-1:0:0:a::0;6@-1,-1:0:0:b::0;\"\n4,\"6@-1,-1:0:0:a::0;6@-1,-1:0:0:b::0;\"\n");
 }
@@ -40,6 +41,7 @@ TEST(EventPlayer, leavesTheGrabToWhoHoldsIt)
     const ProcessResult result = play("0 press 1 1\n0 move 2 2\n0 release 3 3\n0 move 4 4\n",
                                       object("first", "Listener") + object("second", "Listener")
                                           + column("first", "first.log") + column("second", "second.log"));
+    EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "step,first,second\n"
                           "0,\"2@1,1:1:0:::0;3@2,2:0:0:::0;4@3,3:1:0:::0;3@4,4:0:0:::0;\","
                           "\"(not mine)(not mine)4@3,3:1:0:::0;3@4,4:0:0:::0;\"\n");

@@ -2,6 +2,7 @@
 
 #include "support/Sanitizers.hpp"
 #include "support/TestNetwork.hpp"
+#include "support/Threads.hpp"
 
 #include <trellis/VNetwork.hpp>
 
@@ -21,24 +22,6 @@ using testing::HasSubstr;
 namespace {
 
 using Nodes = std::vector<StrongPtr<Node>>;
-
-// One thread per task.
-class Threads final : public VExecutor {
-public:
-    explicit Threads(unsigned count = 3) : m_count{count} {}
-    ~Threads() override
-    {
-        for (std::thread& thread : m_threads)
-            thread.join();
-    }
-
-    unsigned concurrency() const noexcept override { return m_count; }
-    void execute(std::function<void()> task) override { m_threads.emplace_back(std::move(task)); }
-
-private:
-    unsigned m_count;
-    std::vector<std::thread> m_threads;
-};
 
 // Keeps tasks until the end, as a thread pool does that is busy elsewhere.
 class Busy final : public VExecutor {
@@ -370,4 +353,28 @@ TEST_F(VExecutorTest, runsAnObjectAgainThatIsScheduledAfterAnEarlyStart)
     Threads threads;
     EXPECT_EQ(run(pool, threads).failures, 0u);
     EXPECT_THAT(precisions, ElementsAre(0, 3));
+}
+
+TEST_F(VExecutorTest, runsObjectsInTurnThatShareMoreThanValues)
+{
+    std::vector<std::string> order; // which they share
+    std::vector<std::string> expected;
+    Nodes nodes;
+    for (int i = 0; i < 20; ++i) {
+        nodes.push_back(makeNode(std::to_string(i)));
+        if (i % 3 == 0)
+            continue; // runs beside the others
+        expected.push_back(nodes.back()->Name());
+        nodes.back()->runsInTurn();
+        nodes.back()->work = [&order, i](Node& self, VRequest& request, double) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20 - i)); // the later, the faster
+            order.push_back(self.Name());
+            return self.writeSum(request.valuePool());
+        };
+    }
+    for (const StrongPtr<Node>& node : nodes)
+        VScheduler::schedule(node, 0, pool);
+    Threads threads;
+    EXPECT_EQ(run(pool, threads).updates, 20u);
+    EXPECT_EQ(order, expected);
 }

@@ -233,9 +233,9 @@ TEST_F(VSchedulerThreadsTest, letsAnUpdateDestroyItsNetworkWhileOthersEvaluate)
                 EXPECT_EQ(VScheduler::run(pool).outcome, VScheduler::Outcome::Done);
             }
             EXPECT_FALSE(VScheduler::isDue(pool));
-            EXPECT_FALSE(VScheduler::schedule(nodes[0], 0, pool));
         });
         ASSERT_FALSE(network);
+        EXPECT_FALSE(VScheduler::schedule(nodes[0], 0, Loam::makeStrong<ValuePool>()));
         ASSERT_EQ(nodes[0]->network(), nullptr);
     }
 }

@@ -296,7 +296,7 @@ VScheduler::Summary ConcurrentRun::run()
         if (!frame)
             continue;
         const bool isAlone = m_early.empty() && !m_pool.peekDue();
-        if (PoolState::isInLoop(*frame) || (isAlone && !m_early.contains(frame))) {
+        if (PoolState::runsInTurn(*frame) || (isAlone && !m_early.contains(frame))) {
             if (!runOne(*frame))
                 break;
             continue;
@@ -321,7 +321,7 @@ void ConcurrentRun::takeBatch(VFrame& first)
     };
     take(first);
     while (VFrame* const frame = m_pool.peekDue()) {
-        if (PoolState::orderOf(*frame) != order || PoolState::isInLoop(*frame))
+        if (PoolState::orderOf(*frame) != order || PoolState::runsInTurn(*frame))
             break;
         take(*m_pool.nextDue());
     }
@@ -505,7 +505,7 @@ void ConcurrentRun::startEarly(std::size_t effort)
     std::erase_if(candidates, [&](VFrame* frame) {
         if (taken.contains(frame))
             return true;
-        if (!PoolState::isInLoop(*frame) && PoolState::mayStartEarly(*frame))
+        if (!PoolState::runsInTurn(*frame) && PoolState::mayStartEarly(*frame))
             return false;
         blocking.push_back(frame);
         return true;

@@ -44,6 +44,7 @@ struct ContainerWiring {
     bool isEvaluated = false;   // request processing was enabled
     bool isAnnounced = false;   // the registry owns the object
     bool keepsState = false;    // the object runs in one pool at a time
+    bool runsInTurn = false;    // the object shares more than values with others
     bool acceptsFailed = false; // the object runs although an input failed
 };
 

@@ -282,6 +282,7 @@ void PoolState::readSwitches(VFrame& frame) noexcept
     frame.m_needsHold = !wiring.isAnnounced;
     frame.m_keepsState = wiring.keepsState;
     frame.m_acceptsFailed = wiring.acceptsFailed;
+    frame.m_runsInTurn = wiring.inLoop || wiring.runsInTurn;
 }
 
 void PoolState::growCells(VFrame& frame, std::uint32_t count)

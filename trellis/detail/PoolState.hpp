@@ -145,7 +145,8 @@ public:
         return frame.m_isEvaluated && !frame.m_isWaiting && !frame.m_isUpdating;
     }
 
-    static bool isInLoop(const VFrame& frame) noexcept { return frame.m_isInLoop; }
+    /// True for an object that does not run concurrently with others.
+    static bool runsInTurn(const VFrame& frame) noexcept { return frame.m_runsInTurn; }
     /// True if the object became due or was scheduled after it had left the queue.
     static bool mustRunAgain(const VFrame& frame) noexcept { return frame.m_isDue || frame.m_hasPrecision; }
     static void setReturned(VFrame& frame, bool hasReturned) noexcept { frame.m_hasReturned = hasReturned; }
