@@ -125,7 +125,8 @@ private:
     /// False for an object that simply runs.
     bool needsPreparation() const noexcept
     {
-        return m_isStale | m_isWaiting | m_needsHold | m_keepsState | m_acceptsFailed | m_hasPrecision;
+        // The compiler makes one test of these, but not of bits that are combined with `|`.
+        return m_isStale || m_isWaiting || m_needsHold || m_keepsState || m_acceptsFailed || m_hasPrecision;
     }
 
     Cell* inlineCells() noexcept { return reinterpret_cast<Cell*>(this + 1); }
@@ -148,17 +149,19 @@ private:
     std::uint16_t m_isDue : 1 = false;
     std::uint16_t m_isUpdating : 1 = false;
     std::uint16_t m_hasReturned : 1 = false; // its update; what it wrote is not announced yet
-    std::uint16_t m_isStale : 1 = true; // cells must be worked out before the next update
-    std::uint16_t m_hasFailed : 1 = false;
-    std::uint16_t m_isWaiting : 1 = false; // for an object that failed
-    std::uint16_t m_missedRun : 1 = false; // became due while waiting
+    std::uint16_t m_missedRun : 1 = false;   // became due while waiting
     std::uint16_t m_isEvaluated : 1 = false;
     std::uint16_t m_isInLoop : 1 = false;
-    std::uint16_t m_needsHold : 1 = true; // no registry keeps the object alive
-    std::uint16_t m_keepsState : 1 = false;
-    std::uint16_t m_acceptsFailed : 1 = false;
     std::uint16_t m_runsInTurn : 1 = false; // not concurrently: a member of a loop, or as declared
+    std::uint16_t : 1;
+    // Each update asks for these, so they share a byte.
+    std::uint16_t m_isStale : 1 = true;     // cells must be worked out before the next update
+    std::uint16_t m_isWaiting : 1 = false;  // for an object that failed
+    std::uint16_t m_needsHold : 1 = true;   // no registry keeps the object alive
+    std::uint16_t m_keepsState : 1 = false; // the object runs in one pool at a time
+    std::uint16_t m_acceptsFailed : 1 = false;
     std::uint16_t m_hasPrecision : 1 = false;
+    std::uint16_t m_hasFailed : 1 = false;
     std::uint16_t m_hasRewired : 1 = false; // a cell has the flag `Rewired`
 };
 

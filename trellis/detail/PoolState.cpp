@@ -860,9 +860,9 @@ void PoolState::makeDue(VFrame& frame, VObserver::Cause cause, const VParameter*
         observer->becameDue(*frame.m_object, cause, changed, precision(frame));
 }
 
-void PoolState::enqueue(VFrame& frame) noexcept
+void PoolState::enqueueInLoop(VFrame& frame) noexcept
 {
-    if (frame.m_isInLoop && frame.m_order <= loopPosition) [[unlikely]] {
+    if (frame.m_order <= loopPosition) {
         roundEnd = std::min(roundEnd, frame.m_container->wiring().orderAfter);
         nextRound.push(frame);
     } else {
@@ -870,13 +870,11 @@ void PoolState::enqueue(VFrame& frame) noexcept
     }
 }
 
-void PoolState::sortIfOutOfOrder() noexcept
+void PoolState::sortDue() noexcept
 {
-    if (m_isOutOfOrder) [[unlikely]] {
-        m_isOutOfOrder = false;
-        due.sortAgain();
-        nextRound.sortAgain();
-    }
+    m_isOutOfOrder = false;
+    due.sortAgain();
+    nextRound.sortAgain();
 }
 
 // Frees a dead frame that left its queue.
@@ -896,21 +894,6 @@ VFrame* PoolState::peekDue() noexcept
         if (!next.m_isDead) [[likely]]
             return &next;
         discard(due.pop());
-    }
-    return nullptr;
-}
-
-VFrame* PoolState::nextDue() noexcept
-{
-    sortIfOutOfOrder();
-    while (!due.empty()) {
-        VFrame& next = due.pop();
-        if (!next.m_isDead) [[likely]] {
-            next.m_isDue = false;
-            --dueCount;
-            return &next;
-        }
-        discard(next);
     }
     return nullptr;
 }

@@ -124,10 +124,29 @@ public:
     /// As above, and notifies the pool's observer.
     void makeDue(VFrame& frame, VObserver::Cause cause, const VParameter* changed = nullptr) noexcept;
 
-    void enqueue(VFrame& frame) noexcept;
+    void enqueue(VFrame& frame) noexcept
+    {
+        if (frame.m_isInLoop) [[unlikely]]
+            enqueueInLoop(frame);
+        else
+            due.push(frame);
+    }
 
     /// The next due frame, removed from the queue; null if nothing is due.
-    VFrame* nextDue() noexcept;
+    VFrame* nextDue() noexcept
+    {
+        sortIfOutOfOrder();
+        while (!due.empty()) {
+            VFrame& next = due.pop();
+            if (!next.m_isDead) [[likely]] {
+                next.m_isDue = false;
+                --dueCount;
+                return &next;
+            }
+            discard(next);
+        }
+        return nullptr;
+    }
 
     /// The next due frame, which stays in the queue; null if nothing is due.
     VFrame* peekDue() noexcept;
@@ -333,7 +352,13 @@ private:
     void enterName(const VParameter& parameter, const StrongPtr<VValueBase>& value);
     void removeName(const VParameter& parameter) noexcept;
     void releaseCell(VFrame& frame, std::uint32_t cell) noexcept;
-    void sortIfOutOfOrder() noexcept;
+    void enqueueInLoop(VFrame& frame) noexcept;
+    void sortIfOutOfOrder() noexcept
+    {
+        if (m_isOutOfOrder) [[unlikely]]
+            sortDue();
+    }
+    void sortDue() noexcept;
     void discard(VFrame& dead) noexcept;
     VFrame* sourceOfResult(const VSlot& slot) noexcept;
     const VParameter* parameterOf(const VFrame& frame, std::uint32_t cell) const noexcept;

@@ -36,73 +36,27 @@ VScheduler::Summary SerialRun::run()
     return m_summary;
 }
 
-bool SerialRun::isThereMore()
+void SerialRun::updateOrder()
 {
-    m_network.gate.giveWay();
-    if (m_pool.dueCount == 0)
-        return false;
-    if (m_request.isCancelled()) {
-        m_summary.outcome = VScheduler::Outcome::Cancelled;
-        return false;
-    }
-    if (!m_network.order.isUpToDate()) [[unlikely]] {
-        const ChangeScope change{m_network};
-        m_network.updateOrder();
+    const ChangeScope change{m_network};
+    m_network.updateOrder();
+    m_pool.startRound();
+}
+
+// Members of a loop that wait for its next round have their turn now, unless others come
+// before them.
+void SerialRun::startRoundIfDue()
+{
+    const VFrame* const first = m_pool.peekDue();
+    if (!first || m_pool.isBehindRound(*first))
         m_pool.startRound();
-    }
-    return true;
 }
 
-VFrame* SerialRun::next()
+void SerialRun::reportEnd(const Update& update, Update::Result result)
 {
-    if (!m_pool.nextRound.empty()) [[unlikely]] {
-        const VFrame* const first = m_pool.peekDue();
-        if (!first || m_pool.isBehindRound(*first))
-            m_pool.startRound();
-    }
-    VFrame* const frame = m_pool.nextDue();
-    if (frame)
-        m_pool.enterLoop(*frame);
-    return frame;
-}
-
-bool SerialRun::countRun(VFrame& frame)
-{
-    if (!m_pool.countRun(frame)) [[unlikely]] {
-        stopLoop(frame);
-        return false;
-    }
-    return true;
-}
-
-bool SerialRun::runOne(VFrame& frame)
-{
-    Update update{frame};
-    if (!update.prepare() || !countRun(frame))
-        return true;
-    if (m_pool.observer) [[unlikely]]
-        m_pool.observer->began(update.object());
-    const Update::Result result = update.call(m_pool.pool(), m_request);
-    return finish(update, result);
-}
-
-bool SerialRun::finish(Update& update, Update::Result result)
-{
-    if (result == Update::Result::Skipped)
-        return true;
-    if (m_pool.observer) [[unlikely]]
-        m_pool.observer->ended(update.object(), result == Update::Result::Succeeded ? VObserver::Result::Succeeded
-                                                : result == Update::Result::Failed  ? VObserver::Result::Failed
-                                                                                    : VObserver::Result::Cancelled);
-    ++m_summary.updates;
-    if (result == Update::Result::Failed) [[unlikely]]
-        ++m_summary.failures;
-    update.conclude(result);
-    if (result == Update::Result::Cancelled) [[unlikely]] {
-        m_summary.outcome = VScheduler::Outcome::Cancelled;
-        return false;
-    }
-    return true;
+    m_pool.observer->ended(update.object(), result == Update::Result::Succeeded ? VObserver::Result::Succeeded
+                                            : result == Update::Result::Failed  ? VObserver::Result::Failed
+                                                                                : VObserver::Result::Cancelled);
 }
 
 // The loop as a whole ends here; its members that are still due are skipped.
