@@ -66,7 +66,7 @@ public:
         // The object itself declares this input.
         m_slot->clearFlag(VSlot::AddedLater);
         m_place = m_slot->place();
-        if constexpr (requires { VValueTrait<T>::sharesState; })
+        if constexpr (requires { requires VValueTrait<T>::sharesState; })
             that->runsInTurn();
     }
 

@@ -54,7 +54,7 @@ public:
         template<class Function>
         bool withHolder(Function&& function);
 
-        mutable std::mutex m_mutex; // guards the stack
+        std::mutex m_mutex; // guards the stack
         std::list<GrabReason> m_stack;
         std::string m_name;
     };
@@ -119,7 +119,6 @@ public:
     std::string armingKeyText; ///< characters that arm a hot key
     std::int32_t clicks;
     StrongPtr<InteractionGrabber> grabber;
-
 };
 
 template<>

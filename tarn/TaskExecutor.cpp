@@ -13,31 +13,26 @@ namespace {
 
 // The tasks wait here for oneTBB's threads, and not in oneTBB, because ThreadSanitizer
 // sees how this lock orders two threads and cannot look into oneTBB's library.
-class Tasks {
-public:
-    void push(std::function<void()> task)
-    {
-        const std::lock_guard lock{m_mutex};
-        m_tasks.push_back(std::move(task));
-    }
-
-    std::function<void()> pop()
-    {
-        const std::lock_guard lock{m_mutex};
-        std::function<void()> task = std::move(m_tasks.front());
-        m_tasks.pop_front();
-        return task;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::deque<std::function<void()>> m_tasks;
+struct Waiting {
+    std::mutex mutex;
+    std::deque<std::function<void()>> tasks;
 };
 
-Tasks& tasks()
+Waiting& waiting()
 {
-    static Tasks& theTasks = *new Tasks; // a thread may take its task while the program ends
-    return theTasks;
+    static Waiting& theWaiting = *new Waiting; // a thread may take its task while the program ends
+    return theWaiting;
+}
+
+void runNext()
+{
+    std::function<void()> task;
+    {
+        const std::lock_guard lock{waiting().mutex};
+        task = std::move(waiting().tasks.front());
+        waiting().tasks.pop_front();
+    }
+    task();
 }
 
 } // namespace
@@ -51,8 +46,14 @@ void TaskExecutor::execute(std::function<void()> task)
 {
     // An arena of its own, without a place for the thread that evaluates.
     static tbb::task_arena arena{tbb::info::default_concurrency() - 1, 0};
-    tasks().push(std::move(task));
-    arena.enqueue([] { tasks().pop()(); });
+    const std::lock_guard lock{waiting().mutex};
+    waiting().tasks.push_back(std::move(task));
+    try {
+        arena.enqueue([] { runNext(); });
+    } catch (...) {
+        waiting().tasks.pop_back();
+        throw;
+    }
 }
 
 } // namespace Tarn

@@ -123,7 +123,7 @@ public:
     /// Declares that the object shares more with others than the values that they read from
     /// each other, such as who holds the pointer. Such objects run one after the other, in
     /// the order of a serial evaluation, also where others run concurrently. Inputs of a
-    /// type whose `VValueTrait` has a member `sharesState` declare it for their object.
+    /// type whose `VValueTrait` has a true member `sharesState` declare it for their object.
     void runsInTurn();
 
     /// Declares that the object runs although an input comes from an update that failed.

@@ -1,5 +1,6 @@
 #include "support/TestNetwork.hpp"
 
+#include <trellis/VExecutor.hpp>
 #include <trellis/VNetwork.hpp>
 
 #include <cstdlib>
@@ -182,6 +183,50 @@ TEST_F(AllocationFailureTest, losesNoChangeThatWasAnnounced)
             for (std::size_t i = 7; i < subject.nodes.size(); ++i)
                 EXPECT_EQ(subject.nodes[i]->read(subject.pool, "out"),
                           subject.nodes[(i - 7) % 7]->read(subject.pool, "out") + 1);
+        });
+}
+
+TEST_F(AllocationFailureTest, losesNoObjectThatWasToRunConcurrently)
+{
+    // Leaves all work to the calling thread, so that every run allocates the same.
+    struct Idle final : VExecutor {
+        unsigned concurrency() const noexcept override { return 1; }
+        void execute(std::function<void()>) override {}
+    } executor;
+    std::vector<double> precisions;
+    failInTurn(
+        [&] {
+            Subject subject = makeSubject({});
+            for (int i = 0; i < 12; ++i) {
+                subject.nodes.push_back(makeNode("node"));
+                if (i >= 6) // reads one of the first six
+                    connect(subject.nodes[static_cast<std::size_t>(i - 6)], subject.nodes.back());
+                subject.nodes.back()->work = [&precisions, i](Node& self, VRequest& request, double precision) {
+                    if (precision != 0) // else it runs again, because what it reads has changed
+                        precisions[static_cast<std::size_t>(i)] = precision;
+                    return self.writeSum(request.valuePool());
+                };
+            }
+            for (std::size_t i = 0; i < 12; ++i)
+                VScheduler::schedule(subject.nodes[i], static_cast<double>(i + 1), subject.pool);
+            precisions.assign(12, 0);
+            return subject;
+        },
+        [&](Subject& subject) {
+            VRequest request(subject.pool);
+            return VScheduler::run(request, executor).failures > 0;
+        },
+        [&](const Subject& subject) {
+            for (std::size_t i = 0; i < 12; ++i) {
+                if (VScheduler::stateOf(*subject.nodes[i], subject.pool) == VScheduler::State::Failed)
+                    VScheduler::schedule(subject.nodes[i], static_cast<double>(i + 1), subject.pool);
+            }
+            VScheduler::run(subject.pool);
+            for (std::size_t i = 0; i < 12; ++i) {
+                EXPECT_EQ(VScheduler::stateOf(*subject.nodes[i], subject.pool), VScheduler::State::UpToDate) << i;
+                EXPECT_EQ(subject.nodes[i]->read(subject.pool, "out"), i < 6 ? 1 : 2) << i;
+                EXPECT_EQ(precisions[i], static_cast<double>(i + 1)) << i;
+            }
         });
 }
 

@@ -296,7 +296,7 @@ VScheduler::Summary ConcurrentRun::run()
         if (!frame)
             continue;
         const bool isAlone = m_early.empty() && !m_pool.peekDue();
-        if (PoolState::runsInTurn(*frame) || (isAlone && !m_early.contains(frame))) {
+        if (isAlone || (PoolState::runsInTurn(*frame) && !m_early.contains(frame))) {
             if (!runOne(*frame))
                 break;
             continue;
@@ -316,8 +316,13 @@ void ConcurrentRun::takeBatch(VFrame& first)
 {
     const std::uint32_t order = PoolState::orderOf(first);
     const auto take = [this](VFrame& frame) {
-        m_batch.emplace_back(); // before the job, which must not get lost
-        m_batch.back() = makeJob(frame);
+        try {
+            m_batch.emplace_back(); // before the job, which must not get lost
+            m_batch.back() = makeJob(frame);
+        } catch (...) {
+            m_pool.makeDue(frame);
+            throw;
+        }
     };
     take(first);
     while (VFrame* const frame = m_pool.peekDue()) {

@@ -10,7 +10,6 @@ SerialRun::SerialRun(PoolState& pool, VRequest& request)
     : m_pool{pool}
     , m_network{*pool.network()}
     , m_request{request}
-    , m_use{m_network}
     , m_current{m_network}
 {
     m_pool.isRunning = true;

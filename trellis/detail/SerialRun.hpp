@@ -6,7 +6,8 @@
 
 namespace Orla::Detail {
 
-/// One call of `VScheduler::run`: runs due objects one after the other.
+/// One call of `VScheduler::run`: runs due objects one after the other. The caller uses
+/// the network meanwhile.
 class SerialRun {
 public:
     SerialRun(PoolState& pool, VRequest& request);
@@ -94,7 +95,6 @@ private:
     void reportEnd(const Update& update, Update::Result result);
     void stopLoop(VFrame& frame);
 
-    const UseScope m_use;
     const Loam::Ageable::Ticks m_ticks;
     const CurrentScope m_current;
 };
