@@ -1,5 +1,7 @@
 #include <fathom/VInteractionEvent.hpp>
 
+#include <utility>
+
 namespace Orla {
 
 VInteractionEvent::InteractionGrabber::InteractionGrabber(const std::string& name) : m_name{name}
@@ -52,14 +54,15 @@ void VInteractionEvent::grab(const WeakPtrImpl<VObject>& obj, GrabReason::Type t
 {
     if (obj.expired() || !grabber)
         return;
-    std::list<GrabReason> replaced;
-    std::list<GrabReason> entry;
-    entry.push_back({obj, type, value, data});
+    StrongPtr<ChunkBase> attached = data; // in the end what it replaces, released without the lock
     const std::lock_guard lock{grabber->m_mutex};
     std::list<GrabReason>& stack = grabber->m_stack;
-    if (!stack.empty() && stack.front().object == obj)
-        replaced.splice(replaced.begin(), stack, stack.begin());
-    stack.splice(stack.begin(), entry);
+    if (stack.empty() || !(stack.front().object == obj))
+        stack.emplace_front().object = obj;
+    GrabReason& reason = stack.front();
+    reason.type = type;
+    reason.value = value;
+    std::swap(reason.data, attached);
 }
 
 void VInteractionEvent::ungrab(const WeakPtrImpl<VObject>& obj)

@@ -54,9 +54,9 @@ public:
         template<class Function>
         bool withHolder(Function&& function);
 
-        std::mutex m_mutex; // guards the stack
         std::list<GrabReason> m_stack;
         std::string m_name;
+        std::mutex m_mutex; // guards the stack
     };
 
     /// What happened, by the numbers of this system's interaction source; another
