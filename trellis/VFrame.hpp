@@ -140,7 +140,8 @@ private:
     std::uint64_t m_lastRun = 0;   // older values are known to the object; 0 before its first success
     void* m_more = nullptr;        // cells of slots that were added after the frame was made
     std::uint32_t m_order = 0;     // the container's
-    std::uint32_t m_pass : 24 = 0; // the last evaluation that ran the object
+    std::uint32_t m_pass : 23 = 0; // the last evaluation that ran the object
+    std::uint32_t m_wasLong : 1 = false; // the last update of one that is short by the rule of `m_isShort`
     std::uint32_t m_runs : 8 = 0;  // in that evaluation
     std::uint32_t m_place = 0;     // among the container's frames; guarded by their lock
     std::uint8_t m_inlineCells = 0;
@@ -153,7 +154,7 @@ private:
     std::uint16_t m_isEvaluated : 1 = false;
     std::uint16_t m_isInLoop : 1 = false;
     std::uint16_t m_runsInTurn : 1 = false; // not concurrently: a member of a loop, or as declared
-    std::uint16_t : 1;
+    std::uint16_t m_isShort : 1 = false;    // one of its last two updates took less than handing it over
     // Each update asks for these, so they share a byte.
     std::uint16_t m_isStale : 1 = true;     // cells must be worked out before the next update
     std::uint16_t m_isWaiting : 1 = false;  // for an object that failed

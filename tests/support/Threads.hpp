@@ -12,7 +12,11 @@ namespace Orla {
 /// An executor with one thread per task.
 class Threads final : public VExecutor {
 public:
-    explicit Threads(unsigned count = 3) : m_count{count} {}
+    // Hands over each update that takes longer than `handOverTime`: all of them by default.
+    explicit Threads(unsigned count = 3, std::chrono::nanoseconds handOverTime = {})
+        : m_count{count}, m_handOverTime{handOverTime}
+    {
+    }
     ~Threads() override
     {
         for (std::thread& thread : m_threads)
@@ -20,10 +24,12 @@ public:
     }
 
     unsigned concurrency() const noexcept override { return m_count; }
+    std::chrono::nanoseconds handOverTime() const noexcept override { return m_handOverTime; }
     void execute(std::function<void()> task) override { m_threads.emplace_back(std::move(task)); }
 
 private:
     unsigned m_count;
+    std::chrono::nanoseconds m_handOverTime;
     std::vector<std::thread> m_threads;
 };
 

@@ -6,15 +6,18 @@
 
 #include <trellis/VNetwork.hpp>
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <random>
+#include <set>
 #include <stdexcept>
 #include <thread>
 
 // Evaluating one pool in several threads.
 
 using namespace Orla;
+using namespace std::chrono_literals;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -119,6 +122,8 @@ TEST_F(VExecutorTest, givesTheSameResultsAndNotificationsAsASerialRun)
 #else
     constexpr unsigned Networks = 2000;
 #endif
+    // Updates never count as short, always, and when they are.
+    constexpr std::chrono::nanoseconds handOverTimes[] = {0s, 1h, 1us};
     for (unsigned seed = 0; seed < Networks; ++seed) {
         std::mt19937 random(seed);
         const Nodes nodes = makeRandomNetwork(random, 4 + random() % 20);
@@ -142,11 +147,15 @@ TEST_F(VExecutorTest, givesTheSameResultsAndNotificationsAsASerialRun)
             std::mt19937 order(seed);
             Nodes due = nodes;
             std::ranges::shuffle(due, order);
-            for (const StrongPtr<Node>& node : due)
-                VScheduler::schedule(node, 0, each);
-            Threads threads;
+            Threads threads(3, handOverTimes[seed % 3]);
             VRequest request(each);
-            summaries[isConcurrent] = isConcurrent ? VScheduler::run(request, threads) : VScheduler::run(request);
+            // Only the second evaluation knows which updates are short.
+            for (int i = 0; i < 2; ++i) {
+                for (const StrongPtr<Node>& node : due)
+                    VScheduler::schedule(node, 0, each);
+                summaries[isConcurrent] =
+                    isConcurrent ? VScheduler::run(request, threads) : VScheduler::run(request);
+            }
             for (const std::string& warning : warnings())
                 entries.push_back(warning);
         }
@@ -158,6 +167,60 @@ TEST_F(VExecutorTest, givesTheSameResultsAndNotificationsAsASerialRun)
             ASSERT_EQ(node->read(pool, "out"), node->read(second, "out")) << seed;
         pool = Loam::makeStrong<ValuePool>("pool");
     }
+}
+
+TEST_F(VExecutorTest, runsShortUpdatesInTheCallingThreadFromTheSecondOneOn)
+{
+    std::mutex mutex;
+    std::set<std::thread::id> threads;
+    Nodes nodes;
+    for (int i = 0; i < 8; ++i) {
+        nodes.push_back(makeNode("node"));
+        nodes.back()->work = [&](Node&, VRequest&, double) {
+            const std::lock_guard lock{mutex};
+            threads.insert(std::this_thread::get_id());
+            return true;
+        };
+    }
+    const auto threadsOfARun = [&](std::chrono::nanoseconds handOverTime) {
+        threads.clear();
+        for (const StrongPtr<Node>& node : nodes)
+            VScheduler::schedule(node, 0, pool);
+        Threads executor(3, handOverTime);
+        EXPECT_EQ(run(pool, executor).updates, 8u);
+        return threads;
+    };
+    threadsOfARun(1h);
+    EXPECT_THAT(threadsOfARun(1h), ElementsAre(std::this_thread::get_id()));
+}
+
+TEST_F(VExecutorTest, handsAnObjectOverAgainWhoseUpdatesBecomeLong)
+{
+    Meeting meeting;
+    bool isLong = false;
+    const auto a = makeNode("a");
+    const auto b = makeNode("b");
+    for (const StrongPtr<Node>& node : {a, b}) {
+        node->work = [&](Node&, VRequest&, double) {
+            if (isLong)
+                std::this_thread::sleep_for(20ms);
+            return true;
+        };
+    }
+    const auto runBoth = [&] {
+        Threads threads(3, 10ms);
+        for (const StrongPtr<Node>& node : {a, b})
+            VScheduler::schedule(node, 0, pool);
+        return run(pool, threads).failures;
+    };
+    for (int i = 0; i < 2; ++i)
+        runBoth();
+    isLong = true;
+    for (int i = 0; i < 2; ++i)
+        runBoth();
+    for (const StrongPtr<Node>& node : {a, b})
+        node->work = [&](Node&, VRequest&, double) { return meeting.wait(); };
+    EXPECT_EQ(runBoth(), 0u);
 }
 
 TEST_F(VExecutorTest, doesWithoutThreadsThatAreBusy)

@@ -46,6 +46,7 @@ public:
     std::vector<Event> events;
     Update::Result result = Update::Result::Skipped; // this and the state are guarded by
     State state = State::Waiting;                    // the team's lock
+    std::chrono::nanoseconds duration{};             // of the update
     bool isReady = false;                            // false if the object does not run
     bool needsCount = true;                          // its run was not counted yet
 };
@@ -83,8 +84,12 @@ public:
                 mine.emplace_back(*job, Update::Result::Skipped);
             jobs.erase(jobs.begin(), end);
             lock.unlock();
-            for (auto& [job, result] : mine)
+            Clock::time_point started = Clock::now();
+            for (auto& [job, result] : mine) {
                 result = runJob(*job, *view, ownRequest);
+                const Clock::time_point ended = Clock::now();
+                job->duration = ended - std::exchange(started, ended);
+            }
             lock.lock();
             for (const auto& [job, result] : mine) {
                 job->result = result;
@@ -204,6 +209,7 @@ thread_local ConcurrentRun::Job* ConcurrentRun::Team::t_job = nullptr;
 ConcurrentRun::ConcurrentRun(PoolState& pool, VRequest& request, VExecutor& executor)
     : SerialRun{pool, request}
     , m_executor{executor}
+    , m_handOverTime{executor.handOverTime()}
     , m_team{std::make_shared<Team>(*this, pool, m_network, request)}
     , m_plan{m_team->planning}
 {
@@ -295,12 +301,19 @@ VScheduler::Summary ConcurrentRun::run()
         VFrame* const frame = next();
         if (!frame)
             continue;
+        const bool hasStarted = !m_early.empty() && m_early.contains(frame);
         const bool isAlone = m_early.empty() && !m_pool.peekDue();
-        if (isAlone || (PoolState::runsInTurn(*frame) && !m_early.contains(frame))) {
+        if (isAlone || (PoolState::runsInTurn(*frame) && !hasStarted)) {
             if (!runOne(*frame))
                 break;
             continue;
         }
+        if (PoolState::isShort(*frame) && !hasStarted) {
+            if (!runShort(*frame))
+                break;
+            continue;
+        }
+        m_lastEnd.reset();
         takeBatch(*frame);
         if (!runBatch())
             break;
@@ -309,6 +322,22 @@ VScheduler::Summary ConcurrentRun::run()
     }
     m_summary.waiting = m_pool.waitingCount;
     return m_summary;
+}
+
+// Runs an object as a serial run does. Its next update may be handed to a thread again.
+bool ConcurrentRun::runShort(VFrame& frame)
+{
+    if (!m_lastEnd)
+        m_lastEnd = Clock::now();
+    return runOne(frame, [this](VFrame& ended) {
+        const Clock::time_point end = Clock::now();
+        noteDuration(ended, end - *std::exchange(m_lastEnd, end));
+    });
+}
+
+void ConcurrentRun::noteDuration(VFrame& frame, std::chrono::nanoseconds duration) noexcept
+{
+    PoolState::noteLength(frame, duration < m_handOverTime);
 }
 
 // Takes all due frames of one order number out of the queue.
@@ -593,6 +622,7 @@ bool ConcurrentRun::commit(Job& job)
     const bool isOutdated = PoolState::mustRunAgain(frame);
     if (!isOutdated)
         job.update->knowValuesOfNow();
+    noteDuration(frame, job.duration);
     announce(job);
     const bool goesOn = finish(*job.update, job.result);
     if (isOutdated && !PoolState::isDead(frame))

@@ -4,10 +4,12 @@
 
 #include <trellis/VExecutor.hpp>
 
+#include <chrono>
 #include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace Orla::Detail {
@@ -15,9 +17,11 @@ namespace Orla::Detail {
 /// One call of `VScheduler::run` with an executor.
 ///
 /// The due objects of one order number do not depend on each other; they run
-/// concurrently. While some of them take long, objects behind them that do not depend on
-/// them start early. What an update announces is recorded in its thread, and announced
-/// by this thread in the order in which a serial run would have done so.
+/// concurrently, except those whose updates take less time than handing them to a thread:
+/// the calling thread runs these itself. While some objects take long, objects behind
+/// them that do not depend on them start early. What an update announces is recorded in
+/// its thread, and announced by this thread in the order in which a serial run would have
+/// done so.
 class ConcurrentRun final : private SerialRun, private Recorder {
 public:
     ConcurrentRun(PoolState& pool, VRequest& request, VExecutor& executor);
@@ -26,6 +30,8 @@ public:
     VScheduler::Summary run();
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     class Job;
     class SpareJobs;
     class Team;
@@ -35,6 +41,8 @@ private:
     bool recordSchedule(VFrame& frame, double precision) override;
     std::recursive_mutex& mutex() noexcept override;
 
+    bool runShort(VFrame& frame);
+    void noteDuration(VFrame& frame, std::chrono::nanoseconds duration) noexcept;
     void takeBatch(VFrame& first);
     std::unique_ptr<Job> makeJob(VFrame& frame);
     Job& keepEarly(VFrame& frame, std::unique_ptr<Job> job);
@@ -48,11 +56,13 @@ private:
     void hire(std::size_t jobs);
 
     VExecutor& m_executor;
+    const std::chrono::nanoseconds m_handOverTime;
     std::shared_ptr<Team> m_team;
     std::unique_lock<std::mutex> m_plan; // released while this thread runs objects or waits
     std::vector<std::unique_ptr<Job>> m_batch;             // jobs of one order number, in serial order
     std::map<const VFrame*, std::unique_ptr<Job>> m_early; // jobs that started before their turn
     SpareJobs* m_spare = nullptr; // owned by the pool
+    std::optional<Clock::time_point> m_lastEnd; // of a series of short updates
     std::exception_ptr m_executorError;
     unsigned m_hired = 0;
 };

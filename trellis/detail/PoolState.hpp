@@ -166,6 +166,14 @@ public:
 
     /// True for an object that does not run concurrently with others.
     static bool runsInTurn(const VFrame& frame) noexcept { return frame.m_runsInTurn; }
+    /// True for an object whose updates take less time than handing them to a thread. One
+    /// long update among short ones does not count: the thread may have been interrupted.
+    static bool isShort(const VFrame& frame) noexcept { return frame.m_isShort; }
+    static void noteLength(VFrame& frame, bool isShort) noexcept
+    {
+        frame.m_isShort = isShort || (frame.m_isShort && !frame.m_wasLong);
+        frame.m_wasLong = !isShort;
+    }
     /// True if the object became due or was scheduled after it had left the queue.
     static bool mustRunAgain(const VFrame& frame) noexcept { return frame.m_isDue || frame.m_hasPrecision; }
     static void setReturned(VFrame& frame, bool hasReturned) noexcept { frame.m_hasReturned = hasReturned; }
@@ -197,6 +205,7 @@ public:
     /// An object that has run this often in one pass is part of a loop that does not
     /// settle.
     static constexpr unsigned MaximalRuns = 100;
+    static constexpr std::uint32_t LastPass = 0x7FFFFF; // then the numbers of passes start again
 
     /// Calls \p function with the frames in the queue, roughly in their order.
     template<class Function>
@@ -220,7 +229,7 @@ public:
     /// Starts a new pass, in which objects may run again as often as it takes.
     void beginPass() noexcept
     {
-        if ((++pass & 0xFFFFFF) == 0) {
+        if ((++pass & LastPass) == 0) {
             pass = 1;
             forEachFrame([](VFrame& frame) { frame.m_pass = 0; });
         }
@@ -230,7 +239,7 @@ public:
     bool countRun(VFrame& frame) noexcept
     {
         if (frame.m_pass != pass) {
-            frame.m_pass = pass & 0xFFFFFF;
+            frame.m_pass = pass & LastPass;
             frame.m_runs = 0;
         }
         if (frame.m_runs >= MaximalRuns) [[unlikely]]
@@ -242,7 +251,7 @@ public:
     /// Keeps an object from running again in this pass.
     void stop(VFrame& frame) noexcept
     {
-        frame.m_pass = pass & 0xFFFFFF;
+        frame.m_pass = pass & LastPass;
         frame.m_runs = MaximalRuns + 1;
     }
 

@@ -49,12 +49,20 @@ protected:
     /// Runs the object of a frame that left the queue. Returns false if the run ends.
     bool runOne(VFrame& frame)
     {
+        return runOne(frame, [](VFrame&) {});
+    }
+
+    /// As above, and calls \p returned with the frame when the update has returned.
+    template<class Function>
+    bool runOne(VFrame& frame, Function&& returned)
+    {
         Update update{frame};
         if (!update.prepare() || !countRun(frame))
             return true;
         if (m_pool.observer) [[unlikely]]
             m_pool.observer->began(update.object());
         const Update::Result result = update.call(m_pool.pool(), m_request);
+        returned(frame);
         return finish(update, result);
     }
 
