@@ -75,7 +75,7 @@ public:
         if (!value)
             return nullptr;
         // Nearly every value is a plain one; the general cast costs ten times as much.
-        if (typeid(*value) == typeid(VValue<T>))
+        if (isPlain(*value))
             return static_cast<VValue<T>*>(value);
         return dynamic_cast<VTypedValueBase*>(value);
     }
@@ -83,13 +83,30 @@ public:
     /// The held value itself where it is held in the plain way, else null.
     const T* held() const noexcept
     {
-        return typeid(*this) == typeid(VValue<T>) ? &static_cast<const VValue<T>*>(this)->m_value : nullptr;
+        return isPlain(*this) ? &static_cast<const VValue<T>*>(this)->m_value : nullptr;
     }
 
 protected:
     VTypedValueBase() = default;
+    explicit VTypedValueBase(Loam::RootFirst tag) noexcept : VValueBase{tag} {}
     VTypedValueBase(const VTypedValueBase&) = default;
     VTypedValueBase& operator=(const VTypedValueBase&) = default;
+
+    // The content of the value that `other` refers to, if nothing can release that value
+    // before the content is read: the process has one thread, and reading calls no code. Null
+    // if that is not certain.
+    static const T* contentAtOnce(const WeakPtrImpl<VValueBase>& other) noexcept
+    {
+        const VValueBase* const value = other.peek();
+        return value && isPlain(*value) ? &static_cast<const VValue<T>*>(value)->m_value : nullptr;
+    }
+
+private:
+    static bool isPlain(const VValueBase& value) noexcept
+    {
+        const std::type_info& type = typeid(value);
+        return &type == &typeid(VValue<T>) || type == typeid(VValue<T>);
+    }
 };
 
 /// The value that holds one \p T.
@@ -113,11 +130,17 @@ public:
 
     StrongPtr<VValueBase> copy() const override
     {
-        return StrongPtr<VValueBase>(new VValue(CopyOf{}, m_value));
+        return create([this] { return VValueOperations<T>::copyOf(m_value); });
     }
 
     bool getValueFrom(const WeakPtrImpl<VValueBase>& other) override
     {
+        if constexpr (std::is_trivially_copyable_v<T>) {
+            if (const T* const its = VTypedValueBase<T>::contentAtOnce(other)) {
+                m_value = *its;
+                return true;
+            }
+        }
         const StrongPtr<VValueBase> alive = other.lock();
         const VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(alive.get());
         return typed && typed->getValue(m_value);
@@ -182,9 +205,27 @@ private:
 
     static inline constinit bool s_creatorIsGone = false;
 
-    // Makes the copy in its place: a type that is passed on would be copied twice.
-    struct CopyOf {};
-    VValue(CopyOf, const T& value) : m_value(VValueOperations<T>::copyOf(value)) {}
+    // Makes a value of what `content` returns, in its place: a type that is passed on would
+    // be copied twice.
+    template<class Content>
+    static StrongPtr<VValue> create(Content&& content)
+    {
+        if constexpr (alignof(VValue) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__)
+            return StrongPtr<VValue>(new (Loam::RootFirst{}) VValue(Loam::RootFirst{}, content));
+        else
+            return StrongPtr<VValue>(new VValue(InPlace{}, content));
+    }
+
+    template<class Content>
+    VValue(Loam::RootFirst tag, Content& content) : VTypedValueBase<T>{tag}, m_value(content())
+    {
+    }
+
+    struct InPlace {};
+    template<class Content>
+    VValue(InPlace, Content& content) : m_value(content())
+    {
+    }
 
     T m_value;
 };
@@ -209,7 +250,7 @@ public:
 
     StrongPtr<VValueBase> create(const std::string& text, bool& ok) override
     {
-        StrongPtr<VValue<T>> value(new VValue<T>);
+        StrongPtr<VValue<T>> value = VValue<T>::create([] { return T{}; });
         ok = value->VValue<T>::setValueFromText(text);
         return value;
     }
@@ -226,12 +267,16 @@ private:
 template<class T>
 bool VTypedValueBase<T>::isDifferentFrom(const WeakPtrImpl<VValueBase>& other) const
 {
+    const T* const mine = held();
+    if constexpr (std::is_arithmetic_v<T>) {
+        if (const T* const its = contentAtOnce(other); mine && its)
+            return VValueOperations<T>::areDifferent(*mine, *its);
+    }
     const StrongPtr<VValueBase> alive = other.lock();
     const VTypedValueBase* typed = cast(alive.get());
     if (!typed)
         return true;
-    const T* mine = held();
-    const T* its = typed->held();
+    const T* const its = typed->held();
     if (mine && its)
         return VValueOperations<T>::areDifferent(*mine, *its);
     T a{};

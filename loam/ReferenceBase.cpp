@@ -121,6 +121,17 @@ void Counted::operator delete(void* object) noexcept
         static_cast<ReferenceBlock*>(memory)->releaseWeak();
 }
 
+void* Counted::operator new(std::size_t size, RootFirst)
+{
+    return static_cast<std::byte*>(::operator new(BlockSize + size)) + BlockSize;
+}
+
+// The constructor threw after it had made the block.
+void Counted::operator delete(void* object, RootFirst) noexcept
+{
+    reinterpret_cast<ReferenceBlock*>(static_cast<std::byte*>(object) - BlockSize)->releaseWeak();
+}
+
 void* Counted::operator new(std::size_t size, std::align_val_t alignment)
 {
     void* memory = ::operator new(sizeof(PendingApart));

@@ -8,6 +8,13 @@
 
 namespace Loam {
 
+/// Marks an object, made with `new (RootFirst{})`, whose counted root is its first base and
+/// is constructed with this tag. Such an object finds its count block at once, where others
+/// look for it.
+struct RootFirst {
+    explicit RootFirst() = default;
+};
+
 /// What all reference-counted classes have in common; derive from
 /// `ReferenceBase`, not from this.
 ///
@@ -25,13 +32,20 @@ public:
     static void* operator new(std::size_t size);
     static void* operator new(std::size_t size, std::align_val_t alignment);
     static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void* operator new(std::size_t size, RootFirst);
     static void* operator new[](std::size_t size) = delete;
     static void operator delete(void* object) noexcept;
     static void operator delete(void* object, std::align_val_t alignment) noexcept;
     static void operator delete(void*, void*) noexcept {}
+    static void operator delete(void* object, RootFirst) noexcept;
 
 protected:
     Counted();
+    explicit Counted(RootFirst) noexcept
+        : m_block{::new (reinterpret_cast<std::byte*>(this) - sizeof(ReferenceBlock))
+                      ReferenceBlock{ReferenceBlock::Fresh, this}}
+    {
+    }
     // The counts belong to the object, not to its value.
     Counted(const Counted&) : Counted() {}
     Counted& operator=(const Counted&) noexcept { return *this; }
@@ -57,6 +71,7 @@ public:
 
 protected:
     ReferenceBase() = default;
+    explicit ReferenceBase(RootFirst tag) noexcept : Counted{tag} {}
     ReferenceBase(const ReferenceBase&) = default;
     ReferenceBase& operator=(const ReferenceBase&) = default;
 };

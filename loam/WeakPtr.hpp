@@ -82,6 +82,13 @@ public:
     /// The object, kept alive by the result; null if it is gone.
     Strong<T> lock() const noexcept { return Strong<T>(*this); }
 
+    /// The object, if it is alive and the process has only one thread; else null. For code
+    /// that is short and calls none that could release the object meanwhile.
+    T* peek() const noexcept
+    {
+        return isSingleThreaded() && m_block && m_block->isAlive() ? m_object : nullptr;
+    }
+
     /// True for an empty pointer and for one whose object is gone.
     bool expired() const noexcept { return !m_block || !m_block->isAlive(); }
     explicit operator bool() const noexcept { return !expired(); }

@@ -76,6 +76,7 @@ public:
 
 protected:
     VValueBase() = default;
+    explicit VValueBase(Loam::RootFirst tag) noexcept : ReferenceBase{tag} {}
     VValueBase(const VValueBase&) = default;
     VValueBase& operator=(const VValueBase&) = default;
 };

@@ -8,9 +8,11 @@
 
 #include <gmock/gmock.h>
 
+#include <future>
 #include <limits>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 #include <type_traits>
 
 using namespace Orla;
@@ -170,6 +172,38 @@ TEST(VValue, isComparedWithAnyValueOfTheType)
         EXPECT_TRUE(other->isDifferentFrom(orphan)) << "its content cannot be had";
         EXPECT_TRUE(orphan->isDifferentFrom(other));
     }
+}
+
+// Numbers are read without owning their value while the process has one thread.
+TEST(VValue, isComparedAndAssignedInTheSameWayBesideOtherThreads)
+{
+    const auto expectTheUsual = [] {
+        const auto four = make(4.0);
+        const auto five = make(5.0);
+        const auto text = make(std::string("4"));
+        const auto alsoFour = make(4.0);
+        EXPECT_FALSE(four->isDifferentFrom(alsoFour));
+        EXPECT_TRUE(four->isDifferentFrom(five));
+        EXPECT_TRUE(four->isDifferentFrom(text));
+        EXPECT_TRUE(four->isDifferentFrom(nullptr));
+        EXPECT_TRUE(four->getValueFrom(five));
+        EXPECT_EQ(four->Text(), "5");
+        EXPECT_FALSE(four->getValueFrom(text));
+        WeakPtrImpl<VValueBase> destroyed;
+        {
+            const auto other = make(6.0);
+            destroyed = other;
+        }
+        EXPECT_FALSE(four->getValueFrom(destroyed));
+        EXPECT_TRUE(four->isDifferentFrom(destroyed));
+        EXPECT_EQ(four->Text(), "5");
+    };
+    expectTheUsual();
+    std::promise<void> end;
+    std::thread other([&] { end.get_future().wait(); });
+    expectTheUsual();
+    end.set_value();
+    other.join();
 }
 
 TEST(VValue, comparesNotANumberAsUsualWhereItIsPartOfAnotherType)

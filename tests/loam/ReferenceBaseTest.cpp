@@ -263,6 +263,32 @@ TEST_F(ReferenceBaseTest, leavesOnlyDeadPointersWhenAConstructorOfAWideClassThro
     expectAThrowingConstructorToLeaveDeadPointersOnly<Failing<Wide>>();
 }
 
+TEST_F(ReferenceBaseTest, countsAnObjectThatIsMadeWithItsRootFirst)
+{
+    struct Rooted : ReferenceBase<Rooted> {
+        Rooted(bool fails, WeakPtr<Rooted>& theWatch) : ReferenceBase{RootFirst{}}, watch{theWatch}
+        {
+            watch = WeakPtr<Rooted>(this);
+            if (fails)
+                throw std::runtime_error{"failed"};
+        }
+        void extremeUnction() override { events += "unction "; }
+        ~Rooted() override { events += "destructor "; }
+        WeakPtr<Rooted>& watch;
+    };
+    WeakPtr<Rooted> watch;
+    {
+        const StrongPtr<Rooted> object(new (RootFirst{}) Rooted(false, watch));
+        EXPECT_EQ(object.referenceBlock()->strongCount(), 1u);
+        EXPECT_EQ(watch.lock(), object);
+    }
+    EXPECT_EQ(events, "unction destructor ");
+    EXPECT_TRUE(watch.expired());
+    EXPECT_THROW(new (RootFirst{}) Rooted(true, watch), std::runtime_error);
+    EXPECT_TRUE(watch.expired());
+    EXPECT_EQ(events, "unction destructor ");
+}
+
 TEST_F(ReferenceBaseTest, countsWhateverTheAlignmentOfAClassIs)
 {
     struct alignas(4096) Page : Logged {};

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <trellis/Export.hpp>
+#include <trellis/detail/NameTable.hpp>
 
 #include <loam/WeakPtr.hpp>
 
+#include <algorithm>
 #include <cstddef>
-#include <map>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -48,10 +49,8 @@ public:
     Loam::StrongPtr<Creator> find(std::string_view name) const
     {
         const std::lock_guard lock{m_mutex};
-        const auto entry = m_candidates.find(name);
-        if (entry == m_candidates.end())
-            return nullptr;
-        return firstAlive(entry->second);
+        const std::vector<Candidate>* const candidates = m_candidates.find(name);
+        return candidates ? firstAlive(*candidates) : nullptr;
     }
 
     /// The names that answer now, in alphabetic order.
@@ -59,10 +58,11 @@ public:
     {
         const std::lock_guard lock{m_mutex};
         std::vector<std::string> names;
-        for (const auto& [name, candidates] : m_candidates) {
+        m_candidates.forEach([&names](const std::string& name, const std::vector<Candidate>& candidates) {
             if (firstAlive(candidates))
                 names.push_back(name);
-        }
+        });
+        std::ranges::sort(names);
         return names;
     }
 
@@ -83,7 +83,7 @@ private:
     }
 
     mutable std::mutex m_mutex;
-    std::map<std::string, std::vector<Candidate>, std::less<>> m_candidates;
+    NameTable<std::vector<Candidate>> m_candidates;
 };
 
 } // namespace Orla::Detail
