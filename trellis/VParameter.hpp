@@ -4,6 +4,7 @@
 #include <trellis/VCreationPreferences.hpp>
 #include <trellis/ValueNotifierList.hpp>
 #include <trellis/VValueBase.hpp>
+#include <trellis/detail/PointerList.hpp>
 
 #include <string>
 #include <typeinfo>
@@ -107,7 +108,7 @@ public:
     void copyShadows(const VParameter& other) const;
 
     /// The slots that read the parameter now, in no particular order.
-    const std::vector<VSlot*>& readers() const noexcept { return m_readers; }
+    const Detail::PointerList<VSlot>& readers() const noexcept { return m_readers; }
 
     /// The slot that declared the parameter, or null. Frames of its container keep the
     /// parameter's variables, unless the slot reads another parameter now.
@@ -120,16 +121,16 @@ private:
     void noteHolder(ValuePool& pool) const;
     std::vector<StrongPtr<ValuePool>> holders() const;
 
-    std::vector<VSlot*> m_readers;
+    Detail::PointerList<VSlot> m_readers;
     VSlot* m_slot = nullptr;
     // Pools that hold a variable outside of frames; guarded by a lock of all parameters.
     mutable std::unique_ptr<PoolList> m_holders;
-    bool m_enabled = true;
     StrongPtr<VValueBase> m_value;
     std::string m_name;
     StrongPtr<VCreationPreferences> m_preferences;
     WeakPtrImpl<VSlotContainer> m_creator;
     WeakPtrImpl<VSlotContainer> m_source;
+    bool m_enabled = true;
 };
 
 } // namespace Orla

@@ -113,7 +113,7 @@ private:
     StrongPtr<VParameter> m_ownParameter;
     std::unique_ptr<const std::string> m_name; // null if it is the own parameter's
     std::unique_ptr<Link> m_link;              // null for a slot without a connection
-    std::size_t m_readerIndex = NotReading;
+    std::uint32_t m_readerIndex = NotReading; // among the readers of the parameter
     std::uint32_t m_cell = VSlotPlace::NoCell;
     int m_expertLevel;
     std::uint8_t m_flags;
@@ -121,7 +121,7 @@ private:
     bool m_readsOthers = false;
     bool m_keepsCell = false; // its cell is not given to another slot when it is removed
 
-    static constexpr std::size_t NotReading = ~std::size_t{0};
+    static constexpr std::uint32_t NotReading = ~std::uint32_t{0};
 };
 
 /// A set of slots in the order in which they were made, found by name.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <trellis/detail/PointerList.hpp>
 #include <trellis/detail/SpinLock.hpp>
 
 #include <atomic>
@@ -30,8 +31,8 @@ struct ContainerWiring {
     VObject* object = nullptr;
     Loam::ReferenceBlock* block = nullptr; // the object's; may be asked while it is being destroyed
     const std::string* name = nullptr; // the object's
-    std::unique_ptr<std::vector<VFrame*>> frames;           // one per pool that uses the container
-    std::unique_ptr<std::vector<std::uint32_t>> freeCells;  // of inputs that were removed
+    PointerList<VFrame> frames;        // one per pool that uses the container
+    std::unique_ptr<std::vector<std::uint32_t>> freeCells; // of inputs that were removed
     std::uint32_t index = 0;        // among the containers of the network
     std::uint32_t cells = 0;        // one per input and per declared output
     std::uint32_t order = 0;        // see `VSlotContainer::evaluationOrder`

@@ -17,9 +17,9 @@ namespace {
 template<class Function>
 void forEachFrame(VSlotContainer* container, Function&& function)
 {
-    if (!container || !container->wiring().frames)
+    if (!container)
         return;
-    for (VFrame* frame : *container->wiring().frames)
+    for (VFrame* frame : container->wiring().frames)
         function(*frame, PoolState::of(*frame));
 }
 
@@ -109,15 +109,15 @@ void FrameHooks::listenersChanged(const ValueNotifierList& list) noexcept
 void FrameHooks::containerGone(VSlotContainer& container) noexcept
 {
     // Taken out first: values that are destroyed here may use the container's pools.
-    const std::unique_ptr<std::vector<VFrame*>> frames = std::move(container.wiring().frames);
-    if (!frames)
+    const PointerList<VFrame> frames = std::move(container.wiring().frames);
+    if (frames.empty())
         return;
     // A parameter that only its slot holds is destroyed with it.
     constexpr std::uint32_t OwnReferences = 2;
     const auto keep = [&](VSlot& slot) {
         if (slot.ownParameter()->referenceBlock().strongCount() <= OwnReferences)
             return;
-        for (VFrame* frame : *frames) {
+        for (VFrame* frame : frames) {
             try {
                 PoolState::of(*frame).keepOutside(*frame, slot);
             } catch (const std::bad_alloc&) {
@@ -141,7 +141,7 @@ void FrameHooks::containerGone(VSlotContainer& container) noexcept
     });
     // Nor do the objects that the container reads.
     container.inputs().forEach([](const VSlot& slot) { readersChanged(*slot.parameter()); });
-    for (VFrame* frame : *frames)
+    for (VFrame* frame : frames)
         PoolState::of(*frame).dropFrame(*frame);
 }
 

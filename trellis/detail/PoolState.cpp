@@ -159,12 +159,8 @@ PoolState::~PoolState()
                 continue;
             ContainerWiring& wiring = const_cast<VSlotContainer*>(frame->m_container)->wiring();
             const std::lock_guard lock{wiring.framesLock};
-            std::vector<VFrame*>& all = *wiring.frames;
-            all[frame->m_place] = all.back();
-            all[frame->m_place]->m_place = frame->m_place;
-            all.pop_back();
-            if (all.empty())
-                wiring.frames.reset();
+            wiring.frames.back()->m_place = frame->m_place;
+            wiring.frames.removeAt(frame->m_place);
         }
         if (isUse)
             m_network->gate.leave();
@@ -255,10 +251,8 @@ VFrame* PoolState::makeFrame(VSlotContainer& container)
     frame->m_inlineCells = static_cast<std::uint8_t>(cells);
     try {
         const std::lock_guard lock{wiring.framesLock};
-        if (!wiring.frames)
-            wiring.frames = std::make_unique<std::vector<VFrame*>>();
-        frame->m_place = static_cast<std::uint32_t>(wiring.frames->size());
-        wiring.frames->push_back(frame);
+        frame->m_place = static_cast<std::uint32_t>(wiring.frames.size());
+        wiring.frames.push_back(frame);
     } catch (...) {
         ::operator delete(memory);
         throw;
@@ -807,13 +801,11 @@ std::vector<StrongPtr<ValuePool>> PoolState::poolsWithCell(const VParameter& par
     if (const VSlot* const home = homeSlot(parameter)) {
         ContainerWiring& wiring = home->container()->wiring();
         const std::lock_guard lock{wiring.framesLock};
-        if (wiring.frames) {
-            pools.reserve(wiring.frames->size());
-            for (VFrame* frame : *wiring.frames) {
-                const std::uint32_t cell = home->place().cell;
-                if (frame->hasCell(cell) && frame->cell(cell).value)
-                    pools.push_back(frame->m_pool->m_pool->root());
-            }
+        pools.reserve(wiring.frames.size());
+        for (VFrame* frame : wiring.frames) {
+            const std::uint32_t cell = home->place().cell;
+            if (frame->hasCell(cell) && frame->cell(cell).value)
+                pools.push_back(frame->m_pool->m_pool->root());
         }
     }
     std::erase(pools, nullptr);
@@ -842,9 +834,9 @@ void PoolState::announcePending()
 void PoolState::holdWhileUpdating(const StrongPtr<VManagedObjectBase>& object)
 {
     const auto* const container = dynamic_cast<const VSlotContainer*>(object.get());
-    if (!container || !container->wiring().frames)
+    if (!container)
         return;
-    for (VFrame* frame : *container->wiring().frames) {
+    for (VFrame* frame : container->wiring().frames) {
         if (frame->m_isUpdating)
             frame->m_pool->heldObjects.push_back(object);
     }
@@ -1032,7 +1024,7 @@ void PoolState::forEachReader(VFrame& frame, Function&& function) noexcept
     frame.m_container->outputs().forEach([&](const VSlot& slot) {
         if (!isResult(slot) || !isHome(slot))
             return;
-        const std::vector<VSlot*>& readers = slot.parameter()->readers();
+        const PointerList<VSlot>& readers = slot.parameter()->readers();
         for (std::size_t i = 0; i < readers.size(); ++i) {
             VSlotContainer* const container = readers[i]->container();
             if (!container)

@@ -33,7 +33,7 @@ void Wiring::join(VSlot& slot)
 {
     VParameter& parameter = *slot.m_parameter;
     parameter.m_readers.push_back(&slot);
-    slot.m_readerIndex = parameter.m_readers.size() - 1;
+    slot.m_readerIndex = static_cast<std::uint32_t>(parameter.m_readers.size() - 1);
     // An object that reads an output of its own is a loop like any other.
     const StrongPtr<VSlotContainer> owner = parameter.owner();
     slot.m_readsOthers = owner && (owner.get() != slot.m_container || !parameter.source().expired());
@@ -43,10 +43,9 @@ void Wiring::leave(VSlot& slot) noexcept
 {
     if (slot.m_readerIndex == VSlot::NotReading)
         return;
-    std::vector<VSlot*>& readers = slot.m_parameter->m_readers;
-    readers[slot.m_readerIndex] = readers.back();
-    readers[slot.m_readerIndex]->m_readerIndex = slot.m_readerIndex;
-    readers.pop_back();
+    PointerList<VSlot>& readers = slot.m_parameter->m_readers;
+    readers.back()->m_readerIndex = slot.m_readerIndex;
+    readers.removeAt(slot.m_readerIndex);
     slot.m_readerIndex = VSlot::NotReading;
 }
 
@@ -193,9 +192,7 @@ void Wiring::connect(VSlot& slot, const StrongPtr<VParameter>& parameter, const 
             step.slot->m_link = std::make_unique<VSlot::Link>();
         FrameHooks::keepOwnValues(*step.slot);
     }
-    std::vector<VSlot*>& readers = parameter->m_readers;
-    if (readers.capacity() < readers.size() + steps.size())
-        readers.reserve(std::max(2 * readers.size(), readers.size() + steps.size()));
+    parameter->m_readers.reserve(parameter->m_readers.size() + steps.size());
     if (leader && leader != &slot) {
         if (!slot.m_link)
             slot.m_link = std::make_unique<VSlot::Link>();
