@@ -1,8 +1,8 @@
-#include <tarn/CommandLine.hpp>
-#include <tarn/ExitStatus.hpp>
-#include <tarn/StandardStreams.hpp>
-#include <tarn/UrlHandler.hpp>
-#include <tarn/WarningPrinter.hpp>
+#include <tarn/commands/CommandLine.hpp>
+#include <tarn/commands/ExitStatus.hpp>
+#include <tarn/commands/StandardStreams.hpp>
+#include <tarn/run/UrlHandler.hpp>
+#include <tarn/run/WarningPrinter.hpp>
 #include <tarn/commands/Commands.hpp>
 
 #include <loam/FileError.hpp>

@@ -1,5 +1,5 @@
-#include <tarn/ExitStatus.hpp>
-#include <tarn/ManPage.hpp>
+#include <tarn/commands/ExitStatus.hpp>
+#include <tarn/commands/ManPage.hpp>
 #include <tarn/commands/Commands.hpp>
 
 #include <loam/FileError.hpp>

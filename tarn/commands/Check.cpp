@@ -1,10 +1,10 @@
 #include <tarn/commands/Commands.hpp>
 
-#include <tarn/ExitStatus.hpp>
-#include <tarn/HotKeys.hpp>
-#include <tarn/Session.hpp>
-#include <tarn/WarningPrinter.hpp>
-#include <tarn/Wording.hpp>
+#include <tarn/commands/ExitStatus.hpp>
+#include <tarn/run/HotKeys.hpp>
+#include <tarn/network/Session.hpp>
+#include <tarn/run/WarningPrinter.hpp>
+#include <tarn/text/Messages.hpp>
 
 namespace Tarn {
 

@@ -1,9 +1,9 @@
 #include <tarn/commands/Commands.hpp>
 
-#include <tarn/ExitStatus.hpp>
-#include <tarn/Faults.hpp>
-#include <tarn/WarningPrinter.hpp>
-#include <tarn/Wording.hpp>
+#include <tarn/commands/ExitStatus.hpp>
+#include <tarn/text/Faults.hpp>
+#include <tarn/run/WarningPrinter.hpp>
+#include <tarn/text/Messages.hpp>
 
 #include <fathom/CommandLineParser.hpp>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <tarn/Command.hpp>
+#include <tarn/commands/Command.hpp>
 
 #include <loam/OutputFile.hpp>
 

@@ -1,9 +1,9 @@
 #include <tarn/commands/Commands.hpp>
 
-#include <tarn/ExitStatus.hpp>
-#include <tarn/TypeReport.hpp>
-#include <tarn/WarningPrinter.hpp>
-#include <tarn/Wording.hpp>
+#include <tarn/commands/ExitStatus.hpp>
+#include <tarn/types/TypeReport.hpp>
+#include <tarn/run/WarningPrinter.hpp>
+#include <tarn/text/Messages.hpp>
 #include <tarn/commands/TypeArguments.hpp>
 
 #include <trellis/VObjectCreator.hpp>

@@ -1,11 +1,11 @@
 #include <tarn/commands/Commands.hpp>
 
-#include <tarn/ExitStatus.hpp>
-#include <tarn/GraphPicture.hpp>
-#include <tarn/NetworkGraph.hpp>
-#include <tarn/Session.hpp>
-#include <tarn/WarningPrinter.hpp>
-#include <tarn/Wording.hpp>
+#include <tarn/commands/ExitStatus.hpp>
+#include <tarn/network/GraphPicture.hpp>
+#include <tarn/network/NetworkGraph.hpp>
+#include <tarn/network/Session.hpp>
+#include <tarn/run/WarningPrinter.hpp>
+#include <tarn/text/Messages.hpp>
 
 #include <loam/OutputFile.hpp>
 

@@ -1,7 +1,7 @@
-#include <tarn/Libraries.hpp>
+#include <tarn/libraries/Libraries.hpp>
 
-#include <tarn/ExitStatus.hpp>
-#include <tarn/TypeReport.hpp>
+#include <tarn/commands/ExitStatus.hpp>
+#include <tarn/types/TypeReport.hpp>
 #include <tarn/commands/Commands.hpp>
 #include <tarn/commands/TypeArguments.hpp>
 

@@ -1,17 +1,17 @@
 #include <tarn/commands/Commands.hpp>
 
-#include <tarn/ChartChoice.hpp>
-#include <tarn/Evaluation.hpp>
-#include <tarn/EventPlayer.hpp>
-#include <tarn/ExitStatus.hpp>
-#include <tarn/Interruption.hpp>
-#include <tarn/PrintedOutputs.hpp>
-#include <tarn/Session.hpp>
-#include <tarn/StatusReport.hpp>
-#include <tarn/TableWriter.hpp>
-#include <tarn/Tracer.hpp>
-#include <tarn/WarningPrinter.hpp>
-#include <tarn/Wording.hpp>
+#include <tarn/network/ChartChoice.hpp>
+#include <tarn/run/Evaluation.hpp>
+#include <tarn/run/EventPlayer.hpp>
+#include <tarn/commands/ExitStatus.hpp>
+#include <tarn/run/Interruption.hpp>
+#include <tarn/run/PrintedOutputs.hpp>
+#include <tarn/network/Session.hpp>
+#include <tarn/run/StatusReport.hpp>
+#include <tarn/run/TableWriter.hpp>
+#include <tarn/run/Tracer.hpp>
+#include <tarn/run/WarningPrinter.hpp>
+#include <tarn/text/Messages.hpp>
 
 #include <loam/OutputFile.hpp>
 

@@ -1,9 +1,9 @@
 #include <tarn/commands/TypeArguments.hpp>
 
-#include <tarn/ExitStatus.hpp>
-#include <tarn/TypeCatalogue.hpp>
-#include <tarn/WarningPrinter.hpp>
-#include <tarn/Wording.hpp>
+#include <tarn/commands/ExitStatus.hpp>
+#include <tarn/types/TypeCatalogue.hpp>
+#include <tarn/run/WarningPrinter.hpp>
+#include <tarn/text/Messages.hpp>
 
 #include <charconv>
 #include <optional>

@@ -1,6 +1,6 @@
 #include <tarn/commands/Commands.hpp>
 
-#include <tarn/TypeReport.hpp>
+#include <tarn/types/TypeReport.hpp>
 #include <tarn/commands/TypeArguments.hpp>
 
 namespace Tarn {

@@ -1,6 +1,6 @@
 // The program as a whole: what it answers to the shell, and what it leaves behind.
 
-#include <tarn/ExitStatus.hpp>
+#include <tarn/commands/ExitStatus.hpp>
 
 #include "tarn/TarnProcess.hpp"
 

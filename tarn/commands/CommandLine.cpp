@@ -1,0 +1,172 @@
+#include <tarn/commands/CommandLine.hpp>
+
+#include <tarn/text/Messages.hpp>
+
+#include <fathom/CommandLineParser.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace Tarn {
+
+namespace {
+
+constexpr char GeneralHelp[] = R"(Loads networks of processing objects and evaluates them.
+
+)";
+
+constexpr char FilesHelp[] = R"(Results go to the files that are asked for, or to standard output where a file is
+called "-"; messages go to standard error. Networks and data that are not where their
+names say are looked for in the folders of the environment variable TARN_DATA, which
+are separated by semicolons.
+)";
+
+constexpr char StatusHelp[] = R"(  0  everything is fine
+  1  an object reported an error, or a loop did not settle
+  2  the network has faults
+  3  the command line is wrong
+  4  a file could not be read or written
+  129, 130, 143  interrupted by SIGHUP, SIGINT or SIGTERM
+)";
+
+class Parser final : public Orla::CommandLineParser {
+public:
+    explicit Parser(const std::vector<const Command*>& commands) : m_commands{commands} {}
+
+    bool processOption(const std::string& option) override
+    {
+        if (m_optionsEnded || option.empty())
+            return processArgument("-" + option);
+        if (option == "-") {
+            m_optionsEnded = true;
+            return true;
+        }
+        if (option == "-help" || option == "h") {
+            m_line.request = CommandLine::Request::Help;
+            return false;
+        }
+        if (!m_line.command && option == "-version") {
+            m_line.request = CommandLine::Request::Version;
+            return false;
+        }
+        readOption("-" + option);
+        return true;
+    }
+
+    bool processArgument(const std::string& argument) override
+    {
+        if (m_line.command)
+            m_line.arguments.names.push_back(argument);
+        else
+            m_line.command = &findCommand(argument);
+        m_line.request = CommandLine::Request::Perform;
+        return true;
+    }
+
+    CommandLine takeLine()
+    {
+        if (m_line.request != CommandLine::Request::Perform)
+            return std::move(m_line);
+        const Command& command = *m_line.command;
+        const std::vector<std::string>& names = m_line.arguments.names;
+        const std::string expected = ", expected " + synopsisOf(command);
+        if (names.size() < command.fewestNames)
+            throw UsageError{(names.empty() ? "no " + command.nameShape.substr(0, command.nameShape.find(' '))
+                                            : "too few names") + expected};
+        if (names.size() > command.mostNames)
+            throw UsageError{"one name too many, " + inQuotes(names[command.mostNames]) + expected};
+        return std::move(m_line);
+    }
+
+    bool isEmpty() const noexcept { return !m_line.command; }
+
+private:
+    const Command& findCommand(const std::string& name) const
+    {
+        std::vector<std::string> known;
+        for (const Command* command : m_commands) {
+            if (command->name == name)
+                return *command;
+            known.push_back(command->name);
+        }
+        throw UsageError{"unknown command " + inQuotes(name) + insteadOf(name, known)};
+    }
+
+    void readOption(const std::string& argument)
+    {
+        const auto equals = argument.find('=');
+        const std::string name = argument.substr(0, equals);
+        const std::vector<Option> none;
+        const std::vector<Option>& options = m_line.command ? m_line.command->options : none;
+        const auto option = std::ranges::find(options, name, [](const Option& each) { return "--" + each.name; });
+        if (option == options.end()) {
+            std::vector<std::string> known{"--help"};
+            if (!m_line.command)
+                known.emplace_back("--version");
+            for (const Option& each : options)
+                known.push_back("--" + each.name);
+            throw UsageError{"unknown option " + inQuotes(name) + insteadOf(name, known)};
+        }
+        const std::string text = equals == std::string::npos ? std::string() : argument.substr(equals + 1);
+        if (option->shape.empty() && equals != std::string::npos)
+            throw UsageError{printable(argument) + ": expected " + name + " without a value"};
+        if (!option->shape.empty() && text.empty())
+            throw UsageError{name + " has no value, expected " + name + "=" + option->shape};
+        std::vector<std::string>& texts = m_line.arguments.options[option->name];
+        if (!texts.empty() && !option->repeats)
+            throw UsageError{name + " is given twice"};
+        texts.push_back(text);
+    }
+
+    const std::vector<const Command*>& m_commands;
+    CommandLine m_line;
+    bool m_optionsEnded = false;
+};
+
+} // namespace
+
+CommandLine CommandLine::parse(int argc, char** argv, const std::vector<const Command*>& commands)
+{
+    Parser parser{commands};
+    const bool isWhole = parser.process(argc, argv);
+    if (isWhole && parser.isEmpty()) {
+        std::vector<std::string> known;
+        for (const Command* command : commands)
+            known.push_back(command->name);
+        throw UsageError{"no command" + insteadOf({}, known)};
+    }
+    return parser.takeLine();
+}
+
+std::string CommandLine::generalHelp(const std::vector<const Command*>& commands)
+{
+    std::string text = GeneralHelp;
+    std::vector<std::pair<std::string, std::string>> lines;
+    for (const Command* command : commands)
+        lines.emplace_back(command->name + (command->nameShape.empty() ? "" : " " + command->nameShape),
+                           command->summary);
+    lines.emplace_back("COMMAND --help", "Tells more about a command.");
+    std::size_t width = 0;
+    for (const auto& [lead, summary] : lines)
+        width = std::max(width, lead.size());
+    for (const auto& [lead, summary] : lines)
+        text += "  tarn " + lead + std::string(width - lead.size() + 2, ' ') + summary + "\n";
+    return text + "\n" + FilesHelp + "\nExit status:\n" + StatusHelp;
+}
+
+std::string CommandLine::filesHelp()
+{
+    return FilesHelp;
+}
+
+std::string CommandLine::statusHelp()
+{
+    return StatusHelp;
+}
+
+std::string CommandLine::versionText()
+{
+    return "tarn " TARN_VERSION "\n";
+}
+
+} // namespace Tarn

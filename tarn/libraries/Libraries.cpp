@@ -1,0 +1,92 @@
+#include <tarn/libraries/Libraries.hpp>
+
+#include <tarn/text/Messages.hpp>
+
+#include <trellis/VActionNotifier.hpp>
+
+#include <loam/Environment.hpp>
+#include <loam/StringUtil.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+namespace Tarn {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string join(const std::vector<std::string>& texts, const char* between)
+{
+    std::string joined;
+    for (const std::string& text : texts)
+        joined += (joined.empty() ? "" : between) + printable(text);
+    return joined;
+}
+
+} // namespace
+
+Libraries::Libraries(std::vector<std::string> folders) : m_folders{std::move(folders)}
+{
+}
+
+void Libraries::unload()
+{
+    while (!m_libraries.empty()) {
+        ::dlclose(m_libraries.back().handle);
+        m_libraries.pop_back();
+    }
+}
+
+std::string Libraries::load(const std::string& name)
+{
+    if (std::ranges::find(m_libraries, name, &Library::name) != m_libraries.end())
+        return {};
+    const std::string title = "library " + inQuotes(name);
+    std::vector<std::string> reasons;
+    for (const std::string& folder : m_folders) {
+        const std::string path = folder + '/' + name + ".so";
+        if (::access(path.c_str(), F_OK) != 0)
+            continue;
+        void* handle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (!handle) {
+            const char* error = ::dlerror();
+            reasons.emplace_back(error ? error : path + ": no reason was given");
+            continue;
+        }
+        m_libraries.push_back({name, handle});
+        if (!reasons.empty())
+            Orla::VActionNotifier::Warning(title + " was loaded from " + printable(path)
+                                           + ", after others could not be: " + join(reasons, "; "));
+        return {};
+    }
+    return reasons.empty() ? title + " was not found: no file " + printable(name) + ".so in " + join(m_folders, ", ")
+                           : title + " cannot be loaded: " + join(reasons, "; ");
+}
+
+std::vector<std::string> Libraries::searchPath(const std::string& networkFolder)
+{
+    std::vector<std::string> wanted{Loam::getExecutableDir() + "/../lib/fathom"};
+    Loam::StringUtil::split(Loam::getEnvString("TARN_LIBRARIES"), wanted, ':', false);
+    wanted.push_back(networkFolder);
+    wanted.push_back(networkFolder + "/lib");
+
+    std::vector<std::string> folders;
+    for (const std::string& folder : wanted) {
+        std::error_code error;
+        const fs::path absolute = fs::absolute(folder, error);
+        std::string normal = (error ? fs::path(folder) : absolute).lexically_normal().string();
+        if (normal.size() > 1 && normal.ends_with('/'))
+            normal.pop_back();
+        if (std::ranges::find(folders, normal) == folders.end())
+            folders.push_back(std::move(normal));
+    }
+    return folders;
+}
+
+} // namespace Tarn

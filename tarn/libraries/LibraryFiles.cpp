@@ -1,0 +1,92 @@
+#include <tarn/libraries/LibraryFiles.hpp>
+
+#include <tarn/libraries/Libraries.hpp>
+
+#include <trellis/VObjectCreator.hpp>
+#include <trellis/VValueCreator.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace Tarn {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char Ending[] = ".so";
+
+// Names of the libraries in the folder, in alphabetic order.
+std::vector<std::string> namesIn(const std::string& folder)
+{
+    std::vector<std::string> names;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        const std::string file = entry->path().filename().string();
+        if (file.ends_with(Ending) && file.size() + 1 > sizeof Ending)
+            names.push_back(file.substr(0, file.size() + 1 - sizeof Ending));
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+LibraryFile fileOf(const std::string& name, const std::string& path)
+{
+    return {.name = name, .path = path, .shadowedBy = {}, .refusal = {}, .objectTypes = {}, .valueTypes = {}};
+}
+
+std::vector<std::string> added(const std::vector<std::string>& before, const std::vector<std::string>& after)
+{
+    std::vector<std::string> added;
+    std::ranges::set_difference(after, before, std::back_inserter(added));
+    return added;
+}
+
+void lookInto(LibraryFile& file, const std::string& folder)
+{
+    const std::vector<std::string> objectTypes = Orla::VObjectCreator::names();
+    const std::vector<std::string> valueTypes = Orla::VValueCreator::names();
+    Libraries libraries{{folder}};
+    file.refusal = libraries.load(file.name);
+    file.objectTypes = added(objectTypes, Orla::VObjectCreator::names());
+    file.valueTypes = added(valueTypes, Orla::VValueCreator::names());
+    // Nothing was made.
+    libraries.unload();
+}
+
+} // namespace
+
+std::vector<LibraryFile> findLibraryFiles(const std::vector<std::string>& folders,
+                                          const std::vector<std::string>& names)
+{
+    std::vector<LibraryFile> files;
+    for (const std::string& folder : folders) {
+        for (const std::string& name : names.empty() ? namesIn(folder) : names) {
+            const std::string path = folder + '/' + name + Ending;
+            const auto isSame = [&](const LibraryFile& each) { return each.path == path; };
+            if (::access(path.c_str(), F_OK) != 0 || std::ranges::any_of(files, isSame))
+                continue;
+            LibraryFile file = fileOf(name, path);
+            const auto first = std::ranges::find_if(
+                files, [&](const LibraryFile& each) { return each.name == name && each.refusal.empty(); });
+            if (first != files.end())
+                file.shadowedBy = first->path;
+            lookInto(file, folder);
+            files.push_back(std::move(file));
+        }
+    }
+    for (const std::string& name : names) {
+        if (std::ranges::find(files, name, &LibraryFile::name) != files.end())
+            continue;
+        LibraryFile file = fileOf(name, {});
+        file.refusal = Libraries{folders}.load(name);
+        files.push_back(std::move(file));
+    }
+    return files;
+}
+
+} // namespace Tarn

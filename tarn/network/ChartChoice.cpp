@@ -1,0 +1,53 @@
+#include <tarn/network/ChartChoice.hpp>
+
+#include <fathom/VChart.hpp>
+
+
+namespace Tarn {
+
+namespace {
+
+using Orla::StrongPtr;
+
+template<class T>
+T read(const Orla::VChartSelector& selector, const char* output, const StrongPtr<Orla::ValuePool>& pool)
+{
+    T result{};
+    const StrongPtr<Orla::VValueBase> value = selector.findOutput(output)->getValueBase(pool);
+    if (const auto* typed = Orla::VTypedValueBase<T>::cast(value.get()))
+        typed->getValue(result);
+    return result;
+}
+
+} // namespace
+
+ChartChoice ChartChoice::find()
+{
+    // Asking for the selector of the network would make one.
+    ChartChoice choice;
+    Orla::VManagedObject::forEachObject<Orla::VChartSelector>([&](const StrongPtr<Orla::VChartSelector>& selector) {
+        choice.m_selector = selector;
+        return false;
+    });
+    return choice;
+}
+
+void ChartChoice::want(const std::string& name) const
+{
+    m_selector->findSlot("chartname")->setInitialText(name);
+}
+
+std::string ChartChoice::current(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    return read<Orla::VChart>(*m_selector, "CurrentChart", pool).name();
+}
+
+std::vector<std::string> ChartChoice::names(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    std::vector<std::string> names;
+    for (const Orla::VChart& chart : read<Orla::VChartList>(*m_selector, "atlas", pool))
+        names.push_back(chart.name());
+    return names;
+}
+
+} // namespace Tarn

@@ -1,0 +1,187 @@
+#include <tarn/network/Conversion.hpp>
+
+#include <tarn/libraries/AnnouncedObjects.hpp>
+#include <tarn/libraries/FailureOf.hpp>
+#include <tarn/network/NetworkWriter.hpp>
+#include <tarn/network/RelativePathRewriter.hpp>
+#include <tarn/network/RestorableText.hpp>
+#include <tarn/network/Session.hpp>
+#include <tarn/text/Utf8.hpp>
+#include <tarn/text/Messages.hpp>
+
+#include <trellis/VObjectCreator.hpp>
+
+#include <loam/FileError.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include <unistd.h>
+
+namespace Tarn {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool isKnownType(const std::string& type)
+{
+    return bool(Orla::VObjectCreator::find(type));
+}
+
+bool isNumberType(const std::type_info& type) noexcept
+{
+    const std::type_info* const numbers[] = {
+        &typeid(short), &typeid(unsigned short), &typeid(int), &typeid(unsigned int), &typeid(long),
+        &typeid(unsigned long), &typeid(long long), &typeid(unsigned long long), &typeid(float), &typeid(double)};
+    return std::ranges::any_of(numbers, [&](const std::type_info* number) { return *number == type; });
+}
+
+bool hasLibrary(const std::string& folder, const std::string& name)
+{
+    return std::ranges::any_of(Libraries::searchPath(folder), [&](const std::string& place) {
+        std::error_code error;
+        return fs::exists(place + '/' + name + ".so", error);
+    });
+}
+
+} // namespace
+
+Conversion::Conversion(const std::string& path, const std::vector<std::string>& overrides)
+    : m_faults{path}, m_unknown{path}, m_folder{folderOf(path)}, m_libraries{Libraries::searchPath(m_folder)}
+{
+    const std::string text = readFile(path);
+    if (::chdir(m_folder.c_str()) != 0)
+        throw Loam::FileError{"cannot enter " + printable(m_folder), errno};
+    // Which types are known shows when the libraries are loaded.
+    Faults toldLater{path};
+    const std::vector<std::string> missing = loadLibraries(parseNetwork(text, toldLater).libraries);
+    m_file = parseNetwork(text, m_faults, &isKnownType);
+    const NetworkInputs inputs = readInputs(m_file, overrides, missing, m_faults, m_unknown);
+    m_connectionCount = inputs.connectionCount;
+    if (m_faults.empty())
+        makeCanonical(inputs);
+    // Those that constructors made for themselves.
+    removeAnnouncedObjects();
+}
+
+std::vector<std::string> Conversion::loadLibraries(const std::vector<PlacedText>& names)
+{
+    std::vector<std::string> missing;
+    std::vector<PlacedText> wanted{{StandardLibrary, {}}};
+    wanted.insert(wanted.end(), names.begin(), names.end());
+    for (const auto& [name, place] : wanted) {
+        if (std::ranges::find(missing, name) != missing.end())
+            continue;
+        if (const std::string why = m_libraries.load(name); !why.empty()) {
+            m_unknown.add(place, why);
+            missing.push_back(name);
+        }
+    }
+    return missing;
+}
+
+void Conversion::makeCanonical(const NetworkInputs& inputs)
+{
+    for (std::size_t number = 0; number < m_file.objects.size(); ++number) {
+        NetworkFile::Object& object = m_file.objects[number];
+        const NetworkInputs::Object& made = inputs.objects[number];
+        if (!made.isKnown)
+            continue;
+        object.texts.clear();
+        for (const NetworkInputs::Input& input : made.set)
+            keepValue(number, input);
+        std::vector<NetworkFile::Setting> connections;
+        for (const std::string& name : made.names) {
+            const auto found = std::ranges::find(object.connections, name,
+                                                 [](const NetworkFile::Setting& entry) { return entry.input.text; });
+            if (found != object.connections.end())
+                connections.push_back(std::move(*found));
+        }
+        object.connections = std::move(connections);
+    }
+}
+
+void Conversion::keepValue(std::size_t number, const NetworkInputs::Input& input)
+{
+    std::optional<RestorableText> form;
+    std::string why = failureOf([&] { form = restorableText(input.given, input.value, input.texts); });
+    if (!form) {
+        if (why.empty())
+            why = std::ranges::all_of(input.texts, isUtf8) ? "no text that a file can hold restores it"
+                                                           : "the text is no UTF-8";
+        m_faults.add(input.place, input.description + ": the value cannot be kept: " + why);
+        return;
+    }
+    std::vector<NetworkFile::InputText>& texts = m_file.objects[number].texts;
+    NetworkFile::InputText& text = texts.emplace_back(NetworkFile::InputText{{input.name, {}}, {}});
+    // Whatever is written stands somewhere.
+    constexpr Place Somewhere{1, 1};
+    if (form->text)
+        text.value = {*form->text, Somewhere};
+    for (const std::string& exact : form->exact)
+        text.exact.push_back({exact, Somewhere});
+    text.isNumber = isNumberType(*input.type);
+    if (*input.type == typeid(std::string))
+        m_heldTexts.push_back({number, texts.size() - 1});
+}
+
+std::vector<std::string> Conversion::moveTo(const std::string& folder)
+{
+    const RelativePathRewriter rewriter{m_folder, folder};
+    std::vector<std::string> messages;
+    if (!rewriter.isNeeded())
+        return messages;
+    const auto start = [this](const NetworkFile::Object& object, const NetworkFile::InputText& text) {
+        return m_faults.file() + ": " + object.description + ", input " + inQuotes(text.input.text) + ": "
+               + inQuotes(text.value.text);
+    };
+    for (const HeldText& held : m_heldTexts) {
+        NetworkFile::Object& object = m_file.objects[held.object];
+        NetworkFile::InputText& text = object.texts[held.text];
+        if (const std::optional<std::string> moved = rewriter.moved(text.value.text)) {
+            if (isUtf8(*moved)) {
+                messages.push_back(start(object, text) + " is written as " + inQuotes(*moved)
+                                   + ", which is the same file from the new folder");
+                text.value.text = *moved;
+            } else {
+                m_faults.add(start(object, text) + " names a file whose name from the new folder is no UTF-8");
+            }
+        } else if (rewriter.concerns(text.value.text)) {
+            messages.push_back(start(object, text) + " is also the name of a folder, and is left as it is");
+        }
+    }
+    for (const NetworkFile::Object& object : m_file.objects) {
+        if (object.kept.empty())
+            continue;
+        for (const NetworkFile::InputText& text : object.texts) {
+            if (rewriter.concerns(text.value.text))
+                messages.push_back(start(object, text) + " names a file and is left as it is, because the type of the "
+                                                         "object is not known");
+        }
+    }
+    for (const PlacedText& library : m_file.libraries) {
+        if (hasLibrary(m_folder, library.text) && !hasLibrary(folder, library.text))
+            messages.push_back(m_faults.file() + ": library " + inQuotes(library.text)
+                               + " is not found from the new folder; it lies beside the old network");
+    }
+    return messages;
+}
+
+std::string Conversion::text() const
+{
+    std::string text = networkText(m_file);
+    // What does not read back must not replace what did.
+    Faults faults{m_faults.file()};
+    if (networkText(parseNetwork(text, faults, &isKnownType)) != text || !faults.empty())
+        throw std::logic_error(m_faults.file() + " would not be read back as it is"
+                               + (faults.empty() ? "" : ": " + faults.lines().front()));
+    return text;
+}
+
+} // namespace Tarn

@@ -1,0 +1,61 @@
+#include <tarn/network/RestorableText.hpp>
+
+#include <tarn/text/Utf8.hpp>
+
+#include <algorithm>
+#include <cstddef>
+
+namespace Tarn {
+
+namespace {
+
+using Value = Orla::StrongPtr<Orla::VValueBase>;
+
+// What the texts make of a copy of `given`, each starting from a copy of what the
+// one before left, as in an input; null if one is refused.
+Value readInto(const Value& given, const std::vector<std::string>& texts)
+{
+    Value value = given->copy();
+    for (const std::string& text : texts) {
+        value = value->copy();
+        if (!value->setValueFromText(text))
+            return nullptr;
+    }
+    return value;
+}
+
+} // namespace
+
+std::optional<RestorableText> restorableText(const Value& given, const Value& value, const std::vector<std::string>& texts)
+{
+    RestorableText form;
+    const std::string written = value->Text();
+    // The text tells what a comparison does not look at, such as the sign of zero,
+    // and the comparison what the text leaves out.
+    const auto restores = [&](const std::vector<std::string>& candidate, bool isCompared) {
+        const Value read = readInto(given, candidate);
+        return read && read->Text() == written && (!isCompared || !read->isDifferentFrom(value));
+    };
+    if (isUtf8(written)) {
+        form.text = written;
+        if (restores({written}, true))
+            return form;
+    }
+    for (auto first = texts.end(); first != texts.begin();) {
+        --first;
+        if (!isUtf8(*first))
+            break;
+        // One that holds NaN may differ from its own copy, so that comparing tells
+        // nothing; what was read before is then read again.
+        const bool isCompared = first != texts.begin() || !value->isDifferentFrom(value->copy());
+        form.exact.assign(first, texts.end());
+        if (!restores(form.exact, isCompared))
+            continue;
+        if (form.text && form.exact == std::vector{*form.text})
+            form.exact.clear();
+        return form;
+    }
+    return std::nullopt;
+}
+
+} // namespace Tarn

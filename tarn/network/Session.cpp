@@ -1,0 +1,126 @@
+#include <tarn/network/Session.hpp>
+
+#include <tarn/libraries/AnnouncedObjects.hpp>
+#include <tarn/network/ChartChoice.hpp>
+#include <tarn/text/Messages.hpp>
+
+#include <loam/FileError.hpp>
+#include <loam/Numbers.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace Tarn {
+
+namespace {
+
+// Where the input of the object is set, else where the object stands.
+Place placeOfSetting(const NetworkFile& file, const std::string& object, const std::string& input)
+{
+    const auto entry = std::ranges::find(file.objects, object, [](const auto& each) { return each.name.text; });
+    if (entry == file.objects.end())
+        return {};
+    const auto text = std::ranges::find(entry->texts, input, [](const auto& each) { return each.input.text; });
+    if (text == entry->texts.end())
+        return entry->place;
+    return text->exact.empty() ? text->value.place : text->exact.front().place;
+}
+
+} // namespace
+
+Session::Session(const std::string& path, const std::vector<std::string>& overrides,
+                 std::optional<std::uint64_t> stepLimit, const std::optional<std::string>& chart)
+    : m_faults{path}
+    , m_tracker{Loam::makeStrong<ObjectTracker>()}
+    , m_folder{folderOf(path)}
+    , m_libraries{Libraries::searchPath(m_folder)}
+    , m_pool{Loam::makeStrong<Orla::ValuePool>(path)}
+{
+    const std::string text = readFile(path);
+    if (::chdir(m_folder.c_str()) != 0)
+        throw Loam::FileError{"cannot enter " + printable(m_folder), errno};
+    const NetworkFile file = parseNetwork(text, m_faults);
+    m_objects.emplace(m_folder);
+    m_scope.emplace(*m_objects);
+    Orla::VActionNotifier::add(m_tracker);
+    std::vector<std::string> missing;
+    loadLibraries(file, missing);
+    m_network = buildNetwork(file, overrides, missing, m_faults);
+    m_chart = chart ? PlacedText{*chart, {}} : file.chart;
+    if (m_faults.empty() && !m_chart.text.empty())
+        chooseChart();
+    if (m_faults.empty())
+        countSteps(file, stepLimit);
+}
+
+Session::~Session()
+{
+    m_tracker->countValues(m_pool);
+    m_timeProvider = {};
+    m_network = {};
+    m_pool.reset();
+    removeAnnouncedObjects();
+    m_scope.reset();
+    m_objects.reset();
+    Orla::VActionNotifier::remove(m_tracker);
+    const std::string survivor = m_tracker->survivor();
+    if (survivor.empty())
+        m_libraries.unload();
+    else
+        Orla::VActionNotifier::Warning("The libraries stay in memory, because somebody still holds " + survivor);
+}
+
+void Session::loadLibraries(const NetworkFile& file, std::vector<std::string>& missing)
+{
+    std::vector<PlacedText> wanted{{StandardLibrary, {}}};
+    wanted.insert(wanted.end(), file.libraries.begin(), file.libraries.end());
+    for (const auto& [name, place] : wanted) {
+        if (std::ranges::find(missing, name) != missing.end())
+            continue;
+        const std::string why = m_libraries.load(name);
+        if (why.empty())
+            continue;
+        m_faults.add(place, why);
+        missing.push_back(name);
+    }
+}
+
+void Session::chooseChart()
+{
+    if (const ChartChoice choice = ChartChoice::find())
+        choice.want(m_chart.text);
+    else
+        m_faults.add(m_chart.place, std::string(m_chart.place ? "" : "--") + "chart: found " + inQuotes(m_chart.text)
+                                        + ", but no object depends on a chart");
+}
+
+void Session::countSteps(const NetworkFile& file, std::optional<std::uint64_t> limit)
+{
+    m_timeProvider = TimeProvider::find();
+    if (!m_timeProvider)
+        return;
+    const Orla::VTime time = m_timeProvider.time(m_pool);
+    const double count = TimeProvider::stepCount(time);
+    const auto report = [&](const std::string& expected) {
+        m_faults.add(placeOfSetting(file, m_timeProvider.name(), m_timeProvider.inputName()),
+                     "object " + inQuotes(m_timeProvider.name()) + ", input " + inQuotes(m_timeProvider.inputName())
+                         + ": the time " + Orla::VValueTrait<Orla::VTime>::Text(time) + " has "
+                         + Loam::numberText(count) + " steps, " + expected);
+    };
+    // Written so that NaN, which compares false with everything, is refused too.
+    if (!(count >= 1 && count <= MostCountedSteps)) {
+        report("expected 1 or more, " + Loam::numberText(MostCountedSteps) + " at most");
+        return;
+    }
+    m_stepCount = static_cast<std::uint64_t>(count);
+    if (limit)
+        m_stepCount = std::min(m_stepCount, *limit);
+    else if (count > MostSteps)
+        report("more than " + Loam::numberText(MostSteps) + "; --steps=N evaluates the first N of them");
+}
+
+} // namespace Tarn

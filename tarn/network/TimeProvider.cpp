@@ -1,0 +1,74 @@
+#include <tarn/network/TimeProvider.hpp>
+
+#include <tarn/text/Messages.hpp>
+
+#include <trellis/VActionNotifier.hpp>
+
+#include <limits>
+#include <typeinfo>
+
+namespace Tarn {
+
+namespace {
+
+using Orla::StrongPtr;
+
+StrongPtr<Orla::VSlot> freeTimeInput(const Orla::VObject& object)
+{
+    for (const StrongPtr<Orla::VSlot>& input : object.inputs()) {
+        if (input->type() == typeid(Orla::VTime) && !input->isConnected())
+            return input;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+TimeProvider TimeProvider::find()
+{
+    const Orla::VCreationPreferences wanted{"default", "GlobalTime"};
+    double weight = std::numeric_limits<double>::infinity();
+    std::size_t equals = 0;
+    TimeProvider provider;
+    Orla::VManagedObject::forEachObject<Orla::VObject>([&](const StrongPtr<Orla::VObject>& object) {
+        const auto& preferences = object->creationPreferences();
+        if (!preferences || !preferences->contains("GlobalTime"))
+            return;
+        const StrongPtr<Orla::VSlot> input = freeTimeInput(*object);
+        const double candidate = preferences->weight(wanted);
+        // Written so that NaN, which has no place in an order, is skipped.
+        if (!input || !(candidate <= weight))
+            return;
+        equals = candidate < weight ? 1 : equals + 1;
+        weight = candidate;
+        provider.m_name = object->Name();
+        provider.m_input = input;
+    });
+    if (equals > 1)
+        Orla::VActionNotifier::Warning(counted(equals, "object") + " provide the global time; "
+                                       + inQuotes(provider.m_name) + " is stepped");
+    return provider;
+}
+
+Orla::VTime TimeProvider::time(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    Orla::VTime time;
+    const StrongPtr<Orla::VValueBase> value = m_input->getLocalValue(pool);
+    if (const auto* typed = Orla::VTypedValueBase<Orla::VTime>::cast(value.get()))
+        typed->getValue(time);
+    return time;
+}
+
+void TimeProvider::setStep(const StrongPtr<Orla::ValuePool>& pool, const Orla::VTime& like, std::uint64_t step) const
+{
+    Orla::VTime time = like;
+    time.time = like.Tdiscrete(static_cast<double>(step));
+    m_input->set(pool, time);
+}
+
+double TimeProvider::stepCount(const Orla::VTime& time) noexcept
+{
+    return time.maxTsteps() + 1;
+}
+
+} // namespace Tarn

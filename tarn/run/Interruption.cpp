@@ -1,0 +1,104 @@
+#include <tarn/run/Interruption.hpp>
+
+#include <loam/OutputFile.hpp>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <ctime>
+
+#include <unistd.h>
+
+namespace Tarn {
+
+namespace {
+
+// Time to wind up, in nanoseconds; well within the second that people wait.
+constexpr long Grace = 800'000'000;
+
+constexpr int Signals[] = {SIGINT, SIGTERM, SIGHUP};
+
+std::atomic<Orla::VCancellation*> theCancellation{nullptr};
+std::atomic<int> theSignal{0};
+timer_t theTimer;
+bool theTimerExists = false;
+struct sigaction theFormerActions[std::size(Signals)];
+
+static_assert(std::atomic<int>::is_always_lock_free,
+              "a signal handler may not wait for a lock");
+
+// Everything from here to the class runs in signal handlers.
+
+template<std::size_t Size>
+[[noreturn]] void endAtOnce(const char (&message)[Size])
+{
+    Loam::OutputFile::removeUnfinished();
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message, Size - 1);
+    ::_exit(128 + theSignal.load());
+}
+
+void graceIsOver(int)
+{
+    endAtOnce("tarn: interrupted; an object did not stop in time\n");
+}
+
+void interrupted(int signal)
+{
+    const int error = errno;
+    int none = 0;
+    if (!theSignal.compare_exchange_strong(none, signal))
+        endAtOnce("tarn: interrupted a second time\n");
+    if (Orla::VCancellation* cancellation = theCancellation.load())
+        cancellation->cancel();
+    if (theTimerExists) {
+        itimerspec time{};
+        time.it_value.tv_nsec = Grace;
+        ::timer_settime(theTimer, 0, &time, nullptr);
+    }
+    errno = error;
+}
+
+} // namespace
+
+Interruption::Interruption()
+{
+    theSignal = 0;
+    theCancellation = &m_cancellation;
+
+    // The signal of the timer is one that libraries are unlikely to use themselves.
+    struct sigaction action{};
+    sigfillset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    action.sa_handler = graceIsOver;
+    ::sigaction(SIGRTMAX, &action, nullptr);
+    sigevent event{};
+    event.sigev_notify = SIGEV_SIGNAL;
+    event.sigev_signo = SIGRTMAX;
+    theTimerExists = ::timer_create(CLOCK_MONOTONIC, &event, &theTimer) == 0;
+
+    action.sa_handler = interrupted;
+    for (std::size_t i = 0; i < std::size(Signals); ++i) {
+        ::sigaction(Signals[i], nullptr, &theFormerActions[i]);
+        if (theFormerActions[i].sa_handler != SIG_IGN)
+            ::sigaction(Signals[i], &action, nullptr);
+    }
+}
+
+Interruption::~Interruption()
+{
+    for (std::size_t i = 0; i < std::size(Signals); ++i)
+        ::sigaction(Signals[i], &theFormerActions[i], nullptr);
+    if (theTimerExists)
+        ::timer_delete(theTimer);
+    theTimerExists = false;
+    std::signal(SIGRTMAX, SIG_DFL);
+    theCancellation = nullptr;
+}
+
+int Interruption::signal() noexcept
+{
+    return theSignal.load();
+}
+
+} // namespace Tarn

@@ -1,0 +1,52 @@
+#include <tarn/run/WarningPrinter.hpp>
+
+#include <tarn/run/Progress.hpp>
+
+#include <cstdio>
+
+namespace Tarn {
+
+namespace {
+
+// Warnings that differ each time are not worth remembering without end.
+constexpr std::size_t MostRemembered = 10000;
+
+} // namespace
+
+void printLine(const std::string& line)
+{
+    Progress::hide();
+    // In one piece, because libraries may write at the same time.
+    const std::string whole = line + '\n';
+    std::fwrite(whole.data(), 1, whole.size(), stderr);
+}
+
+void say(const std::string& message)
+{
+    printLine("tarn: " + message);
+}
+
+WarningPrinter::~WarningPrinter() = default;
+
+bool WarningPrinter::warned(const std::string& message)
+{
+    const auto found = m_counts.find(message);
+    if (found != m_counts.end()) {
+        ++found->second;
+        return true;
+    }
+    if (m_counts.size() < MostRemembered)
+        m_counts.emplace(message, 1);
+    say("warning: " + message);
+    return true;
+}
+
+void WarningPrinter::printRepeats() const
+{
+    for (const auto& [message, count] : m_counts) {
+        if (count > 1)
+            say("warning: " + message + " (" + std::to_string(count) + " times in all)");
+    }
+}
+
+} // namespace Tarn

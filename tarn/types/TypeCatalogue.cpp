@@ -1,0 +1,159 @@
+#include <tarn/types/TypeCatalogue.hpp>
+
+#include <tarn/libraries/AnnouncedObjects.hpp>
+#include <tarn/libraries/FailureOf.hpp>
+
+#include <fathom/VConnectionTypeColors.hpp>
+
+#include <trellis/TypedSlotCreator.hpp>
+#include <trellis/VObjectCreator.hpp>
+#include <trellis/VValueComponents.hpp>
+#include <trellis/VValueCreator.hpp>
+
+#include <loam/Environment.hpp>
+#include <loam/Typename.hpp>
+
+#include <stdexcept>
+
+namespace Tarn {
+
+namespace {
+
+using Orla::StrongPtr;
+using Orla::VSlot;
+
+ObjectTypeDescription nameAndFile(const Orla::VObjectCreator& creator)
+{
+    return {.name = creator.typeName(),
+            .library = Loam::getLibraryPath(&creator.objectType()),
+            .failure = {},
+            .inputs = {},
+            .outputs = {}};
+}
+
+ObjectTypeDescription::Input describeInput(const VSlot& slot)
+{
+    ObjectTypeDescription::Input input{.name = slot.name(),
+                                       .type = Loam::Typename(slot.type()),
+                                       .level = slot.expertLevel(),
+                                       .initialText = slot.ownParameter()->DefaultValue()->Text(),
+                                       .findsPartner = slot.hasFlag(VSlot::AutoConnected),
+                                       .partner = {}};
+    // What is connected so early was connected by the constructor.
+    if (slot.isConnected() || !slot.ownsParameter()) {
+        input.findsPartner = true;
+        const StrongPtr<Orla::VSlotContainer> owner = slot.parameter()->owner();
+        if (owner && owner->object())
+            input.partner = owner->object()->Name() + '.' + slot.parameter()->Name();
+    }
+    return input;
+}
+
+void readSlots(const Orla::VObject& object, int highestLevel, ObjectTypeDescription& description)
+{
+    for (const StrongPtr<VSlot>& slot : object.inputs()) {
+        if (slot->expertLevel() > highestLevel)
+            ++description.hiddenInputs;
+        else
+            description.inputs.push_back(describeInput(*slot));
+    }
+    for (const StrongPtr<VSlot>& slot : object.outputs())
+        description.outputs.push_back({slot->name(), Loam::Typename(slot->type())});
+}
+
+} // namespace
+
+TypeCatalogue::TypeCatalogue(const std::vector<std::string>& libraries)
+    : m_tracker{Loam::makeStrong<ObjectTracker>()}, m_libraries{Libraries::searchPath(Loam::getCurrentDir())}
+{
+    Orla::VActionNotifier::add(m_tracker);
+    std::vector<std::string> names{StandardLibrary};
+    names.insert(names.end(), libraries.begin(), libraries.end());
+    for (const std::string& name : names) {
+        if (const std::string why = m_libraries.load(name); !why.empty())
+            m_refusals.push_back(why);
+    }
+}
+
+TypeCatalogue::~TypeCatalogue()
+{
+    Orla::VActionNotifier::remove(m_tracker);
+    const std::string survivor = m_tracker->survivor();
+    if (survivor.empty())
+        m_libraries.unload();
+    else
+        Orla::VActionNotifier::Warning("The libraries stay in memory, because somebody still holds " + survivor);
+}
+
+std::vector<ValueTypeDescription> TypeCatalogue::valueTypes() const
+{
+    std::vector<ValueTypeDescription> all;
+    for (const std::string& name : Orla::VValueCreator::names()) {
+        for (ValueTypeDescription& each : valueTypes(name))
+            all.push_back(std::move(each));
+    }
+    return all;
+}
+
+std::vector<ValueTypeDescription> TypeCatalogue::valueTypes(const std::string& name) const
+{
+    const StrongPtr<Orla::VValueCreator> creator = Orla::VValueCreator::find(name);
+    if (!creator)
+        return {};
+    const std::type_info& type = creator->valueType();
+    ValueTypeDescription description{.name = name,
+                                     .colour = Orla::VConnectionTypeColors::get(type),
+                                     .defaultText = {},
+                                     .failure = {},
+                                     .isInput = bool(Orla::TypedSlotCreator::find(type)),
+                                     .components = Orla::VValueComponents::names(type)};
+    description.failure = failureOf([&] {
+        // The text may be refused; the value is made in either case.
+        bool ok = false;
+        const StrongPtr<Orla::VValueBase> value = creator->create({}, ok);
+        if (!value)
+            throw std::runtime_error("its creator made nothing");
+        description.defaultText = value->Text();
+    });
+    return {description};
+}
+
+std::vector<ObjectTypeDescription> TypeCatalogue::objectTypes(int highestLevel) const
+{
+    std::vector<ObjectTypeDescription> all;
+    for (const std::string& name : Orla::VObjectCreator::names()) {
+        for (ObjectTypeDescription& each : objectTypes(name, highestLevel))
+            all.push_back(std::move(each));
+    }
+    return all;
+}
+
+std::vector<ObjectTypeDescription> TypeCatalogue::objectTypeFiles() const
+{
+    std::vector<ObjectTypeDescription> all;
+    for (const std::string& name : Orla::VObjectCreator::names()) {
+        if (const StrongPtr<Orla::VObjectCreator> creator = Orla::VObjectCreator::find(name))
+            all.push_back(nameAndFile(*creator));
+    }
+    return all;
+}
+
+std::vector<ObjectTypeDescription> TypeCatalogue::objectTypes(const std::string& name, int highestLevel) const
+{
+    const StrongPtr<Orla::VObjectCreator> creator = Orla::VObjectCreator::find(name);
+    if (!creator)
+        return {};
+    ObjectTypeDescription description = nameAndFile(*creator);
+    description.failure = failureOf([&] {
+        const StrongPtr<Orla::VObject> object = creator->create(name, 0, nullptr);
+        if (!object)
+            throw std::runtime_error("its creator made nothing");
+        m_tracker->objectCreated(object, {}, creator);
+        m_tracker->countValues(nullptr);
+        readSlots(*object, highestLevel, description);
+    });
+    removeAnnouncedObjects();
+    return {description};
+}
+
+} // namespace Tarn

@@ -1,0 +1,88 @@
+#include <tarn/commands/StandardStreams.hpp>
+
+#include "tarn/TarnProcess.hpp"
+
+#include <gmock/gmock.h>
+
+#include <type_traits>
+
+using testing::HasSubstr;
+
+static_assert(!std::is_copy_constructible_v<Tarn::StandardStreams>);
+
+namespace {
+
+const std::string network = "format = 1\nlibraries = ['testobjects']\n[[object]]\nname = 'talker'\ntype = 'Talker'\n"
+                            "[[object]]\nname = 'echo'\ntype = 'Echo'\nset = { text = 'result' }\n"
+                            "[[column]]\ntitle = 'text'\nvalue = 'echo.out'\n";
+
+} // namespace
+
+TEST(StandardStreams, keepStandardOutputForResults)
+{
+    const TestFolder folder;
+    const ProcessResult result = runTarn({"run", folder.write("net.toml", network), "--table=-"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "step,text\n0,result\n");
+    for (const char* text : {"talker: puts in the constructor\n", "talker: printf\n", "talker: cout\n", "talker: write\n"})
+        EXPECT_THAT(result.err, HasSubstr(text));
+}
+
+TEST(StandardStreams, getNothingWhereNobodyAskedForAResult)
+{
+    const TestFolder folder;
+    const std::string file = folder.write("net.toml", network);
+    EXPECT_EQ(runTarn({"run", file}).out, "");
+    EXPECT_EQ(runTarn({"check", file}).out, "");
+    EXPECT_EQ(runTarn({"run", folder.file("none")}).out, "");
+    EXPECT_EQ(runTarn({"nonsense"}).out, "");
+}
+
+TEST(StandardStreams, areStandardOutputUnderItsOtherNamesToo)
+{
+    const TestFolder folder;
+    const std::string file = folder.write("net.toml", network);
+    for (const std::string name : {"/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(runTarn({"run", file, "--table=" + name}).out, "step,text\n0,result\n");
+    }
+}
+
+TEST(StandardStreams, mayBeClosed)
+{
+    const TestFolder folder;
+    const std::string file = folder.write("net.toml", network);
+    const std::string table = folder.file("table.csv");
+    EXPECT_EQ(runTarn({"run", file, "--table=" + table}, {{}, "exec <&- >&- 2>&-"}).status, 0);
+    // With all three closed the table's file would be the first to be opened.
+    EXPECT_EQ(contentOf(table), "step,text\n0,result\n");
+
+    const ProcessResult result = runTarn({"run", file, "--table=-"}, {{}, "exec >&-"});
+    EXPECT_EQ(result.status, 4);
+    EXPECT_THAT(result.err, HasSubstr("tarn: cannot write standard output: it is closed\n"));
+}
+
+TEST(StandardStreams, fullAreAnError)
+{
+    const TestFolder folder;
+    const std::string file = folder.write("net.toml", network);
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"run", file, "--table=-"}, {"types"}, {"--help"}, {"--version"}}) {
+        SCOPED_TRACE(arguments[0]);
+        const ProcessResult result = runTarn(arguments, {{}, "exec >/dev/full"});
+        EXPECT_EQ(result.status, 4);
+        EXPECT_THAT(result.err, HasSubstr("tarn: cannot write standard output: No space left on device\n"));
+    }
+}
+
+TEST(StandardStreams, thatNobodyReadsAnyMoreAreAnError)
+{
+    const TestFolder folder;
+    const std::string file = folder.write("net.toml", network);
+    const std::string pipe = folder.file("pipe");
+    // A pipe whose reader is gone.
+    const std::string shell = "mkfifo " + pipe + "; exec 3<>" + pipe + " >" + pipe + " 3<&-";
+    const ProcessResult result = runTarn({"run", file, "--table=-"}, {{}, shell});
+    EXPECT_EQ(result.status, 4);
+    EXPECT_THAT(result.err, HasSubstr("tarn: cannot write standard output: Broken pipe\n"));
+}

@@ -1,0 +1,15 @@
+#include <tarn/libraries/FailureOf.hpp>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+using Tarn::failureOf;
+
+TEST(FailureOf, failsWithAReasonInEveryCase)
+{
+    EXPECT_EQ(failureOf([] {}), "");
+    EXPECT_EQ(failureOf([] { throw std::runtime_error("out of paint"); }), "out of paint");
+    EXPECT_EQ(failureOf([] { throw std::runtime_error(""); }), "an exception without a text");
+    EXPECT_EQ(failureOf([] { throw 5; }), "something was thrown that is no std::exception");
+}

@@ -1,0 +1,139 @@
+#include <tarn/libraries/Libraries.hpp>
+
+#include "tarn/TarnProcess.hpp"
+
+#include <trellis/VActionNotifier.hpp>
+#include <trellis/VObjectCreator.hpp>
+#include <trellis/VValueCreator.hpp>
+
+#include <loam/Environment.hpp>
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include <dlfcn.h>
+
+using namespace Tarn;
+using testing::ContainsRegex;
+using testing::MatchesRegex;
+
+namespace {
+
+const std::string objectsFile = TEST_OBJECTS_FOLDER "/testobjects.so";
+
+bool isLoaded(const std::string& path)
+{
+    void* handle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (handle)
+        ::dlclose(handle);
+    return handle != nullptr;
+}
+
+class WarningListener final : public Orla::VActionNotifier {
+public:
+    bool warned(const std::string& message) override
+    {
+        last = message;
+        return true;
+    }
+
+    std::string last;
+};
+
+// An environment variable for the time of a test.
+class Setting {
+public:
+    Setting(const char* name, const std::string& value) : m_name{name}, m_former{Loam::getEnvString(name)}
+    {
+        ::setenv(name, value.c_str(), 1);
+    }
+    ~Setting() { ::setenv(m_name, m_former.c_str(), 1); }
+    Setting(const Setting&) = delete;
+    Setting& operator=(const Setting&) = delete;
+
+private:
+    const char* m_name;
+    std::string m_former;
+};
+
+} // namespace
+
+TEST(Libraries, bringTheirTypesAndTakeThemAway)
+{
+    const auto values = Orla::VValueCreator::names();
+    const auto objects = Orla::VObjectCreator::names();
+    Libraries libraries{{STANDARD_FOLDER, TEST_OBJECTS_FOLDER}};
+    EXPECT_EQ(libraries.load("standard"), "");
+    EXPECT_EQ(libraries.load("testobjects"), "");
+    EXPECT_TRUE(Orla::VObjectCreator::find("GlobalTime"));
+    EXPECT_TRUE(Orla::VObjectCreator::find("Adder"));
+    EXPECT_TRUE(Orla::VValueCreator::find("int"));
+    libraries.unload();
+    EXPECT_EQ(Orla::VValueCreator::names(), values);
+    EXPECT_EQ(Orla::VObjectCreator::names(), objects);
+    EXPECT_FALSE(isLoaded(objectsFile));
+}
+
+TEST(Libraries, areLoadedOnce)
+{
+    Libraries libraries{{TEST_OBJECTS_FOLDER}};
+    EXPECT_EQ(libraries.load("testobjects"), "");
+    EXPECT_EQ(libraries.load("testobjects"), "");
+    libraries.unload();
+    EXPECT_FALSE(isLoaded(objectsFile));
+}
+
+TEST(Libraries, stayLoadedUnlessTheyAreUnloaded)
+{
+    {
+        Libraries libraries{{TEST_OBJECTS_FOLDER}};
+        EXPECT_EQ(libraries.load("testobjects"), "");
+    }
+    void* handle = ::dlopen(objectsFile.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_TRUE(handle);
+    ::dlclose(handle); // what was taken just now
+    ::dlclose(handle); // what was left
+    EXPECT_FALSE(isLoaded(objectsFile));
+}
+
+TEST(Libraries, sayWhereTheyLookedForOneThatIsMissing)
+{
+    const TestFolder folder;
+    Libraries libraries{{folder.path(), "/nowhere"}};
+    EXPECT_EQ(libraries.load("none"),
+              "library \"none\" was not found: no file none.so in " + folder.path() + ", /nowhere");
+}
+
+TEST(Libraries, giveTheLoadersReasonForEachFileThatCannotBeLoaded)
+{
+    const TestFolder folder;
+    folder.write("a/broken.so", "this is a text and longer than the head of a library needs to be, to be one\n");
+    folder.write("b/broken.so", "");
+    Libraries libraries{{folder.file("a"), folder.file("none"), folder.file("b")}};
+    EXPECT_THAT(libraries.load("broken"),
+                MatchesRegex("library \"broken\" cannot be loaded: " + folder.file("a/broken.so") + ": .*ELF.*; "
+                             + folder.file("b/broken.so") + ": .+"));
+}
+
+TEST(Libraries, areLoadedFromTheNextFolderWhenTheFirstFileIsBroken)
+{
+    const TestFolder folder;
+    folder.write("testobjects.so", "broken");
+    const auto listener = Loam::makeStrong<WarningListener>();
+    Orla::VActionNotifier::add(listener);
+    Libraries libraries{{folder.path(), TEST_OBJECTS_FOLDER}};
+    EXPECT_EQ(libraries.load("testobjects"), "");
+    EXPECT_TRUE(Orla::VObjectCreator::find("Adder"));
+    EXPECT_THAT(listener->last, ContainsRegex(folder.file("testobjects.so") + ": .+"));
+    libraries.unload();
+}
+
+TEST(Libraries, areFoundBesideTheInstallInTheListAndBesideTheNetwork)
+{
+    const Setting setting{"TARN_LIBRARIES", "/a/b:relative::/a/b/"};
+    const std::string beside = std::filesystem::path(Loam::getExecutableDir()).parent_path().string() + "/lib/fathom";
+    EXPECT_THAT(Libraries::searchPath("/network"),
+                testing::ElementsAre(beside, "/a/b", Loam::getCurrentDir() + "/relative", "/network", "/network/lib"));
+}

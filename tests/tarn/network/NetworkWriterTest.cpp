@@ -1,0 +1,149 @@
+#include <tarn/network/NetworkWriter.hpp>
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+using namespace Tarn;
+using testing::IsEmpty;
+
+namespace {
+
+/// Read and written again, with the type "Known" alone known.
+std::string again(const std::string& text)
+{
+    Faults faults{"net"};
+    const NetworkFile file = parseNetwork(text, faults, [](const std::string& type) { return type == "Known"; });
+    EXPECT_THAT(faults.lines(), IsEmpty());
+    return networkText(file);
+}
+
+} // namespace
+
+TEST(NetworkWriter, writesEverythingInOneOrderAndOneSpelling)
+{
+    const std::string written = R"toml(format = 1
+libraries = ["b", "a"]
+chart = "polar \"N\""
+
+[[object]]
+name = "say \"ä\"\n"
+type = "Known"
+set.number = 4.5
+set.text = "4.5"
+set."in.a=b" = -0.0
+set.shown = { text = "(0.1)", exact = "(0.12345678)" }
+set.steps = { text = "", exact = ["a", "b\t"] }
+set.unreadable = { exact = "c" }
+connect.a = "say \"ä\"\n.out.range"
+
+[[object]]
+name = "bare"
+type = "Known"
+
+[[column]]
+title = ""
+value = "bare.out"
+)toml";
+    EXPECT_EQ(again(R"toml(# A comment
+chart = 'polar "N"'
+column = [ { value = "bare.out", title = '' } ]
+libraries = [ 'b',
+              "a" ] # another one
+format = 0x1
+
+[[object]]
+connect.a = "say \"\u00e4\"\n.out.range"
+type = 'Known'
+name = """
+say "ä"
+"""
+[object.set]
+number = 4.50
+text = '4.5'
+'in.a=b' = -0.0
+shown = { exact = "(0.12345678)", text = "(0.1)" }
+steps = { text = "", exact = ["a", "b\u0009"] }
+unreadable = { exact = ["c"] }
+
+[[object]]
+set = {}
+type = 'Known'
+name = 'bare'
+)toml"),
+              written);
+    EXPECT_EQ(again(written), written);
+}
+
+TEST(NetworkWriter, writesTheEmptyNetwork)
+{
+    EXPECT_EQ(again("format = 1\nlibraries = []\nobject = []\ncolumn = []\n"), "format = 1\n");
+}
+
+TEST(NetworkWriter, writesObjectsOfUnknownTypeAsTheyStoodAndInTheirPlace)
+{
+    const std::string written = R"toml(format = 1
+
+[[object]]
+name = "first"
+type = "Known"
+
+[[object]]
+name = "odd"
+type = "Strange"
+when = [1979-05-27T07:32:00.0005Z, 1979-05-27T00:32:00-07:30, 2024-02-29T23:59:59.25, 0001-01-01, 07:05:00]
+set.list = [1, [2.0, "three"], { four = true, "five.five" = {} }, []]
+set.number = 255
+set.large = 1e+300
+set.specials = [inf, -inf, nan, -0.0]
+set.text = "a\n"
+connect."x y" = "first.out"
+future.inner = { deep = "x" }
+nothing = {}
+other."a.b" = false
+rows = [{ a = 1 }, { a = 2 }]
+
+[[object]]
+name = "last"
+type = "Known"
+)toml";
+    EXPECT_EQ(again(R"toml(format = 1
+[[object]]
+name = "first"
+type = "Known"
+[[object]]
+when = [1979-05-27T07:32:00.000500z, 1979-05-27 00:32:00-07:30, 2024-02-29T23:59:59.250000000, 0001-01-01, 07:05:00]
+type = "Strange"
+name = "odd"
+set.list = [ 1, [2.0, 'three'], {four=true, 'five.five'={}}, [] ]
+set.number = 0xFF
+set.large = 1E300
+set.specials = [+inf, -inf, nan, -0.0]
+connect = { "x y" = 'first.out' }
+set.text = """
+a
+"""
+future.inner.deep = 'x'
+nothing = {}
+other."a.b" = false
+[[object.rows]]
+a = 1
+[[object.rows]]
+a = 2
+[[object]]
+name = "last"
+type = "Known"
+)toml"),
+              written);
+    EXPECT_EQ(again(written), written);
+}
+
+TEST(NetworkWriter, doesNotCareWhetherATypeIsKnownWhereNothingIsOdd)
+{
+    const auto network = [](const std::string& type) {
+        return "format = 1\n\n[[object]]\nname = \"a\"\ntype = \"" + type
+               + "\"\nset.x = 5\nset.y = { text = \"a\", exact = \"b\" }\nconnect.z = \"a.b\"\n";
+    };
+    EXPECT_EQ(again(network("Known")), network("Known"));
+    EXPECT_EQ(again(network("Strange")), network("Strange"));
+}

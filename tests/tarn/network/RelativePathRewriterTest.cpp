@@ -1,0 +1,95 @@
+#include <tarn/network/RelativePathRewriter.hpp>
+
+#include "support/TestFolder.hpp"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+using namespace Tarn;
+
+namespace {
+
+class RelocationTest : public testing::Test {
+protected:
+    RelocationTest()
+    {
+        m_folder.write("old/net.toml", "");
+        m_folder.write("old/data/quakes.json", "old");
+        m_folder.write("shared.json", "");
+        m_folder.write("new/deep/net.toml", "");
+    }
+
+    const TestFolder& folder() const noexcept { return m_folder; }
+
+private:
+    TestFolder m_folder;
+};
+
+} // namespace
+
+TEST_F(RelocationTest, leadsToTheSameFileFromTheNewFolder)
+{
+    const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
+    EXPECT_TRUE(rewriter.isNeeded());
+    EXPECT_EQ(rewriter.moved("data/quakes.json"), "../../old/data/quakes.json");
+    EXPECT_EQ(rewriter.moved("./data/../data/quakes.json"), "../../old/data/quakes.json");
+    EXPECT_EQ(rewriter.moved("../shared.json"), "../../shared.json");
+    EXPECT_EQ(RelativePathRewriter(folder().file("old"), folder().path()).moved("data/quakes.json"), "old/data/quakes.json");
+    EXPECT_EQ(RelativePathRewriter(folder().file("old"), folder().file("old/data")).moved("data/quakes.json"), "quakes.json");
+}
+
+TEST_F(RelocationTest, leavesWhatIsNoNameOfAFile)
+{
+    const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
+    for (const std::string& text : {std::string(), std::string("linear"), std::string("data/none.json"),
+                                    folder().file("old/data/quakes.json"), std::string("net.toml\0x", 10),
+                                    std::string(5000, 'x')}) {
+        SCOPED_TRACE(text.substr(0, 40));
+        EXPECT_FALSE(rewriter.concerns(text));
+        EXPECT_EQ(rewriter.moved(text), std::nullopt);
+    }
+}
+
+TEST_F(RelocationTest, leavesNamesOfFoldersButKnowsThem)
+{
+    const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
+    for (const char* text : {"data", "."}) {
+        EXPECT_TRUE(rewriter.concerns(text));
+        EXPECT_EQ(rewriter.moved(text), std::nullopt);
+    }
+}
+
+TEST_F(RelocationTest, changesNothingWhereTheFoldersAreTheSame)
+{
+    std::filesystem::create_directory_symlink(folder().file("old"), folder().file("link"));
+    for (const char* name : {"old", "old/.", "link", "none"}) {
+        SCOPED_TRACE(name);
+        const RelativePathRewriter rewriter{folder().file("old"), folder().file(name)};
+        EXPECT_FALSE(rewriter.isNeeded());
+        EXPECT_EQ(rewriter.moved("data/quakes.json"), std::nullopt);
+    }
+    EXPECT_FALSE(RelativePathRewriter{}.isNeeded());
+}
+
+TEST_F(RelocationTest, tellsTheSameFileFromAnotherOneOfItsName)
+{
+    std::filesystem::create_directory_symlink(folder().file("old/data"), folder().file("new/deep/data"));
+    const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
+    EXPECT_FALSE(rewriter.concerns("data/quakes.json"));
+    EXPECT_EQ(rewriter.moved("net.toml"), "../../old/net.toml");
+}
+
+TEST_F(RelocationTest, followsLinksWhereTheLookOfANameMisleads)
+{
+    // The folder behind the link lies elsewhere, and so do those above it.
+    folder().write("far/away/inner/x.json", "");
+    folder().write("far/away/y.json", "");
+    std::filesystem::create_directory_symlink(folder().file("far/away/inner"), folder().file("old/link"));
+    const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
+    const std::optional<std::string> moved = rewriter.moved("link/../y.json");
+    ASSERT_TRUE(moved);
+    EXPECT_TRUE(std::filesystem::equivalent(folder().file("new/deep/" + *moved), folder().file("far/away/y.json")));
+}

@@ -1,0 +1,258 @@
+#include <tarn/network/RestorableText.hpp>
+
+#include <tarn/libraries/Libraries.hpp>
+#include <tarn/text/Utf8.hpp>
+
+#include <trellis/VValueCreator.hpp>
+
+#include <fathom/VEnum.hpp>
+#include <fathom/VMultipleStringList.hpp>
+#include <fathom/VStringList.hpp>
+
+#include "tarn/ValueTexts.hpp"
+
+#include <gmock/gmock.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+using namespace Tarn;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Two numbers of which each text sets those that it has, `1/2` or `1`; writes them in a
+// form that is not read, and is compared by the first one alone.
+struct Loose {
+    int first = 0;
+    int second = 0;
+
+    friend bool operator==(const Loose& a, const Loose& b) { return a.first == b.first; }
+};
+
+template<>
+struct Orla::VValueTrait<Loose> {
+    static std::string Text(const Loose& loose)
+    {
+        return "<" + std::to_string(loose.first) + ">" + std::to_string(loose.second);
+    }
+
+    static bool setValueFromText(Loose& loose, const std::string& text)
+    {
+        if (!VValueTrait<int>::setValueFromText(loose.first, text))
+            return false;
+        const auto slash = text.find('/');
+        return slash == std::string::npos || VValueTrait<int>::setValueFromText(loose.second, text.substr(slash + 1));
+    }
+};
+
+namespace {
+
+using Value = Orla::StrongPtr<Orla::VValueBase>;
+using Texts = std::vector<std::string>;
+
+class SavedFormTest : public testing::Test {
+protected:
+    SavedFormTest() : m_libraries{{STANDARD_FOLDER, TEST_OBJECTS_FOLDER}} { EXPECT_EQ(m_libraries.load("standard"), ""); }
+    ~SavedFormTest() override { m_libraries.unload(); }
+
+    Libraries& libraries() noexcept { return m_libraries; }
+
+    static Value fresh(const std::string& type)
+    {
+        bool ok = false;
+        return Orla::VValueCreator::createValue(type, "", ok);
+    }
+
+private:
+    Libraries m_libraries;
+};
+
+/// Null if a text is refused.
+Value readInto(const Value& given, const Texts& texts)
+{
+    const Value value = given->copy();
+    for (const std::string& text : texts) {
+        if (!value->setValueFromText(text))
+            return nullptr;
+    }
+    return value;
+}
+
+// NaN makes many types differ from themselves.
+bool areSame(const Value& a, const Value& b)
+{
+    return a->Text() == b->Text() && (!a->isDifferentFrom(b) || a->isDifferentFrom(a->copy()));
+}
+
+std::optional<RestorableText> formOf(const Value& given, const Texts& texts)
+{
+    const Value value = readInto(given, texts);
+    return value ? restorableText(given, value, texts) : std::nullopt;
+}
+
+/// As it would stand in a file: the text, or what is read in its place.
+Texts savedTexts(const RestorableText& form)
+{
+    return form.exact.empty() ? Texts{form.text.value()} : form.exact;
+}
+
+} // namespace
+
+// The law that every type keeps, also one that joins later: what a text made of a
+// value, the saved form makes again, and is then saved in the same way.
+TEST_F(SavedFormTest, restoresWhateverATextMakesOfAValueOfAnyType)
+{
+    std::size_t typesWithText = 0;
+    for (const std::string& type : inputTypes()) {
+        SCOPED_TRACE(type);
+        Texts accepted;
+        for (const std::string& text : valueTexts()) {
+            if (readInto(fresh(type), {text}))
+                accepted.push_back(text);
+        }
+        typesWithText += accepted.empty() ? 0u : 1u;
+        std::vector<Texts> histories;
+        for (const std::string& text : accepted) {
+            histories.push_back({text});
+            histories.push_back({accepted.back(), text, accepted.front()});
+            histories.push_back({text, accepted[accepted.size() / 2]});
+        }
+        for (const Texts& texts : histories) {
+            SCOPED_TRACE(testing::PrintToString(texts));
+            const Value given = fresh(type);
+            const Value value = readInto(given, texts);
+            ASSERT_TRUE(value);
+            const std::optional<RestorableText> form = restorableText(given, value, texts);
+            ASSERT_TRUE(form);
+            const Value again = readInto(given, savedTexts(*form));
+            ASSERT_TRUE(again);
+            EXPECT_TRUE(areSame(again, value)) << again->Text() << " instead of " << value->Text();
+            const std::optional<RestorableText> second = restorableText(given, again, savedTexts(*form));
+            ASSERT_TRUE(second);
+            EXPECT_EQ(second->text, form->text);
+            EXPECT_EQ(second->exact, form->exact);
+            EXPECT_TRUE(form->text);
+        }
+    }
+    EXPECT_GE(typesWithText, 25u);
+}
+
+TEST_F(SavedFormTest, hasExactTextsOnlyWhereTheTextFormRestoresLess)
+{
+    const struct { const char* type; Texts texts; const char* text; Texts exact; } cases[] = {
+        {"double", {"1.50"}, "1.5", {}},
+        {"double", {"-0.0"}, "-0", {}},
+        {"double", {"NaN"}, "nan", {}},
+        {"double", {"-nan"}, "-nan", {}},
+        {"float", {"0.1"}, "0.1", {}},
+        {"unsigned long long", {"18446744073709551615"}, "18446744073709551615", {}},
+        {"string", {"a\nb"}, "a\nb", {}},
+        {"VTime", {"5[0,10]"}, "5[0,10]@10", {}},
+        {"VTime", {"NaN[0,1]"}, "nan[0,1]@1", {"NaN[0,1]"}},
+        {"VTime", {"nan[0,1]@1"}, "nan[0,1]@1", {}},
+        {"Range", {"1,2"}, "1:2", {}},
+        {"Range", {"1:2", "7:8"}, "7:8", {}},
+        {"VCamera", {"{-7.5e6,-0,0.1}{0,0,0}{0,0,1}40"}, "{-7500000,-0,0.1}{0,0,0}{0,0,1}40", {}},
+        {"BoundingBall", {"{1,2,3}@4"}, "{1,2,3}@4", {}},
+        {"Bounding Box", {"[{1,2,3};{4,5,6}]"}, "[{1,2,3};{4,5,6}]", {}},
+        {"double[]", {"1,,-0"}, "1,0,-0,", {}},
+        {"FlagList", {"b -a"}, " -a +b", {}},
+        // Six digits.
+        {"rgba_float_t", {"(0.5,0.25,-0,1)"}, "(0.5,0.25,-0,1)", {}},
+        {"rgba_float_t", {"(0.123456789,0,0,1)"}, "(0.123457,0,0,1)", {"(0.123456789,0,0,1)"}},
+        // The first and the last number.
+        {"MultiRange", {"[1;2]"}, "[1.000000;2.000000]", {}},
+        {"MultiRange", {"[1;2;3;4]"}, "[1.000000;4.000000]", {"[1;2;3;4]"}},
+        {"MultiRange", {"[1;nan;3]"}, "[1.000000;3.000000]", {"[1;nan;3]"}},
+        // All three are read into the first.
+        {"FixedArray<int,3>", {"[1,2,3]"}, "[3,0,0]", {"[1,2,3]"}},
+        // What a later text leaves alone, an earlier one has set.
+        {"point", {"{1,2,3}", "{9,x,y}"}, "{9,2,3}", {}},
+        {"VObjectStatus", {"<B>a</B>"}, "<B>a</B>", {}},
+        {"ImageTile", {"anything"}, "A Frame buffer.", {}},
+    };
+    for (const auto& [type, texts, text, exact] : cases) {
+        SCOPED_TRACE(type + (": " + testing::PrintToString(texts)));
+        const std::optional<RestorableText> form = formOf(fresh(type), texts);
+        ASSERT_TRUE(form);
+        EXPECT_EQ(form->text, text);
+        EXPECT_EQ(form->exact, exact);
+    }
+}
+
+TEST_F(SavedFormTest, keepsAllTextsOfWhichEachMakesAPart)
+{
+    const Value loose = Loam::makeStrong<Orla::VValue<Loose>>();
+    const struct { Texts texts; Texts exact; } cases[] = {
+        {{"1/2"}, {"1/2"}},
+        {{"1"}, {"1"}},
+        {{"1/2", "3"}, {"1/2", "3"}},
+        {{"1/2", "3", "4"}, {"1/2", "3", "4"}},
+        {{"1/2", "3/4", "5"}, {"3/4", "5"}},
+        {{"1/2", "3/4"}, {"3/4"}},
+    };
+    for (const auto& [texts, exact] : cases) {
+        SCOPED_TRACE(testing::PrintToString(texts));
+        const std::optional<RestorableText> form = formOf(loose, texts);
+        ASSERT_TRUE(form);
+        EXPECT_EQ(form->exact, exact);
+        EXPECT_EQ(readInto(loose, savedTexts(*form))->Text(), readInto(loose, texts)->Text());
+    }
+
+    bool ok = false;
+    const Value given = Orla::VValueCreator::createValue("MultiRange", "", ok);
+    const std::optional<RestorableText> last = formOf(given, {"[1;2;3]", "[4;5;6]"});
+    ASSERT_TRUE(last);
+    EXPECT_THAT(last->exact, ElementsAre("[4;5;6]"));
+    // NaN differs from itself, so that only all texts are sure to make the same.
+    const std::optional<RestorableText> all = formOf(given, {"[1;2;3]", "[4;nan;6]"});
+    ASSERT_TRUE(all);
+    EXPECT_THAT(all->exact, ElementsAre("[1;2;3]", "[4;nan;6]"));
+}
+
+TEST_F(SavedFormTest, restoresChoicesWhateverTheNamesAre)
+{
+    using One = Orla::StrongPtr<Orla::StringSelection, Orla::StringList>;
+    using Many = Orla::StrongPtr<Orla::MultipleStringSelection, Orla::StringList>;
+    const auto names = Loam::makeStrong<Orla::StringList>();
+    for (const char* name : {"first", "a|b", "@@", "{x}", "", "two words \xC3\xA4\"\n"})
+        names->append(name);
+    const Value one = Loam::makeStrong<Orla::VValue<One>>(Loam::makeStrong<Orla::StringSelection>("no name", names));
+    const struct { const char* text; Texts exact; } cases[] = {
+        {"first", {}}, {"a|b", {}}, {"{x}@anything", {}}, {"two words \xC3\xA4\"\n", {}},
+        // Read back, the text would begin with the list.
+        {"@@", {"@@"}}, {"", {""}},
+    };
+    for (const auto& [text, exact] : cases) {
+        SCOPED_TRACE(text);
+        const std::optional<RestorableText> form = formOf(one, {text});
+        ASSERT_TRUE(form);
+        EXPECT_EQ(form->exact, exact);
+        EXPECT_TRUE(areSame(readInto(one, savedTexts(*form)), readInto(one, {text})));
+    }
+
+    const char* const cases4[] = {"linear", "cubic", "a{b}", "\xC3\xA4\n"};
+    const Value choice = Loam::makeStrong<Orla::VValue<Orla::Enum>>(Orla::Enum{cases4, 4});
+    const std::optional<RestorableText> cubic = formOf(choice, {"cubic"});
+    ASSERT_TRUE(cubic);
+    EXPECT_EQ(cubic->text, "cubic{linear}{cubic}{a{b}}{\xC3\xA4\n}");
+    EXPECT_THAT(cubic->exact, IsEmpty());
+
+    // The choices are the program's; written with braces in them they would fall apart.
+    const Value many =
+        Loam::makeStrong<Orla::VValue<Many>>(Loam::makeStrong<Orla::MultipleStringSelection>("", "p;pi{e}ces", ';'));
+    const std::optional<RestorableText> pieces = formOf(many, {"{p}"});
+    ASSERT_TRUE(pieces);
+    EXPECT_EQ(pieces->text, "{p}@{p}{pi{e}ces}");
+    EXPECT_THAT(pieces->exact, ElementsAre("{p}"));
+}
+
+TEST_F(SavedFormTest, isNoneForWhatAFileCannotHold)
+{
+    EXPECT_FALSE(formOf(fresh("string"), {"\xFF"}));
+    EXPECT_FALSE(formOf(fresh("char"), {"\xE4"}));
+    EXPECT_TRUE(formOf(fresh("string"), {"\xFF", "fine"})) << "what counts is what became of it";
+    ASSERT_EQ(libraries().load("testobjects"), "");
+    EXPECT_FALSE(formOf(fresh("Ticket"), {"please"}));
+}

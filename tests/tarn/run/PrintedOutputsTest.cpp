@@ -1,0 +1,92 @@
+#include <tarn/run/PrintedOutputs.hpp>
+
+#include "tarn/NetworkTexts.hpp"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+
+namespace {
+
+const std::string network = clockInQuarters + object("a.b", "Adder", "connect = { a = 'clock.GlobalTime.time' }\n")
+                            + object("e", "Echo", "set = { text = \"two\\nlines\\t\\\\ \" }\n") + object("d", "Dotted");
+
+ProcessResult run(const std::string& text, const std::vector<std::string>& options)
+{
+    const TestFolder folder;
+    folder.write("net.toml", networkHead + text);
+    std::vector<std::string> arguments{"run", "net.toml"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return runTarn(arguments, {.environment = {}, .shell = "cd '" + folder.path() + "'"});
+}
+
+} // namespace
+
+TEST(PrintedOutputs, areTheLastValuesInTheOrderAskedFor)
+{
+    const ProcessResult result = run(network, {"--print=e.out", "--print=a.b.sum", "--print=clock.GlobalTime",
+                                               "--print=clock.GlobalTime.range.end", "--print=d.out.range.time"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "e.out: two\\nlines\\t\\\\ \n"
+                          "a.b.sum: 1\n"
+                          "clock.GlobalTime: 1[0,1]@0.25\n"
+                          "clock.GlobalTime.range.end: 1\n"
+                          "d.out.range.time: 0\n");
+}
+
+TEST(PrintedOutputs, areNotCut)
+{
+    const std::string text(100000, 'x');
+    EXPECT_EQ(run(object("e", "Echo", "set = { text = '" + text + "' }\n"), {"--print=e.out"}).out,
+              "e.out: " + text + "\n");
+}
+
+TEST(PrintedOutputs, followTheTable)
+{
+    EXPECT_EQ(run(network + column("sum", "a.b.sum"), {"--print=a.b.sum", "--table=-", "--steps=2"}).out,
+              "step,sum\n0,0\n1,0.25\na.b.sum: 0.25\n");
+}
+
+TEST(PrintedOutputs, mayBelongToObjectsThatTheFileDoesNotName)
+{
+    const ProcessResult result = run(object("f", "Follower"), {"--print=ChartSelector.CurrentChart"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "ChartSelector.CurrentChart: \n");
+}
+
+TEST(PrintedOutputs, areRefusedWithASuggestionBeforeAnythingRuns)
+{
+    const ProcessResult result =
+        run(network + object("talker", "Talker"),
+            {"--print=a.b.sun", "--print=clok.GlobalTime", "--print=sum", "--print=a.b.a", "--print=clock.GlobalTime.tme",
+             "--print=a.b.sum.", "--table=table.csv", "--trace=trace.json"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "talker: puts in the constructor\n"
+                          "--print=a.b.sun: Adder \"a.b\" has no output \"sun\"; did you mean \"sum\"?\n"
+                          "--print=clok.GlobalTime: no object is named \"clok\"; did you mean \"clock\"?\n"
+                          "--print=sum: expected OBJECT.OUTPUT\n"
+                          "--print=a.b.a: Adder \"a.b\" has no output \"a\"; that is an input\n"
+                          "--print=clock.GlobalTime.tme: values of type VTime have no component \"tme\"; did you mean \"time\"?\n"
+                          "--print=a.b.sum.: values of type double have no component \"\"\n"
+                          "net.toml: 6 faults; nothing was evaluated\n");
+}
+
+TEST(PrintedOutputs, showTheLastGoodValuesAfterAFailure)
+{
+    const ProcessResult result = run(clockInQuarters + object("f", "Failing"), {"--print=f.out"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "f.out: 42\n");
+}
+
+TEST(PrintedOutputs, areNotMixedIntoATrace)
+{
+    const ProcessResult result = run(network, {"--print=a.b.sum", "--trace=-"});
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.out, "");
+}

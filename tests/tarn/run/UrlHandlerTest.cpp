@@ -1,0 +1,62 @@
+#include <tarn/run/UrlHandler.hpp>
+
+#include "tarn/NetworkTexts.hpp"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+namespace {
+
+// A browser that notes what it was asked to show.
+std::string makeBrowser(const TestFolder& folder, const std::string& after)
+{
+    const std::string path =
+        folder.write("browser", "#!/bin/sh\nprintf '%s|' \"$@\" >> '" + folder.file("shown") + "'\n" + after + "\n");
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    return "BROWSER=" + path;
+}
+
+ProcessResult open(const std::string& url, const std::string& browser)
+{
+    return evaluate(object("opener", "Opener", "set = { url = '" + url + "' }\n") + column("opened", "opener.opened"),
+                    {}, {browser});
+}
+
+} // namespace
+
+TEST(UrlHandler, startsTheBrowserThatTheUserChose)
+{
+    const TestFolder folder;
+    const std::string browser = makeBrowser(folder, "exit 0");
+    EXPECT_EQ(open("https://example.org/a?b=c&d", browser).out, "step,opened\n0,yes\n");
+    EXPECT_EQ(contentOf(folder.file("shown")), "https://example.org/a?b=c&d|");
+}
+
+TEST(UrlHandler, tellsWhenTheBrowserFailsOrIsMissing)
+{
+    const TestFolder folder;
+    EXPECT_EQ(open("https://example.org", makeBrowser(folder, "exit 3")).out, "step,opened\n0,no\n");
+    EXPECT_EQ(open("https://example.org", "BROWSER=" + folder.file("none")).out, "step,opened\n0,no\n");
+}
+
+TEST(UrlHandler, doesNotWaitForABrowserThatStaysOpen)
+{
+    const TestFolder folder;
+    const ProcessResult result = open("https://example.org", makeBrowser(folder, "exec sleep 5 >/dev/null 2>&1"));
+    EXPECT_EQ(result.out, "step,opened\n0,yes\n");
+}
+
+TEST(UrlHandler, refusesWhatIsNoAddressOfAPage)
+{
+    const TestFolder folder;
+    const std::string browser = makeBrowser(folder, "exit 0");
+    for (const char* url : {"", "example.org", "-version", "javascript:alert(1)", "https://a b", "https://a`b`",
+                            "smb://server/share", "HTTPS"}) {
+        SCOPED_TRACE(url);
+        EXPECT_EQ(open(url, browser).out, "step,opened\n0,no\n");
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.file("shown")));
+    Tarn::UrlHandler handler;
+    EXPECT_FALSE(handler.openUrl("https://a\nb"));
+}

@@ -1,0 +1,33 @@
+#include <tarn/run/WarningPrinter.hpp>
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+
+using namespace Tarn;
+
+TEST(WarningPrinter, printsEachWarningOnceAndAtTheEndHowOftenItCame)
+{
+    const auto printer = Loam::makeStrong<WarningPrinter>();
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(printer->warned("too hot"));
+    EXPECT_TRUE(printer->warned("too cold"));
+    EXPECT_TRUE(printer->warned("too hot"));
+    EXPECT_TRUE(printer->warned("too hot"));
+    printer->printRepeats();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "tarn: warning: too hot\n"
+                                                      "tarn: warning: too cold\n"
+                                                      "tarn: warning: too hot (3 times in all)\n");
+}
+
+TEST(WarningPrinter, losesNoWarningHoweverManyThereAre)
+{
+    const auto printer = Loam::makeStrong<WarningPrinter>();
+    testing::internal::CaptureStderr();
+    for (int i = 0; i < 10010; ++i)
+        printer->warned(std::to_string(i));
+    const std::string printed = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::ranges::count(printed, '\n'), 10010);
+    EXPECT_TRUE(printed.ends_with("tarn: warning: 10009\n"));
+}

@@ -1,0 +1,27 @@
+#include <tarn/text/Faults.hpp>
+
+#include <gmock/gmock.h>
+
+using namespace Tarn;
+using testing::ElementsAre;
+
+TEST(Faults, areListedByPlaceWithThoseOfTheCommandLineLast)
+{
+    Faults faults{"net.toml"};
+    faults.add("--set=a.b=c: wrong");
+    faults.add({10, 2}, "late");
+    faults.add({2, 10}, "early, first");
+    faults.add({2, 10}, "early, second");
+    faults.add({2, 9}, "earliest");
+    EXPECT_EQ(faults.size(), 5u);
+    EXPECT_THAT(faults.lines(), ElementsAre("net.toml:2:9: earliest", "net.toml:2:10: early, first",
+                                            "net.toml:2:10: early, second", "net.toml:10:2: late",
+                                            "--set=a.b=c: wrong"));
+}
+
+TEST(Faults, stayOnOneLineWhateverTheFileIsCalled)
+{
+    Faults faults{"two\nlines"};
+    faults.add({1, 1}, "wrong");
+    EXPECT_THAT(faults.lines(), ElementsAre("two\\nlines:1:1: wrong"));
+}

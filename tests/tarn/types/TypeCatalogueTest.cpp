@@ -1,0 +1,167 @@
+#include <tarn/types/TypeCatalogue.hpp>
+
+#include <fathom/Double.hpp>
+#include <fathom/TimeDependent.hpp>
+#include <fathom/VChart.hpp>
+#include <fathom/VConnectionTypeColors.hpp>
+#include <fathom/VOutput.hpp>
+
+#include <trellis/VManagedObject.hpp>
+#include <trellis/VObjectCreator.hpp>
+
+#include "tarn/TarnProcess.hpp"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+#include <string>
+
+using namespace Tarn;
+using Orla::StrongPtr;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+using Preferences = StrongPtr<Orla::VCreationPreferences>;
+
+class Pendulum final : public Orla::VObject, public Orla::TimeDependent, public Orla::VChartDependent {
+public:
+    Pendulum(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}
+        , TimeDependent{"time", "range", preferences, Orla::VTime{}}
+        , VChartDependent{"chart", 9}
+        , m_length{this, "length", 1.5, 2}
+        , m_angle{this, "angle", 0.0}
+    {
+        ++living;
+    }
+    ~Pendulum() override { --living; }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+
+    static inline int living = 0;
+
+private:
+    Orla::TypedSlot<double> m_length;
+    Orla::VOutput<double> m_angle;
+};
+
+const Orla::VObjectType<Pendulum> pendulumType{"Pendulum"};
+
+// Has a value but no input, and its text cannot be had.
+struct Secret {
+    friend bool operator==(const Secret&, const Secret&) = default;
+};
+
+} // namespace
+
+template<>
+struct Orla::VValueTrait<Secret> {
+    static std::string Text(const Secret&) { throw std::runtime_error("it is secret"); }
+    static bool setValueFromText(Secret&, const std::string&) { return true; }
+};
+
+TEST(TypeCatalogue, readsAnObjectTypeOffAnObjectAndLeavesNothing)
+{
+    const TypeCatalogue catalogue{{}};
+    const auto found = catalogue.objectTypes("Pendulum");
+    ASSERT_EQ(found.size(), 1u);
+    const ObjectTypeDescription& type = found[0];
+    EXPECT_EQ(type.name, "Pendulum");
+    EXPECT_THAT(type.library, HasSubstr("tarn-test"));
+    EXPECT_EQ(type.failure, "");
+    EXPECT_EQ(type.hiddenInputs, 0u);
+    ASSERT_EQ(type.inputs.size(), 4u);
+    EXPECT_EQ(type.inputs[0].name, "time");
+    EXPECT_EQ(type.inputs[0].type, "VTime");
+    EXPECT_EQ(type.inputs[0].level, 5);
+    EXPECT_TRUE(type.inputs[0].findsPartner);
+    EXPECT_EQ(type.inputs[0].partner, "");
+    EXPECT_EQ(type.inputs[1].name, "range");
+    EXPECT_FALSE(type.inputs[1].findsPartner);
+    EXPECT_EQ(type.inputs[2].name, "chart");
+    EXPECT_TRUE(type.inputs[2].findsPartner);
+    EXPECT_EQ(type.inputs[2].partner, "ChartSelector.CurrentChart");
+    EXPECT_EQ(type.inputs[3].name, "length");
+    EXPECT_EQ(type.inputs[3].type, "double");
+    EXPECT_EQ(type.inputs[3].level, 2);
+    EXPECT_EQ(type.inputs[3].initialText, "1.5");
+    ASSERT_EQ(type.outputs.size(), 2u);
+    EXPECT_EQ(type.outputs[0].name, "time");
+    EXPECT_EQ(type.outputs[1].name, "angle");
+    EXPECT_EQ(type.outputs[1].type, "double");
+
+    EXPECT_EQ(Pendulum::living, 0);
+    EXPECT_EQ(Orla::VManagedObject::count(), 0u);
+}
+
+TEST(TypeCatalogue, countsTheInputsThatItHides)
+{
+    const TypeCatalogue catalogue{{}};
+    const auto found = catalogue.objectTypes("Pendulum", 5);
+    ASSERT_EQ(found.size(), 1u);
+    ASSERT_EQ(found[0].inputs.size(), 2u);
+    EXPECT_EQ(found[0].inputs[0].name, "time");
+    EXPECT_EQ(found[0].inputs[1].name, "length");
+    EXPECT_EQ(found[0].hiddenInputs, 2u);
+    EXPECT_EQ(found[0].outputs.size(), 2u);
+}
+
+TEST(TypeCatalogue, knowsValueTypesWithTheirColours)
+{
+    Orla::VValue<Secret>::myTypedValueCreator();
+    Orla::VConnectionTypeColors::set(typeid(Secret), "#123456");
+    const TypeCatalogue catalogue{{}};
+    const auto number = catalogue.valueTypes("double");
+    ASSERT_EQ(number.size(), 1u);
+    EXPECT_EQ(number[0].colour, "green");
+    EXPECT_EQ(number[0].defaultText, "0");
+    EXPECT_EQ(number[0].failure, "");
+    EXPECT_TRUE(number[0].isInput);
+    EXPECT_THAT(number[0].components, IsEmpty());
+    const auto time = catalogue.valueTypes("VTime");
+    ASSERT_EQ(time.size(), 1u);
+    EXPECT_EQ(time[0].colour, "#B8860B");
+    EXPECT_EQ(catalogue.valueTypes("float")[0].colour, "");
+    EXPECT_THAT(time[0].components, ElementsAre("time", "range", "dt"));
+    const auto secret = catalogue.valueTypes("Secret");
+    ASSERT_EQ(secret.size(), 1u);
+    EXPECT_EQ(secret[0].colour, "#123456");
+    EXPECT_FALSE(secret[0].isInput);
+    EXPECT_EQ(secret[0].failure, "it is secret");
+    EXPECT_THAT(catalogue.valueTypes("Pendulum"), IsEmpty());
+    EXPECT_THAT(catalogue.objectTypes("double"), IsEmpty());
+}
+
+TEST(TypeCatalogue, describesTypesWhoseObjectsCannotBeMade)
+{
+    const ProcessResult alone = runTarn({"describe", "HalfMade", "--library=testobjects"});
+    EXPECT_EQ(alone.status, 1);
+    EXPECT_EQ(alone.err, "");
+    EXPECT_THAT(alone.out, HasSubstr("\n  cannot be made: no licence for events\n"));
+    const ProcessResult all = runTarn({"objects", "--library=testobjects"});
+    EXPECT_EQ(all.status, 0);
+    EXPECT_THAT(all.out, HasSubstr("Object type Unmakable, " TEST_OBJECTS_FOLDER "/testobjects.so\n\n"
+                                   "  cannot be made: no licence\n"));
+    EXPECT_THAT(all.out, HasSubstr("Object type Adder, "));
+}
+
+TEST(TypeCatalogue, letsGoOfPartnersAndOfTheLibraries)
+{
+    // Would say that the libraries stay in memory if anything were left.
+    for (const std::string type : {"Listener", "Follower", "Chartmaker", "TimeReader", "HalfMade", "Everything"}) {
+        SCOPED_TRACE(type);
+        EXPECT_EQ(runTarn({"describe", type, "--library=testobjects"}).err, "");
+    }
+    const ProcessResult hoarder = runTarn({"describe", "Hoarder", "--library=testobjects"});
+    EXPECT_EQ(hoarder.status, 0);
+    EXPECT_EQ(hoarder.err, "tarn: warning: The libraries stay in memory, because somebody still holds object \"hoard\"\n");
+}
+
+TEST(TypeCatalogue, saysWhichLibrariesAreRefused)
+{
+    const TypeCatalogue catalogue{{"none"}};
+    EXPECT_THAT(catalogue.refusals(), testing::Contains(HasSubstr("library \"none\" was not found")));
+}
