@@ -309,8 +309,8 @@ void removeInputs(benchmark::State& state)
         std::vector<StrongPtr<VSlot>> slots;
         for (std::int64_t i = 0; i < state.range(0); ++i)
             slots.push_back(object->addParameter(
-                std::to_string(i), 0, StrongPtr<VParameter>(new VValueParameter<double>(0.0, std::to_string(i), nullptr)),
-                true));
+                std::to_string(i), 0,
+                StrongPtr<VParameter>(new VValueParameter<double>(0.0, std::to_string(i), nullptr)), true));
         const auto start = std::chrono::steady_clock::now();
         for (const StrongPtr<VSlot>& slot : slots)
             object->removeParameter(slot);

@@ -266,12 +266,12 @@ void comparePlain(benchmark::State& state, const Plain& value)
         benchmark::DoNotOptimize(value == other);
 }
 
-#define FOR_SELECTION(Type, plain)                                                                          \
-    BENCHMARK(writeText<Type>);                                                                             \
-    BENCHMARK_CAPTURE(writeTextPlain, Type, plain);                                                         \
-    BENCHMARK(readText<Type>);                                                                              \
-    BENCHMARK_CAPTURE(readTextPlain, Type, plain);                                                          \
-    BENCHMARK(compare<Type>);                                                                               \
+#define FOR_SELECTION(Type, plain)                  \
+    BENCHMARK(writeText<Type>);                     \
+    BENCHMARK_CAPTURE(writeTextPlain, Type, plain); \
+    BENCHMARK(readText<Type>);                      \
+    BENCHMARK_CAPTURE(readTextPlain, Type, plain);  \
+    BENCHMARK(compare<Type>);                       \
     BENCHMARK_CAPTURE(comparePlain, Type, plain)
 
 FOR_SELECTION(Enum, (PlainChoice{names(), Count / 2}));

@@ -180,7 +180,8 @@ std::vector<T> geometry();
 template<>
 std::vector<PhysicalSpace::point> geometry()
 {
-    return madeOfThree<PhysicalSpace::point>([](double a, double b, double c) { return PhysicalSpace::point(a, b, c); });
+    return madeOfThree<PhysicalSpace::point>(
+        [](double a, double b, double c) { return PhysicalSpace::point(a, b, c); });
 }
 
 template<>
@@ -217,8 +218,9 @@ std::vector<Gyre::rgba_float_t> geometry()
 template<>
 std::vector<Gyre::BoundingBall> geometry()
 {
-    return madeOfThree<Gyre::BoundingBall>(
-        [](double a, double b, double c) { return Gyre::BoundingBall({a, b, c}, a); });
+    return madeOfThree<Gyre::BoundingBall>([](double a, double b, double c) {
+        return Gyre::BoundingBall({a, b, c}, a);
+    });
 }
 
 template<>
@@ -232,15 +234,17 @@ std::vector<Box> geometry()
 template<>
 std::vector<Gyre::MultiRange> geometry()
 {
-    return madeOfThree<Gyre::MultiRange>(
-        [](double a, double b, double c) { return Gyre::MultiRange(std::vector<double>{a, b, c}); });
+    return madeOfThree<Gyre::MultiRange>([](double a, double b, double c) {
+        return Gyre::MultiRange(std::vector<double>{a, b, c});
+    });
 }
 
 template<>
 std::vector<VCamera> geometry()
 {
-    return madeOfThree<VCamera>(
-        [](double a, double b, double c) { return VCamera({a, b, c}, {b, c, a}, {0, 0, 1}, 45); });
+    return madeOfThree<VCamera>([](double a, double b, double c) {
+        return VCamera({a, b, c}, {b, c, a}, {0, 0, 1}, 45);
+    });
 }
 
 template<class T>
@@ -255,8 +259,8 @@ void readGeometry(benchmark::State& state)
     read(state, geometry<T>());
 }
 
-#define FOR_GEOMETRY(Type)                                                                                            \
-    BENCHMARK(writeGeometry<Type>);                                                                                   \
+#define FOR_GEOMETRY(Type)          \
+    BENCHMARK(writeGeometry<Type>); \
     BENCHMARK(readGeometry<Type>)
 
 using Point = PhysicalSpace::point;

@@ -31,9 +31,8 @@ bool VAction::emitAction(const StrongPtr<ValuePool>& pool, const StrongPtr<VPara
         if (StrongPtr<VObject> living = WeakPtrImpl<VObject>(object).lock())
             objects.push_back(std::move(living));
     }
-    std::ranges::sort(objects, [](const StrongPtr<VObject>& a, const StrongPtr<VObject>& b) {
-        return a->isTraversedBefore(*b);
-    });
+    std::ranges::sort(
+        objects, [](const StrongPtr<VObject>& a, const StrongPtr<VObject>& b) { return a->isTraversedBefore(*b); });
     objects.erase(std::unique(objects.begin(), objects.end()), objects.end());
     const double precision = number;
     for (const StrongPtr<VObject>& object : objects)

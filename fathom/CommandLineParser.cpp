@@ -59,8 +59,7 @@ bool CommandLineParser::process(int argc, char** argv)
         const char* const text = argv[i];
         if (!text)
             continue;
-        const bool goesOn = *text == '-' ? processOption(text + 1)
-                                         : processArgument(*text == '+' ? text + 1 : text);
+        const bool goesOn = *text == '-' ? processOption(text + 1) : processArgument(*text == '+' ? text + 1 : text);
         if (!goesOn)
             return false;
     }

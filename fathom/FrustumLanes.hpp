@@ -22,8 +22,9 @@ struct Vectors {
 // because it changes no sign while that length is close to 1. NaN is smaller than
 // nothing.
 template<int Lanes>
-inline typename Vectors<Lanes>::Numbers
-worstDistance(const FrustumPlane* planes, const double* const (FrustumPlane::*corners)[3], std::size_t first)
+inline typename Vectors<Lanes>::Numbers worstDistance(const FrustumPlane* planes,
+                                                      const double* const (FrustumPlane::*corners)[3],
+                                                      std::size_t first)
 {
     using Numbers = typename Vectors<Lanes>::Numbers;
     using Unaligned = typename Vectors<Lanes>::Unaligned;

@@ -19,8 +19,7 @@ std::string VValueTrait<Gyre::FixedArray<int, 3>>::Text(const Gyre::FixedArray<i
     return "[" + Number::Text(numbers[0]) + "," + Number::Text(numbers[1]) + "," + Number::Text(numbers[2]) + "]";
 }
 
-bool VValueTrait<Gyre::FixedArray<int, 3>>::setValueFromText(Gyre::FixedArray<int, 3>& numbers,
-                                                             const std::string& text)
+bool VValueTrait<Gyre::FixedArray<int, 3>>::setValueFromText(Gyre::FixedArray<int, 3>& numbers, const std::string& text)
 {
     std::vector<std::string> pieces;
     if (Loam::StringUtil::split(text, pieces, ',', true) != 3 || pieces[0].empty())

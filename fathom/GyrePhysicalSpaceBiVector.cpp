@@ -9,7 +9,8 @@ std::string VValueTrait<Gyre::PhysicalSpace::bivector>::Text(const Gyre::Physica
     return writeTriple('<', bivector, '>');
 }
 
-bool VValueTrait<Gyre::PhysicalSpace::bivector>::setValueFromText(Gyre::PhysicalSpace::bivector& bivector, const std::string& text)
+bool VValueTrait<Gyre::PhysicalSpace::bivector>::setValueFromText(Gyre::PhysicalSpace::bivector& bivector,
+                                                                  const std::string& text)
 {
     return readTriple(bivector, text, '<');
 }

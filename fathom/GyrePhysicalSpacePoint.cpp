@@ -9,7 +9,8 @@ std::string VValueTrait<Gyre::PhysicalSpace::point>::Text(const Gyre::PhysicalSp
     return writeTriple('{', point, '}');
 }
 
-bool VValueTrait<Gyre::PhysicalSpace::point>::setValueFromText(Gyre::PhysicalSpace::point& point, const std::string& text)
+bool VValueTrait<Gyre::PhysicalSpace::point>::setValueFromText(Gyre::PhysicalSpace::point& point,
+                                                               const std::string& text)
 {
     return readTriple(point, text, '{');
 }

@@ -17,8 +17,7 @@ void VInputValueTrait<Gyre::FixedArray<double, 2>>::init(Gyre::FixedArray<double
     pair = {{0.0, 0.0}};
 }
 
-bool VInputValueTrait<Gyre::FixedArray<double, 2>>::setValueFromText(Gyre::FixedArray<double, 2>&,
-                                                                     const std::string&)
+bool VInputValueTrait<Gyre::FixedArray<double, 2>>::setValueFromText(Gyre::FixedArray<double, 2>&, const std::string&)
 {
     return false;
 }

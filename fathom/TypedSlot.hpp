@@ -73,8 +73,8 @@ public:
     TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue, int expertLevel)
         : TypedSlot{that, name, initialValue, nullptr, expertLevel, true}
     {
-        Loam::SpeakPtr::check(
-            m_slot, "TypedSlot(VObject*that, const string&name, const T&initialValue, int expertLevel");
+        Loam::SpeakPtr::check(m_slot,
+                              "TypedSlot(VObject*that, const string&name, const T&initialValue, int expertLevel");
     }
 
     TypedSlot(const TypedSlot&) = default;

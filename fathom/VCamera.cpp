@@ -82,10 +82,9 @@ std::string VValueTrait<VCamera>::Text(const VCamera& camera)
 bool VValueTrait<VCamera>::setValueFromText(VCamera& camera, const std::string& text)
 {
     Loam::Scanner scanner(text);
-    for (PhysicalSpace::Coordinates* triple :
-         {static_cast<PhysicalSpace::Coordinates*>(&camera.position),
-          static_cast<PhysicalSpace::Coordinates*>(&camera.focus),
-          static_cast<PhysicalSpace::Coordinates*>(&camera.up)}) {
+    for (PhysicalSpace::Coordinates* triple : {static_cast<PhysicalSpace::Coordinates*>(&camera.position),
+                                               static_cast<PhysicalSpace::Coordinates*>(&camera.focus),
+                                               static_cast<PhysicalSpace::Coordinates*>(&camera.up)}) {
         scanner.literal('{').number((*triple)[0]);
         scanner.literal(',').number((*triple)[1]);
         scanner.literal(',').number((*triple)[2]);
@@ -122,8 +121,8 @@ void Frustum::compute(const VCamera& camera, double aspect, double nearDistance,
         const PhysicalSpace::point center = e - distance * w;
         const PhysicalSpace::vector vertical = height * Y;
         const PhysicalSpace::vector horizontal = width * X;
-        return {(center + vertical) - horizontal, (center + vertical) + horizontal,
-                (center - vertical) - horizontal, (center - vertical) + horizontal};
+        return {(center + vertical) - horizontal, (center + vertical) + horizontal, (center - vertical) - horizontal,
+                (center - vertical) + horizontal};
     };
     const Corners n = cornersAt(nearDistance);
     const Corners f = cornersAt(farDistance);

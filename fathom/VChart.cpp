@@ -35,8 +35,8 @@ std::size_t VChartList::insert(const VChartList& others)
         return 0;
     std::vector<VChart> all;
     all.reserve(before + others.size());
-    std::set_union(std::make_move_iterator(m_charts.begin()), std::make_move_iterator(m_charts.end()),
-                   others.begin(), others.end(), std::back_inserter(all));
+    std::set_union(std::make_move_iterator(m_charts.begin()), std::make_move_iterator(m_charts.end()), others.begin(),
+                   others.end(), std::back_inserter(all));
     m_charts = std::move(all);
     return size() - before;
 }

@@ -137,17 +137,15 @@ bool Enum::iEqual(const std::string& name) const noexcept
     return m_selection && isEqualCaseIndependent(m_selection->selectedName().c_str(), name.c_str());
 }
 
-unsigned Enum::Case(const char* c0, const char* c1, const char* c2, const char* c3, const char* c4,
-                    const char* c5, const char* c6, const char* c7, const char* c8, const char* c9,
-                    const char* c10) const noexcept
+unsigned Enum::Case(const char* c0, const char* c1, const char* c2, const char* c3, const char* c4, const char* c5,
+                    const char* c6, const char* c7, const char* c8, const char* c9, const char* c10) const noexcept
 {
     const char* const candidates[] = {c0, c1, c2, c3, c4, c5, c6, c7, c8, c9, c10};
     return (*this)(candidates, 11);
 }
 
-unsigned Enum::iCase(const char* c0, const char* c1, const char* c2, const char* c3, const char* c4,
-                     const char* c5, const char* c6, const char* c7, const char* c8, const char* c9,
-                     const char* c10) const noexcept
+unsigned Enum::iCase(const char* c0, const char* c1, const char* c2, const char* c3, const char* c4, const char* c5,
+                     const char* c6, const char* c7, const char* c8, const char* c9, const char* c10) const noexcept
 {
     // Before any candidate is looked at: an empty one would match no choice at all.
     if (!m_selection)

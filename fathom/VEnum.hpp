@@ -66,8 +66,7 @@ public:
     /// Same names in the same order, and the same number chosen.
     friend bool operator==(const VEnumSelection& a, const VEnumSelection& b) noexcept
     {
-        return a.m_selected == b.m_selected
-               && static_cast<const StringList&>(a) == static_cast<const StringList&>(b);
+        return a.m_selected == b.m_selected && static_cast<const StringList&>(a) == static_cast<const StringList&>(b);
     }
 
 private:
@@ -113,17 +112,17 @@ public:
 
     /// Which of the candidates, counted from 0, is exactly the chosen name; `None`
     /// if none is. Null candidates are skipped.
-    unsigned Case(const char* c0, const char* c1 = nullptr, const char* c2 = nullptr,
-                  const char* c3 = nullptr, const char* c4 = nullptr, const char* c5 = nullptr,
-                  const char* c6 = nullptr, const char* c7 = nullptr, const char* c8 = nullptr,
-                  const char* c9 = nullptr, const char* c10 = nullptr) const noexcept;
+    unsigned Case(const char* c0, const char* c1 = nullptr, const char* c2 = nullptr, const char* c3 = nullptr,
+                  const char* c4 = nullptr, const char* c5 = nullptr, const char* c6 = nullptr,
+                  const char* c7 = nullptr, const char* c8 = nullptr, const char* c9 = nullptr,
+                  const char* c10 = nullptr) const noexcept;
 
     /// The same with `isEqualCaseIndependent`: the first candidate that matches
     /// decides, so an empty one always does.
-    unsigned iCase(const char* c0, const char* c1 = nullptr, const char* c2 = nullptr,
-                   const char* c3 = nullptr, const char* c4 = nullptr, const char* c5 = nullptr,
-                   const char* c6 = nullptr, const char* c7 = nullptr, const char* c8 = nullptr,
-                   const char* c9 = nullptr, const char* c10 = nullptr) const noexcept;
+    unsigned iCase(const char* c0, const char* c1 = nullptr, const char* c2 = nullptr, const char* c3 = nullptr,
+                   const char* c4 = nullptr, const char* c5 = nullptr, const char* c6 = nullptr,
+                   const char* c7 = nullptr, const char* c8 = nullptr, const char* c9 = nullptr,
+                   const char* c10 = nullptr) const noexcept;
 
     /// Where the chosen name stands first among \p names; `None` if it does not.
     unsigned operator()(const char* const* names, unsigned count) const noexcept;

@@ -93,8 +93,8 @@ VSlotContainer::in<bool[], -32000>::in(const TypedSlot<bool[]>& slot) : TypedSlo
 {
 }
 
-VSlotContainer::in<bool[], -32000>::in(VSlotContainer* that, const std::string& name,
-                                       const std::string& flagNames, int expertLevel)
+VSlotContainer::in<bool[], -32000>::in(VSlotContainer* that, const std::string& name, const std::string& flagNames,
+                                       int expertLevel)
     : TypedSlot<bool[]>{that, name, flagNames, expertLevel}
 {
 }

@@ -22,15 +22,7 @@ VInteractionEvent::VInteractionEvent() : VInteractionEvent{1, nullptr}
 }
 
 VInteractionEvent::VInteractionEvent(unsigned long long theKind, const StrongPtr<InteractionGrabber>& theGrabber)
-    : x{-1}
-    , y{-1}
-    , pressure{0}
-    , wheel{0}
-    , time{0}
-    , kind{theKind}
-    , modifiers{0}
-    , clicks{0}
-    , grabber{theGrabber}
+    : x{-1}, y{-1}, pressure{0}, wheel{0}, time{0}, kind{theKind}, modifiers{0}, clicks{0}, grabber{theGrabber}
 {
 }
 

@@ -63,7 +63,7 @@ public:
     /// source may have more.
     enum Kind : unsigned long long {
         Nothing = 1,
-        Press = 2,   ///< of a button of the pointer
+        Press = 2, ///< of a button of the pointer
         Move = 3,
         Release = 4,
         Wheel = 5,
@@ -112,9 +112,9 @@ public:
     double wheel; ///< turns, positive away from the user
     double time;  ///< grows with every event of the source, so that one that is seen again can be told
     std::uint64_t device;
-    unsigned long long kind; ///< which event this is, usually a `Kind`
-    std::uint8_t modifiers;  ///< of `Modifier`
-    std::uint16_t button;    ///< 1 left, 2 middle, 3 right, 0 none
+    unsigned long long kind;   ///< which event this is, usually a `Kind`
+    std::uint8_t modifiers;    ///< of `Modifier`
+    std::uint16_t button;      ///< 1 left, 2 middle, 3 right, 0 none
     std::string keyText;       ///< characters of the key event; the first one fires hot keys
     std::string armingKeyText; ///< characters that arm a hot key
     std::int32_t clicks;

@@ -10,7 +10,7 @@ namespace Orla {
 
 /// The data member \p Member of a value of type \p T, as a value of its own that
 /// reads from and writes to the one that it is part of.
-template<class T, class M, M T::* Member>
+template<class T, class M, M T::*Member>
 class FATHOM_VISIBLE VMemberValue final : public VTypedValueBase<M> {
 public:
     explicit VMemberValue(const WeakPtrImpl<VValueBase>& container) { VMemberValue::setContainerValue(container); }

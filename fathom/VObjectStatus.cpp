@@ -78,7 +78,7 @@ void appendUtf8(std::string& text, std::uint32_t code)
 constexpr bool isPrintable(std::uint32_t code) noexcept
 {
     return code == '\t' || code == '\n' || (code >= 0x20 && code < 0x7F) || (code >= 0xA0 && code < 0xD800)
-        || (code >= 0xE000 && code <= 0x10FFFF);
+           || (code >= 0xE000 && code <= 0x10FFFF);
 }
 
 // The character of the entity `name`, which stood between "&" and ";"; 0 for none.
@@ -170,10 +170,17 @@ std::string VObjectStatus::escaped(const std::string& plain)
     result.reserve(plain.size());
     for (const char c : plain) {
         switch (c) {
-        case '<': result += "&lt;"; break;
-        case '>': result += "&gt;"; break;
-        case '&': result += "&amp;"; break;
-        default: result += c;
+        case '<':
+            result += "&lt;";
+            break;
+        case '>':
+            result += "&gt;";
+            break;
+        case '&':
+            result += "&amp;";
+            break;
+        default:
+            result += c;
         }
     }
     return result;
@@ -229,8 +236,7 @@ void StatusIndicator::setStatusWarning(const StrongPtr<ValuePool>& pool, const s
     show(pool, VObjectStatus::marked(VObjectStatus::Severity::Warning, text));
 }
 
-void StatusIndicator::setStatusError(const StrongPtr<ValuePool>& pool, const std::string& text,
-                                     bool announce) const
+void StatusIndicator::setStatusError(const StrongPtr<ValuePool>& pool, const std::string& text, bool announce) const
 {
     show(pool, VObjectStatus::marked(VObjectStatus::Severity::Error, text));
     if (!announce)
@@ -265,9 +271,7 @@ template class FATHOM_TEMPLATE VTypedValueBase<VObjectStatus>;
 template class FATHOM_TEMPLATE VValue<VObjectStatus>;
 template class FATHOM_TEMPLATE TypedValueCreator<VObjectStatus>;
 template class FATHOM_TEMPLATE VValueParameter<VObjectStatus>;
-template FATHOM_TEMPLATE
-bool operator<<(const VOutputAssignmentContext<VObjectStatus>&, const VObjectStatus&);
-template FATHOM_TEMPLATE
-bool operator>>(const VOutputAssignmentContext<VObjectStatus>&, VObjectStatus&);
+template FATHOM_TEMPLATE bool operator<<(const VOutputAssignmentContext<VObjectStatus>&, const VObjectStatus&);
+template FATHOM_TEMPLATE bool operator>>(const VOutputAssignmentContext<VObjectStatus>&, VObjectStatus&);
 
 } // namespace Orla

@@ -70,10 +70,9 @@ extern template class FATHOM_EXTERN_TEMPLATE VTypedValueBase<VObjectStatus>;
 extern template class FATHOM_EXTERN_TEMPLATE VValue<VObjectStatus>;
 extern template class FATHOM_EXTERN_TEMPLATE TypedValueCreator<VObjectStatus>;
 extern template class FATHOM_EXTERN_TEMPLATE VValueParameter<VObjectStatus>;
-extern template FATHOM_EXTERN_TEMPLATE
-bool operator<<(const VOutputAssignmentContext<VObjectStatus>&, const VObjectStatus&);
-extern template FATHOM_EXTERN_TEMPLATE
-bool operator>>(const VOutputAssignmentContext<VObjectStatus>&, VObjectStatus&);
+extern template FATHOM_EXTERN_TEMPLATE bool operator<<(const VOutputAssignmentContext<VObjectStatus>&,
+                                                       const VObjectStatus&);
+extern template FATHOM_EXTERN_TEMPLATE bool operator>>(const VOutputAssignmentContext<VObjectStatus>&, VObjectStatus&);
 
 /// Gives a processing object an output for its status. A message replaces the one
 /// before, whatever kind that was; repeating it announces no change.
@@ -87,8 +86,7 @@ public:
     /// Offers the output \p outputName of \p object, which starts from
     /// \p initialText; the number is not used. Messages of an indicator without
     /// an object show nowhere.
-    StatusIndicator(VObject* object, const std::string& initialText, int level,
-                    const std::string& outputName);
+    StatusIndicator(VObject* object, const std::string& initialText, int level, const std::string& outputName);
     virtual ~StatusIndicator();
 
     /// Shows \p text in \p pool.
@@ -117,8 +115,7 @@ private:
 class FATHOM_API CatchStatus : public VObject, public StatusIndicator {
 public:
     /// The output is called `StatusIndicator::Slotname` and starts empty.
-    CatchStatus(const std::string& name, int level,
-                const StrongPtr<VCreationPreferences, InterfaceBase>& preferences);
+    CatchStatus(const std::string& name, int level, const StrongPtr<VCreationPreferences, InterfaceBase>& preferences);
     ~CatchStatus() override;
 
     /// As `update`. A `char const*` that it throws is shown as an information;

@@ -40,8 +40,7 @@ StringSelection::StringSelection(char separator, const std::string& text, const 
 {
 }
 
-StringSelection::StringSelection(const std::string& chosen, const StrongPtr<StringList>& list)
-    : selection{chosen}
+StringSelection::StringSelection(const std::string& chosen, const StrongPtr<StringList>& list) : selection{chosen}
 {
     if (list)
         StringList::operator=(*list);
@@ -122,8 +121,7 @@ Selection VValueOperations<Selection>::copyOf(const Selection& selection)
     return selection ? Loam::makeStrong<StringSelection>(*selection) : nullptr;
 }
 
-std::string updateSelection(const TypedSlot<Selection>& slot, const StrongPtr<ValuePool>& pool,
-                            const Selection& fresh)
+std::string updateSelection(const TypedSlot<Selection>& slot, const StrongPtr<ValuePool>& pool, const Selection& fresh)
 {
     if (!fresh)
         return {};

@@ -81,10 +81,7 @@ public:
     }
 
     /// The held value itself where it is held in the plain way, else null.
-    const T* held() const noexcept
-    {
-        return isPlain(*this) ? &static_cast<const VValue<T>*>(this)->m_value : nullptr;
-    }
+    const T* held() const noexcept { return isPlain(*this) ? &static_cast<const VValue<T>*>(this)->m_value : nullptr; }
 
 protected:
     VTypedValueBase() = default;
@@ -146,10 +143,7 @@ public:
         return typed && typed->getValue(m_value);
     }
 
-    bool setValueFromText(const std::string& text) override
-    {
-        return VValueTrait<T>::setValueFromText(m_value, text);
-    }
+    bool setValueFromText(const std::string& text) override { return VValueTrait<T>::setValueFromText(m_value, text); }
 
     std::string Text() const override { return VValueTrait<T>::Text(m_value); }
 

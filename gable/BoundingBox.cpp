@@ -12,8 +12,8 @@ namespace {
 
 std::string text(const PhysicalSpace::point& place)
 {
-    return "(" + Loam::numberText(place.x()) + ", " + Loam::numberText(place.y()) + ", "
-           + Loam::numberText(place.z()) + ")";
+    return "(" + Loam::numberText(place.x()) + ", " + Loam::numberText(place.y()) + ", " + Loam::numberText(place.z())
+           + ")";
 }
 
 } // namespace

@@ -14,7 +14,7 @@ namespace {
 // might throw.
 struct stat status(const std::string& path) noexcept
 {
-    struct stat result{};
+    struct stat result {};
     // The system would look at the part before a NUL.
     if (path.find('\0') != std::string::npos || ::stat(path.c_str(), &result) != 0)
         return {};
@@ -23,8 +23,7 @@ struct stat status(const std::string& path) noexcept
 
 } // namespace
 
-FileInfo::FileInfo(std::string path) noexcept
-    : m_path{std::move(path)}
+FileInfo::FileInfo(std::string path) noexcept : m_path{std::move(path)}
 {
 }
 

@@ -37,7 +37,7 @@ constexpr int hexValue(char c)
 constexpr bool beginsWith(const char* first, const char* last, std::string_view word)
 {
     return static_cast<std::size_t>(last - first) >= word.size()
-        && std::equal(word.begin(), word.end(), first, [](char a, char b) { return a == lower(b); });
+           && std::equal(word.begin(), word.end(), first, [](char a, char b) { return a == lower(b); });
 }
 
 // Reads the part of a number from its "e" or "p" on. Where no digit follows,
@@ -132,8 +132,8 @@ const char* readHexadecimal(const char* first, const char* last, T& value)
 
     // Powers of two of the number's first bit and of the last bit that T keeps.
     const std::int64_t top = exponent + 63 - std::countl_zero(mantissa);
-    const std::int64_t bottom = std::max<std::int64_t>(top - (Limits::digits - 1),
-                                                       Limits::min_exponent - Limits::digits);
+    const std::int64_t bottom =
+        std::max<std::int64_t>(top - (Limits::digits - 1), Limits::min_exponent - Limits::digits);
     const std::int64_t excess = bottom - exponent;
     if (mantissa == 0 || excess > 64) {
         value = 0;
@@ -166,9 +166,8 @@ const char* readSpecial(const char* first, const char* last, T& value)
     first += 3;
     if (first == last || *first != '(')
         return first;
-    const char* close = std::find_if_not(first + 1, last, [](char c) {
-        return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'z') || c == '_';
-    });
+    const char* close = std::find_if_not(
+        first + 1, last, [](char c) { return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'z') || c == '_'; });
     return close != last && *close == ')' ? close + 1 : first;
 }
 

@@ -90,7 +90,7 @@ int openUnnamed(const std::string& path, unsigned mode) noexcept
 
 OutputFile::OutputFile(const std::string& path) : m_name{StringUtil::printable(path)}, m_path{path}
 {
-    struct stat status{};
+    struct stat status {};
     const bool exists = ::stat(path.c_str(), &status) == 0;
     if (exists && !S_ISREG(status.st_mode)) {
         m_descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);

@@ -82,8 +82,8 @@ Counted::Counted()
         const std::uint32_t apart = (pending->size & ApartBit) != 0 ? ReferenceBlock::Apart : 0;
         m_block = ::new (static_cast<void*>(pending)) ReferenceBlock{ReferenceBlock::Fresh | apart, this};
     } else {
-        m_block = ::new (::operator new(BlockSize))
-            ReferenceBlock{ReferenceBlock::Unowned | ReferenceBlock::Apart, this};
+        m_block =
+            ::new (::operator new(BlockSize)) ReferenceBlock{ReferenceBlock::Unowned | ReferenceBlock::Apart, this};
     }
 }
 

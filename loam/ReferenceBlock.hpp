@@ -71,8 +71,7 @@ public:
         do {
             if (!isAlive(old))
                 return false;
-        } while (!m_strong.compare_exchange_weak(old, old + 1, std::memory_order_acquire,
-                                                 std::memory_order_relaxed));
+        } while (!m_strong.compare_exchange_weak(old, old + 1, std::memory_order_acquire, std::memory_order_relaxed));
         return true;
     }
 

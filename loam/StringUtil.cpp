@@ -39,10 +39,8 @@ std::size_t split(const std::string& text, Container& pieces, char separator, bo
     return appended;
 }
 
-template LOAM_TEMPLATE
-std::size_t split(const std::string&, std::vector<std::string>&, char, bool, char);
-template LOAM_TEMPLATE
-std::size_t split(const std::string&, std::list<std::string>&, char, bool, char);
+template LOAM_TEMPLATE std::size_t split(const std::string&, std::vector<std::string>&, char, bool, char);
+template LOAM_TEMPLATE std::size_t split(const std::string&, std::list<std::string>&, char, bool, char);
 
 std::string crop_before_first(const std::string& text, char c)
 {

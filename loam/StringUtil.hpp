@@ -21,13 +21,10 @@ namespace Loam::StringUtil {
 ///
 /// \pre \p text is not one of the strings in \p pieces.
 template<class Container>
-std::size_t split(const std::string& text, Container& pieces, char separator, bool flag = true,
-                  char quote = 0);
+std::size_t split(const std::string& text, Container& pieces, char separator, bool flag = true, char quote = 0);
 
-extern template LOAM_EXTERN_TEMPLATE
-std::size_t split(const std::string&, std::vector<std::string>&, char, bool, char);
-extern template LOAM_EXTERN_TEMPLATE
-std::size_t split(const std::string&, std::list<std::string>&, char, bool, char);
+extern template LOAM_EXTERN_TEMPLATE std::size_t split(const std::string&, std::vector<std::string>&, char, bool, char);
+extern template LOAM_EXTERN_TEMPLATE std::size_t split(const std::string&, std::list<std::string>&, char, bool, char);
 
 /// The part of \p text after the first \p c, or all of it if there is none.
 LOAM_API std::string crop_before_first(const std::string& text, char c);

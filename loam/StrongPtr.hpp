@@ -48,18 +48,12 @@ public:
     /// A pointer to a derived class is a pointer to its base; implicit, as it
     /// is for plain pointers.
     template<class U>
-        requires std::convertible_to<U*, T*>
-    Strong(const Strong<U>& other) noexcept : m_block{other.m_block}, m_object{other.m_object}
-    {
-        retain();
-    }
+        requires std::convertible_to<U*, T*> Strong(const Strong<U>& other)
+    noexcept : m_block{other.m_block}, m_object{other.m_object} { retain(); }
 
     template<class U>
-        requires std::convertible_to<U*, T*>
-    Strong(Strong<U>&& other) noexcept
-        : m_block{std::exchange(other.m_block, nullptr)}, m_object{std::exchange(other.m_object, nullptr)}
-    {
-    }
+        requires std::convertible_to<U*, T*> Strong(Strong<U>&& other)
+    noexcept : m_block{std::exchange(other.m_block, nullptr)}, m_object{std::exchange(other.m_object, nullptr)} {}
 
     /// Checked cast down or across: null if the object is no \p T.
     template<class U>

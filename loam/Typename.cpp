@@ -23,7 +23,7 @@ constexpr bool isWord(char c)
 {
     // A byte of a character beyond ASCII can only be part of an identifier.
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '$'
-        || static_cast<unsigned char>(c) >= 0x80;
+           || static_cast<unsigned char>(c) >= 0x80;
 }
 
 void eraseAll(std::string& text, std::string_view part)
@@ -47,7 +47,9 @@ struct Qualification {
 class PlainName {
 public:
     PlainName(std::string_view demangled, Qualification qualification)
-        : m_text{demangled}, m_qualification{qualification} {}
+        : m_text{demangled}, m_qualification{qualification}
+    {
+    }
 
     // Null if the text has a form that is not understood.
     std::optional<std::string> text()
@@ -225,9 +227,8 @@ private:
             if (skip("()"))
                 result += "()";
             else
-                result += takeWhile([](char c) {
-                    return std::string_view("<>=!+-*/%^&|~,[]").find(c) != std::string_view::npos;
-                });
+                result += takeWhile(
+                    [](char c) { return std::string_view("<>=!+-*/%^&|~,[]").find(c) != std::string_view::npos; });
             if (nextIs(" <"))
                 ++m_at;
         }
@@ -256,8 +257,7 @@ private:
             const std::string_view first = arguments.front().full;
             if (argument.starts_with("std::allocator<std::pair<"))
                 return true;
-            for (const char* usual :
-                 {"allocator", "char_traits", "default_delete", "equal_to", "hash", "less"}) {
+            for (const char* usual : {"allocator", "char_traits", "default_delete", "equal_to", "hash", "less"}) {
                 if (isMadeOf(argument, usual, first))
                     return true;
             }
@@ -276,11 +276,8 @@ private:
             std::string_view character, prefix;
             bool stringsOnly;
         } forms[] = {
-            {"char", "", false},
-            {"wchar_t", "w", false},
-            {"char8_t", "u8", true},
-            {"char16_t", "u16", true},
-            {"char32_t", "u32", true},
+            {"char", "", false},       {"wchar_t", "w", false},   {"char8_t", "u8", true},
+            {"char16_t", "u16", true}, {"char32_t", "u32", true},
         };
         constexpr std::string_view basic = "basic_";
         if (!component.starts_with(basic))
@@ -306,8 +303,8 @@ private:
 std::string demangled(const std::type_info& type)
 {
     int status = 0;
-    const std::unique_ptr<char, decltype(&std::free)> text{
-        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free};
+    const std::unique_ptr<char, decltype(&std::free)> text{abi::__cxa_demangle(type.name(), nullptr, nullptr, &status),
+                                                           &std::free};
     return text ? text.get() : type.name();
 }
 
@@ -354,8 +351,8 @@ public:
         const std::lock_guard lock(m_mutex);
         Type& entry = m_types[key];
         if (entry.name.empty()) {
-            std::string name = defaultName(
-                type, [&](const std::string& candidate) { return !m_owners.contains(candidate); });
+            std::string name =
+                defaultName(type, [&](const std::string& candidate) { return !m_owners.contains(candidate); });
             m_owners.emplace(name, key);
             entry.name = std::move(name);
         }

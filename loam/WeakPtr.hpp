@@ -25,11 +25,8 @@ public:
     Weak(T* object) noexcept : m_block{object ? &object->referenceBlock() : nullptr}, m_object{object} { retain(); }
 
     template<class U>
-        requires std::convertible_to<U*, T*>
-    Weak(const Strong<U>& strong) noexcept : m_block{strong.m_block}, m_object{strong.m_object}
-    {
-        retain();
-    }
+        requires std::convertible_to<U*, T*> Weak(const Strong<U>& strong)
+    noexcept : m_block{strong.m_block}, m_object{strong.m_object} { retain(); }
 
     Weak(const Weak& other) noexcept : m_block{other.m_block}, m_object{other.m_object} { retain(); }
 
@@ -43,7 +40,8 @@ public:
     /// a pointer to one that is gone becomes empty.
     template<class U>
         requires(std::convertible_to<U*, T*> && !std::same_as<U, T>)
-    Weak(const Weak<U>& other) noexcept
+    Weak(const Weak<U>& other)
+    noexcept
     {
         if (other.m_block && other.m_block->tryAddStrong()) {
             m_block = other.m_block;
@@ -84,10 +82,7 @@ public:
 
     /// The object, if it is alive and the process has only one thread; else null. For code
     /// that is short and calls none that could release the object meanwhile.
-    T* peek() const noexcept
-    {
-        return isSingleThreaded() && m_block && m_block->isAlive() ? m_object : nullptr;
-    }
+    T* peek() const noexcept { return isSingleThreaded() && m_block && m_block->isAlive() ? m_object : nullptr; }
 
     /// True for an empty pointer and for one whose object is gone.
     bool expired() const noexcept { return !m_block || !m_block->isAlive(); }
@@ -132,8 +127,8 @@ using WeakPtr = Weak<T>;
 
 template<class T>
 template<class U>
-    requires std::convertible_to<U*, T*>
-Strong<T>::Strong(const Weak<U>& weak) noexcept
+    requires std::convertible_to<U*, T*> Strong<T>::Strong(const Weak<U>& weak)
+noexcept
 {
     if (weak.m_block && weak.m_block->tryAddStrong()) {
         m_block = weak.m_block;
@@ -144,7 +139,8 @@ Strong<T>::Strong(const Weak<U>& weak) noexcept
 template<class T>
 template<class U>
     requires(!std::convertible_to<U*, T*>)
-Strong<T>::Strong(const Weak<U>& weak) noexcept : Strong(weak.lock())
+Strong<T>::Strong(const Weak<U>& weak)
+noexcept : Strong(weak.lock())
 {
 }
 

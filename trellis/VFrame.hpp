@@ -17,7 +17,7 @@ namespace Detail {
 class DueQueue;
 class PoolState;
 class Update;
-}
+} // namespace Detail
 
 /// What one pool holds for one slot container: a single block with one cell per slot.
 ///
@@ -32,20 +32,20 @@ class TRELLIS_API VFrame {
 public:
     /// Bits that say what a cell holds.
     enum CellFlag : std::uint16_t {
-        Owned = 0x0001,       ///< the cell owns the variable of the slot's own parameter
-        Part = 0x0002,        ///< the cell owns a component of the value that the slot reads
-        Plain = 0x0004,       ///< the value is a `VValue` of the slot's type
-        Typed = 0x0008,       ///< the value is a `VTypedValueBase` of the slot's type
-        Off = 0x0010,         ///< the parameter is switched off
-        Heard = 0x0020,       ///< the parameter has listeners
-        KnowsReaders = 0x0040,///< `link` lists the frames that read the value
-        OneReader = 0x0080,   ///< `link` is that frame
-        ManyReaders = 0x0100, ///< `link` is a list of frames
-        OwnInput = 0x0200,    ///< the container reads the value itself
-        Rewired = 0x0400,     ///< reads another value than in the last update that succeeded
-        FromFailed = 0x0800,  ///< the value comes from a destroyed object whose update had failed
-        Unannounced = 0x1000, ///< a change could not be announced for lack of memory
-        Missing = 0x2000      ///< the value comes from an update that failed or waits
+        Owned = 0x0001,        ///< the cell owns the variable of the slot's own parameter
+        Part = 0x0002,         ///< the cell owns a component of the value that the slot reads
+        Plain = 0x0004,        ///< the value is a `VValue` of the slot's type
+        Typed = 0x0008,        ///< the value is a `VTypedValueBase` of the slot's type
+        Off = 0x0010,          ///< the parameter is switched off
+        Heard = 0x0020,        ///< the parameter has listeners
+        KnowsReaders = 0x0040, ///< `link` lists the frames that read the value
+        OneReader = 0x0080,    ///< `link` is that frame
+        ManyReaders = 0x0100,  ///< `link` is a list of frames
+        OwnInput = 0x0200,     ///< the container reads the value itself
+        Rewired = 0x0400,      ///< reads another value than in the last update that succeeded
+        FromFailed = 0x0800,   ///< the value comes from a destroyed object whose update had failed
+        Unannounced = 0x1000,  ///< a change could not be announced for lack of memory
+        Missing = 0x2000       ///< the value comes from an update that failed or waits
     };
 
     struct Cell {
@@ -120,7 +120,10 @@ private:
 
     /// True while the object's own update writes. Such an object knows about the inputs
     /// that it writes itself.
-    bool isWriting() const noexcept { return m_isUpdating && !m_hasReturned; }
+    bool isWriting() const noexcept
+    {
+        return m_isUpdating && !m_hasReturned;
+    }
 
     /// False for an object that simply runs.
     bool needsPreparation() const noexcept
@@ -129,21 +132,27 @@ private:
         return m_isStale || m_isWaiting || m_needsHold || m_keepsState || m_acceptsFailed || m_hasPrecision;
     }
 
-    Cell* inlineCells() noexcept { return reinterpret_cast<Cell*>(this + 1); }
-    WideCell* moreCells() noexcept { return static_cast<MoreCells*>(m_more)->cells(); }
+    Cell* inlineCells() noexcept
+    {
+        return reinterpret_cast<Cell*>(this + 1);
+    }
+    WideCell* moreCells() noexcept
+    {
+        return static_cast<MoreCells*>(m_more)->cells();
+    }
     void findReaders(std::uint32_t index);
 
     const VSlotContainer* m_container = nullptr;
     VObject* m_object = nullptr;
     Detail::PoolState* m_pool = nullptr;
-    VFrame* m_nextDue = nullptr;   // among the due frames of the same order number
-    std::uint64_t m_lastRun = 0;   // older values are known to the object; 0 before its first success
-    void* m_more = nullptr;        // cells of slots that were added after the frame was made
-    std::uint32_t m_order = 0;     // the container's
-    std::uint32_t m_pass : 23 = 0; // the last evaluation that ran the object
+    VFrame* m_nextDue = nullptr;         // among the due frames of the same order number
+    std::uint64_t m_lastRun = 0;         // older values are known to the object; 0 before its first success
+    void* m_more = nullptr;              // cells of slots that were added after the frame was made
+    std::uint32_t m_order = 0;           // the container's
+    std::uint32_t m_pass : 23 = 0;       // the last evaluation that ran the object
     std::uint32_t m_wasLong : 1 = false; // the last update of one that is short by the rule of `m_isShort`
-    std::uint32_t m_runs : 8 = 0;  // in that evaluation
-    std::uint32_t m_place = 0;     // among the container's frames; guarded by their lock
+    std::uint32_t m_runs : 8 = 0;        // in that evaluation
+    std::uint32_t m_place = 0;           // among the container's frames; guarded by their lock
     std::uint8_t m_inlineCells = 0;
     bool m_isDead = false; // its container was destroyed; freed when nothing refers to it
     // A thread that runs an update concurrently does not touch these.

@@ -17,7 +17,7 @@ class VNetwork;
 namespace Detail {
 class NetworkCore;
 class NetworkObjects;
-}
+} // namespace Detail
 
 /// Visits managed objects; see `VManagedObject::traverse`.
 class TRELLIS_API VManagedObjectIterator {

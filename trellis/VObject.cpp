@@ -45,8 +45,7 @@ struct Providing {
 
 VOutputIterator::~VOutputIterator() = default;
 
-VObject::VObject(const std::string& name, int level,
-                 const StrongPtr<VCreationPreferences, InterfaceBase>& preferences)
+VObject::VObject(const std::string& name, int level, const StrongPtr<VCreationPreferences, InterfaceBase>& preferences)
     : VManagedObject{name, level}, m_preferences{preferences}
 {
     wiring().object = this;
@@ -139,8 +138,8 @@ StrongPtr<VObject> VObject::attachNewObject(VObject* object, const StrongPtr<VSl
 
     StrongPtr<VObject> provider = createObject(typeName, typeName, preferences);
     if (!provider) {
-        VActionNotifier::Warning("No library provides objects of type \"" + typeName + "\"; the input \""
-                                 + slot->name() + "\" of " + object->describe() + " keeps its own value");
+        VActionNotifier::Warning("No library provides objects of type \"" + typeName + "\"; the input \"" + slot->name()
+                                 + "\" of " + object->describe() + " keeps its own value");
         return nullptr;
     }
     const StrongPtr<VSlot> output = outputFor(*slot, *provider);

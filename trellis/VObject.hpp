@@ -51,15 +51,11 @@ public:
     bool isRequestProcessingEnabled() const noexcept { return wiring().isEvaluated; }
 
     /// What the object was made for; may be null.
-    const StrongPtr<VCreationPreferences, InterfaceBase>& creationPreferences() const noexcept
-    {
-        return m_preferences;
-    }
+    const StrongPtr<VCreationPreferences, InterfaceBase>& creationPreferences() const noexcept { return m_preferences; }
 
     /// Runs the set-up functions, enables request processing and announces the
     /// object.
-    static void finishCreation(const StrongPtr<VObject>& object,
-                               const Loam::InterfaceContainer& interfaces = {},
+    static void finishCreation(const StrongPtr<VObject>& object, const Loam::InterfaceContainer& interfaces = {},
                                const StrongPtr<VObjectCreator>& creator = {});
 
     /// A finished object of a registered type in the current network; null if no

@@ -27,7 +27,7 @@ bool VObjectCreator::registerCreator(const WeakPtrImpl<VObjectCreator>& creator,
     const VObjectCreator& self = *alive;
     const std::string owner = Detail::ownerOf(alive->objectType(), typeid(self));
     if (!Detail::acceptedOrReported("object type", name, owner,
-                            registry().add(creator, name, Loam::typeKey(alive->objectType()), owner)))
+                                    registry().add(creator, name, Loam::typeKey(alive->objectType()), owner)))
         return false;
     alive->m_name = name;
     return true;

@@ -18,7 +18,7 @@ class VSlotContainer;
 namespace Detail {
 class PoolState;
 class Wiring;
-}
+} // namespace Detail
 
 /// A named input or output of a slot container. Owns a prototype value, from
 /// which each pool's variable starts.
@@ -56,10 +56,7 @@ public:
     virtual StrongPtr<VValueBase> newValue() const;
 
     const std::string& Name() const noexcept { return m_name; }
-    const StrongPtr<VCreationPreferences, InterfaceBase>& creationPreferences() const noexcept
-    {
-        return m_preferences;
-    }
+    const StrongPtr<VCreationPreferences, InterfaceBase>& creationPreferences() const noexcept { return m_preferences; }
 
     const std::type_info& valueType() const { return m_value->getType(); }
 

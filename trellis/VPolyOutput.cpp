@@ -81,9 +81,8 @@ public:
 
     void objectRemoved(const StrongPtr<VManagedObject>& managed) override
     {
-        std::erase_if(m_requesters, [&](const WeakPtrImpl<VObject>& entry) {
-            return entry.expired() || entry == managed;
-        });
+        std::erase_if(m_requesters,
+                      [&](const WeakPtrImpl<VObject>& entry) { return entry.expired() || entry == managed; });
     }
 
     void add(const StrongPtr<Joiner>& joiner)
@@ -102,8 +101,7 @@ private:
 
     void lookAround(const Detail::NetworkObjects& objects)
     {
-        for (const auto& entry :
-             objects.objects(std::numeric_limits<int>::min(), std::numeric_limits<int>::max()))
+        for (const auto& entry : objects.objects(std::numeric_limits<int>::min(), std::numeric_limits<int>::max()))
             objectAdded(entry.object);
     }
 

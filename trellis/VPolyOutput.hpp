@@ -44,7 +44,8 @@ class VPolyOutput : public virtual VSkale {
 public:
     explicit VPolyOutput(const std::string& outputName, const T& initialValue = T{})
         : m_output{VOutput<T>(this, outputName, initialValue, nullptr).parameter()}
-        , m_connection{m_output, [](const VObject& object) { return dynamic_cast<const Requester*>(&object) != nullptr; }}
+        , m_connection{m_output,
+                       [](const VObject& object) { return dynamic_cast<const Requester*>(&object) != nullptr; }}
     {
     }
 

@@ -41,10 +41,7 @@ public:
 
     const StrongPtr<ValuePool>& valuePool() const noexcept { return m_pool; }
 
-    bool isCancelled() const noexcept
-    {
-        return m_isCancelled || (m_cancellation && m_cancellation->isCancelled());
-    }
+    bool isCancelled() const noexcept { return m_isCancelled || (m_cancellation && m_cancellation->isCancelled()); }
     void cancel() noexcept;
 
     /// To hand to another thread, which may cancel the evaluation with it.
@@ -67,18 +64,18 @@ public:
 
     /// As above, for typed slots.
     template<class Slot>
-        requires requires(const Slot& input) { input.slot(); }
-    bool hasChanged(const Slot& input) const
-    {
-        return input.slot() && hasChanged(*input.slot());
-    }
+        requires requires(const Slot& input)
+        {
+            input.slot();
+        }
+    bool hasChanged(const Slot& input) const { return input.slot() && hasChanged(*input.slot()); }
 
     template<class Slot>
-        requires requires(const Slot& input) { input.slot(); }
-    bool hasFailed(const Slot& input) const
-    {
-        return input.slot() && hasFailed(*input.slot());
-    }
+        requires requires(const Slot& input)
+        {
+            input.slot();
+        }
+    bool hasFailed(const Slot& input) const { return input.slot() && hasFailed(*input.slot()); }
 
 private:
     StrongPtr<ValuePool> m_pool;

@@ -113,7 +113,7 @@ private:
     StrongPtr<VParameter> m_ownParameter;
     std::unique_ptr<const std::string> m_name; // null if it is the own parameter's
     std::unique_ptr<Link> m_link;              // null for a slot without a connection
-    std::uint32_t m_readerIndex = NotReading; // among the readers of the parameter
+    std::uint32_t m_readerIndex = NotReading;  // among the readers of the parameter
     std::uint32_t m_cell = VSlotPlace::NoCell;
     int m_expertLevel;
     std::uint8_t m_flags;

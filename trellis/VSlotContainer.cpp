@@ -59,8 +59,7 @@ StrongPtr<VSlot> VSlotContainer::addParameter(const std::string& name, int exper
                                  + "; the first one stays");
         return nullptr;
     }
-    if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter);
-        other && other != m_wiring.network) {
+    if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter); other && other != m_wiring.network) {
         VActionNotifier::Warning("The input \"" + name + "\" of " + describe()
                                  + " was not added: its parameter belongs to another network");
         return nullptr;

@@ -27,7 +27,7 @@ bool VValueCreator::registerCreator(const WeakPtrImpl<VValueCreator>& creator, c
     const VValueCreator& self = *alive;
     const std::string owner = Detail::ownerOf(alive->valueType(), typeid(self));
     return Detail::acceptedOrReported("value type", name, owner,
-                              registry().add(creator, name, Loam::typeKey(alive->valueType()), owner));
+                                      registry().add(creator, name, Loam::typeKey(alive->valueType()), owner));
 }
 
 StrongPtr<VValueCreator> VValueCreator::find(std::string_view typeName)

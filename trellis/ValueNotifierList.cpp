@@ -64,9 +64,11 @@ bool ValueNotifierList::removeListener(const VValueListener& listener)
     if (!m_listeners)
         return false;
     const std::lock_guard lock{m_listeners->mutex};
-    return std::erase_if(m_listeners->entries, [&listener](const Listeners::Entry& entry) {
-               return entry.listener.referenceBlock() == &listener.referenceBlock();
-           }) > 0;
+    return std::erase_if(m_listeners->entries,
+                         [&listener](const Listeners::Entry& entry) {
+                             return entry.listener.referenceBlock() == &listener.referenceBlock();
+                         })
+           > 0;
 }
 
 void ValueNotifierList::callListeners(const StrongPtr<ValuePool>& pool) const

@@ -22,8 +22,7 @@ struct RingPiece {
 /// boundary to the nearest entry. `walk(ring, from, distance)` adds what the ring
 /// needs of the boundary strictly between the two.
 template<class Point, class Walk>
-std::vector<std::vector<Point>> joinAlongBoundary(std::vector<RingPiece<Point>> pieces, double period,
-                                                  Walk walk)
+std::vector<std::vector<Point>> joinAlongBoundary(std::vector<RingPiece<Point>> pieces, double period, Walk walk)
 {
     // Ends that are one place of the ring may differ by rounding.
     const double rounding = period * 1e-12;

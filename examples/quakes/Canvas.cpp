@@ -25,7 +25,7 @@ namespace {
 [[maybe_unused]] const bool cairoStays = [] {
     Dl_info cairo{};
     return dladdr(reinterpret_cast<void*>(&cairo_create), &cairo) != 0
-        && dlopen(cairo.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE) != nullptr;
+           && dlopen(cairo.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE) != nullptr;
 }();
 
 [[noreturn]] void fail(cairo_status_t status)
@@ -47,9 +47,7 @@ cairo_status_t append(void* bytes, const unsigned char* data, unsigned int lengt
 // The length of the UTF-8 character that a text begins with; 0 if it is none.
 std::size_t characterLength(std::string_view text)
 {
-    const auto byte = [&](std::size_t i) {
-        return static_cast<std::uint32_t>(static_cast<unsigned char>(text[i]));
-    };
+    const auto byte = [&](std::size_t i) { return static_cast<std::uint32_t>(static_cast<unsigned char>(text[i])); };
     const std::uint32_t first = byte(0);
     std::size_t length = 0; // for a byte that begins no character
     if (first < 0x80)
@@ -108,8 +106,7 @@ std::string withOwnSurfaceNumbers(const std::string& svg)
             ++end;
         result.append(svg, done, begin - done);
         if (end > begin)
-            result += std::to_string(
-                numbers.try_emplace(svg.substr(begin, end - begin), numbers.size()).first->second);
+            result += std::to_string(numbers.try_emplace(svg.substr(begin, end - begin), numbers.size()).first->second);
         done = end;
     }
     return result.append(svg, done);
@@ -123,9 +120,8 @@ void setColor(cairo_t* cairo, const Canvas::Color& color)
 
 void addStop(cairo_pattern_t* pattern, double offset, const Canvas::Color& color)
 {
-    cairo_pattern_add_color_stop_rgba(pattern, offset, static_cast<double>(color.r),
-                                      static_cast<double>(color.g), static_cast<double>(color.b),
-                                      static_cast<double>(color.a));
+    cairo_pattern_add_color_stop_rgba(pattern, offset, static_cast<double>(color.r), static_cast<double>(color.g),
+                                      static_cast<double>(color.b), static_cast<double>(color.a));
 }
 
 void setPath(cairo_t* cairo, const std::vector<Canvas::Path>& paths, bool isClosed)
@@ -221,17 +217,15 @@ Canvas::Canvas(PictureFormat format, int width, int height)
     : m_format{format}, m_width{width}, m_height{height}, m_drawing{std::make_unique<Drawing>()}
 {
     if (!(width >= 1 && width <= largestSize && height >= 1 && height <= largestSize))
-        throw std::runtime_error{"found a picture of " + std::to_string(width) + " x "
-                                 + std::to_string(height) + " pixels, expected sides from 1 to "
-                                 + std::to_string(largestSize)};
+        throw std::runtime_error{"found a picture of " + std::to_string(width) + " x " + std::to_string(height)
+                                 + " pixels, expected sides from 1 to " + std::to_string(largestSize)};
     if (format == PictureFormat::Png) {
         m_drawing->surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
     } else {
         m_drawing->surface = cairo_svg_surface_create_for_stream(append, &m_drawing->bytes, width, height);
         cairo_svg_surface_set_document_unit(m_drawing->surface, CAIRO_SVG_UNIT_PX);
     }
-    if (const cairo_status_t status = cairo_surface_status(m_drawing->surface);
-        status != CAIRO_STATUS_SUCCESS)
+    if (const cairo_status_t status = cairo_surface_status(m_drawing->surface); status != CAIRO_STATUS_SUCCESS)
         fail(status);
     cairo_t* const cairo = m_drawing->cairo = cairo_create(m_drawing->surface);
     cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
@@ -278,8 +272,7 @@ void Canvas::fill(const Rectangle& rectangle, const std::vector<Color>& leftToRi
 {
     cairo_pattern_t* const pattern = cairo_pattern_create_linear(rectangle.left, 0, rectangle.right(), 0);
     for (std::size_t i = 0; i < leftToRight.size(); ++i)
-        addStop(pattern, static_cast<double>(i) / static_cast<double>(leftToRight.size() - 1),
-                leftToRight[i]);
+        addStop(pattern, static_cast<double>(i) / static_cast<double>(leftToRight.size() - 1), leftToRight[i]);
     setPath(m_drawing->cairo, rectangle);
     cairo_set_source(m_drawing->cairo, pattern);
     cairo_fill(m_drawing->cairo);
@@ -309,8 +302,7 @@ void Canvas::stroke(const Rectangle& rectangle, const Color& color, double lineW
     cairo_stroke(m_drawing->cairo);
 }
 
-void Canvas::circle(const Pixel& center, double radius, const Color& color, const Color& outline,
-                    double lineWidth)
+void Canvas::circle(const Pixel& center, double radius, const Color& color, const Color& outline, double lineWidth)
 {
     cairo_t* const cairo = m_drawing->cairo;
     cairo_new_path(cairo);
@@ -325,8 +317,8 @@ void Canvas::circle(const Pixel& center, double radius, const Color& color, cons
     cairo_stroke(cairo);
 }
 
-void Canvas::circle(const Pixel& center, double radius, const Color& color, const Color& outline,
-                    double lineWidth, const Path& within)
+void Canvas::circle(const Pixel& center, double radius, const Color& color, const Color& outline, double lineWidth,
+                    const Path& within)
 {
     Path circlePath;
     constexpr int corners = 64;
@@ -363,8 +355,7 @@ void Canvas::setFont(double size, bool isBold)
     cairo_set_font_size(m_drawing->cairo, size);
 }
 
-void Canvas::text(const Pixel& place, std::string_view text, double size, const Color& color, Align align,
-                  bool isBold)
+void Canvas::text(const Pixel& place, std::string_view text, double size, const Color& color, Align align, bool isBold)
 {
     const double width = align == Align::Left ? 0 : textWidth(text, size, isBold);
     setFont(size, isBold);
@@ -395,8 +386,7 @@ std::string Canvas::finished()
     }
     if (status != CAIRO_STATUS_SUCCESS)
         fail(status);
-    return m_format == PictureFormat::Png ? std::move(m_drawing->bytes)
-                                          : withOwnSurfaceNumbers(m_drawing->bytes);
+    return m_format == PictureFormat::Png ? std::move(m_drawing->bytes) : withOwnSurfaceNumbers(m_drawing->bytes);
 }
 
 } // namespace Quakes

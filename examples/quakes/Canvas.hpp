@@ -74,12 +74,11 @@ public:
 
     /// A filled circle with an outline around it. The outline stands outside of
     /// \p radius.
-    void circle(const Pixel& center, double radius, const Color& color, const Color& outline,
-                double lineWidth);
+    void circle(const Pixel& center, double radius, const Color& color, const Color& outline, double lineWidth);
 
     /// The part of a circle inside of a convex path, with an outline around it.
-    void circle(const Pixel& center, double radius, const Color& color, const Color& outline,
-                double lineWidth, const Path& within);
+    void circle(const Pixel& center, double radius, const Color& color, const Color& outline, double lineWidth,
+                const Path& within);
 
     /// What is drawn from `beginClip` to `endClip` appears inside of the rectangle
     /// alone.
@@ -90,8 +89,8 @@ public:
     /// that are no UTF-8 are drawn as replacement characters and control characters
     /// as blanks.
     /// \p size is the height of the font in pixels.
-    void text(const Pixel& place, std::string_view text, double size, const Color& color,
-              Align align = Align::Left, bool isBold = false);
+    void text(const Pixel& place, std::string_view text, double size, const Color& color, Align align = Align::Left,
+              bool isBold = false);
 
     /// The width that `text` takes.
     double textWidth(std::string_view text, double size, bool isBold = false);

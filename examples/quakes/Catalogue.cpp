@@ -24,7 +24,7 @@ bool isEarlier(const Quake& a, const Quake& b) noexcept
 [[maybe_unused]] bool isFinite(const Quake& quake) noexcept
 {
     return std::isfinite(quake.time) && std::isfinite(quake.longitude) && std::isfinite(quake.latitude)
-        && std::isfinite(quake.depth.value_or(0)) && std::isfinite(quake.magnitude.value_or(0));
+           && std::isfinite(quake.depth.value_or(0)) && std::isfinite(quake.magnitude.value_or(0));
 }
 
 } // namespace
@@ -124,10 +124,10 @@ public:
     bool read(Quake& quake)
     {
         return read(quake.time) && separator() && read(quake.longitude) && separator() && read(quake.latitude)
-            && separator() && read(quake.depth) && separator() && read(quake.magnitude) && separator()
-            && read(quake.magnitudeType) && separator() && read(quake.net) && separator() && read(quake.id)
-            && separator() && read(quake.place) && separator() && read(quake.type) && separator()
-            && read(quake.url) && lineEnd();
+               && separator() && read(quake.depth) && separator() && read(quake.magnitude) && separator()
+               && read(quake.magnitudeType) && separator() && read(quake.net) && separator() && read(quake.id)
+               && separator() && read(quake.place) && separator() && read(quake.type) && separator() && read(quake.url)
+               && lineEnd();
     }
 
 private:
@@ -164,10 +164,7 @@ private:
         return true;
     }
 
-    bool read(std::optional<double>& number)
-    {
-        return read(m_part) && (m_part.empty() || parse(number.emplace()));
-    }
+    bool read(std::optional<double>& number) { return read(m_part) && (m_part.empty() || parse(number.emplace())); }
 
     bool read(double& number) { return read(m_part) && parse(number); }
 
@@ -206,8 +203,7 @@ std::string Orla::VValueTrait<Quakes::Catalogue>::Text(const Quakes::Catalogue& 
     return text;
 }
 
-bool Orla::VValueTrait<Quakes::Catalogue>::setValueFromText(Quakes::Catalogue& catalogue,
-                                                            const std::string& text)
+bool Orla::VValueTrait<Quakes::Catalogue>::setValueFromText(Quakes::Catalogue& catalogue, const std::string& text)
 {
     std::vector<Quakes::Quake> events;
     Quakes::Reader reader{text};

@@ -14,9 +14,9 @@ namespace Quakes {
 
 /// One seismic event.
 struct Quake {
-    double time = 0;      ///< seconds since 1970-01-01T00:00:00Z
-    double longitude = 0; ///< degrees, positive to the east
-    double latitude = 0;  ///< degrees, positive to the north
+    double time = 0;             ///< seconds since 1970-01-01T00:00:00Z
+    double longitude = 0;        ///< degrees, positive to the east
+    double latitude = 0;         ///< degrees, positive to the north
     std::optional<double> depth; ///< kilometres below the surface
     std::optional<double> magnitude;
     std::string magnitudeType; ///< how the magnitude was measured: "ml", "mww"

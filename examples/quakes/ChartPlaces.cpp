@@ -30,8 +30,8 @@ Chart ChartPlaces::chartIn(const StrongPtr<Orla::ValuePool>& pool) const
 void ChartPlaces::give(const StrongPtr<Orla::ValuePool>& pool, const std::vector<point>& places) const
 {
     // Before anything else, so that another chart can be picked where this fails.
-    publish(pool, Orla::VChartList({chartName(Chart::Geographic), chartName(Chart::Geocentric),
-                                    chartName(Chart::PlateCarree)}));
+    publish(pool, Orla::VChartList(
+                      {chartName(Chart::Geographic), chartName(Chart::Geocentric), chartName(Chart::PlateCarree)}));
     const Chart chart = chartIn(pool);
 
     const auto coordinates = Loam::TypedChunk<double>::createNewChunk(3 * places.size(), false);

@@ -44,9 +44,7 @@ Triple oklab(std::uint32_t color)
     constexpr Triple labOfCones[] = {{0.2104542553, 0.7936177850, -0.0040720468},
                                      {1.9779984951, -2.4285922050, 0.4505937099},
                                      {0.0259040371, 0.7827717662, -0.8086757660}};
-    const auto channel = [color](int shift) {
-        return linear(static_cast<double>(color >> shift & 0xff) / 255);
-    };
+    const auto channel = [color](int shift) { return linear(static_cast<double>(color >> shift & 0xff) / 255); };
     Triple cones = product(conesOfRgb, {channel(16), channel(8), channel(0)});
     for (double& cone : cones)
         cone = std::cbrt(cone);
@@ -55,9 +53,8 @@ Triple oklab(std::uint32_t color)
 
 Gyre::rgba_float_t color(const Triple& lab)
 {
-    constexpr Triple conesOfLab[] = {{1, 0.3963377774, 0.2158037573},
-                                     {1, -0.1055613458, -0.0638541728},
-                                     {1, -0.0894841775, -1.2914855480}};
+    constexpr Triple conesOfLab[] = {
+        {1, 0.3963377774, 0.2158037573}, {1, -0.1055613458, -0.0638541728}, {1, -0.0894841775, -1.2914855480}};
     constexpr Triple rgbOfCones[] = {{4.0767416621, -3.3077115913, 0.2309699292},
                                      {-1.2684380046, 2.6097574011, -0.3413193965},
                                      {-0.0041960863, -0.7034186147, 1.7076147010}};
@@ -65,9 +62,7 @@ Gyre::rgba_float_t color(const Triple& lab)
     for (double& cone : cones)
         cone = cone * cone * cone;
     const Triple rgb = product(rgbOfCones, cones);
-    const auto channel = [&](std::size_t i) {
-        return static_cast<float>(encoded(std::clamp(rgb[i], 0.0, 1.0)));
-    };
+    const auto channel = [&](std::size_t i) { return static_cast<float>(encoded(std::clamp(rgb[i], 0.0, 1.0))); };
     return {channel(0), channel(1), channel(2), 1};
 }
 

@@ -91,9 +91,7 @@ std::vector<RingPiece<LonLat>> piecesOf(const Ring& nodes)
 {
     std::vector<RingPiece<LonLat>> pieces;
     const auto first = std::find_if(nodes.begin(), nodes.end(), isOnDateLine) - nodes.begin();
-    const auto node = [&](std::size_t i) {
-        return nodes[(static_cast<std::size_t>(first) + i) % nodes.size()];
-    };
+    const auto node = [&](std::size_t i) { return nodes[(static_cast<std::size_t>(first) + i) % nodes.size()]; };
     std::size_t begin = 0;
     for (std::size_t i = 1; i <= nodes.size(); ++i) {
         if (!isOnDateLine(node(i)))
@@ -183,8 +181,7 @@ std::vector<Line> cutLineAtDateLine(const Line& line)
         const bool isLast = i + 1 == nodes.size();
         double before = node.longitude;
         if (!isFirst)
-            before = isOnDateLine(current.back()) ? current.back().longitude
-                                                  : sideTowards(current.back(), node);
+            before = isOnDateLine(current.back()) ? current.back().longitude : sideTowards(current.back(), node);
         double after = before;
         if (!isLast && !isOnDateLine(nodes[i + 1]))
             after = sideTowards(nodes[i + 1], node);
@@ -213,9 +210,9 @@ bool encloses(const Ring& ring, const LonLat& place)
             const LonLat& a = cut[i];
             const LonLat& b = cut[(i + 1) % cut.size()];
             if ((a.latitude > sought.latitude) != (b.latitude > sought.latitude)
-                && sought.longitude < a.longitude
-                                          + (b.longitude - a.longitude) * (sought.latitude - a.latitude)
-                                                / (b.latitude - a.latitude))
+                && sought.longitude
+                       < a.longitude
+                             + (b.longitude - a.longitude) * (sought.latitude - a.latitude) / (b.latitude - a.latitude))
                 isInside = !isInside;
         }
     }

@@ -87,10 +87,7 @@ public:
         return found->get_ref<const std::string&>();
     }
 
-    std::string optionalText(const char* key) const
-    {
-        return find(key) ? text(key, "a text or null") : std::string();
-    }
+    std::string optionalText(const char* key) const { return find(key) ? text(key, "a text or null") : std::string(); }
 
     void expectText(const char* key, std::string_view value, const char* expected) const
     {

@@ -68,16 +68,15 @@ std::vector<point> spherical(const Line& line, bool isClosed)
         const double latitudes = to.latitude - from.latitude;
         const double parts = std::ceil(std::max(std::abs(longitudes), std::abs(latitudes)) / longest);
         for (double part = 1; part < parts; ++part)
-            points.push_back(sphere({from.longitude + longitudes * part / parts,
-                                     from.latitude + latitudes * part / parts}));
+            points.push_back(
+                sphere({from.longitude + longitudes * part / parts, from.latitude + latitudes * part / parts}));
     }
     return points;
 }
 
 std::string text(const point& p)
 {
-    return '{' + Loam::numberText(p.x()) + ',' + Loam::numberText(p.y()) + ',' + Loam::numberText(p.z())
-           + '}';
+    return '{' + Loam::numberText(p.x()) + ',' + Loam::numberText(p.y()) + ',' + Loam::numberText(p.z()) + '}';
 }
 
 void check(const Orla::VCamera& camera)
@@ -146,8 +145,8 @@ bool GlobeProjection::isHidden(const LonLat& place) const noexcept
 
 point GlobeProjection::onHorizon(double angle) const noexcept
 {
-    const vector v = m_axis * m_distance + m_right * (m_radius * std::cos(angle))
-                     + m_above * (m_radius * std::sin(angle));
+    const vector v =
+        m_axis * m_distance + m_right * (m_radius * std::cos(angle)) + m_above * (m_radius * std::sin(angle));
     return {v.x(), v.y(), v.z()};
 }
 
@@ -292,8 +291,7 @@ std::vector<std::vector<Pixel>> GlobeProjection::seen(const Ring& given) const
     return result;
 }
 
-void GlobeProjection::appendProjectedLine(std::vector<std::vector<Pixel>>& lines,
-                                          const std::vector<point>& line) const
+void GlobeProjection::appendProjectedLine(std::vector<std::vector<Pixel>>& lines, const std::vector<point>& line) const
 {
     bool isContinued = false;
     for (std::size_t i = 0; i + 1 < line.size(); ++i) {
@@ -359,8 +357,7 @@ std::optional<GlobeProjection::Circle> GlobeProjection::circleAroundDisc() const
         if (!(v.z() < 0))
             return std::nullopt;
         const Pixel pixel = projected(v);
-        circle.radius = std::max(circle.radius,
-                                 std::hypot(pixel.x - circle.center.x, pixel.y - circle.center.y));
+        circle.radius = std::max(circle.radius, std::hypot(pixel.x - circle.center.x, pixel.y - circle.center.y));
     }
     return circle;
 }

@@ -79,10 +79,10 @@ private:
 
     // On the unit sphere the horizon is a circle.
     vector m_eye;
-    vector m_axis;        // towards the eye, of length 1
-    vector m_right;       // with m_above spans the plane of the circle,
-    vector m_above;       // counterclockwise as seen from the eye
-    double m_distance;    // of that plane from the Earth's centre
+    vector m_axis;     // towards the eye, of length 1
+    vector m_right;    // with m_above spans the plane of the circle,
+    vector m_above;    // counterclockwise as seen from the eye
+    double m_distance; // of that plane from the Earth's centre
     double m_radius;
 };
 

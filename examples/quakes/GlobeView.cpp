@@ -46,8 +46,8 @@ GlobeProjection drawGlobe(Canvas& canvas, const QuakePicture& picture, const std
     const auto lit = [&](double innerRadius, const Canvas::Color& inner, const Canvas::Color& outer) {
         const double aside = 0.28 * circle->radius;
         const Pixel highlight{circle->center.x - aside, circle->center.y - aside};
-        return Canvas::RadialColors{highlight,      innerRadius * circle->radius, inner,
-                                    circle->center, circle->radius,               outer};
+        return Canvas::RadialColors{highlight, innerRadius * circle->radius, inner, circle->center, circle->radius,
+                                    outer};
     };
     if (circle)
         canvas.fill(disc, lit(0, Palette::brightSea, Palette::farSea));

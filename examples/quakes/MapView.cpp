@@ -25,8 +25,8 @@ void drawGraticule(Canvas& canvas, const MapFrame& frame, double point)
 {
     std::vector<Canvas::Path> lines;
     for (int longitude = -180 + graticuleStep; longitude < 180; longitude += graticuleStep)
-        lines.push_back({frame.pixel({static_cast<double>(longitude), -90}),
-                         frame.pixel({static_cast<double>(longitude), 90})});
+        lines.push_back(
+            {frame.pixel({static_cast<double>(longitude), -90}), frame.pixel({static_cast<double>(longitude), 90})});
     for (int latitude = -90 + graticuleStep; latitude < 90; latitude += graticuleStep) {
         const double y = frame.pixel({0, static_cast<double>(latitude)}).y;
         lines.push_back({{frame.rectangle().left, y},
@@ -40,12 +40,10 @@ void drawDegrees(Canvas& canvas, const MapFrame& frame, double point)
 {
     constexpr double fontSize = 10.5;
     for (int longitude = -180; longitude <= 180; longitude += 2 * graticuleStep)
-        canvas.text(
-            {frame.pixel({static_cast<double>(longitude), 0}).x, frame.rectangle().bottom() + 14 * point},
-            degrees(longitude, "E", "W"), fontSize * point, Palette::faintInk, Canvas::Align::Center);
+        canvas.text({frame.pixel({static_cast<double>(longitude), 0}).x, frame.rectangle().bottom() + 14 * point},
+                    degrees(longitude, "E", "W"), fontSize * point, Palette::faintInk, Canvas::Align::Center);
     for (int latitude = -90; latitude <= 90; latitude += graticuleStep)
-        canvas.text({frame.rectangle().left - 6 * point,
-                     frame.pixel({0, static_cast<double>(latitude)}).y + 4 * point},
+        canvas.text({frame.rectangle().left - 6 * point, frame.pixel({0, static_cast<double>(latitude)}).y + 4 * point},
                     degrees(latitude, "N", "S"), fontSize * point, Palette::faintInk, Canvas::Align::Right);
 }
 
@@ -73,8 +71,7 @@ MapFrame::MapFrame(const Rectangle& space) noexcept
     m_scale = std::min(space.width / 2 / eastEnd.x(), space.height / 2 / eastEnd.y());
     const double width = 2 * eastEnd.x() * m_scale;
     const double height = 2 * eastEnd.y() * m_scale;
-    m_rectangle = {space.left + (space.width - width) / 2, space.top + (space.height - height) / 2, width,
-                   height};
+    m_rectangle = {space.left + (space.width - width) / 2, space.top + (space.height - height) / 2, width, height};
 }
 
 Pixel MapFrame::pixel(const LonLat& place) const noexcept

@@ -12,7 +12,7 @@ namespace Quakes {
 
 namespace {
 
-constexpr double margin = 26;       // points
+constexpr double margin = 26; // points
 constexpr double headerHeight = 90;
 constexpr double footerHeight = 88;
 
@@ -31,8 +31,8 @@ bool isContinuation(char c)
 
 // Writes a text in at most the width given: smaller if it must be, and shortened
 // where that would be too small to be read.
-void writeFitted(Canvas& canvas, const Pixel& place, std::string text, double size,
-                 const Canvas::Color& color, double width, bool isBold)
+void writeFitted(Canvas& canvas, const Pixel& place, std::string text, double size, const Canvas::Color& color,
+                 double width, bool isBold)
 {
     constexpr double smallest = 0.6;
     const double found = canvas.textWidth(text, size, isBold);
@@ -56,8 +56,8 @@ void drawHeader(Canvas& canvas, const QuakePicture& picture, std::size_t count, 
 {
     const double width = canvas.width() - 2 * margin * point;
     writeFitted(canvas, {margin * point, 44 * point}, picture.title, 25 * point, Palette::ink, width, true);
-    const std::string line = utcText(picture.instant) + "  \u00b7  " + withThousands(count)
-        + (count == 1 ? " event" : " events");
+    const std::string line =
+        utcText(picture.instant) + "  \u00b7  " + withThousands(count) + (count == 1 ? " event" : " events");
     writeFitted(canvas, {margin * point, 68 * point}, line, 15 * point, Palette::faintInk, width, false);
 }
 
@@ -65,16 +65,14 @@ void drawSizes(Canvas& canvas, ColorRule rule, double left, double top, double p
 {
     constexpr double fontSize = 12;
     constexpr double step = 40;
-    canvas.text({left, top + 14 * point}, "Magnitude", fontSize * point, Palette::ink, Canvas::Align::Left,
-                true);
+    canvas.text({left, top + 14 * point}, "Magnitude", fontSize * point, Palette::ink, Canvas::Align::Left, true);
     for (int magnitude = 2; magnitude <= 7; ++magnitude) {
         const bool isColored = rule == ColorRule::Magnitude;
-        const Canvas::Color color = isColored ? colorAt(rule, scalePosition(rule, magnitude))
-                                              : Palette::paper;
+        const Canvas::Color color = isColored ? colorAt(rule, scalePosition(rule, magnitude)) : Palette::paper;
         const Pixel center{left + (14 + step * (magnitude - 2)) * point, top + 37 * point};
         canvas.circle(center, quakeRadius(magnitude) * point, color, Palette::ink, 0.8 * point);
-        canvas.text({center.x, top + 66 * point}, Loam::numberText(magnitude), fontSize * point,
-                    Palette::faintInk, Canvas::Align::Center);
+        canvas.text({center.x, top + 66 * point}, Loam::numberText(magnitude), fontSize * point, Palette::faintInk,
+                    Canvas::Align::Center);
     }
 }
 
@@ -83,8 +81,7 @@ void drawColors(Canvas& canvas, ColorRule rule, bool hasUnknown, double right, d
     constexpr double fontSize = 12;
     const ColorLegend legend = colorLegend(rule);
     const Rectangle bar{right - 370 * point, top + 28 * point, 350 * point, 16 * point};
-    canvas.text({bar.left, top + 14 * point}, legend.title, fontSize * point, Palette::ink,
-                Canvas::Align::Left, true);
+    canvas.text({bar.left, top + 14 * point}, legend.title, fontSize * point, Palette::ink, Canvas::Align::Left, true);
     constexpr int count = 33;
     std::vector<Canvas::Color> colors;
     for (int i = 0; i < count; ++i)
@@ -98,8 +95,8 @@ void drawColors(Canvas& canvas, ColorRule rule, bool hasUnknown, double right, d
                     Canvas::Align::Center);
     }
     if (hasUnknown) {
-        canvas.circle({bar.right() - 66 * point, top + 10 * point}, 5 * point, Palette::unknown,
-                      Palette::outline, 0.8 * point);
+        canvas.circle({bar.right() - 66 * point, top + 10 * point}, 5 * point, Palette::unknown, Palette::outline,
+                      0.8 * point);
         canvas.text({bar.right(), top + 14 * point}, "unknown", fontSize * point, Palette::faintInk,
                     Canvas::Align::Right);
     }

@@ -16,7 +16,7 @@ namespace Quakes {
 /// What a picture shows.
 struct QuakePicture {
     std::string title;
-    double instant = 0;  ///< seconds since 1970 UTC; later events are not drawn
+    double instant = 0; ///< seconds since 1970 UTC; later events are not drawn
     Catalogue quakes;
     ColorRule colorRule = ColorRule::Depth;
 };

@@ -59,8 +59,8 @@ public:
     bool update(Orla::VRequest& request, double number) override
     {
         const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
-        publish(pool, Orla::VChartList({chartName(Chart::Geographic), chartName(Chart::Geocentric),
-                                        chartName(Chart::PlateCarree)}));
+        publish(pool, Orla::VChartList(
+                          {chartName(Chart::Geographic), chartName(Chart::Geocentric), chartName(Chart::PlateCarree)}));
         // Actions carry a number; whatever else makes this object due does not.
         if (number == 0)
             return true;
@@ -136,8 +136,8 @@ private:
 
     Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
     Orla::TypedSlot<Land> m_land{this, "land", Land{}, 0};
-    Orla::TypedSlot<Orla::VCamera> m_camera{this, "camera",
-                                            Orla::VCamera{{-1.5e7, -1.26e7, 1.64e7}, {}, {0, 0, 1}, 29}, 0};
+    Orla::TypedSlot<Orla::VCamera> m_camera{this, "camera", Orla::VCamera{{-1.5e7, -1.26e7, 1.64e7}, {}, {0, 0, 1}, 29},
+                                            0};
     Orla::TypedSlot<std::string> m_title{this, "title", "Earthquakes", 0};
     Orla::TypedSlot<Orla::Enum> m_color{this, "color", colorRules(), 0};
     Orla::TypedSlot<double> m_width{this, "width", 900.0, 0};

@@ -82,16 +82,15 @@ PhysicalSpace::point geographic(const PhysicalSpace::point& geocentric) noexcept
     const Direction reduced = reducedLatitude(p, z);
     const double latitude = std::atan2(semiMajorAxis * reduced.sine, semiMinorAxis * reduced.cosine);
     const double sine = std::sin(latitude);
-    const double height = p * std::cos(latitude) + z * sine
-        - semiMajorAxis * std::sqrt(1 - squaredEccentricity * sine * sine);
+    const double height =
+        p * std::cos(latitude) + z * sine - semiMajorAxis * std::sqrt(1 - squaredEccentricity * sine * sine);
     const double longitude = p == 0 ? 0 : std::atan2(geocentric.y(), geocentric.x()) / degree;
     return {longitude, (geocentric.z() < 0 ? -latitude : latitude) / degree, height};
 }
 
 PhysicalSpace::point plateCarree(const PhysicalSpace::point& geographic) noexcept
 {
-    return {semiMajorAxis * (geographic.x() * degree), semiMajorAxis * (geographic.y() * degree),
-            geographic.z()};
+    return {semiMajorAxis * (geographic.x() * degree), semiMajorAxis * (geographic.y() * degree), geographic.z()};
 }
 
 PhysicalSpace::point converted(const PhysicalSpace::point& place, Chart from, Chart to) noexcept

@@ -25,9 +25,8 @@ constexpr double magnitudes[] = {0, 1, 2, 3, 4, 5, 6, 7};
 constexpr double depths[] = {0, 10, 35, 70, 150, 300, 500, 700};
 constexpr double ages[] = {168, 144, 120, 96, 72, 48, 24, 0};
 
-constexpr Rule rules[] = {{"magnitude", {"Magnitude", magnitudes}},
-                          {"depth", {"Depth (km)", depths}},
-                          {"age", {"Age (hours)", ages}}};
+constexpr Rule rules[] = {
+    {"magnitude", {"Magnitude", magnitudes}}, {"depth", {"Depth (km)", depths}}, {"age", {"Age (hours)", ages}}};
 
 } // namespace
 
@@ -38,8 +37,8 @@ const char* colorRuleName(ColorRule rule) noexcept
 
 std::optional<ColorRule> colorRuleOfName(std::string_view name) noexcept
 {
-    const auto found = std::find_if(std::begin(rules), std::end(rules),
-                                    [name](const Rule& rule) { return rule.name == name; });
+    const auto found =
+        std::find_if(std::begin(rules), std::end(rules), [name](const Rule& rule) { return rule.name == name; });
     if (found == std::end(rules))
         return std::nullopt;
     return static_cast<ColorRule>(found - std::begin(rules));

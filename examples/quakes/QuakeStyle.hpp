@@ -25,7 +25,7 @@ std::optional<ColorRule> colorRuleOfName(std::string_view name) noexcept;
 
 /// What a picture's legend says of a rule.
 struct ColorLegend {
-    const char* title; ///< with the unit: "Depth (km)"
+    const char* title;              ///< with the unit: "Depth (km)"
     std::span<const double> values; ///< to be marked, in the order of their positions
 };
 ColorLegend colorLegend(ColorRule rule) noexcept;

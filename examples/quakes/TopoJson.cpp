@@ -151,17 +151,15 @@ public:
     }
 
 private:
-    static constexpr const char* kinds =
-        "\"GeometryCollection\", \"Polygon\", \"MultiPolygon\", \"LineString\", "
-        "\"MultiLineString\", \"Point\", \"MultiPoint\" or null";
+    static constexpr const char* kinds = "\"GeometryCollection\", \"Polygon\", \"MultiPolygon\", \"LineString\", "
+                                         "\"MultiLineString\", \"Point\", \"MultiPoint\" or null";
 
     void readTransform(const Json& transform, const Path& path)
     {
         if (!transform.is_object())
             refuse(path, &transform, "an object with \"scale\" and \"translate\"");
         m_isTransformed = true;
-        for (const auto& [key, target] :
-             {std::pair{"scale", &m_scale}, std::pair{"translate", &m_translate}}) {
+        for (const auto& [key, target] : {std::pair{"scale", &m_scale}, std::pair{"translate", &m_translate}}) {
             const Path member{path, key};
             const Json* const found = find(transform, key);
             if (!found)
@@ -254,8 +252,7 @@ private:
     std::size_t arcIndex(const Json& found, const Path& path) const
     {
         const std::string count = std::to_string(m_arcs.size());
-        const std::string expected = "a whole number from -" + count + " to below " + count
-                                     + ", the number of arcs";
+        const std::string expected = "a whole number from -" + count + " to below " + count + ", the number of arcs";
         if (!found.is_number_integer())
             refuse(path, &found, expected);
         if (found.is_number_unsigned()) {
@@ -282,8 +279,7 @@ private:
             Ring ring = line(&rings[i], place);
             if (ring.front() != ring.back())
                 throw Fault{place.text(),
-                            "a ring that begins at " + textOf(ring.front()) + " and ends at "
-                                + textOf(ring.back()),
+                            "a ring that begins at " + textOf(ring.front()) + " and ends at " + textOf(ring.back()),
                             "one that ends where it begins"};
             if (ring.size() < 4)
                 throw Fault{place.text(), "a ring of " + std::to_string(ring.size()) + " positions",
@@ -353,14 +349,14 @@ Shapes shapesOfTopoJson(std::string_view text, const std::string& name, std::str
     try {
         return shapesOf(Json::parse(text), object);
     } catch (const Fault& fault) {
-        throw std::runtime_error{name + ": " + fault.path + (fault.path.empty() ? "" : ": ") + "found "
-                                 + fault.found + ", expected " + fault.expected};
+        throw std::runtime_error{name + ": " + fault.path + (fault.path.empty() ? "" : ": ") + "found " + fault.found
+                                 + ", expected " + fault.expected};
     } catch (const Json::exception& error) {
         // The parser's message without its number and without what it read last.
         std::string_view message = error.what();
         message.remove_prefix(std::min(message.find("] ") + 2, message.size()));
-        throw std::runtime_error{name + ": is no valid JSON: "
-                                 + std::string(message.substr(0, message.find("; last read: ")))};
+        throw std::runtime_error{
+            name + ": is no valid JSON: " + std::string(message.substr(0, message.find("; last read: ")))};
     }
 }
 

@@ -12,8 +12,7 @@ namespace Quakes {
 /// seconds since 1970 the times 0 and 1 stand for.
 class UtcInstant : public Orla::VObject, public Orla::TimeDependent {
 public:
-    UtcInstant(const std::string& name, int level,
-               const Orla::StrongPtr<Orla::VCreationPreferences>& preferences)
+    UtcInstant(const std::string& name, int level, const Orla::StrongPtr<Orla::VCreationPreferences>& preferences)
         : VObject{name, level, preferences}, TimeDependent{"time", "range", preferences, Orla::VTime{0}}
     {
     }

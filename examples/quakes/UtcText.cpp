@@ -38,8 +38,7 @@ std::string utcText(double seconds)
     // Written so that NaN, which compares false with everything, has no date.
     if (!(rounded >= static_cast<double>(first.time_since_epoch().count())
           && rounded < static_cast<double>(behindLast.time_since_epoch().count())))
-        return "no calendar date (" + (std::isnan(seconds) ? "nan" : Loam::numberText(seconds))
-            + " s since 1970)";
+        return "no calendar date (" + (std::isnan(seconds) ? "nan" : Loam::numberText(seconds)) + " s since 1970)";
 
     const Instant instant{milliseconds{static_cast<milliseconds::rep>(rounded)}};
     const sys_days midnight = floor<days>(instant);

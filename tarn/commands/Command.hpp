@@ -54,7 +54,7 @@ struct Command {
     std::size_t fewestNames = 0;
     std::size_t mostNames = 0;
     std::string summary = {}; ///< half a line
-    std::string help = {}; ///< paragraphs that follow the summary
+    std::string help = {};    ///< paragraphs that follow the summary
     std::vector<Option> options = {};
     std::string libraryFolders = {}; ///< where it looks for libraries beside the usual places; empty if it loads none
 

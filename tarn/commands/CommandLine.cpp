@@ -71,8 +71,9 @@ public:
         const std::vector<std::string>& names = m_line.arguments.names;
         const std::string expected = ", expected " + synopsisOf(command);
         if (names.size() < command.fewestNames)
-            throw UsageError{(names.empty() ? "no " + command.nameShape.substr(0, command.nameShape.find(' '))
-                                            : "too few names") + expected};
+            throw UsageError{
+                (names.empty() ? "no " + command.nameShape.substr(0, command.nameShape.find(' ')) : "too few names")
+                + expected};
         if (names.size() > command.mostNames)
             throw UsageError{"one name too many, " + inQuotes(names[command.mostNames]) + expected};
         return std::move(m_line);

@@ -175,8 +175,9 @@ std::string manPage(const std::vector<const Command*>& commands)
     std::string text = ".TH TARN 1 \"\" \"" + version + "\" \"User Commands\"\n" + Opening;
     for (const Command* command : commands)
         text += synopsis(*command);
-    text += ".HP 8\n" + bold("tarn") + " [" + italic("COMMAND") + "] " + bold("--help") + "\n.HP 8\n" + bold("tarn --version")
-            + "\n.ad b\n.SH DESCRIPTION\n" + manText(CommandLine::filesHelp()) + ".SH COMMANDS\n";
+    text += ".HP 8\n" + bold("tarn") + " [" + italic("COMMAND") + "] " + bold("--help") + "\n.HP 8\n"
+            + bold("tarn --version") + "\n.ad b\n.SH DESCRIPTION\n" + manText(CommandLine::filesHelp())
+            + ".SH COMMANDS\n";
     for (const Command* command : commands)
         text += section(*command);
     return text + ".SH \"EXIT STATUS\"\n" + manText(CommandLine::statusHelp()) + Closing;

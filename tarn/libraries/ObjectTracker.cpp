@@ -32,7 +32,7 @@ std::string heldCreator()
 ObjectTracker::~ObjectTracker() = default;
 
 void ObjectTracker::objectCreated(const StrongPtr<Orla::VManagedObject>& object, const Loam::InterfaceContainer&,
-                           const StrongPtr<Orla::VObjectCreator>&)
+                                  const StrongPtr<Orla::VObjectCreator>&)
 {
     if (m_objects.size() >= m_nextPruning) {
         std::erase_if(m_objects, [](const auto& entry) { return entry.expired(); });

@@ -2,7 +2,6 @@
 
 #include <fathom/VChart.hpp>
 
-
 namespace Tarn {
 
 namespace {

@@ -37,8 +37,9 @@ bool isKnownType(const std::string& type)
 bool isNumberType(const std::type_info& type) noexcept
 {
     const std::type_info* const numbers[] = {
-        &typeid(short), &typeid(unsigned short), &typeid(int), &typeid(unsigned int), &typeid(long),
-        &typeid(unsigned long), &typeid(long long), &typeid(unsigned long long), &typeid(float), &typeid(double)};
+        &typeid(short), &typeid(unsigned short), &typeid(int),       &typeid(unsigned int),
+        &typeid(long),  &typeid(unsigned long),  &typeid(long long), &typeid(unsigned long long),
+        &typeid(float), &typeid(double)};
     return std::ranges::any_of(numbers, [&](const std::type_info* number) { return *number == type; });
 }
 
@@ -161,8 +162,9 @@ std::vector<std::string> Conversion::moveTo(const std::string& folder)
             continue;
         for (const NetworkFile::InputText& text : object.texts) {
             if (rewriter.concerns(text.value.text))
-                messages.push_back(start(object, text) + " names a file and is left as it is, because the type of the "
-                                                         "object is not known");
+                messages.push_back(start(object, text)
+                                   + " names a file and is left as it is, because the type of the "
+                                     "object is not known");
         }
     }
     for (const PlacedText& library : m_file.libraries) {

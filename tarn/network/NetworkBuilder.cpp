@@ -121,8 +121,8 @@ void Builder::make(std::size_t number)
     if (why.empty() && !made.object)
         why = "its creator made nothing";
     if (!why.empty())
-        m_faults.add(entry.type.place,
-                     entry.description + ": an object of type " + inQuotes(entry.type.text) + " cannot be made: " + why);
+        m_faults.add(entry.type.place, entry.description + ": an object of type " + inQuotes(entry.type.text)
+                                           + " cannot be made: " + why);
 }
 
 void Builder::setInputs()
@@ -195,8 +195,8 @@ void Builder::setInput(const std::string& override)
     setText(number, {}, description, input, std::string(rest.substr(input->name().size() + 1)));
 }
 
-bool Builder::setText(std::size_t number, Place place, const std::string& description,
-                      const StrongPtr<VSlot>& input, const std::string& text)
+bool Builder::setText(std::size_t number, Place place, const std::string& description, const StrongPtr<VSlot>& input,
+                      const std::string& text)
 {
     std::string message = description;
     if (place)
@@ -206,14 +206,14 @@ bool Builder::setText(std::size_t number, Place place, const std::string& descri
         auto& inputs = m_objects[number].set;
         auto entry = inputs.find(input->name());
         if (entry == inputs.end())
-            entry = inputs.emplace(input->name(),
-                                   NetworkInputs::Input{.name = input->name(),
-                                                        .type = &input->type(),
-                                                        .place = {},
-                                                        .description = {},
-                                                        .given = parameter.newValue(),
-                                                        .value = parameter.DefaultValue(),
-                                                        .texts = {}})
+            entry = inputs
+                        .emplace(input->name(), NetworkInputs::Input{.name = input->name(),
+                                                                     .type = &input->type(),
+                                                                     .place = {},
+                                                                     .description = {},
+                                                                     .given = parameter.newValue(),
+                                                                     .value = parameter.DefaultValue(),
+                                                                     .texts = {}})
                         .first;
         entry->second.place = place;
         entry->second.description = message;
@@ -223,8 +223,8 @@ bool Builder::setText(std::size_t number, Place place, const std::string& descri
     std::string why = failureOf([&] { accepted = input->setInitialText(text); });
     if (accepted)
         return true;
-    message += ": the text " + inQuotes(text) + " is refused, expected a value of type "
-               + Loam::Typename(input->type());
+    message +=
+        ": the text " + inQuotes(text) + " is refused, expected a value of type " + Loam::Typename(input->type());
     m_faults.add(place, why.empty() ? message : message + " (" + why + ")");
     return false;
 }
@@ -241,11 +241,10 @@ StrongPtr<VSlot> Builder::findInput(std::size_t number, const PlacedText& name)
         return nullptr; // told already
     StrongPtr<VSlot> input = object->findSlot(name.text);
     if (!input)
-        m_faults.add(name.place, m_file.objects[number].description + ": " + typeOf(number) + " has no input "
-                                     + inQuotes(name.text)
-                                     + (object->findOutput(name.text)
-                                            ? "; that is an output"
-                                            : insteadOf(name.text, namesOf(object->inputs()))));
+        m_faults.add(name.place,
+                     m_file.objects[number].description + ": " + typeOf(number) + " has no input " + inQuotes(name.text)
+                         + (object->findOutput(name.text) ? "; that is an output"
+                                                          : insteadOf(name.text, namesOf(object->inputs()))));
     return input;
 }
 
@@ -313,16 +312,17 @@ bool Builder::findOutput(Place place, const std::string& description, const std:
     found.output = findSlotAtStart(object->outputs(), rest, '.');
     if (!found.output) {
         const std::string name(rest.substr(0, rest.find('.')));
-        m_faults.add(place, description + ": " + m_file.objects[number].description + " of type " + typeOf(number)
-                                + " has no output " + inQuotes(name)
-                                + (object->findSlot(name) ? "; that is an input"
-                                                          : insteadOf(name, namesOf(object->outputs()))));
+        m_faults.add(
+            place, description + ": " + m_file.objects[number].description + " of type " + typeOf(number)
+                       + " has no output " + inQuotes(name)
+                       + (object->findSlot(name) ? "; that is an input" : insteadOf(name, namesOf(object->outputs()))));
         return false;
     }
     const std::size_t end = found.output->name().size();
     found.member = end < rest.size() ? rest.substr(end + 1) : std::string_view{};
     if (end < rest.size() && found.member.empty()) {
-        m_faults.add(place, description + ": found " + inQuotes(text) + ", expected the name of a component at the end");
+        m_faults.add(place,
+                     description + ": found " + inQuotes(text) + ", expected the name of a component at the end");
         return false;
     }
     return true;

@@ -43,11 +43,11 @@ struct NetworkInputs {
     struct Input {
         std::string name;
         const std::type_info* type;
-        Place place;                              ///< of the last text; nowhere for one of the command line
-        std::string description;                  ///< how messages call it
-        Orla::StrongPtr<Orla::VValueBase> given;  ///< what the object gives it
-        Orla::StrongPtr<Orla::VValueBase> value;  ///< what it holds
-        std::vector<std::string> texts;           ///< read one after the other into \p given, they make \p value
+        Place place;                             ///< of the last text; nowhere for one of the command line
+        std::string description;                 ///< how messages call it
+        Orla::StrongPtr<Orla::VValueBase> given; ///< what the object gives it
+        Orla::StrongPtr<Orla::VValueBase> value; ///< what it holds
+        std::vector<std::string> texts;          ///< read one after the other into \p given, they make \p value
     };
 
     struct Object {

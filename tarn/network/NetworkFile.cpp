@@ -97,8 +97,7 @@ private:
     template<class Function>
     void forEachTable(const toml::node& node, const std::string& key, Function&& function);
 
-    const toml::table* asTable(const std::string& owner, const char* key, const toml::node& node,
-                               const char* expected);
+    const toml::table* asTable(const std::string& owner, const char* key, const toml::node& node, const char* expected);
 
     void reportUnknownKey(const std::string& owner, const PlacedText& key, const Keys& known);
 
@@ -146,10 +145,10 @@ bool Parser::formatIsKnown(const toml::table& root)
     }
     if (*format == NetworkFile::Format)
         return true;
-    m_faults.add(placeOf(*node), "format " + std::to_string(*format)
-                                     + (*format > NetworkFile::Format ? ": saved by a newer version"
-                                                                      : ": there is none of that number")
-                                     + "; this one reads format " + current);
+    m_faults.add(placeOf(*node),
+                 "format " + std::to_string(*format)
+                     + (*format > NetworkFile::Format ? ": saved by a newer version" : ": there is none of that number")
+                     + "; this one reads format " + current);
     return false;
 }
 
@@ -166,8 +165,8 @@ void Parser::readLibraries(const toml::node& node)
             m_faults.add(placeOf(element),
                          std::string("libraries holds ") + kindOf(element) + ", expected names of libraries");
         else if (name->empty() || name->find_first_of(std::string_view("/\0", 2)) != std::string::npos)
-            m_faults.add(placeOf(element), "library " + inQuotes(*name)
-                                               + ": expected a plain name, without folder and ending");
+            m_faults.add(placeOf(element),
+                         "library " + inQuotes(*name) + ": expected a plain name, without folder and ending");
         else
             m_file.libraries.push_back({*name, placeOf(element)});
     }
@@ -220,8 +219,8 @@ void Parser::keep(NetworkFile::Object& object, const toml::table& table)
         if (key.text == "name" || key.text == "type")
             continue;
         if (nestingOf(*node) > MostNested) {
-            m_faults.add(placeOf(*node), object.description + ": " + inQuotes(key.text)
-                                             + " is nested too deeply to be written again");
+            m_faults.add(placeOf(*node),
+                         object.description + ": " + inQuotes(key.text) + " is nested too deeply to be written again");
             continue;
         }
         const toml::table* inner = node->as_table();
@@ -254,8 +253,9 @@ std::vector<NetworkFile::InputText> Parser::readTexts(const std::string& owner, 
             if (readExact(owner + ", input " + inQuotes(key.text), *exact, setting))
                 texts.push_back(setting);
         } else
-            m_faults.add(placeOf(*value), owner + ", input " + inQuotes(key.text) + ": set to " + kindOf(*value)
-                                              + ", expected a text, a number, a truth value or a table with an exact text");
+            m_faults.add(placeOf(*value),
+                         owner + ", input " + inQuotes(key.text) + ": set to " + kindOf(*value)
+                             + ", expected a text, a number, a truth value or a table with an exact text");
     }
     return texts;
 }

@@ -244,8 +244,8 @@ std::string legendOf(const NetworkGraph& graph)
     }
     std::string rows;
     for (const auto& [type, colour] : colours)
-        rows += "<TR><TD BGCOLOR=\"" + colour + "\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">" + inLabel(type)
-                + "</TD></TR>";
+        rows +=
+            "<TR><TD BGCOLOR=\"" + colour + "\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">" + inLabel(type) + "</TD></TR>";
     if (hasImplicit)
         rows += "<TR><TD COLSPAN=\"2\" ALIGN=\"LEFT\">dashed: found by itself</TD></TR>";
     return "<TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLSPACING=\"4\">" + rows + "</TABLE>";
@@ -263,9 +263,14 @@ std::string dotText(const NetworkGraph& graph)
     const std::string font = std::string("fontname=\"") + Font + '"';
     const std::string rounds = graph.objects.size() > MostPolished ? FewerRounds : "";
     std::string text = "digraph network {\n"
-                       "    graph [rankdir=LR" + rounds + "]\n"
-                       "    node [shape=plain, " + font + ", fontsize=11]\n"
-                       "    edge [" + font + ", fontsize=9, arrowsize=0.6]\n";
+                       "    graph [rankdir=LR"
+                       + rounds
+                       + "]\n"
+                         "    node [shape=plain, "
+                       + font
+                       + ", fontsize=11]\n"
+                         "    edge ["
+                       + font + ", fontsize=9, arrowsize=0.6]\n";
     for (std::size_t number = 0; number < graph.objects.size(); ++number)
         text += "    object" + std::to_string(number) + " [label=<" + boxOf(graph.objects[number]) + ">]\n";
     for (const NetworkGraph::Connection& connection : graph.connections) {

@@ -26,7 +26,8 @@ Value readInto(const Value& given, const std::vector<std::string>& texts)
 
 } // namespace
 
-std::optional<RestorableText> restorableText(const Value& given, const Value& value, const std::vector<std::string>& texts)
+std::optional<RestorableText> restorableText(const Value& given, const Value& value,
+                                             const std::vector<std::string>& texts)
 {
     RestorableText form;
     const std::string written = value->Text();

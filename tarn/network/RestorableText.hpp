@@ -23,7 +23,7 @@ struct RestorableText {
 /// its type tells values apart: what it writes first, then as few of the last
 /// \p texts as will do. Nothing if no text that a file can hold restores it.
 std::optional<RestorableText> restorableText(const Orla::StrongPtr<Orla::VValueBase>& given,
-                                   const Orla::StrongPtr<Orla::VValueBase>& value,
-                                   const std::vector<std::string>& texts);
+                                             const Orla::StrongPtr<Orla::VValueBase>& value,
+                                             const std::vector<std::string>& texts);
 
 } // namespace Tarn

@@ -34,8 +34,8 @@ public:
     /// \p overrides as in `buildNetwork`. There will be \p stepLimit steps at most,
     /// and \p chart is wanted instead of the one that the file names.
     /// \throw Loam::FileError if the file cannot be read.
-    Session(const std::string& path, const std::vector<std::string>& overrides,
-            std::optional<std::uint64_t> stepLimit, const std::optional<std::string>& chart = {});
+    Session(const std::string& path, const std::vector<std::string>& overrides, std::optional<std::uint64_t> stepLimit,
+            const std::optional<std::string>& chart = {});
 
     /// Lets the network go, then its libraries. If something of theirs is still
     /// in use they stay in memory, and a warning says so.

@@ -121,8 +121,8 @@ private:
     {
         Orla::VRequest request{m_pool, {}, m_cancellation};
         // A trace shows how long each object takes, so they run one after the other.
-        const Orla::VScheduler::Summary done = m_task.tracer ? Orla::VScheduler::run(request)
-                                                             : Orla::VScheduler::run(request, m_executor);
+        const Orla::VScheduler::Summary done =
+            m_task.tracer ? Orla::VScheduler::run(request) : Orla::VScheduler::run(request, m_executor);
         m_summary.failures += done.failures;
         m_summary.stopped += done.stopped;
         m_summary.cancelled = done.outcome != Orla::VScheduler::Outcome::Done || request.isCancelled();
@@ -150,8 +150,7 @@ private:
 
 } // namespace
 
-EvaluationSummary evaluate(const Session& session, const EvaluationTask& task,
-                           const Orla::VCancellation& cancellation)
+EvaluationSummary evaluate(const Session& session, const EvaluationTask& task, const Orla::VCancellation& cancellation)
 {
     return Evaluation{session, task, cancellation}.perform();
 }

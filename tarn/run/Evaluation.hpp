@@ -15,13 +15,13 @@ class Tracer;
 
 /// How an evaluation went.
 struct EvaluationSummary {
-    std::uint64_t steps = 0;    ///< those that were evaluated to the end
-    std::uint64_t failures = 0; ///< updates that failed, and columns without a text
-    std::uint64_t stopped = 0;  ///< loops that did not settle
+    std::uint64_t steps = 0;        ///< those that were evaluated to the end
+    std::uint64_t failures = 0;     ///< updates that failed, and columns without a text
+    std::uint64_t stopped = 0;      ///< loops that did not settle
     std::uint64_t firstTrouble = 0; ///< the first step with either of them
-    bool cancelled = false;     ///< what was done last is not in the table
-    bool timeIsLost = false;    ///< the time provider went before the last step
-    bool chartIsMissing = false; ///< nobody offers the chart that is wanted
+    bool cancelled = false;         ///< what was done last is not in the table
+    bool timeIsLost = false;        ///< the time provider went before the last step
+    bool chartIsMissing = false;    ///< nobody offers the chart that is wanted
 
     bool isFine() const noexcept
     {
@@ -43,7 +43,6 @@ struct EvaluationTask {
 /// that is all.
 /// \pre The session has no faults.
 /// \throw Loam::FileError if the table cannot be written.
-EvaluationSummary evaluate(const Session& session, const EvaluationTask& task,
-                           const Orla::VCancellation& cancellation);
+EvaluationSummary evaluate(const Session& session, const EvaluationTask& task, const Orla::VCancellation& cancellation);
 
 } // namespace Tarn

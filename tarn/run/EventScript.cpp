@@ -166,10 +166,7 @@ private:
         }
     }
 
-    bool expectEnd()
-    {
-        return m_next == m_words.size() || refuse(next(), "the end of the line");
-    }
+    bool expectEnd() { return m_next == m_words.size() || refuse(next(), "the end of the line"); }
 
     void readKey(ScriptedEvent& event, std::string_view kind, std::vector<ScriptedEvent>& events)
     {

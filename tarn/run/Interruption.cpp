@@ -25,8 +25,7 @@ timer_t theTimer;
 bool theTimerExists = false;
 struct sigaction theFormerActions[std::size(Signals)];
 
-static_assert(std::atomic<int>::is_always_lock_free,
-              "a signal handler may not wait for a lock");
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may not wait for a lock");
 
 // Everything from here to the class runs in signal handlers.
 
@@ -67,7 +66,7 @@ Interruption::Interruption()
     theCancellation = &m_cancellation;
 
     // The signal of the timer is one that libraries are unlikely to use themselves.
-    struct sigaction action{};
+    struct sigaction action {};
     sigfillset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
     action.sa_handler = graceIsOver;

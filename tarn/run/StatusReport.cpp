@@ -25,16 +25,16 @@ int rankOf(const StatusReport::Entry& entry) noexcept
 
 StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool)
 {
-    Orla::VObject::forEachOutput(
-        typeid(VObjectStatus), [&](const StrongPtr<Orla::VObject>& object, const StrongPtr<Orla::VSlot>& output) {
-            const std::optional<VObjectStatus> status = output->get<VObjectStatus>(pool);
-            if (!status)
-                return;
-            const std::string text = status->plainText();
-            const bool isBlank = text.find_first_not_of(" \t\r\n") == std::string::npos;
-            if (!isBlank || status->severity() != VObjectStatus::Severity::Information)
-                m_entries.push_back({object->Name(), status->severity(), text});
-        });
+    Orla::VObject::forEachOutput(typeid(VObjectStatus),
+                                 [&](const StrongPtr<Orla::VObject>& object, const StrongPtr<Orla::VSlot>& output) {
+                                     const std::optional<VObjectStatus> status = output->get<VObjectStatus>(pool);
+                                     if (!status)
+                                         return;
+                                     const std::string text = status->plainText();
+                                     const bool isBlank = text.find_first_not_of(" \t\r\n") == std::string::npos;
+                                     if (!isBlank || status->severity() != VObjectStatus::Severity::Information)
+                                         m_entries.push_back({object->Name(), status->severity(), text});
+                                 });
     std::ranges::stable_sort(m_entries, {}, rankOf);
 }
 

@@ -89,8 +89,7 @@ void Tracer::endStep(Clock::time_point now)
 {
     if (!std::exchange(m_isInStep, false))
         return;
-    Json event =
-        completeEvent("step " + std::to_string(m_step), "step", m_stepBegin - m_start, now - m_stepBegin);
+    Json event = completeEvent("step " + std::to_string(m_step), "step", m_stepBegin - m_start, now - m_stepBegin);
     event["args"]["step"] = m_step;
     m_output.write(",\n" + spelled(event));
 }

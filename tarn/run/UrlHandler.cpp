@@ -21,9 +21,10 @@ bool isSafe(const std::string& url)
 {
     const bool isKnown = url.starts_with("http://") || url.starts_with("https://") || url.starts_with("file://");
     return isKnown && std::ranges::none_of(url, [](char letter) {
-        const auto code = static_cast<unsigned char>(letter);
-        return code <= 0x20 || code == 0x7F || letter == '"' || letter == '\'' || letter == '`' || letter == '\\';
-    });
+               const auto code = static_cast<unsigned char>(letter);
+               return code <= 0x20 || code == 0x7F || letter == '"' || letter == '\'' || letter == '`'
+                      || letter == '\\';
+           });
 }
 
 // True unless the process ends with a failure before the time is over.
@@ -53,8 +54,7 @@ bool UrlHandler::openUrl(const std::string& url)
     std::string text = url;
     char* const arguments[] = {program.data(), text.data(), nullptr};
     pid_t process = -1;
-    return ::posix_spawnp(&process, program.c_str(), nullptr, nullptr, arguments, environ) == 0
-           && seemsToWork(process);
+    return ::posix_spawnp(&process, program.c_str(), nullptr, nullptr, arguments, environ) == 0 && seemsToWork(process);
 }
 
 } // namespace Tarn

@@ -25,8 +25,7 @@ private:
 };
 
 const Orla::VObjectType<InteractionSource> interactionSourceType{
-    "InteractionSource", Loam::makeStrong<Orla::VCreationPreferences>("default", "unique"),
-    &typeid(VInteractionEvent)};
+    "InteractionSource", Loam::makeStrong<Orla::VCreationPreferences>("default", "unique"), &typeid(VInteractionEvent)};
 
 } // namespace
 

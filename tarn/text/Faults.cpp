@@ -28,9 +28,9 @@ std::vector<std::string> Faults::lines() const
     std::vector<std::string> lines;
     for (const Fault* fault : sorted) {
         const auto [line, column] = fault->place;
-        lines.push_back(fault->place ? m_file + ':' + std::to_string(line) + ':' + std::to_string(column) + ": "
-                                           + fault->message
-                                     : fault->message);
+        lines.push_back(fault->place
+                            ? m_file + ':' + std::to_string(line) + ':' + std::to_string(column) + ": " + fault->message
+                            : fault->message);
     }
     return lines;
 }

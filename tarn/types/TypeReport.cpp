@@ -120,9 +120,9 @@ Json jsonOf(const ObjectTypeDescription& type)
     Json outputs = Json::array();
     for (const ObjectTypeDescription::Output& output : type.outputs)
         outputs.push_back({{"name", output.name}, {"type", output.type}});
-    return {{"name", type.name},         {"library", type.library},
-            {"inputs", inputs},          {"hiddenInputs", type.hiddenInputs},
-            {"outputs", outputs},        {"failure", orNull(type.failure)}};
+    return {{"name", type.name},  {"library", type.library},
+            {"inputs", inputs},   {"hiddenInputs", type.hiddenInputs},
+            {"outputs", outputs}, {"failure", orNull(type.failure)}};
 }
 
 template<class Descriptions>
@@ -151,8 +151,8 @@ std::string typeListText(const std::vector<ValueTypeDescription>& values,
     TextTable objectTable;
     for (const ObjectTypeDescription& type : objects)
         objectTable.add({printable(type.name), printable(type.library)});
-    return "Value types (use, colour of connections, default text):\n" + valueTable.text("  ")
-           + "\nObject types:\n" + objectTable.text("  ");
+    return "Value types (use, colour of connections, default text):\n" + valueTable.text("  ") + "\nObject types:\n"
+           + objectTable.text("  ");
 }
 
 std::string typeListJson(const std::vector<ValueTypeDescription>& values,

@@ -22,8 +22,10 @@ class Tide : public Orla::VObject {
 public:
     Tide(const std::string& name, int level,
          const Orla::StrongPtr<Orla::VCreationPreferences, Orla::InterfaceBase>& preferences)
-        : VObject{name, level, preferences}, m_time{this, "time", Orla::VTime{}, 0}, m_gauge{this, "gauge", Gauge{}, 0},
-          m_height{this, "height", 0.0}
+        : VObject{name, level, preferences}
+        , m_time{this, "time", Orla::VTime{}, 0}
+        , m_gauge{this, "gauge", Gauge{}, 0}
+        , m_height{this, "height", 0.0}
     {
     }
 

@@ -93,8 +93,8 @@ struct Registries {
     std::vector<std::string> values = VValueCreator::names();
     std::vector<std::string> slots = TypedSlotCreator::typeKeys();
     std::vector<std::string> objects = VObjectCreator::names();
-    std::vector<std::vector<std::string>> parts{components(rangeType), components(timeType),
-                                                components(firstValue), components(secondValue)};
+    std::vector<std::vector<std::string>> parts{components(rangeType), components(timeType), components(firstValue),
+                                                components(secondValue)};
     std::size_t livingObjects = VManagedObject::count();
     std::size_t memory = Loam::ChunkBase::TotalMemsize;
 
@@ -103,9 +103,16 @@ struct Registries {
 
 void useFathom()
 {
-    const struct { const char* type; const char* text; const char* written; } cases[] = {
-        {"double", " 45.0", "45"}, {"char", "c", "c"}, {"string", " as it is", " as it is"},
-        {"Range", "0,1", "0:1"},   {"VTime", "5[0,10]", "5[0,10]@10"},
+    const struct {
+        const char* type;
+        const char* text;
+        const char* written;
+    } cases[] = {
+        {"double", " 45.0", "45"},
+        {"char", "c", "c"},
+        {"string", " as it is", " as it is"},
+        {"Range", "0,1", "0:1"},
+        {"VTime", "5[0,10]", "5[0,10]@10"},
     };
     for (const auto& [type, text, written] : cases) {
         SCOPED_TRACE(type);
@@ -149,7 +156,7 @@ std::string runCounters(const std::vector<std::string>& types)
     std::string result;
     for (const StrongPtr<VObject>& counter : counters) {
         result += counter->findOutput("report")->getValueBase(pool)->Text() + " and counts "
-            + counter->findOutput("counted")->getValueBase(pool)->Text() + "; ";
+                  + counter->findOutput("counted")->getValueBase(pool)->Text() + "; ";
         VManagedObject::remove(counter);
     }
     return result;
@@ -171,9 +178,9 @@ struct Keeper {
             return;
         value->setValueFromText("6[1,9]");
         const std::string text = "value " + value->Text() + ", copy " + value->copy()->Text() + ", component "
-            + component->Text() + ", slot " + slot->parameter()->newValue()->Text() + ", creator "
-            + (value->getValueCreator() ? "there" : "gone") + " and "
-            + (*typedCreator ? "in use" : "forgotten");
+                                 + component->Text() + ", slot " + slot->parameter()->newValue()->Text() + ", creator "
+                                 + (value->getValueCreator() ? "there" : "gone") + " and "
+                                 + (*typedCreator ? "in use" : "forgotten");
         std::fprintf(stderr, "%s\n", text.c_str());
     }
 
@@ -247,12 +254,10 @@ TEST_F(BoundariesTest, fathomRegistersItsCoreTypesAlone)
 {
     const Library library(fathom);
     const Registries now;
-    EXPECT_THAT(now.values, ElementsAre("FlagList", "Range", "StrongPtr<StringSelection>", "VChart",
-                                        "VChartList", "VInteractionEvent", "VObjectStatus", "VTime", "char",
-                                        "double", "string"));
-    EXPECT_THAT(now.slots, UnorderedElementsAre(rangeType, timeType, eventType, flagsType,
-                                                selectionType, chartType, Loam::typeKey(typeid(char)),
-                                                Loam::typeKey(typeid(std::string))));
+    EXPECT_THAT(now.values, ElementsAre("FlagList", "Range", "StrongPtr<StringSelection>", "VChart", "VChartList",
+                                        "VInteractionEvent", "VObjectStatus", "VTime", "char", "double", "string"));
+    EXPECT_THAT(now.slots, UnorderedElementsAre(rangeType, timeType, eventType, flagsType, selectionType, chartType,
+                                                Loam::typeKey(typeid(char)), Loam::typeKey(typeid(std::string))));
     EXPECT_THAT(now.objects, IsEmpty());
     EXPECT_THAT(components(rangeType), ElementsAre("begin", "end"));
     EXPECT_THAT(components(timeType), ElementsAre("time", "range", "dt"));
@@ -325,10 +330,9 @@ TEST_P(BoundariesInScope, aSecondLibraryWithTheSameTypeStepsInWhenTheFirstGoes)
         Library one(first, GetParam());
         Library two(second, GetParam());
         const std::vector<std::string> values = VValueCreator::names();
-        EXPECT_THAT(values, ElementsAre("FirstValue", "FlagList", "Range", "SecondValue",
-                                        "StrongPtr<StringSelection>", "Tally", "VChart", "VChartList",
-                                        "VInteractionEvent", "VObjectStatus", "VTime", "char", "disputed",
-                                        "double", "string"));
+        EXPECT_THAT(values, ElementsAre("FirstValue", "FlagList", "Range", "SecondValue", "StrongPtr<StringSelection>",
+                                        "Tally", "VChart", "VChartList", "VInteractionEvent", "VObjectStatus", "VTime",
+                                        "char", "disputed", "double", "string"));
         EXPECT_EQ(textOf("Tally", "7"), "7");
         (inOrder ? one : two).unload();
         EXPECT_EQ(textOf("Tally", "7"), "7");
@@ -371,6 +375,5 @@ TEST_F(BoundariesDeathTest, whatOutlivesFathomAtExitDoesNoHarm)
 
 TEST_F(BoundariesDeathTest, whatOutlivesAClientLibraryAtExitDoesNoHarm)
 {
-    EXPECT_EXIT(keepAndExit(first, "FirstCounter"), testing::ExitedWithCode(0),
-                "slot 2:3, creator gone and forgotten");
+    EXPECT_EXIT(keepAndExit(first, "FirstCounter"), testing::ExitedWithCode(0), "slot 2:3, creator gone and forgotten");
 }

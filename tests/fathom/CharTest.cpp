@@ -8,7 +8,10 @@
 using namespace Orla;
 
 template<>
-std::vector<char> samples<char>() { return {'\0', ' ', 'a', '5', '\n', std::numeric_limits<char>::max()}; }
+std::vector<char> samples<char>()
+{
+    return {'\0', ' ', 'a', '5', '\n', std::numeric_limits<char>::max()};
+}
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Char, ValueLaws, char);
 INSTANTIATE_TYPED_TEST_SUITE_P(Char, SlotLaws, char);

@@ -71,7 +71,8 @@ void expectPiecewise(const std::string& text)
 }
 
 template<class T>
-class NumberArrays : public testing::Test {};
+class NumberArrays : public testing::Test {
+};
 using NumberTypes = testing::Types<double, float, short, int, long long>;
 TYPED_TEST_SUITE(NumberArrays, NumberTypes);
 
@@ -101,8 +102,14 @@ TYPED_TEST(NumberArrays, haveAZeroWhereAPieceCannotBeRead)
         bool ok;
         std::vector<TypeParam> numbers;
     } cases[] = {
-        {"1,x,3", true, {1, 0, 3}}, {",1", true, {0, 1}}, {"1,,3", true, {1, 0, 3}}, {"x", false, {0}},
-        {",", false, {0}},          {",,", false, {0, 0}}, {"", false, {}},           {" ", false, {0}},
+        {"1,x,3", true, {1, 0, 3}},
+        {",1", true, {0, 1}},
+        {"1,,3", true, {1, 0, 3}},
+        {"x", false, {0}},
+        {",", false, {0}},
+        {",,", false, {0, 0}},
+        {"", false, {}},
+        {" ", false, {0}},
         {std::string("1,\0,3", 5), true, {1, 0, 3}},
     };
     for (const auto& [text, ok, numbers] : cases) {
@@ -134,8 +141,8 @@ TYPED_TEST(NumberArrays, areReadPieceByPieceWhateverTheText)
             text[random() % text.size()] = '\0';
         expectPiecewise<TypeParam>(text);
     }
-    for (const char* text : {"1e400,1", "nan(1,2)", "nan(a),2", "0x,0x1p,3", "1e,2e+,3", "99999999999999999999,1", "-,+,1",
-                             "inf,infinity,infi,1"})
+    for (const char* text : {"1e400,1", "nan(1,2)", "nan(a),2", "0x,0x1p,3", "1e,2e+,3", "99999999999999999999,1",
+                             "-,+,1", "inf,infinity,infi,1"})
         expectPiecewise<TypeParam>(text);
 }
 

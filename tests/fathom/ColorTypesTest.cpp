@@ -19,7 +19,8 @@ TEST(Colour, isWrittenWithSixDigits)
     EXPECT_EQ(Trait::Text({1, 0.5f, 0.1f, 0}), "(1,0.5,0.1,0)");
     EXPECT_EQ(Trait::Text({1.0f / 3, 1e-7f, 1e10f, -2}), "(0.333333,1e-07,1e+10,-2)");
     constexpr float inf = std::numeric_limits<float>::infinity();
-    EXPECT_EQ(Trait::Text({inf, -inf, std::numeric_limits<float>::quiet_NaN(), 16777216}), "(inf,-inf,nan,1.67772e+07)");
+    EXPECT_EQ(Trait::Text({inf, -inf, std::numeric_limits<float>::quiet_NaN(), 16777216}),
+              "(inf,-inf,nan,1.67772e+07)");
 }
 
 TEST(Colour, isReadWithBlanksAndWithoutItsEnd)

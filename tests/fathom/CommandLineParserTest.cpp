@@ -186,11 +186,10 @@ TEST(CommandLineParser, saysWhatItIgnoredWhereNobodyHandlesIt)
     CommandLineParser parser;
     testing::internal::CaptureStdout();
     EXPECT_TRUE(process(parser, {"program", "-%s%n", "100%d", "+x", "-"}));
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Ignored option '%s%n' -> define own overload to process\n"
-              "Ignored argument '100%d' -> define own overload to process\n"
-              "Ignored argument 'x' -> define own overload to process\n"
-              "Ignored option '' -> define own overload to process\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Ignored option '%s%n' -> define own overload to process\n"
+                                                      "Ignored argument '100%d' -> define own overload to process\n"
+                                                      "Ignored argument 'x' -> define own overload to process\n"
+                                                      "Ignored option '' -> define own overload to process\n");
 }
 
 TEST(CommandLineParser, saysAllOfATextThatHoldsAZeroByte)
@@ -279,12 +278,11 @@ TEST_F(DataDirsDeathTest, giveTheFirstFileOfTheNameThatIsLookedFor)
     fs::create_directories(path("b"));
     write("a/100%s.txt");
     write("b/100%s.txt");
-    EXPECT_EXIT(inAProcessOfItsOwn(path("a") + ";" + path("b"),
-                                   [] { return CommandLineParser().resolvePath("100%s.txt"); }),
-                testing::ExitedWithCode(0),
-                said("Checking file '" + current() + "/100%s.txt'... invalid\nChecking file '" + builtIn()
-                     + "/100%s.txt'... invalid\nChecking file '" + path("a/100%s.txt") + "'... valid\n"
-                     + path("a/100%s.txt")));
+    EXPECT_EXIT(
+        inAProcessOfItsOwn(path("a") + ";" + path("b"), [] { return CommandLineParser().resolvePath("100%s.txt"); }),
+        testing::ExitedWithCode(0),
+        said("Checking file '" + current() + "/100%s.txt'... invalid\nChecking file '" + builtIn()
+             + "/100%s.txt'... invalid\nChecking file '" + path("a/100%s.txt") + "'... valid\n" + path("a/100%s.txt")));
     write("here/100%s.txt");
     EXPECT_EXIT(inAProcessOfItsOwn(path("a"), [] { return CommandLineParser().resolvePath("100%s.txt"); }),
                 testing::ExitedWithCode(0),

@@ -14,18 +14,19 @@ constexpr double NaN = Limits::quiet_NaN();
 template<>
 std::vector<double> samples<double>()
 {
-    return {0,     45, -1.5, 0.1, 1.0 / 3, 1e300, Limits::denorm_min(), Limits::max(), Limits::infinity(),
-            -Limits::infinity()};
+    return {
+        0, 45, -1.5, 0.1, 1.0 / 3, 1e300, Limits::denorm_min(), Limits::max(), Limits::infinity(), -Limits::infinity()};
 }
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Double, ValueLaws, double);
 
 TEST(Double, writesTheShortestTextThatReadsBack)
 {
-    const struct { double number; const char* text; } cases[] = {
-        {45, "45"},   {0.1, "0.1"},
-        {-0.0, "-0"}, {1e22, "1e+22"},
-        {NaN, "nan"}, {Limits::infinity(), "inf"},
+    const struct {
+        double number;
+        const char* text;
+    } cases[] = {
+        {45, "45"}, {0.1, "0.1"}, {-0.0, "-0"}, {1e22, "1e+22"}, {NaN, "nan"}, {Limits::infinity(), "inf"},
     };
     for (const auto& [number, text] : cases)
         EXPECT_EQ(VValue<double>(number).Text(), text);
@@ -58,7 +59,9 @@ TEST(Double, readsTheLeadingNumberAndRefusesTextWithoutOne)
 
 TEST(Double, isIntentionallyNeverDifferentFromNotANumber)
 {
-    const struct { double a, b; } cases[] = {{NaN, NaN}, {NaN, 1}, {1, NaN}, {-NaN, Limits::infinity()}};
+    const struct {
+        double a, b;
+    } cases[] = {{NaN, NaN}, {NaN, 1}, {1, NaN}, {-NaN, Limits::infinity()}};
     for (const auto& [a, b] : cases)
         EXPECT_FALSE(VValue<double>(a).isDifferentFrom(Loam::makeStrong<VValue<double>>(b))) << a << ' ' << b;
 }

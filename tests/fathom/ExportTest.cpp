@@ -73,16 +73,26 @@ TEST(Export, givesEveryPromisedInstantiationToThoseWhoLinkTheLibrary)
     void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
     ASSERT_TRUE(handle);
     for (const std::vector<std::string>& symbols :
-         {valueSymbols<double>(), valueSymbols<char>(), valueSymbols<std::string>(), valueSymbols<Range>(),
-          valueSymbols<VTime>(), valueSymbols<VInteractionEvent>(), valueSymbols<VObjectStatus>(),
+         {valueSymbols<double>(),
+          valueSymbols<char>(),
+          valueSymbols<std::string>(),
+          valueSymbols<Range>(),
+          valueSymbols<VTime>(),
+          valueSymbols<VInteractionEvent>(),
+          valueSymbols<VObjectStatus>(),
           symbolsOf<VValueParameter<VObjectStatus>, StatusIndicator, CatchStatus>(),
           symbolsOf<CommandLineParser, HotKey, VAction, VScalarFunctor::Functor, VUrlSystemHandler>(),
-          valueSymbols<FlagList>(), inputSymbols<FlagList>(),
+          valueSymbols<FlagList>(),
+          inputSymbols<FlagList>(),
           valueSymbols<StrongPtr<StringSelection, StringList>>(),
           inputSymbols<StrongPtr<StringSelection, StringList>>(),
-          symbolsOf<VEnumSelection, StringSelection, MultipleStringSelection>(), inputSymbols<char>(),
-          inputSymbols<std::string>(), inputSymbols<Range>(), inputSymbols<VTime>(),
-          inputSymbols<VInteractionEvent>(), symbolsOf<Range, TimeDependent, Interactive>()}) {
+          symbolsOf<VEnumSelection, StringSelection, MultipleStringSelection>(),
+          inputSymbols<char>(),
+          inputSymbols<std::string>(),
+          inputSymbols<Range>(),
+          inputSymbols<VTime>(),
+          inputSymbols<VInteractionEvent>(),
+          symbolsOf<Range, TimeDependent, Interactive>()}) {
         for (const std::string& symbol : symbols) {
             const void* address = dlsym(handle, symbol.c_str());
             EXPECT_TRUE(address && Loam::getLibraryPath(address) == path) << symbol;

@@ -21,11 +21,8 @@ TEST(Point, isReadFromBehindItsOpeningCharacter)
         const char* text;
         point read;
     } cases[] = {
-        {"{1,2,3}", {1, 2, 3}},
-        {"1,2,3", {1, 2, 3}},
-        {"any{ 1, 2, 3 and more", {1, 2, 3}},
-        {"{1,2,3,4}", {1, 2, 3}},
-        {"{{1,2,3", {9, 2, 3}},
+        {"{1,2,3}", {1, 2, 3}},   {"1,2,3", {1, 2, 3}},   {"any{ 1, 2, 3 and more", {1, 2, 3}},
+        {"{1,2,3,4}", {1, 2, 3}}, {"{{1,2,3", {9, 2, 3}},
     };
     for (const auto& [text, read] : cases) {
         SCOPED_TRACE(text);

@@ -216,13 +216,11 @@ TEST_F(HotKeyTest, firesAtTheFirstStrokeAndThenOncePerArming)
         int pressed;
         int repeated;
     } steps[] = {
-        {keyEvent("a"), 1, 1},      // needs no arming
-        {keyEvent("a"), 1, 2},      // held
-        {keyEvent("b", "b"), 1, 2}, // another key
-        {keyEvent("a"), 1, 3},
-        {keyEvent("", "a"), 1, 3}, // armed
-        {keyEvent("a"), 2, 4},
-        {keyEvent("a", "a"), 2, 5}, // armed by the stroke itself
+        {keyEvent("a"), 1, 1},                                  // needs no arming
+        {keyEvent("a"), 1, 2},                                  // held
+        {keyEvent("b", "b"), 1, 2},                             // another key
+        {keyEvent("a"), 1, 3},      {keyEvent("", "a"), 1, 3},  // armed
+        {keyEvent("a"), 2, 4},      {keyEvent("a", "a"), 2, 5}, // armed by the stroke itself
         {keyEvent("a"), 3, 6},
     };
     int runs = 0;

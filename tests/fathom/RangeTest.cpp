@@ -48,7 +48,10 @@ TEST(Range, writesBothBoundsWithAColon)
 
 TEST(Range, readsTheBeginUpToTheFirstSeparatorAndTheEndAfterTheLast)
 {
-    const struct { const char* text; Range range; } cases[] = {
+    const struct {
+        const char* text;
+        Range range;
+    } cases[] = {
         {"0:1", {0, 1}},
         {"0,1", {0, 1}},
         {"1:2:3", {1, 3}},
@@ -56,7 +59,7 @@ TEST(Range, readsTheBeginUpToTheFirstSeparatorAndTheEndAfterTheLast)
         {" 4.5 : 10 km", {4.5, 10}},
         {"5", {5, 5}},
         {"5 or so", {5, 5}},
-        {"0,5:1", {0, 1}},   // with a colon, a comma separates nothing and ends the number
+        {"0,5:1", {0, 1}}, // with a colon, a comma separates nothing and ends the number
         {"0:1,5", {0, 1}},
         {"-inf:1e300", {-std::numeric_limits<double>::infinity(), 1e300}},
     };
@@ -70,8 +73,11 @@ TEST(Range, readsTheBeginUpToTheFirstSeparatorAndTheEndAfterTheLast)
 
 TEST(Range, isIntentionallyLeftWithTheNewBeginWhenTheEndIsRefused)
 {
-    const struct { const char* text; Range left; } cases[] = {
-        {"", {-7, -8}}, {":", {-7, -8}}, {",3", {-7, -8}}, {"x:3", {-7, -8}},
+    const struct {
+        const char* text;
+        Range left;
+    } cases[] = {
+        {"", {-7, -8}},  {":", {-7, -8}},  {",3", {-7, -8}},  {"x:3", {-7, -8}},
         {"3:", {3, -8}}, {"3:x", {3, -8}}, {"3:4:", {3, -8}}, {"3,", {3, -8}},
     };
     for (const auto& [text, left] : cases) {

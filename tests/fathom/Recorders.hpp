@@ -33,10 +33,7 @@ private:
 /// Counts the changes that a parameter announces.
 class Changes {
 public:
-    explicit Changes(const Orla::StrongPtr<Orla::ValueNotifierList>& source)
-    {
-        source->addListener(m_listener);
-    }
+    explicit Changes(const Orla::StrongPtr<Orla::ValueNotifierList>& source) { source->addListener(m_listener); }
 
     int count() const { return static_cast<int>(m_listener->pools.size()); }
 
@@ -47,10 +44,7 @@ private:
     using Pool = Orla::StrongPtr<Orla::ValuePool>;
 
     struct Listener final : Orla::VValueListener {
-        void valueChanged(const Orla::ValueNotifierList&, const Pool& pool) override
-        {
-            pools.push_back(pool);
-        }
+        void valueChanged(const Orla::ValueNotifierList&, const Pool& pool) override { pools.push_back(pool); }
 
         std::vector<Pool> pools;
     };

@@ -72,7 +72,6 @@ public:
     bool update(VRequest&, double) override { return true; }
 };
 
-
 class TimeDependentTest : public testing::Test {
 protected:
     TimeDependentTest() { EXPECT_EQ(VManagedObject::count(), 0u); }
@@ -80,10 +79,7 @@ protected:
     ~TimeDependentTest() override
     {
         struct RemoveAll final : VManagedObjectIterator {
-            bool apply(const StrongPtr<VManagedObject>& object) override
-            {
-                return VManagedObject::remove(object);
-            }
+            bool apply(const StrongPtr<VManagedObject>& object) override { return VManagedObject::remove(object); }
         } all;
         VManagedObject::traverse(all, std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
         EXPECT_EQ(VManagedObject::count(), 0u);
@@ -123,8 +119,7 @@ protected:
     const StrongPtr<ValuePool> m_pool{new ValuePool};
 };
 
-constexpr const char* creating =
-    "TimeDependent: scan for time providers, nothing found, thus creating one.\n";
+constexpr const char* creating = "TimeDependent: scan for time providers, nothing found, thus creating one.\n";
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 } // namespace
@@ -166,10 +161,7 @@ TEST_F(TimeDependentTest, hasATimeInputThatItPassesOnAndARangeInput)
 TEST_F(TimeDependentTest, looksForTimeOncePerContainer)
 {
     struct Twice final : TimeDependent {
-        Twice() : TimeDependent{"time", "range", nullptr, VTime{}}
-        {
-            setupFunctions().insert(TimeSetupFunction);
-        }
+        Twice() : TimeDependent{"time", "range", nullptr, VTime{}} { setupFunctions().insert(TimeSetupFunction); }
     };
     EXPECT_EQ(Loam::makeStrong<Twice>()->setupFunctions().size(), 1u);
 }
@@ -358,9 +350,7 @@ TEST_F(TimeDependentTest, hasAnEmptyHook)
 TEST_F(TimeDependentTest, mapsItsTimeOntoItsRange)
 {
     const auto reader = createReader(Preferences(new VCreationPreferences("default", "local")));
-    const auto timeIn = [&](const StrongPtr<ValuePool>& pool) {
-        return reader->getTime(pool, 0.25, Range{10, 20});
-    };
+    const auto timeIn = [&](const StrongPtr<ValuePool>& pool) { return reader->getTime(pool, 0.25, Range{10, 20}); };
     EXPECT_EQ(timeIn(m_pool), 12.5) << "without values in the pool";
     EXPECT_EQ(timeIn(nullptr), 12.5);
 
@@ -368,7 +358,10 @@ TEST_F(TimeDependentTest, mapsItsTimeOntoItsRange)
     reader->rangeSlot().slot()->getLocalValue(m_pool)->setValueFromText("100:300");
     EXPECT_EQ(timeIn(m_pool), 150);
     const StrongPtr<VValueBase> time = reader->timeSlot().slot()->getLocalValue(m_pool);
-    const struct { const char* time; double mapped; } cases[] = {
+    const struct {
+        const char* time;
+        double mapped;
+    } cases[] = {
         {"0[0,1]@1", 100}, {"1[5,7]@1", 300}, {"0.5", 200}, {"1.5", 400}, {"-1", -100},
     };
     for (const auto& [text, mapped] : cases) {

@@ -24,10 +24,7 @@ namespace {
 
 class TypedSlotTest : public testing::Test {
 protected:
-    static std::string initialText(const StrongPtr<VSlot>& slot)
-    {
-        return slot->parameter()->DefaultValue()->Text();
-    }
+    static std::string initialText(const StrongPtr<VSlot>& slot) { return slot->parameter()->DefaultValue()->Text(); }
 
     static int destroyedSlots() { return TypedSlotCreator::InternalTypeCreatorAccessory; }
 
@@ -195,8 +192,7 @@ TEST_F(TypedSlotTest, complainsWhenItGoesWhileItsTypeIsNotRegistered)
         TypedSlot<Range>::isCreatorRegistered = false;
     }
     TypedSlot<Range>::isCreatorRegistered = true;
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Typeslot has a problem, its creators were not registered!?\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Typeslot has a problem, its creators were not registered!?\n");
     EXPECT_EQ(destroyedSlots(), before);
 }
 
@@ -207,7 +203,12 @@ TEST_F(TypedSlotTest, isNotMadeOfTextForNumbers)
 
 TEST_F(TypedSlotTest, isMadeEvenIfItsTextIsRefusedAndStartsFromWhatThatLeft)
 {
-    const struct { const std::type_info& type; const char* text; const char* left; bool ok; } cases[] = {
+    const struct {
+        const std::type_info& type;
+        const char* text;
+        const char* left;
+        bool ok;
+    } cases[] = {
         {typeid(Range), "4:5", "4:5", true},    {typeid(Range), "x", "0:1", false},
         {typeid(Range), "3:x", "3:1", false},   {typeid(VTime), "noon", "0[0,0]@0", false},
         {typeid(VTime), "4", "4[4,4]@4", true}, {typeid(char), "two", "", false},

@@ -57,26 +57,33 @@ TEST(VCamera, hasTheLookAtMatrixToTheLastBit)
         Gyre::PhysicalSpace::bivector up;
         Matrix matrix;
     } cases[] = {
-        {{0.0, 1.0, 0.0}, {0.0, 0.0, 0.0}, {0.0, 0.0, 1.0},
-         {-0x1.0000000000000p+0, 0x0.0p+0, -0x0.0p+0, 0x0.0p+0,
-          0x0.0p+0, 0x0.0p+0, 0x1.0000000000000p+0, 0x0.0p+0,
-          0x0.0p+0, 0x1.0000000000000p+0, -0x0.0p+0, 0x0.0p+0,
-          0x0.0p+0, 0x0.0p+0, -0x1.0000000000000p+0, 0x1.0000000000000p+0}},
-        {{1.0, 2.0, 3.0}, {4.0, -5.0, 6.0}, {0.0, 1.0, 1.0},
-         {-0x1.d7558e6acd4f3p-1, 0x1.14658b9ef2774p-3, -0x1.774df5e0f8499p-2, 0x0.0p+0,
-          -0x1.1accef0ce195fp-2, 0x1.c12502e24a01bp-2, 0x1.b5daf43121ab2p-1, 0x0.0p+0,
-          0x1.1accef0ce195fp-2, 0x1.c6e7207599b98p-1, -0x1.774df5e0f8499p-2, 0x0.0p+0,
-          0x1.49ef16e45c844p-1, -0x1.d6bcf1cab4f30p+1, -0x1.f467f2814b0c8p-3, 0x1.0000000000000p+0}},
-        {{6400000.0, -1100000.0, 330000.0}, {10.5, 20.25, -30.125}, {0.1, 0.2, 3.0},
-         {0x1.61582e1eb7d0ap-3, -0x1.35c01baed4c3cp-5, 0x1.f7f34972606d7p-1, 0x0.0p+0,
-          0x1.f700470eb5da5p-1, 0x1.431ac620a2f99p-4, -0x1.5a7909be7617dp-3, 0x0.0p+0,
-          -0x1.23d2d3a37e4f2p-4, 0x1.fe098a8c47787p-1, 0x1.9fcc33d6784dep-5, 0x0.0p+0,
-          -0x1.7da197e77bc00p+4, 0x1.ccf24dd350000p+4, -0x1.8cdd3ac9824fdp+22, 0x1.0000000000000p+0}},
-        {{0.001, 0.002, 1.5}, {0.3, 0.1, -7.0}, {5.0, 0.0, 0.001},
-         {0x1.3577b113b8325p-19, 0x1.ffaefe23d9e02p-1, -0x1.1ff7e9cf49498p-5, 0x0.0p+0,
-          -0x1.fff74a1a5c6c8p-1, -0x1.a686bd4af69c8p-12, -0x1.798984ba24263p-7, 0x0.0p+0,
-          -0x1.79c49ba892598p-7, 0x1.1ff311e4718c5p-5, 0x1.ffa649970a222p-1, 0x0.0p+0,
-          0x1.3c177f33e4f2ep-6, -0x1.b81ac5471f2c2p-5, -0x1.7fb8e6d5ca513p+0, 0x1.0000000000000p+0}},
+        {{0.0, 1.0, 0.0},
+         {0.0, 0.0, 0.0},
+         {0.0, 0.0, 1.0},
+         {-0x1.0000000000000p+0, 0x0.0p+0, -0x0.0p+0, 0x0.0p+0, 0x0.0p+0, 0x0.0p+0, 0x1.0000000000000p+0, 0x0.0p+0,
+          0x0.0p+0, 0x1.0000000000000p+0, -0x0.0p+0, 0x0.0p+0, 0x0.0p+0, 0x0.0p+0, -0x1.0000000000000p+0,
+          0x1.0000000000000p+0}},
+        {{1.0, 2.0, 3.0},
+         {4.0, -5.0, 6.0},
+         {0.0, 1.0, 1.0},
+         {-0x1.d7558e6acd4f3p-1, 0x1.14658b9ef2774p-3, -0x1.774df5e0f8499p-2, 0x0.0p+0, -0x1.1accef0ce195fp-2,
+          0x1.c12502e24a01bp-2, 0x1.b5daf43121ab2p-1, 0x0.0p+0, 0x1.1accef0ce195fp-2, 0x1.c6e7207599b98p-1,
+          -0x1.774df5e0f8499p-2, 0x0.0p+0, 0x1.49ef16e45c844p-1, -0x1.d6bcf1cab4f30p+1, -0x1.f467f2814b0c8p-3,
+          0x1.0000000000000p+0}},
+        {{6400000.0, -1100000.0, 330000.0},
+         {10.5, 20.25, -30.125},
+         {0.1, 0.2, 3.0},
+         {0x1.61582e1eb7d0ap-3, -0x1.35c01baed4c3cp-5, 0x1.f7f34972606d7p-1, 0x0.0p+0, 0x1.f700470eb5da5p-1,
+          0x1.431ac620a2f99p-4, -0x1.5a7909be7617dp-3, 0x0.0p+0, -0x1.23d2d3a37e4f2p-4, 0x1.fe098a8c47787p-1,
+          0x1.9fcc33d6784dep-5, 0x0.0p+0, -0x1.7da197e77bc00p+4, 0x1.ccf24dd350000p+4, -0x1.8cdd3ac9824fdp+22,
+          0x1.0000000000000p+0}},
+        {{0.001, 0.002, 1.5},
+         {0.3, 0.1, -7.0},
+         {5.0, 0.0, 0.001},
+         {0x1.3577b113b8325p-19, 0x1.ffaefe23d9e02p-1, -0x1.1ff7e9cf49498p-5, 0x0.0p+0, -0x1.fff74a1a5c6c8p-1,
+          -0x1.a686bd4af69c8p-12, -0x1.798984ba24263p-7, 0x0.0p+0, -0x1.79c49ba892598p-7, 0x1.1ff311e4718c5p-5,
+          0x1.ffa649970a222p-1, 0x0.0p+0, 0x1.3c177f33e4f2ep-6, -0x1.b81ac5471f2c2p-5, -0x1.7fb8e6d5ca513p+0,
+          0x1.0000000000000p+0}},
     };
     for (const auto& [position, focus, up, expected] : cases) {
         const VCamera camera(position, focus, up, 45);
@@ -103,7 +110,8 @@ TEST(VCamera, putsItsPositionAtTheOriginAndItsFocusOnTheNegativeZAxis)
     Matrix M = camera.untranslatedLookAt();
     camera.translate(M);
     const auto seen = [&M](const Point& p) {
-        return Point(M[0] * p.x() + M[4] * p.y() + M[8] * p.z() + M[12], M[1] * p.x() + M[5] * p.y() + M[9] * p.z() + M[13],
+        return Point(M[0] * p.x() + M[4] * p.y() + M[8] * p.z() + M[12],
+                     M[1] * p.x() + M[5] * p.y() + M[9] * p.z() + M[13],
                      M[2] * p.x() + M[6] * p.y() + M[10] * p.z() + M[14]);
     };
     const Point eye = seen(camera.position);
@@ -194,10 +202,10 @@ TEST(VCamera, readsAsSscanfReads)
         for (auto n = random() % 4; n > 0; --n)
             text[random() % text.size()] = characters[random() % characters.size()];
         VCamera expected;
-        const int count = std::sscanf(text.c_str(), "{%lg,%lg,%lg}{%lg,%lg,%lg}{%lg,%lg,%lg}%lg", &expected.position[0],
-                                      &expected.position[1], &expected.position[2], &expected.focus[0],
-                                      &expected.focus[1], &expected.focus[2], &expected.up[0], &expected.up[1],
-                                      &expected.up[2], &expected.fieldOfView);
+        const int count =
+            std::sscanf(text.c_str(), "{%lg,%lg,%lg}{%lg,%lg,%lg}{%lg,%lg,%lg}%lg", &expected.position[0],
+                        &expected.position[1], &expected.position[2], &expected.focus[0], &expected.focus[1],
+                        &expected.focus[2], &expected.up[0], &expected.up[1], &expected.up[2], &expected.fieldOfView);
         VCamera read;
         ASSERT_EQ(Trait::setValueFromText(read, text), count == 10) << text;
         ASSERT_EQ(Trait::Text(read), Trait::Text(expected)) << text;
@@ -221,50 +229,59 @@ TEST(Frustum, hasItsPlanesToTheLastBit)
             double normal[3], point[3];
         } planes[6];
     } cases[] = {
-        {VCamera({0, 1, 0}, {0, 0, 0}, {0, 0, 1}, 45), 1.5, 0.1, 100,
+        {VCamera({0, 1, 0}, {0, 0, 0}, {0, 0, 1}, 45),
+         1.5,
+         0.1,
+         100,
          {
-          {{-0x0.0p+0, -0x1.49172b0b8ecb6p+2, -0x1.8d3f53f56e38cp+3},
-           {0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, 0x1.5352e14ca58f5p-5}},
-          {{-0x0.0p+0, -0x1.49172b0b8ecb6p+2, 0x1.8d3f53f56e38cp+3},
-           {-0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, -0x1.5352e14ca58f5p-5}},
-          {{-0x1.08d4e2a39ed07p+3, -0x1.49172b0b8ecb6p+2, 0x0.0p+0},
-           {0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, -0x1.5352e14ca58f5p-5}},
-          {{0x1.08d4e2a39ed07p+3, -0x1.49172b0b8ecb6p+2, -0x0.0p+0},
-           {-0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, 0x1.5352e14ca58f5p-5}},
-          {{0x0.0p+0, -0x1.515374a49364ap-7, -0x0.0p+0},
-           {-0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, 0x1.5352e14ca58f5p-5}},
-          {{0x0.0p+0, 0x1.41b2fae943a09p+13, 0x0.0p+0},
-           {0x1.f10e68074684ep+5, -0x1.8c00000000000p+6, 0x1.4b5ef004d9adfp+5}},
+             {{-0x0.0p+0, -0x1.49172b0b8ecb6p+2, -0x1.8d3f53f56e38cp+3},
+              {0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, 0x1.5352e14ca58f5p-5}},
+             {{-0x0.0p+0, -0x1.49172b0b8ecb6p+2, 0x1.8d3f53f56e38cp+3},
+              {-0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, -0x1.5352e14ca58f5p-5}},
+             {{-0x1.08d4e2a39ed07p+3, -0x1.49172b0b8ecb6p+2, 0x0.0p+0},
+              {0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, -0x1.5352e14ca58f5p-5}},
+             {{0x1.08d4e2a39ed07p+3, -0x1.49172b0b8ecb6p+2, -0x0.0p+0},
+              {-0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, 0x1.5352e14ca58f5p-5}},
+             {{0x0.0p+0, -0x1.515374a49364ap-7, -0x0.0p+0},
+              {-0x1.fcfc51f2f8570p-5, 0x1.ccccccccccccdp-1, 0x1.5352e14ca58f5p-5}},
+             {{0x0.0p+0, 0x1.41b2fae943a09p+13, 0x0.0p+0},
+              {0x1.f10e68074684ep+5, -0x1.8c00000000000p+6, 0x1.4b5ef004d9adfp+5}},
          }},
-        {VCamera({1, 2, 3}, {4, -5, 6}, {0, 1, 1}, 60), 0.75, 0.5, 20,
+        {VCamera({1, 2, 3}, {4, -5, 6}, {0, 1, 1}, 60),
+         0.75,
+         0.5,
+         20,
          {
-          {{0x1.4b595045ff006p-1, -0x1.f7d8d72bc6c9fp+2, -0x1.6dc8f5b94735fp+2},
-           {0x1.6be8fc13f2c16p+0, 0x1.c241e67680a9dp+0, 0x1.b0a1ff756595ep+1}},
-          {{0x1.7690af98aed8fp+1, -0x1.dca02701a3e5cp-2, 0x1.293e3bc72f416p+3},
-           {0x1.e3d502c896a21p-1, 0x1.62d09f70ee80bp+0, 0x1.7e47bf46b9736p+1}},
-          {{-0x1.127a19eeac53dp+3, -0x1.d1cf363d1b689p+2, 0x1.39578a59b68adp+2},
-           {0x1.57f67faa6e70cp+0, 0x1.816dd21f92a3dp+0, 0x1.6ef925ef6761ep+1}},
-          {{0x1.84d3dad937fa3p+3, -0x1.0f4e8d7b16805p+0, -0x1.529022127cf6cp+0},
-           {0x1.05dcfdcdcfa1ap+0, 0x1.a3a4b3c7dc86bp+0, 0x1.bff098ccb7a76p+1}},
-          {{0x1.774df5e0f8496p-4, -0x1.b5daf43121ab6p-3, 0x1.774df5e0f84a0p-4},
-           {0x1.05dcfdcdcfa1ap+0, 0x1.a3a4b3c7dc86bp+0, 0x1.bff098ccb7a76p+1}},
-          {{-0x1.2534e817c1f99p+7, 0x1.56130ec6624dcp+8, -0x1.2534e817c1f99p+7},
-           {0x1.1dc67631dee36p+4, -0x1.e96cff5ef95e5p+2, 0x1.2329fd4afbed2p+4}},
+             {{0x1.4b595045ff006p-1, -0x1.f7d8d72bc6c9fp+2, -0x1.6dc8f5b94735fp+2},
+              {0x1.6be8fc13f2c16p+0, 0x1.c241e67680a9dp+0, 0x1.b0a1ff756595ep+1}},
+             {{0x1.7690af98aed8fp+1, -0x1.dca02701a3e5cp-2, 0x1.293e3bc72f416p+3},
+              {0x1.e3d502c896a21p-1, 0x1.62d09f70ee80bp+0, 0x1.7e47bf46b9736p+1}},
+             {{-0x1.127a19eeac53dp+3, -0x1.d1cf363d1b689p+2, 0x1.39578a59b68adp+2},
+              {0x1.57f67faa6e70cp+0, 0x1.816dd21f92a3dp+0, 0x1.6ef925ef6761ep+1}},
+             {{0x1.84d3dad937fa3p+3, -0x1.0f4e8d7b16805p+0, -0x1.529022127cf6cp+0},
+              {0x1.05dcfdcdcfa1ap+0, 0x1.a3a4b3c7dc86bp+0, 0x1.bff098ccb7a76p+1}},
+             {{0x1.774df5e0f8496p-4, -0x1.b5daf43121ab6p-3, 0x1.774df5e0f84a0p-4},
+              {0x1.05dcfdcdcfa1ap+0, 0x1.a3a4b3c7dc86bp+0, 0x1.bff098ccb7a76p+1}},
+             {{-0x1.2534e817c1f99p+7, 0x1.56130ec6624dcp+8, -0x1.2534e817c1f99p+7},
+              {0x1.1dc67631dee36p+4, -0x1.e96cff5ef95e5p+2, 0x1.2329fd4afbed2p+4}},
          }},
-        {VCamera({6400000, -1100000, 330000}, {10.5, 20.25, -30.125}, {0.1, 0.2, 3}, 30), 1.7777777777777777, 1e5, 2e7,
+        {VCamera({6400000, -1100000, 330000}, {10.5, 20.25, -30.125}, {0.1, 0.2, 3}, 30),
+         1.7777777777777777,
+         1e5,
+         2e7,
          {
-          {{-0x1.8ee99f32e3f55p+38, -0x1.d9f157c111c3ap+35, -0x1.bdbb7d9f3bbd4p+40},
-           {0x1.800dd1c299af1p+22, -0x1.13556e44c3048p+20, 0x1.5ab0983c65888p+18}},
-          {{-0x1.0a381bfdc5764p+39, 0x1.b6a4dc9496c86p+37, 0x1.b1b9bf3b3ebb1p+40},
-           {0x1.812e4fd59db77p+22, -0x1.fb07bbf287ff8p+19, 0x1.1fed93e935f24p+18}},
-          {{-0x1.265150232ef3ap+38, 0x1.07f1f7319b5efp+40, -0x1.7b198f151214cp+36},
-           {0x1.802d7af8fd22fp+22, -0x1.145da37752a54p+20, 0x1.268e7e5e5c4b8p+18}},
-          {{-0x1.3e8443859ff75p+39, -0x1.bfd9ccba22271p+39, 0x1.75fb51aa8370fp+35},
-           {0x1.810ea69f3a439p+22, -0x1.f8f7518d68be0p+19, 0x1.540fadc73f2f4p+18}},
-          {{-0x1.2b87aad50b383p+32, 0x1.9bdca80fd9d69p+29, -0x1.ee4535629392fp+27},
-           {0x1.810ea69f3a439p+22, -0x1.f8f7518d68be0p+19, 0x1.540fadc73f2f4p+18}},
-          {{0x1.6da31c091031dp+47, -0x1.f6c2db2759763p+44, 0x1.2dadbdd56a20bp+43},
-           {-0x1.cdca0ffbf79dap+23, -0x1.9617096e16e0ep+22, 0x1.4571aef2f529dp+22}},
+             {{-0x1.8ee99f32e3f55p+38, -0x1.d9f157c111c3ap+35, -0x1.bdbb7d9f3bbd4p+40},
+              {0x1.800dd1c299af1p+22, -0x1.13556e44c3048p+20, 0x1.5ab0983c65888p+18}},
+             {{-0x1.0a381bfdc5764p+39, 0x1.b6a4dc9496c86p+37, 0x1.b1b9bf3b3ebb1p+40},
+              {0x1.812e4fd59db77p+22, -0x1.fb07bbf287ff8p+19, 0x1.1fed93e935f24p+18}},
+             {{-0x1.265150232ef3ap+38, 0x1.07f1f7319b5efp+40, -0x1.7b198f151214cp+36},
+              {0x1.802d7af8fd22fp+22, -0x1.145da37752a54p+20, 0x1.268e7e5e5c4b8p+18}},
+             {{-0x1.3e8443859ff75p+39, -0x1.bfd9ccba22271p+39, 0x1.75fb51aa8370fp+35},
+              {0x1.810ea69f3a439p+22, -0x1.f8f7518d68be0p+19, 0x1.540fadc73f2f4p+18}},
+             {{-0x1.2b87aad50b383p+32, 0x1.9bdca80fd9d69p+29, -0x1.ee4535629392fp+27},
+              {0x1.810ea69f3a439p+22, -0x1.f8f7518d68be0p+19, 0x1.540fadc73f2f4p+18}},
+             {{0x1.6da31c091031dp+47, -0x1.f6c2db2759763p+44, 0x1.2dadbdd56a20bp+43},
+              {-0x1.cdca0ffbf79dap+23, -0x1.9617096e16e0ep+22, 0x1.4571aef2f529dp+22}},
          }},
     };
     for (const auto& [camera, aspect, nearDistance, farDistance, planes] : cases) {
@@ -319,7 +336,8 @@ TEST_F(Visibility, countsTouchingAPlaneAsInside)
 TEST_F(Visibility, takesInvertedBoxesAsTheyAre)
 {
     EXPECT_EQ(isVisible({0.1, -4, 0.1}, {-0.1, -5, -0.1}), 1);
-    EXPECT_EQ(isVisible({0.1, 5, 0.1}, {-0.1, -25, -0.1}), 0) << "its furthest corner along the normal is the nearer one";
+    EXPECT_EQ(isVisible({0.1, 5, 0.1}, {-0.1, -25, -0.1}), 0)
+        << "its furthest corner along the normal is the nearer one";
 }
 
 TEST(Frustum, hidesNothingByPlanesWithoutADirection)
@@ -408,10 +426,10 @@ std::vector<Frustum> frusta()
         frustumOf(VCamera(), 1.5, 0.1, 100),
         frustumOf(VCamera({1, 2, 3}, {4, -5, 6}, {0, 1, 1}, 60), 0.75, 0.5, 20),
         frustumOf(VCamera({20, 30, -10}, {0, 0, 0}, {1, 2, 3}, 170), 2, 1, 60),
-        frustumOf(VCamera(), 1, 11, 1),      // swapped
-        frustumOf(VCamera(), 1, 0, 10),      // a pyramid with its top: the near plane has no direction
-        frustumOf(VCamera(), 0, 1, 10),      // no width
-        frustumOf(VCamera(), -1, 1, 10),     // mirrored
+        frustumOf(VCamera(), 1, 11, 1),  // swapped
+        frustumOf(VCamera(), 1, 0, 10),  // a pyramid with its top: the near plane has no direction
+        frustumOf(VCamera(), 0, 1, 10),  // no width
+        frustumOf(VCamera(), -1, 1, 10), // mirrored
         frustumOf(VCamera(), nan, 1, 10),
         frustumOf(VCamera(), 1, 1, inf),
         frustumOf(VCamera({0, 0, 0}, {0, 0, 0}, {0, 0, 1}, 45), 1, 1, 2),

@@ -29,8 +29,8 @@ struct Survey {
     bool operator==(const Survey&) const = default;
 };
 
-const VValueComponents surveyComponents{
-    typeid(Survey), {VMemberValue<Survey, VChartList, &Survey::charts>::component("charts")}};
+const VValueComponents surveyComponents{typeid(Survey),
+                                        {VMemberValue<Survey, VChartList, &Survey::charts>::component("charts")}};
 
 } // namespace
 

@@ -196,11 +196,24 @@ TEST(IsEqualCaseIndependent, holdsWhereOneTextBeginsWithTheOther)
         const char* b;
         bool areEqual;
     } cases[] = {
-        {"linear", "linear", true}, {"Lin", "linear", true}, {"LINEAR", "lin", true},
-        {"lin", "cubic", false},    {"", "cubic", true},     {"", "", true},
-        {"a@", "A`", false},        {"a[", "A{", false},     {"az", "AZ", true},
-        {"linear ", "l", true},     {"lib", "linear", false},
-        {"\xc4", "\xe4", false},    {"\xc4", "\xc4", true},  {"\xff" "A", "\xff" "a", true},
+        {"linear", "linear", true},
+        {"Lin", "linear", true},
+        {"LINEAR", "lin", true},
+        {"lin", "cubic", false},
+        {"", "cubic", true},
+        {"", "", true},
+        {"a@", "A`", false},
+        {"a[", "A{", false},
+        {"az", "AZ", true},
+        {"linear ", "l", true},
+        {"lib", "linear", false},
+        {"\xc4", "\xe4", false},
+        {"\xc4", "\xc4", true},
+        {"\xff"
+         "A",
+         "\xff"
+         "a",
+         true},
     };
     for (const auto& [a, b, areEqual] : cases) {
         SCOPED_TRACE(std::string(a) + " and " + b);
@@ -359,15 +372,9 @@ TEST(Enum, readsAChoiceAndNeverNames)
         bool isAccepted;
         const char* written;
     } cases[] = {
-        {"c{whatever}", true, "c{a}{b}{c}"},
-        {"c", true, "c{a}{b}{c}"},
-        {"a{a}{b}{c}", true, "a{a}{b}{c}"},
-        {"c{", true, "c{a}{b}{c}"},
-        {"x{x}{y}", false, "b{a}{b}{c}"},
-        {"C", false, "b{a}{b}{c}"},
-        {"c ", false, "b{a}{b}{c}"},
-        {"{c}", false, "b{a}{b}{c}"},
-        {"", false, "b{a}{b}{c}"},
+        {"c{whatever}", true, "c{a}{b}{c}"}, {"c", true, "c{a}{b}{c}"},        {"a{a}{b}{c}", true, "a{a}{b}{c}"},
+        {"c{", true, "c{a}{b}{c}"},          {"x{x}{y}", false, "b{a}{b}{c}"}, {"C", false, "b{a}{b}{c}"},
+        {"c ", false, "b{a}{b}{c}"},         {"{c}", false, "b{a}{b}{c}"},     {"", false, "b{a}{b}{c}"},
     };
     for (const auto& [text, isAccepted, written] : cases) {
         SCOPED_TRACE(text);

@@ -30,8 +30,8 @@ static_assert(!std::is_convertible_v<std::string, FlagList>);
 template<>
 std::vector<FlagList> samples<FlagList>()
 {
-    return {FlagList(), FlagList("a -b", ' '), FlagList("a b", ' '), FlagList("+", ' '), FlagList("-", ' '),
-            FlagList("+-x -+y --", ' ')};
+    return {FlagList(),         FlagList("a -b", ' '), FlagList("a b", ' '),
+            FlagList("+", ' '), FlagList("-", ' '),    FlagList("+-x -+y --", ' ')};
 }
 
 INSTANTIATE_TYPED_TEST_SUITE_P(FlagList, ValueLaws, FlagList);
@@ -44,9 +44,15 @@ TEST(FlagList, takesASignForTheStateAndTheRestForTheName)
         const char* name;
         bool isOn;
     } cases[] = {
-        {"verbose", "verbose", true}, {"+verbose", "verbose", true}, {"-verbose", "verbose", false},
-        {"+", "", true},              {"-", "", false},              {"+-x", "-x", true},
-        {"--x", "-x", false},         {"-+x", "+x", false},          {" -x ", " -x ", true},
+        {"verbose", "verbose", true},
+        {"+verbose", "verbose", true},
+        {"-verbose", "verbose", false},
+        {"+", "", true},
+        {"-", "", false},
+        {"+-x", "-x", true},
+        {"--x", "-x", false},
+        {"-+x", "+x", false},
+        {" -x ", " -x ", true},
         {"x-y", "x-y", true},
     };
     for (const auto& [item, name, isOn] : cases) {
@@ -136,13 +142,8 @@ TEST(FlagList, isReplacedByWhatATextNames)
         const char* text;
         const char* written;
     } cases[] = {
-        {"", ""},
-        {" ", ""},
-        {"x  -y", " +x -y"},
-        {" +a -b", " +a -b"},
-        {"x -x", " -x"},
-        {"-y ", " -y"},
-        {"a,b\t", " +a,b\t"},
+        {"", ""},        {" ", ""},      {"x  -y", " +x -y"},  {" +a -b", " +a -b"},
+        {"x -x", " -x"}, {"-y ", " -y"}, {"a,b\t", " +a,b\t"},
     };
     for (const auto& [text, written] : cases) {
         SCOPED_TRACE(text);

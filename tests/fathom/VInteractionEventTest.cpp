@@ -306,9 +306,9 @@ TEST(Interactive, waitsWithAnEventOfKindOneWhereThereIsNoSource)
 
 TEST(Interactive, objectsAllGetTheStreamOfTheOneSourceWhichIsMadeWhenMissing)
 {
-    const VObjectType<Source> sourceType{
-        "TestSource", StrongPtr<VCreationPreferences>(new VCreationPreferences("default", "unique")),
-        &typeid(VInteractionEvent)};
+    const VObjectType<Source> sourceType{"TestSource",
+                                         StrongPtr<VCreationPreferences>(new VCreationPreferences("default", "unique")),
+                                         &typeid(VInteractionEvent)};
     const std::size_t before = VManagedObject::count();
     const auto one = Loam::makeStrong<Listener>("one");
     const auto two = Loam::makeStrong<Listener>("two");

@@ -37,10 +37,13 @@ protected:
 
 TEST_F(VMemberValueTest, readsItsPartOfTheWhole)
 {
-    const struct { const char* path; const char* text; const std::type_info& type; } cases[] = {
-        {"", "5[0,10]@0.5", typeid(VTime)},  {"time", "5", typeid(double)},
-        {"dt", "0.5", typeid(double)},       {"range", "0:10", typeid(Range)},
-        {"range.begin", "0", typeid(double)}, {"range.end", "10", typeid(double)},
+    const struct {
+        const char* path;
+        const char* text;
+        const std::type_info& type;
+    } cases[] = {
+        {"", "5[0,10]@0.5", typeid(VTime)}, {"time", "5", typeid(double)},        {"dt", "0.5", typeid(double)},
+        {"range", "0:10", typeid(Range)},   {"range.begin", "0", typeid(double)}, {"range.end", "10", typeid(double)},
     };
     for (const auto& [path, text, type] : cases) {
         SCOPED_TRACE(path);
@@ -53,9 +56,13 @@ TEST_F(VMemberValueTest, readsItsPartOfTheWhole)
 
 TEST_F(VMemberValueTest, isWrittenThroughToTheWhole)
 {
-    const struct { const char* path; const char* text; const char* whole; } cases[] = {
-        {"time", "6", "6[0,10]@0.5"},         {"dt", "2", "6[0,10]@2"},
-        {"range", "3:4", "6[3,4]@2"},         {"range.begin", "-1", "6[-1,4]@2"},
+    const struct {
+        const char* path;
+        const char* text;
+        const char* whole;
+    } cases[] = {
+        {"time", "6", "6[0,10]@0.5"},        {"dt", "2", "6[0,10]@2"},
+        {"range", "3:4", "6[3,4]@2"},        {"range.begin", "-1", "6[-1,4]@2"},
         {"range.end", "1.5", "6[-1,1.5]@2"},
     };
     for (const auto& [path, text, whole] : cases) {

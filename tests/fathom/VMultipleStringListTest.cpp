@@ -198,8 +198,7 @@ TEST(MultipleStringSelection, isWrittenAsWhatIsSelectedAndTheChoices)
 TEST(MultipleStringSelection, readsBackWhatItWrote)
 {
     for (const Selection& written :
-         {make("c,a", "a,b,c"), make("", "a,b"), make("x", ""), make("", ""), make("a,a", "a,a"),
-          make(",", ",a"),
+         {make("c,a", "a,b,c"), make("", "a,b"), make("x", ""), make("", ""), make("a,a", "a,a"), make(",", ",a"),
           make("a}b}", "a}b},}"), make("of two words", "of two words,and more")}) {
         const std::string text = Trait::Text(written);
         SCOPED_TRACE(text);
@@ -272,8 +271,7 @@ TEST(MultipleStringSelection, isNotMadeWhereThereIsNone)
 TEST(MultipleStringSelectionValue, isRegisteredButNotMadeFromText)
 {
     bool ok = true;
-    const StrongPtr<VValueBase> value =
-        VValueCreator::createValue(Loam::Typename(typeid(Selection)), "{a}@{a}", ok);
+    const StrongPtr<VValueBase> value = VValueCreator::createValue(Loam::Typename(typeid(Selection)), "{a}@{a}", ok);
     ASSERT_TRUE(value);
     EXPECT_FALSE(ok);
     EXPECT_EQ(value->getType(), typeid(Selection));

@@ -38,8 +38,7 @@ namespace {
 
 class Station final : public VObject, public StatusIndicator {
 public:
-    explicit Station(const std::string& name)
-        : VObject{name, 0, nullptr}, StatusIndicator{this, "waiting", 7, "report"}
+    explicit Station(const std::string& name) : VObject{name, 0, nullptr}, StatusIndicator{this, "waiting", 7, "report"}
     {
     }
     bool update(VRequest&, double) override { return true; }
@@ -335,8 +334,7 @@ TEST_F(StatusIndicatorTest, leavesOutWhatTheAnnouncementHasNoNameFor)
     const Lost lost;
     lost.setStatusError(m_pool, "e", true);
     lost.setStatusError(nullptr, "", true);
-    EXPECT_THAT(m_warnings.all(),
-                ElementsAre("Station \"north\" Error: e", "Lost{tuesday} Error: e", "Lost Error: "));
+    EXPECT_THAT(m_warnings.all(), ElementsAre("Station \"north\" Error: e", "Lost{tuesday} Error: e", "Lost Error: "));
 }
 
 TEST_F(StatusIndicatorTest, showsNothingWithoutAPoolOrAnObject)

@@ -173,8 +173,7 @@ TEST(StringSelection, isNotMadeWhereThereIsNone)
 TEST(StringSelectionValue, isRegisteredButNotMadeFromText)
 {
     bool ok = true;
-    const StrongPtr<VValueBase> value =
-        VValueCreator::createValue(Loam::Typename(typeid(Selection)), "b@a|b|", ok);
+    const StrongPtr<VValueBase> value = VValueCreator::createValue(Loam::Typename(typeid(Selection)), "b@a|b|", ok);
     ASSERT_TRUE(value);
     EXPECT_FALSE(ok);
     EXPECT_EQ(value->getType(), typeid(Selection));

@@ -40,8 +40,8 @@ testing::AssertionResult same(double a, double b)
 {
     if (a == b || (std::isnan(a) && std::isnan(b)))
         return testing::AssertionSuccess();
-    return testing::AssertionFailure()
-        << VValueTrait<double>::Text(a) << " where " << VValueTrait<double>::Text(b) << " is expected";
+    return testing::AssertionFailure() << VValueTrait<double>::Text(a) << " where " << VValueTrait<double>::Text(b)
+                                       << " is expected";
 }
 
 } // namespace
@@ -106,11 +106,12 @@ TEST(VTime, copiesTheFlagsButTakesNewOnesInALikeTime)
 
 TEST(VTime, isBroughtIntoTheIntervalOfALikeTime)
 {
-    const struct { double begin, end, t, limited, cyclic; } cases[] = {
-        {0, 10, 5, 5, 5},       {0, 10, 0, 0, 0},     {0, 10, 10, 10, 10},
-        {0, 10, -1, 0, 10},     {0, 10, 11, 10, 0},   {0, 10, 25, 10, 0},
-        {10, 0, 5, 0, 0},       {10, 0, -5, 0, 0},    {10, 0, 10, 0, 10},  {10, 0, 15, 0, 10},
-        {0, 10, NaN, NaN, NaN}, {0, 10, -infinity, 0, 10},                 {NaN, NaN, 5, 5, 5},
+    const struct {
+        double begin, end, t, limited, cyclic;
+    } cases[] = {
+        {0, 10, 5, 5, 5},       {0, 10, 0, 0, 0},          {0, 10, 10, 10, 10}, {0, 10, -1, 0, 10}, {0, 10, 11, 10, 0},
+        {0, 10, 25, 10, 0},     {10, 0, 5, 0, 0},          {10, 0, -5, 0, 0},   {10, 0, 10, 0, 10}, {10, 0, 15, 0, 10},
+        {0, 10, NaN, NaN, NaN}, {0, 10, -infinity, 0, 10}, {NaN, NaN, 5, 5, 5},
     };
     for (const auto& [begin, end, t, limited, cyclic] : cases) {
         SCOPED_TRACE(testing::Message() << t << " in " << begin << " to " << end);
@@ -145,14 +146,28 @@ TEST(VTime, isEqualOnlyIfAllFieldsAre)
 
 TEST(VTime, numbersStepsFromTheBeginAndRoundsHalvesUp)
 {
-    const struct { VTime time; double t, step; } cases[] = {
-        {stepped(0, 10, 1), 2.5, 3},      {stepped(0, 10, 1), -0.5, 0},       {stepped(0, 10, 1), -0.51, -1},
-        {stepped(0, 10, 1), 2.49, 2},     {stepped(0, 10, 1), 1000, 1000},    {stepped(2, 4, 2), 3, 1},
-        {stepped(-3, 4.5, 0.75), 4.5, 10}, {stepped(10, 0, -2.5), 6.275, 1},  {stepped(0, 10, -1), 10, -10},
-        {stepped(0, 10, 1), 1e300, 1e300}, {stepped(0, 10, 1), -1e17, -1e17}, {stepped(0, 10, 1), NaN, NaN},
+    const struct {
+        VTime time;
+        double t, step;
+    } cases[] = {
+        {stepped(0, 10, 1), 2.5, 3},
+        {stepped(0, 10, 1), -0.5, 0},
+        {stepped(0, 10, 1), -0.51, -1},
+        {stepped(0, 10, 1), 2.49, 2},
+        {stepped(0, 10, 1), 1000, 1000},
+        {stepped(2, 4, 2), 3, 1},
+        {stepped(-3, 4.5, 0.75), 4.5, 10},
+        {stepped(10, 0, -2.5), 6.275, 1},
+        {stepped(0, 10, -1), 10, -10},
+        {stepped(0, 10, 1), 1e300, 1e300},
+        {stepped(0, 10, 1), -1e17, -1e17},
+        {stepped(0, 10, 1), NaN, NaN},
         {stepped(0, 10, 1), infinity, infinity},
-        {stepped(0, 10, 0), 7, 0},        {stepped(0, 10, -0.0), 7, 0},       {stepped(0, 10, NaN), 7, 0},
-        {stepped(0, 10, infinity), 7, 0}, {VTime{3}, 100, 0},
+        {stepped(0, 10, 0), 7, 0},
+        {stepped(0, 10, -0.0), 7, 0},
+        {stepped(0, 10, NaN), 7, 0},
+        {stepped(0, 10, infinity), 7, 0},
+        {VTime{3}, 100, 0},
     };
     for (const auto& [time, t, step] : cases)
         EXPECT_TRUE(same(time.Tstep(t), step)) << "step of " << t << " in " << VValueTrait<VTime>::Text(time);
@@ -160,12 +175,22 @@ TEST(VTime, numbersStepsFromTheBeginAndRoundsHalvesUp)
 
 TEST(VTime, countsTheStepsOfItsInterval)
 {
-    const struct { VTime time; double last; } cases[] = {
-        {stepped(0, 10, 1), 10},  {stepped(0, 10, 4), 3},     {stepped(0, 10, 3), 3},
-        {VTime(0, 2, 4), 1},      {stepped(10, 0, -2.5), 4},  {stepped(10, 0, 1), -10},
-        {stepped(0, 1, 3), 0},    {stepped(0, 10, 0), 0},     {stepped(0, 10, NaN), 0},
+    const struct {
+        VTime time;
+        double last;
+    } cases[] = {
+        {stepped(0, 10, 1), 10},
+        {stepped(0, 10, 4), 3},
+        {stepped(0, 10, 3), 3},
+        {VTime(0, 2, 4), 1},
+        {stepped(10, 0, -2.5), 4},
+        {stepped(10, 0, 1), -10},
+        {stepped(0, 1, 3), 0},
+        {stepped(0, 10, 0), 0},
+        {stepped(0, 10, NaN), 0},
         {stepped(0, 1, 0.1), 10},
-        {stepped(1517356800, 1518048000, 10800), 64},         {stepped(0, 1, 0.015625), 64},
+        {stepped(1517356800, 1518048000, 10800), 64},
+        {stepped(0, 1, 0.015625), 64},
     };
     for (const auto& [time, last] : cases)
         EXPECT_EQ(time.maxTsteps(), last) << VValueTrait<VTime>::Text(time);
@@ -173,22 +198,41 @@ TEST(VTime, countsTheStepsOfItsInterval)
 
 TEST(VTime, wrapsStepNumbersIntoTheValidSteps)
 {
-    const struct { VTime time; double step, t; } cases[] = {
-        {stepped(0, 10, 1), 0, 0},        {stepped(0, 10, 1), 10, 10},     {stepped(0, 10, 1), 11, 0},
-        {stepped(0, 10, 1), 12, 1},       {stepped(0, 10, 1), 100, 1},     {stepped(0, 10, 1), 0.5, 0.5},
-        {stepped(0, 10, 1), -1, 10},      {stepped(0, 10, 1), -2.5, 8.5},  {stepped(0, 10, 1), -10.5, 0.5},
-        {stepped(2, 4, 2), 0.5, 3},       {stepped(2, 4, 2), -1, 4},       {stepped(-3, 4.5, 0.75), 7, 2.25},
-        {stepped(0, 1, 0.1), 7, 0.7000000000000001},                       {stepped(0, 1, 3), 0.5, 1.5},
-        {stepped(10, 0, -2.5), 7, 5},     {stepped(10, 0, 1), 1, 2},       {stepped(0, 10, -1), 1, 8},
+    const struct {
+        VTime time;
+        double step, t;
+    } cases[] = {
+        {stepped(0, 10, 1), 0, 0},
+        {stepped(0, 10, 1), 10, 10},
+        {stepped(0, 10, 1), 11, 0},
+        {stepped(0, 10, 1), 12, 1},
+        {stepped(0, 10, 1), 100, 1},
+        {stepped(0, 10, 1), 0.5, 0.5},
+        {stepped(0, 10, 1), -1, 10},
+        {stepped(0, 10, 1), -2.5, 8.5},
+        {stepped(0, 10, 1), -10.5, 0.5},
+        {stepped(2, 4, 2), 0.5, 3},
+        {stepped(2, 4, 2), -1, 4},
+        {stepped(-3, 4.5, 0.75), 7, 2.25},
+        {stepped(0, 1, 0.1), 7, 0.7000000000000001},
+        {stepped(0, 1, 3), 0.5, 1.5},
+        {stepped(10, 0, -2.5), 7, 5},
+        {stepped(10, 0, 1), 1, 2},
+        {stepped(0, 10, -1), 1, 8},
         {stepped(1517356800, 1518048000, 10800), -2.5, 1518031800},
         {stepped(0, 1, 0.015625), 100, 0.546875},
         // Multiplied and then added, each rounded: a fused operation would give 0.6.
         {stepped(0.3, 3, 0.1), 3, 0.6000000000000001},
         // Whole turns are added before the remainder is taken, and that rounds.
-        {stepped(0, 2, 1), 0.1, 0.09999999999999964},                      {stepped(0, 10, 1), 1e17, 9},
+        {stepped(0, 2, 1), 0.1, 0.09999999999999964},
+        {stepped(0, 10, 1), 1e17, 9},
         // No steps at all: the remainder of a division by zero.
-        {stepped(0, -1, 1), 3, NaN},      {stepped(0, 10, 1), NaN, NaN},   {stepped(0, 10, 1), infinity, NaN},
-        {stepped(4, 10, 0), 7, 4},        {stepped(4, 10, NaN), 7, 4},     {VTime{3}, 7, 3},
+        {stepped(0, -1, 1), 3, NaN},
+        {stepped(0, 10, 1), NaN, NaN},
+        {stepped(0, 10, 1), infinity, NaN},
+        {stepped(4, 10, 0), 7, 4},
+        {stepped(4, 10, NaN), 7, 4},
+        {VTime{3}, 7, 3},
     };
     for (const auto& [time, step, t] : cases)
         EXPECT_TRUE(same(time.Tdiscrete(step), t)) << step << " of " << VValueTrait<VTime>::Text(time);
@@ -196,9 +240,12 @@ TEST(VTime, wrapsStepNumbersIntoTheValidSteps)
 
 TEST(VTime, intentionallyLeavesStepsNegativeFromTheFirstWholeTurnBackOn)
 {
-    const struct { VTime time; double step, t; } cases[] = {
-        {stepped(0, 10, 1), -12, -1}, {stepped(0, 10, 1), -11, 0},   {stepped(0, 2, 1), -5, -2},
-        {stepped(0, 2, 1), -3, 0},    {stepped(0, 2, 1), -4, -1},    {stepped(2, 4, 2), -2.5, 1},
+    const struct {
+        VTime time;
+        double step, t;
+    } cases[] = {
+        {stepped(0, 10, 1), -12, -1},   {stepped(0, 10, 1), -11, 0},     {stepped(0, 2, 1), -5, -2},
+        {stepped(0, 2, 1), -3, 0},      {stepped(0, 2, 1), -4, -1},      {stepped(2, 4, 2), -2.5, 1},
         {stepped(0, 1, 3), -2.5, -1.5}, {stepped(10, 0, -2.5), -12, 15},
     };
     for (const auto& [time, step, t] : cases)
@@ -207,15 +254,27 @@ TEST(VTime, intentionallyLeavesStepsNegativeFromTheFirstWholeTurnBackOn)
 
 TEST(VTime, snapsTimesToTheNearestStepAndWrapsThem)
 {
-    const struct { VTime time; double t, snapped; } cases[] = {
-        {stepped(0, 10, 1), 10.4, 10},  {stepped(0, 10, 1), 10.6, 0},    {stepped(0, 10, 1), 10.5, 0},
-        {stepped(0, 10, 1), 2.5, 3},    {stepped(0, 10, 1), -0.5, 0},    {stepped(0, 10, 1), -1, 10},
-        {stepped(0, 10, 1), -12, -1},   {stepped(0, 0.3, 0.1), 0.3, 0.30000000000000004},
-        {stepped(-3, 4.5, 0.75), -2.775, -3},                            {stepped(-3, 4.5, 0.75), 4.95, -3},
-        {stepped(10, 0, -2.5), -1.5, 10},                                {stepped(10, 0, 1), 0, 9},
+    const struct {
+        VTime time;
+        double t, snapped;
+    } cases[] = {
+        {stepped(0, 10, 1), 10.4, 10},
+        {stepped(0, 10, 1), 10.6, 0},
+        {stepped(0, 10, 1), 10.5, 0},
+        {stepped(0, 10, 1), 2.5, 3},
+        {stepped(0, 10, 1), -0.5, 0},
+        {stepped(0, 10, 1), -1, 10},
+        {stepped(0, 10, 1), -12, -1},
+        {stepped(0, 0.3, 0.1), 0.3, 0.30000000000000004},
+        {stepped(-3, 4.5, 0.75), -2.775, -3},
+        {stepped(-3, 4.5, 0.75), 4.95, -3},
+        {stepped(10, 0, -2.5), -1.5, 10},
+        {stepped(10, 0, 1), 0, 9},
         {stepped(1517356800, 1518048000, 10800), 1518054480, 1517356800},
         {stepped(0.3, 3, 0.1), 0.6, 0.6000000000000001},
-        {stepped(0, 10, 0), 7.3, 7.3},  {stepped(0, 10, NaN), 7.3, 7.3}, {VTime{3}, 7.3, 7.3},
+        {stepped(0, 10, 0), 7.3, 7.3},
+        {stepped(0, 10, NaN), 7.3, 7.3},
+        {VTime{3}, 7.3, 7.3},
         {stepped(0, 10, 1), NaN, NaN},
     };
     for (const auto& [time, t, snapped] : cases)
@@ -224,15 +283,26 @@ TEST(VTime, snapsTimesToTheNearestStepAndWrapsThem)
 
 TEST(VTime, stepsOnAndBackAndWrapsAround)
 {
-    const struct { VTime time; double next, previous; } cases[] = {
-        {stepped(0, 10, 1, 3), 4, 2},    {stepped(0, 10, 1, 10), 0, 9}, {stepped(0, 10, 1, 0), 1, 10},
-        {stepped(0, 10, 1, 3.4), 4, 2},  {stepped(0, 10, 1, 3.5), 5, 3}, {VTime(2, 2, 4), 4, 4},
-        {VTime(4, 2, 4), 2, 2},          {stepped(0, 1, 0.1, 1), 0, 0.9}, {stepped(0, 1, 3, 0.9), 0, 0},
+    const struct {
+        VTime time;
+        double next, previous;
+    } cases[] = {
+        {stepped(0, 10, 1, 3), 4, 2},
+        {stepped(0, 10, 1, 10), 0, 9},
+        {stepped(0, 10, 1, 0), 1, 10},
+        {stepped(0, 10, 1, 3.4), 4, 2},
+        {stepped(0, 10, 1, 3.5), 5, 3},
+        {VTime(2, 2, 4), 4, 4},
+        {VTime(4, 2, 4), 2, 2},
+        {stepped(0, 1, 0.1, 1), 0, 0.9},
+        {stepped(0, 1, 3, 0.9), 0, 0},
         {stepped(0, 0.3, 0.1), 0.1, 0.30000000000000004},
         {stepped(10, 0, -2.5, 0), 10, 2.5},
         {stepped(10, 0, 1, 10), 2, 9},
         {stepped(1517356800, 1518048000, 10800, 1518048000), 1517356800, 1518037200},
-        {stepped(4, 10, 0, 7), 4, 4},    {stepped(4, 10, NaN, 7), 4, 4}, {VTime{3}, 3, 3},
+        {stepped(4, 10, 0, 7), 4, 4},
+        {stepped(4, 10, NaN, 7), 4, 4},
+        {VTime{3}, 3, 3},
         {stepped(0, 10, 1, NaN), NaN, NaN},
     };
     for (const auto& [time, next, previous] : cases) {
@@ -268,8 +338,7 @@ TEST(VTime, visitsEveryStepOnceATurn)
 TEST(VTime, writesTheTimeTheIntervalAndTheStepAlone)
 {
     EXPECT_EQ(VValueTrait<VTime>::Text(VTime{3}), "3[3,3]@0");
-    EXPECT_EQ(VValueTrait<VTime>::Text(VTime(0.5, -1, 1e300, 0.015625, "a", "b", "c")),
-              "0.5[-1,1e+300]@0.015625");
+    EXPECT_EQ(VValueTrait<VTime>::Text(VTime(0.5, -1, 1e300, 0.015625, "a", "b", "c")), "0.5[-1,1e+300]@0.015625");
     // The longest numbers that there are.
     const double longest = -std::numeric_limits<double>::min();
     const std::string text = "-2.2250738585072014e-308";
@@ -279,13 +348,16 @@ TEST(VTime, writesTheTimeTheIntervalAndTheStepAlone)
 
 TEST(VTime, readsItsTextForm)
 {
-    const struct { const char* text; double time, begin, end, dt; } cases[] = {
+    const struct {
+        const char* text;
+        double time, begin, end, dt;
+    } cases[] = {
         {"5[0,10]@1", 5, 0, 10, 1},
         {" 5 [ 0 , 10 ] @ 1 ", 5, 0, 10, 1},
         {"-0.5[-1e3,nan]@0.25", -0.5, -1000, NaN, 0.25},
         {"5[0,10]", 5, 0, 10, 10},
         {"5[0,10]@", 5, 0, 10, 10},
-        {"5[2,]", 5, 2, 7, 5},         // nothing readable behind the comma: the end stays
+        {"5[2,]", 5, 2, 7, 5}, // nothing readable behind the comma: the end stays
     };
     for (const auto& [text, time, begin, end, dt] : cases) {
         SCOPED_TRACE(text);
@@ -303,7 +375,10 @@ TEST(VTime, readsItsTextForm)
 
 TEST(VTime, intentionallyReadsBehindTheSeparatorBeforeWhereOneIsMissing)
 {
-    const struct { const char* text; double time, begin, end, dt; } cases[] = {
+    const struct {
+        const char* text;
+        double time, begin, end, dt;
+    } cases[] = {
         {"5", 5, 5, 5, 5},
         {"5@2", 5, 5, 5, 2},
         {"5,7", 5, 5, 7, 7},
@@ -319,7 +394,7 @@ TEST(VTime, intentionallyReadsBehindTheSeparatorBeforeWhereOneIsMissing)
         {"5[0,10", 5, 0, 10, 10},
         {"5[2,10]7", 5, 2, 10, 7},
         {"5[0,10@3", 5, 0, 10, 3},
-        {"5,1[0,10]@1", 5, 0, 10, 1},  // the comma before the bracket is part of no number
+        {"5,1[0,10]@1", 5, 0, 10, 1}, // the comma before the bracket is part of no number
         {"5[0,10]@1]@2", 5, 0, 10, 1},
         {"5[1[2,3]@4", 5, 1, 3, 4},
     };
@@ -333,9 +408,12 @@ TEST(VTime, intentionallyReadsBehindTheSeparatorBeforeWhereOneIsMissing)
 
 TEST(VTime, intentionallyKeepsWhatCannotBeReadBehindTheTime)
 {
-    const struct { const char* text; const char* left; } cases[] = {
-        {"5[x,10]@1", "5[6,10]@1"}, {"5[0,x]@1", "5[0,7]@1"}, {"5[0,10]@x", "5[0,10]@8"}, {"5[x", "5[6,7]@8"},
-        {"5[,]@", "5[6,7]@1"},      {"5[x,y]@z", "5[6,7]@8"},
+    const struct {
+        const char* text;
+        const char* left;
+    } cases[] = {
+        {"5[x,10]@1", "5[6,10]@1"}, {"5[0,x]@1", "5[0,7]@1"}, {"5[0,10]@x", "5[0,10]@8"},
+        {"5[x", "5[6,7]@8"},        {"5[,]@", "5[6,7]@1"},    {"5[x,y]@z", "5[6,7]@8"},
     };
     for (const auto& [text, left] : cases) {
         SCOPED_TRACE(text);

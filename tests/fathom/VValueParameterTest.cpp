@@ -15,8 +15,7 @@ using testing::IsEmpty;
 
 static_assert(std::is_base_of_v<VParameter, VValueParameter<Range>>);
 static_assert(std::is_same_v<StrongPtr<VParameter>, StrongPtr<VParameter, ValueNotifierList>>);
-static_assert(
-    std::is_same_v<StrongPtr<VCreationPreferences>, StrongPtr<VCreationPreferences, InterfaceBase>>);
+static_assert(std::is_same_v<StrongPtr<VCreationPreferences>, StrongPtr<VCreationPreferences, InterfaceBase>>);
 
 namespace {
 

@@ -26,8 +26,7 @@ static_assert(!std::is_copy_constructible_v<VValue<double>> && !std::is_copy_ass
 static_assert(!std::is_convertible_v<double, VValue<double>>);
 static_assert(!std::is_copy_constructible_v<TypedValueCreator<double>>);
 static_assert(std::is_same_v<StrongPtr<VValueBase>, StrongPtr<VValueBase, VValueBase>>);
-static_assert(
-    std::is_same_v<WeakPtrImpl<VManagedObject>, WeakPtrImpl<VManagedObject, VManagedObjectBase>>);
+static_assert(std::is_same_v<WeakPtrImpl<VManagedObject>, WeakPtrImpl<VManagedObject, VManagedObjectBase>>);
 
 namespace {
 
@@ -110,10 +109,7 @@ namespace {
 
 class VValueOfBrittle : public testing::Test {
 protected:
-    VValueOfBrittle()
-    {
-        Brittle::copies = Brittle::copiesBefore = Brittle::assignments = Brittle::comparisons = 0;
-    }
+    VValueOfBrittle() { Brittle::copies = Brittle::copiesBefore = Brittle::assignments = Brittle::comparisons = 0; }
     ~VValueOfBrittle() override { Brittle::refuses.clear(); }
 
     static std::uint32_t destroyed() { return VValue<Brittle>::theTypedValueCreator->destroyedValues(); }

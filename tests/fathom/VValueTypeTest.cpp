@@ -45,7 +45,10 @@ const Orla::VValueType<Unused> unusedType;
 } // namespace
 
 template<>
-std::vector<Depth> samples<Depth>() { return {Depth{}, Depth{10.5}, Depth{-1}}; }
+std::vector<Depth> samples<Depth>()
+{
+    return {Depth{}, Depth{10.5}, Depth{-1}};
+}
 
 INSTANTIATE_TYPED_TEST_SUITE_P(VValueType, ValueLaws, Depth);
 INSTANTIATE_TYPED_TEST_SUITE_P(VValueType, SlotLaws, Depth);

@@ -135,38 +135,76 @@ using Value = VValue<double>;
 using WeakValue = WeakPtrImpl<VValueBase>;
 using WeakSource = WeakPtrImpl<VManagedObject, VManagedObjectBase>;
 
-struct ValueUnction : Value { void extremeUnction() override { mark = 3; } };
-struct ValueGetType : Value { const std::type_info& getType() const override { return typeid(int); } };
-struct ValueCopy : Value { StrongPtr<VValueBase> copy() const override { return nullptr; } };
-struct ValueGetFrom : Value { bool getValueFrom(const WeakValue&) override { return false; } };
-struct ValueSetText : Value { bool setValueFromText(const std::string&) override { return false; } };
-struct ValueText : Value { std::string Text() const override { return ""; } };
-struct ValueIsDifferent : Value { bool isDifferentFrom(const WeakValue&) const override { return false; } };
-struct ValueSource : Value { WeakSource source() override { return nullptr; } };
-struct ValueSetSource : Value { void setSource(const WeakSource&) override {} };
-struct ValueInterface : Value { StrongPtr<InterfaceBase> getInterface() const override { return nullptr; } };
-struct ValueAge : Value { Ageable& age() override { return *this; } using Value::age; };
-struct ValueAgeConst : Value { const Ageable& age() const override { return *this; } using Value::age; };
+struct ValueUnction : Value {
+    void extremeUnction() override { mark = 3; }
+};
+struct ValueGetType : Value {
+    const std::type_info& getType() const override { return typeid(int); }
+};
+struct ValueCopy : Value {
+    StrongPtr<VValueBase> copy() const override { return nullptr; }
+};
+struct ValueGetFrom : Value {
+    bool getValueFrom(const WeakValue&) override { return false; }
+};
+struct ValueSetText : Value {
+    bool setValueFromText(const std::string&) override { return false; }
+};
+struct ValueText : Value {
+    std::string Text() const override { return ""; }
+};
+struct ValueIsDifferent : Value {
+    bool isDifferentFrom(const WeakValue&) const override { return false; }
+};
+struct ValueSource : Value {
+    WeakSource source() override { return nullptr; }
+};
+struct ValueSetSource : Value {
+    void setSource(const WeakSource&) override {}
+};
+struct ValueInterface : Value {
+    StrongPtr<InterfaceBase> getInterface() const override { return nullptr; }
+};
+struct ValueAge : Value {
+    Ageable& age() override { return *this; }
+    using Value::age;
+};
+struct ValueAgeConst : Value {
+    const Ageable& age() const override { return *this; }
+    using Value::age;
+};
 struct ValueCreatorOf : Value {
     StrongPtr<VValueCreator> getValueCreator() const override { return nullptr; }
 };
 struct ValueChunk : Value {
     StrongPtr<ChunkBase> getChunk(unsigned long long) const override { return nullptr; }
 };
-struct ValueContainer : Value { void setContainerValue(const WeakValue&) override {} };
-struct ValueGet : Value { bool getValue(double&) const override { return false; } };
-struct ValueSet : Value { bool setValue(const double&) override { return false; } };
+struct ValueContainer : Value {
+    void setContainerValue(const WeakValue&) override {}
+};
+struct ValueGet : Value {
+    bool getValue(double&) const override { return false; }
+};
+struct ValueSet : Value {
+    bool setValue(const double&) override { return false; }
+};
 struct ValueChunkOf : Value {
     StrongPtr<ChunkBase> getChunkOfValue(unsigned long long) const override { return nullptr; }
 };
 
 constexpr std::size_t unctionAndDestructor[] = {0, 1, 2};
 
-const char* const valueOperations[] = {
-    "extremeUnction", "destructor", "destructor", // a destructor has two entries: with and without the memory
-    "getType", "copy", "getValueFrom", "setValueFromText", "Text", "isDifferentFrom", "source", "setSource",
-    "getInterface", "age", "age const", "getValueCreator", "getChunk", "setContainerValue", "getValue",
-    "setValue", "getChunkOfValue"};
+const char* const valueOperations[] = {"extremeUnction", "destructor",
+                                       "destructor", // a destructor has two entries: with and without the memory
+                                       "getType",        "copy",
+                                       "getValueFrom",   "setValueFromText",
+                                       "Text",           "isDifferentFrom",
+                                       "source",         "setSource",
+                                       "getInterface",   "age",
+                                       "age const",      "getValueCreator",
+                                       "getChunk",       "setContainerValue",
+                                       "getValue",       "setValue",
+                                       "getChunkOfValue"};
 
 } // namespace
 
@@ -214,16 +252,18 @@ TEST(VirtualOrder, ofTypedValueBasesIsThatOfValuesWithTheRestPure)
         else if (table[place] == values[place])
             inherited.push_back(names[place]);
     }
-    EXPECT_THAT(pure, ElementsAre("copy", "getValueFrom", "setValueFromText", "Text", "source", "age",
-                                  "age const", "getValueCreator", "getValue", "setValue", "getChunkOfValue"));
-    EXPECT_THAT(inherited, testing::IsSupersetOf({"isDifferentFrom", "setSource", "getInterface", "getChunk",
-                                                  "setContainerValue"}));
+    EXPECT_THAT(pure, ElementsAre("copy", "getValueFrom", "setValueFromText", "Text", "source", "age", "age const",
+                                  "getValueCreator", "getValue", "setValue", "getChunkOfValue"));
+    EXPECT_THAT(inherited, testing::IsSupersetOf(
+                               {"isDifferentFrom", "setSource", "getInterface", "getChunk", "setContainerValue"}));
 }
 
 TEST(VirtualOrder, ofValueCreators)
 {
     using Creator = TypedValueCreator<double>;
-    struct Unction : Creator { void extremeUnction() override { mark = 3; } };
+    struct Unction : Creator {
+        void extremeUnction() override { mark = 3; }
+    };
     struct Create : Creator {
         StrongPtr<VValueBase> create(const std::string&, bool&) override { return nullptr; }
     };
@@ -238,8 +278,14 @@ TEST(VirtualOrder, ofParameters)
 {
     using Parameter = VValueParameter<Range>;
     using Preferences = StrongPtr<VCreationPreferences, InterfaceBase>;
-    struct Unction : Parameter { using Parameter::Parameter; void extremeUnction() override { mark = 3; } };
-    struct Touch : Parameter { using Parameter::Parameter; void touch() const override {} };
+    struct Unction : Parameter {
+        using Parameter::Parameter;
+        void extremeUnction() override { mark = 3; }
+    };
+    struct Touch : Parameter {
+        using Parameter::Parameter;
+        void touch() const override {}
+    };
     struct Default : Parameter {
         using Parameter::Parameter;
         StrongPtr<VValueBase> DefaultValue() const override { return nullptr; }
@@ -268,16 +314,17 @@ TEST(VirtualOrder, ofParameters)
     order.find<Local>("createLocalVariable");
     order.find<Global>("setGlobalValue");
     order.find<New>("newValue");
-    EXPECT_THAT(order.names(),
-                ElementsAre("extremeUnction", "destructor", "destructor", "touch", "DefaultValue", "copy",
-                            "createLocalVariable", "setGlobalValue", "newValue"));
+    EXPECT_THAT(order.names(), ElementsAre("extremeUnction", "destructor", "destructor", "touch", "DefaultValue",
+                                           "copy", "createLocalVariable", "setGlobalValue", "newValue"));
     EXPECT_THAT(order.ofItsOwn(), IsSubsetOf(unctionAndDestructor));
 }
 
 TEST(VirtualOrder, ofSlotCreators)
 {
     using Creator = TypedSlot<Range>::SlotCreator;
-    struct Unction : Creator { void extremeUnction() override { mark = 3; } };
+    struct Unction : Creator {
+        void extremeUnction() override { mark = 3; }
+    };
     struct NewSlot : Creator {
         StrongPtr<VSlot> newSlot(VSlotContainer*, const std::string&, const std::string&, bool&,
                                  const StrongPtr<VCreationPreferences>&, int) const override
@@ -295,8 +342,12 @@ TEST(VirtualOrder, ofSlotCreators)
 TEST(VirtualOrder, ofCommandLineParsers)
 {
     using Parser = CommandLineParser;
-    struct Option : Parser { bool processOption(const std::string&) override { return false; } };
-    struct Argument : Parser { bool processArgument(const std::string&) override { return !mark; } };
+    struct Option : Parser {
+        bool processOption(const std::string&) override { return false; }
+    };
+    struct Argument : Parser {
+        bool processArgument(const std::string&) override { return !mark; }
+    };
     Order<Parser> order;
     order.find<Option>("processOption");
     order.find<Argument>("processArgument");
@@ -306,9 +357,15 @@ TEST(VirtualOrder, ofCommandLineParsers)
 
 TEST(VirtualOrder, ofUrlHandlers)
 {
-    struct Handler : VUrlSystemHandler { bool openUrl(const std::string&) override { return true; } };
-    struct Unction : Handler { void extremeUnction() override { mark = 3; } };
-    struct Open : Handler { bool openUrl(const std::string&) override { return false; } };
+    struct Handler : VUrlSystemHandler {
+        bool openUrl(const std::string&) override { return true; }
+    };
+    struct Unction : Handler {
+        void extremeUnction() override { mark = 3; }
+    };
+    struct Open : Handler {
+        bool openUrl(const std::string&) override { return false; }
+    };
     Order<Handler> order;
     order.find<Unction>("extremeUnction");
     order.find<Open>("openUrl");

@@ -33,7 +33,7 @@ namespace CLIENT {
 struct JOIN(CLIENT, Value) {
     double metres = 0;
 
-    friend bool operator==(const JOIN(CLIENT, Value)&, const JOIN(CLIENT, Value)&) = default;
+    friend bool operator==(const JOIN(CLIENT, Value) &, const JOIN(CLIENT, Value) &) = default;
 };
 
 using Value = JOIN(CLIENT, Value);
@@ -52,10 +52,7 @@ struct Orla::VValueTrait<Shared::Tally> {
 
 template<>
 struct Orla::VValueTrait<CLIENT::Value> {
-    static std::string Text(const CLIENT::Value& value)
-    {
-        return VValueTrait<double>::Text(value.metres) + "m";
-    }
+    static std::string Text(const CLIENT::Value& value) { return VValueTrait<double>::Text(value.metres) + "m"; }
 
     static bool setValueFromText(CLIENT::Value& value, const std::string& text)
     {
@@ -84,7 +81,7 @@ public:
         const auto& pool = request.valuePool();
         const double metres = m_value.value(pool).metres + getTime(pool, 0, Orla::Range{});
         return m_counted(pool) << Shared::Tally{m_tally.value(pool).count + 1}
-            && m_report(pool) << TEXT(CLIENT) " sees " + Orla::VValueTrait<double>::Text(metres);
+               && m_report(pool) << TEXT(CLIENT) " sees " + Orla::VValueTrait<double>::Text(metres);
     }
 
 private:
@@ -116,8 +113,8 @@ public:
 
 const Orla::VValueType<Shared::Tally> tallyType;
 const Orla::VValueType<Value> valueType;
-const Orla::VValueComponents components{
-    typeid(Value), {Orla::VMemberValue<Value, double, &Value::metres>::component("metres")}};
+const Orla::VValueComponents components{typeid(Value),
+                                        {Orla::VMemberValue<Value, double, &Value::metres>::component("metres")}};
 const Orla::VObjectType<Counter> counterType{TEXT(CLIENT) "Counter"};
 const Orla::VObjectType<Disputed> disputedType{"Disputed"};
 const DisputedCreator disputedCreator;

@@ -14,6 +14,5 @@ static_assert(!std::is_convertible_v<std::string, FileError>);
 TEST(FileError, tellsWhatFailedAndWhy)
 {
     EXPECT_STREQ(FileError("cannot read a: it is a folder").what(), "cannot read a: it is a folder");
-    EXPECT_EQ(FileError("cannot read a", ENOENT).what(),
-              "cannot read a: " + std::generic_category().message(ENOENT));
+    EXPECT_EQ(FileError("cannot read a", ENOENT).what(), "cannot read a: " + std::generic_category().message(ENOENT));
 }

@@ -79,12 +79,21 @@ TEST_F(FileInfoTest, tellsFilesFromDirectoriesAndFromNothing)
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
 
     enum class Kind { Nothing, File, Directory };
-    const struct { const char* what; std::string path; Kind kind; std::uintmax_t size; } cases[] = {
+    const struct {
+        const char* what;
+        std::string path;
+        Kind kind;
+        std::uintmax_t size;
+    } cases[] = {
         {"a file", plain, Kind::File, 5},
         {"an empty file", file("empty", ""), Kind::File, 0},
         {"a hidden file", file(".hidden", "1"), Kind::File, 1},
         {"a name with blanks", file(" a name ", "12"), Kind::File, 2},
-        {"a name beyond ASCII", file("gr\xc3\xbc\xc3\x9f" "e", "123"), Kind::File, 3},
+        {"a name beyond ASCII",
+         file("gr\xc3\xbc\xc3\x9f"
+              "e",
+              "123"),
+         Kind::File, 3},
         {"a directory", folder, Kind::Directory, 0},
         {"a directory and a slash", folder + "/", Kind::Directory, 0},
         {"a file in a directory", file("folder/inner", "1234"), Kind::File, 4},

@@ -24,7 +24,8 @@
 using namespace Loam;
 
 template<class T>
-concept HasText = requires(T value, const char* text, char* buffer) {
+concept HasText = requires(T value, const char* text, char* buffer)
+{
     numberText(value);
     writeNumber(buffer, buffer, value);
     readNumber(text, text, value);
@@ -111,8 +112,7 @@ std::string shown(const std::string& text)
 // whoever reads on.
 class Exact {
 public:
-    explicit Exact(const std::string& text)
-        : m_text{std::make_unique<char[]>(text.size())}, m_size{text.size()}
+    explicit Exact(const std::string& text) : m_text{std::make_unique<char[]>(text.size())}, m_size{text.size()}
     {
         text.copy(m_text.get(), text.size());
     }
@@ -252,7 +252,10 @@ bool hasNoDigitTooMany(const std::string& text, T value)
 
 TEST_P(Numbers, writesTheShortestTextOfADouble)
 {
-    const struct { double value; const char* text; } cases[] = {
+    const struct {
+        double value;
+        const char* text;
+    } cases[] = {
         {45.0, "45"},
         {-45.0, "-45"},
         {0.0, "0"},
@@ -279,7 +282,10 @@ TEST_P(Numbers, writesTheShortestTextOfADouble)
 
 TEST_P(Numbers, writesTheShortestTextOfAFloat)
 {
-    const struct { float value; const char* text; } cases[] = {
+    const struct {
+        float value;
+        const char* text;
+    } cases[] = {
         {45.0f, "45"},
         {-0.0f, "-0"},
         {0.1f, "0.1"},
@@ -359,7 +365,11 @@ TEST_P(Numbers, writesNothingBeyondTheBufferAndAnswersNullIfItIsTooSmall)
 TEST_P(Numbers, readsWhatTheCLocaleCallsANumber)
 {
     using Limits = std::numeric_limits<double>;
-    const struct { std::string text; double value; std::size_t length; } cases[] = {
+    const struct {
+        std::string text;
+        double value;
+        std::size_t length;
+    } cases[] = {
         {"45", 45, 2},
         {"+45.5", 45.5, 5},
         {"-45.5abc", -45.5, 5},
@@ -443,10 +453,42 @@ TEST_P(Numbers, readsWhatTheCLocaleCallsANumber)
 TEST_P(Numbers, keepsItsValueWhereThereIsNoNumber)
 {
     const std::string cases[] = {
-        "",     " ",     "+",    "-",   ".",        "-.",    "e5",   ".e5",     "+-1",
-        "-+1",  "--1",   "+ 1",  "- 1", ",5",       "x1",    "in",   "na",      "i",
-        "-e",   "$1",    "\xa0" "1", "\xe2\x80\x83" "1",   "(1)",  "p1", "-inx",
-        std::string("\0" "1", 2), std::string(" \0" "1", 3), std::string("-\0" "1", 3),
+        "",
+        " ",
+        "+",
+        "-",
+        ".",
+        "-.",
+        "e5",
+        ".e5",
+        "+-1",
+        "-+1",
+        "--1",
+        "+ 1",
+        "- 1",
+        ",5",
+        "x1",
+        "in",
+        "na",
+        "i",
+        "-e",
+        "$1",
+        "\xa0"
+        "1",
+        "\xe2\x80\x83"
+        "1",
+        "(1)",
+        "p1",
+        "-inx",
+        std::string("\0"
+                    "1",
+                    2),
+        std::string(" \0"
+                    "1",
+                    3),
+        std::string("-\0"
+                    "1",
+                    3),
     };
     for (const std::string& text : cases) {
         SCOPED_TRACE(shown(text));
@@ -471,7 +513,11 @@ TEST_P(Numbers, readsNumbersOfAnyLength)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const std::string nines(5000, '9');
-    const struct { const char* what; std::string text; double value; } cases[] = {
+    const struct {
+        const char* what;
+        std::string text;
+        double value;
+    } cases[] = {
         {"many zeros after the point, undone", "0." + zeros(399) + "1e400", 1},
         {"more of them", "0." + zeros(5000) + "1e5001", 1},
         {"more than exponents are often counted to", "0." + zeros(699'999) + "1e700000", 1},
@@ -496,21 +542,22 @@ TEST_P(Numbers, readsNumbersOfAnyLength)
         {"beyond half way by a late digit", "9007199254740993." + zeros(5000) + "1", 9007199254740994},
         {"beyond half way, zeros first", "0." + zeros(5000) + "9007199254740993" + zeros(900) + "1e5016",
          9007199254740994},
-        {"half way, zeros first", "0." + zeros(5000) + "9007199254740993" + zeros(900) + "0e5016",
-         9007199254740992},
-        {"beyond half way, all digits before the point",
-         "9007199254740993" + zeros(5000) + "1e-5001", 9007199254740994},
+        {"half way, zeros first", "0." + zeros(5000) + "9007199254740993" + zeros(900) + "0e5016", 9007199254740992},
+        {"beyond half way, all digits before the point", "9007199254740993" + zeros(5000) + "1e-5001",
+         9007199254740994},
         {"half way to infinity",
          "179769313486231580793728971405303415079934132710037826936173778980444968292764750946649017977587"
          "207096330286416692887910946555547851940402630657488671505820681908902000708383676273854845817711"
          "531764475730270069855571366959622842914819860834936475292719074168444365510704342711559699508093"
-         "042880177904174497792." + zeros(4500),
+         "042880177904174497792."
+             + zeros(4500),
          infinity},
         {"just short of it",
          "179769313486231580793728971405303415079934132710037826936173778980444968292764750946649017977587"
          "207096330286416692887910946555547851940402630657488671505820681908902000708383676273854845817711"
          "531764475730270069855571366959622842914819860834936475292719074168444365510704342711559699508093"
-         "042880177904174497791." + nines,
+         "042880177904174497791."
+             + nines,
          std::numeric_limits<double>::max()},
         {"hexadecimal zeros after the point, undone", "0x0." + zeros(100'000) + "1p400004", 1},
         {"many hexadecimal digits, undone", "0x1" + zeros(100'000) + "p-400000", 1},
@@ -537,9 +584,9 @@ TEST_P(Numbers, readsRandomNumbersInEveryFormAsCDoes)
     Random random(3);
     const char* const forms[] = {"%.17g", "%.6g", "%.3e", "%.20e", "%a", "%A", "%.3a", "%.30a", "%.17G"};
     for (int i = 0; i != 40'000; ++i) {
-        const double value = i % 4 == 0 ? randomDenormal(random)
-            : i % 4 == 1                ? static_cast<double>(randomFloat(random))
-                                        : randomDouble(random);
+        const double value = i % 4 == 0   ? randomDenormal(random)
+                             : i % 4 == 1 ? static_cast<double>(randomFloat(random))
+                                          : randomDouble(random);
         readAsC(print(oneOf(random, forms), value));
         if (i % 50 == 0)
             readAsC(print("%.*f", static_cast<int>(upTo(random, 1200)), value));
@@ -584,8 +631,20 @@ TEST_P(Numbers, readsGarbledNumbersAsCDoes)
 {
     Random random(5);
     const std::string seeds[] = {
-        "1",       "-12.5e-3",  "0x1.8p3",         "infinity",         "nan(123)",  "1e308",     "4.9e-324",
-        "  +0.00", "0X.8P-1074", "123456789012345", "1.7976931348623157e308", "-nan", "0x1p-1074", "1e-400",
+        "1",
+        "-12.5e-3",
+        "0x1.8p3",
+        "infinity",
+        "nan(123)",
+        "1e308",
+        "4.9e-324",
+        "  +0.00",
+        "0X.8P-1074",
+        "123456789012345",
+        "1.7976931348623157e308",
+        "-nan",
+        "0x1p-1074",
+        "1e-400",
     };
     const std::string alphabet("+-..00112345678999eeExXpPinfINFatyNA()_abcdefF \t\n\v\f\r,;\0", 55);
     for (int i = 0; i != 60'000; ++i) {
@@ -593,9 +652,15 @@ TEST_P(Numbers, readsGarbledNumbersAsCDoes)
         for (std::size_t changes = upTo(random, 4); changes != 0; --changes) {
             const std::size_t at = upTo(random, text.size());
             switch (random() % 4) {
-            case 0: text.insert(at, 1, oneOf(random, alphabet)); break;
-            case 1: text.erase(at, 1); break;
-            case 2: text.insert(at, oneOf(random, seeds)); break;
+            case 0:
+                text.insert(at, 1, oneOf(random, alphabet));
+                break;
+            case 1:
+                text.erase(at, 1);
+                break;
+            case 2:
+                text.insert(at, oneOf(random, seeds));
+                break;
             default:
                 if (at < text.size())
                     text[at] = oneOf(random, alphabet);
@@ -631,10 +696,11 @@ TEST_P(Numbers, readsHexadecimalNumbersAsCDoes)
 }
 
 template<class T>
-class IntegerNumbers : public testing::Test {};
+class IntegerNumbers : public testing::Test {
+};
 
-using Integers = testing::Types<short, unsigned short, int, unsigned int, long, unsigned long, long long,
-                                unsigned long long>;
+using Integers =
+    testing::Types<short, unsigned short, int, unsigned int, long, unsigned long, long long, unsigned long long>;
 
 struct IntegerNames {
     template<class T>
@@ -689,14 +755,58 @@ void readIntegerAsC(const std::string& text)
 TYPED_TEST(IntegerNumbers, areReadAsCDoesButNotCutToFit)
 {
     const std::string cases[] = {
-        "0", "-0", "+0", "-000", "7", "-7", "+7", "007", " \t\n\v\f\r7", "7 8", "7.9", "7e3", "0x10", "7,5",
-        "1.000", "-", "+", "+-7", "-+7", "--7", "- 7", "", " ", "x", ".5", "-x",
-        std::string("7\0008", 3), std::string("\0007", 2), zeros(5000) + "12", "-" + zeros(5000),
-        "32767", "32768", "-32768", "-32769", "65535", "65536",
-        "2147483647", "2147483648", "-2147483648", "-2147483649", "4294967295", "4294967296",
-        "9223372036854775807", "9223372036854775808", "-9223372036854775808", "-9223372036854775809",
-        "18446744073709551615", "18446744073709551616", "-18446744073709551616", std::string(5000, '9'),
-        "-" + std::string(5000, '9'), "99999999999999999999x",
+        "0",
+        "-0",
+        "+0",
+        "-000",
+        "7",
+        "-7",
+        "+7",
+        "007",
+        " \t\n\v\f\r7",
+        "7 8",
+        "7.9",
+        "7e3",
+        "0x10",
+        "7,5",
+        "1.000",
+        "-",
+        "+",
+        "+-7",
+        "-+7",
+        "--7",
+        "- 7",
+        "",
+        " ",
+        "x",
+        ".5",
+        "-x",
+        std::string("7\0008", 3),
+        std::string("\0007", 2),
+        zeros(5000) + "12",
+        "-" + zeros(5000),
+        "32767",
+        "32768",
+        "-32768",
+        "-32769",
+        "65535",
+        "65536",
+        "2147483647",
+        "2147483648",
+        "-2147483648",
+        "-2147483649",
+        "4294967295",
+        "4294967296",
+        "9223372036854775807",
+        "9223372036854775808",
+        "-9223372036854775808",
+        "-9223372036854775809",
+        "18446744073709551615",
+        "18446744073709551616",
+        "-18446744073709551616",
+        std::string(5000, '9'),
+        "-" + std::string(5000, '9'),
+        "99999999999999999999x",
     };
     for (const std::string& text : cases)
         readIntegerAsC<TypeParam>(text);
@@ -723,8 +833,8 @@ TYPED_TEST(IntegerNumbers, refuseAMinusSignWithoutASignedType)
 TYPED_TEST(IntegerNumbers, readBackWhatTheyWrote)
 {
     Random random(8);
-    std::vector<TypeParam> values{0, 1, 9, 10, std::numeric_limits<TypeParam>::min(),
-                                  std::numeric_limits<TypeParam>::max()};
+    std::vector<TypeParam> values{
+        0, 1, 9, 10, std::numeric_limits<TypeParam>::min(), std::numeric_limits<TypeParam>::max()};
     for (int i = 0; i != 5000; ++i)
         values.push_back(static_cast<TypeParam>(random() >> random() % 64));
     for (const TypeParam value : values) {
@@ -749,7 +859,11 @@ TEST_P(Numbers, formatsAsPrintfDoes)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const double nan = std::copysign(std::numeric_limits<double>::quiet_NaN(), 1.0);
-    const struct { double value; const char* g; const char* f; } cases[] = {
+    const struct {
+        double value;
+        const char* g;
+        const char* f;
+    } cases[] = {
         {0, "0", "0.000000"},
         {-0.0, "-0", "-0.000000"},
         {0.1, "0.1", "0.100000"},

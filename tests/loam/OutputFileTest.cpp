@@ -78,7 +78,7 @@ TEST(OutputFile, keepsThePermissionsOfTheFileThatItReplaces)
     OutputFile output{folder.file("result")};
     output.write("new");
     output.commit();
-    struct stat status{};
+    struct stat status {};
     ASSERT_EQ(::stat(folder.file("result").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777u, 0666u);
     EXPECT_EQ(contentOf(folder.file("result")), "new");
@@ -131,8 +131,7 @@ TEST(OutputFile, namesTheFileThatCannotBeWritten)
 {
     const TestFolder folder;
     folder.write("file", "");
-    EXPECT_EQ(failureOf(folder.file("no/result")),
-              "cannot write " + folder.file("no/result") + ": " + reason(ENOENT));
+    EXPECT_EQ(failureOf(folder.file("no/result")), "cannot write " + folder.file("no/result") + ": " + reason(ENOENT));
     EXPECT_EQ(failureOf(folder.file("file/result")),
               "cannot write " + folder.file("file/result") + ": " + reason(ENOTDIR));
     EXPECT_EQ(failureOf(folder.path()), "cannot write " + folder.path() + ": " + reason(EISDIR));

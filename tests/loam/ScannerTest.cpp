@@ -52,11 +52,14 @@ Scanned byScanner(const std::string& text)
 TEST(Scanner, readsLikeSscanfOfTheCLocale)
 {
     const InClassicLocale classic;
-    for (const char* text :
-         {"1,2", " 1,\n\t2", "1 ,2", "+1,-2", "1e5,2", "1e,2", "1e+,2", "1e+5e,2", "1.2.3,4", ".,1", ".5,5.", "0x,1",
-          "0x1p3,2", "0x1p,2", "0x.8,2", "0xg,1", "inf,nan", "infinity,INF", "infinit,1", "infi,1", "in,1", "nan(1),2",
-          "na,1", "-inf,-nan", "", " ", "-", "+-1,2", "1e400,1e-400", "1,", ",1", "e5,1", "00012,0x0012", "1,2,3",
-          "1\v,\f2", "--1", "1e5.5,2", "0x1e+3,2", "0x1.8p-1,2", "0X1P3,0XA"}) {
+    for (const char* text : {"1,2",   " 1,\n\t2", "1 ,2",         "+1,-2",        "1e5,2",
+                             "1e,2",  "1e+,2",    "1e+5e,2",      "1.2.3,4",      ".,1",
+                             ".5,5.", "0x,1",     "0x1p3,2",      "0x1p,2",       "0x.8,2",
+                             "0xg,1", "inf,nan",  "infinity,INF", "infinit,1",    "infi,1",
+                             "in,1",  "nan(1),2", "na,1",         "-inf,-nan",    "",
+                             " ",     "-",        "+-1,2",        "1e400,1e-400", "1,",
+                             ",1",    "e5,1",     "00012,0x0012", "1,2,3",        "1\v,\f2",
+                             "--1",   "1e5.5,2",  "0x1e+3,2",     "0x1.8p-1,2",   "0X1P3,0XA"}) {
         SCOPED_TRACE(text);
         EXPECT_EQ(byScanner(text), byTheLibrary(text));
     }

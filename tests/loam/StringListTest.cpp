@@ -65,7 +65,12 @@ TEST(StringList, findsTheFirstExactlyEqualString)
         std::string string;
         std::size_t place;
     } cases[] = {
-        {"one", 0}, {"two", 1}, {"", 3}, {"Three", 4}, {"three", StringList::npos}, {"tw", StringList::npos},
+        {"one", 0},
+        {"two", 1},
+        {"", 3},
+        {"Three", 4},
+        {"three", StringList::npos},
+        {"tw", StringList::npos},
         {std::string("two\0", 4), StringList::npos},
     };
     for (const auto& [string, place] : cases) {

@@ -36,7 +36,11 @@ std::string withNul(const char (&text)[4])
 
 TEST(StringUtil, splitsAtEverySeparatorAndDropsAnEmptyLastPiece)
 {
-    const struct { const char* text; Pieces kept; Pieces filled; } cases[] = {
+    const struct {
+        const char* text;
+        Pieces kept;
+        Pieces filled;
+    } cases[] = {
         {"", {}, {}},
         {",", {""}, {}},
         {",,", {"", ""}, {}},
@@ -61,7 +65,11 @@ TEST(StringUtil, splitsAtEverySeparatorAndDropsAnEmptyLastPiece)
 
 TEST(StringUtil, doesNotSplitBetweenQuotesAndKeepsThem)
 {
-    const struct { const char* text; Pieces kept; Pieces filled; } cases[] = {
+    const struct {
+        const char* text;
+        Pieces kept;
+        Pieces filled;
+    } cases[] = {
         {"", {}, {}},
         {"'a,b',c", {"'a,b'", "c"}, {"'a,b'", "c"}},
         {"a'b,c'd,e", {"a'b,c'd", "e"}, {"a'b,c'd", "e"}},
@@ -109,7 +117,11 @@ TEST(StringUtil, appendsToWhatIsThere)
 
 TEST(StringUtil, cropsBeforeTheFirstOccurrenceOrNothing)
 {
-    const struct { std::string text; char c; std::string rest; } cases[] = {
+    const struct {
+        std::string text;
+        char c;
+        std::string rest;
+    } cases[] = {
         {"{1,2,3}", ',', "2,3}"},
         {"2,3}", ',', "3}"},
         {"3}", ',', "3}"},

@@ -54,8 +54,8 @@ TEST(TypeInfo, isTheTypeItWasMadeFrom)
 
 TEST(TypeInfo, isOrderedAsTypesAre)
 {
-    const std::vector<TypeInfo> types{typeid(int), typeid(double), typeid(Orla::VTime), typeid(std::string),
-                                      typeid(Local), typeid(Local*)};
+    const std::vector<TypeInfo> types{typeid(int),         typeid(double), typeid(Orla::VTime),
+                                      typeid(std::string), typeid(Local),  typeid(Local*)};
     for (const TypeInfo& a : types) {
         for (const TypeInfo& b : types) {
             EXPECT_EQ(a < b, a.info().before(b.info()));

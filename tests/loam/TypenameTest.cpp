@@ -34,7 +34,8 @@ namespace Orla {
 struct VTime {
     struct Unit {};
     template<class T>
-    struct Of {};
+    struct Of {
+    };
 
     auto operator<(int) const
     {
@@ -71,20 +72,25 @@ struct Hidden {};
 
 inline namespace v2 {
 
-struct [[gnu::abi_tag("new")]] Tagged {};
+struct [[gnu::abi_tag("new")]] Tagged{};
 
 } // namespace v2
 
 template<class T, class Allocator = std::allocator<T>>
-struct Grid {};
+struct Grid {
+};
 template<class... T>
-struct Pack {};
+struct Pack {
+};
 template<int number, char letter, Direction direction, bool truth, unsigned long long large>
-struct Values {};
+struct Values {
+};
 template<auto function>
-struct Caller {};
+struct Caller {
+};
 template<template<class...> class Template>
-struct OfTemplate {};
+struct OfTemplate {
+};
 
 inline auto local()
 {
@@ -113,7 +119,8 @@ namespace {
 
 struct Unnamed {};
 template<class T>
-struct UnnamedOf {};
+struct UnnamedOf {
+};
 
 // A type as another library brings it, under a name of the compiler's.
 class ForeignType : public std::type_info {
@@ -135,7 +142,10 @@ TEST(Typename, isThePlainNameOfATypeThatWasNotNamed)
     using Orla::VTime;
     using Time = VTime;
 
-    const struct { const std::type_info& type; const char* name; } cases[] = {
+    const struct {
+        const std::type_info& type;
+        const char* name;
+    } cases[] = {
         {typeid(bool), "bool"},
         {typeid(unsigned long long), "unsigned long long"},
         {typeid(double), "double"},
@@ -158,13 +168,13 @@ TEST(Typename, isThePlainNameOfATypeThatWasNotNamed)
         {typeid(VTime* const*), "VTime* const*"},
         {typeid(Orla::VObject*), "VObject*"},
         {typeid(VTime[3]), "VTime[3]"},
-        {typeid(VTime (*)[3][4]), "VTime(*)[3][4]"},
+        {typeid(VTime(*)[3][4]), "VTime(*)[3][4]"},
         {typeid(void (*)(VTime, const VDate&)), "void(*)(VTime,VDate const&)"},
         {typeid(VTime(int)), "VTime(int)"},
-        {typeid(VTime (VDate::*)(int) const), "VTime(VDate::*)(int) const"},
+        {typeid(VTime(VDate::*)(int) const), "VTime(VDate::*)(int) const"},
         {typeid(VTime VDate::*), "VTime VDate::*"},
         {typeid(VTime::Unit VTime::*), "Unit VTime::*"},
-        {typeid(std::function<VTime&(VDate&&)>), "function<VTime&(VDate&&)>"},
+        {typeid(std::function<VTime&(VDate &&)>), "function<VTime&(VDate&&)>"},
         {typeid(std::function<void()>), "function<void()>"},
 
         {typeid(string), "string"},
@@ -211,8 +221,7 @@ TEST(Typename, isThePlainNameOfATypeThatWasNotNamed)
         {typeid(Orla::Grid<VTime>), "Grid<VTime>"},
         {typeid(Orla::Pack<>), "Pack<>"},
         {typeid(Orla::Pack<int, std::vector<int>>), "Pack<int,vector<int>>"},
-        {typeid(Orla::Values<-3, 'x', Orla::Direction::Right, true, 7>),
-         "Values<-3,(char)120,(Direction)1,true,7>"},
+        {typeid(Orla::Values<-3, 'x', Orla::Direction::Right, true, 7>), "Values<-3,(char)120,(Direction)1,true,7>"},
         {typeid(Orla::Caller<&Orla::lambda>), "Caller<&lambda>"},
         {typeid(Orla::OfTemplate<std::vector>), "OfTemplate<vector>"},
         {typeid(StrongPtr<VTime>), "StrongPtr<VTime>"},
@@ -312,7 +321,10 @@ TEST(Typename, isTheCompilersNameWhereThatHasNoMeaning)
 
 TEST(Typename, isTheReadableNameWhereItsFormIsUnknown)
 {
-    const struct { const char* mangled; const char* name; } cases[] = {
+    const struct {
+        const char* mangled;
+        const char* name;
+    } cases[] = {
         {"3a,b", "a,b"},
         {"3a)b", "a)b"},
         {"3a<b", "a<b #2"}, // a name that was there already

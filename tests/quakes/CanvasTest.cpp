@@ -32,8 +32,7 @@ std::string drawing(PictureFormat format)
     canvas.beginClip({60, 10, 20, 20});
     canvas.fill({50, 0, 70, 80}, blue);
     canvas.endClip();
-    canvas.fill({{{60, 40}, {80, 40}, {80, 60}, {60, 60}}},
-                Canvas::RadialColors{{70, 50}, 0, red, {70, 50}, 8, blue});
+    canvas.fill({{{60, 40}, {80, 40}, {80, 60}, {60, 60}}}, Canvas::RadialColors{{70, 50}, 0, red, {70, 50}, 8, blue});
     canvas.fill({90, 10, 20, 10}, std::vector<Canvas::Color>{red, white, blue});
     canvas.stroke({{{90, 30}, {110, 30}}}, blue, 2);
     canvas.circle({100, 50}, 6, red, blue, 2);

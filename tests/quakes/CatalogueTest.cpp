@@ -45,16 +45,25 @@ std::vector<std::string> ids(const Catalogue& catalogue)
     return result;
 }
 
-const Quake amboy{1517363399.65, -122.197, 46.2035, 3.28, 0.31, "ml", "uw", "uw61345682",
-                  "37km NNE of Amboy, Washington", "earthquake", "https://example.org/uw61345682"};
+const Quake amboy{1517363399.65,
+                  -122.197,
+                  46.2035,
+                  3.28,
+                  0.31,
+                  "ml",
+                  "uw",
+                  "uw61345682",
+                  "37km NNE of Amboy, Washington",
+                  "earthquake",
+                  "https://example.org/uw61345682"};
 const std::string amboyText = "1517363399.65,-122.197,46.2035,3.28,0.31,ml,uw,uw61345682,"
                               "\"37km NNE of Amboy, Washington\",earthquake,https://example.org/uw61345682\n";
 
 std::vector<Catalogue> samples()
 {
     std::vector<Quake> odd;
-    for (const char* place : {"", " ", ",", "\"", "\"\"", "\"quoted\"", "a\nb", "a\r\nb", "\r", "\n",
-                              "a\"b,c\nd", "Réunion, “île”", "trailing,", "'", ";\t\\"}) {
+    for (const char* place : {"", " ", ",", "\"", "\"\"", "\"quoted\"", "a\nb", "a\r\nb", "\r", "\n", "a\"b,c\nd",
+                              "Réunion, “île”", "trailing,", "'", ";\t\\"}) {
         odd.push_back(amboy);
         odd.back().place = place;
         odd.back().id = place;
@@ -64,30 +73,24 @@ std::vector<Catalogue> samples()
     odd.back().place = std::string("a\0b", 3);
 
     std::vector<Quake> extreme;
-    for (const double number : {0.0, -0.0, 1.0 / 3, -0.1, 1e-310, std::numeric_limits<double>::denorm_min(),
-                                std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest(),
-                                1517363399.65, 1517966773.84}) {
+    for (const double number :
+         {0.0, -0.0, 1.0 / 3, -0.1, 1e-310, std::numeric_limits<double>::denorm_min(),
+          std::numeric_limits<double>::max(), std::numeric_limits<double>::lowest(), 1517363399.65, 1517966773.84}) {
         extreme.push_back(Quake{number, number, number, number, number, "", "", "", "", "", ""});
         extreme.push_back(Quake{number, number, number, std::nullopt, number, "", "", "", "", "", ""});
         extreme.push_back(Quake{number, number, number, number, std::nullopt, "", "", "", "", "", ""});
     }
     const Catalogue three{{quake("late", 2, 5), quake("early", 1, 3), quake("middle", 1.5)}};
-    return {Catalogue{},
-            Catalogue{std::vector<Quake>{}},
-            Catalogue{{amboy}},
-            Catalogue{{Quake{}}},
-            Catalogue{odd},
-            Catalogue{extreme},
-            three.withMagnitude(Range{0, 9}),
-            three.until(1.7)};
+    return {
+        Catalogue{},        Catalogue{std::vector<Quake>{}},  Catalogue{{amboy}}, Catalogue{{Quake{}}}, Catalogue{odd},
+        Catalogue{extreme}, three.withMagnitude(Range{0, 9}), three.until(1.7)};
 }
 
 } // namespace
 
 TEST(Catalogue, isSortedByTimeAndKeepsTheOrderOfEventsOfTheSameTime)
 {
-    const Catalogue catalogue{
-        {quake("d", 4), quake("b1", 2), quake("a", -1), quake("b2", 2), quake("b3", 2)}};
+    const Catalogue catalogue{{quake("d", 4), quake("b1", 2), quake("a", -1), quake("b2", 2), quake("b3", 2)}};
     EXPECT_THAT(ids(catalogue), ElementsAre("a", "b1", "b2", "b3", "d"));
 }
 
@@ -102,19 +105,16 @@ TEST(Catalogue, isEmptyUntilGivenEvents)
 
 TEST(Catalogue, endsWithTheEventAtTheTimeItself)
 {
-    const Catalogue catalogue{
-        {quake("a", -10), quake("b", 0), quake("c", 20.5), quake("d", 20.5), quake("e", 1e9)}};
-    const struct { double time; std::size_t count; } cases[] = {
-        {-infinity, 0},
-        {std::nextafter(-10, -infinity), 0},
-        {-10, 1},
-        {std::nextafter(0, -1), 1},
-        {-0.0, 2},
-        {20, 2},
-        {20.5, 4},
-        {std::nextafter(1e9, 0), 4},
-        {1e9, 5},
-        {infinity, 5},
+    const Catalogue catalogue{{quake("a", -10), quake("b", 0), quake("c", 20.5), quake("d", 20.5), quake("e", 1e9)}};
+    const struct {
+        double time;
+        std::size_t count;
+    } cases[] = {
+        {-infinity, 0},  {std::nextafter(-10, -infinity), 0},
+        {-10, 1},        {std::nextafter(0, -1), 1},
+        {-0.0, 2},       {20, 2},
+        {20.5, 4},       {std::nextafter(1e9, 0), 4},
+        {1e9, 5},        {infinity, 5},
         {notANumber, 0},
     };
     for (const auto& [time, count] : cases) {
@@ -131,7 +131,10 @@ TEST(Catalogue, selectsMagnitudesBetweenBothEndsIncluded)
     const Catalogue catalogue{{quake("none", 0), quake("negative", 1, -0.8), quake("zero", 2, 0.0),
                                quake("below", 3, std::nextafter(4.5, 0)), quake("at", 4, 4.5),
                                quake("above", 5, std::nextafter(4.5, 9)), quake("huge", 6, 9.5)}};
-    const struct { Range range; std::vector<std::string> selected; } cases[] = {
+    const struct {
+        Range range;
+        std::vector<std::string> selected;
+    } cases[] = {
         {{-infinity, infinity}, {"none", "negative", "zero", "below", "at", "above", "huge"}},
         {{4.5, 10}, {"at", "above", "huge"}},
         {{0, 4.5}, {"zero", "below", "at"}},
@@ -196,18 +199,12 @@ TEST(Catalogue, equalsOneWithTheSameEventsWhereverTheyComeFrom)
 TEST(Catalogue, differsIfAnyPartOfAnEventDiffers)
 {
     const std::vector<std::function<void(Quake&)>> changes{
-        [](Quake& event) { event.time += 0.001; },
-        [](Quake& event) { event.longitude = 0; },
-        [](Quake& event) { event.latitude = 0; },
-        [](Quake& event) { event.depth = 0; },
-        [](Quake& event) { event.depth.reset(); },
-        [](Quake& event) { event.magnitude = 0; },
-        [](Quake& event) { event.magnitude.reset(); },
-        [](Quake& event) { event.magnitudeType = "md"; },
-        [](Quake& event) { event.net = "ci"; },
-        [](Quake& event) { event.id = ""; },
-        [](Quake& event) { event.place = "elsewhere"; },
-        [](Quake& event) { event.type = "explosion"; },
+        [](Quake& event) { event.time += 0.001; },       [](Quake& event) { event.longitude = 0; },
+        [](Quake& event) { event.latitude = 0; },        [](Quake& event) { event.depth = 0; },
+        [](Quake& event) { event.depth.reset(); },       [](Quake& event) { event.magnitude = 0; },
+        [](Quake& event) { event.magnitude.reset(); },   [](Quake& event) { event.magnitudeType = "md"; },
+        [](Quake& event) { event.net = "ci"; },          [](Quake& event) { event.id = ""; },
+        [](Quake& event) { event.place = "elsewhere"; }, [](Quake& event) { event.type = "explosion"; },
         [](Quake& event) { event.url = "file:///"; },
     };
     for (std::size_t i = 0; i < changes.size(); ++i) {
@@ -248,8 +245,7 @@ TEST(Catalogue, writesALineForEachEvent)
     Quake unknown;
     unknown.time = 1517363400;
     unknown.place = "say \"ah\"\n";
-    EXPECT_EQ(Trait::Text(Catalogue{{unknown, amboy}}),
-              amboyText + "1517363400,0,0,,,,,,\"say \"\"ah\"\"\n\",,\n");
+    EXPECT_EQ(Trait::Text(Catalogue{{unknown, amboy}}), amboyText + "1517363400,0,0,,,,,,\"say \"\"ah\"\"\n\",,\n");
 }
 
 TEST(Catalogue, readsWhatOtherProgramsWrite)
@@ -259,9 +255,12 @@ TEST(Catalogue, readsWhatOtherProgramsWrite)
     earlier.time = 0;
     const Catalogue two{{earlier, amboy}};
     const std::string line = amboyText.substr(0, amboyText.size() - 1);
-    const std::string earlierLine =
-        "0,-122.197,46.2035,3.28,0.31,ml,uw,uw61345682,\"37km NNE of Amboy, Washington\",earthquake,https://example.org/uw61345682";
-    const struct { std::string text; Catalogue catalogue; } cases[] = {
+    const std::string earlierLine = "0,-122.197,46.2035,3.28,0.31,ml,uw,uw61345682,\"37km NNE of Amboy, "
+                                    "Washington\",earthquake,https://example.org/uw61345682";
+    const struct {
+        std::string text;
+        Catalogue catalogue;
+    } cases[] = {
         {line, one},
         {line + "\r\n", one},
         {line + "\n" + earlierLine, two},
@@ -289,7 +288,10 @@ TEST(Catalogue, keepsItsValueWhenTheTextIsRefused)
     ASSERT_TRUE(Trait::setValueFromText(catalogue, line)) << "each row below spoils this";
 
     for (const std::string& text : std::vector<std::string>{
-             "\n", ",", " ", "earthquakes",
+             "\n",
+             ",",
+             " ",
+             "earthquakes",
              "1,2,3,4,5,ml,uw,id,place,earthquake",   // ten parts
              "1,2,3,4,5,ml,uw,id,place,earthquake,,", // twelve
              ",2,3,4,5,ml,uw,id,place,earthquake,",   // no time
@@ -324,8 +326,7 @@ TEST(Catalogue, keepsItsValueWhenTheTextIsRefused)
 TEST(Catalogue, isKnownByItsNameAsValueAndAsInput)
 {
     bool ok = false;
-    const Orla::StrongPtr<Orla::VValueBase> value =
-        Orla::VValueCreator::createValue("Catalogue", amboyText, ok);
+    const Orla::StrongPtr<Orla::VValueBase> value = Orla::VValueCreator::createValue("Catalogue", amboyText, ok);
     ASSERT_TRUE(ok);
     EXPECT_EQ(value->Text(), amboyText);
     EXPECT_TRUE(Orla::TypedSlotCreator::find(typeid(Catalogue)));

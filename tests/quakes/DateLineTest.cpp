@@ -43,7 +43,7 @@ std::vector<Ring> cut(const Ring& ring)
         rings.push_back(fromItsLeast(found));
     std::sort(rings.begin(), rings.end(), [](const Ring& a, const Ring& b) {
         return a.front().longitude < b.front().longitude
-            || (a.front().longitude == b.front().longitude && a.front().latitude < b.front().latitude);
+               || (a.front().longitude == b.front().longitude && a.front().latitude < b.front().latitude);
     });
     return rings;
 }
@@ -93,8 +93,7 @@ TEST(DateLine, cutsARingInTwo)
 // From 178 to -176 the date line lies a third of the way.
 TEST(DateLine, cutsSlantingSegmentsWhereTheyCross)
 {
-    const std::vector<Ring> expected{{{-180, 2}, {-176, 6}, {-180, 6}},
-                                     {{178, 0}, {180, 2}, {180, 6}, {178, 6}}};
+    const std::vector<Ring> expected{{{-180, 2}, {-176, 6}, {-180, 6}}, {{178, 0}, {180, 2}, {180, 6}, {178, 6}}};
     EXPECT_EQ(cut({{178, 0}, {-176, 6}, {178, 6}}), expected);
 }
 
@@ -106,15 +105,23 @@ TEST(DateLine, cutsARingIntoAsManyPartsAsItHas)
     ASSERT_EQ(rings.size(), 3u);
     EXPECT_EQ(rings[0], (Ring{{-180, 0}, {-170, 0}, {-170, 2}, {-180, 2}}));
     EXPECT_EQ(rings[1], (Ring{{-180, 4}, {-170, 4}, {-170, 6}, {-180, 6}}));
-    EXPECT_EQ(rings[2],
-              (Ring{{170, 0}, {180, 0}, {180, 2}, {175, 2}, {175, 4}, {180, 4}, {180, 6}, {170, 6}}));
+    EXPECT_EQ(rings[2], (Ring{{170, 0}, {180, 0}, {180, 2}, {175, 2}, {175, 4}, {180, 4}, {180, 6}, {170, 6}}));
 }
 
 TEST(DateLine, continuesARingAroundAPoleToThePole)
 {
     const Ring south{{-135, -60}, {-45, -60}, {45, -60}, {135, -60}};
-    const std::vector<Ring> southern{{{-180, -90}, {-90, -90}, {0, -90}, {90, -90}, {180, -90}, {180, -60},
-                                      {135, -60}, {45, -60}, {-45, -60}, {-135, -60}, {-180, -60}}};
+    const std::vector<Ring> southern{{{-180, -90},
+                                      {-90, -90},
+                                      {0, -90},
+                                      {90, -90},
+                                      {180, -90},
+                                      {180, -60},
+                                      {135, -60},
+                                      {45, -60},
+                                      {-45, -60},
+                                      {-135, -60},
+                                      {-180, -60}}};
     EXPECT_EQ(cut(south), southern);
     EXPECT_EQ(cut(reversed(south)), southern);
     EXPECT_DOUBLE_EQ(planarArea(southern), 360 * 30);
@@ -145,8 +152,7 @@ TEST(DateLine, takesSegmentsAlongItForTheFrame)
               (std::vector<Ring>{{{-180, 0}, {-170, 0}, {-170, 10}, {-180, 10}}}));
     // A ring around the pole that goes along the date line to the pole and back.
     EXPECT_DOUBLE_EQ(
-        planarArea(cut({{-180, -90}, {-180, -80}, {-90, -80}, {0, -80}, {90, -80}, {180, -80}, {180, -90}})),
-        360 * 10);
+        planarArea(cut({{-180, -90}, {-180, -80}, {-90, -80}, {0, -80}, {90, -80}, {180, -80}, {180, -90}})), 360 * 10);
 }
 
 TEST(DateLine, cutsAtPlacesThatLieOnIt)
@@ -193,8 +199,7 @@ TEST(DateLine, cutsLinesAndKeepsThoseAlongIt)
         {{{180, 0}, {-170, 10}}, {{{-180, 0}, {-170, 10}}}},
         {{{-170, 0}, {180, 10}}, {{{-170, 0}, {-180, 10}}}},
         {{{180, -90}, {180, 0}, {180, 90}}, {{{180, -90}, {180, 0}, {180, 90}}}},
-        {{{170, 0}, {-180, 0}, {180, 5}, {-170, 5}},
-         {{{170, 0}, {180, 0}, {180, 5}}, {{-180, 5}, {-170, 5}}}},
+        {{{170, 0}, {-180, 0}, {180, 5}, {-170, 5}}, {{{170, 0}, {180, 0}, {180, 5}}, {{-180, 5}, {-170, 5}}}},
         {{{-180, 0}, {-60, 0}, {60, 0}, {180, 0}}, {{{-180, 0}, {-60, 0}, {60, 0}, {180, 0}}}},
     };
     for (const auto& [line, expected] : cases) {
@@ -254,8 +259,7 @@ TEST_F(Land, hasNoSegmentAcrossTheMapOnceItIsCut)
             }
         }
     }
-    EXPECT_EQ(across, 7u)
-        << "that many there are in the file, over Antarctica, Fiji, Wrangel Island and Chukotka";
+    EXPECT_EQ(across, 7u) << "that many there are in the file, over Antarctica, Fiji, Wrangel Island and Chukotka";
 }
 
 // The whole: summed up apart from this code, by spherical triangles of segments cut
@@ -292,14 +296,22 @@ TEST_F(Land, isWhereItShouldBe)
         double latitude;
         bool isLand;
     } cases[] = {
-        {"south pole", 0, -90 + 1e-9, true},   {"Antarctica at the date line", 180, -85.5, true},
-        {"Antarctica", 179.9, -89, true},      {"Antarctica, west", -179.9, -89, true},
-        {"north pole", 0, 90, false},          {"Chukotka east of the date line", -175, 67, true},
-        {"Chukotka west of it", 175, 68, true}, {"Wrangel Island", 179.9, 71.2, true},
-        {"Wrangel Island, east", -179, 71.2, true}, {"Brazil", -55, -10, true},
-        {"Pacific", -140, 0, false},           {"Pacific at the date line", 180, 0, false},
-        {"Caspian Sea", 51, 42, false},        {"Kazakhstan", 66, 48, true},
-        {"Sahara", 10, 23, true},              {"Indian Ocean", 80, -30, false},
+        {"south pole", 0, -90 + 1e-9, true},
+        {"Antarctica at the date line", 180, -85.5, true},
+        {"Antarctica", 179.9, -89, true},
+        {"Antarctica, west", -179.9, -89, true},
+        {"north pole", 0, 90, false},
+        {"Chukotka east of the date line", -175, 67, true},
+        {"Chukotka west of it", 175, 68, true},
+        {"Wrangel Island", 179.9, 71.2, true},
+        {"Wrangel Island, east", -179, 71.2, true},
+        {"Brazil", -55, -10, true},
+        {"Pacific", -140, 0, false},
+        {"Pacific at the date line", 180, 0, false},
+        {"Caspian Sea", 51, 42, false},
+        {"Kazakhstan", 66, 48, true},
+        {"Sahara", 10, 23, true},
+        {"Indian Ocean", 80, -30, false},
     };
     for (const auto& [name, longitude, latitude, expected] : cases)
         EXPECT_EQ(isLand(longitude, latitude), expected) << name;

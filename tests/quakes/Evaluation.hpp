@@ -40,8 +40,8 @@ private:
 
 /// The input's own variable in \p pool becomes \p value.
 template<class T>
-void write(const Orla::VObject& object, const std::string& input,
-           const Orla::StrongPtr<Orla::ValuePool>& pool, const T& value)
+void write(const Orla::VObject& object, const std::string& input, const Orla::StrongPtr<Orla::ValuePool>& pool,
+           const T& value)
 {
     const Orla::StrongPtr<Orla::VSlot> slot = object.findSlot(input);
     ASSERT_TRUE(slot) << input;
@@ -75,8 +75,7 @@ inline void connect(Orla::VObject& reader, const std::string& input, const Orla:
                     const std::string& output)
 {
     std::string reason;
-    EXPECT_TRUE(reader.attachOutput(source.findOutput(output), reader.findSlot(input), "", &reason))
-        << reason;
+    EXPECT_TRUE(reader.attachOutput(source.findOutput(output), reader.findSlot(input), "", &reason)) << reason;
 }
 
 /// One object in a pool, which keeps its own time.
@@ -84,8 +83,8 @@ class Evaluation {
 public:
     explicit Evaluation(const std::string& objectType)
         : object{Orla::VObject::createObject(
-              objectType, objectType,
-              Orla::StrongPtr<Orla::VCreationPreferences>(new Orla::VCreationPreferences("local", "")))}
+            objectType, objectType,
+            Orla::StrongPtr<Orla::VCreationPreferences>(new Orla::VCreationPreferences("local", "")))}
     {
         if (!object)
             throw std::runtime_error{"there is no object type " + objectType};

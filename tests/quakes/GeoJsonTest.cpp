@@ -82,11 +82,27 @@ TEST(GeoJson, readsEveryEventOfTheWeek)
     ASSERT_TRUE(week);
     ASSERT_EQ(week->size(), 1707u);
 
-    const Quake first{1517363399.65, -122.197, 46.2035, 3.28, 0.31, "ml", "uw", "uw61345682",
-                      "37km NNE of Amboy, Washington", "earthquake",
+    const Quake first{1517363399.65,
+                      -122.197,
+                      46.2035,
+                      3.28,
+                      0.31,
+                      "ml",
+                      "uw",
+                      "uw61345682",
+                      "37km NNE of Amboy, Washington",
+                      "earthquake",
                       "https://earthquake.usgs.gov/earthquakes/eventpage/uw61345682"};
-    const Quake last{1517966773.84, -118.6671667, 34.4945, 26.49, 2, "ml", "ci", "ci37868143",
-                     "4km W of Castaic, CA", "earthquake",
+    const Quake last{1517966773.84,
+                     -118.6671667,
+                     34.4945,
+                     26.49,
+                     2,
+                     "ml",
+                     "ci",
+                     "ci37868143",
+                     "4km W of Castaic, CA",
+                     "earthquake",
                      "https://earthquake.usgs.gov/earthquakes/eventpage/ci37868143"};
     EXPECT_EQ((*week)[0], first);
     EXPECT_EQ((*week)[1706], last);
@@ -113,11 +129,10 @@ TEST(GeoJson, readsEveryEventOfTheWeek)
         eastern += event.longitude > 0;
         depths += event.depth.value();
     }
-    EXPECT_THAT(perDay, ElementsAre(Pair(1517356800, 198), Pair(1517443200, 231), Pair(1517529600, 242),
-                                    Pair(1517616000, 259), Pair(1517702400, 301), Pair(1517788800, 249),
-                                    Pair(1517875200, 213), Pair(1517961600, 14)));
-    EXPECT_THAT(perType,
-                ElementsAre(Pair("earthquake", 1679), Pair("explosion", 15), Pair("quarry blast", 13)));
+    EXPECT_THAT(perDay,
+                ElementsAre(Pair(1517356800, 198), Pair(1517443200, 231), Pair(1517529600, 242), Pair(1517616000, 259),
+                            Pair(1517702400, 301), Pair(1517788800, 249), Pair(1517875200, 213), Pair(1517961600, 14)));
+    EXPECT_THAT(perType, ElementsAre(Pair("earthquake", 1679), Pair("explosion", 15), Pair("quarry blast", 13)));
     EXPECT_EQ(negative, 44);
     EXPECT_EQ(unknown, 0);
     EXPECT_EQ(strong, 85);
@@ -137,11 +152,11 @@ TEST(GeoJson, readsTheWeekBackFromItsTextForm)
 
 TEST(GeoJson, leavesOutWhatIsNullOrMissing)
 {
-    const TemporaryFile file{collection(
-        R"({"type":"Feature","id":"null","properties":{"time":2000,"mag":null,"magType":null,"net":null,)"
-        R"("place":null,"type":null},"geometry":{"type":"Point","coordinates":[1,2,null]}},)"
-        R"({"type":"Feature","id":"missing","properties":{"time":-1},)"
-        R"("geometry":{"type":"Point","coordinates":[-1.5,2e1]}})")};
+    const TemporaryFile file{
+        collection(R"({"type":"Feature","id":"null","properties":{"time":2000,"mag":null,"magType":null,"net":null,)"
+                   R"("place":null,"type":null},"geometry":{"type":"Point","coordinates":[1,2,null]}},)"
+                   R"({"type":"Feature","id":"missing","properties":{"time":-1},)"
+                   R"("geometry":{"type":"Point","coordinates":[-1.5,2e1]}})")};
     const Catalogue catalogue = readGeoJson(file.name()).value();
     EXPECT_EQ(catalogue, (Catalogue{{Quake{-0.001, -1.5, 20, {}, {}, "", "", "missing", "", "", ""},
                                      Quake{2, 1, 2, {}, {}, "", "", "null", "", "", ""}}}));
@@ -164,7 +179,10 @@ TEST(GeoJson, readsACollectionWithoutEvents)
 
 TEST(GeoJson, turnsMillisecondsIntoTheNearestNumberOfSeconds)
 {
-    const struct { const char* milliseconds; double seconds; } cases[] = {
+    const struct {
+        const char* milliseconds;
+        double seconds;
+    } cases[] = {
         {"0", 0},
         {"-1", -0.001},
         {"1517363399651", 1517363399.651},
@@ -175,16 +193,18 @@ TEST(GeoJson, turnsMillisecondsIntoTheNearestNumberOfSeconds)
     };
     for (const auto& [milliseconds, seconds] : cases) {
         SCOPED_TRACE(milliseconds);
-        const TemporaryFile file{
-            collection(R"({"type":"Feature","id":"x","properties":{"time":)" + std::string(milliseconds)
-                       + "}," + geometry + "}")};
+        const TemporaryFile file{collection(R"({"type":"Feature","id":"x","properties":{"time":)"
+                                            + std::string(milliseconds) + "}," + geometry + "}")};
         EXPECT_EQ(readGeoJson(file.name()).value()[0].time, seconds);
     }
 }
 
 TEST(GeoJson, saysWhatIsWrongWithTheDocument)
 {
-    const struct { std::string content; const char* message; } cases[] = {
+    const struct {
+        std::string content;
+        const char* message;
+    } cases[] = {
         {"7", R"(found the number 7, expected an object of type "FeatureCollection")"},
         {"null", R"(found null, expected an object of type "FeatureCollection")"},
         {R"("FeatureCollection")",
@@ -192,16 +212,14 @@ TEST(GeoJson, saysWhatIsWrongWithTheDocument)
         {"[" + good + "]", R"(found an array of 1, expected an object of type "FeatureCollection")"},
         {"{}", R"(type: found nothing, expected "FeatureCollection")"},
         {R"({"type":"FeatureCollection"})", "features: found nothing, expected an array of events"},
-        {R"({"type":"FeatureCollection","features":null})",
-         "features: found null, expected an array of events"},
+        {R"({"type":"FeatureCollection","features":null})", "features: found null, expected an array of events"},
         {R"({"type":"FeatureCollection","features":{"0":)" + good + "}}",
          "features: found an object, expected an array of events"},
         {R"({"type":"FeatureCollection","features":"none"})",
          R"(features: found the text "none", expected an array of events)"},
         {R"({"features":[)" + good + "]}", R"(type: found nothing, expected "FeatureCollection")"},
         {good, R"(type: found the text "Feature", expected "FeatureCollection")"},
-        {R"({"type":"Topology","features":[]})",
-         R"(type: found the text "Topology", expected "FeatureCollection")"},
+        {R"({"type":"Topology","features":[]})", R"(type: found the text "Topology", expected "FeatureCollection")"},
         {R"({"type":1,"features":[]})", R"(type: found the number 1, expected "FeatureCollection")"},
     };
     for (const auto& [content, message] : cases) {
@@ -214,11 +232,13 @@ TEST(GeoJson, saysWhatIsWrongWithWhichEvent)
 {
     const std::string time = ", expected milliseconds since 1970 UTC, at most 8.64e15 before or after";
     const std::string coordinates = ", expected [longitude, latitude, depth]";
-    const struct { std::string content; std::string message; } cases[] = {
+    const struct {
+        std::string content;
+        std::string message;
+    } cases[] = {
         {collection("5"), R"(features[0]: found the number 5, expected an object of type "Feature")"},
         {collection(good + ",null"), R"(features[1]: found null, expected an object of type "Feature")"},
-        {collection(good + ",[]"),
-         R"(features[1]: found an array of 0, expected an object of type "Feature")"},
+        {collection(good + ",[]"), R"(features[1]: found an array of 0, expected an object of type "Feature")"},
         {collection("{}"), "features[0], id: found nothing, expected a text"},
         {collection(R"({"id":17})"), "features[0], id: found the number 17, expected a text"},
         {collection(R"({"id":null})"), "features[0], id: found null, expected a text"},
@@ -227,12 +247,9 @@ TEST(GeoJson, saysWhatIsWrongWithWhichEvent)
          R"(features[0] (id "x"), type: found the text "Point", expected "Feature")"},
         {collection(R"({"id":"x","type":"Feature"})"),
          R"(features[0] (id "x"), properties: found nothing, expected an object)"},
-        {withProperties("[]"),
-         R"(features[1] (id "x"), properties: found an array of 0, expected an object)"},
-        {withProperties("{}"),
-         R"(features[1] (id "x"), properties.time: found nothing)" + time},
-        {withProperties(R"({"time":null})"),
-         R"(features[1] (id "x"), properties.time: found null)" + time},
+        {withProperties("[]"), R"(features[1] (id "x"), properties: found an array of 0, expected an object)"},
+        {withProperties("{}"), R"(features[1] (id "x"), properties.time: found nothing)" + time},
+        {withProperties(R"({"time":null})"), R"(features[1] (id "x"), properties.time: found null)" + time},
         {withProperties(R"({"time":"1517966773840"})"),
          R"(features[1] (id "x"), properties.time: found the text "1517966773840")" + time},
         {withProperties(R"({"time":8640000000000001})"),
@@ -278,7 +295,10 @@ TEST(GeoJson, saysWhatIsWrongWithWhichEvent)
 
 TEST(GeoJson, saysWhereTheTextIsNoJson)
 {
-    const struct { std::string content; const char* message; } cases[] = {
+    const struct {
+        std::string content;
+        const char* message;
+    } cases[] = {
         {"", "is no valid JSON: parse error at line 1, column 1"},
         {"\n\n earthquakes", "is no valid JSON: parse error at line 3, column 2"},
         {"time,mag\n1,2\n", "is no valid JSON: parse error at line 1, column 2"},
@@ -306,14 +326,12 @@ TEST(GeoJson, refusesAFileThatWasCutOffAnywhere)
     for (std::size_t length = whole.find("{\"type\":\"Feature\""); length < whole.find("\n"); length += 11)
         lengths.push_back(length);
     for (const std::size_t length : lengths)
-        EXPECT_THAT(refusalOf(whole.substr(0, length)), StartsWith("is no valid JSON: parse error at line"))
-            << length;
+        EXPECT_THAT(refusalOf(whole.substr(0, length)), StartsWith("is no valid JSON: parse error at line")) << length;
 }
 
 TEST(GeoJson, saysWhyAFileCannotBeOpened)
 {
-    EXPECT_EQ(messageOf("no such file.json"),
-              "no such file.json: found nothing of that name, expected a GeoJSON file");
+    EXPECT_EQ(messageOf("no such file.json"), "no such file.json: found nothing of that name, expected a GeoJSON file");
     EXPECT_EQ(messageOf("."), ".: found a folder, expected a GeoJSON file");
     // Behind the colon stands the system's reason, in the user's language.
     const std::string tooLong(1000, 'x');
@@ -324,8 +342,8 @@ TEST(GeoJson, keepsItsMessagesShort)
 {
     const std::string endless(100000, 'x');
     EXPECT_THAT(refusalOf("\"" + endless), SizeIs(testing::Lt(300u)));
-    const std::string message = refusalOf(
-        collection(R"({"type":"Feature","id":")" + endless + R"(","properties":")" + endless + "\"}"));
+    const std::string message =
+        refusalOf(collection(R"({"type":"Feature","id":")" + endless + R"(","properties":")" + endless + "\"}"));
     EXPECT_THAT(message, SizeIs(testing::Lt(300u)));
     EXPECT_THAT(message, HasSubstr("properties: found the text \"xxx"));
 }

@@ -234,22 +234,19 @@ TEST(GlobeProjection, refusesCamerasThatSeeNoEarthFromOutside)
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(message(camera), "no error");
-    EXPECT_EQ(
-        message({{6e6, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30}),
-        "camera: found the position {6e+06,0,0} inside the Earth, expected one outside of it, in metres from "
-        "its centre");
+    EXPECT_EQ(message({{6e6, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30}),
+              "camera: found the position {6e+06,0,0} inside the Earth, expected one outside of it, in metres from "
+              "its centre");
     EXPECT_EQ(message({{0, 0, b + 1}, {0, 0, 0}, {1, 0, 0}, 30}), "no error") << "just above the pole";
     EXPECT_NE(message({{0, 0, b - 1}, {0, 0, 0}, {1, 0, 0}, 30}), "no error") << "just below the pole";
     for (const double angle : {0.0, -10.0, 180.0, nan, infinity})
-        EXPECT_NE(
-            message({{2 * a, 0, 0}, {0, 0, 0}, {0, 0, 1}, angle}).find("expected one between 0 and 180"),
-            std::string::npos);
+        EXPECT_NE(message({{2 * a, 0, 0}, {0, 0, 0}, {0, 0, 1}, angle}).find("expected one between 0 and 180"),
+                  std::string::npos);
     for (const double coordinate : {nan, infinity})
         EXPECT_EQ(message({{2 * a, coordinate, 0}, {0, 0, 0}, {0, 0, 1}, 30}),
                   "camera: found a coordinate that is not finite, expected finite ones");
-    const char* const noDirection =
-        "camera: found no direction of view with an upward one across it, expected a focus "
-        "away from the position and an up direction not along the view";
+    const char* const noDirection = "camera: found no direction of view with an upward one across it, expected a focus "
+                                    "away from the position and an up direction not along the view";
     EXPECT_EQ(message({{2 * a, 0, 0}, {2 * a, 0, 0}, {0, 0, 1}, 30}), noDirection);
     EXPECT_EQ(message({{2 * a, 0, 0}, {0, 0, 0}, {1, 0, 0}, 30}), noDirection);
     EXPECT_EQ(message({{2 * a, 0, 0}, {0, 0, 0}, {0, 0, 0}, 30}), noDirection);
@@ -271,11 +268,11 @@ TEST(GlobeProjection, coversTheLandThatIsInSightAndNothingElse)
         const double cosine = std::sqrt(1 - sine * sine);
         const double distance = a * (1.02 + 6 * std::pow(uniform(random), 4));
         const auto aside = [&] { return i % 3 == 0 ? 0 : 0.7 * a * uniform(random); };
-        const VCamera from{{distance * cosine * std::cos(longitude), distance * cosine * std::sin(longitude),
-                            distance * sine},
-                           {aside(), aside(), aside()},
-                           {0.1, 0.2, 1},
-                           80 + 70 * uniform(random)};
+        const VCamera from{
+            {distance * cosine * std::cos(longitude), distance * cosine * std::sin(longitude), distance * sine},
+            {aside(), aside(), aside()},
+            {0.1, 0.2, 1},
+            80 + 70 * uniform(random)};
         const GlobeProjection globe{from, view};
         std::vector<std::vector<Pixel>> seen;
         for (const Polygon& polygon : land) {
@@ -296,8 +293,8 @@ TEST(GlobeProjection, coversTheLandThatIsInSightAndNothingElse)
                 for (const Ring& ring : polygon)
                     isLand ^= encloses(ring, place);
             }
-            EXPECT_EQ(covers(seen, *pixel), isLand) << Orla::VValueTrait<VCamera>::Text(from) << " at "
-                                                    << place.longitude << ' ' << place.latitude;
+            EXPECT_EQ(covers(seen, *pixel), isLand)
+                << Orla::VValueTrait<VCamera>::Text(from) << " at " << place.longitude << ' ' << place.latitude;
             ++compared;
             onLand += isLand ? 1u : 0u;
         }

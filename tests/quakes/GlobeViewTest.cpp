@@ -108,13 +108,11 @@ TEST(GlobeView, coloursLandAndSea)
 
 TEST(GlobeView, drawsEventsInSightInTheirColours)
 {
-    const QuakePicture picture = quakes(
-        {quakeAt(-12, -15, 6, 600), quakeAt(22, 5, 6, 10), quakeAt(47, 57, 5, 80)});
+    const QuakePicture picture = quakes({quakeAt(-12, -15, 6, 600), quakeAt(22, 5, 6, 10), quakeAt(47, 57, 5, 80)});
     const ColorsOfGlobe globe{picture};
     for (std::size_t i = 0; i < picture.quakes.size(); ++i) {
         const Quakes::Quake& quake = picture.quakes[i];
-        EXPECT_LE(difference(globe.at(quake.longitude, quake.latitude),
-                             rgb(quakeColor(quake, picture.colorRule, 0))),
+        EXPECT_LE(difference(globe.at(quake.longitude, quake.latitude), rgb(quakeColor(quake, picture.colorRule, 0))),
                   1);
     }
 }
@@ -133,8 +131,7 @@ TEST(GlobeView, drawsNoEventOnTheFarSide)
             different += empty.Picture::at(x, y) == behind.Picture::at(x, y) ? 0u : 1u;
     }
     EXPECT_EQ(different, 0u);
-    EXPECT_GT(differentPixels(empty, ColorsOfGlobe{quakes({quakeAt(14, 0, 7, 10)})}), 500u)
-        << "on the near side it is";
+    EXPECT_GT(differentPixels(empty, ColorsOfGlobe{quakes({quakeAt(14, 0, 7, 10)})}), 500u) << "on the near side it is";
 }
 
 TEST(GlobeView, drawsNothingOutsideOfTheDisc)
@@ -185,8 +182,7 @@ TEST(GlobeView, staysInItsSpaceWhenTheCameraIsNear)
 
 TEST(GlobeView, writesTheSameBytesEachTime)
 {
-    const QuakePicture picture = quakes({quakeAt(14, 5, 5.5, 33.3), quakeAt(40, -20, 6, 500)},
-                                        ColorRule::Age);
+    const QuakePicture picture = quakes({quakeAt(14, 5, 5.5, 33.3), quakeAt(40, -20, 6, 500)}, ColorRule::Age);
     for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg})
         EXPECT_EQ(Globe(picture, aboveAfrica, format).bytes, Globe(picture, aboveAfrica, format).bytes);
 }
@@ -200,9 +196,8 @@ TEST(GlobeView, writesWellFormedSvgOfModestSize)
     const Svg svg{globe.bytes};
     EXPECT_EQ(svg.fault, "");
     EXPECT_LT(globe.bytes.size(), 1000000u) << "the clip must not be repeated for each event";
-    const std::ptrdiff_t clips = std::count_if(
-        svg.elements.begin(), svg.elements.end(),
-        [](const Svg::Element& element) { return element.name == "clipPath"; });
+    const std::ptrdiff_t clips = std::count_if(svg.elements.begin(), svg.elements.end(),
+                                               [](const Svg::Element& element) { return element.name == "clipPath"; });
     EXPECT_LT(clips, 10);
 }
 

@@ -10,7 +10,10 @@ using nlohmann::json;
 TEST(JsonText, tellsWhatWasFound)
 {
     EXPECT_EQ(described(nullptr), "nothing");
-    const struct { json found; const char* text; } cases[] = {
+    const struct {
+        json found;
+        const char* text;
+    } cases[] = {
         {json::object(), "an object"},
         {json::array({1, 2}), "an array of 2"},
         {5, "the number 5"},

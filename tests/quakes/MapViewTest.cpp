@@ -33,9 +33,7 @@ class Map {
 public:
     explicit Map(const QuakePicture& picture, PictureFormat format = PictureFormat::Png, int width = 1280,
                  int height = 720)
-        : m_canvas{format, width, height}
-        , frame{drawMap(m_canvas, picture, world())}
-        , bytes{m_canvas.finished()}
+        : m_canvas{format, width, height}, frame{drawMap(m_canvas, picture, world())}, bytes{m_canvas.finished()}
     {
     }
 
@@ -126,19 +124,16 @@ TEST(MapView, drawsNoStreaksAlongTheDateLine)
 TEST(MapView, drawsEventsWhereTheyAreInTheirColours)
 {
     for (const ColorRule rule : {ColorRule::Magnitude, ColorRule::Depth}) {
-        const QuakePicture picture = quakes(
-            {quakeAt(-120, 10, 5, 600), quakeAt(100, -30, 6, 10), quakeAt(-40, 30, 7, 80)}, rule);
+        const QuakePicture picture =
+            quakes({quakeAt(-120, 10, 5, 600), quakeAt(100, -30, 6, 10), quakeAt(-40, 30, 7, 80)}, rule);
         const ColorsOfMap map{picture};
         for (std::size_t i = 0; i < picture.quakes.size(); ++i) {
             const Quakes::Quake& quake = picture.quakes[i];
-            EXPECT_LE(difference(map.at(quake.longitude, quake.latitude), rgb(quakeColor(quake, rule, 0))),
-                      1);
+            EXPECT_LE(difference(map.at(quake.longitude, quake.latitude), rgb(quakeColor(quake, rule, 0))), 1);
         }
         // 16 points around the strongest one, 6.7 around the weakest.
         const Pixel strong = map.frame.pixel({-40, 30});
-        EXPECT_LE(
-            difference(map.Picture::at(strong.x + 12, strong.y), rgb(quakeColor(picture.quakes[2], rule, 0))),
-            1);
+        EXPECT_LE(difference(map.Picture::at(strong.x + 12, strong.y), rgb(quakeColor(picture.quakes[2], rule, 0))), 1);
         const Pixel weak = map.frame.pixel({-120, 10});
         EXPECT_EQ(map.Picture::at(weak.x + 12, weak.y), rgb(Palette::sea));
     }
@@ -193,8 +188,7 @@ TEST(MapView, hidesNoSmallEventBehindALargeOne)
 
 TEST(MapView, writesTheSameBytesEachTime)
 {
-    const QuakePicture picture = quakes({quakeAt(-140, 5, 5.5, 33.3), quakeAt(179.9, -20, 6, 500)},
-                                        ColorRule::Age);
+    const QuakePicture picture = quakes({quakeAt(-140, 5, 5.5, 33.3), quakeAt(179.9, -20, 6, 500)}, ColorRule::Age);
     for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg})
         EXPECT_EQ(Map(picture, format).bytes, Map(picture, format).bytes);
 }
@@ -216,9 +210,8 @@ TEST(MapView, hasNoSegmentAcrossHalfTheMapInItsSvg)
                 continue;
             for (std::size_t i = 1; i < part.size(); ++i) {
                 // A graticule's line, or a pole.
-                const double latitude = 90
-                                        - (part[i].y - map.frame.rectangle().top)
-                                              / map.frame.rectangle().height * 180;
+                const double latitude =
+                    90 - (part[i].y - map.frame.rectangle().top) / map.frame.rectangle().height * 180;
                 if (part[i].y == part[i - 1].y && std::abs(std::remainder(latitude, 30)) < 1e-3)
                     continue;
                 EXPECT_LE(std::abs(part[i].x - part[i - 1].x), map.frame.rectangle().width / 2 + 1e-3)

@@ -91,7 +91,9 @@ public:
         add(all, "QuakeFilter", "all", {{"range", range}});
         add(strong, "QuakeFilter", "strong", {{"range", range}, {"magnitude", "4.5:10"}});
         add(view, "QuakeView", "view",
-            {{"camera", "{-7.5e6,-6.3e6,8.2e6}{0,0,0}{0,0,1}40"}, {"aspect", "1.3333333333333333"}, {"near", "4.5e6"},
+            {{"camera", "{-7.5e6,-6.3e6,8.2e6}{0,0,0}{0,0,1}40"},
+             {"aspect", "1.3333333333333333"},
+             {"near", "4.5e6"},
              {"far", "1e7"}});
         connect(*view, "catalog", *all, "catalog");
         Orla::VScheduler::scheduleAll(pool);
@@ -108,10 +110,9 @@ public:
 
     std::string row(std::size_t step) const
     {
-        return std::to_string(step) + ',' + readText(*instant, "utc", pool) + ','
-            + readText(*all, "count", pool) + ',' + readText(*strong, "count", pool) + ','
-            + readText(*view, "inside", pool) + ',' + readText(*view, "straddling", pool) + ','
-            + readText(*view, "outside", pool);
+        return std::to_string(step) + ',' + readText(*instant, "utc", pool) + ',' + readText(*all, "count", pool) + ','
+               + readText(*strong, "count", pool) + ',' + readText(*view, "inside", pool) + ','
+               + readText(*view, "straddling", pool) + ',' + readText(*view, "outside", pool);
     }
 
     StrongPtr<VObject> clock, reader, instant, all, strong, view;

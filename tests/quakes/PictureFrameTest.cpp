@@ -154,8 +154,8 @@ TEST(PictureFrame, scalesWithThePicture)
 
 TEST(PictureFrame, drawsLargeEventsFirst)
 {
-    const Catalogue catalogue{{quakeAt(0, 0, 2, 1, 1), quakeAt(0, 0, 6, 1, 2),
-                               quakeAt(0, 0, std::nullopt, 1, 3), quakeAt(0, 0, 6, 1, 4)}};
+    const Catalogue catalogue{
+        {quakeAt(0, 0, 2, 1, 1), quakeAt(0, 0, 6, 1, 2), quakeAt(0, 0, std::nullopt, 1, 3), quakeAt(0, 0, 6, 1, 4)}};
     const auto drawn = Quakes::drawnQuakes(catalogue);
     ASSERT_EQ(drawn.size(), 4u);
     EXPECT_EQ(drawn[0]->time, 2);

@@ -25,8 +25,7 @@ bool evenOdd(const std::vector<Ring>& rings, double placeX, double placeY, X x, 
         for (std::size_t i = 0; i < ring.size(); ++i) {
             const auto& a = ring[i];
             const auto& b = ring[(i + 1) % ring.size()];
-            if ((y(a) > placeY) != (y(b) > placeY)
-                && placeX < x(a) + (x(b) - x(a)) * (placeY - y(a)) / (y(b) - y(a)))
+            if ((y(a) > placeY) != (y(b) > placeY) && placeX < x(a) + (x(b) - x(a)) * (placeY - y(a)) / (y(b) - y(a)))
                 isInside = !isInside;
         }
     }

@@ -66,7 +66,8 @@ TEST(Program, followsTheChartThatIsPicked)
     const ProcessResult flat = run({"--table=-", "--chart=geographic"});
     EXPECT_EQ(flat.status, 0) << flat.err;
     EXPECT_EQ(strongest(flat.out), "{121.653,24.1737,-10640}");
-    EXPECT_THAT(strongest(run({"--table=-", "--chart=plate carree"}).out), StartsWith("{13542350.013474112,2691003.974589"));
+    EXPECT_THAT(strongest(run({"--table=-", "--chart=plate carree"}).out),
+                StartsWith("{13542350.013474112,2691003.974589"));
     EXPECT_THAT(strongest(run({"--table=-", "--chart=geocentric"}).out), StartsWith("{-3050187.746425"));
 }
 
@@ -128,7 +129,8 @@ TEST(Program, comesNearerWithEachTurnOfTheWheelAlsoInOneStep)
     const TestFolder folder;
     const auto drawn = [&](const std::string& events) {
         folder.write("events.txt", events);
-        EXPECT_EQ(run({"--set=picture.file=" + folder.file("a.svg"), "--events=" + folder.file("events.txt")}).status, 0);
+        EXPECT_EQ(run({"--set=picture.file=" + folder.file("a.svg"), "--events=" + folder.file("events.txt")}).status,
+                  0);
         return contentOf(folder.file("a.svg"));
     };
     const std::string turn = "64 wheel 450 450 1\n";
@@ -139,8 +141,8 @@ TEST(Program, writesThePictureWhenItsKeyIsPressed)
 {
     const TestFolder folder;
     folder.write("events.txt", "1 key w\n");
-    const ProcessResult result = run({"--set=picture.file=" + folder.file("a.svg"), "--steps=3",
-                                      "--events=" + folder.file("events.txt")});
+    const ProcessResult result =
+        run({"--set=picture.file=" + folder.file("a.svg"), "--steps=3", "--events=" + folder.file("events.txt")});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.err, HasSubstr("the last of 2 pictures\n")) << "one for the key, one at the end";
 }
@@ -148,8 +150,7 @@ TEST(Program, writesThePictureWhenItsKeyIsPressed)
 TEST(Program, playsTheEventsOfTheExample)
 {
     const TestFolder folder;
-    const ProcessResult result =
-        run({"--set=picture.file=" + folder.file("a.svg"), "--events=" QUAKES_EVENTS});
+    const ProcessResult result = run({"--set=picture.file=" + folder.file("a.svg"), "--events=" QUAKES_EVENTS});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.err, HasSubstr("the last of 2 pictures\n"));
 }
@@ -206,7 +207,8 @@ TEST(Program, leavesWholePicturesAloneWhenItIsInterrupted)
     const ProcessResult result = process.wait();
     EXPECT_EQ(result.status, 130);
     EXPECT_THAT(result.err, HasSubstr("tarn: interrupted in step "));
-    EXPECT_THAT(result.err, testing::ContainsRegex("  picture: wrote .*/frame-[0-9]+.png, the last of [0-9]+ pictures"));
+    EXPECT_THAT(result.err,
+                testing::ContainsRegex("  picture: wrote .*/frame-[0-9]+.png, the last of [0-9]+ pictures"));
     const std::vector<std::string> names = folder.names();
     EXPECT_GE(names.size(), 4u);
     for (const std::string& name : names) {

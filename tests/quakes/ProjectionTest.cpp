@@ -39,8 +39,7 @@ public:
 
     PhysicalSpace::point operator()(const PhysicalSpace::point& place, PJ_DIRECTION direction = PJ_FWD) const
     {
-        const PJ_COORD found = proj_trans(m_conversion, direction,
-                                          proj_coord(place.x(), place.y(), place.z(), 0));
+        const PJ_COORD found = proj_trans(m_conversion, direction, proj_coord(place.x(), place.y(), place.z(), 0));
         return {found.xyz.x, found.xyz.y, found.xyz.z};
     }
 
@@ -181,8 +180,7 @@ TEST(Projection, convertsBetweenAllChartsBothWays)
             for (const Chart to : charts) {
                 SCOPED_TRACE(std::string(chartName(from)) + " to " + chartName(to));
                 const double rounding = to == Chart::Geographic ? 1e-12 : 1e-7;
-                expectNear(converted(given, from, to), converted(place, Chart::Geographic, to), rounding,
-                           1e-7);
+                expectNear(converted(given, from, to), converted(place, Chart::Geographic, to), rounding, 1e-7);
             }
         }
     }
@@ -203,10 +201,7 @@ TEST(Projection, endsForNumbersThatAreNotFinite)
 {
     const double infinity = std::numeric_limits<double>::infinity();
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    for (const PhysicalSpace::point& place : {PhysicalSpace::point{nan, 0, 0},
-                                              {0, 0, nan},
-                                              {infinity, 0, 0},
-                                              {0, 0, infinity},
-                                              {1, -infinity, 3}})
+    for (const PhysicalSpace::point& place :
+         {PhysicalSpace::point{nan, 0, 0}, {0, 0, nan}, {infinity, 0, 0}, {0, 0, infinity}, {1, -infinity, 3}})
         EXPECT_FALSE(std::isfinite(geographic(place).z()));
 }

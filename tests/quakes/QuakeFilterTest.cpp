@@ -51,7 +51,10 @@ TEST(QuakeFilter, selectsWhatHappenedByTheCurrentTime)
     Evaluation filter{"QuakeFilter"};
     filter.set("catalog", someQuakes);
     filter.set("range", Range{100, 200});
-    const struct { double time; std::vector<std::string> ids; } cases[] = {
+    const struct {
+        double time;
+        std::vector<std::string> ids;
+    } cases[] = {
         {0, {"a"}},
         {-infinity, {}},
         {0.2499999999, {"a"}},
@@ -78,7 +81,10 @@ TEST(QuakeFilter, countsTheEventAtTheVeryMillisecond)
     const Catalogue oneQuake{{quake("first", 1517363399650 / 1000.0)}};
     Evaluation filter{"QuakeFilter"};
     filter.set("catalog", oneQuake);
-    const struct { const char* range; std::vector<std::string> ids; } cases[] = {
+    const struct {
+        const char* range;
+        std::vector<std::string> ids;
+    } cases[] = {
         {"1517363399.649:0", {}},
         {"1517363399.65:0", {"first"}},
         {"1517363399.651:0", {"first"}},
@@ -97,15 +103,14 @@ TEST(QuakeFilter, selectsMagnitudesBetweenBothEndsIncluded)
     filter.set("catalog", someQuakes);
     filter.set("time", VTime{1});
     filter.set("range", Range{0, 1000});
-    const struct { const char* magnitude; std::vector<std::string> ids; } cases[] = {
-        {"4.5:10", {"b", "e"}},
-        {"2.5:4.5", {"a", "b", "d"}},
-        {"4.5:4.5", {"b"}},
-        {"7:7", {"e"}},
-        {"10:4.5", {}},
-        {"8:9", {}},
-        {"nan:9", {}},
-        {"4.5:10", {"b", "e"}},
+    const struct {
+        const char* magnitude;
+        std::vector<std::string> ids;
+    } cases[] = {
+        {"4.5:10", {"b", "e"}}, {"2.5:4.5", {"a", "b", "d"}},
+        {"4.5:4.5", {"b"}},     {"7:7", {"e"}},
+        {"10:4.5", {}},         {"8:9", {}},
+        {"nan:9", {}},          {"4.5:10", {"b", "e"}},
     };
     for (const auto& [magnitude, ids] : cases) {
         SCOPED_TRACE(magnitude);
@@ -187,8 +192,7 @@ TEST(QuakeFilter, leavesItsInputAlone)
     filter.set("range", Range{125, 125});
     filter.run();
     EXPECT_THAT(selected(filter), ElementsAre("a", "b"));
-    const Orla::StrongPtr<Orla::VValueBase> input =
-        filter.object->findSlot("catalog")->getValueBase(filter.pool);
+    const Orla::StrongPtr<Orla::VValueBase> input = filter.object->findSlot("catalog")->getValueBase(filter.pool);
     EXPECT_EQ(input->Text(), Orla::VValueTrait<Catalogue>::Text(someQuakes));
 }
 
@@ -301,7 +305,10 @@ TEST_F(QuakeFilterChoices, survivesOtherData)
 
 TEST_F(QuakeFilterChoices, selectKindsByFlags)
 {
-    const struct { const char* kinds; std::vector<std::string> ids; } cases[] = {
+    const struct {
+        const char* kinds;
+        std::vector<std::string> ids;
+    } cases[] = {
         {"+earthquake", {"a", "c"}},
         {"-earthquake", {"b", "d", "e"}},
         {"+earthquake -explosion", {"a", "c"}},
@@ -351,7 +358,9 @@ TEST_F(QuakeFilterChoices, belongToTheirPool)
     run();
     Orla::VScheduler::run(other);
     EXPECT_EQ(readText(*filter.object, "count", other), "1");
-    const auto heldThere = [&](const char* input) { return filter.object->findSlot(input)->getValueBase(other)->Text(); };
+    const auto heldThere = [&](const char* input) {
+        return filter.object->findSlot(input)->getValueBase(other)->Text();
+    };
     EXPECT_EQ(heldThere("magnitudeType"), "any@any|md|");
     EXPECT_EQ(heldThere("networks"), "@{uw}");
     EXPECT_EQ(held("magnitudeType"), "ml@any|ml|mww|");

@@ -40,7 +40,8 @@ TEST_F(QuakePlacesTest, areHypocentres)
 
 TEST_F(QuakePlacesTest, tellTheStrongestAndOfSeveralTheLatest)
 {
-    places.set("catalog", Catalogue{{quake(1, 1, 0, 5), quake(2, 2, 0, 6), quake(3, 3, 10, 6), quake(4, 4, 0, std::nullopt)}});
+    places.set("catalog",
+               Catalogue{{quake(1, 1, 0, 5), quake(2, 2, 0, 6), quake(3, 3, 10, 6), quake(4, 4, 0, std::nullopt)}});
     places.run();
     EXPECT_EQ(places.text("strongest"), "{3,3,-10000}");
 }

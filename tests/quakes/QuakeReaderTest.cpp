@@ -17,9 +17,8 @@ using testing::IsEmpty;
 
 namespace {
 
-const std::string oneQuake =
-    R"({"type":"FeatureCollection","features":[{"type":"Feature","id":"one",)"
-    R"("properties":{"time":1000},"geometry":{"type":"Point","coordinates":[1,2,3]}}]})";
+const std::string oneQuake = R"({"type":"FeatureCollection","features":[{"type":"Feature","id":"one",)"
+                             R"("properties":{"time":1000},"geometry":{"type":"Point","coordinates":[1,2,3]}}]})";
 const std::string oneText = "1,1,2,3,,,,one,,,\n";
 
 } // namespace
@@ -83,10 +82,9 @@ TEST(QuakeReader, publishesNothingOfAFileWithOneBadEvent)
     reader.setText("file", file.name());
     EXPECT_EQ(reader.run().failures, 1u);
     EXPECT_EQ(reader.text("catalog"), "");
-    EXPECT_THAT(warnings.all(),
-                ElementsAre(HasSubstr(file.name()
-                                      + ": features[1706] (id \"uw61345682\"), properties.time: "
-                                        "found nothing, expected milliseconds since 1970 UTC")));
+    EXPECT_THAT(warnings.all(), ElementsAre(HasSubstr(file.name()
+                                                      + ": features[1706] (id \"uw61345682\"), properties.time: "
+                                                        "found nothing, expected milliseconds since 1970 UTC")));
 }
 
 TEST(QuakeReader, announcesNothingWhenAnotherFileHasTheSameEvents)

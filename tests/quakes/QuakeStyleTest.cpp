@@ -50,10 +50,10 @@ TEST(QuakeStyle, placesValuesOnTheScale)
         double value;
         double position;
     } cases[] = {
-        {ColorRule::Magnitude, 0, 0},  {ColorRule::Magnitude, 3.5, 0.5}, {ColorRule::Magnitude, 7, 1},
-        {ColorRule::Magnitude, 9, 1},  {ColorRule::Magnitude, -1, 0},    {ColorRule::Depth, 0, 0},
-        {ColorRule::Depth, 175, 0.5},  {ColorRule::Depth, 700, 1},       {ColorRule::Depth, -2, 0},
-        {ColorRule::Age, 0, 1},        {ColorRule::Age, 84, 0.5},        {ColorRule::Age, 168, 0},
+        {ColorRule::Magnitude, 0, 0}, {ColorRule::Magnitude, 3.5, 0.5}, {ColorRule::Magnitude, 7, 1},
+        {ColorRule::Magnitude, 9, 1}, {ColorRule::Magnitude, -1, 0},    {ColorRule::Depth, 0, 0},
+        {ColorRule::Depth, 175, 0.5}, {ColorRule::Depth, 700, 1},       {ColorRule::Depth, -2, 0},
+        {ColorRule::Age, 0, 1},       {ColorRule::Age, 84, 0.5},        {ColorRule::Age, 168, 0},
         {ColorRule::Age, 1000, 0},
     };
     for (const auto& [rule, value, position] : cases)
@@ -111,8 +111,7 @@ TEST(QuakeStyle, marksValuesInTheOrderOfTheScale)
         EXPECT_EQ(scalePosition(rule, values.front()), 0);
         EXPECT_EQ(scalePosition(rule, values.back()), 1);
         for (std::size_t i = 1; i < values.size(); ++i)
-            EXPECT_GT(scalePosition(rule, values[i]), scalePosition(rule, values[i - 1]) + 0.05)
-                << "labels overlap";
+            EXPECT_GT(scalePosition(rule, values[i]), scalePosition(rule, values[i - 1]) + 0.05) << "labels overlap";
     }
     EXPECT_STREQ(Quakes::colorLegend(ColorRule::Depth).title, "Depth (km)");
     EXPECT_STREQ(Quakes::colorLegend(ColorRule::Age).title, "Age (hours)");

@@ -32,10 +32,7 @@ std::string counts(const Evaluation& view)
 // degrees wide and high.
 class Views : public testing::Test {
 protected:
-    Views()
-    {
-        view.set("camera", Orla::VCamera{{1e7, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30});
-    }
+    Views() { view.set("camera", Orla::VCamera{{1e7, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30}); }
 
     Evaluation view{"QuakeView"};
 };

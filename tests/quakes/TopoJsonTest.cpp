@@ -25,7 +25,7 @@ std::string topology(const std::string& geometry)
 {
     return R"({"type": "Topology", "arcs": [[[0, 0], [10, 0], [10, 10]], [[0, 0], [0, 10], [10, 10]],
                [[4, 4], [6, 4], [5, 6], [4, 4]]], "objects": {"shape": )"
-        + geometry + "}}";
+           + geometry + "}}";
 }
 
 Shapes shapes(const std::string& text, const std::string& object = "")
@@ -111,13 +111,11 @@ TEST(TopoJson, saysWhichGeometryIsWrongAndHow)
         std::string message;
     } cases[] = {
         {"[]", "objects.shape: found an array of 0, expected a geometry"},
-        {R"({})",
-         "objects.shape.type: found nothing, expected \"GeometryCollection\", \"Polygon\", \"MultiPolygon\", "
-         "\"LineString\", \"MultiLineString\", \"Point\", \"MultiPoint\" or null"},
-        {R"({"type": "Circle"})",
-         "objects.shape.type: found the text \"Circle\", expected \"GeometryCollection\", "
-         "\"Polygon\", \"MultiPolygon\", \"LineString\", \"MultiLineString\", \"Point\", "
-         "\"MultiPoint\" or null"},
+        {R"({})", "objects.shape.type: found nothing, expected \"GeometryCollection\", \"Polygon\", \"MultiPolygon\", "
+                  "\"LineString\", \"MultiLineString\", \"Point\", \"MultiPoint\" or null"},
+        {R"({"type": "Circle"})", "objects.shape.type: found the text \"Circle\", expected \"GeometryCollection\", "
+                                  "\"Polygon\", \"MultiPolygon\", \"LineString\", \"MultiLineString\", \"Point\", "
+                                  "\"MultiPoint\" or null"},
         {R"({"type": "Polygon"})", "objects.shape.arcs: found nothing, expected an array of rings"},
         {R"({"type": "Polygon", "arcs": [0]})",
          "objects.shape.arcs[0]: found the number 0, expected an array of numbers of arcs"},
@@ -131,16 +129,13 @@ TEST(TopoJson, saysWhichGeometryIsWrongAndHow)
          "objects.shape.arcs[1][0][1]: found an arc that begins at [0, 0], expected one that begins where "
          "the one "
          "before it ends, at [10, 10]"},
-        {R"({"type": "LineString", "arcs": [3]})",
-         "objects.shape.arcs[0]: found the number 3, " + numberExpected},
-        {R"({"type": "LineString", "arcs": [-4]})",
-         "objects.shape.arcs[0]: found the number -4, " + numberExpected},
+        {R"({"type": "LineString", "arcs": [3]})", "objects.shape.arcs[0]: found the number 3, " + numberExpected},
+        {R"({"type": "LineString", "arcs": [-4]})", "objects.shape.arcs[0]: found the number -4, " + numberExpected},
         {R"({"type": "LineString", "arcs": [-9223372036854775808]})",
          "objects.shape.arcs[0]: found the number -9223372036854775808, " + numberExpected},
         {R"({"type": "LineString", "arcs": [18446744073709551615]})",
          "objects.shape.arcs[0]: found the number 18446744073709551615, " + numberExpected},
-        {R"({"type": "LineString", "arcs": [0.5]})",
-         "objects.shape.arcs[0]: found the number 0.5, " + numberExpected},
+        {R"({"type": "LineString", "arcs": [0.5]})", "objects.shape.arcs[0]: found the number 0.5, " + numberExpected},
         {R"({"type": "MultiLineString", "arcs": [[0], ["1"]]})",
          "objects.shape.arcs[1][0]: found the text \"1\", " + numberExpected},
         {R"({"type": "Point", "coordinates": [1]})",
@@ -171,8 +166,7 @@ TEST(TopoJson, saysWhatIsWrongWithTheTopology)
         {R"({"type": "FeatureCollection"})",
          "land.json: type: found the text \"FeatureCollection\", expected \"Topology\""},
         {R"({"type": "Topology"})", "land.json: arcs: found nothing, expected an array of arcs"},
-        {R"({"type": "Topology", "arcs": []})",
-         "land.json: objects: found nothing, expected an object of geometries"},
+        {R"({"type": "Topology", "arcs": []})", "land.json: objects: found nothing, expected an object of geometries"},
         {R"({"type": "Topology", "arcs": [[[0, 0]]]})",
          "land.json: arcs[0]: found an array of 1, expected an array of at least 2 positions"},
         {R"({"type": "Topology", "arcs": [[[0, 0], [1, 1]], [[0, 0], [1, "1"]]]})",
@@ -200,18 +194,16 @@ TEST(TopoJson, saysWhatIsWrongWithTheTopology)
         EXPECT_EQ(message(text), expected);
     }
     EXPECT_EQ(message("{\"type\": \"Topology\", ").find("land.json: is no valid JSON: "), 0u);
-    EXPECT_EQ(message(R"({"type": "Topology", "arcs": [[[0, 0], [1e999, 1]]]})")
-                  .find("land.json: is no valid JSON: "),
+    EXPECT_EQ(message(R"({"type": "Topology", "arcs": [[[0, 0], [1e999, 1]]]})").find("land.json: is no valid JSON: "),
               0u);
 }
 
 TEST(TopoJson, refusesRingsOfFewerThanFourPositions)
 {
-    EXPECT_EQ(
-        message(R"({"type": "Topology", "arcs": [[[0, 0], [1, 1], [0, 0]]],
+    EXPECT_EQ(message(R"({"type": "Topology", "arcs": [[[0, 0], [1, 1], [0, 0]]],
                           "objects": {"a": {"type": "Polygon", "arcs": [[0]]}}})"),
-        "land.json: objects.a.arcs[0]: found a ring of 3 positions, expected at least 4, of which the last "
-        "repeats the first");
+              "land.json: objects.a.arcs[0]: found a ring of 3 positions, expected at least 4, of which the last "
+              "repeats the first");
 }
 
 TEST(TopoJson, refusesCollectionsNestedWithoutEnd)

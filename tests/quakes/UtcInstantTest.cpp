@@ -6,7 +6,10 @@ TEST(UtcInstant, takesTheTimeAsAFractionOfItsRange)
 {
     Evaluation instant{"UtcInstant"};
     instant.setText("range", "1517356800:1518048000");
-    const struct { const char* time; const char* utc; } cases[] = {
+    const struct {
+        const char* time;
+        const char* utc;
+    } cases[] = {
         {"0", "2018-01-31T00:00:00Z"},
         {"0.015625[0,1]@0.015625", "2018-01-31T03:00:00Z"},
         {"0.5", "2018-02-04T00:00:00Z"},

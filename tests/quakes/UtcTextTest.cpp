@@ -9,7 +9,10 @@ using Quakes::utcText;
 TEST(UtcText, namesTheInstantInIso8601)
 {
     // Seconds as GNU date gives them.
-    const struct { double seconds; const char* text; } cases[] = {
+    const struct {
+        double seconds;
+        const char* text;
+    } cases[] = {
         {0, "1970-01-01T00:00:00Z"},
         {-0.0, "1970-01-01T00:00:00Z"},
         {1517356800, "2018-01-31T00:00:00Z"},
@@ -34,7 +37,10 @@ TEST(UtcText, namesTheInstantInIso8601)
 
 TEST(UtcText, showsMillisecondsOnlyWhereThereAreSome)
 {
-    const struct { double seconds; const char* text; } cases[] = {
+    const struct {
+        double seconds;
+        const char* text;
+    } cases[] = {
         {1517363399.65, "2018-01-31T01:49:59.650Z"},
         {1517966773.84, "2018-02-07T01:26:13.840Z"},
         {0.001, "1970-01-01T00:00:00.001Z"},
@@ -53,11 +59,12 @@ TEST(UtcText, showsMillisecondsOnlyWhereThereAreSome)
 
 TEST(UtcText, givesYearsOfMoreThanFourDigitsASign)
 {
-    const struct { double seconds; const char* text; } cases[] = {
-        {253402300800, "+010000-01-01T00:00:00Z"},
-        {-62167219201, "-000001-12-31T23:59:59Z"},
-        {-62288352000, "-000004-02-29T00:00:00Z"},
-        {971890963199.999, "+032767-12-31T23:59:59.999Z"},
+    const struct {
+        double seconds;
+        const char* text;
+    } cases[] = {
+        {253402300800, "+010000-01-01T00:00:00Z"},   {-62167219201, "-000001-12-31T23:59:59Z"},
+        {-62288352000, "-000004-02-29T00:00:00Z"},   {971890963199.999, "+032767-12-31T23:59:59.999Z"},
         {-1096193779200, "-032767-01-01T00:00:00Z"},
     };
     for (const auto& [seconds, text] : cases)
@@ -67,7 +74,10 @@ TEST(UtcText, givesYearsOfMoreThanFourDigitsASign)
 TEST(UtcText, saysSoWhereTheCalendarHasNoDate)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    const struct { double seconds; const char* text; } cases[] = {
+    const struct {
+        double seconds;
+        const char* text;
+    } cases[] = {
         {971890963200, "no calendar date (971890963200 s since 1970)"},
         {971890963199.9996, "no calendar date (971890963199.9996 s since 1970)"},
         {-1096193779200.001, "no calendar date (-1096193779200.001 s since 1970)"},

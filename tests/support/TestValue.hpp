@@ -131,8 +131,7 @@ public:
     static VValueComponents::Component component(const std::string& name)
     {
         return {name, &typeid(Part), [](VValueBase& whole) -> StrongPtr<VValueBase> {
-                    return Loam::makeStrong<TestPart>(
-                        StrongPtr<Typed<Whole>>(WeakPtrImpl<VValueBase>(&whole)));
+                    return Loam::makeStrong<TestPart>(StrongPtr<Typed<Whole>>(WeakPtrImpl<VValueBase>(&whole)));
                 }};
     }
 
@@ -140,12 +139,12 @@ private:
     StrongPtr<Typed<Whole>> m_whole;
 };
 
-inline const VValueComponents intervalComponents{typeid(Interval),
-                                                 {TestPart<Interval, &Interval::low>::component("low"),
-                                                  TestPart<Interval, &Interval::high>::component("high")}};
-inline const VValueComponents framedComponents{typeid(Framed),
-                                               {TestPart<Framed, &Framed::inner>::component("inner"),
-                                                TestPart<Framed, &Framed::weight>::component("weight")}};
+inline const VValueComponents intervalComponents{
+    typeid(Interval),
+    {TestPart<Interval, &Interval::low>::component("low"), TestPart<Interval, &Interval::high>::component("high")}};
+inline const VValueComponents framedComponents{
+    typeid(Framed),
+    {TestPart<Framed, &Framed::inner>::component("inner"), TestPart<Framed, &Framed::weight>::component("weight")}};
 
 template<class T>
 StrongPtr<TestValue<T>> testValue(const T& value = {})

@@ -104,9 +104,37 @@ TYPED_TEST_P(ValueLaws, readsAnyTextWithoutThrowingAndWritesItTheSameFromThenOn)
 {
     using Trait = Orla::VValueTrait<TypeParam>;
     const std::string odd[] = {
-        "", " ", "x", "-", ":", ",", "[", "]", "@", "|", "[,]@", "5[", "5[1", "1:", ":1", "1,2,3", "nan",
-        "-inf", "1e999999", "0x", "\xff\xfe", "\xc3\xa9", std::string(1, '\0'), std::string("1\0" "2", 3),
-        std::string(5000, '['), std::string(5000, '9'), "%s%n", "\n\t1", "45 or so",
+        "",
+        " ",
+        "x",
+        "-",
+        ":",
+        ",",
+        "[",
+        "]",
+        "@",
+        "|",
+        "[,]@",
+        "5[",
+        "5[1",
+        "1:",
+        ":1",
+        "1,2,3",
+        "nan",
+        "-inf",
+        "1e999999",
+        "0x",
+        "\xff\xfe",
+        "\xc3\xa9",
+        std::string(1, '\0'),
+        std::string("1\0"
+                    "2",
+                    3),
+        std::string(5000, '['),
+        std::string(5000, '9'),
+        "%s%n",
+        "\n\t1",
+        "45 or so",
     };
     for (const TypeParam& start : samples<TypeParam>()) {
         for (const std::string& text : odd) {
@@ -146,8 +174,7 @@ TYPED_TEST_P(ValueLaws, isMadeByItsRegisteredName)
         SCOPED_TRACE(Trait::Text(sample));
         bool ok = false;
         this->letTimePass();
-        const Orla::StrongPtr<Orla::VValueBase> value =
-            Orla::VValueCreator::createValue(name, Trait::Text(sample), ok);
+        const Orla::StrongPtr<Orla::VValueBase> value = Orla::VValueCreator::createValue(name, Trait::Text(sample), ok);
         EXPECT_TRUE(ok);
         ASSERT_TRUE(value);
         EXPECT_EQ(value->getType(), typeid(TypeParam));
@@ -251,11 +278,9 @@ TYPED_TEST_P(ValueLaws, hasNoSource)
     EXPECT_EQ(value->source().referenceBlock(), nullptr);
 }
 
-REGISTER_TYPED_TEST_SUITE_P(ValueLaws, hasSamplesThatDiffer, readsBackWhatItWrote,
-                            hasTheSameTextUnderADecimalComma,
+REGISTER_TYPED_TEST_SUITE_P(ValueLaws, hasSamplesThatDiffer, readsBackWhatItWrote, hasTheSameTextUnderADecimalComma,
                             readsAnyTextWithoutThrowingAndWritesItTheSameFromThenOn,
                             goesThroughTheBaseClassLikeThroughTheTextTrait, isMadeByItsRegisteredName,
                             copiesAreEqualAndIndependent, isDifferentFromWhatIsNotEqual,
-                            takesItsContentFromTheSameTypeAlone,
-                            takesTheGlobalAgeWhenItIsMadeAndKeepsItWhenItIsSet, isExportedAsAnArrayOfCopies,
-                            throwsBadAllocForAnArrayBeyondTheAddressSpace, hasNoSource);
+                            takesItsContentFromTheSameTypeAlone, takesTheGlobalAgeWhenItIsMadeAndKeepsItWhenItIsSet,
+                            isExportedAsAnArrayOfCopies, throwsBadAllocForAnArrayBeyondTheAddressSpace, hasNoSource);

@@ -40,7 +40,9 @@ TEST(Main, answersWrongUsageWithThree)
     const ProcessResult result = runTarn({"run"});
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.out, "");
-    EXPECT_THAT(result.err, testing::MatchesRegex("tarn: no NETWORK.toml, expected tarn run NETWORK.toml (.|\n)*tarn: see tarn --help\n"));
+    EXPECT_THAT(
+        result.err,
+        testing::MatchesRegex("tarn: no NETWORK.toml, expected tarn run NETWORK.toml (.|\n)*tarn: see tarn --help\n"));
 }
 
 TEST(Main, answersAnUnreadableNetworkWithFour)
@@ -110,7 +112,8 @@ TEST(Main, answersATableThatCannotBeWrittenWithFour)
     ASSERT_TRUE(isSafeToWriteDevices());
     const TestFolder folder;
     const std::string file = folder.write("net.toml", network);
-    for (const std::string& table : {folder.file("none/table.csv"), file + "/table.csv", folder.path(), std::string("/dev/full")}) {
+    for (const std::string& table :
+         {folder.file("none/table.csv"), file + "/table.csv", folder.path(), std::string("/dev/full")}) {
         SCOPED_TRACE(table);
         const ProcessResult result = runTarn({"run", file, "--table=" + table});
         EXPECT_EQ(result.status, 4);

@@ -120,12 +120,12 @@ void TarnProcess::send(int signal) const
 
 ProcessResult TarnProcess::wait()
 {
-    while (readError()) {
-    }
+    while (readError()) {}
     int status = 0;
     ::waitpid(m_process, &status, 0);
     m_process = -1;
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), contentOf(m_folder.file("out")), m_error};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status), contentOf(m_folder.file("out")),
+            m_error};
 }
 
 ProcessResult runTarn(const std::vector<std::string>& arguments, const TarnProcess::Options& options)

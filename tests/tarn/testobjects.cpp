@@ -316,8 +316,7 @@ public:
 
 class Unfinishable final : public Orla::VObject {
 public:
-    Unfinishable(const std::string& name, int level, const Preferences& preferences)
-        : VObject{name, level, preferences}
+    Unfinishable(const std::string& name, int level, const Preferences& preferences) : VObject{name, level, preferences}
     {
         setupFunctions().insert(
             [](Orla::VSlotContainer*, const Orla::VSlotSet&) { throw std::runtime_error("no partner"); });
@@ -520,7 +519,8 @@ public:
         : VObject{name, level, preferences}
         , m_case{this, "case", Orla::Enum{cases, 4}, 0}
         , m_one{this, "one", Loam::makeStrong<Orla::StringSelection>("plain", names()), 0}
-        , m_many{this, "many", Loam::makeStrong<Orla::MultipleStringSelection>("plain", "plain;pi{e}ces;\u00e4\"\n", ';'), 0}
+        , m_many{this, "many",
+                 Loam::makeStrong<Orla::MultipleStringSelection>("plain", "plain;pi{e}ces;\u00e4\"\n", ';'), 0}
     {
     }
 

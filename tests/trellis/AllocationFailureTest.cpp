@@ -170,7 +170,8 @@ TEST_F(AllocationFailureTest, losesNoChangeThatWasAnnounced)
         },
         [](Subject& subject) {
             const bool failed = VScheduler::run(subject.pool).failures > 0;
-            return failed || subject.nodes[26]->read(subject.pool, "out") == subject.nodes[5]->read(subject.pool, "out") + 1;
+            return failed
+                   || subject.nodes[26]->read(subject.pool, "out") == subject.nodes[5]->read(subject.pool, "out") + 1;
         },
         [](const Subject& subject) {
             VScheduler::schedule(subject.nodes[0], 0, subject.pool);

@@ -153,8 +153,7 @@ TEST_F(VExecutorTest, givesTheSameResultsAndNotificationsAsASerialRun)
             for (int i = 0; i < 2; ++i) {
                 for (const StrongPtr<Node>& node : due)
                     VScheduler::schedule(node, 0, each);
-                summaries[isConcurrent] =
-                    isConcurrent ? VScheduler::run(request, threads) : VScheduler::run(request);
+                summaries[isConcurrent] = isConcurrent ? VScheduler::run(request, threads) : VScheduler::run(request);
             }
             for (const std::string& warning : warnings())
                 entries.push_back(warning);

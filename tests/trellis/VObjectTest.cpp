@@ -239,9 +239,8 @@ TEST_F(VObjectTest, isFoundByAPreferenceThatTheVisitorRequires)
     const auto found = [] {
         std::vector<std::string> names;
         VObject::forEachOutput(
-            typeid(double), [&](const StrongPtr<VObject>& object, const StrongPtr<VSlot>&) {
-                names.push_back(object->Name());
-            },
+            typeid(double),
+            [&](const StrongPtr<VObject>& object, const StrongPtr<VSlot>&) { names.push_back(object->Name()); },
             "wanted");
         return names;
     };

@@ -239,7 +239,7 @@ TEST_F(VParameterTest, tellsReadersOfAComponentOfChangesAroundAndInsideIt)
         const char* member;
         bool innerIsDue;
         bool highIsDue;
-    } cases[] = {{"inner", true, true},      {"inner.high", true, true}, {"inner.low", true, false},
+    } cases[] = {{"inner", true, true},    {"inner.high", true, true}, {"inner.low", true, false},
                  {"weight", false, false}, {"inn", false, false},      {"inner.highest", true, false}};
     for (const auto& [member, innerIsDue, highIsDue] : cases) {
         SCOPED_TRACE(member);

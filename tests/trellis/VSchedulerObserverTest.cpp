@@ -110,8 +110,8 @@ TEST_F(VSchedulerObserverTest, hearsHowUpdatesEnd)
     };
     VScheduler::schedule(a, 2, pool);
     VScheduler::run(pool);
-    EXPECT_THAT(listener.heard(), ElementsAre("a due: scheduled with 2", "a began", "a ended cancelled",
-                                              "a due: cancelled with 2"));
+    EXPECT_THAT(listener.heard(),
+                ElementsAre("a due: scheduled with 2", "a began", "a ended cancelled", "a due: cancelled with 2"));
 }
 
 TEST_F(VSchedulerObserverTest, hearsNothingOfOtherPoolsAndNothingAfterItsTime)

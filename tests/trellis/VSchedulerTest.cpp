@@ -152,9 +152,7 @@ private:
         double sum = 1;
         for (std::size_t input = 0; input < Inputs; ++input) {
             const std::size_t source = plan.sources[input];
-            sum += source == None ? plan.values[input]
-                   : source == Gone ? plan.last[input]
-                                    : m_plan[source].result;
+            sum += source == None ? plan.values[input] : source == Gone ? plan.last[input] : m_plan[source].result;
         }
         plan.result = std::fmod(sum, Node::Modulus);
         plan.due = false;
@@ -423,8 +421,8 @@ TEST_F(VSchedulerTest, reportsWhateverAnUpdateThrowsAndGoesOn)
         EXPECT_EQ(summary.outcome, Outcome::Done);
         EXPECT_EQ(summary.updates, 2u);
         EXPECT_EQ(summary.failures, 1u);
-        EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("Node \"" + std::string(name) + "\""),
-                                                  HasSubstr(message))));
+        EXPECT_THAT(warnings(),
+                    ElementsAre(AllOf(HasSubstr("Node \"" + std::string(name) + "\""), HasSubstr(message))));
         EXPECT_EQ(independent->runs, 1u);
         EXPECT_EQ(reader->runs, 0u);
         EXPECT_EQ(reader->read(pool, "out"), 2) << "the last good values stay";

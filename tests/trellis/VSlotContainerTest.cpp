@@ -518,11 +518,11 @@ TEST_F(VSlotContainerTest, endsAtARingOfPassedInputs)
 TEST_F(VSlotContainerTest, endsAtARingInWhichEveryRoundSelectsAComponent)
 {
     // A number that has a number as its part.
-    const VValueComponents halves{typeid(double), {{"half", &typeid(double), [](VValueBase& whole) {
-                                                        return StrongPtr<VValueBase>(testValue(
-                                                            StrongPtr<Typed<double>>(WeakPtrImpl<VValueBase>(&whole))
-                                                                ->get() / 2));
-                                                    }}}};
+    const VValueComponents halves{
+        typeid(double), {{"half", &typeid(double), [](VValueBase& whole) {
+                              return StrongPtr<VValueBase>(
+                                  testValue(StrongPtr<Typed<double>>(WeakPtrImpl<VValueBase>(&whole))->get() / 2));
+                          }}}};
     const auto first = makePassing("first");
     const auto second = makePassing("second");
     const auto source = makeNode("source");

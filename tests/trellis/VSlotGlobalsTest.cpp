@@ -16,8 +16,8 @@ class VSlotGlobalsTest : public FrameworkTest {};
 TEST_F(VSlotGlobalsTest, reportsASlotWithoutAContainerAndGoesOn)
 {
     VSlotGlobals::assertionFail(nullptr, "limit", typeid(double));
-    EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("\"limit\""), HasSubstr("double"),
-                                              HasSubstr("without a container"))));
+    EXPECT_THAT(warnings(),
+                ElementsAre(AllOf(HasSubstr("\"limit\""), HasSubstr("double"), HasSubstr("without a container"))));
 }
 
 TEST_F(VSlotGlobalsTest, namesTheContainerThatASlotDoesNotSuit)

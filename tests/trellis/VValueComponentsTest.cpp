@@ -73,12 +73,13 @@ TEST_F(VValueComponentsTest, stepInWhenTheLibraryGoesThatOfferedThemFirst)
 
 TEST_F(VValueComponentsTest, mayAskForOthersWhileTheyAreMade)
 {
-    const VValueComponents components{
-        typeid(Point), {{"first letter", &typeid(double), [](VValueBase& whole) {
-                             return VValueComponents::names(whole.getType()).size() == 2
-                                        ? VValueComponents::make(whole, "x")
-                                        : nullptr;
-                         }},
-                        TestPart<Point, &Point::x>::component("x")}};
+    const VValueComponents components{typeid(Point),
+                                      {{"first letter", &typeid(double),
+                                        [](VValueBase& whole) {
+                                            return VValueComponents::names(whole.getType()).size() == 2
+                                                       ? VValueComponents::make(whole, "x")
+                                                       : nullptr;
+                                        }},
+                                       TestPart<Point, &Point::x>::component("x")}};
     EXPECT_EQ(contentOf(testValue(Point{})->component("first letter")), 1);
 }

@@ -164,7 +164,8 @@ public:
                     lock.unlock();
                 }
                 if (view) {
-                    VRequest own(view, [this](double fraction) { report(fraction); }, cancellation);
+                    VRequest own(
+                        view, [this](double fraction) { report(fraction); }, cancellation);
                     lock.lock();
                     work(lock, view, own);
                     lock.unlock();
@@ -274,8 +275,8 @@ bool ConcurrentRun::recordChange(const VParameter& parameter, const std::string&
         && slot->member().empty() && frame.hasCell(slot->place().cell))
         return recordChange(frame, slot->place().cell);
     Job::Event event;
-    event.announcement.reset(new Job::Announcement{
-        WeakPtrImpl<VParameter>(const_cast<VParameter*>(&parameter)).lock(), member});
+    event.announcement.reset(
+        new Job::Announcement{WeakPtrImpl<VParameter>(const_cast<VParameter*>(&parameter)).lock(), member});
     job->events.push_back(std::move(event));
     return true;
 }

@@ -58,11 +58,11 @@ private:
     VExecutor& m_executor;
     const std::chrono::nanoseconds m_handOverTime;
     std::shared_ptr<Team> m_team;
-    std::unique_lock<std::mutex> m_plan; // released while this thread runs objects or waits
+    std::unique_lock<std::mutex> m_plan;                   // released while this thread runs objects or waits
     std::vector<std::unique_ptr<Job>> m_batch;             // jobs of one order number, in serial order
     std::map<const VFrame*, std::unique_ptr<Job>> m_early; // jobs that started before their turn
-    SpareJobs* m_spare = nullptr; // owned by the pool
-    std::optional<Clock::time_point> m_lastEnd; // of a series of short updates
+    SpareJobs* m_spare = nullptr;                          // owned by the pool
+    std::optional<Clock::time_point> m_lastEnd;            // of a series of short updates
     std::exception_ptr m_executorError;
     unsigned m_hired = 0;
 };

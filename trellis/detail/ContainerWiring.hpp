@@ -29,17 +29,17 @@ class NetworkCore;
 struct ContainerWiring {
     NetworkCore* network = nullptr; // owned by the container
     VObject* object = nullptr;
-    Loam::ReferenceBlock* block = nullptr; // the object's; may be asked while it is being destroyed
-    const std::string* name = nullptr; // the object's
-    PointerList<VFrame> frames;        // one per pool that uses the container
+    Loam::ReferenceBlock* block = nullptr;                 // the object's; may be asked while it is being destroyed
+    const std::string* name = nullptr;                     // the object's
+    PointerList<VFrame> frames;                            // one per pool that uses the container
     std::unique_ptr<std::vector<std::uint32_t>> freeCells; // of inputs that were removed
-    std::uint32_t index = 0;        // among the containers of the network
-    std::uint32_t cells = 0;        // one per input and per declared output
-    std::uint32_t order = 0;        // see `VSlotContainer::evaluationOrder`
-    std::uint32_t orderAfter = 0;   // readers outside a loop come after all of the loop
-    std::uint32_t mark = 0;         // scratch memory of the ordering
-    std::uint32_t pendingPlace = 0; // among those whose order must be worked out, counted from 1
-    std::atomic<const void*> runner{nullptr}; // the thread that updates an object which keeps state
+    std::uint32_t index = 0;                               // among the containers of the network
+    std::uint32_t cells = 0;                               // one per input and per declared output
+    std::uint32_t order = 0;                               // see `VSlotContainer::evaluationOrder`
+    std::uint32_t orderAfter = 0;                          // readers outside a loop come after all of the loop
+    std::uint32_t mark = 0;                                // scratch memory of the ordering
+    std::uint32_t pendingPlace = 0;                        // among those whose order must be worked out, counted from 1
+    std::atomic<const void*> runner{nullptr};              // the thread that updates an object which keeps state
     SpinLock framesLock;
     bool inLoop = false;
     bool isEvaluated = false;   // request processing was enabled

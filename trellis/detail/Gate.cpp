@@ -168,7 +168,9 @@ bool Gate::isUsed() const noexcept
 void Gate::wake() noexcept
 {
     // The lock makes sure that a thread which found its condition false sleeps by now.
-    { const std::lock_guard lock{m_mutex}; }
+    {
+        const std::lock_guard lock{m_mutex};
+    }
     m_changed.notify_all();
 }
 

@@ -82,12 +82,12 @@ private:
     void waitForChanges() noexcept;
     bool isUsed() const noexcept;
 
-    std::atomic<unsigned> m_wanted{0};             // changes that run or wait
-    std::atomic<const void*> m_changer{nullptr};   // the thread that changes the network
-    unsigned m_depth = 0;                          // of the changer's nested changes
+    std::atomic<unsigned> m_wanted{0};           // changes that run or wait
+    std::atomic<const void*> m_changer{nullptr}; // the thread that changes the network
+    unsigned m_depth = 0;                        // of the changer's nested changes
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
-    std::vector<std::shared_ptr<User>> m_users;    // guarded by the mutex
+    std::vector<std::shared_ptr<User>> m_users; // guarded by the mutex
 };
 
 } // namespace Orla::Detail

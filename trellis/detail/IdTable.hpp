@@ -115,7 +115,8 @@ private:
 
     void grow()
     {
-        std::vector<Entry> old = std::exchange(m_entries, std::vector<Entry>(m_entries.empty() ? 4 : 2 * m_entries.size()));
+        std::vector<Entry> old =
+            std::exchange(m_entries, std::vector<Entry>(m_entries.empty() ? 4 : 2 * m_entries.size()));
         m_shift = 64;
         for (std::size_t size = m_entries.size(); size > 1; size /= 2)
             --m_shift;

@@ -229,8 +229,8 @@ VFrame* PoolState::makeFrame(VSlotContainer& container)
         return nullptr;
     const UseScope use{*m_network};
     if ((m_frameCount + 1) * 4 > m_frames.size() * 3) {
-        std::vector<VFrame*> old = std::exchange(
-            m_frames, std::vector<VFrame*>(std::max<std::size_t>(4, 2 * m_frames.size())));
+        std::vector<VFrame*> old =
+            std::exchange(m_frames, std::vector<VFrame*>(std::max<std::size_t>(4, 2 * m_frames.size())));
         for (VFrame* each : old) {
             if (!each)
                 continue;
@@ -288,8 +288,8 @@ void PoolState::growCells(VFrame& frame, std::uint32_t count)
     if (old && old->count >= wanted)
         return;
     const std::uint32_t size = std::max(wanted, old ? 2 * old->count : 0);
-    auto* const more = static_cast<VFrame::MoreCells*>(
-        ::operator new(sizeof(VFrame::MoreCells) + size * sizeof(VFrame::WideCell)));
+    auto* const more =
+        static_cast<VFrame::MoreCells*>(::operator new(sizeof(VFrame::MoreCells) + size * sizeof(VFrame::WideCell)));
     more->count = size;
     for (std::uint32_t i = 0; i < size; ++i)
         ::new (more->cells() + i) VFrame::WideCell{};
@@ -819,8 +819,7 @@ void PoolState::announcePending()
     forEachFrame([&](VFrame& frame) {
         forEachCell(*frame.m_container, [&](VSlot& slot) {
             const std::uint32_t cell = slot.place().cell;
-            if (frame.hasCell(cell)
-                && (frame.flags(cell) & VFrame::Unannounced) != 0)
+            if (frame.hasCell(cell) && (frame.flags(cell) & VFrame::Unannounced) != 0)
                 pending.emplace_back(&frame, cell);
         });
     });
@@ -989,14 +988,14 @@ bool PoolState::hasChanged(VFrame& frame, std::uint32_t cell) noexcept
     if (!frame.hasCell(cell) || !frame.cell(cell).value)
         return false;
     return frame.m_lastRun == 0 || (frame.flags(cell) & VFrame::Rewired) != 0
-        || frame.cell(cell).value->age().stamp() >= frame.m_lastRun;
+           || frame.cell(cell).value->age().stamp() >= frame.m_lastRun;
 }
 
 // An object that failed does not wait for others of its own loop, which wait for it.
 bool PoolState::makesWait(const VFrame& source, const VFrame& reader) noexcept
 {
     const bool isSameLoop = source.m_isInLoop && reader.m_isInLoop
-                         && source.m_container->wiring().orderAfter == reader.m_container->wiring().orderAfter;
+                            && source.m_container->wiring().orderAfter == reader.m_container->wiring().orderAfter;
     return &source != &reader && !(reader.m_hasFailed && isSameLoop);
 }
 
@@ -1011,7 +1010,7 @@ bool PoolState::readsMissing(VFrame& frame) noexcept
         const std::uint32_t cell = slot.place().cell;
         const VFrame* const source = sourceOfResult(slot);
         isMissing = (frame.hasCell(cell) && (frame.flags(cell) & VFrame::FromFailed) != 0)
-                 || (source && makesWait(*source, frame) && lacksResults(*source));
+                    || (source && makesWait(*source, frame) && lacksResults(*source));
     });
     return isMissing;
 }

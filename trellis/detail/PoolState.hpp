@@ -258,10 +258,7 @@ public:
     bool isStopped(const VFrame& frame) const noexcept { return frame.m_runs > MaximalRuns; }
 
     /// Notes which member of a loop runs, if it is one.
-    void enterLoop(const VFrame& frame) noexcept
-    {
-        loopPosition = frame.m_isInLoop ? std::int64_t{frame.m_order} : -1;
-    }
+    void enterLoop(const VFrame& frame) noexcept { loopPosition = frame.m_isInLoop ? std::int64_t{frame.m_order} : -1; }
 
     /// True if the frame must wait until the loop before it has settled.
     bool isBehindRound(const VFrame& frame) const noexcept { return frame.m_order > roundEnd; }
@@ -399,9 +396,9 @@ private:
     IdTable<Variable> m_variables; // of parameters that have no cell, by address
     std::vector<NamedVariable> m_names;
     std::unordered_map<std::string, std::size_t> m_nameIndex; // only for many variables
-    IdTable<double> m_precisions;  // by frame
-    std::vector<ValuePool*> m_views; // of this pool
-    std::size_t m_deadCount = 0;     // dead frames in the queues
+    IdTable<double> m_precisions;                             // by frame
+    std::vector<ValuePool*> m_views;                          // of this pool
+    std::size_t m_deadCount = 0;                              // dead frames in the queues
     bool m_isOutOfOrder = false;
 };
 

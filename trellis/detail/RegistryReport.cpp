@@ -16,8 +16,7 @@ std::string ownerOf(const std::type_info& type, const std::type_info& creator)
     return owner;
 }
 
-bool acceptedOrReported(const char* kind, const std::string& name, const std::string& owner,
-                        const std::string& holder)
+bool acceptedOrReported(const char* kind, const std::string& name, const std::string& owner, const std::string& holder)
 {
     if (holder.empty())
         return true;

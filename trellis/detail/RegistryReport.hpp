@@ -10,7 +10,6 @@ std::string ownerOf(const std::type_info& type, const std::type_info& creator);
 
 /// True if \p holder is empty. Otherwise warns that \p owner wanted \p name,
 /// which \p holder has, and returns false.
-bool acceptedOrReported(const char* kind, const std::string& name, const std::string& owner,
-                        const std::string& holder);
+bool acceptedOrReported(const char* kind, const std::string& name, const std::string& owner, const std::string& holder);
 
 } // namespace Orla::Detail

@@ -7,10 +7,7 @@
 namespace Orla::Detail {
 
 SerialRun::SerialRun(PoolState& pool, VRequest& request)
-    : m_pool{pool}
-    , m_network{*pool.network()}
-    , m_request{request}
-    , m_current{m_network}
+    : m_pool{pool}, m_network{*pool.network()}, m_request{request}, m_current{m_network}
 {
     m_pool.isRunning = true;
     m_pool.beginPass();
@@ -74,8 +71,8 @@ void SerialRun::stopLoop(VFrame& frame)
                 m_pool.stop(*stopped);
         }
     }
-    VActionNotifier::Warning("A loop did not settle and was stopped after "
-                             + std::to_string(VScheduler::MaximalRounds) + " rounds: " + members);
+    VActionNotifier::Warning("A loop did not settle and was stopped after " + std::to_string(VScheduler::MaximalRounds)
+                             + " rounds: " + members);
 }
 
 } // namespace Orla::Detail

@@ -153,8 +153,7 @@ NetworkCore* Wiring::networkOf(const VParameter& parameter) noexcept
     return nullptr;
 }
 
-void Wiring::connect(VSlot& slot, const StrongPtr<VParameter>& parameter, const std::string& member,
-                     VSlot* leader)
+void Wiring::connect(VSlot& slot, const StrongPtr<VParameter>& parameter, const std::string& member, VSlot* leader)
 {
     NetworkCore& network = *slot.m_container->wiring().network;
     const ChangeScope change{network};
@@ -177,10 +176,10 @@ void Wiring::connect(VSlot& slot, const StrongPtr<VParameter>& parameter, const 
             // Slots may follow each other in a ring, which ends where it began.
             if (!follower->m_container || !known.insert(follower).second)
                 continue;
-            steps.push_back({WeakPtrImpl<VSlot>(follower).lock(),
-                             VValueComponents::join(steps[i].member, VValueComponents::rest(follower->member(),
-                                                                                            each->member())),
-                             {}});
+            steps.push_back(
+                {WeakPtrImpl<VSlot>(follower).lock(),
+                 VValueComponents::join(steps[i].member, VValueComponents::rest(follower->member(), each->member())),
+                 {}});
         }
     }
     std::erase_if(steps, [&](const Step& step) {

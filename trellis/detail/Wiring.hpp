@@ -35,8 +35,7 @@ public:
 
     /// Lets \p slot read \p member of \p parameter and, with a \p leader, whatever that
     /// slot reads from now on.
-    static void connect(VSlot& slot, const StrongPtr<VParameter>& parameter, const std::string& member,
-                        VSlot* leader);
+    static void connect(VSlot& slot, const StrongPtr<VParameter>& parameter, const std::string& member, VSlot* leader);
 
     /// The slot through which \p parameter passes an input on, or null.
     static VSlot* passingSlot(const VParameter& parameter) noexcept;

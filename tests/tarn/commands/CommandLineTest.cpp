@@ -85,7 +85,10 @@ TEST(CommandLine, takesThePlusFromANameThatBeginsWithOne)
 
 TEST(CommandLine, saysWhatIsWrong)
 {
-    const struct { std::vector<std::string> words; const char* refusal; } cases[] = {
+    const struct {
+        std::vector<std::string> words;
+        const char* refusal;
+    } cases[] = {
         {{}, "no command; there are cook, list"},
         {{""}, "unknown command \"\"; there are cook, list"},
         {{"coko"}, "unknown command \"coko\"; did you mean \"cook\"?"},
@@ -110,7 +113,10 @@ TEST(CommandLine, saysWhatIsWrong)
 
 TEST(CommandLine, helpsWithEachCommandAndWithAllWhateverElseIsWrong)
 {
-    const struct { std::vector<std::string> words; const Command* command; } cases[] = {
+    const struct {
+        std::vector<std::string> words;
+        const Command* command;
+    } cases[] = {
         {{"--help"}, nullptr},
         {{"-h"}, nullptr},
         {{"cook", "--help"}, &cook},

@@ -198,8 +198,7 @@ TEST(Convert, takesNamesOfEveryKind)
     const std::string network = head + "chart = \"a \\\"chart\\\" ä\"\n"
                                 + object("say \\\"ä\\\"\\n{}'\\t\\\\", "Dotted", "set.\"in.a=b\" = 5\n")
                                 + object(" ", "Echo", "set.text = \"\"\n")
-                                + object("🌍.x", "Adder",
-                                         "connect.a = \"say \\\"ä\\\"\\n{}'\\t\\\\.out.range.time\"\n");
+                                + object("🌍.x", "Adder", "connect.a = \"say \\\"ä\\\"\\n{}'\\t\\\\.out.range.time\"\n");
     const Converted result = convert(network);
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.text, network);
@@ -210,26 +209,36 @@ TEST(Convert, savesWhatTheCommandLineSets)
     const Converted result = convert(head + object("a", "Adder", "set.a = 1\n") + object("e", "Echo"),
                                      {"--set=a.a=1", "--set=a.a=40", "--set=a.b=2.50", "--set=e.text=x\n=\"ä\""});
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.text,
-              head + object("a", "Adder", "set.a = 40\nset.b = 2.5\n") + object("e", "Echo", "set.text = \"x\\n=\\\"ä\\\"\"\n"));
+    EXPECT_EQ(result.text, head + object("a", "Adder", "set.a = 40\nset.b = 2.5\n")
+                               + object("e", "Echo", "set.text = \"x\\n=\\\"ä\\\"\"\n"));
     EXPECT_EQ(result.err, "net.toml: 2 objects, 0 connections, written to once.toml\n");
 }
 
 TEST(Convert, refusesWhatCannotBeKeptWithItsPlace)
 {
-    const struct { std::string network; std::vector<std::string> options; const char* fault; } cases[] = {
-        {head + object("t", "TicketReader", "set.ticket = 'one'\n"), {},
+    const struct {
+        std::string network;
+        std::vector<std::string> options;
+        const char* fault;
+    } cases[] = {
+        {head + object("t", "TicketReader", "set.ticket = 'one'\n"),
+         {},
          "net.toml:7:14: object \"t\", input \"ticket\": the value cannot be kept: no text that a file can hold "
          "restores it\n"},
-        {head + object("e", "Echo"), {"--set=e.text=\xFF"},
+        {head + object("e", "Echo"),
+         {"--set=e.text=\xFF"},
          "--set=e.text=\xFF: the value cannot be kept: the text is no UTF-8\n"},
-        {head + object("t", "Strange"), {"--set=t.x=1"},
+        {head + object("t", "Strange"),
+         {"--set=t.x=1"},
          "--set=t.x=1: object \"t\" has no inputs, because its type is not known\n"},
-        {head + object("a", "Adder", "set.c = 1\n"), {},
+        {head + object("a", "Adder", "set.c = 1\n"),
+         {},
          "net.toml:7:5: object \"a\": Adder has no input \"c\"; there are a, b\n"},
-        {head + object("a", "Adder", "colour = 1\n"), {},
+        {head + object("a", "Adder", "colour = 1\n"),
+         {},
          "net.toml:7:1: object \"a\": unknown key \"colour\"; there are name, type, set, connect\n"},
-        {head + object("a", "Adder", "connect.a = 'b.sum'\n"), {},
+        {head + object("a", "Adder", "connect.a = 'b.sum'\n"),
+         {},
          "net.toml:7:13: object \"a\", input \"a\": no object is named \"b\"\n"},
         {head + object("a", "Adder", "set.a = 1\nset.a = 2\n"), {}, "net.toml:8:"},
         {"format = 2\n", {}, "net.toml:1:10: format 2: saved by a newer version; this one reads format 1\n"},
@@ -249,29 +258,35 @@ TEST(Convert, readsTheExactTextAndNotTheOneThatIsShown)
         return head + object("all", "Everything", "set.MultiRange = " + value + "\n");
     };
     const std::string saved = network("{ text = \"[1.000000;4.000000]\", exact = \"[1;2;3;4]\" }");
-    EXPECT_EQ(convert(network("'[1; 2; 3; 4]'")).text, network("{ text = \"[1.000000;4.000000]\", exact = \"[1; 2; 3; 4]\" }"));
+    EXPECT_EQ(convert(network("'[1; 2; 3; 4]'")).text,
+              network("{ text = \"[1.000000;4.000000]\", exact = \"[1; 2; 3; 4]\" }"));
     EXPECT_EQ(convert(saved).text, saved);
     EXPECT_EQ(convert(network("{ exact = '[1;2;3;4]' }")).text, saved);
     EXPECT_EQ(convert(network("{ exact = '[1;2]' }")).text, network("\"[1.000000;2.000000]\""));
     EXPECT_EQ(convert(saved, {"--set=all.MultiRange=[5;6]"}).text, network("\"[5.000000;6.000000]\""));
     const Converted edited = convert(network("{ text = '[1.000000;5.000000]', exact = '[1;2;3;4]' }"));
     EXPECT_EQ(edited.status, 2);
-    EXPECT_THAT(edited.err, HasSubstr("net.toml:7:27: object \"all\", input \"MultiRange\": the text \"[1.000000;5.000000]\" "
-                                      "is not what the exact text gives, \"[1.000000;4.000000]\"; leave one of the two out\n"));
+    EXPECT_THAT(edited.err,
+                HasSubstr("net.toml:7:27: object \"all\", input \"MultiRange\": the text \"[1.000000;5.000000]\" "
+                          "is not what the exact text gives, \"[1.000000;4.000000]\"; leave one of the two out\n"));
 }
 
 TEST(Convert, keepsObjectsOfUnknownTypeInTheirPlaceAndSaysSo)
 {
-    const std::string network = "format = 1\nlibraries = [\"testobjects\", \"none\"]\n" + object("a", "Adder", "set.a = 1\n")
-                                + object("odd", "Strange", "set.x = [1, { y = 2.0 }]\nset.text = \"{}\"\nwhen = 1979-05-27\n"
-                                                           "connect.z = \"a.sum\"\n")
+    const std::string network = "format = 1\nlibraries = [\"testobjects\", \"none\"]\n"
+                                + object("a", "Adder", "set.a = 1\n")
+                                + object("odd", "Strange",
+                                         "set.x = [1, { y = 2.0 }]\nset.text = \"{}\"\nwhen = 1979-05-27\n"
+                                         "connect.z = \"a.sum\"\n")
                                 + object("b", "Adder", "connect.a = \"odd.out\"\n")
                                 + "\n[[column]]\ntitle = \"odd\"\nvalue = \"odd.out.part\"\n";
     const Converted result = convert(network);
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.text, network);
     EXPECT_THAT(result.err, HasSubstr("net.toml:2:29: library \"none\" was not found"));
-    EXPECT_THAT(result.err, HasSubstr("net.toml:11:8: object \"odd\": no library has an object type \"Strange\" (not loaded: \"none\")\n"));
+    EXPECT_THAT(
+        result.err,
+        HasSubstr("net.toml:11:8: object \"odd\": no library has an object type \"Strange\" (not loaded: \"none\")\n"));
     EXPECT_THAT(result.err, HasSubstr("net.toml: 2 faults; what is not known was written as it stood\n"));
 }
 
@@ -283,7 +298,8 @@ TEST(Convert, refusesWhatIsNestedTooDeeplyToBeWritten)
     const Converted result = convert(head + object("odd", "Strange", "deep = " + inner + "\n"));
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.text, "");
-    EXPECT_THAT(result.err, HasSubstr("net.toml:7:8: object \"odd\": \"deep\" is nested too deeply to be written again\n"));
+    EXPECT_THAT(result.err,
+                HasSubstr("net.toml:7:8: object \"odd\": \"deep\" is nested too deeply to be written again\n"));
 }
 
 TEST(Convert, writesOntoItselfAndToStandardOutput)
@@ -372,13 +388,16 @@ TEST(Convert, keepsNamesOfFilesValidInAnotherFolder)
     EXPECT_EQ(result.status, 2); // because of the strange object
     EXPECT_EQ(contentOf(moved), network("../old/data/greeting.txt", "../old/word"));
     const std::string start = old + ": object ";
-    EXPECT_THAT(result.err,
-                HasSubstr(start + "\"file\", input \"file\": \"data/greeting.txt\" is written as "
-                                  "\"../old/data/greeting.txt\", which is the same file from the new folder\n"));
+    EXPECT_THAT(result.err, HasSubstr(start
+                                      + "\"file\", input \"file\": \"data/greeting.txt\" is written as "
+                                        "\"../old/data/greeting.txt\", which is the same file from the new folder\n"));
     EXPECT_THAT(result.err, HasSubstr(start + "\"e\", input \"text\": \"word\" is written as \"../old/word\""));
-    EXPECT_THAT(result.err, HasSubstr(start + "\"f\", input \"text\": \"folder\" is also the name of a folder, and is left as it is\n"));
-    EXPECT_THAT(result.err, HasSubstr(start + "\"odd\", input \"file\": \"data/greeting.txt\" names a file and is left as it "
-                                              "is, because the type of the object is not known\n"));
+    EXPECT_THAT(
+        result.err,
+        HasSubstr(start + "\"f\", input \"text\": \"folder\" is also the name of a folder, and is left as it is\n"));
+    EXPECT_THAT(result.err, HasSubstr(start
+                                      + "\"odd\", input \"file\": \"data/greeting.txt\" names a file and is left as it "
+                                        "is, because the type of the object is not known\n"));
     EXPECT_THAT(result.err, Not(HasSubstr("none")));
 
     EXPECT_EQ(runTarn({"convert", "--keep-names", old, moved}).status, 2);
@@ -393,9 +412,9 @@ TEST(Convert, writesNetworksThatRunAsBefore)
 {
     const TestFolder folder;
     folder.write("old/data/greeting.txt", "hello\n");
-    const std::string old = folder.write("old/net.toml",
-                                         head + object("file", "FileReader", "set.file = \"data/greeting.txt\"\n")
-                                             + "\n[[column]]\ntitle = \"line\"\nvalue = \"file.line\"\n");
+    const std::string old =
+        folder.write("old/net.toml", head + object("file", "FileReader", "set.file = \"data/greeting.txt\"\n")
+                                         + "\n[[column]]\ntitle = \"line\"\nvalue = \"file.line\"\n");
     std::filesystem::create_directories(folder.file("new"));
     EXPECT_EQ(runTarn({"convert", "old/net.toml", "new/net.toml"}, {{}, "cd " + folder.path()}).status, 0);
     const ProcessResult result = runTarn({"run", folder.file("new/net.toml"), "--table=-"});
@@ -412,8 +431,10 @@ TEST(Convert, saysWhichLibrariesStayBehind)
     const std::string elsewhere = "export TARN_LIBRARIES=";
     const ProcessResult result = runTarn({"convert", old, folder.file("new/net.toml")}, {{}, elsewhere});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.err, HasSubstr(old + ": library \"testobjects\" is not found from the new folder; it lies beside the "
-                                            "old network\n"));
+    EXPECT_THAT(result.err,
+                HasSubstr(old
+                          + ": library \"testobjects\" is not found from the new folder; it lies beside the "
+                            "old network\n"));
     EXPECT_THAT(runTarn({"convert", old, old}, {{}, elsewhere}).err, Not(HasSubstr("beside the old network")));
 }
 

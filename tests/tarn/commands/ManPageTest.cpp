@@ -63,7 +63,9 @@ TEST(ManPage, hasASectionForEachCommandWithItsOptions)
 {
     const std::string page = manPage({&cook});
     EXPECT_THAT(page, StartsWith(".TH TARN 1 \"\" \"tarn "));
-    EXPECT_THAT(page, HasSubstr(".SH SYNOPSIS\n.ad l\n.HP 8\n\\fBtarn cook\\fR RECIPE [\\-\\-add=SPICE]... [\\-\\-well\\-done]\n"));
+    EXPECT_THAT(
+        page,
+        HasSubstr(".SH SYNOPSIS\n.ad l\n.HP 8\n\\fBtarn cook\\fR RECIPE [\\-\\-add=SPICE]... [\\-\\-well\\-done]\n"));
     EXPECT_THAT(page, HasSubstr(".SS cook\n.PP\nCooks.\n"
                                 ".TP\n\\fB\\-\\-add\\fR=\\fISPICE\\fR\nAdds a\nspice.\n"
                                 ".TP\n\\fB\\-\\-well\\-done\\fR\nTakes longer.\n"

@@ -24,7 +24,8 @@ TEST(StandardStreams, keepStandardOutputForResults)
     const ProcessResult result = runTarn({"run", folder.write("net.toml", network), "--table=-"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "step,text\n0,result\n");
-    for (const char* text : {"talker: puts in the constructor\n", "talker: printf\n", "talker: cout\n", "talker: write\n"})
+    for (const char* text :
+         {"talker: puts in the constructor\n", "talker: printf\n", "talker: cout\n", "talker: write\n"})
         EXPECT_THAT(result.err, HasSubstr(text));
 }
 

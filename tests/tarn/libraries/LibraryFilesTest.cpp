@@ -81,8 +81,9 @@ TEST(LibraryFiles, failTheCommandOnlyIfTheyWereNamed)
     const TarnProcess::Options options{.environment = {}, .shell = "cd '" + folder.path() + "'"};
     const ProcessResult all = runTarn({"libraries"}, options);
     EXPECT_EQ(all.status, 0);
-    EXPECT_THAT(all.out, HasSubstr("broken, " + folder.file("broken.so") + "\n  refused: library \"broken\" cannot be loaded: "
-                                   + folder.file("broken.so") + ": file too short\n"));
+    EXPECT_THAT(all.out,
+                HasSubstr("broken, " + folder.file("broken.so") + "\n  refused: library \"broken\" cannot be loaded: "
+                          + folder.file("broken.so") + ": file too short\n"));
     const ProcessResult named = runTarn({"libraries", "broken"}, options);
     EXPECT_EQ(named.status, 2);
     EXPECT_THAT(named.out, HasSubstr("file too short\n"));

@@ -9,8 +9,8 @@ using testing::HasSubstr;
 namespace {
 
 const std::string charted = object("land", "Chartmaker", "set = { charts = 'geographic,plate carree' }\n")
-                            + object("sea", "Chartmaker", "set = { charts = 'geocentric' }\n") + object("map", "Follower")
-                            + column("chart", "map.out");
+                            + object("sea", "Chartmaker", "set = { charts = 'geocentric' }\n")
+                            + object("map", "Follower") + column("chart", "map.out");
 
 } // namespace
 
@@ -24,8 +24,8 @@ TEST(ChartChoice, isLeftToTheObjectsUnlessOneIsNamed)
 
 TEST(ChartChoice, makesTheWholeNetworkFollowOneChart)
 {
-    const ProcessResult result = evaluate(charted + object("second", "Follower") + column("also", "second.out"),
-                                          {"--chart=plate carree"});
+    const ProcessResult result =
+        evaluate(charted + object("second", "Follower") + column("also", "second.out"), {"--chart=plate carree"});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "step,chart,also\n0,plate carree,plate carree\n");
 }

@@ -21,8 +21,8 @@ namespace {
 
 std::string unescaped(std::string text)
 {
-    const std::pair<const char*, const char*> entities[] = {{"&lt;", "<"},   {"&gt;", ">"},   {"&quot;", "\""},
-                                                            {"&#39;", "'"},  {"&#45;", "-"},  {"&#160;", " "},
+    const std::pair<const char*, const char*> entities[] = {{"&lt;", "<"},  {"&gt;", ">"},  {"&quot;", "\""},
+                                                            {"&#39;", "'"}, {"&#45;", "-"}, {"&#160;", " "},
                                                             {"&amp;", "&"}}; // last
     for (const auto& [entity, letter] : entities) {
         for (std::size_t at = 0; (at = text.find(entity, at)) != std::string::npos; ++at)
@@ -71,8 +71,9 @@ NetworkGraph named(const std::string& name)
 
 TEST(GraphPicture, showsNamesAsTheyAre)
 {
-    for (const std::string name : {"plain", "Größe 日本 😀", "<b>bold</b>", "\"quotes\"", "{x|y}", "&amp; &lt; &#65; &nope; &",
-                                   "\\N \\G \\\\ \\", "</TABLE>>]", "<!-- -->", "a;b,c=d"}) {
+    for (const std::string name :
+         {"plain", "Größe 日本 😀", "<b>bold</b>", "\"quotes\"", "{x|y}", "&amp; &lt; &#65; &nope; &", "\\N \\G \\\\ \\",
+          "</TABLE>>]", "<!-- -->", "a;b,c=d"}) {
         SCOPED_TRACE(name);
         EXPECT_THAT(linesOf(drawGraph(dotText(named(name)), PictureFormat::Svg), "object0"),
                     ElementsAre(name, "Type", "in", "out"));
@@ -96,8 +97,13 @@ TEST(GraphPicture, canBeDrawnWhateverIsEmpty)
 TEST(GraphPicture, hasConnectionsInTheirColours)
 {
     NetworkGraph graph{.objects = {{"a", "A", {"in"}, {"out"}}}, .connections = {}};
-    graph.connections.push_back(
-        {.output = {0, 0}, .passesInputOn = false, .input = {0, 0}, .member = "x & \"y\"", .type = "T", .colour = "#8080FF", .isImplicit = true});
+    graph.connections.push_back({.output = {0, 0},
+                                 .passesInputOn = false,
+                                 .input = {0, 0},
+                                 .member = "x & \"y\"",
+                                 .type = "T",
+                                 .colour = "#8080FF",
+                                 .isImplicit = true});
     const std::string svg = drawGraph(dotText(graph), PictureFormat::Svg);
     EXPECT_THAT(svg, testing::ContainsRegex("<path fill=\"none\" stroke=\"#8080ff\" stroke-dasharray=\"5,2\""));
     EXPECT_THAT(svg, HasSubstr(">x &amp; &quot;y&quot;</text>"));
@@ -117,8 +123,13 @@ TEST(GraphPicture, warnsOfColoursThatNobodyKnows)
     const auto log = Loam::makeStrong<Log>();
     Orla::VActionNotifier::add(log);
     NetworkGraph graph = named("a");
-    graph.connections.push_back(
-        {.output = {0, 0}, .passesInputOn = false, .input = {0, 0}, .member = {}, .type = "T", .colour = "blurple", .isImplicit = false});
+    graph.connections.push_back({.output = {0, 0},
+                                 .passesInputOn = false,
+                                 .input = {0, 0},
+                                 .member = {},
+                                 .type = "T",
+                                 .colour = "blurple",
+                                 .isImplicit = false});
     EXPECT_THAT(drawGraph(dotText(graph), PictureFormat::Svg), HasSubstr("</svg>"));
     EXPECT_THAT(log->messages, ElementsAre(HasSubstr("blurple is not a known color")));
 }
@@ -167,7 +178,7 @@ TEST(GraphPicture, isMadeOfWholeNetworksWithoutADisplay)
     EXPECT_EQ(pictures[0], pictures[1]);
     EXPECT_EQ(pictures[2], pictures[3]);
     EXPECT_TRUE(pictures[2].starts_with("\x89PNG\r\n"));
-    EXPECT_THAT(linesOf(pictures[0], "object1"),
-                ElementsAre("odd", "Misnamed", "\uFFFD<b>&", "amp;", "\"{in|x}\\", "N", "</TABLE>", "␁&", "#65;", "\\"));
+    EXPECT_THAT(linesOf(pictures[0], "object1"), ElementsAre("odd", "Misnamed", "\uFFFD<b>&", "amp;", "\"{in|x}\\", "N",
+                                                             "</TABLE>", "␁&", "#65;", "\\"));
     EXPECT_THAT(folder.names(), ElementsAre("net.toml", "one.png", "one.svg", "two.png", "two.svg"));
 }

@@ -149,17 +149,20 @@ value = "say \"ä\"\n.sum"
 
 TEST_F(NetworkBuilder, letsTheLastOverrideCount)
 {
-    EXPECT_THAT(faultsOf("[[object]]\nname = 'a'\ntype = 'Echo'\nset = { text = 'file' }\n",
-                         {"a.text=first", "a.text=b.c=d"}),
-                IsEmpty());
+    EXPECT_THAT(
+        faultsOf("[[object]]\nname = 'a'\ntype = 'Echo'\nset = { text = 'file' }\n", {"a.text=first", "a.text=b.c=d"}),
+        IsEmpty());
     EXPECT_EQ(textOf("a", "text"), "b.c=d");
 }
 
 TEST_F(NetworkBuilder, namesEveryFaultWithObjectAndSlot)
 {
-    const std::string a = "[[object]]\nname = 'a'\ntype = 'Adder'\n";          // lines 2 to 4
+    const std::string a = "[[object]]\nname = 'a'\ntype = 'Adder'\n";              // lines 2 to 4
     const std::string clock = "[[object]]\nname = 'clock'\ntype = 'GlobalTime'\n"; // lines 5 to 7
-    const struct { std::string text; std::vector<std::string> faults; } cases[] = {
+    const struct {
+        std::string text;
+        std::vector<std::string> faults;
+    } cases[] = {
         {"[[object]]\nname = 'a'\ntype = 'Addr'\n",
          {"net:4:8: object \"a\": no library has an object type \"Addr\"; did you mean \"Adder\"?"}},
         {"[[object]]\nname = 'a'\ntype = 'Volume'\n",
@@ -198,8 +201,9 @@ TEST_F(NetworkBuilder, namesEveryFaultWithObjectAndSlot)
          {"net:5:17: object \"a\", input \"a\": no object is named \"clok\"; did you mean \"clock\"?",
           "net:5:45: object \"a\", input \"b\": object \"clock\" of type GlobalTime has no output \"Globaltime\"; did "
           "you mean \"GlobalTime\"?"}},
-        {a + "[[column]]\ntitle = 'x'\nvalue = 'b.sum'\n[[column]]\ntitle = 'y'\nvalue = 'a.sum.time'\n"
-             "[[column]]\ntitle = 'z'\nvalue = 'a.summ'\n[[column]]\ntitle = 'w'\nvalue = 'sum'\n",
+        {a
+             + "[[column]]\ntitle = 'x'\nvalue = 'b.sum'\n[[column]]\ntitle = 'y'\nvalue = 'a.sum.time'\n"
+               "[[column]]\ntitle = 'z'\nvalue = 'a.summ'\n[[column]]\ntitle = 'w'\nvalue = 'sum'\n",
          {"net:7:9: column \"x\": no object is named \"b\"",
           "net:10:9: column \"y\": values of type double have no component \"time\"",
           "net:13:9: column \"z\": object \"a\" of type Adder has no output \"summ\"; did you mean \"sum\"?",
@@ -230,15 +234,16 @@ TEST_F(NetworkBuilder, doesNotBlameThoseWhoReadAnObjectThatCouldNotBeMade)
 
 TEST_F(NetworkBuilder, refusesOverridesThatDoNotFit)
 {
-    EXPECT_THAT(faultsOf("[[object]]\nname = 'first'\ntype = 'Adder'\n"
-                         "[[object]]\nname = 'second'\ntype = 'Adder'\nconnect = { a = 'first.sum' }\n",
-                         {"frist.a=1", "third.a=1", "first.c=1", "first.sum=1", "first.a=x", "second.a=1", "first.b=2"}),
-                ElementsAre("--set=frist.a=1: no object is named \"frist\"; did you mean \"first\"?",
-                            "--set=third.a=1: no object is named \"third\"",
-                            "--set=first.c=1: Adder has no input \"c\"; there are a, b",
-                            "--set=first.sum=1: Adder has no input \"sum\"; there are a, b",
-                            "--set=first.a=x: the text \"x\" is refused, expected a value of type double",
-                            "--set=second.a=1: the input reads \"first.sum\", so that a text would have no effect"));
+    EXPECT_THAT(
+        faultsOf("[[object]]\nname = 'first'\ntype = 'Adder'\n"
+                 "[[object]]\nname = 'second'\ntype = 'Adder'\nconnect = { a = 'first.sum' }\n",
+                 {"frist.a=1", "third.a=1", "first.c=1", "first.sum=1", "first.a=x", "second.a=1", "first.b=2"}),
+        ElementsAre("--set=frist.a=1: no object is named \"frist\"; did you mean \"first\"?",
+                    "--set=third.a=1: no object is named \"third\"",
+                    "--set=first.c=1: Adder has no input \"c\"; there are a, b",
+                    "--set=first.sum=1: Adder has no input \"sum\"; there are a, b",
+                    "--set=first.a=x: the text \"x\" is refused, expected a value of type double",
+                    "--set=second.a=1: the input reads \"first.sum\", so that a text would have no effect"));
 }
 
 TEST_F(NetworkBuilder, finishesNoObjectOfANetworkWithFaults)

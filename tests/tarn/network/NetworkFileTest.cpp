@@ -150,7 +150,10 @@ TEST(NetworkFile, mayBeWrittenInOtherWaysThatTomlKnows)
 
 TEST(NetworkFile, namesEveryFaultAndItsPlace)
 {
-    const struct { const char* text; std::vector<std::string> faults; } cases[] = {
+    const struct {
+        const char* text;
+        std::vector<std::string> faults;
+    } cases[] = {
         {"", {"net:1:1: the file holds no network, expected format = 1"}},
         {"# nothing\n", {"net:1:1: the file holds no network, expected format = 1"}},
         {"libraries = []", {"net:1:1: missing key \"format\", expected format = 1"}},
@@ -160,7 +163,8 @@ TEST(NetworkFile, namesEveryFaultAndItsPlace)
         {"format = 1.0", {"net:1:10: format is a number, expected the integer 1"}},
         // What the keys of a later format mean is not known.
         {"format = 2\nlibraries = 5", {"net:1:10: format 2: saved by a newer version; this one reads format 1"}},
-        {"format = 1\nlibrary = []", {"net:2:1: unknown key \"library\"; there are format, libraries, chart, object, column"}},
+        {"format = 1\nlibrary = []",
+         {"net:2:1: unknown key \"library\"; there are format, libraries, chart, object, column"}},
         {"format = 1\nlibrarys = []", {"net:2:1: unknown key \"librarys\"; did you mean \"libraries\"?"}},
         {"format = 1\nlibraries = 'a'", {"net:2:13: libraries is a text, expected an array of names"}},
         {"format = 1\nlibraries = ['a', 5, '']",
@@ -171,8 +175,10 @@ TEST(NetworkFile, namesEveryFaultAndItsPlace)
           "net:2:22: library \"b\\x00\": expected a plain name, without folder and ending"}},
         {"format = 1\n[object]\nname = 'a'",
          {"net:2:1: object is a table, expected tables under the header [[object]]"}},
-        {"format = 1\nobject = [1]", {"net:2:11: object holds an integer, expected tables under the header [[object]]"}},
-        {"format = 1\ncolumn = 2021-02-03", {"net:2:10: column is a date, expected tables under the header [[column]]"}},
+        {"format = 1\nobject = [1]",
+         {"net:2:11: object holds an integer, expected tables under the header [[object]]"}},
+        {"format = 1\ncolumn = 2021-02-03",
+         {"net:2:10: column is a date, expected tables under the header [[column]]"}},
         {"format = 1\n[[object]]\n",
          {"net:2:1: object number 1: missing key \"name\"", "net:2:1: object number 1: missing key \"type\""}},
         {"format = 1\n[[object]]\nname = 5\ntype = true",
@@ -204,7 +210,8 @@ TEST(NetworkFile, namesEveryFaultAndItsPlace)
           "net:3:9: column number 1: value is an integer, expected a text",
           "net:4:1: column number 1: unknown key \"unit\"; there are title, value"}},
         {"format = 1\na.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a = 1", {"net:2:1: a key of more than 16 parts"}},
-        {"format = 1\nx = 2020-01-01T00:00:00Z", {"net:2:1: unknown key \"x\"; there are format, libraries, chart, object, column"}},
+        {"format = 1\nx = 2020-01-01T00:00:00Z",
+         {"net:2:1: unknown key \"x\"; there are format, libraries, chart, object, column"}},
     };
     for (const auto& [text, faults] : cases) {
         SCOPED_TRACE(text);
@@ -214,7 +221,10 @@ TEST(NetworkFile, namesEveryFaultAndItsPlace)
 
 TEST(NetworkFile, thatIsNoTomlGivesOneFaultWithItsPlace)
 {
-    const struct { std::string text; const char* place; } cases[] = {
+    const struct {
+        std::string text;
+        const char* place;
+    } cases[] = {
         {"format = 1\n[[object]\n", "net:2:"},
         {"format = 1\nname = \"a", "net:2:"},
         {"format = 1\nformat = 1", "net:2:"},
@@ -274,7 +284,8 @@ TEST(ReadFile, saysWhichFileCannotBeReadAndWhy)
         }
         return "read";
     };
-    EXPECT_EQ(failure(folder.file("none")), "cannot read " + folder.file("none") + ": " + std::generic_category().message(ENOENT));
+    EXPECT_EQ(failure(folder.file("none")),
+              "cannot read " + folder.file("none") + ": " + std::generic_category().message(ENOENT));
     EXPECT_EQ(failure(folder.path()), "cannot read " + folder.path() + ": " + std::generic_category().message(EISDIR));
     EXPECT_EQ(failure("/dev/zero"), "cannot read /dev/zero: it is larger than 256 MiB");
 }

@@ -19,7 +19,13 @@ namespace {
 
 NetworkGraph::Connection connection(const std::string& type, const std::string& colour)
 {
-    return {.output = {0, 0}, .passesInputOn = false, .input = {1, 0}, .member = {}, .type = type, .colour = colour, .isImplicit = false};
+    return {.output = {0, 0},
+            .passesInputOn = false,
+            .input = {1, 0},
+            .member = {},
+            .type = type,
+            .colour = colour,
+            .isImplicit = false};
 }
 
 NetworkGraph pair(const std::vector<NetworkGraph::Connection>& connections)
@@ -54,15 +60,17 @@ ProcessResult graph(const std::string& network, const std::string& output = "-")
 {
     const TestFolder folder;
     folder.write("net.toml", networkHead + network);
-    return runTarn({"graph", "net.toml", "--output=" + output}, {.environment = {}, .shell = "cd '" + folder.path() + "'"});
+    return runTarn({"graph", "net.toml", "--output=" + output},
+                   {.environment = {}, .shell = "cd '" + folder.path() + "'"});
 }
 
 } // namespace
 
 TEST(NetworkGraph, drawsWhatTheFileConnectsInFullLines)
 {
-    const ProcessResult result = graph(clockInQuarters + object("a", "Adder", "connect = { a = 'clock.GlobalTime.time' }\n")
-                                       + object("b", "Adder", "connect = { b = 'a.sum', a = 'b.sum' }\n"));
+    const ProcessResult result =
+        graph(clockInQuarters + object("a", "Adder", "connect = { a = 'clock.GlobalTime.time' }\n")
+              + object("b", "Adder", "connect = { b = 'a.sum', a = 'b.sum' }\n"));
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "net.toml: 3 objects, 3 connections, drawn to standard output\n");
     EXPECT_THAT(connectionsOf(result.out),
@@ -72,11 +80,11 @@ TEST(NetworkGraph, drawsWhatTheFileConnectsInFullLines)
 
 TEST(NetworkGraph, drawsWhatObjectsFindByThemselvesDashed)
 {
-    const std::string dot = graph(clockInQuarters + object("reader", "TimeReader")
-                                  + object("told", "TimeReader", "connect = { time = 'clock.GlobalTime' }\n")
-                                  + object("maker", "Chartmaker") + object("follower", "Follower")
-                                  + object("listener", "Listener"))
-                                .out;
+    const std::string dot =
+        graph(clockInQuarters + object("reader", "TimeReader")
+              + object("told", "TimeReader", "connect = { time = 'clock.GlobalTime' }\n")
+              + object("maker", "Chartmaker") + object("follower", "Follower") + object("listener", "Listener"))
+            .out;
     EXPECT_THAT(connectionsOf(dot),
                 UnorderedElementsAre("clock:out0:e -> reader:in0:w [color=\"#B8860B\", style=dashed]",
                                      "clock:out0:e -> told:in0:w [color=\"#B8860B\"]",
@@ -102,18 +110,20 @@ TEST(NetworkGraph, hasALegendLineForEachType)
                                           connection("double", "green"), connection("Grid", "#abc")}));
     const std::size_t legend = dot.find("    legend [");
     ASSERT_NE(legend, std::string::npos);
-    EXPECT_EQ(dot.substr(legend),
-              "    legend [label=<<TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLSPACING=\"4\">"
-              "<TR><TD BGCOLOR=\"#aabbcc\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">Grid</TD></TR>"
-              "<TR><TD BGCOLOR=\"black\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">VTime</TD></TR>"
-              "<TR><TD BGCOLOR=\"green\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">double</TD></TR>"
-              "</TABLE>>]\n}\n");
+    EXPECT_EQ(dot.substr(legend), "    legend [label=<<TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLSPACING=\"4\">"
+                                  "<TR><TD BGCOLOR=\"#aabbcc\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">Grid</TD></TR>"
+                                  "<TR><TD BGCOLOR=\"black\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">VTime</TD></TR>"
+                                  "<TR><TD BGCOLOR=\"green\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">double</TD></TR>"
+                                  "</TABLE>>]\n}\n");
     EXPECT_THAT(dotText(pair({})), Not(HasSubstr("legend")));
 }
 
 TEST(NetworkGraph, drawsInBlackWhatIsNoColour)
 {
-    const struct { const char* colour; const char* drawn; } cases[] = {
+    const struct {
+        const char* colour;
+        const char* drawn;
+    } cases[] = {
         {"", "black"},
         {"red", "red"},
         {"blue4", "blue4"},
@@ -136,7 +146,10 @@ TEST(NetworkGraph, drawsInBlackWhatIsNoColour)
 
 TEST(NetworkGraph, escapesNamesInLabels)
 {
-    const struct { const char* name; const char* label; } cases[] = {
+    const struct {
+        const char* name;
+        const char* label;
+    } cases[] = {
         {"plain 'x' {a|b}", "plain 'x' {a|b}"},
         {"<b>\"&", "&lt;b&gt;&quot;&amp;"},
         {"a\nb", "a<BR/>b"},
@@ -169,11 +182,12 @@ TEST(NetworkGraph, isNotDrawnWithFaults)
 {
     const TestFolder folder;
     folder.write("net.toml", networkHead + object("a", "Addder"));
-    const ProcessResult result = runTarn({"graph", "net.toml", "--output=net.svg"},
-                                         {.environment = {}, .shell = "cd '" + folder.path() + "'"});
+    const ProcessResult result =
+        runTarn({"graph", "net.toml", "--output=net.svg"}, {.environment = {}, .shell = "cd '" + folder.path() + "'"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "net.toml:5:8: object \"a\": no library has an object type \"Addder\"; did you mean \"Adder\"?\n"
-                          "net.toml: 1 fault; nothing was drawn\n");
+    EXPECT_EQ(result.err,
+              "net.toml:5:8: object \"a\": no library has an object type \"Addder\"; did you mean \"Adder\"?\n"
+              "net.toml: 1 fault; nothing was drawn\n");
     EXPECT_THAT(folder.names(), ElementsAre("net.toml"));
 }
 

@@ -37,16 +37,18 @@ TEST_F(RelocationTest, leadsToTheSameFileFromTheNewFolder)
     EXPECT_EQ(rewriter.moved("data/quakes.json"), "../../old/data/quakes.json");
     EXPECT_EQ(rewriter.moved("./data/../data/quakes.json"), "../../old/data/quakes.json");
     EXPECT_EQ(rewriter.moved("../shared.json"), "../../shared.json");
-    EXPECT_EQ(RelativePathRewriter(folder().file("old"), folder().path()).moved("data/quakes.json"), "old/data/quakes.json");
-    EXPECT_EQ(RelativePathRewriter(folder().file("old"), folder().file("old/data")).moved("data/quakes.json"), "quakes.json");
+    EXPECT_EQ(RelativePathRewriter(folder().file("old"), folder().path()).moved("data/quakes.json"),
+              "old/data/quakes.json");
+    EXPECT_EQ(RelativePathRewriter(folder().file("old"), folder().file("old/data")).moved("data/quakes.json"),
+              "quakes.json");
 }
 
 TEST_F(RelocationTest, leavesWhatIsNoNameOfAFile)
 {
     const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
-    for (const std::string& text : {std::string(), std::string("linear"), std::string("data/none.json"),
-                                    folder().file("old/data/quakes.json"), std::string("net.toml\0x", 10),
-                                    std::string(5000, 'x')}) {
+    for (const std::string& text :
+         {std::string(), std::string("linear"), std::string("data/none.json"), folder().file("old/data/quakes.json"),
+          std::string("net.toml\0x", 10), std::string(5000, 'x')}) {
         SCOPED_TRACE(text.substr(0, 40));
         EXPECT_FALSE(rewriter.concerns(text));
         EXPECT_EQ(rewriter.moved(text), std::nullopt);

@@ -53,7 +53,10 @@ using Texts = std::vector<std::string>;
 
 class SavedFormTest : public testing::Test {
 protected:
-    SavedFormTest() : m_libraries{{STANDARD_FOLDER, TEST_OBJECTS_FOLDER}} { EXPECT_EQ(m_libraries.load("standard"), ""); }
+    SavedFormTest() : m_libraries{{STANDARD_FOLDER, TEST_OBJECTS_FOLDER}}
+    {
+        EXPECT_EQ(m_libraries.load("standard"), "");
+    }
     ~SavedFormTest() override { m_libraries.unload(); }
 
     Libraries& libraries() noexcept { return m_libraries; }
@@ -140,7 +143,12 @@ TEST_F(SavedFormTest, restoresWhateverATextMakesOfAValueOfAnyType)
 
 TEST_F(SavedFormTest, hasExactTextsOnlyWhereTheTextFormRestoresLess)
 {
-    const struct { const char* type; Texts texts; const char* text; Texts exact; } cases[] = {
+    const struct {
+        const char* type;
+        Texts texts;
+        const char* text;
+        Texts exact;
+    } cases[] = {
         {"double", {"1.50"}, "1.5", {}},
         {"double", {"-0.0"}, "-0", {}},
         {"double", {"NaN"}, "nan", {}},
@@ -184,7 +192,10 @@ TEST_F(SavedFormTest, hasExactTextsOnlyWhereTheTextFormRestoresLess)
 TEST_F(SavedFormTest, keepsAllTextsOfWhichEachMakesAPart)
 {
     const Value loose = Loam::makeStrong<Orla::VValue<Loose>>();
-    const struct { Texts texts; Texts exact; } cases[] = {
+    const struct {
+        Texts texts;
+        Texts exact;
+    } cases[] = {
         {{"1/2"}, {"1/2"}},
         {{"1"}, {"1"}},
         {{"1/2", "3"}, {"1/2", "3"}},
@@ -219,10 +230,17 @@ TEST_F(SavedFormTest, restoresChoicesWhateverTheNamesAre)
     for (const char* name : {"first", "a|b", "@@", "{x}", "", "two words \xC3\xA4\"\n"})
         names->append(name);
     const Value one = Loam::makeStrong<Orla::VValue<One>>(Loam::makeStrong<Orla::StringSelection>("no name", names));
-    const struct { const char* text; Texts exact; } cases[] = {
-        {"first", {}}, {"a|b", {}}, {"{x}@anything", {}}, {"two words \xC3\xA4\"\n", {}},
+    const struct {
+        const char* text;
+        Texts exact;
+    } cases[] = {
+        {"first", {}},
+        {"a|b", {}},
+        {"{x}@anything", {}},
+        {"two words \xC3\xA4\"\n", {}},
         // Read back, the text would begin with the list.
-        {"@@", {"@@"}}, {"", {""}},
+        {"@@", {"@@"}},
+        {"", {""}},
     };
     for (const auto& [text, exact] : cases) {
         SCOPED_TRACE(text);

@@ -37,13 +37,13 @@ TEST(Session, findsRelativeNamesInTheFolderOfTheNetwork)
 {
     const TestFolder folder;
     folder.write("project/data/greeting.txt", "hello\n");
-    const std::string network = head + "[[object]]\nname = 'file'\ntype = 'FileReader'\n"
-                                       "set = { file = 'data/greeting.txt' }\n"
-                                       "[[column]]\ntitle = 'line'\nvalue = 'file.line'\n";
+    const std::string network = head
+                                + "[[object]]\nname = 'file'\ntype = 'FileReader'\n"
+                                  "set = { file = 'data/greeting.txt' }\n"
+                                  "[[column]]\ntitle = 'line'\nvalue = 'file.line'\n";
     folder.write("project/net.toml", network);
     // The table's name, however, counts from where the program was started.
-    const ProcessResult result = runTarn({"run", "project/net.toml", "--table=table.csv"},
-                                         {{}, "cd " + folder.path()});
+    const ProcessResult result = runTarn({"run", "project/net.toml", "--table=table.csv"}, {{}, "cd " + folder.path()});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "project/net.toml: 1 object, 1 step\n");
     EXPECT_EQ(contentOf(folder.file("table.csv")), "step,line\n0,hello\n");
@@ -67,8 +67,9 @@ TEST(Session, reportsLibrariesAndGoesOn)
 {
     const TestFolder folder;
     folder.write("broken.so", "This is a text.");
-    const std::string file = folder.write("net.toml", "format = 1\nlibraries = ['broken', 'none', 'testobjects', 'none']\n"
-                                                      "[[object]]\nname = 'a'\ntype = 'Adder'\nset = { a = 'x' }\n");
+    const std::string file =
+        folder.write("net.toml", "format = 1\nlibraries = ['broken', 'none', 'testobjects', 'none']\n"
+                                 "[[object]]\nname = 'a'\ntype = 'Adder'\nset = { a = 'x' }\n");
     const ProcessResult result = runTarn({"check", file});
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.err, HasSubstr(file + ":2:14: library \"broken\" cannot be loaded: " + folder.file("broken.so")
@@ -80,8 +81,9 @@ TEST(Session, reportsLibrariesAndGoesOn)
 
 TEST(Session, countsWhatIsInOrder)
 {
-    const ProcessResult result = check(head + "[[object]]\nname = 'a'\ntype = 'Adder'\n"
-                                              "[[object]]\nname = 'b'\ntype = 'Adder'\nconnect = { a = 'a.sum' }\n");
+    const ProcessResult result = check(head
+                                       + "[[object]]\nname = 'a'\ntype = 'Adder'\n"
+                                         "[[object]]\nname = 'b'\ntype = 'Adder'\nconnect = { a = 'a.sum' }\n");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "net.toml: 2 objects, 1 connection, no faults\n");
@@ -107,30 +109,35 @@ TEST(Session, takesNoPartOfAFileForAnEmptyNetwork)
 
 TEST(Session, refusesATimeWithoutAnEnd)
 {
-    const struct { const char* time; const char* fault; } cases[] = {
+    const struct {
+        const char* time;
+        const char* fault;
+    } cases[] = {
         {"0[0,inf]@1", "the time 0[0,inf]@1 has inf steps, expected 1 or more, 1e+15 at most"},
         {"0[0,nan]@1", "the time 0[0,nan]@1 has nan steps, expected 1 or more, 1e+15 at most"},
         {"0[0,10]@-1", "the time 0[0,10]@-1 has -9 steps, expected 1 or more, 1e+15 at most"},
         {"0[0,1]@1e-16", "steps, expected 1 or more, 1e+15 at most"},
-        {"0[0,1]@1e-12", "the time 0[0,1]@1e-12 has 1000000000001 steps, more than 1e+09; --steps=N evaluates the first N "
-                         "of them"},
+        {"0[0,1]@1e-12",
+         "the time 0[0,1]@1e-12 has 1000000000001 steps, more than 1e+09; --steps=N evaluates the first N "
+         "of them"},
     };
     for (const auto& [time, fault] : cases) {
         SCOPED_TRACE(time);
-        const ProcessResult result = check("format = 1\n[[object]]\nname = 'clock'\ntype = 'GlobalTime'\nset = { time = '"
-                                           + std::string(time) + "' }\n");
+        const ProcessResult result =
+            check("format = 1\n[[object]]\nname = 'clock'\ntype = 'GlobalTime'\nset = { time = '" + std::string(time)
+                  + "' }\n");
         EXPECT_EQ(result.status, 2);
-        EXPECT_THAT(result.err, AllOf(testing::StartsWith("net.toml:5:16: object \"clock\", input \"time\": "),
-                                      HasSubstr(fault)));
+        EXPECT_THAT(result.err,
+                    AllOf(testing::StartsWith("net.toml:5:16: object \"clock\", input \"time\": "), HasSubstr(fault)));
     }
 }
 
 TEST(Session, countsTheStepsOfALongTimeExactly)
 {
     const TestFolder folder;
-    const std::string file =
-        folder.write("net.toml", "format = 1\n[[object]]\nname = 'clock'\ntype = 'GlobalTime'\nset = { time = '0[0,4e14]@1' }\n"
-                                 "[[column]]\ntitle = 'time'\nvalue = 'clock.GlobalTime.time'\n");
+    const std::string file = folder.write(
+        "net.toml", "format = 1\n[[object]]\nname = 'clock'\ntype = 'GlobalTime'\nset = { time = '0[0,4e14]@1' }\n"
+                    "[[column]]\ntitle = 'time'\nvalue = 'clock.GlobalTime.time'\n");
     EXPECT_EQ(runTarn({"run", file, "--steps=3", "--table=-"}).out, "step,time\n0,0\n1,1\n2,2\n");
 }
 

@@ -39,17 +39,13 @@ std::string found(const Orla::VSlotSet& slots, std::string_view text, char separ
 TEST(SlotLookup, findTheSlotWithTheLongestNameThatFits)
 {
     const auto object = Loam::makeStrong<Inputs>();
-    const struct { const char* text; char separator; const char* name; } cases[] = {
-        {"a", '.', "a"},
-        {"a.x", '.', "a"},
-        {"a.b", '.', "a.b"},
-        {"a.b.x", '.', "a.b"},
-        {"a.bx", '.', "a"},
-        {"ax", '.', "nothing"},
-        {"", '.', "nothing"},
-        {"c=1", '=', "c"},
-        {"c=d=1", '=', "c=d"},
-        {"c=d", '=', "c=d"},
+    const struct {
+        const char* text;
+        char separator;
+        const char* name;
+    } cases[] = {
+        {"a", '.', "a"},        {"a.x", '.', "a"},    {"a.b", '.', "a.b"}, {"a.b.x", '.', "a.b"}, {"a.bx", '.', "a"},
+        {"ax", '.', "nothing"}, {"", '.', "nothing"}, {"c=1", '=', "c"},   {"c=d=1", '=', "c=d"}, {"c=d", '=', "c=d"},
     };
     for (const auto& [text, separator, name] : cases) {
         SCOPED_TRACE(text);
@@ -68,7 +64,11 @@ TEST(ObjectNames, findTheLongestNameBeforeADot)
     EXPECT_EQ(names.find("a.b"), 1u);
     EXPECT_EQ(names.find("b"), ObjectNames::npos);
 
-    const struct { const char* text; std::size_t number; const char* rest; } cases[] = {
+    const struct {
+        const char* text;
+        std::size_t number;
+        const char* rest;
+    } cases[] = {
         {"a.x", 0, "x"},
         {"a.b.x", 1, "x"},
         {"a.b.x.y", 1, "x.y"},

@@ -103,8 +103,7 @@ TEST_F(TimeProviderTest, isTheLastOfEqualOnesAndThatIsSaid)
     announce("first", wishes("default", "GlobalTime"));
     announce("last", wishes("default", "GlobalTime"));
     EXPECT_EQ(TimeProvider::find().name(), "last");
-    EXPECT_THAT(warnings->messages,
-                testing::ElementsAre("2 objects provide the global time; \"last\" is stepped"));
+    EXPECT_THAT(warnings->messages, testing::ElementsAre("2 objects provide the global time; \"last\" is stepped"));
 }
 
 TEST_F(TimeProviderTest, isNoneThatGetsItsTimeFromAnother)
@@ -142,7 +141,10 @@ TEST_F(TimeProviderTest, noticesThatItsObjectIsGone)
 TEST(StepCount, countsBothEnds)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    const struct { VTime time; double count; } cases[] = {
+    const struct {
+        VTime time;
+        double count;
+    } cases[] = {
         {VTime{0, 0, 1, 0.015625, "", "", ""}, 65},
         {VTime{0, 0, 1}, 2},
         {VTime{5}, 1},

@@ -31,8 +31,8 @@ TEST(Evaluation, runsOnceWithoutTime)
 
 TEST(Evaluation, stepsTheTimeFromBeginToEnd)
 {
-    const ProcessResult result = evaluate(clockInQuarters + object("reader", "TimeReader") + column("time", "reader.out")
-                                          + column("whole", "clock.GlobalTime"));
+    const ProcessResult result = evaluate(clockInQuarters + object("reader", "TimeReader")
+                                          + column("time", "reader.out") + column("whole", "clock.GlobalTime"));
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "step,time,whole\n"
                           "0,0,\"0[0,1]@0.25\"\n"
@@ -66,8 +66,8 @@ TEST(Evaluation, usesTheProviderThatTimeDependentObjectsMake)
 
 TEST(Evaluation, quotesTitlesAndTexts)
 {
-    const ProcessResult result = evaluate(object("e", "Echo", "set = { text = \"a,b\\n\\\"ä\\\"\" }\n")
-                                          + column("x, in m", "e.out"));
+    const ProcessResult result =
+        evaluate(object("e", "Echo", "set = { text = \"a,b\\n\\\"ä\\\"\" }\n") + column("x, in m", "e.out"));
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "step,\"x, in m\"\n0,\"a,b\n\"\"ä\"\"\"\n");
 }
@@ -95,8 +95,7 @@ TEST(Evaluation, goesOnWhenAnObjectThrowsAndSaysSo)
 
 TEST(Evaluation, countsUpdatesThatReturnFalse)
 {
-    const ProcessResult result =
-        evaluate(clockInQuarters + object("painter", "Failing", "set = { how = 'return' }\n"));
+    const ProcessResult result = evaluate(clockInQuarters + object("painter", "Failing", "set = { how = 'return' }\n"));
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, HasSubstr("5 steps, 4 failures, the first in step 1\n"));
     EXPECT_THAT(result.err, HasSubstr("\"painter\" failed: its update returned false\n"));
@@ -124,20 +123,21 @@ TEST(Evaluation, stopsALoopThatDoesNotSettleAndNamesItsObjects)
 
 TEST(Evaluation, keepsTheLastValueOfAnObjectThatIsRemoved)
 {
-    const ProcessResult result =
-        evaluate(clockInQuarters + object("victim", "TimeReader") + object("reader", "Adder", "connect = { a = 'victim.out' }\n")
-                 + object("killer", "Remover", "set = { victim = 'victim' }\n") + column("victim", "victim.out")
-                 + column("reader", "reader.sum"));
+    const ProcessResult result = evaluate(clockInQuarters + object("victim", "TimeReader")
+                                          + object("reader", "Adder", "connect = { a = 'victim.out' }\n")
+                                          + object("killer", "Remover", "set = { victim = 'victim' }\n")
+                                          + column("victim", "victim.out") + column("reader", "reader.sum"));
     EXPECT_EQ(result.status, 0);
     // The victim is removed in step 1: before or after its own turn, then no more.
-    EXPECT_THAT(result.out, HasSubstr("step,victim,reader\n0,0,0\n1,0.25,0.25\n2,0.25,0.25\n3,0.25,0.25\n4,0.25,0.25\n"));
+    EXPECT_THAT(result.out,
+                HasSubstr("step,victim,reader\n0,0,0\n1,0.25,0.25\n2,0.25,0.25\n3,0.25,0.25\n4,0.25,0.25\n"));
 }
 
 TEST(Evaluation, endsWhenTheTimeProviderIsRemoved)
 {
-    const ProcessResult result = evaluate(clockInQuarters + object("reader", "TimeReader")
-                                          + object("killer", "Remover", "set = { victim = 'clock' }\n")
-                                          + column("time", "reader.out"));
+    const ProcessResult result =
+        evaluate(clockInQuarters + object("reader", "TimeReader")
+                 + object("killer", "Remover", "set = { victim = 'clock' }\n") + column("time", "reader.out"));
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "step,time\n0,0\n1,0.25\n");
     EXPECT_THAT(result.err, HasSubstr("tarn: object \"clock\", which provided the time, was removed before step 2\n"));
@@ -156,10 +156,10 @@ TEST(Evaluation, endsWhenAnObjectCancelsIt)
 TEST(Evaluation, writesNumbersTheSameUnderEveryLocale)
 {
     const TestFolder folder;
-    const std::string file =
-        folder.write("net.toml", networkHead + object("l", "LocaleSetter")
-                                     + object("a", "Adder", "set = { a = '0.25', b = 1.5 }\nconnect = { b = 'l.out' }\n")
-                                     + column("number", "l.out") + column("sum", "a.sum"));
+    const std::string file = folder.write(
+        "net.toml", networkHead + object("l", "LocaleSetter")
+                        + object("a", "Adder", "set = { a = '0.25', b = 1.5 }\nconnect = { b = 'l.out' }\n")
+                        + column("number", "l.out") + column("sum", "a.sum"));
     const ProcessResult result = runTarn({"run", file, "--table=-"}, {{"LC_ALL=de_DE.UTF-8"}, {}});
     EXPECT_EQ(result.err, file + ": 2 objects, 1 step\n");
     EXPECT_EQ(result.status, 0);

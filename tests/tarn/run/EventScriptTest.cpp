@@ -71,10 +71,16 @@ TEST(EventScript, makesTwoEventsOfAKeyStroke)
 
 TEST(EventScript, knowsKeysThatAreDownOrUpAloneAndThoseWithNames)
 {
-    const struct { const char* line; const char* down; const char* up; } cases[] = {
-        {"0 keydown a", "a", ""},       {"0 keyup a", "", "a"},          {"0 keydown space", " ", ""},
-        {"0 keydown tab", "\t", ""},    {"0 keydown enter", "\r", ""},   {"0 keydown escape", "\x1b", ""},
-        {"0 keydown hash", "#", ""},    {"0 keydown \xc3\xa4", "\xc3\xa4", ""}, {"0 keydown +", "+", ""},
+    const struct {
+        const char* line;
+        const char* down;
+        const char* up;
+    } cases[] = {
+        {"0 keydown a", "a", ""},      {"0 keyup a", "", "a"},
+        {"0 keydown space", " ", ""},  {"0 keydown tab", "\t", ""},
+        {"0 keydown enter", "\r", ""}, {"0 keydown escape", "\x1b", ""},
+        {"0 keydown hash", "#", ""},   {"0 keydown \xc3\xa4", "\xc3\xa4", ""},
+        {"0 keydown +", "+", ""},
     };
     for (const auto& [line, down, up] : cases) {
         SCOPED_TRACE(line);
@@ -94,7 +100,10 @@ TEST(EventScript, leavesOutCommentsAndBlankLines)
 
 TEST(EventScript, namesEveryFaultAndItsPlace)
 {
-    const struct { const char* text; std::vector<std::string> faults; } cases[] = {
+    const struct {
+        const char* text;
+        std::vector<std::string> faults;
+    } cases[] = {
         {"x key a", {"events:1:1: found \"x\", expected the number of a step"}},
         {"-1 key a", {"events:1:1: found \"-1\", expected the number of a step"}},
         {"1.5 key a", {"events:1:1: found \"1.5\", expected the number of a step"}},
@@ -103,15 +112,18 @@ TEST(EventScript, namesEveryFaultAndItsPlace)
         {"1 press", {"events:1:8: found the end of the line, expected a whole number of pixels from the left"}},
         {"1 press 1", {"events:1:10: found the end of the line, expected a whole number of pixels from the top"}},
         {"1 press 1 2.5", {"events:1:11: found \"2.5\", expected a whole number of pixels from the top"}},
-        {"1 press 1 99999999999", {"events:1:11: found \"99999999999\", expected a whole number of pixels from the top"}},
+        {"1 press 1 99999999999",
+         {"events:1:11: found \"99999999999\", expected a whole number of pixels from the top"}},
         {"1 press 1 2 up", {"events:1:13: found \"up\", expected left, middle, right, or keys such as shift+control"}},
-        {"1 press 1 2 left shift+", {"events:1:18: found \"shift+\", expected left, middle, right, or keys such as "
-                                     "shift+control"}},
+        {"1 press 1 2 left shift+",
+         {"events:1:18: found \"shift+\", expected left, middle, right, or keys such as "
+          "shift+control"}},
         {"1 press 1 2 left shift x", {"events:1:24: found \"x\", expected the end of the line"}},
         {"1 wheel 1 2", {"events:1:12: found the end of the line, expected the turns of the wheel"}},
         {"1 wheel 1 2 nan", {"events:1:13: found \"nan\", expected the turns of the wheel"}},
         {"1 wheel 1 2 1 left", {"events:1:15: found \"left\", expected keys such as shift+control"}},
-        {"1 key", {"events:1:6: found the end of the line, expected one character, or space, tab, enter, escape or hash"}},
+        {"1 key",
+         {"events:1:6: found the end of the line, expected one character, or space, tab, enter, escape or hash"}},
         {"1 key ab", {"events:1:7: found \"ab\", expected one character, or space, tab, enter, escape or hash"}},
         {"1 key a b", {"events:1:9: found \"b\", expected keys such as shift+control"}},
         {"2 key a\n1 key b\n3 kye c",

@@ -32,12 +32,12 @@ TEST(Interruption, cancelsTheEvaluation)
 
 TEST(Interruption, givesTheSignalsBack)
 {
-    struct sigaction before{};
+    struct sigaction before {};
     ::sigaction(SIGINT, nullptr, &before);
     {
         const Tarn::Interruption interruption;
     }
-    struct sigaction after{};
+    struct sigaction after {};
     ::sigaction(SIGINT, nullptr, &after);
     EXPECT_EQ(after.sa_handler, before.sa_handler);
 }
@@ -55,7 +55,10 @@ TEST(Interruption, leavesIgnoredSignalsIgnored)
 
 TEST(Interruption, endsTheRunAndLeavesTheOldTable)
 {
-    const struct { int signal; int status; } cases[] = {{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
+    const struct {
+        int signal;
+        int status;
+    } cases[] = {{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
     for (const auto& [signal, status] : cases) {
         SCOPED_TRACE(signal);
         const TestFolder folder;

@@ -63,18 +63,19 @@ TEST(PrintedOutputs, areRefusedWithASuggestionBeforeAnythingRuns)
 {
     const ProcessResult result =
         run(network + object("talker", "Talker"),
-            {"--print=a.b.sun", "--print=clok.GlobalTime", "--print=sum", "--print=a.b.a", "--print=clock.GlobalTime.tme",
-             "--print=a.b.sum.", "--table=table.csv", "--trace=trace.json"});
+            {"--print=a.b.sun", "--print=clok.GlobalTime", "--print=sum", "--print=a.b.a",
+             "--print=clock.GlobalTime.tme", "--print=a.b.sum.", "--table=table.csv", "--trace=trace.json"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "talker: puts in the constructor\n"
-                          "--print=a.b.sun: Adder \"a.b\" has no output \"sun\"; did you mean \"sum\"?\n"
-                          "--print=clok.GlobalTime: no object is named \"clok\"; did you mean \"clock\"?\n"
-                          "--print=sum: expected OBJECT.OUTPUT\n"
-                          "--print=a.b.a: Adder \"a.b\" has no output \"a\"; that is an input\n"
-                          "--print=clock.GlobalTime.tme: values of type VTime have no component \"tme\"; did you mean \"time\"?\n"
-                          "--print=a.b.sum.: values of type double have no component \"\"\n"
-                          "net.toml: 6 faults; nothing was evaluated\n");
+    EXPECT_EQ(result.err,
+              "talker: puts in the constructor\n"
+              "--print=a.b.sun: Adder \"a.b\" has no output \"sun\"; did you mean \"sum\"?\n"
+              "--print=clok.GlobalTime: no object is named \"clok\"; did you mean \"clock\"?\n"
+              "--print=sum: expected OBJECT.OUTPUT\n"
+              "--print=a.b.a: Adder \"a.b\" has no output \"a\"; that is an input\n"
+              "--print=clock.GlobalTime.tme: values of type VTime have no component \"tme\"; did you mean \"time\"?\n"
+              "--print=a.b.sum.: values of type double have no component \"\"\n"
+              "net.toml: 6 faults; nothing was evaluated\n");
 }
 
 TEST(PrintedOutputs, showTheLastGoodValuesAfterAFailure)

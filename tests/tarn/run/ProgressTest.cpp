@@ -18,10 +18,8 @@ using testing::Not;
 
 TEST(Progress, showsABarTheStepsTheRateAndTheTimeLeft)
 {
-    EXPECT_EQ(Progress::line(25, 100, 5, 79),
-              "[##########..............................] 25/100, 5.0/s, 15s left");
-    EXPECT_EQ(Progress::line(100, 100, 5, 79),
-              "[########################################] 100/100, 20/s, 0s left");
+    EXPECT_EQ(Progress::line(25, 100, 5, 79), "[##########..............................] 25/100, 5.0/s, 15s left");
+    EXPECT_EQ(Progress::line(100, 100, 5, 79), "[########################################] 100/100, 20/s, 0s left");
 }
 
 TEST(Progress, leavesOutWhatIsNotKnownYet)
@@ -79,8 +77,8 @@ std::string shownOnATerminal(const std::string& network, unsigned short columns)
 }
 
 // Long enough for the line to be drawn some times.
-const std::string longRun = object("clock", "GlobalTime", "set = { time = '0[0,1]@0.0000005' }\n")
-                            + object("reader", "TimeReader");
+const std::string longRun =
+    object("clock", "GlobalTime", "set = { time = '0[0,1]@0.0000005' }\n") + object("reader", "TimeReader");
 
 } // namespace
 

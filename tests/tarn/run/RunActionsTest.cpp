@@ -24,21 +24,23 @@ TEST(RunActions, needNobodyWhoListens)
 TEST(RunActions, comeFromAKeyAsWell)
 {
     const TestFolder folder;
-    const std::string events = folder.write("events.txt", "0 key w\n0 key x\n0 keydown w\n0 keydown w\n0 keyup w\n0 keydown w\n");
-    const ProcessResult result = evaluate(object("key", "KeyAction", "set = { hotkey = 'w' }\n")
-                                              + object("counter", "ActionCounter", "connect = { trigger = 'key.action' }\n")
-                                              + column("count", "counter.count"),
-                                          {"--events=" + events});
+    const std::string events =
+        folder.write("events.txt", "0 key w\n0 key x\n0 keydown w\n0 keydown w\n0 keyup w\n0 keydown w\n");
+    const ProcessResult result =
+        evaluate(object("key", "KeyAction", "set = { hotkey = 'w' }\n")
+                     + object("counter", "ActionCounter", "connect = { trigger = 'key.action' }\n")
+                     + column("count", "counter.count"),
+                 {"--events=" + events});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "step,count\n0,9\n") << "a key that is held counts once";
 }
 
 TEST(RunActions, arePassedOnByAKeyWithTheirNumbers)
 {
-    const ProcessResult result =
-        evaluate(clockInQuarters + object("run", "Run") + object("key", "KeyAction", "connect = { forward = 'run.stepped' }\n")
-                 + object("counter", "ActionCounter", "connect = { trigger = 'key.action' }\n")
-                 + column("count", "counter.count"));
+    const ProcessResult result = evaluate(clockInQuarters + object("run", "Run")
+                                          + object("key", "KeyAction", "connect = { forward = 'run.stepped' }\n")
+                                          + object("counter", "ActionCounter", "connect = { trigger = 'key.action' }\n")
+                                          + column("count", "counter.count"));
     EXPECT_EQ(result.out, "step,count\n0,1\n1,2\n2,3\n3,4\n4,5\n") << result.err;
 }
 

@@ -18,9 +18,9 @@ std::string teller(const std::string& name, const std::string& kind, const std::
 
 TEST(StatusReport, listsErrorsThenWarningsThenTheRest)
 {
-    const ProcessResult result = evaluate(teller("a", "info", "3 records") + teller("b", "warning", "old data")
-                                          + teller("c", "error", "no data") + teller("d", "info", "done")
-                                          + teller("e", "error", "no hope"));
+    const ProcessResult result =
+        evaluate(teller("a", "info", "3 records") + teller("b", "warning", "old data") + teller("c", "error", "no data")
+                 + teller("d", "info", "done") + teller("e", "error", "no hope"));
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, EndsWith("net.toml: 5 objects, 1 step\n"
                                      "  c: error: no data\n"

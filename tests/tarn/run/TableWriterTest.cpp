@@ -13,7 +13,10 @@ using namespace Tarn;
 
 TEST(TableWriter, quotesFieldsThatWouldBreakTheTable)
 {
-    const struct { const char* text; const char* field; } cases[] = {
+    const struct {
+        const char* text;
+        const char* field;
+    } cases[] = {
         {"plain text", "plain text"},
         {"", ""},
         {" blanks stay ", " blanks stay "},

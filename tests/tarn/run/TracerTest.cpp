@@ -148,8 +148,8 @@ TEST(Tracer, tellsOfARunWhyEachObjectRan)
 TEST(Tracer, isNoReasonForOtherResults)
 {
     const TestFolder folder;
-    const std::string network = clockInQuarters + object("a", "Adder", "connect = { a = 'clock.GlobalTime.time' }\n")
-                                + column("sum", "a.sum");
+    const std::string network =
+        clockInQuarters + object("a", "Adder", "connect = { a = 'clock.GlobalTime.time' }\n") + column("sum", "a.sum");
     const ProcessResult plain = run(folder, network, {"--table=-"});
     const ProcessResult traced = run(folder, network, {"--table=-", "--trace=trace.json"});
     EXPECT_EQ(traced.status, 0);

@@ -30,7 +30,10 @@ TEST(DeepTomlKeys, allowsAsManyPartsAsAnyNetworkNeeds)
 TEST(DeepTomlKeys, findsTheKeyWithTooManyParts)
 {
     const std::string deep = key(MaximalKeyParts + 1);
-    const struct { std::string text; Place place; } cases[] = {
+    const struct {
+        std::string text;
+        Place place;
+    } cases[] = {
         {deep + " = 1", {1, 1}},
         {"x = 1\n\n  " + deep + " = 1", {3, 3}},
         {"[" + deep + "]", {1, 2}},

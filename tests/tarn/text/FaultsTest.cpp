@@ -14,9 +14,9 @@ TEST(Faults, areListedByPlaceWithThoseOfTheCommandLineLast)
     faults.add({2, 10}, "early, second");
     faults.add({2, 9}, "earliest");
     EXPECT_EQ(faults.size(), 5u);
-    EXPECT_THAT(faults.lines(), ElementsAre("net.toml:2:9: earliest", "net.toml:2:10: early, first",
-                                            "net.toml:2:10: early, second", "net.toml:10:2: late",
-                                            "--set=a.b=c: wrong"));
+    EXPECT_THAT(faults.lines(),
+                ElementsAre("net.toml:2:9: earliest", "net.toml:2:10: early, first", "net.toml:2:10: early, second",
+                            "net.toml:10:2: late", "--set=a.b=c: wrong"));
 }
 
 TEST(Faults, stayOnOneLineWhateverTheFileIsCalled)

@@ -22,12 +22,15 @@ TEST(Messages, countsInSingularAndPlural)
 TEST(Messages, findsTheNameThatWasMisspelt)
 {
     const std::vector<std::string> names{"catalog", "magnitude", "time"};
-    const struct { const char* name; const char* found; } cases[] = {
-        {"magnitud", "magnitude"},  // a letter is missing
+    const struct {
+        const char* name;
+        const char* found;
+    } cases[] = {
+        {"magnitud", "magnitude"},   // a letter is missing
         {"magnnitude", "magnitude"}, // one too many
-        {"mognitude", "magnitude"}, // another one
-        {"cataolg", "catalog"},     // two are swapped
-        {"Time", "time"},           // another case
+        {"mognitude", "magnitude"},  // another one
+        {"cataolg", "catalog"},      // two are swapped
+        {"Time", "time"},            // another case
         {"TIME", "time"},
         {"tiem", "time"},
         {"depth", ""},

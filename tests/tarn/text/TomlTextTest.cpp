@@ -62,9 +62,18 @@ std::string allCharacters()
 
 TEST(TomlText, quotesKeysThatNeedIt)
 {
-    const struct { const char* key; const char* spelled; } cases[] = {
-        {"time", "time"}, {"A-1_b", "A-1_b"}, {"7", "7"}, {"", "\"\""}, {"in.a=b", "\"in.a=b\""}, {"a b", "\"a b\""},
-        {"\xC3\xA4", "\"\xC3\xA4\""}, {"say \"x\"\n", "\"say \\\"x\\\"\\n\""},
+    const struct {
+        const char* key;
+        const char* spelled;
+    } cases[] = {
+        {"time", "time"},
+        {"A-1_b", "A-1_b"},
+        {"7", "7"},
+        {"", "\"\""},
+        {"in.a=b", "\"in.a=b\""},
+        {"a b", "\"a b\""},
+        {"\xC3\xA4", "\"\xC3\xA4\""},
+        {"say \"x\"\n", "\"say \\\"x\\\"\\n\""},
     };
     for (const auto& [key, spelled] : cases) {
         SCOPED_TRACE(key);
@@ -90,10 +99,22 @@ TEST(TomlText, keepsEveryCharacter)
 
 TEST(TomlText, writesNumbersBareIfTheyAreReadWithTheSameDigits)
 {
-    const struct { const char* text; const char* spelled; } cases[] = {
-        {"0", "0"}, {"-7", "-7"}, {"4.5", "4.5"}, {"1e+22", "1e+22"}, {"1e-07", "1e-07"}, {"-0", "-0.0"},
-        {"9223372036854775807", "9223372036854775807"}, {"-9223372036854775808", "-9223372036854775808"},
-        {"12345678901234567168", "12345678901234567168.0"}, {"inf", "inf"}, {"-inf", "-inf"}, {"nan", "nan"},
+    const struct {
+        const char* text;
+        const char* spelled;
+    } cases[] = {
+        {"0", "0"},
+        {"-7", "-7"},
+        {"4.5", "4.5"},
+        {"1e+22", "1e+22"},
+        {"1e-07", "1e-07"},
+        {"-0", "-0.0"},
+        {"9223372036854775807", "9223372036854775807"},
+        {"-9223372036854775808", "-9223372036854775808"},
+        {"12345678901234567168", "12345678901234567168.0"},
+        {"inf", "inf"},
+        {"-inf", "-inf"},
+        {"nan", "nan"},
         {"1.1754944e-38", "1.1754944e-38"},
     };
     for (const auto& [text, spelled] : cases) {
@@ -103,7 +124,8 @@ TEST(TomlText, writesNumbersBareIfTheyAreReadWithTheSameDigits)
         EXPECT_EQ(read("x", spelled).value.text, text);
         EXPECT_TRUE(read("x", spelled).isNumber);
     }
-    for (const char* text : {"", "a", "1 ", " 1", "+1", "01", "1.50", "1e5", "0x10", "1:2", "-nan", "18446744073709551615"})
+    for (const char* text :
+         {"", "a", "1 ", " 1", "+1", "01", "1.50", "1e5", "0x10", "1:2", "-nan", "18446744073709551615"})
         EXPECT_FALSE(tomlNumber(std::string(text))) << text;
 }
 
@@ -112,8 +134,21 @@ TEST(TomlText, keepsEveryBitOfANumberUnderEveryLocale)
     const UnderDecimalComma comma;
     std::mt19937_64 random{1};
     using Limits = std::numeric_limits<double>;
-    std::vector<double> numbers{0.0, -0.0, 0.1, 1e15, 1e16, 1e17, 1e18, 1e19, 1e22, 1e23, Limits::max(), Limits::min(),
-                                Limits::denorm_min(), Limits::epsilon(), -1.0 / 3};
+    std::vector<double> numbers{0.0,
+                                -0.0,
+                                0.1,
+                                1e15,
+                                1e16,
+                                1e17,
+                                1e18,
+                                1e19,
+                                1e22,
+                                1e23,
+                                Limits::max(),
+                                Limits::min(),
+                                Limits::denorm_min(),
+                                Limits::epsilon(),
+                                -1.0 / 3};
     while (numbers.size() < 2000) {
         const double number = std::bit_cast<double>(random());
         if (number - number == 0)

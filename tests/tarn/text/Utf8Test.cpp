@@ -18,21 +18,21 @@ TEST(Utf8, isAnythingThatEncodesAUnicodeCharacterInTheShortestWay)
 TEST(Utf8, isNothingElse)
 {
     for (const std::string text : {
-             "\x80",             // continues nothing
+             "\x80", // continues nothing
              "\xBF",
-             "\xC0\x80",         // longer than necessary
+             "\xC0\x80", // longer than necessary
              "\xC1\xBF",
              "\xE0\x9F\xBF",
              "\xF0\x8F\xBF\xBF",
-             "\xED\xA0\x80",     // surrogates
+             "\xED\xA0\x80", // surrogates
              "\xED\xBF\xBF",
              "\xF4\x90\x80\x80", // beyond the last character
              "\xF5\x80\x80\x80",
              "\xFF",
-             "\xC3",             // cut off
+             "\xC3", // cut off
              "\xE2\x82",
              "\xF0\x9F\x98",
-             "\xC3(",            // not continued
+             "\xC3(", // not continued
              "\xE2\x82(",
          }) {
         SCOPED_TRACE(testing::PrintToString(text));

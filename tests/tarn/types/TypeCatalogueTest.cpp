@@ -157,7 +157,8 @@ TEST(TypeCatalogue, letsGoOfPartnersAndOfTheLibraries)
     }
     const ProcessResult hoarder = runTarn({"describe", "Hoarder", "--library=testobjects"});
     EXPECT_EQ(hoarder.status, 0);
-    EXPECT_EQ(hoarder.err, "tarn: warning: The libraries stay in memory, because somebody still holds object \"hoard\"\n");
+    EXPECT_EQ(hoarder.err,
+              "tarn: warning: The libraries stay in memory, because somebody still holds object \"hoard\"\n");
 }
 
 TEST(TypeCatalogue, saysWhichLibrariesAreRefused)

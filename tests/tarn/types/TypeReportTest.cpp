@@ -25,12 +25,13 @@ ValueTypeDescription valueType(const std::string& name)
 
 ObjectTypeDescription pendulum()
 {
-    return {.name = "Pendulum",
-            .library = "/lib/swing.so",
-            .failure = {},
-            .inputs = {{"time", "VTime", 5, "0[0,1]@1", true, ""}, {"chart", "VChart", 0, "a\nb", true, "Selector.Chart"}},
-            .outputs = {{"angle", "double"}},
-            .hiddenInputs = 0};
+    return {
+        .name = "Pendulum",
+        .library = "/lib/swing.so",
+        .failure = {},
+        .inputs = {{"time", "VTime", 5, "0[0,1]@1", true, ""}, {"chart", "VChart", 0, "a\nb", true, "Selector.Chart"}},
+        .outputs = {{"angle", "double"}},
+        .hiddenInputs = 0};
 }
 
 } // namespace
@@ -57,13 +58,14 @@ TEST(TypeReport, listsValueTypesInColumns)
 
 TEST(TypeReport, describesAnObjectTypeInTables)
 {
-    EXPECT_EQ(descriptionText({}, {pendulum()}), "Object type Pendulum, /lib/swing.so\n"
-                                                 "\n"
-                                                 "  Input   Type    Level  Initial text  Partner\n"
-                                                 "  time    VTime   5      \"0[0,1]@1\"    found by itself\n"
-                                                 "  chart   VChart  0      \"a\\nb\"        found by itself: Selector.Chart\n"
-                                                 "  Output  Type\n"
-                                                 "  angle   double\n");
+    EXPECT_EQ(descriptionText({}, {pendulum()}),
+              "Object type Pendulum, /lib/swing.so\n"
+              "\n"
+              "  Input   Type    Level  Initial text  Partner\n"
+              "  time    VTime   5      \"0[0,1]@1\"    found by itself\n"
+              "  chart   VChart  0      \"a\\nb\"        found by itself: Selector.Chart\n"
+              "  Output  Type\n"
+              "  angle   double\n");
 }
 
 TEST(TypeReport, saysHowManyInputsAreHidden)
@@ -117,8 +119,9 @@ TEST(TypeReport, hasItsJsonInOneOrderAndOneSpelling)
   ]
 }
 )");
-    EXPECT_EQ(libraryListJson({{"swing", "/lib/swing.so", "", "", {"Pendulum"}, {}}, {"none", "", "", "not found", {}, {}}}),
-              R"({
+    EXPECT_EQ(
+        libraryListJson({{"swing", "/lib/swing.so", "", "", {"Pendulum"}, {}}, {"none", "", "", "not found", {}, {}}}),
+        R"({
   "libraries": [
     {
       "name": "swing",
@@ -158,7 +161,10 @@ TEST(TypeReport, breaksLongListsOfNames)
 {
     const std::vector<std::string> names(20, "SomeTypeName");
     std::string list = libraryListText({{"swing", "/lib/swing.so", "", "", names, {}}});
-    EXPECT_THAT(list, MatchesRegex("swing, /lib/swing.so\n  object types  (SomeTypeName,? ?)+\n(                (SomeTypeName,? ?)+\n)+"));
+    EXPECT_THAT(
+        list,
+        MatchesRegex(
+            "swing, /lib/swing.so\n  object types  (SomeTypeName,? ?)+\n(                (SomeTypeName,? ?)+\n)+"));
     for (std::size_t end = 0; (end = list.find('\n')) != std::string::npos; list.erase(0, end + 1))
         EXPECT_LE(end, 88u);
 }
@@ -168,12 +174,31 @@ TEST(TypeReport, hasTheStandardTypes)
     const ProcessResult result = runTarn({"types"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    for (const char* type : {"Enum", "FlagList", "ImageTile", "Range", "StrongPtr<MultipleStringSelection>",
-                             "StrongPtr<StringSelection>", "StrongPtr<VAction>", "VMultiPointerDevice",
-                             "VObjectStatus", "VScalarFunctor",
-                             "VTime", "char", "double", "float", "int", "long", "long long",
-                             "short", "string", "unsigned int", "unsigned long", "unsigned long long", "unsigned short"})
-        EXPECT_THAT(result.out, ContainsRegex("\n  " + std::string(type) + " +value and input +(-|green|#[0-9A-F]+) +\".*\"\n"));
+    for (const char* type : {"Enum",
+                             "FlagList",
+                             "ImageTile",
+                             "Range",
+                             "StrongPtr<MultipleStringSelection>",
+                             "StrongPtr<StringSelection>",
+                             "StrongPtr<VAction>",
+                             "VMultiPointerDevice",
+                             "VObjectStatus",
+                             "VScalarFunctor",
+                             "VTime",
+                             "char",
+                             "double",
+                             "float",
+                             "int",
+                             "long",
+                             "long long",
+                             "short",
+                             "string",
+                             "unsigned int",
+                             "unsigned long",
+                             "unsigned long long",
+                             "unsigned short"})
+        EXPECT_THAT(result.out,
+                    ContainsRegex("\n  " + std::string(type) + " +value and input +(-|green|#[0-9A-F]+) +\".*\"\n"));
     EXPECT_THAT(result.out, ContainsRegex("\n  VChartList +value +#C39BD3 "));
     EXPECT_THAT(result.out, ContainsRegex("\n  double +value and input +green +\"0\"\n"));
     EXPECT_THAT(result.out, ContainsRegex("\n  GlobalTime +" STANDARD_FOLDER "/standard.so\n"));
