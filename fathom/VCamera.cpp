@@ -1,6 +1,6 @@
 #include <fathom/VCamera.hpp>
 
-#include <fathom/FrustumKernel.hpp>
+#include <fathom/frustum/FrustumKernel.hpp>
 #include <fathom/GyreFixedArray.hpp>
 
 #include <loam/Numbers.hpp>
@@ -35,8 +35,7 @@ void VCamera::reset() noexcept
     fieldOfView = 45;
 }
 
-// The order of the operations is part of the result: saved pictures are compared
-// bit by bit.
+// The order of the operations affects the result: saved pictures are compared bit by bit.
 void VCamera::untranslatedLookAt(double* M) const noexcept
 {
     const PhysicalSpace::vector view = focus - position;
@@ -78,7 +77,7 @@ std::string VValueTrait<VCamera>::Text(const VCamera& camera)
            + VValueTrait<double>::Text(camera.fieldOfView);
 }
 
-// The scanf format "{%lg,%lg,%lg}{%lg,%lg,%lg}{%lg,%lg,%lg}%lg".
+// Reads the scanf format "{%lg,%lg,%lg}{%lg,%lg,%lg}{%lg,%lg,%lg}%lg".
 bool VValueTrait<VCamera>::setValueFromText(VCamera& camera, const std::string& text)
 {
     Loam::Scanner scanner(text);
@@ -156,7 +155,7 @@ int Frustum::isVisible(const Gyre::BoundingBox& box) const noexcept
     return isVisible(box.minimum().data(), box.maximum().data());
 }
 
-// Comparisons are written so that NaN neither hides a box nor makes it straddle.
+// The comparisons are written so that NaN neither hides a box nor makes it straddle.
 int Frustum::isVisible(const double* minimum, const double* maximum) const noexcept
 {
     int result = 1;
@@ -181,7 +180,7 @@ int Frustum::isVisible(const double* minimum, const double* maximum) const noexc
 
 namespace {
 
-// What the machine can do is asked once.
+// Queries the capabilities of the machine once.
 FrustumKernel kernel() noexcept
 {
     static const FrustumKernel best = bestFrustumKernel();

@@ -1,10 +1,10 @@
 #pragma once
 
-// Included by sources that are compiled for one processor each. Everything here
-// is local to its source file, and nothing of the standard library is used: what
-// is compiled for a wide processor must not end up where others run it.
+// Included by sources that are each compiled for one kind of processor. Everything here is
+// local to its source file and nothing of the standard library is used: code compiled for a
+// wide processor must not be linked into code that other processors run.
 
-#include <fathom/FrustumKernel.hpp>
+#include <fathom/frustum/FrustumKernel.hpp>
 
 namespace Orla {
 namespace {
@@ -16,11 +16,10 @@ struct Vectors {
     typedef std::int8_t Results __attribute__((vector_size(Lanes)));
 };
 
-// The smallest of zero and the distances of corners to the planes; the lanes are
-// boxes. Each does what the query for one box does, with the same operations in
-// the same order; the division by the length of the unit normal is left out,
-// because it changes no sign while that length is close to 1. NaN is smaller than
-// nothing.
+// Returns the minimum of zero and the distances of corners to the planes; each lane is one
+// box. Does the same operations in the same order as the query for one box, except for the
+// division by the length of the unit normal: it changes no sign while that length is close to
+// 1. NaN never counts as smaller.
 template<int Lanes>
 inline typename Vectors<Lanes>::Numbers worstDistance(const FrustumPlane* planes,
                                                       const double* const (FrustumPlane::*corners)[3],
@@ -49,12 +48,12 @@ inline std::size_t classifyLanes(const FrustumPlane* planes, std::size_t count, 
     using Results = typename Vectors<Lanes>::Results;
     std::size_t done = 0;
     for (; done + Lanes <= count; done += Lanes) {
-        // A comparison gives -1 for true and 0 for false.
+        // A comparison yields -1 for true and 0 for false.
         const auto inside = ~(worstDistance<Lanes>(planes, &FrustumPlane::along, done) < Numbers{});
         Results found = __builtin_convertvector(inside, Results);
         std::uint64_t anyInside = 0;
         __builtin_memcpy(&anyInside, &found, sizeof found);
-        // Most boxes of a large scene are out of sight and need no second look.
+        // Most boxes of a large scene are out of sight and need no second test.
         if (anyInside != 0) {
             const auto straddling = worstDistance<Lanes>(planes, &FrustumPlane::against, done) < Numbers{};
             found = __builtin_convertvector(inside & (2 * straddling + 1), Results);

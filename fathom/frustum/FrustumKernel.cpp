@@ -1,7 +1,7 @@
-#include <fathom/FrustumKernel.hpp>
+#include <fathom/frustum/FrustumKernel.hpp>
 
 #if defined(__GNUC__)
-#    include <fathom/FrustumLanes.hpp>
+#    include <fathom/frustum/FrustumLanes.hpp>
 #endif
 
 namespace Orla {
@@ -17,14 +17,14 @@ FrustumKernel bestFrustumKernel() noexcept
     return classifyFrustumBaseline;
 }
 
-// Two doubles side by side are what every processor of the baseline has.
+// Every baseline processor has vectors of two doubles.
 std::size_t classifyFrustumBaseline([[maybe_unused]] const FrustumPlane* planes, [[maybe_unused]] std::size_t count,
                                     [[maybe_unused]] std::int8_t* results)
 {
 #if defined(__GNUC__)
     return classifyLanes<2>(planes, count, results);
 #else
-    return 0; // box by box, by the caller
+    return 0; // the caller classifies box by box
 #endif
 }
 

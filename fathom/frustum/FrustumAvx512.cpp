@@ -1,4 +1,4 @@
-#include <fathom/FrustumLanes.hpp>
+#include <fathom/frustum/FrustumLanes.hpp>
 
 namespace Orla {
 

@@ -1,4 +1,4 @@
-#include <fathom/FrustumKernel.hpp> // first: proves that the header stands alone
+#include <fathom/frustum/FrustumKernel.hpp> // first: the header must be self-contained
 
 #include <fathom/VCamera.hpp>
 
@@ -13,7 +13,7 @@ using namespace Orla;
 
 namespace {
 
-// The kernels that this machine can run. Others are the same code, compiled for
+// The kernels that this machine can run. The others are the same code compiled for
 // another width.
 std::vector<FrustumKernel> kernels()
 {
@@ -27,12 +27,12 @@ std::vector<FrustumKernel> kernels()
     return all;
 }
 
-TEST(FrustumKernel, theBestOneIsTheWidestThatRunsHere)
+TEST(FrustumKernel, isTheWidestThatThisMachineSupports)
 {
     EXPECT_EQ(bestFrustumKernel(), kernels().back());
 }
 
-TEST(FrustumKernel, allGiveTheResultsOfTheQueryForOneBox)
+TEST(FrustumKernel, givesTheResultsOfTheSingleBoxQueryAtEveryWidth)
 {
     Frustum frustum;
     frustum.compute(VCamera({1, 2, 3}, {4, -5, 6}, {0, 1, 1}, 60), 0.75, 0.5, 20);
@@ -65,7 +65,7 @@ TEST(FrustumKernel, allGiveTheResultsOfTheQueryForOneBox)
     for (const FrustumKernel kernel : kernels()) {
         std::vector<std::int8_t> results(Count, 99);
         const std::size_t done = kernel(planes, Count, results.data());
-        EXPECT_LE(Count - done, 7u) << "leaves less than a register full";
+        EXPECT_LE(Count - done, 7u) << "leaves less than one full register";
         int seen[3] = {};
         for (std::size_t i = 0; i < done; ++i) {
             const Gyre::BoundingBox box({corners[0][i], corners[1][i], corners[2][i]},
@@ -75,7 +75,7 @@ TEST(FrustumKernel, allGiveTheResultsOfTheQueryForOneBox)
         }
         for (std::size_t i = done; i < Count; ++i)
             EXPECT_EQ(results[i], 99);
-        EXPECT_TRUE(seen[0] > 10 && seen[1] > 10 && seen[2] > 10) << "a test of all three results";
+        EXPECT_TRUE(seen[0] > 10 && seen[1] > 10 && seen[2] > 10) << "all three results must occur";
     }
 }
 
