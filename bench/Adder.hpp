@@ -9,7 +9,7 @@
 
 #include <cstddef>
 
-// The cheap object that the measurements of evaluation use, and how they report.
+// The cheap object that the evaluation benchmarks use, and their report.
 
 namespace Orla {
 

@@ -1,4 +1,4 @@
-// Arrays of a million numbers as text, in characters a second, beside the plain
+// Arrays of a million numbers as text, in characters per second, compared with a plain
 // loop of to_chars and from_chars over the same digits.
 
 #include <fathom/Chunk.hpp>

@@ -1,5 +1,5 @@
-// One update of the chart selector with many atlases, beside the plain union of
-// the same lists.
+// One update of the chart selector with many atlases, compared with the plain union
+// of the same lists.
 
 #include <fathom/VChart.hpp>
 
@@ -33,7 +33,7 @@ private:
     VChartList m_charts;
 };
 
-// Three charts that everybody knows and, if wanted, one that nobody else does.
+// Three charts common to all atlases and, optionally, one unique to this atlas.
 VChartList chartsOf(std::int64_t number, bool withOwn)
 {
     VChartList charts({"geocentric", "geographic", "plate carree"});

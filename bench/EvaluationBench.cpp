@@ -1,5 +1,5 @@
-// Evaluating in several pools and threads, reading components, and what it costs to
-// work next to 100,000 other objects.
+// Evaluation in several pools and threads, reading components, and the cost of 100,000
+// unrelated objects in the network.
 
 #include "Adder.hpp"
 
@@ -69,7 +69,7 @@ StrongPtr<ValuePool> evaluatedPool(const Adders& objects)
     return pool;
 }
 
-/// The pools take turns, so that nothing which one leaves behind helps the other.
+/// Alternates between the pools, so neither benefits from data cached for the other.
 void twoPoolsAlternately(benchmark::State& state)
 {
     VNetwork network;
@@ -86,8 +86,8 @@ void twoPoolsAlternately(benchmark::State& state)
     report(state, 2 * chain.size());
 }
 
-/// One network; each thread evaluates a pool of its own. Compare "per_object" with one
-/// and with two threads: it is the time divided by the objects of all threads.
+/// One network; each thread evaluates its own pool. Compare "per_object" for one and two
+/// threads: it is the time divided by the objects of all threads.
 void poolPerThread(benchmark::State& state)
 {
     static VNetwork* network = nullptr;
@@ -222,7 +222,7 @@ public:
     bool both = false;
 };
 
-/// Reads one or two components of one value, in an update.
+/// Reads one or two components of one value during an update.
 void readComponents(benchmark::State& state)
 {
     VNetwork network;
@@ -245,7 +245,7 @@ public:
     TypedSlot<StrongPtr<VAction>> go{this, "go", nullptr, 0};
 };
 
-/// Emits an action with one listener next to other objects, and runs the listener.
+/// Emits an action and runs its only listener, in a network with other objects.
 void emitAction(benchmark::State& state)
 {
     VNetwork network;
@@ -281,7 +281,7 @@ public:
     bool update(VRequest&, double) override { return true; }
 };
 
-/// Sets up time dependent objects, each next to those before.
+/// Sets up time-dependent objects in one growing network.
 void setUpTimeDependent(benchmark::State& state)
 {
     for (auto _ : state) {
@@ -299,7 +299,7 @@ void setUpTimeDependent(benchmark::State& state)
     report(state, static_cast<std::size_t>(state.range(0)));
 }
 
-/// Removes the inputs of one object in the order in which they were added.
+/// Removes the inputs of one object in the order of addition.
 void removeInputs(benchmark::State& state)
 {
     for (auto _ : state) {

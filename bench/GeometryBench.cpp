@@ -1,5 +1,5 @@
-// The camera's matrices and the view frustum: boxes one by one and in bulk,
-// beside the plain look-at formula and the time that it takes to read the boxes.
+// The camera's matrices and the view frustum: boxes one by one and in bulk, compared
+// with the plain look-at formula and the time to read the boxes.
 
 #include <fathom/VCamera.hpp>
 
@@ -60,7 +60,7 @@ void compute(benchmark::State& state)
     }
 }
 
-// Boxes all around the camera; some five in a hundred are in sight.
+// Boxes all around the camera; about 5% of them are visible.
 struct Scene {
     explicit Scene(std::size_t count)
     {
@@ -121,7 +121,7 @@ void classify(benchmark::State& state)
     report(state);
 }
 
-/// Reads the corners and writes a byte a box, and nothing else.
+/// Only reads the corners and writes one byte per box.
 void streamPlain(benchmark::State& state)
 {
     Scene scene(static_cast<std::size_t>(state.range(0)));

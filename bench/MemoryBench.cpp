@@ -1,5 +1,5 @@
-// Bytes that the allocator hands out for a value, a connection, an idle pool and
-// a whole object. The times mean nothing here; read the counters.
+// Bytes allocated for a value, a connection, an idle pool and a whole object. The
+// times are meaningless here; read the counters.
 
 #include <fathom/Double.hpp>
 #include <fathom/VOutput.hpp>
@@ -69,8 +69,8 @@ void bytesPerObject(benchmark::State& state)
     }
 }
 
-/// What evaluating an object in one more pool costs: its scope, its variables and
-/// their places in the pool's index.
+/// The memory to evaluate an object in one more pool: its scope, its variables and
+/// their entries in the pool's index.
 void bytesPerObjectInPool(benchmark::State& state)
 {
     for (auto _ : state) {

@@ -1,5 +1,5 @@
-// Finding a parameter's variable in a pool, beside a plain array access and a
-// standard hash table, with the parameters asked in a random order.
+// Finding a parameter's variable in a pool, compared with a plain array access and a
+// standard hash table. The parameters are accessed in random order.
 
 #include <fathom/VValueParameter.hpp>
 #include <fathom/Double.hpp>
@@ -52,7 +52,7 @@ void lookUp(benchmark::State& state)
     }
 }
 
-/// What a parameter remembers of the last pool never helps here.
+/// Alternates between pools: what a parameter remembers of the last pool never helps.
 void lookUpInTwoPools(benchmark::State& state)
 {
     const auto count = static_cast<std::size_t>(state.range(0));
@@ -80,7 +80,7 @@ void lookUpByName(benchmark::State& state)
     }
 }
 
-/// An array of parameters, each of which knows its place in an array of values.
+/// An array of parameters, each with its index in an array of values.
 void arrayPlain(benchmark::State& state)
 {
     const auto count = static_cast<std::size_t>(state.range(0));

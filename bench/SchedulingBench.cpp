@@ -1,6 +1,5 @@
-// Running what is due: chains, fans and ladders of diamonds, each beside a plain
-// version that does the same with nothing around it. Times are for one pass;
-// the counter "per_object" is what to compare.
+// Running due objects: chains, fans and ladders of diamonds, each compared with a
+// minimal plain version. Times are for one pass; compare the counter "per_object".
 
 #include "Adder.hpp"
 
@@ -53,7 +52,7 @@ public:
         VScheduler::run(pool);
     }
 
-    /// Changes the first object's free input and runs what follows from it.
+    /// Changes the first object's unconnected input and runs the affected objects.
     void change(double value)
     {
         const TypedSlot<double>& input = objects.front()->b;
@@ -76,7 +75,7 @@ void runNetwork(benchmark::State& state, Network& network)
     report(state, network.objects.size());
 }
 
-// The plain version: nodes with levels, marked when an input changed, run level
+// The plain version: nodes with levels, marked when an input changes and run level
 // by level.
 class PlainNode {
 public:
@@ -213,7 +212,7 @@ void fanPlain(benchmark::State& state)
     runPlain(state, network);
 }
 
-// Each step has one object that two others read, which the next step adds up.
+// In each step, two objects read the top object and a third adds their results.
 void ladder(benchmark::State& state)
 {
     Network network;
@@ -248,7 +247,7 @@ void ladderPlain(benchmark::State& state)
     runPlain(state, network);
 }
 
-/// Asks for a result that is still valid.
+/// Requests a result that is still valid.
 void stillValid(benchmark::State& state)
 {
     Network network;
@@ -260,8 +259,8 @@ void stillValid(benchmark::State& state)
     }
 }
 
-/// Builds a chain and gives it its first evaluation, in creation order and with
-/// the connections made from the end on.
+/// Builds a chain, connected from its start (0) or from its end (1), and evaluates it
+/// for the first time.
 void buildChain(benchmark::State& state)
 {
     for (auto _ : state) {

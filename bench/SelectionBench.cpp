@@ -1,5 +1,5 @@
-// Text forms and comparisons of the selection types, each beside the plain
-// containers that produce the same characters or answer the same question.
+// Text forms and comparisons of the selection types, each compared with plain
+// containers that give the same text or result.
 
 #include <fathom/VEnum.hpp>
 #include <fathom/VFlagList.hpp>
@@ -25,7 +25,7 @@ using Multiple = StrongPtr<MultipleStringSelection, StringList>;
 
 constexpr std::size_t Count = 16;
 
-// As long as names of fields are, so that half of them need memory of their own.
+// As long as typical field names: half of them need heap memory.
 const Strings& names()
 {
     static const Strings names = [] {
@@ -58,7 +58,7 @@ Enum sample()
     return made;
 }
 
-// Blanks separate flags.
+// Blanks separate flags, so flag names have none.
 const Strings& flagNames()
 {
     static const Strings flagNames = [] {
@@ -94,7 +94,7 @@ Multiple sample()
     return made;
 }
 
-// What a value of the type would be without the framework.
+// The plain counterparts of the values, without the framework.
 
 struct PlainChoice {
     Strings names;

@@ -1,4 +1,4 @@
-// Text forms of the value types, each beside the plain calls that produce the
+// Text forms of the value types, each compared with plain calls that produce the
 // same characters.
 
 #include <fathom/BoundingBall.hpp>
@@ -29,7 +29,7 @@ namespace {
 
 constexpr std::size_t Count = 1024;
 
-// 17 significant digits nearly always.
+// Nearly all numbers have 17 significant digits.
 std::vector<double> numbers()
 {
     std::mt19937_64 random(1);
@@ -163,7 +163,7 @@ void readInt(benchmark::State& state)
 using Gyre::PhysicalSpace;
 using Box = Loam::StrongPtr<Gyre::BoundingBox, Loam::InterfaceBase>;
 
-// Makes a value of three numbers, three at a time.
+// Makes each value from three consecutive numbers.
 template<class T, class Make>
 std::vector<T> madeOfThree(Make&& make)
 {

@@ -1,5 +1,5 @@
 // Creating values by name and text, and copying, comparing and assigning them
-// through their base class, beside the least that does the same: one virtual
+// through their base class, compared with the minimum that does the same: one virtual
 // call, one allocation.
 
 #include <fathom/Double.hpp>

@@ -5,10 +5,10 @@
 
 namespace Gyre {
 
-/// A ball that encloses something.
+/// A ball that encloses an object.
 class BoundingBall {
 public:
-    /// The point at the origin.
+    /// Creates a ball with radius 0 at the origin.
     constexpr BoundingBall() noexcept = default;
 
     constexpr BoundingBall(const PhysicalSpace::point& center, double radius) noexcept
@@ -19,7 +19,7 @@ public:
     constexpr const PhysicalSpace::point& center() const noexcept { return m_center; }
     constexpr double radius() const noexcept { return m_radius; }
 
-    /// The product of the radius with itself, kept for comparisons.
+    /// Returns the square of the radius, stored for comparisons.
     constexpr double squaredRadius() const noexcept { return m_squaredRadius; }
 
     constexpr void setCenter(const PhysicalSpace::point& center) noexcept { m_center = center; }
@@ -30,7 +30,7 @@ public:
         m_squaredRadius = radius * radius;
     }
 
-    /// The surface counts as inside.
+    /// Returns true if \p place is inside the ball or on its surface.
     constexpr bool contains(const PhysicalSpace::point& place) const noexcept
     {
         const PhysicalSpace::vector distance = place - m_center;

@@ -8,10 +8,9 @@
 
 namespace Gyre {
 
-/// A box with edges along the axes, reference counted so that several holders see
-/// the same one.
+/// An axis-aligned box, reference-counted so several owners can share it.
 ///
-/// Nothing is enforced: a box whose maximum lies before its minimum stays as it is.
+/// The corners are not checked: the maximum may be less than the minimum.
 class GABLE_API BoundingBox : public Loam::InterfaceBase {
 public:
     BoundingBox(const PhysicalSpace::point& minimum, const PhysicalSpace::point& maximum);
@@ -20,27 +19,26 @@ public:
     const PhysicalSpace::point& minimum() const noexcept { return m_minimum; }
     const PhysicalSpace::point& maximum() const noexcept { return m_maximum; }
 
-    /// The ball around the box as of the last `updateBall`.
+    /// Returns the ball around the box as of the last `updateBall`.
     const BoundingBall& ball() const noexcept { return m_ball; }
 
-    /// True if the corners were grown around something; false if they were given.
+    /// Returns true if `grow` was called since the corners were last set.
     bool isGrown() const noexcept { return m_grown; }
 
-    /// Gives the box new corners; the ball waits for `updateBall`.
+    /// Sets the corners; the ball is unchanged until `updateBall`.
     void setCorners(const PhysicalSpace::point& minimum, const PhysicalSpace::point& maximum) noexcept;
 
-    /// Makes the box as large as it must be to hold \p place too; brings the ball
-    /// up to date.
+    /// Extends the box to contain \p place and updates the ball.
     void grow(const PhysicalSpace::point& place) noexcept;
 
-    /// Makes the ball the smallest one that holds all corners: its center is the
-    /// box's, its radius half the diagonal.
+    /// Sets the ball to the smallest one that contains all corners: its center is the
+    /// box's center, its radius half the diagonal.
     void updateBall() noexcept;
 
     /// Prints one line with \p name and the corners to standard output.
     void speak(const char* name) const;
 
-    /// Same corners; the ball and the rest follow from them or do not matter.
+    /// Compares only the corners.
     friend bool operator==(const BoundingBox& a, const BoundingBox& b) noexcept
     {
         return a.m_minimum == b.m_minimum && a.m_maximum == b.m_maximum;

@@ -2,7 +2,7 @@
 
 namespace Gyre {
 
-/// A colour of red, green, blue and opacity, each usually between 0 and 1.
+/// A colour: red, green, blue and opacity, each usually between 0 and 1.
 struct rgba_float_t {
     float r = 0;
     float g = 0;

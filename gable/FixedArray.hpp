@@ -8,8 +8,8 @@
 
 namespace Gyre {
 
-/// \p N values of type \p T in a row, and nothing else: an aggregate like a
-/// plain array that can be copied, compared and returned.
+/// An array of \p N values of type \p T: an aggregate like a plain array that can be
+/// copied, compared and returned. It contains nothing but the values.
 template<class T, std::size_t N>
 struct FixedArray {
     static_assert(N > 0);
@@ -32,7 +32,7 @@ struct FixedArray {
     constexpr T* end() noexcept { return elements + N; }
     constexpr const T* end() const noexcept { return elements + N; }
 
-    /// Element by element, with the elements' own comparison.
+    /// Compares element by element.
     friend constexpr bool operator==(const FixedArray&, const FixedArray&) = default;
     friend constexpr auto operator<=>(const FixedArray&, const FixedArray&) = default;
 };

@@ -8,17 +8,17 @@
 
 namespace Gyre {
 
-/// Ranges of a value with several components: for each component its lower and
-/// its upper bound, one after the other.
+/// Ranges of a value with several components: the lower and upper bound of each
+/// component in turn.
 class GABLE_API MultiRange {
 public:
-    /// No range.
+    /// Creates an object without ranges.
     MultiRange() = default;
 
     explicit MultiRange(std::vector<double> bounds) noexcept;
 
-    /// Reads an optional "[" and numbers separated by ";" or ",". Ends quietly
-    /// where there is no number; what was read until then counts.
+    /// Reads an optional "[" and numbers separated by ";" or ",". Stops without an error
+    /// at the first text that is not a number and keeps the numbers before it.
     explicit MultiRange(const std::string& text);
 
     std::size_t size() const noexcept { return m_bounds.size(); }

@@ -7,11 +7,10 @@ namespace Gyre {
 
 /// Three-dimensional space with right-handed Cartesian coordinates.
 ///
-/// Points, vectors and bivectors are types of their own over the same three
-/// doubles: adding a vector to a point gives a point, adding two points is not
-/// written by anybody who means it.
+/// Points, vectors and bivectors are distinct types over three doubles: adding a
+/// vector to a point gives a point; adding two points does not compile.
 struct PhysicalSpace {
-    /// What the three have in common.
+    /// The common base of points, vectors and bivectors.
     struct Coordinates : FixedArray<double, 3> {
         constexpr Coordinates() noexcept : FixedArray<double, 3>{{0, 0, 0}} {}
         constexpr Coordinates(double x, double y, double z) noexcept : FixedArray<double, 3>{{x, y, z}} {}
@@ -27,7 +26,7 @@ struct PhysicalSpace {
         friend constexpr bool operator==(const Coordinates&, const Coordinates&) = default;
     };
 
-    /// A difference of points.
+    /// The difference of two points.
     struct vector : Coordinates {
         using Coordinates::Coordinates;
 
@@ -53,7 +52,7 @@ struct PhysicalSpace {
         }
     };
 
-    /// A place.
+    /// A position.
     struct point : Coordinates {
         using Coordinates::Coordinates;
 
@@ -73,8 +72,8 @@ struct PhysicalSpace {
         }
     };
 
-    /// An oriented plane element, given by the components of the vector that
-    /// stands on it: what turns, and which way is up.
+    /// An oriented plane element, given by the components of its normal vector; used for
+    /// rotations and up directions.
     struct bivector : Coordinates {
         using Coordinates::Coordinates;
 
@@ -96,20 +95,20 @@ struct PhysicalSpace {
     };
 };
 
-/// Sum of the products of the components, from the first to the last.
+/// Returns the sum of the products of the components, added from first to last.
 constexpr double dot(const PhysicalSpace::vector& a, const PhysicalSpace::vector& b) noexcept
 {
     return a.x() * b.x() + a.y() * b.y() + a.z() * b.z();
 }
 
-/// The plane element that two vectors span.
+/// Returns the plane element spanned by two vectors.
 constexpr PhysicalSpace::bivector wedge(const PhysicalSpace::vector& a, const PhysicalSpace::vector& b) noexcept
 {
     return {a.y() * b.z() - a.z() * b.y(), a.z() * b.x() - a.x() * b.z(), a.x() * b.y() - a.y() * b.x()};
 }
 
-/// The vector that stands on two others (cross product), with the length of the
-/// parallelogram's area, right-handed.
+/// Returns the right-handed cross product: perpendicular to both vectors, with the
+/// area of their parallelogram as its length.
 constexpr PhysicalSpace::vector cross(const PhysicalSpace::vector& a, const PhysicalSpace::vector& b) noexcept
 {
     return {a.y() * b.z() - a.z() * b.y(), a.z() * b.x() - a.x() * b.z(), a.x() * b.y() - a.y() * b.x()};

@@ -4,13 +4,13 @@ namespace Loam {
 
 namespace {
 
-// Enough that the clock is rarely asked, and few enough that it never runs out.
+// Large enough that the clock is rarely accessed, small enough that it never overflows.
 constexpr Ageable::Age TicksInAdvance = 4096;
 
 struct Reserve {
     unsigned scopes;
     Ageable::Age last; // the last tick taken
-    Ageable::Age end;  // the last tick that may be taken; 0 before the first one
+    Ageable::Age end;  // the last tick reserved; 0 before the first reservation
 };
 
 #if defined(__GNUC__) && !defined(_WIN32)
@@ -39,8 +39,8 @@ Ageable::Age Ageable::nextAmongThreads() noexcept
     return ++reserve.last;
 }
 
-// An inner scope starts with new ticks, because it may meet values that other threads
-// touched since the outer one began.
+// An inner scope reserves new ticks, because it may read values that other threads have
+// touched since the outer scope began.
 Ageable::Ticks::Ticks() noexcept
 {
     ++t_reserve.scopes;

@@ -9,35 +9,34 @@
 
 namespace Loam {
 
-/// Age stamp of a value: when it was made or last changed, in ticks of a clock
-/// that the whole process shares. A larger age is a later one.
+/// The age stamp of a value: when it was created or last touched, in ticks of a
+/// process-wide clock. A larger age is later.
 class LOAM_API Ageable {
 public:
     using Age = std::uint64_t;
 
-    /// The newest age given to anything so far.
+    /// The newest age assigned or reserved so far.
     static std::atomic<Age> GlobalTime;
 
-    /// A new value takes the current global age.
+    /// Starts with the age `now()`.
     Ageable() noexcept : m_age{now()} {}
     explicit Ageable(Age age) noexcept : m_age{age} {}
 
     Age stamp() const noexcept { return m_age; }
 
-    /// The newest age that this thread knows of.
+    /// Returns the newest age known to this thread.
     static Age now() noexcept
     {
         return isSingleThreaded() ? GlobalTime.load(std::memory_order_relaxed) : nowAmongThreads();
     }
 
-    /// Makes this younger than everything else: advances the global clock by
-    /// one tick and takes the new age. Within a `Ticks` scope, everything else is what
-    /// this thread has seen.
+    /// Makes this the youngest value: advances the global clock by one tick and takes the
+    /// new age. Within a `Ticks` scope, it is the youngest that this thread has seen.
     void touch() noexcept { m_age = isSingleThreaded() ? countUp(GlobalTime) + 1 : nextAmongThreads(); }
 
-    /// While it lives, this thread takes ticks of the global clock in advance, so that
-    /// threads which touch many values do not wait for each other at the clock. Ages
-    /// that several threads give out meanwhile are unique, but not in order.
+    /// While it exists, this thread reserves ticks of the global clock in advance, so
+    /// threads that touch many values do not contend for the clock. Ages assigned by
+    /// several threads meanwhile are unique but not ordered.
     class LOAM_API Ticks {
     public:
         Ticks() noexcept;

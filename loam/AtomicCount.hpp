@@ -11,8 +11,8 @@
 
 namespace Loam {
 
-/// True while the process has only one thread, so that counters need no locked
-/// instructions. False where the platform does not say.
+/// Returns true while the process has only one thread; counters then need no locked
+/// instructions. Returns false on platforms that do not report it.
 inline bool isSingleThreaded() noexcept
 {
 #if defined(LOAM_KNOWS_SINGLE_THREADED)
@@ -22,7 +22,7 @@ inline bool isSingleThreaded() noexcept
 #endif
 }
 
-/// Adds to a counter that several threads may count in; returns the old value.
+/// Adds \p amount to a counter shared by threads and returns the old value.
 template<class Number>
 Number countUp(std::atomic<Number>& counter, Number amount = 1) noexcept
 {
@@ -33,8 +33,8 @@ Number countUp(std::atomic<Number>& counter, Number amount = 1) noexcept
     return old;
 }
 
-/// Subtracts from a counter whose end another thread may act on; returns the
-/// old value.
+/// Subtracts \p amount from a counter shared by threads and returns the old value.
+/// The thread that reaches 0 sees all writes made before the other decrements.
 template<class Number>
 Number countDown(std::atomic<Number>& counter, Number amount = 1) noexcept
 {

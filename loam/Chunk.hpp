@@ -17,11 +17,11 @@ namespace Loam {
 /// A reference-counted array of values in contiguous memory.
 class LOAM_API ChunkBase : public ReferenceBase<ChunkBase> {
 public:
-    /// Bytes of element memory that all chunks of the process hold now. Exact:
-    /// what was added is subtracted again, also where an allocation throws.
+    /// Bytes of element memory currently held by all chunks of the process. Exact, even
+    /// after an allocation throws.
     static std::atomic<std::size_t> TotalMemsize;
 
-    /// Alignment of the first element, wide enough for every vector unit.
+    /// Alignment of the first element in bytes; sufficient for every vector unit.
     static constexpr std::size_t Alignment = 64;
 
     ~ChunkBase() override;
@@ -30,8 +30,8 @@ public:
     virtual std::size_t elementSize() const noexcept = 0;
     virtual std::size_t size() const noexcept = 0;
 
-    /// The elements, for libraries that take plain memory. Valid while the
-    /// chunk lives and keeps its size; may be null for an empty chunk.
+    /// Returns the elements, for libraries that take plain memory. The pointer is valid
+    /// while the chunk exists and keeps its size; it may be null for an empty chunk.
     virtual void* memory() noexcept = 0;
     virtual const void* memory() const noexcept = 0;
 
@@ -39,7 +39,7 @@ protected:
     ChunkBase() = default;
 };
 
-/// Allocates element memory of chunks: aligned and counted.
+/// Allocates aligned element memory and counts it in `ChunkBase::TotalMemsize`.
 template<class T>
 class ChunkAllocator {
 public:
@@ -52,8 +52,8 @@ public:
     {
     }
 
-    /// \throw std::bad_array_new_length for more than the address space holds,
-    ///        std::bad_alloc when there is no memory; the total is unchanged then.
+    /// \throw std::bad_array_new_length if the elements exceed the address space,
+    ///        std::bad_alloc if memory is exhausted; the total is then unchanged.
     T* allocate(std::size_t count)
     {
         if (count > std::numeric_limits<std::ptrdiff_t>::max() / sizeof(T))
@@ -88,9 +88,9 @@ public:
     const std::type_info& elementType() const noexcept override { return typeid(T); }
     std::size_t elementSize() const noexcept override { return sizeof(T); }
 
-    /// A new chunk of \p size value-initialised elements; without \p initialise
-    /// those of arithmetic types are left as the memory was, for callers that
-    /// write each of them next.
+    /// Creates a chunk of \p size value-initialised elements. Without \p initialise,
+    /// elements of arithmetic types are uninitialised, for callers that overwrite all
+    /// of them.
     /// \throw std::bad_alloc or a class derived from it.
     static StrongPtr<TypedChunk<T>, ChunkBase> createNewChunk(std::size_t size, bool initialise = true);
 };
@@ -101,8 +101,8 @@ class TypedChunk : public TypedChunkBase<T> {
 public:
     static_assert(!std::is_same_v<T, bool>, "std::vector<bool> has no contiguous elements; use char");
 
-    /// Leaves elements that are not given a value uninitialised where the type
-    /// allows it; everything else is as in `ChunkAllocator`.
+    /// Like `ChunkAllocator`, but default-initialises elements that are constructed
+    /// without a value.
     class Allocator : public ChunkAllocator<T> {
     public:
         using value_type = T;
@@ -130,10 +130,10 @@ public:
 
     TypedChunk() = default;
 
-    /// \p size value-initialised elements.
+    /// Creates \p size value-initialised elements.
     explicit TypedChunk(std::size_t size) : TypedChunk{size, T{}} {}
 
-    /// \p size copies of \p value.
+    /// Creates \p size copies of \p value.
     /// \throw std::bad_alloc or a class derived from it.
     TypedChunk(std::size_t size, const T& value)
     {
@@ -141,7 +141,7 @@ public:
         m_elements.assign(size, value);
     }
 
-    /// The elements, as a vector that may grow and shrink.
+    /// Returns the vector of elements, which may grow and shrink.
     Vector& base_vector() noexcept { return m_elements; }
     const Vector& base_vector() const noexcept { return m_elements; }
 
@@ -161,7 +161,7 @@ public:
 private:
     friend class TypedChunkBase<T>;
 
-    // The vector's own complaint about its size is no std::bad_alloc.
+    // std::vector would throw std::length_error, which is not a std::bad_alloc.
     void checkSize(std::size_t size) const
     {
         if (size > m_elements.max_size())
@@ -171,7 +171,7 @@ private:
     Vector m_elements;
 };
 
-/// What a value makes of itself when it is exported as an array.
+/// The array that a value creates when it is exported.
 template<class T>
 class Chunk : public TypedChunk<T> {
 public:

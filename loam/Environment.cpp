@@ -15,8 +15,8 @@ namespace Loam {
 
 namespace {
 
-// The system marks the path of a file that was deleted or replaced since, as a
-// new version of a running program or loaded library does.
+// The system marks the path of a file that has since been deleted or replaced, for
+// example by a new version of a running program or loaded library.
 std::string withoutDeletionMark(std::string path)
 {
     constexpr std::string_view mark = " (deleted)";
@@ -32,9 +32,8 @@ std::string executablePath()
     return withoutDeletionMark(std::filesystem::read_symlink("/proc/self/exe", error).string());
 }
 
-// The file mapped at an address. Unlike the loader, which keeps the path that a
-// library was loaded by, the system knows it from the root on, whatever the
-// working directory was or is.
+// Returns the file mapped at an address. The loader keeps the path that a library was
+// loaded by, which may be relative; the system knows the absolute path.
 std::string mappedFile(std::uintptr_t address)
 {
     std::ifstream maps("/proc/self/maps");
@@ -70,8 +69,7 @@ std::string getCurrentDir()
 
 std::string getEnvString(const std::string& name, const std::string& fallback)
 {
-    // The C library would look for the part before a NUL, and take "A=B" for the
-    // name where A is set to "B=...".
+    // std::getenv would stop at a NUL, and would find "A=B" where A is set to "B=...".
     if (name.find_first_of(std::string_view("=\0", 2)) != std::string::npos)
         return fallback;
     const char* value = std::getenv(name.c_str());
@@ -85,7 +83,7 @@ std::string getLibraryPath(const void* address)
     if (dladdr1(address, &info, &extra, RTLD_DL_LINKMAP) == 0 || !extra)
         return {};
     const std::string path = static_cast<const link_map*>(extra)->l_name;
-    if (path.empty()) // how the loader calls the program itself
+    if (path.empty()) // the loader's name for the program itself
         return executablePath();
     return path.front() == '/' ? path : mappedFile(reinterpret_cast<std::uintptr_t>(info.dli_fbase));
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Three roles, because Windows and ELF want the attribute in different places:
+// Three macros, because Windows and ELF need the attribute in different places:
 // LOAM_API on classes and functions, LOAM_EXTERN_TEMPLATE on the declaration of
 // an instantiation, LOAM_TEMPLATE on its definition.
 #if defined(_WIN32)

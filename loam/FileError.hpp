@@ -7,12 +7,12 @@
 
 namespace Loam {
 
-/// A file could not be read or written; the message says which one and why.
+/// Thrown if a file cannot be read or written; the message names the file and the reason.
 class LOAM_API FileError : public std::runtime_error {
 public:
     explicit FileError(const std::string& message);
 
-    /// \p what failed with the system's error number \p error.
+    /// Appends the text of the system's error number \p error to \p what.
     FileError(const std::string& what, int error);
     ~FileError() override;
 };

@@ -8,14 +8,13 @@ namespace Loam {
 
 namespace {
 
-// All zero, which is no type of file, if there is nothing under the path.
+// Returns all zeros, which match no file type, if the path does not exist.
 //
-// The system's own call, because a path of std::filesystem allocates and so
-// might throw.
+// Calls stat directly, because std::filesystem::path allocates and may throw.
 struct stat status(const std::string& path) noexcept
 {
     struct stat result {};
-    // The system would look at the part before a NUL.
+    // stat would stop at a NUL.
     if (path.find('\0') != std::string::npos || ::stat(path.c_str(), &result) != 0)
         return {};
     return result;

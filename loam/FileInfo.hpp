@@ -7,21 +7,21 @@
 
 namespace Loam {
 
-/// What the file system holds under a path. Each question is asked anew, links
-/// are followed, and a path that cannot be looked at is as one of nothing.
+/// Queries the file system about a path. Each call reads the file system again and
+/// follows links; a path that cannot be examined counts as missing.
 class LOAM_API FileInfo {
 public:
     explicit FileInfo(std::string path) noexcept;
 
-    /// As it was given.
+    /// Returns the path as given.
     const std::string& path() const noexcept { return m_path; }
 
-    /// Whether this is a file; a directory, a device or a broken link is none.
+    /// Returns true for a regular file; false for a directory, a device or a broken link.
     bool exists() const noexcept;
 
     bool isDirectory() const noexcept;
 
-    /// In bytes; 0 for anything but a file.
+    /// Returns the size in bytes; 0 for anything but a regular file.
     std::uintmax_t size() const noexcept;
 
 private:

@@ -7,26 +7,26 @@
 
 namespace Loam {
 
-/// Root of optional abilities that objects hand around without knowing each
-/// other's classes: preferences, components, shapes.
+/// Root of optional interfaces that objects exchange without knowing each other's
+/// classes: preferences, components, shapes.
 class LOAM_API InterfaceBase : public ReferenceBase<InterfaceBase> {
 public:
     InterfaceBase() = default;
     ~InterfaceBase() override;
 };
 
-/// A set of interfaces, found by the class that is asked for.
+/// A set of interfaces, looked up by class.
 class LOAM_API InterfaceContainer {
 public:
     using const_iterator = std::vector<StrongPtr<InterfaceBase>>::const_iterator;
 
-    /// Adds \p interface; false for a null pointer and for one that is already in.
+    /// Adds \p interface. Returns false if it is null or already in the container.
     bool add(const StrongPtr<InterfaceBase>& interface);
 
-    /// False if \p interface is not in.
+    /// Removes \p interface. Returns false if it is not in the container.
     bool remove(const StrongPtr<InterfaceBase>& interface);
 
-    /// The first interface added that is a \p T, or null.
+    /// Returns the first interface added that is a \p T, or null.
     template<class T>
     StrongPtr<T> find() const
     {
@@ -40,7 +40,7 @@ public:
     bool empty() const noexcept { return m_interfaces.empty(); }
     std::size_t size() const noexcept { return m_interfaces.size(); }
 
-    /// In the order in which they were added.
+    /// Iterates in the order of addition.
     const_iterator begin() const noexcept { return m_interfaces.begin(); }
     const_iterator end() const noexcept { return m_interfaces.end(); }
 

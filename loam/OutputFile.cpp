@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::size_t BufferSize = 65536;
 
-// Files that are being written, for a signal handler, which may not wait for a
-// lock. Programs have few at a time; what is beyond that is not remembered.
+// Files that are being written, for a signal handler, which must not wait for a lock.
+// Programs have few at a time; files beyond the limit are not recorded.
 constexpr std::size_t MostUnfinished = 64;
 std::atomic<const char*> theUnfinished[MostUnfinished];
 static_assert(std::atomic<const char*>::is_always_lock_free);
@@ -52,8 +52,8 @@ std::string nameBeside(const std::string& path, int number)
            + std::to_string(::getpid()) + '-' + std::to_string(number) + ".tmp";
 }
 
-// A name is needed to take the place of another file. False, and errno tells why, if
-// the file cannot be given one.
+// Gives an unnamed file a temporary name, which it needs to replace another file.
+// Returns false and sets errno on failure.
 bool giveName(int descriptor, const std::string& path, std::string& name)
 {
     const std::string self = processFile(descriptor);
@@ -68,8 +68,8 @@ bool giveName(int descriptor, const std::string& path, std::string& name)
     }
 }
 
-// A new file without a name in the folder of `path`; -1 where there can be none, or
-// where it could not be given a name later.
+// Opens a new unnamed file in the folder of `path`. Returns -1 if the system does not
+// support that or could not name the file later.
 int openUnnamed(const std::string& path, unsigned mode) noexcept
 {
 #ifdef O_TMPFILE
@@ -100,7 +100,7 @@ OutputFile::OutputFile(const std::string& path) : m_name{StringUtil::printable(p
         return;
     }
     if (exists) {
-        // The file behind a link is replaced, not the link.
+        // Replace the file that a link points to, not the link.
         std::error_code error;
         const std::filesystem::path resolved = std::filesystem::canonical(path, error);
         if (!error)
@@ -174,7 +174,7 @@ void OutputFile::commit()
     flush();
     if (!m_owned)
         return;
-    // Some systems tell only now that the disk is full. What is no file cannot be
+    // Some systems report a full disk only here. Pipes and devices cannot be
     // synchronized, and need not be.
     if (m_isFile && ::fsync(m_descriptor) != 0 && errno != EINVAL && errno != EROFS && errno != ENOTSUP)
         throw FileError{"cannot write " + m_name, errno};

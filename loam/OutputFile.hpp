@@ -9,22 +9,22 @@
 
 namespace Loam {
 
-/// Receives results. A file appears as a whole or not at all: it is written
-/// beside its place, without a name where the system can do that, and renamed when
-/// it is complete. So also a process that is killed leaves the file as it was, and
-/// nothing beside it.
+/// Writes a result. A file appears complete or not at all: it is written in the folder
+/// of its target, without a name if the system supports that, and renamed when it is
+/// complete. If the process is killed, the target is unchanged and an unnamed file
+/// disappears.
 class LOAM_API OutputFile {
 public:
-    /// A result in the file \p path. A link is followed; what is no file, as a
+    /// Writes to the file \p path. Follows links; anything but a regular file, such as a
     /// pipe or a device, is written directly.
     /// \throw FileError
     explicit OutputFile(const std::string& path);
 
-    /// A result in the open stream \p descriptor, which messages call \p name.
-    /// \throw FileError if the number is negative: the stream was closed.
+    /// Writes to the open stream \p descriptor, called \p name in messages.
+    /// \throw FileError if \p descriptor is negative, as for a closed stream.
     OutputFile(int descriptor, const std::string& name);
 
-    /// Without `commit` the file is as it was before.
+    /// Leaves the target file unchanged unless `commit` succeeded.
     ~OutputFile();
 
     OutputFile(const OutputFile&) = delete;
@@ -33,20 +33,20 @@ public:
     /// \throw FileError
     void write(std::string_view bytes);
 
-    /// Hands what was written to the system.
+    /// Passes all bytes written so far to the system.
     /// \throw FileError
     void flush();
 
-    /// Ends the output; a file takes its place.
-    /// \throw FileError and the file is as it was before.
+    /// Completes the output; a file replaces its target.
+    /// \throw FileError; the target file is then unchanged.
     void commit();
 
-    /// Removes what all outputs of the process have written beside their places so
-    /// far. For programs that have to end at once: it may be called in a signal
-    /// handler, and the outputs can do nothing any more.
+    /// Removes the temporary files of all outputs of the process. For programs that must
+    /// exit immediately: it may be called in a signal handler, and the outputs are
+    /// unusable afterwards.
     static void removeUnfinished() noexcept;
 
-    /// True if the output goes to its place piece by piece.
+    /// Returns true if the output is written directly to its target.
     bool isStream() const noexcept { return !m_isFile; }
 
 private:
@@ -54,10 +54,10 @@ private:
     void discard() noexcept;
 
     std::string m_name;      // in messages
-    std::string m_path;      // of the file in the end
-    std::string m_temporary; // of the file until then; empty as long as it has no name
+    std::string m_path;      // of the target
+    std::string m_temporary; // of the temporary file; empty while it has no name
     std::string m_pending;
-    std::size_t m_place = 0; // among the unfinished files
+    std::size_t m_place = 0; // index among the unfinished files
     int m_descriptor = -1;
     bool m_owned = false;
     bool m_isFile = false;

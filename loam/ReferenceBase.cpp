@@ -4,11 +4,11 @@ namespace Loam {
 
 namespace {
 
-// A constructor cannot ask how its object was allocated. `operator new` leaves
-// a note in the memory where the count block will stand, and the constructor of
-// the counted root looks whether it lies inside a noted object. Notes form a
-// stack, because the arguments of a constructor may make objects of their own
-// between allocation and construction.
+// A constructor cannot determine how its object was allocated. `operator new` leaves
+// a note in the memory of the future count block, and the constructor of the counted
+// root checks whether it lies inside a noted object. Notes form a stack, because the
+// arguments of a constructor may create other objects between allocation and
+// construction.
 struct PendingObject {
     PendingObject* next;
     std::size_t size;
@@ -16,7 +16,7 @@ struct PendingObject {
     bool contains(const void* place) const noexcept;
 };
 
-// The note for an object that does not stand behind its block.
+// The note for an object with a separate block.
 struct PendingApart : PendingObject {
     void* object;
 };
@@ -26,7 +26,7 @@ constexpr std::size_t ApartBit = ~(~std::size_t{0} >> 1);
 
 static_assert(sizeof(PendingObject) <= BlockSize);
 static_assert(alignof(PendingObject) <= alignof(ReferenceBlock));
-static_assert(BlockSize % __STDCPP_DEFAULT_NEW_ALIGNMENT__ == 0, "the object behind the block must stay aligned");
+static_assert(BlockSize % __STDCPP_DEFAULT_NEW_ALIGNMENT__ == 0, "the object after the block must stay aligned");
 
 bool PendingObject::contains(const void* place) const noexcept
 {
@@ -36,8 +36,8 @@ bool PendingObject::contains(const void* place) const noexcept
     return distance < (size & ~ApartBit);
 }
 
-// No destructor, so that a thread that ends, or a library that unloads, needs
-// nothing from here.
+// No destructor: a thread that ends, or a library that is unloaded, needs no cleanup
+// here.
 #if defined(__GNUC__) && !defined(_WIN32)
 __attribute__((tls_model("initial-exec")))
 #endif
@@ -61,7 +61,7 @@ void ReferenceBlock::lastStrongReleased(std::uint32_t old) noexcept
 {
     const std::uint32_t flags = old & ~CountMask;
     if ((flags & Destroyed) != 0) {
-        releaseWeak(); // the share that the strong pointers kept when the object went before them
+        releaseWeak(); // the share kept by strong pointers that outlived the object
         return;
     }
     if ((flags & (Unowned | Fresh | Dying)) != 0)
@@ -91,9 +91,9 @@ Counted::~Counted()
 {
     std::uint32_t old = m_block->m_strong.load(std::memory_order_acquire);
     if (old == ReferenceBlock::Dying)
-        return; // the usual end: nobody can look any more, and operator delete comes next
-    // Strong pointers that stay behind keep the block until the last of them goes; that may happen on
-    // another thread as soon as they see the flag, so their share is there before it.
+        return; // the usual case: no pointer can lock the object, and operator delete is next
+    // Remaining strong pointers keep the block until the last of them is released. Another
+    // thread may do that as soon as it sees the flag, so their share is added first.
     m_block->addWeak();
     old = m_block->m_strong.fetch_or(ReferenceBlock::Destroyed, std::memory_order_acq_rel);
     if ((old & ReferenceBlock::CountMask) == 0)
@@ -114,7 +114,7 @@ void Counted::operator delete(void* object) noexcept
     if (object == nullptr)
         return;
     void* memory = static_cast<std::byte*>(object) - BlockSize;
-    // Still noted: the constructor's arguments threw before the root was made.
+    // Still noted: an exception was thrown before the root was constructed.
     if (t_pending != nullptr && takePending(object) != nullptr)
         ::operator delete(memory);
     else
@@ -126,7 +126,7 @@ void* Counted::operator new(std::size_t size, RootFirst)
     return static_cast<std::byte*>(::operator new(BlockSize + size)) + BlockSize;
 }
 
-// The constructor threw after it had made the block.
+// Called if the constructor threw after creating the block.
 void Counted::operator delete(void* object, RootFirst) noexcept
 {
     reinterpret_cast<ReferenceBlock*>(static_cast<std::byte*>(object) - BlockSize)->releaseWeak();

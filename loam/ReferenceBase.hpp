@@ -8,27 +8,27 @@
 
 namespace Loam {
 
-/// Marks an object, made with `new (RootFirst{})`, whose counted root is its first base and
-/// is constructed with this tag. Such an object finds its count block at once, where others
-/// look for it.
+/// Marks an object, created with `new (RootFirst{})`, whose counted root is its first base
+/// and is constructed with this tag. The object locates its count block directly, without
+/// a search.
 struct RootFirst {
     explicit RootFirst() = default;
 };
 
-/// What all reference-counted classes have in common; derive from
-/// `ReferenceBase`, not from this.
+/// The common base of all reference-counted classes; derive from `ReferenceBase`,
+/// not from this.
 ///
-/// Exactly one counted root belongs into an object. A class that joins several
-/// mix-ins derives from its root virtually.
+/// An object has exactly one counted root. A class that combines several mix-ins
+/// derives virtually from its root.
 class LOAM_API Counted {
 public:
-    /// Called once, when the last strong pointer is gone and before the
-    /// destructor. The object is still whole; weak pointers to it read as null.
+    /// Called once, after the last strong pointer is released and before the destructor.
+    /// The object is still intact; weak pointers to it read as null.
     virtual void extremeUnction() = 0;
 
     ReferenceBlock& referenceBlock() const noexcept { return *m_block; }
 
-    /// The count block stands before the object, in the same allocation.
+    /// Allocates the object and, directly before it, its count block.
     static void* operator new(std::size_t size);
     static void* operator new(std::size_t size, std::align_val_t alignment);
     static void* operator new(std::size_t, void* place) noexcept { return place; }
@@ -46,7 +46,7 @@ protected:
                       ReferenceBlock{ReferenceBlock::Fresh, this}}
     {
     }
-    // The counts belong to the object, not to its value.
+    // Copying does not copy the counts: they belong to the object, not to its value.
     Counted(const Counted&) : Counted() {}
     Counted& operator=(const Counted&) noexcept { return *this; }
     virtual ~Counted();
@@ -60,9 +60,9 @@ private:
 /// Root of a family of reference-counted classes: `class VValueBase : public
 /// ReferenceBase<VValueBase>`.
 ///
-/// An object made with `new` belongs to the first `StrongPtr` that is made from
-/// the plain pointer. Until then, in constructors above all, weak pointers to
-/// it work and may be promoted; a `StrongPtr` is not made from `this` there.
+/// The first `StrongPtr` made from the plain pointer takes ownership of an object
+/// created with `new`. Before that, especially in constructors, weak pointers to it
+/// work and may be locked; do not make a `StrongPtr` from `this` there.
 template<class Base>
 class ReferenceBase : public Counted {
 public:

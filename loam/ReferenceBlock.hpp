@@ -11,24 +11,23 @@ namespace Loam {
 
 class Counted;
 
-/// The strong and the weak count of one object, in memory that outlives it.
+/// The strong and weak counts of one object, in memory that outlives it.
 ///
-/// An object made with `new` has its block right before itself, in the same
-/// allocation, which is returned when the last strong and the last weak pointer
-/// are gone. An object that wants a wider alignment has its block apart. Any
-/// other object (static, local, member) has its block apart too and is never
-/// deleted by its pointers.
+/// The block of an object created with `new` directly precedes it in the same
+/// allocation, which is freed after the last strong and weak pointers are released.
+/// An over-aligned object has a separate block. Any other object (static, local,
+/// member) also has a separate block and is never deleted by its pointers.
 class LOAM_API ReferenceBlock {
 public:
     ReferenceBlock(const ReferenceBlock&) = delete;
     ReferenceBlock& operator=(const ReferenceBlock&) = delete;
 
-    /// One more strong pointer, made from another strong pointer or from a
-    /// reference to an object that somebody owns.
+    /// Adds a strong pointer made from another strong pointer or from a reference to
+    /// an owned object.
     void addStrong() noexcept { countUp(m_strong); }
 
-    /// One more strong pointer, made from the plain pointer that `new` gave:
-    /// from here on the strong pointers decide how long the object lives.
+    /// Adds a strong pointer made from the plain pointer that `new` returned. From then
+    /// on the strong pointers control the object's lifetime.
     void adopt() noexcept
     {
         const std::uint32_t old = m_strong.load(std::memory_order_relaxed);
@@ -40,7 +39,7 @@ public:
             m_strong.fetch_add(1 - Fresh, std::memory_order_relaxed);
     }
 
-    /// One strong pointer less; the last one calls `extremeUnction` and
+    /// Removes a strong pointer. Removing the last one calls `extremeUnction` and
     /// destroys the object.
     void releaseStrong() noexcept
     {
@@ -57,8 +56,8 @@ public:
             freeMemory();
     }
 
-    /// Adds a strong pointer if the object is alive; safe against the last
-    /// release on another thread.
+    /// Adds a strong pointer if the object is alive; returns false otherwise. Another
+    /// thread may release the last one concurrently.
     bool tryAddStrong() noexcept
     {
         std::uint32_t old = m_strong.load(std::memory_order_relaxed);
@@ -75,23 +74,23 @@ public:
         return true;
     }
 
-    /// False from the moment the last strong pointer is released, inside
-    /// `extremeUnction` and the destructors too.
+    /// Returns false once the last strong pointer is released, including inside
+    /// `extremeUnction` and the destructors.
     bool isAlive() const noexcept { return isAlive(m_strong.load(std::memory_order_acquire)); }
 
-    /// Numbers for diagnostics and tests; other threads may change them at once.
+    /// Counts for diagnostics and tests; other threads may change them at any time.
     std::uint32_t strongCount() const noexcept { return m_strong.load(std::memory_order_relaxed) & CountMask; }
     std::uint32_t weakCount() const noexcept { return m_weak.load(std::memory_order_relaxed); }
 
 private:
     friend class Counted;
 
-    // Flags beside the count of strong pointers.
+    // Flags stored with the count of strong pointers.
     static constexpr std::uint32_t Unowned = 1u << 31;   // not from `new`: never deleted by pointers
-    static constexpr std::uint32_t Fresh = 1u << 30;     // from `new`, no strong pointer has adopted it yet
-    static constexpr std::uint32_t Dying = 1u << 29;     // the last strong pointer is gone
+    static constexpr std::uint32_t Fresh = 1u << 30;     // from `new`, not yet adopted by a strong pointer
+    static constexpr std::uint32_t Dying = 1u << 29;     // the last strong pointer was released
     static constexpr std::uint32_t Destroyed = 1u << 28; // the object's destructor has run
-    static constexpr std::uint32_t Apart = 1u << 27;     // the block is an allocation of its own
+    static constexpr std::uint32_t Apart = 1u << 27;     // the block is a separate allocation
     static constexpr std::uint32_t CountMask = Apart - 1;
 
     ReferenceBlock(std::uint32_t flags, Counted* object) noexcept : m_strong{flags}, m_weak{1}, m_object{object} {}

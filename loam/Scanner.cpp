@@ -51,8 +51,8 @@ Scanner& Scanner::literal(char expected) noexcept
     return *this;
 }
 
-// The end of the piece that sscanf takes for a number, from its first character
-// after the blanks; null if it gives up on the way.
+// Returns the end of the piece that sscanf reads as a number, starting after the
+// blanks, or null if sscanf would reject it.
 const char* Scanner::numberEnd() const noexcept
 {
     const char* place = m_place;
@@ -66,7 +66,7 @@ const char* Scanner::numberEnd() const noexcept
         if (!startsWith(place, m_end, "inf"))
             return nullptr;
         place += 3;
-        // A fourth letter decides for the long word, which must then be whole.
+        // A second "i" begins "infinity", which must then be complete.
         if (place == m_end || lower(*place) != 'i')
             return place;
         return startsWith(place, m_end, "inity") ? place + 5 : nullptr;

@@ -6,25 +6,26 @@
 
 namespace Loam {
 
-/// Reads a text piece by piece as the C library's sscanf does in the C locale,
-/// for text forms that are defined by a scanf format. Each call is one directive
-/// of the format; after one that fails, all further ones fail.
+/// Reads a text piece by piece, as sscanf does in the C locale, for text forms that
+/// are defined by a scanf format. Each call is one directive of the format; after a
+/// failure all later directives fail.
 ///
-/// As for sscanf, the text ends at its first NUL.
+/// As with sscanf, the text ends at its first NUL.
 class LOAM_API Scanner {
 public:
     explicit Scanner(std::string_view text) noexcept;
 
-    /// A blank in the format: any run of white space, also none. Never fails.
+    /// A blank in the format: skips white space, if any. Never fails.
     Scanner& blanks() noexcept;
 
-    /// A character in the format, which must follow at once.
+    /// A character in the format: it must come next, without white space before it.
     Scanner& literal(char expected) noexcept;
 
-    /// "%lg" or "%g": white space, then the longest piece that can begin a number.
-    /// False, and \p value as it was, if that is no number or the text has ended.
+    /// "%lg" or "%g": skips white space and reads the longest piece that can begin a
+    /// number. Returns false and leaves \p value unchanged if the piece is not a number
+    /// or the text has ended.
     ///
-    /// Unlike `readNumber`, takes a piece such as "1e" as a whole, and reads 1.
+    /// Unlike `readNumber`, consumes all of a piece such as "1e" and reads 1.
     bool number(double& value) noexcept;
     bool number(float& value) noexcept;
 

@@ -10,7 +10,7 @@ void SpeakPtr::printRS(const char* where, const void* object, const ReferenceBlo
         std::printf("%s: object %p, empty reference\n", where, object);
     else
         std::printf("%s: object %p, %u strong, %u weak, %s\n", where, object, unsigned{block->strongCount()},
-                    unsigned{block->weakCount()}, block->isAlive() ? "alive" : "inconsistent: the object is gone");
+                    unsigned{block->weakCount()}, block->isAlive() ? "alive" : "inconsistent: the object is not alive");
 }
 
 } // namespace Loam

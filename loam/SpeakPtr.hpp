@@ -5,17 +5,17 @@
 
 namespace Loam {
 
-/// Diagnostics of pointers: says on standard output what state a reference is
-/// in, for programs that suspect a count went wrong.
+/// Pointer diagnostics: prints the state of a reference to standard output, to
+/// track down wrong counts.
 class LOAM_API SpeakPtr {
 public:
     /// Prints one line: \p where, the object's address, its counts and its
     /// state. A null \p block is printed as an empty reference.
     static void printRS(const char* where, const void* object, const ReferenceBlock* block);
 
-    /// True for an empty pointer and for one whose object is alive. Otherwise a
-    /// strong pointer has outlived its object, which is reported through
-    /// `printRS` under \p where.
+    /// Returns true for an empty pointer and for one whose object is alive. Otherwise
+    /// the strong pointer has outlived its object: reports this through `printRS` with
+    /// \p where and returns false.
     template<class T>
     static bool check(const StrongPtr<T>& pointer, const char* where)
     {

@@ -25,7 +25,7 @@ std::size_t StringList::find(std::string_view string) const noexcept
 
 std::size_t StringList::remove(const std::string& string)
 {
-    // A copy, because the argument may be one of the strings that go.
+    // Copies the argument, because it may be one of the strings removed.
     return std::erase(m_strings, std::string(string));
 }
 

@@ -10,20 +10,20 @@
 
 namespace Loam {
 
-/// A list of strings in insertion order; the root of everything that offers
-/// names to choose from.
+/// A list of strings in insertion order; the base of all classes that offer names
+/// to choose from.
 class LOAM_API StringList : public ReferenceBase<StringList> {
 public:
     using value_type = std::string;
     using const_iterator = std::vector<std::string>::const_iterator;
 
-    /// What `find` answers for a string that is not in the list.
+    /// Returned by `find` for a string that is not in the list.
     static constexpr std::size_t npos = ~std::size_t{0};
 
     StringList();
 
-    /// The pieces of \p text between \p separator characters. Empty pieces count,
-    /// an empty last piece does not; an empty text has no piece.
+    /// Splits \p text at each \p separator. Empty pieces are kept, except for an empty
+    /// last piece; an empty text has no pieces.
     StringList(const std::string& text, char separator);
 
     StringList(const StringList& other);
@@ -39,19 +39,19 @@ public:
     const_iterator begin() const noexcept { return m_strings.begin(); }
     const_iterator end() const noexcept { return m_strings.end(); }
 
-    /// Position of the first string equal to \p string byte by byte, or `npos`.
+    /// Returns the position of the first string equal to \p string byte by byte, or `npos`.
     std::size_t find(std::string_view string) const noexcept;
     bool contains(std::string_view string) const noexcept { return find(string) != npos; }
 
-    /// Adds \p string at the end; the same string may be added twice.
+    /// Appends \p string; duplicates are allowed.
     void append(std::string string) { m_strings.push_back(std::move(string)); }
 
-    /// Removes every occurrence; returns how many there were.
+    /// Removes every occurrence of \p string and returns the number removed.
     std::size_t remove(const std::string& string);
 
     void clear() noexcept { m_strings.clear(); }
 
-    /// Same strings in the same order.
+    /// Returns true for the same strings in the same order.
     friend bool operator==(const StringList& a, const StringList& b) noexcept { return a.m_strings == b.m_strings; }
 
 private:

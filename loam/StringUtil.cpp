@@ -4,7 +4,7 @@ namespace Loam::StringUtil {
 
 namespace {
 
-// Where the piece that starts at \p start ends: at a separator or at the end.
+// Returns the end of the piece at \p start: the next separator or the end of the text.
 std::size_t pieceEnd(std::string_view text, std::size_t start, char separator, char quote)
 {
     if (quote == 0) {
@@ -78,7 +78,7 @@ std::string printable(std::string_view text)
     if (text.size() <= LongestShown)
         return escaped(text);
     std::size_t end = LongestShown;
-    // Not in the middle of a character.
+    // Do not cut in the middle of a character.
     while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u)
         --end;
     return escaped(text.substr(0, end)) + "...";

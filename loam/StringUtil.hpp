@@ -10,14 +10,14 @@
 
 namespace Loam::StringUtil {
 
-/// Appends the pieces of \p text between separators to \p pieces and returns
-/// how many it appended.
+/// Splits \p text at each separator, appends the pieces to \p pieces and returns
+/// the number of pieces appended.
 ///
 /// Empty pieces at the start and in the middle are kept if \p flag is set and
-/// dropped otherwise; an empty last piece is always dropped, so that "1,2," has
-/// two pieces and "" none. With a \p quote character, separators between two of
-/// it do not split; the quotes stay in the piece, and one that is never closed
-/// reaches to the end of the text.
+/// dropped otherwise. An empty last piece is always dropped: "1,2," has two
+/// pieces, "" has none. If \p quote is not 0, separators between two quotes do not
+/// split; the quotes stay in the piece, and an unclosed quote extends to the end
+/// of the text.
 ///
 /// \pre \p text is not one of the strings in \p pieces.
 template<class Container>
@@ -26,22 +26,22 @@ std::size_t split(const std::string& text, Container& pieces, char separator, bo
 extern template LOAM_EXTERN_TEMPLATE std::size_t split(const std::string&, std::vector<std::string>&, char, bool, char);
 extern template LOAM_EXTERN_TEMPLATE std::size_t split(const std::string&, std::list<std::string>&, char, bool, char);
 
-/// The part of \p text after the first \p c, or all of it if there is none.
+/// Returns the part of \p text after the first \p c, or all of it if it has no \p c.
 LOAM_API std::string crop_before_first(const std::string& text, char c);
 
-/// As crop_before_first, without a copy: the result points into \p text.
+/// Like crop_before_first, without a copy: the result points into \p text.
 constexpr std::string_view afterFirst(std::string_view text, char c) noexcept
 {
     const auto found = text.find(c);
     return found == std::string_view::npos ? text : text.substr(found + 1);
 }
 
-/// \p text with control characters and backslashes escaped, so that no name can
-/// break a line of output or reach the terminal.
+/// Returns \p text with control characters and backslashes escaped, so a name cannot
+/// break a line of output or control the terminal.
 LOAM_API std::string escaped(std::string_view text);
 
-/// As `escaped`, for messages: texts of more than some hundred bytes are cut, with
-/// dots at the end.
+/// Like `escaped`, for messages: cuts a text of more than 200 bytes at a character
+/// boundary and appends "...".
 LOAM_API std::string printable(std::string_view text);
 
 } // namespace Loam::StringUtil

@@ -14,11 +14,11 @@ namespace Loam {
 template<class T>
 class Weak;
 
-/// Owning pointer to a reference-counted object; spelled `StrongPtr<T, Root>`
+/// An owning pointer to a reference-counted object; written `StrongPtr<T, Root>`
 /// in interfaces.
 ///
-/// Holds the object's count block beside the pointer, so that copying and
-/// destroying it needs no more of \p T than its declaration.
+/// Also holds the object's count block, so copying and destroying the pointer only
+/// needs a declaration of \p T.
 template<class T>
 class Strong {
 public:
@@ -26,11 +26,11 @@ public:
 
     constexpr Strong() noexcept = default;
 
-    /// "Nothing"; implicit, because null is a value of every pointer.
+    /// A null pointer; implicit, as for plain pointers.
     constexpr Strong(std::nullptr_t) noexcept {}
 
-    /// Takes part in owning \p object. The first strong pointer that is made
-    /// from what `new` gave decides from then on how long the object lives.
+    /// Shares ownership of \p object. Once a strong pointer is made from the result of
+    /// `new`, strong pointers control the object's lifetime.
     /// \pre \p object is null or alive.
     explicit Strong(T* object) noexcept : m_block{object ? &object->referenceBlock() : nullptr}, m_object{object}
     {
@@ -45,8 +45,7 @@ public:
     {
     }
 
-    /// A pointer to a derived class is a pointer to its base; implicit, as it
-    /// is for plain pointers.
+    /// Converts a pointer to a derived class; implicit, as for plain pointers.
     template<class U>
         requires std::convertible_to<U*, T*> Strong(const Strong<U>& other)
     noexcept : m_block{other.m_block}, m_object{other.m_object} { retain(); }
@@ -55,7 +54,7 @@ public:
         requires std::convertible_to<U*, T*> Strong(Strong<U>&& other)
     noexcept : m_block{std::exchange(other.m_block, nullptr)}, m_object{std::exchange(other.m_object, nullptr)} {}
 
-    /// Checked cast down or across: null if the object is no \p T.
+    /// Checked downcast or cross-cast: null if the object is not a \p T.
     template<class U>
         requires(!std::convertible_to<U*, T*>)
     explicit Strong(const Strong<U>& other) noexcept
@@ -67,12 +66,12 @@ public:
             m_block = nullptr;
     }
 
-    /// The object while it is alive, else null.
+    /// Locks \p weak: null if the object is no longer alive.
     template<class U>
         requires std::convertible_to<U*, T*>
     explicit Strong(const Weak<U>& weak) noexcept;
 
-    /// The object while it is alive and a \p T, else null.
+    /// Locks \p weak: null if the object is no longer alive or is not a \p T.
     template<class U>
         requires(!std::convertible_to<U*, T*>)
     explicit Strong(const Weak<U>& weak) noexcept;
@@ -108,21 +107,20 @@ public:
 
     T& operator*() const noexcept
     {
-        assert(m_object && "an empty StrongPtr was used");
+        assert(m_object && "an empty StrongPtr was dereferenced");
         return *m_object;
     }
 
     T* operator->() const noexcept
     {
-        assert(m_object && "an empty StrongPtr was used");
+        assert(m_object && "an empty StrongPtr was dereferenced");
         return m_object;
     }
 
-    /// The count block, null for an empty pointer; for diagnostics.
+    /// Returns the count block, or null for an empty pointer; for diagnostics.
     ReferenceBlock* referenceBlock() const noexcept { return m_block; }
 
-    /// Two pointers are equal when they refer to the same object, through
-    /// whatever base they see it.
+    /// Two pointers are equal if they refer to the same object, through any of its bases.
     template<class U>
     friend bool operator==(const Strong& a, const Strong<U>& b) noexcept
     {
@@ -147,16 +145,16 @@ private:
     T* m_object = nullptr;
 };
 
-/// Stands for "the counted root of the type", whatever that is.
+/// The default root of `StrongPtr`: the counted root of the pointed-to type.
 struct CountedRoot;
 
-/// `StrongPtr<T, Root>` names the pointed-to type and the root that carries its
-/// count. A type has one root, so the root follows from the type, also from one
-/// that is only declared: all spellings with the same \p T are one type.
+/// `StrongPtr<T, Root>` names the pointed-to type and the root that holds its count.
+/// A type has one root, so \p T determines the root, even if \p T is only declared: all
+/// spellings with the same \p T are the same type.
 template<class T, class Root = CountedRoot>
 using StrongPtr = Strong<T>;
 
-/// Makes a counted object that belongs to the pointer returned.
+/// Creates a counted object and returns a pointer that owns it.
 template<class T, class... Arguments>
 StrongPtr<T> makeStrong(Arguments&&... arguments)
 {
@@ -173,5 +171,5 @@ struct std::hash<Loam::Strong<T>> {
     }
 };
 
-// The constructors from weak pointers are defined there.
+// Defines the constructors from weak pointers.
 #include <loam/WeakPtr.hpp>

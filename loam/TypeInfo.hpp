@@ -12,23 +12,23 @@ namespace Loam {
 
 /// A type as a value: comparable, ordered, usable as a key.
 ///
-/// Refers to the std::type_info, so it must not be used, nor stay in a table,
-/// once the library that the type comes from is unloaded; see typeKey.
+/// Refers to the std::type_info: do not use it, or keep it in a table, after the
+/// library that defines the type is unloaded; see typeKey.
 class TypeInfo {
 public:
-    /// Implicit, because a typeid expression is meant wherever a TypeInfo is:
+    /// Implicit, so a typeid expression can be passed directly:
     /// table.find(typeid(object)).
     TypeInfo(const std::type_info& info) noexcept : m_info{&info} {}
 
     const std::type_info& info() const noexcept { return *m_info; }
 
-    /// The compiler's name of the type; Typename gives one for people.
+    /// Returns the compiler's name of the type; Typename returns a readable one.
     const char* name() const noexcept { return m_info->name(); }
 
     friend bool operator==(const TypeInfo& a, const TypeInfo& b) noexcept { return *a.m_info == *b.m_info; }
 
-    /// The order of std::type_info::before. It differs from run to run for
-    /// types that are local to a source file.
+    /// Orders types as std::type_info::before does. For types local to a source file,
+    /// the order differs from run to run.
     friend std::strong_ordering operator<=>(const TypeInfo& a, const TypeInfo& b) noexcept
     {
         if (a == b)
@@ -37,16 +37,16 @@ public:
     }
 
 private:
-    const std::type_info* m_info; // a pointer, so that TypeInfos can be assigned
+    const std::type_info* m_info; // a pointer, to keep TypeInfo assignable
 };
 
-/// A text that identifies a type in this process: two types have the same key
-/// if and only if they are one type, whichever library each std::type_info comes
-/// from. Unlike the std::type_info, a key stays valid when that library is
+/// Returns a text that identifies a type in this process: two types have the same
+/// key if and only if they are the same type, whichever library each std::type_info
+/// comes from. Unlike the std::type_info, a key stays valid after that library is
 /// unloaded.
 ///
-/// It is the compiler's name of the type; types that are local to a source file
-/// may share that name, so theirs is followed by an address.
+/// The key is the compiler's name of the type. Types local to a source file may
+/// share that name, so an address is appended to theirs.
 LOAM_API std::string typeKey(const std::type_info& type);
 
 } // namespace Loam

@@ -21,7 +21,7 @@ namespace {
 
 constexpr bool isWord(char c)
 {
-    // A byte of a character beyond ASCII can only be part of an identifier.
+    // A non-ASCII byte can only be part of an identifier.
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '$'
            || static_cast<unsigned char>(c) >= 0x80;
 }
@@ -32,18 +32,18 @@ void eraseAll(std::string& text, std::string_view part)
         text.erase(at, part.size());
 }
 
-// How much of the nested scopes of a type its name shows.
+// The enclosing scopes that a name shows.
 struct Qualification {
-    std::size_t scopes; // the innermost ones, for each name in the text
-    bool standard;      // whether also for names of the standard library
+    std::size_t scopes; // number of innermost scopes, for each name in the text
+    bool standard;      // also show them for names of the standard library
 };
 
-// Rewrites the demangled text of a type in the form that users see.
+// Rewrites the demangled text of a type in the form shown to users.
 //
 // The text is a sequence of names, declarator symbols and bracketed lists of
-// further types. A name is rewritten as soon as its last component is read;
-// only where "::" follows the parameters of a function, as in
-// "f(int) const::Local", all that was read so far turns out to be a scope.
+// further types. A name is rewritten as soon as its last component is read; if "::"
+// follows the parameters of a function, as in "f(int) const::Local", everything read
+// so far is a scope.
 class PlainName {
 public:
     PlainName(std::string_view demangled, Qualification qualification)
@@ -51,7 +51,7 @@ public:
     {
     }
 
-    // Null if the text has a form that is not understood.
+    // Returns null if the form of the text is not recognised.
     std::optional<std::string> text()
     {
         std::string result = type();
@@ -85,7 +85,7 @@ private:
         return m_text.substr(start, m_at - start);
     }
 
-    // Everything up to a character that ends a list or an element of one.
+    // Reads up to a character that ends a list or a list element.
     std::string type()
     {
         const std::size_t start = m_at;
@@ -120,7 +120,7 @@ private:
         return result;
     }
 
-    // The elements up to a closing character, which is skipped.
+    // Reads the elements up to a closing character, which is skipped.
     std::vector<Argument> list(char close)
     {
         std::vector<Argument> elements;
@@ -151,7 +151,7 @@ private:
         return result;
     }
 
-    // A name with its scopes; the outermost may be the body of a function.
+    // Reads a name with its scopes; the outermost scope may be a function.
     std::string name(std::string_view function)
     {
         const std::size_t start = m_at;
@@ -181,11 +181,11 @@ private:
                 m_failed = true;
                 return {};
             }
-            if (skip("::*")) // a pointer to a member: nothing of the name follows
+            if (skip("::*")) // a pointer to a member: the name ends here
                 return qualified(scopes, standard, component, function) + "::*";
             if (!skip("::"))
                 return qualified(scopes, standard, component, function);
-            if (!standard || !component.starts_with('_')) // leaves out inline namespaces like __cxx11
+            if (!standard || !component.starts_with('_')) // omits inline namespaces like __cxx11
                 scopes.push_back(std::move(component));
         }
     }
@@ -207,7 +207,7 @@ private:
         return result + component;
     }
 
-    // One component of a name, without template arguments.
+    // Reads one component of a name, without template arguments.
     std::string simpleName()
     {
         std::string result;
@@ -237,7 +237,7 @@ private:
         return result;
     }
 
-    // Whether a template argument looks like STANDARD<FIRST> or STANDARD<FIRST, ...>.
+    // Returns true if a template argument is STANDARD<FIRST> or STANDARD<FIRST, ...>.
     static bool isMadeOf(std::string_view argument, std::string_view standard, std::string_view first)
     {
         const std::string start = "std::" + std::string(standard) + '<' + std::string(first);
@@ -247,8 +247,7 @@ private:
         return rest == ">" || rest == " >" || rest.starts_with(",");
     }
 
-    // Drops the last arguments of a template where they are what the standard
-    // library would have taken without them.
+    // Drops trailing template arguments that are defaults of the standard library.
     static void dropDefaults(std::vector<Argument>& arguments, const std::string& standardName)
     {
         if (standardName == "pair" || standardName == "tuple" || standardName == "variant")
@@ -269,7 +268,7 @@ private:
             arguments.pop_back();
     }
 
-    // basic_string<char> is string, basic_ofstream<wchar_t> is wofstream.
+    // basic_string<char> becomes string, basic_ofstream<wchar_t> becomes wofstream.
     static bool shortenStandardName(std::string& component, std::string_view character)
     {
         static constexpr struct {
@@ -316,7 +315,7 @@ std::size_t count(std::string_view text, std::string_view part)
     return result;
 }
 
-// The least qualified name of a type that is free, and after those numbered ones.
+// Returns the least qualified free name of a type, numbered if all are taken.
 template<class IsFree>
 std::string defaultName(const std::type_info& type, IsFree isFree)
 {
@@ -370,8 +369,8 @@ public:
         if (taken && m_types[rival->second].isSet)
             return false;
 
-        // What can throw comes first, so that nothing has changed if it does: an
-        // entry without a name means nothing.
+        // Operations that can throw come first, so an exception changes nothing: an entry
+        // without a name has no meaning.
         Type& entry = m_types[key];
         std::string& owner = m_owners[name];
         if (taken)
@@ -409,7 +408,7 @@ private:
 
 Registry& registry()
 {
-    // Never destroyed: libraries take their names back while the process exits.
+    // Never destroyed: libraries remove their names while the process exits.
     static Registry& theRegistry = *new Registry;
     return theRegistry;
 }

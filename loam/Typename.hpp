@@ -5,31 +5,30 @@
 #include <string>
 #include <typeinfo>
 
-// The names under which users meet types: one table for the whole process, safe
-// to use from several threads. It keeps copies alone, so a library whose types
-// are in it can be unloaded.
+// The type names shown to users: one thread-safe table for the whole process. It
+// holds only copies, so a library whose types are in it can be unloaded.
 
 namespace Loam {
 
-/// The name of a type for people, never empty: the one that was set or else its
-/// plain C++ name, without namespaces, default template arguments and the like:
+/// Returns the readable name of a type, never empty: the name that was set, or else
+/// its plain C++ name without namespaces, default template arguments and the like:
 /// "VTime", "string", "map<string,int>".
 ///
-/// No two types have the same name: where the plain one belongs to another type
-/// already, the name is as qualified as it must be ("Other::VTime"), with a
-/// number if that is not enough ("Other::VTime #2"). A type keeps its name until
-/// setTypename or unsetTypename changes it.
+/// Names are unique: if another type already has the plain name, the name is
+/// qualified as far as needed ("Other::VTime") and numbered if that is not enough
+/// ("Other::VTime #2"). A type keeps its name until setTypename or unsetTypename
+/// changes it.
 LOAM_API std::string Typename(const std::type_info& type);
 
-/// Names a type, or names it anew, which frees its former name.
+/// Sets the name of a type and frees its former name.
 ///
-/// Returns false, and changes nothing, if the name is empty or was set for
-/// another type. A type that has the name only because its plain name is the
-/// same loses it, and finds another one when it is asked for next.
+/// Returns false and changes nothing if the name is empty or was set for another
+/// type. A type that has the name by default loses it and gets another one at the next
+/// call of Typename.
 LOAM_API bool setTypename(const std::type_info& type, const std::string& name);
 
-/// Takes back the name that was set for a type, as a library does that is going
-/// to be unloaded. Returns false if none was.
+/// Removes the name that was set for a type; libraries call it before they are
+/// unloaded. Returns false if no name was set.
 LOAM_API bool unsetTypename(const std::type_info& type);
 
 } // namespace Loam

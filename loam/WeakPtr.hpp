@@ -4,12 +4,11 @@
 
 namespace Loam {
 
-/// Pointer that does not keep its object alive and reads as null from the
-/// moment its last owner lets go; spelled `WeakPtrImpl<T, Root>`.
+/// A pointer that does not keep its object alive and reads as null once the last
+/// owner releases the object; written `WeakPtrImpl<T, Root>`.
 ///
-/// \p T may be any base of the object, mix-ins included: the pointer holds the
-/// root's count block beside the view, and two pointers are equal when their
-/// blocks are.
+/// \p T may be any base of the object, including mix-ins: the pointer also holds the
+/// root's count block, and two pointers are equal if their blocks are.
 template<class T>
 class Weak {
 public:
@@ -17,10 +16,10 @@ public:
 
     constexpr Weak() noexcept = default;
 
-    /// "Nothing"; implicit, because null is a value of every pointer.
+    /// A null pointer; implicit, as for plain pointers.
     constexpr Weak(std::nullptr_t) noexcept {}
 
-    /// Implicit: any reference to an object can be watched.
+    /// Implicit: any object can be watched.
     /// \pre \p object is null or not yet destroyed.
     Weak(T* object) noexcept : m_block{object ? &object->referenceBlock() : nullptr}, m_object{object} { retain(); }
 
@@ -35,9 +34,8 @@ public:
     {
     }
 
-    /// From a pointer to a derived class. A conversion to a virtual base reads
-    /// the object, which may be gone; so it is made from the living object, and
-    /// a pointer to one that is gone becomes empty.
+    /// Converts a pointer to a derived class. The conversion to a virtual base reads the
+    /// object, so the object is locked first; if it is no longer alive, the result is empty.
     template<class U>
         requires(std::convertible_to<U*, T*> && !std::same_as<U, T>)
     Weak(const Weak<U>& other)
@@ -77,18 +75,18 @@ public:
 
     void reset() noexcept { Weak().swap(*this); }
 
-    /// The object, kept alive by the result; null if it is gone.
+    /// Returns a pointer that keeps the object alive, or null if it is no longer alive.
     Strong<T> lock() const noexcept { return Strong<T>(*this); }
 
-    /// The object, if it is alive and the process has only one thread; else null. For code
-    /// that is short and calls none that could release the object meanwhile.
+    /// Returns the object if it is alive and the process has only one thread; otherwise null.
+    /// For short code that calls nothing that could release the object.
     T* peek() const noexcept { return isSingleThreaded() && m_block && m_block->isAlive() ? m_object : nullptr; }
 
-    /// True for an empty pointer and for one whose object is gone.
+    /// Returns true for an empty pointer and if the object is no longer alive.
     bool expired() const noexcept { return !m_block || !m_block->isAlive(); }
     explicit operator bool() const noexcept { return !expired(); }
 
-    /// The count block, null for an empty pointer; stays after the object died.
+    /// Returns the count block, which outlives the object, or null for an empty pointer.
     ReferenceBlock* referenceBlock() const noexcept { return m_block; }
 
     template<class U>

@@ -1,4 +1,4 @@
-#include <gable/BoundingBall.hpp> // first: proves that the header stands alone
+#include <gable/BoundingBall.hpp> // first: checks that the header is self-contained
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include <gable/BoundingBox.hpp> // first: proves that the header stands alone
+#include <gable/BoundingBox.hpp> // first: checks that the header is self-contained
 
 #include <gtest/gtest.h>
 
@@ -12,12 +12,12 @@ TEST(BoundingBox, enclosesItselfInABall)
     EXPECT_FALSE(box.isGrown());
 
     box.setCorners({0, 0, 0}, {4, 6, 12});
-    EXPECT_EQ(box.ball().radius(), 3.5) << "the ball waits";
+    EXPECT_EQ(box.ball().radius(), 3.5) << "the ball is not updated yet";
     box.updateBall();
     EXPECT_EQ(box.ball(), BoundingBall({2, 3, 6}, 7));
 }
 
-TEST(BoundingBox, growsAroundPlaces)
+TEST(BoundingBox, growsToContainPoints)
 {
     BoundingBox box({0, 0, 0}, {0, 0, 0});
     box.grow({-1, 2, 0});
@@ -29,13 +29,13 @@ TEST(BoundingBox, growsAroundPlaces)
     EXPECT_FALSE(box.isGrown());
 }
 
-TEST(BoundingBox, isEqualByItsCornersAndKeepsInvertedOnes)
+TEST(BoundingBox, comparesOnlyItsCornersAndKeepsInvertedOnes)
 {
     const BoundingBox a({1, 1, 1}, {0, 0, 0});
     BoundingBox b({0, 0, 0}, {1, 1, 1});
     EXPECT_FALSE(a == b);
     b.setCorners(a.minimum(), a.maximum());
-    EXPECT_TRUE(a == b) << "the ball does not count";
+    EXPECT_TRUE(a == b) << "the ball is not compared";
     EXPECT_EQ(a.minimum(), PhysicalSpace::point(1, 1, 1));
 }
 

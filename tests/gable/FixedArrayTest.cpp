@@ -14,7 +14,7 @@ using Point = FixedArray<double, 3>;
 using Pair = FixedArray<int, 2>;
 
 static_assert(std::is_aggregate_v<Point> && std::is_trivially_copyable_v<Point> && std::is_standard_layout_v<Point>);
-static_assert(sizeof(FixedArray<Point, 4>) == 12 * sizeof(double), "arrays of arrays are plain memory");
+static_assert(sizeof(FixedArray<Point, 4>) == 12 * sizeof(double), "nested arrays are contiguous");
 static_assert(std::is_same_v<Point::value_type, double>);
 static_assert(Point::size() == 3);
 
@@ -27,7 +27,7 @@ concept CanBeDeduced = requires(Elements... elements)
     FixedArray{elements...};
 };
 static_assert(CanBeDeduced<int, int>);
-static_assert(!CanBeDeduced<int, double>, "a mixture has no element type");
+static_assert(!CanBeDeduced<int, double>, "mixed types have no element type");
 
 static_assert(Pair{{1, 2}} == Pair{{1, 2}} && Pair{{1, 2}} != Pair{{1, 3}} && Pair{{1, 2}} != Pair{{0, 2}});
 static_assert(Pair{{1, 9}} < Pair{{2, 0}} && Pair{{1, 9}} > Pair{{1, 8}} && Pair{{1, 9}} <= Pair{{1, 9}});
@@ -39,14 +39,14 @@ static_assert([] {
     return pair[0] + pair[1] == 10 && *pair.data() == 3 && pair.end() - pair.begin() == 2;
 }());
 
-TEST(FixedArray, startsWithZeroesWhereNothingElseIsGiven)
+TEST(FixedArray, fillsMissingElementsWithZeroes)
 {
     const FixedArray<int, 4> array{{5, 6}};
     EXPECT_EQ(array, (FixedArray<int, 4>{{5, 6, 0, 0}}));
     EXPECT_EQ(Point{}, (Point{{0, 0, 0}}));
 }
 
-TEST(FixedArray, liesInMemoryAsAPlainArrayDoes)
+TEST(FixedArray, hasTheMemoryLayoutOfAPlainArray)
 {
     FixedArray<Point, 2> array{{Point{{1, 2, 3}}, Point{{4, 5, 6}}}};
     const double* numbers = array[0].data();
@@ -55,7 +55,7 @@ TEST(FixedArray, liesInMemoryAsAPlainArrayDoes)
               3 * sizeof(double));
 }
 
-TEST(FixedArray, isWalkedFromFirstToLast)
+TEST(FixedArray, iteratesFromFirstToLast)
 {
     Point point{{1, 2, 3}};
     for (double& number : point)
@@ -69,7 +69,7 @@ TEST(FixedArray, isWalkedFromFirstToLast)
     EXPECT_TRUE(std::ranges::is_sorted(point));
 }
 
-TEST(FixedArray, writesTheElementThatTheIndexNames)
+TEST(FixedArray, writesTheIndexedElement)
 {
     for (std::size_t index = 0; index < Point::size(); ++index) {
         Point point{};
@@ -79,7 +79,7 @@ TEST(FixedArray, writesTheElementThatTheIndexNames)
     }
 }
 
-TEST(FixedArray, comparesWithTheElementsOwnComparison)
+TEST(FixedArray, usesTheComparisonOfItsElements)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const Point odd{{1, nan, 3}};

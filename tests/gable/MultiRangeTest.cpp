@@ -1,4 +1,4 @@
-#include <gable/MultiRange.hpp> // first: proves that the header stands alone
+#include <gable/MultiRange.hpp> // first: checks that the header is self-contained
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 using Gyre::MultiRange;
 
-TEST(MultiRange, readsNumbersUntilThereIsNone)
+TEST(MultiRange, readsNumbersUntilParsingFails)
 {
     const struct {
         std::string text;

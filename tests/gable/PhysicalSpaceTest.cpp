@@ -1,4 +1,4 @@
-#include <gable/PhysicalSpace.hpp> // first: proves that the header stands alone
+#include <gable/PhysicalSpace.hpp> // first: checks that the header is self-contained
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ concept Addable = requires(A a, B b)
 {
     a + b;
 };
-static_assert(!Addable<point, point>, "the sum of two places means nothing");
+static_assert(!Addable<point, point>, "the sum of two points has no meaning");
 
 static_assert(point(1, 2, 3) - point(0, 1, 5) == vector(1, 1, -2));
 static_assert(point(1, 2, 3) + vector(1, 1, 1) == point(2, 3, 4));
@@ -33,7 +33,7 @@ static_assert(cross(vector(1, 0, 0), vector(0, 1, 0)) == vector(0, 0, 1), "right
 static_assert(wedge(vector(1, 0, 0), vector(0, 1, 0)) == bivector(0, 0, 1));
 static_assert(bivector(1, 2, 3) + bivector(1, 1, 1) == bivector(2, 3, 4) && bivector(1, 2, 3) * 2 == bivector(2, 4, 6));
 
-TEST(PhysicalSpace, namesItsCoordinatesAndCountsThem)
+TEST(PhysicalSpace, accessesCoordinatesByNameAndByIndex)
 {
     point place;
     EXPECT_EQ(place, point(0, 0, 0));

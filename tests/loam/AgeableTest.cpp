@@ -9,19 +9,19 @@
 
 using namespace Loam;
 
-static_assert(!std::is_convertible_v<Ageable::Age, Ageable>, "a number is no age stamp");
+static_assert(!std::is_convertible_v<Ageable::Age, Ageable>, "a number is not an age stamp");
 static_assert(std::is_trivially_copyable_v<Ageable>);
 static_assert(sizeof(Ageable) == sizeof(Ageable::Age));
 
-TEST(Ageable, takesTheGlobalAgeWhenItIsMade)
+TEST(Ageable, startsWithTheGlobalAge)
 {
     const Ageable first;
     EXPECT_EQ(first.stamp(), Ageable::GlobalTime.load());
     const Ageable second;
-    EXPECT_EQ(first, second) << "making a value is no change of anything";
+    EXPECT_EQ(first, second) << "creating a value changes nothing";
 }
 
-TEST(Ageable, becomesYoungerThanEverythingElseByATouch)
+TEST(Ageable, becomesTheYoungestWhenTouched)
 {
     Ageable first;
     Ageable second;
@@ -38,7 +38,7 @@ TEST(Ageable, becomesYoungerThanEverythingElseByATouch)
     EXPECT_EQ(third, second);
 }
 
-TEST(Ageable, isNotYoungerThanItselfNorThanItsCopy)
+TEST(Ageable, isNotYoungerThanItselfOrItsCopy)
 {
     Ageable age;
     age.touch();
@@ -59,7 +59,7 @@ TEST(Ageable, isOrderedFromOldToYoung)
     EXPECT_EQ(old.stamp(), 3u);
 }
 
-TEST(Ageable, givesNoAgeTwiceThoughThreadsTouchAtOnce)
+TEST(Ageable, givesEachAgeOnceWhenThreadsTouchConcurrently)
 {
     constexpr std::size_t Touches = 5'000;
     std::vector<std::vector<Ageable::Age>> ages(4);

@@ -10,7 +10,7 @@ using namespace Loam;
 
 namespace {
 
-// Runs `check` as it is and once more while the process has a second thread.
+// Runs `check` as is, and again while the process has a second thread.
 template<class Check>
 void checkWithOneThreadAndWithTwo(Check check)
 {
@@ -27,14 +27,14 @@ void checkWithOneThreadAndWithTwo(Check check)
 
 } // namespace
 
-TEST(AtomicCount, knowsThatASecondThreadRuns)
+TEST(AtomicCount, detectsASecondThread)
 {
     bool single = true;
     std::thread([&single] { single = isSingleThreaded(); }).join();
     EXPECT_FALSE(single);
 }
 
-TEST(AtomicCount, returnsTheNumberFromBefore)
+TEST(AtomicCount, returnsThePreviousNumber)
 {
     checkWithOneThreadAndWithTwo([] {
         std::atomic<std::uint32_t> count = 7;
@@ -49,7 +49,7 @@ TEST(AtomicCount, returnsTheNumberFromBefore)
     });
 }
 
-TEST(AtomicCount, wrapsAsUnsignedNumbersDo)
+TEST(AtomicCount, wrapsLikeUnsignedNumbers)
 {
     checkWithOneThreadAndWithTwo([] {
         std::atomic<std::uint32_t> count = 0;
@@ -60,7 +60,7 @@ TEST(AtomicCount, wrapsAsUnsignedNumbersDo)
     });
 }
 
-TEST(AtomicCount, losesNothingWhenThreadsCountAtOnce)
+TEST(AtomicCount, losesNothingWhenThreadsCountConcurrently)
 {
     std::atomic<std::uint64_t> count = 0;
     constexpr int Rounds = 50'000;
@@ -78,7 +78,7 @@ TEST(AtomicCount, losesNothingWhenThreadsCountAtOnce)
     EXPECT_EQ(count, 4u * Rounds * 2);
 }
 
-TEST(AtomicCount, showsTheLastCounterWhatTheOthersWroteBefore)
+TEST(AtomicCount, makesEarlierWritesVisibleToTheThreadThatReachesZero)
 {
     for (int round = 0; round < 500; ++round) {
         std::atomic<unsigned> owners = 2;

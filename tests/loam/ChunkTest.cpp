@@ -20,7 +20,7 @@ static_assert(std::is_same_v<decltype(TypedChunkBase<int>::createNewChunk(1)), S
 
 namespace {
 
-// The total of the process stands where it stood at the start.
+// Checks that each test leaves the total of the process unchanged.
 class ChunkTest : public testing::Test {
 protected:
     void TearDown() override { EXPECT_EQ(ChunkBase::TotalMemsize, m_start); }
@@ -31,7 +31,7 @@ private:
     std::size_t m_start = ChunkBase::TotalMemsize;
 };
 
-// Copies of it throw once `copiesLeft` is used up.
+// Copying throws once `copiesLeft` is used up.
 struct Fragile {
     Fragile() = default;
     Fragile(const Fragile& other) : text{other.text}
@@ -41,7 +41,7 @@ struct Fragile {
     }
     Fragile& operator=(const Fragile&) = default;
 
-    std::string text = "long enough to stand in memory of its own";
+    std::string text = "long enough for a separate allocation";
 
     static inline int copiesLeft = 0;
 };
@@ -54,14 +54,14 @@ template<class T>
 constexpr std::size_t limitOf = static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max()) / sizeof(T);
 
 template<class T>
-void expectAllSizesBeyondTheAddressSpaceToBeRefused()
+void expectSizesBeyondTheAddressSpaceToThrow()
 {
-    // The second one wraps to 0 bytes where the multiplication is not checked.
+    // An unchecked multiplication would wrap the second size to 0 bytes.
     for (const std::size_t size : {limitOf<T> + 1, std::numeric_limits<std::size_t>::max() / sizeof(T) + 1,
                                    std::numeric_limits<std::size_t>::max()}) {
         SCOPED_TRACE(size);
         if (size == 0)
-            continue; // single bytes: there is no size that wraps
+            continue; // no number of single bytes wraps
         EXPECT_THROW(makeStrong<Chunk<T>>(size, T{}), std::bad_alloc);
         EXPECT_THROW(makeStrong<TypedChunk<T>>(size), std::bad_alloc);
         EXPECT_THROW(TypedChunkBase<T>::createNewChunk(size), std::bad_alloc);
@@ -89,14 +89,14 @@ TEST_F(ChunkTest, holdsCopiesOfTheValue)
     EXPECT_EQ(chunk->data()[2], "value");
 }
 
-TEST_F(ChunkTest, startsFromZeroesWithoutAValue)
+TEST_F(ChunkTest, startsWithZeroesWithoutAValue)
 {
     const TypedChunk<int> chunk(100);
     EXPECT_EQ(std::accumulate(chunk.begin(), chunk.end(), 0), 0);
     EXPECT_EQ(chunk.size(), 100u);
 }
 
-TEST_F(ChunkTest, takesOneNumberForASizeAlsoWhereElementsAreNumbers)
+TEST_F(ChunkTest, readsASingleNumberAsASizeEvenIfElementsAreNumbers)
 {
     EXPECT_EQ(TypedChunk<long long>(5).size(), 5u);
     EXPECT_EQ((TypedChunk<long long>(2, 5)[1]), 5);
@@ -114,7 +114,7 @@ TEST_F(ChunkTest, countsEveryByteOfItsElementsWhileItLives)
     EXPECT_EQ(added(), 0u);
 }
 
-TEST_F(ChunkTest, needsNoMemoryWhenItIsEmpty)
+TEST_F(ChunkTest, allocatesNoMemoryWhenItIsEmpty)
 {
     const auto chunk = makeStrong<Chunk<double>>(0u, 1.0);
     EXPECT_EQ(chunk->size(), 0u);
@@ -123,7 +123,7 @@ TEST_F(ChunkTest, needsNoMemoryWhenItIsEmpty)
     EXPECT_EQ(added(), 0u);
 }
 
-TEST_F(ChunkTest, countsWhatItsVectorGrowsAndShrinks)
+TEST_F(ChunkTest, countsTheCapacityOfItsVector)
 {
     const auto chunk = TypedChunkBase<float>::createNewChunk(0);
     for (int i = 0; i < 1000; ++i)
@@ -136,7 +136,7 @@ TEST_F(ChunkTest, countsWhatItsVectorGrowsAndShrinks)
     EXPECT_EQ((*chunk)[9], 9.0f);
 }
 
-TEST_F(ChunkTest, countsElementsThatWereMovedOutUntilTheyAreGone)
+TEST_F(ChunkTest, countsMovedElementsUntilTheyAreDestroyed)
 {
     auto chunk = makeStrong<TypedChunk<int>>(50u, 3);
     {
@@ -160,17 +160,17 @@ TEST_F(ChunkTest, countsNothingWhenCopyingTheValueThrows)
     EXPECT_EQ(makeStrong<Chunk<Fragile>>(10u, Fragile{})->size(), 10u);
 }
 
-TEST_F(ChunkTest, refusesSizesBeyondTheAddressSpaceWithoutCountingThem)
+TEST_F(ChunkTest, rejectsSizesBeyondTheAddressSpaceWithoutCountingThem)
 {
-    expectAllSizesBeyondTheAddressSpaceToBeRefused<double>();
-    expectAllSizesBeyondTheAddressSpaceToBeRefused<short>();
-    expectAllSizesBeyondTheAddressSpaceToBeRefused<char>();
-    expectAllSizesBeyondTheAddressSpaceToBeRefused<std::string>();
+    expectSizesBeyondTheAddressSpaceToThrow<double>();
+    expectSizesBeyondTheAddressSpaceToThrow<short>();
+    expectSizesBeyondTheAddressSpaceToThrow<char>();
+    expectSizesBeyondTheAddressSpaceToThrow<std::string>();
     EXPECT_EQ(added(), 0u);
 }
 
 #if !defined(SANITIZED)
-TEST_F(ChunkTest, countsNothingWhenThereIsNoMemory)
+TEST_F(ChunkTest, countsNothingWhenTheAllocationFails)
 {
     EXPECT_THROW(makeStrong<Chunk<double>>(limitOf<double>, 1.0), std::bad_alloc);
     EXPECT_THROW(TypedChunkBase<double>::createNewChunk(limitOf<double>, false), std::bad_alloc);
@@ -203,7 +203,7 @@ TEST_F(ChunkTest, startsOnA64ByteBoundary)
     static_assert(ChunkBase::Alignment == 64);
 }
 
-TEST_F(ChunkTest, keepsAWiderAlignmentOfItsElements)
+TEST_F(ChunkTest, respectsAWiderAlignmentOfItsElements)
 {
     const auto chunk = makeStrong<Chunk<Wide>>(3u, Wide{2});
     EXPECT_TRUE(isAligned(chunk->data(), alignof(Wide)));
@@ -212,7 +212,7 @@ TEST_F(ChunkTest, keepsAWiderAlignmentOfItsElements)
     EXPECT_EQ(added(), 3 * sizeof(Wide));
 }
 
-TEST_F(ChunkTest, handsItsMemoryOutWithoutACopy)
+TEST_F(ChunkTest, exposesItsMemoryWithoutACopy)
 {
     const StrongPtr<ChunkBase> chunk = makeStrong<Chunk<int>>(4u, 9);
     EXPECT_EQ(chunk->elementType(), typeid(int));
@@ -223,10 +223,10 @@ TEST_F(ChunkTest, handsItsMemoryOutWithoutACopy)
     ASSERT_TRUE(typed);
     EXPECT_EQ((*typed)[3], 5);
     EXPECT_EQ(std::as_const(*chunk).memory(), typed->data());
-    EXPECT_FALSE(StrongPtr<TypedChunk<double>>(chunk)) << "the elements are no doubles";
+    EXPECT_FALSE(StrongPtr<TypedChunk<double>>(chunk)) << "the elements are not doubles";
 }
 
-TEST_F(ChunkTest, makesNewChunksOfDefaultElements)
+TEST_F(ChunkTest, createsNewChunksOfDefaultElements)
 {
     for (const bool initialise : {true, false}) {
         SCOPED_TRACE(initialise);
@@ -244,7 +244,7 @@ TEST_F(ChunkTest, makesNewChunksOfDefaultElements)
     EXPECT_EQ(std::accumulate(zeroes->begin(), zeroes->end(), 0.0), 0.0);
 }
 
-TEST_F(ChunkTest, countsExactlyThoughThreadsMakeChunksAtOnce)
+TEST_F(ChunkTest, countsExactlyWhenThreadsCreateChunksConcurrently)
 {
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {

@@ -18,10 +18,10 @@ namespace {
 namespace fs = std::filesystem;
 
 int staticNumber = 1;
-int zeroNumbers[100'000]; // far from what is read from the file
+int zeroNumbers[100'000]; // zero pages, beyond the data that is read from the file
 
-// A folder of its own for every test; afterwards it is gone, and the working
-// directory what it was.
+// Gives each test its own folder; removes it afterwards and restores the working
+// directory.
 class Environment : public testing::Test {
 protected:
     void SetUp() override
@@ -41,7 +41,7 @@ protected:
 
     const fs::path& folder() const { return m_folder; }
 
-    // The test program's own file, from the name it was started by.
+    // The file of the test program, derived from the name it was started by.
     fs::path program() const { return fs::canonical(m_former / program_invocation_name); }
 
 private:
@@ -49,7 +49,7 @@ private:
     fs::path m_folder;
 };
 
-// A library of the system that this program has loaded.
+// The path of a system library that this program has loaded.
 fs::path mathLibrary()
 {
     const std::unique_ptr<void, int (*)(void*)> library{dlopen("libm.so.6", RTLD_NOW), &dlclose};
@@ -58,14 +58,14 @@ fs::path mathLibrary()
 
 } // namespace
 
-TEST_F(Environment, knowsTheDirectoryOfTheProgram)
+TEST_F(Environment, returnsTheDirectoryOfTheProgram)
 {
     EXPECT_EQ(getExecutableDir(), program().parent_path().string());
     fs::current_path(folder());
     EXPECT_EQ(getExecutableDir(), program().parent_path().string()) << "in another working directory";
 }
 
-TEST_F(Environment, knowsTheWorkingDirectory)
+TEST_F(Environment, returnsTheWorkingDirectory)
 {
     fs::current_path(folder());
     EXPECT_EQ(getCurrentDir(), folder().string());
@@ -73,28 +73,28 @@ TEST_F(Environment, knowsTheWorkingDirectory)
     EXPECT_EQ(getCurrentDir(), "/");
 }
 
-TEST_F(Environment, hasNoWorkingDirectoryOnceThatIsDeleted)
+TEST_F(Environment, returnsAnEmptyPathWhenTheWorkingDirectoryIsDeleted)
 {
-    const fs::path gone = folder() / "gone";
-    fs::create_directory(gone);
-    fs::current_path(gone);
-    fs::remove(gone);
+    const fs::path deleted = folder() / "deleted";
+    fs::create_directory(deleted);
+    fs::current_path(deleted);
+    fs::remove(deleted);
     EXPECT_EQ(getCurrentDir(), "");
 }
 
-TEST_F(Environment, givesTheValueOfAVariableOrTheFallback)
+TEST_F(Environment, returnsTheValueOfAVariableOrTheFallback)
 {
     ASSERT_EQ(setenv("LOAM_TEST_SET", " a value=1; ", 1), 0);
     ASSERT_EQ(setenv("LOAM_TEST_EMPTY", "", 1), 0);
     ASSERT_EQ(unsetenv("LOAM_TEST_UNSET"), 0);
     EXPECT_EQ(getEnvString("LOAM_TEST_SET"), " a value=1; ");
     EXPECT_EQ(getEnvString("LOAM_TEST_SET", "fallback"), " a value=1; ");
-    EXPECT_EQ(getEnvString("LOAM_TEST_EMPTY", "fallback"), "") << "set to nothing is set";
+    EXPECT_EQ(getEnvString("LOAM_TEST_EMPTY", "fallback"), "") << "an empty variable is set";
     EXPECT_EQ(getEnvString("LOAM_TEST_UNSET"), "");
     EXPECT_EQ(getEnvString("LOAM_TEST_UNSET", "fallback"), "fallback");
 }
 
-TEST_F(Environment, givesTheFallbackForWhatNamesNoVariable)
+TEST_F(Environment, returnsTheFallbackForUnknownNames)
 {
     ASSERT_EQ(setenv("LOAM_TEST_SET", "key=value", 1), 0);
     EXPECT_EQ(getEnvString("", "fallback"), "fallback");
@@ -104,7 +104,7 @@ TEST_F(Environment, givesTheFallbackForWhatNamesNoVariable)
     EXPECT_EQ(getEnvString("loam_test_set", "fallback"), "fallback");
 }
 
-TEST_F(Environment, knowsTheProgramByItsCodeAndItsData)
+TEST_F(Environment, findsTheProgramByAnAddressOfItsCodeOrData)
 {
     EXPECT_EQ(getLibraryPath(reinterpret_cast<const void*>(&mathLibrary)), program().string());
     EXPECT_EQ(getLibraryPath(&staticNumber), program().string());
@@ -113,14 +113,14 @@ TEST_F(Environment, knowsTheProgramByItsCodeAndItsData)
     EXPECT_EQ(getLibraryPath(&staticNumber), program().string()) << "in another working directory";
 }
 
-TEST_F(Environment, knowsALibraryOfTheSystemByItsCode)
+TEST_F(Environment, findsASystemLibraryByAnAddressOfItsCode)
 {
     const fs::path path = mathLibrary();
     EXPECT_TRUE(path.is_absolute()) << path;
     EXPECT_EQ(path.filename().string().substr(0, 4), "libm") << path;
 }
 
-TEST_F(Environment, knowsNoLibraryForOtherAddresses)
+TEST_F(Environment, findsNoLibraryForOtherAddresses)
 {
     int local = 0;
     const auto allocated = std::make_unique<int>(0);
@@ -129,7 +129,7 @@ TEST_F(Environment, knowsNoLibraryForOtherAddresses)
     EXPECT_EQ(getLibraryPath(nullptr), "");
 }
 
-TEST_F(Environment, knowsALibraryFromTheRootOnHoweverItWasLoaded)
+TEST_F(Environment, returnsTheAbsolutePathOfALibraryHoweverItWasLoaded)
 {
     const fs::path copy = folder() / "a copy.so";
     fs::copy_file(mathLibrary(), copy);
@@ -146,7 +146,7 @@ TEST_F(Environment, knowsALibraryFromTheRootOnHoweverItWasLoaded)
     }
 }
 
-TEST_F(Environment, knowsWhereALibraryWasThatIsDeletedMeanwhile)
+TEST_F(Environment, returnsTheFormerPathOfADeletedLibrary)
 {
     const fs::path copy = folder() / "a copy.so";
     fs::copy_file(mathLibrary(), copy);

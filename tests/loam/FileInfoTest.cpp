@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A folder of its own for every test, gone with it.
+// Gives each test its own folder and removes it afterwards.
 class FileInfoTest : public testing::Test {
 protected:
     void SetUp() override
@@ -70,7 +70,7 @@ std::string withNul(const std::string& path)
 
 } // namespace
 
-TEST_F(FileInfoTest, tellsFilesFromDirectoriesAndFromNothing)
+TEST_F(FileInfoTest, distinguishesFilesDirectoriesAndMissingPaths)
 {
     const std::string plain = file("plain");
     const std::string folder = directory("folder");
@@ -88,16 +88,16 @@ TEST_F(FileInfoTest, tellsFilesFromDirectoriesAndFromNothing)
         {"a file", plain, Kind::File, 5},
         {"an empty file", file("empty", ""), Kind::File, 0},
         {"a hidden file", file(".hidden", "1"), Kind::File, 1},
-        {"a name with blanks", file(" a name ", "12"), Kind::File, 2},
-        {"a name beyond ASCII",
+        {"a name with spaces", file(" a name ", "12"), Kind::File, 2},
+        {"a non-ASCII name",
          file("gr\xc3\xbc\xc3\x9f"
               "e",
               "123"),
          Kind::File, 3},
         {"a directory", folder, Kind::Directory, 0},
-        {"a directory and a slash", folder + "/", Kind::Directory, 0},
+        {"a directory with a trailing slash", folder + "/", Kind::Directory, 0},
         {"a file in a directory", file("folder/inner", "1234"), Kind::File, 4},
-        {"a way round", folder + "/../folder/./inner", Kind::File, 4},
+        {"a path with dots", folder + "/../folder/./inner", Kind::File, 4},
         {"a link to a file", link("link", "plain"), Kind::File, 5},
         {"a link to a link", link("link to link", "link"), Kind::File, 5},
         {"a link to a directory", link("link to folder", "folder"), Kind::Directory, 0},
@@ -106,13 +106,13 @@ TEST_F(FileInfoTest, tellsFilesFromDirectoriesAndFromNothing)
         {"a link to itself", loop, Kind::Nothing, 0},
         {"a pipe", pipe, Kind::Nothing, 0},
         {"a device", "/dev/null", Kind::Nothing, 0},
-        {"nothing", path("missing"), Kind::Nothing, 0},
-        {"nothing in nothing", path("missing/missing"), Kind::Nothing, 0},
-        {"a file and a slash", plain + "/", Kind::Nothing, 0},
-        {"something in a file", plain + "/inner", Kind::Nothing, 0},
+        {"a missing path", path("missing"), Kind::Nothing, 0},
+        {"a path in a missing directory", path("missing/missing"), Kind::Nothing, 0},
+        {"a file with a trailing slash", plain + "/", Kind::Nothing, 0},
+        {"a path below a file", plain + "/inner", Kind::Nothing, 0},
         {"the empty path", "", Kind::Nothing, 0},
-        {"a path with a NUL after a file's", withNul(plain), Kind::Nothing, 0},
-        {"a path with a NUL after a directory's", withNul(folder), Kind::Nothing, 0},
+        {"the path of a file and a NUL", withNul(plain), Kind::Nothing, 0},
+        {"the path of a directory and a NUL", withNul(folder), Kind::Nothing, 0},
         {"a path that is too long", path(std::string(100'000, 'x')), Kind::Nothing, 0},
     };
     for (const auto& [what, path, kind, size] : cases) {
@@ -132,7 +132,7 @@ TEST_F(FileInfoTest, findsFilesRelativeToTheWorkingDirectory)
     EXPECT_TRUE(FileInfo(".").isDirectory());
 }
 
-TEST_F(FileInfoTest, asksAnewEachTime)
+TEST_F(FileInfoTest, queriesTheFileSystemEachTime)
 {
     const FileInfo info(path("changing"));
     EXPECT_FALSE(info.exists());
@@ -149,9 +149,9 @@ TEST_F(FileInfoTest, asksAnewEachTime)
     EXPECT_TRUE(info.isDirectory());
 }
 
-TEST_F(FileInfoTest, knowsSizesBeyondFourGigabytes)
+TEST_F(FileInfoTest, returnsSizesBeyondFourGigabytes)
 {
     const std::string large = file("large", "");
-    fs::resize_file(large, 5'000'000'000); // takes no space: nothing is written
+    fs::resize_file(large, 5'000'000'000); // sparse: takes no space
     EXPECT_EQ(FileInfo(large).size(), 5'000'000'000u);
 }

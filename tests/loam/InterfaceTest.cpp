@@ -21,7 +21,7 @@ struct Colour : InterfaceBase {};
 
 static_assert(std::is_same_v<StrongPtr<Shape>, StrongPtr<Shape, InterfaceBase>>);
 
-TEST(InterfaceContainer, findsByTheClassThatIsAskedFor)
+TEST(InterfaceContainer, findsAnInterfaceByItsClassOrABase)
 {
     InterfaceContainer container;
     const auto square = makeStrong<Square>();
@@ -34,7 +34,7 @@ TEST(InterfaceContainer, findsByTheClassThatIsAskedFor)
     EXPECT_EQ(container.find<Shape>()->corners, 4);
 }
 
-TEST(InterfaceContainer, findsTheOneThatWasAddedFirst)
+TEST(InterfaceContainer, findsTheInterfaceAddedFirst)
 {
     InterfaceContainer container;
     const auto first = makeStrong<Shape>(3);
@@ -46,7 +46,7 @@ TEST(InterfaceContainer, findsTheOneThatWasAddedFirst)
     EXPECT_EQ(container.find<Square>(), second);
 }
 
-TEST(InterfaceContainer, answersNullForAClassThatItDoesNotHold)
+TEST(InterfaceContainer, returnsNullForAClassThatItDoesNotHold)
 {
     InterfaceContainer container;
     EXPECT_FALSE(container.find<Shape>());
@@ -55,7 +55,7 @@ TEST(InterfaceContainer, answersNullForAClassThatItDoesNotHold)
     EXPECT_FALSE(container.find<Colour>());
 }
 
-TEST(InterfaceContainer, takesEachInterfaceOnceAndNoNull)
+TEST(InterfaceContainer, addsEachInterfaceOnceAndRejectsNull)
 {
     InterfaceContainer container;
     EXPECT_TRUE(container.empty());
@@ -80,7 +80,7 @@ TEST(InterfaceContainer, keepsAnInterfaceAliveUntilItIsRemoved)
     EXPECT_TRUE(container.empty());
 }
 
-TEST(InterfaceContainer, removesOnlyWhatIsIn)
+TEST(InterfaceContainer, removesOnlyInterfacesThatItHolds)
 {
     InterfaceContainer container;
     container.add(makeStrong<Shape>());
@@ -89,7 +89,7 @@ TEST(InterfaceContainer, removesOnlyWhatIsIn)
     EXPECT_EQ(container.size(), 1u);
 }
 
-TEST(InterfaceContainer, isWalkedInTheOrderOfAdding)
+TEST(InterfaceContainer, iteratesInInsertionOrder)
 {
     InterfaceContainer container;
     for (const int corners : {5, 3, 4})

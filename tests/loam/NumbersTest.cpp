@@ -34,7 +34,7 @@ concept HasText = requires(T value, const char* text, char* buffer)
 
 static_assert(HasText<double> && HasText<float> && HasText<short> && HasText<unsigned long long>);
 static_assert(!HasText<bool> && !HasText<char> && !HasText<signed char> && !HasText<unsigned char>,
-              "characters and truth values are no numbers");
+              "characters and booleans are not numbers");
 static_assert(!HasText<long double>, "it would silently lose digits");
 static_assert(noexcept(writeNumber(nullptr, nullptr, 1.0)) && noexcept(writeNumber(nullptr, nullptr, 1)));
 
@@ -44,7 +44,7 @@ using Random = std::mt19937_64;
 
 constexpr const char* decimalComma = "de_DE.UTF-8";
 
-// Puts the calling thread into the C locale, for the C functions that results
+// Switches the calling thread to the C locale, for the C functions that results
 // are compared with.
 class InCLocale {
 public:
@@ -91,12 +91,12 @@ float strtoNumber(const char* text, char** end, float)
 template<class T>
 bool sameBits(T a, T b)
 {
-    if (std::isnan(a) || std::isnan(b)) // payloads are not kept
+    if (std::isnan(a) || std::isnan(b)) // payloads are not preserved
         return std::isnan(a) && std::isnan(b) && std::signbit(a) == std::signbit(b);
     return a == b && std::signbit(a) == std::signbit(b);
 }
 
-std::string shown(const std::string& text)
+std::string inQuotes(const std::string& text)
 {
     std::string result;
     for (const char c : text.substr(0, 200)) {
@@ -108,8 +108,7 @@ std::string shown(const std::string& text)
     return '"' + result + (text.size() > 200 ? "\"..." : "\"");
 }
 
-// A copy that ends where the text ends, so that the address sanitizer sees
-// whoever reads on.
+// A copy without a final NUL, to let AddressSanitizer detect reads past the end.
 class Exact {
 public:
     explicit Exact(const std::string& text) : m_text{std::make_unique<char[]>(text.size())}, m_size{text.size()}
@@ -125,9 +124,9 @@ private:
     std::size_t m_size;
 };
 
-// Compares with strtod or strtof: the value, the end, and refusal.
+// Expects the same value, end or rejection as from strtod or strtof.
 template<class T>
-void readAsC(const std::string& text)
+void expectSameAsInC(const std::string& text)
 {
     char* expectedEnd = nullptr;
     T expected{};
@@ -143,19 +142,19 @@ void readAsC(const std::string& text)
     const char* end = readNumber(copy.first(), copy.last(), value);
     if (expectedLength == 0) {
         if (end || value != before)
-            ADD_FAILURE() << shown(text) << " is no number, but was read as " << hexText(value);
+            ADD_FAILURE() << inQuotes(text) << " is not a number but was read as " << hexText(value);
     } else if (!end) {
-        ADD_FAILURE() << shown(text) << " was refused instead of read as " << hexText(expected);
+        ADD_FAILURE() << inQuotes(text) << " was rejected instead of read as " << hexText(expected);
     } else if (end - copy.first() != expectedLength || !sameBits(value, expected)) {
-        ADD_FAILURE() << shown(text) << " was read as " << hexText(value) << " from " << end - copy.first()
+        ADD_FAILURE() << inQuotes(text) << " was read as " << hexText(value) << " from " << end - copy.first()
                       << " characters instead of " << hexText(expected) << " from " << expectedLength;
     }
 }
 
-void readAsC(const std::string& text)
+void expectSameAsInC(const std::string& text)
 {
-    readAsC<double>(text);
-    readAsC<float>(text);
+    expectSameAsInC<double>(text);
+    expectSameAsInC<float>(text);
 }
 
 double randomDouble(Random& random)
@@ -189,8 +188,8 @@ std::string zeros(std::size_t count)
     return std::string(count, '0');
 }
 
-// Every test runs in the C locale and in one that writes 0.5 as 0,5 and a
-// thousand as 1.000, for the C and the C++ library.
+// Runs each test in the C locale and in one that writes 0.5 as 0,5 and 1000 as
+// 1.000, set for both the C and the C++ library.
 class Numbers : public testing::TestWithParam<const char*> {
 protected:
     void SetUp() override
@@ -219,7 +218,7 @@ private:
 INSTANTIATE_TEST_SUITE_P(Locales, Numbers, testing::Values("C", decimalComma),
                          [](const auto& test) { return test.param == decimalComma ? "DecimalComma" : "C"; });
 
-// The fewest significant digits that read back as the same number, found by trying.
+// Returns by trial the fewest significant digits that read back as the same number.
 template<class T>
 int fewestDigits(T value)
 {
@@ -232,10 +231,10 @@ int fewestDigits(T value)
     }
 }
 
-// Whether a text has no more digits than the number needs. Whole numbers are
-// written out where an exponent would make them longer.
+// Returns true if a text has no more digits than the number needs. Whole numbers
+// are written out if an exponent would make them longer.
 template<class T>
-bool hasNoDigitTooMany(const std::string& text, T value)
+bool hasNoSuperfluousDigit(const std::string& text, T value)
 {
     if (text.find_first_of(".e") == std::string::npos)
         return text == print("%.0f", static_cast<double>(value));
@@ -300,7 +299,7 @@ TEST_P(Numbers, writesTheShortestTextOfAFloat)
         EXPECT_EQ(numberText(value), text);
 }
 
-TEST_P(Numbers, readsBackTheBitsThatItWroteWithNoDigitTooMany)
+TEST_P(Numbers, readsBackWhatItWroteWithTheFewestDigits)
 {
     Random random(1);
     for (int i = 0; i != 30'000; ++i) {
@@ -310,7 +309,7 @@ TEST_P(Numbers, readsBackTheBitsThatItWroteWithNoDigitTooMany)
         ASSERT_TRUE(readNumber(read, text)) << text;
         ASSERT_TRUE(sameBits(read, value)) << text;
         if (std::isfinite(value) && i % 8 < 2) {
-            ASSERT_TRUE(hasNoDigitTooMany(text, value)) << text;
+            ASSERT_TRUE(hasNoSuperfluousDigit(text, value)) << text;
         }
 
         const float small = randomFloat(random);
@@ -319,13 +318,13 @@ TEST_P(Numbers, readsBackTheBitsThatItWroteWithNoDigitTooMany)
         ASSERT_TRUE(readNumber(smallRead, smallText)) << smallText;
         ASSERT_TRUE(sameBits(smallRead, small)) << smallText;
         if (std::isfinite(small) && i % 8 < 2) {
-            ASSERT_TRUE(hasNoDigitTooMany(smallText, small)) << smallText;
+            ASSERT_TRUE(hasNoSuperfluousDigit(smallText, small)) << smallText;
         }
     }
 }
 
 template<class T>
-void fitsExactly(T value)
+void expectExactFit(T value)
 {
     const std::string text = numberText(value);
     SCOPED_TRACE(text);
@@ -343,26 +342,26 @@ void fitsExactly(T value)
     }
 }
 
-TEST_P(Numbers, writesNothingBeyondTheBufferAndAnswersNullIfItIsTooSmall)
+TEST_P(Numbers, returnsNullIfTheBufferIsTooSmallAndNeverWritesBeyondIt)
 {
     Random random(2);
     for (int i = 0; i != 300; ++i) {
-        fitsExactly(randomDouble(random));
-        fitsExactly(randomDenormal(random));
-        fitsExactly(randomFloat(random));
-        fitsExactly(static_cast<long long>(random()) >> random() % 64);
+        expectExactFit(randomDouble(random));
+        expectExactFit(randomDenormal(random));
+        expectExactFit(randomFloat(random));
+        expectExactFit(static_cast<long long>(random()) >> random() % 64);
     }
-    fitsExactly(-std::numeric_limits<double>::max());
-    fitsExactly(-std::numeric_limits<double>::min());
-    fitsExactly(-std::numeric_limits<double>::infinity());
-    fitsExactly(std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0));
-    fitsExactly(45.0);
-    fitsExactly(std::numeric_limits<long long>::min());
-    fitsExactly(std::numeric_limits<unsigned long long>::max());
-    fitsExactly(short{0});
+    expectExactFit(-std::numeric_limits<double>::max());
+    expectExactFit(-std::numeric_limits<double>::min());
+    expectExactFit(-std::numeric_limits<double>::infinity());
+    expectExactFit(std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0));
+    expectExactFit(45.0);
+    expectExactFit(std::numeric_limits<long long>::min());
+    expectExactFit(std::numeric_limits<unsigned long long>::max());
+    expectExactFit(short{0});
 }
 
-TEST_P(Numbers, readsWhatTheCLocaleCallsANumber)
+TEST_P(Numbers, readsAllNumbersOfTheCLocale)
 {
     using Limits = std::numeric_limits<double>;
     const struct {
@@ -439,8 +438,8 @@ TEST_P(Numbers, readsWhatTheCLocaleCallsANumber)
         {"nan(", std::copysign(Limits::quiet_NaN(), 1.0), 3},
     };
     for (const auto& [text, value, length] : cases) {
-        SCOPED_TRACE(shown(text));
-        readAsC(text);
+        SCOPED_TRACE(inQuotes(text));
+        expectSameAsInC(text);
         const Exact copy(text);
         double read = 42;
         const char* end = readNumber(copy.first(), copy.last(), read);
@@ -450,7 +449,7 @@ TEST_P(Numbers, readsWhatTheCLocaleCallsANumber)
     }
 }
 
-TEST_P(Numbers, keepsItsValueWhereThereIsNoNumber)
+TEST_P(Numbers, leavesTheValueUnchangedIfTheTextIsNotANumber)
 {
     const std::string cases[] = {
         "",
@@ -491,8 +490,8 @@ TEST_P(Numbers, keepsItsValueWhereThereIsNoNumber)
                     3),
     };
     for (const std::string& text : cases) {
-        SCOPED_TRACE(shown(text));
-        readAsC(text);
+        SCOPED_TRACE(inQuotes(text));
+        expectSameAsInC(text);
         double value = 42;
         EXPECT_FALSE(readNumber(value, text));
         EXPECT_EQ(value, 42);
@@ -518,53 +517,53 @@ TEST_P(Numbers, readsNumbersOfAnyLength)
         std::string text;
         double value;
     } cases[] = {
-        {"many zeros after the point, undone", "0." + zeros(399) + "1e400", 1},
-        {"more of them", "0." + zeros(5000) + "1e5001", 1},
-        {"more than exponents are often counted to", "0." + zeros(699'999) + "1e700000", 1},
-        {"almost undone", "0." + zeros(699'999) + "1e699990", 1e-10},
-        {"not undone", "0." + zeros(5000) + "1e400", 0},
-        {"many digits, undone", "1" + zeros(5000) + "e-5000", 1},
-        {"more of them, undone", "-1" + zeros(700'000) + "e-700000", -1},
-        {"many digits, hardly undone", "-1" + zeros(5000) + "e-400", -infinity},
-        {"undone by far", "1" + zeros(100'000) + "e-1000000", 0},
-        {"an exponent that balances if cut short", "0." + zeros(99'999) + "1e1000000", infinity},
+        {"many zeros after the point, cancelled", "0." + zeros(399) + "1e400", 1},
+        {"even more of them", "0." + zeros(5000) + "1e5001", 1},
+        {"more than common limits of exponents", "0." + zeros(699'999) + "1e700000", 1},
+        {"almost cancelled", "0." + zeros(699'999) + "1e699990", 1e-10},
+        {"not cancelled", "0." + zeros(5000) + "1e400", 0},
+        {"many digits, cancelled", "1" + zeros(5000) + "e-5000", 1},
+        {"even more of them, cancelled", "-1" + zeros(700'000) + "e-700000", -1},
+        {"many digits, barely reduced", "-1" + zeros(5000) + "e-400", -infinity},
+        {"more than cancelled", "1" + zeros(100'000) + "e-1000000", 0},
+        {"an exponent that would cancel if truncated", "0." + zeros(99'999) + "1e1000000", infinity},
         {"many digits", "1" + zeros(5000), infinity},
         {"many nines", nines, infinity},
         {"many nines after the point", "0." + nines, 1},
-        {"many zeros first", zeros(5000) + "12.5", 12.5},
-        {"many zeros first and then too small", zeros(5000) + "1e-400", 0},
-        {"nothing but zeros", zeros(5000) + "." + zeros(5000) + "e" + nines, 0},
+        {"many leading zeros", zeros(5000) + "12.5", 12.5},
+        {"many leading zeros, then too small", zeros(5000) + "1e-400", 0},
+        {"only zeros", zeros(5000) + "." + zeros(5000) + "e" + nines, 0},
         {"a huge exponent", "1e" + nines, infinity},
         {"a huge negative exponent", "-1e-" + nines, -0.0},
         {"zeros before an exponent", "1e+" + zeros(5000) + "5", 1e5},
         {"zeros before a negative exponent", "1e-" + zeros(5000) + "5", 1e-5},
-        {"half way, down to the even one", "9007199254740993." + zeros(5000), 9007199254740992},
-        {"beyond half way by a late digit", "9007199254740993." + zeros(5000) + "1", 9007199254740994},
-        {"beyond half way, zeros first", "0." + zeros(5000) + "9007199254740993" + zeros(900) + "1e5016",
+        {"midpoint, rounded down to even", "9007199254740993." + zeros(5000), 9007199254740992},
+        {"above the midpoint by a late digit", "9007199254740993." + zeros(5000) + "1", 9007199254740994},
+        {"above the midpoint, leading zeros", "0." + zeros(5000) + "9007199254740993" + zeros(900) + "1e5016",
          9007199254740994},
-        {"half way, zeros first", "0." + zeros(5000) + "9007199254740993" + zeros(900) + "0e5016", 9007199254740992},
-        {"beyond half way, all digits before the point", "9007199254740993" + zeros(5000) + "1e-5001",
+        {"midpoint, leading zeros", "0." + zeros(5000) + "9007199254740993" + zeros(900) + "0e5016", 9007199254740992},
+        {"above the midpoint, all digits before the point", "9007199254740993" + zeros(5000) + "1e-5001",
          9007199254740994},
-        {"half way to infinity",
+        {"midpoint to infinity",
          "179769313486231580793728971405303415079934132710037826936173778980444968292764750946649017977587"
          "207096330286416692887910946555547851940402630657488671505820681908902000708383676273854845817711"
          "531764475730270069855571366959622842914819860834936475292719074168444365510704342711559699508093"
          "042880177904174497792."
              + zeros(4500),
          infinity},
-        {"just short of it",
+        {"just below it",
          "179769313486231580793728971405303415079934132710037826936173778980444968292764750946649017977587"
          "207096330286416692887910946555547851940402630657488671505820681908902000708383676273854845817711"
          "531764475730270069855571366959622842914819860834936475292719074168444365510704342711559699508093"
          "042880177904174497791."
              + nines,
          std::numeric_limits<double>::max()},
-        {"hexadecimal zeros after the point, undone", "0x0." + zeros(100'000) + "1p400004", 1},
-        {"many hexadecimal digits, undone", "0x1" + zeros(100'000) + "p-400000", 1},
+        {"hexadecimal zeros after the point, cancelled", "0x0." + zeros(100'000) + "1p400004", 1},
+        {"many hexadecimal digits, cancelled", "0x1" + zeros(100'000) + "p-400000", 1},
         {"many hexadecimal digits", "0x1" + zeros(5000), infinity},
-        {"hexadecimal zeros first", "0x" + zeros(5000) + "1.8", 1.5},
-        {"hexadecimal, half way", "0x1.00000000000008" + zeros(5000), 1},
-        {"hexadecimal, beyond half way", "0x1.00000000000008" + zeros(5000) + "1", 1 + 0x1p-52},
+        {"leading hexadecimal zeros", "0x" + zeros(5000) + "1.8", 1.5},
+        {"hexadecimal midpoint", "0x1.00000000000008" + zeros(5000), 1},
+        {"above a hexadecimal midpoint", "0x1.00000000000008" + zeros(5000) + "1", 1 + 0x1p-52},
         {"a huge hexadecimal exponent", "-0x1p" + nines, -infinity},
         {"a huge negative hexadecimal exponent", "0x1p-" + nines, 0},
         {"a long NaN", "nan(" + nines + ")", std::copysign(std::numeric_limits<double>::quiet_NaN(), 1.0)},
@@ -572,14 +571,14 @@ TEST_P(Numbers, readsNumbersOfAnyLength)
     };
     for (const auto& [what, text, value] : cases) {
         SCOPED_TRACE(what);
-        readAsC(text + "#");
+        expectSameAsInC(text + "#");
         double read = 42;
         EXPECT_TRUE(readNumber(read, text));
         EXPECT_TRUE(sameBits(read, value)) << hexText(read);
     }
 }
 
-TEST_P(Numbers, readsRandomNumbersInEveryFormAsCDoes)
+TEST_P(Numbers, readsRandomNumbersInEveryFormatLikeC)
 {
     Random random(3);
     const char* const forms[] = {"%.17g", "%.6g", "%.3e", "%.20e", "%a", "%A", "%.3a", "%.30a", "%.17G"};
@@ -587,18 +586,18 @@ TEST_P(Numbers, readsRandomNumbersInEveryFormAsCDoes)
         const double value = i % 4 == 0   ? randomDenormal(random)
                              : i % 4 == 1 ? static_cast<double>(randomFloat(random))
                                           : randomDouble(random);
-        readAsC(print(oneOf(random, forms), value));
+        expectSameAsInC(print(oneOf(random, forms), value));
         if (i % 50 == 0)
-            readAsC(print("%.*f", static_cast<int>(upTo(random, 1200)), value));
+            expectSameAsInC(print("%.*f", static_cast<int>(upTo(random, 1200)), value));
     }
 }
 
-TEST_P(Numbers, roundsAsCDoesHalfWayBetweenNeighbours)
+TEST_P(Numbers, roundsMidpointsBetweenNeighboursLikeC)
 {
     Random random(4);
     for (int i = 0; i != 5000; ++i) {
-        // A long double has room for the bit that lies between two doubles, and
-        // print gives all its digits.
+        // A long double holds the midpoint between two doubles, and `print` writes all
+        // its digits.
         const double value = std::fabs(i % 2 == 0 ? randomDenormal(random) : randomDouble(random));
         const double next = std::nextafter(value, std::numeric_limits<double>::infinity());
         if (std::isfinite(next)) {
@@ -609,25 +608,25 @@ TEST_P(Numbers, roundsAsCDoesHalfWayBetweenNeighbours)
                 std::string mantissa = text.substr(0, exponent);
                 if (*more && mantissa.find('.') == std::string::npos)
                     mantissa += '.';
-                readAsC<double>(mantissa + more + text.substr(exponent));
+                expectSameAsInC<double>(mantissa + more + text.substr(exponent));
             }
-            readAsC<double>(print("%.*Lg", static_cast<int>(upTo(random, 800)), middle));
-            readAsC<double>(print("%La", middle));
+            expectSameAsInC<double>(print("%.*Lg", static_cast<int>(upTo(random, 800)), middle));
+            expectSameAsInC<double>(print("%La", middle));
         }
         const float small = std::fabs(randomFloat(random)) / (i % 3 == 0 ? 1e30f : 1.0f);
         const float nextSmall = std::nextafter(small, std::numeric_limits<float>::infinity());
         if (std::isfinite(nextSmall)) {
             const double middle = (static_cast<double>(small) + static_cast<double>(nextSmall)) / 2;
-            readAsC<float>(print("%.200g", middle));
-            readAsC<float>(print("%.*g", static_cast<int>(upTo(random, 130)), middle));
-            readAsC<float>(print("%a", middle));
-            readAsC<float>(print("%a", std::nextafter(middle, 0.0)));
-            readAsC<float>(print("%a", std::nextafter(middle, 1e300)));
+            expectSameAsInC<float>(print("%.200g", middle));
+            expectSameAsInC<float>(print("%.*g", static_cast<int>(upTo(random, 130)), middle));
+            expectSameAsInC<float>(print("%a", middle));
+            expectSameAsInC<float>(print("%a", std::nextafter(middle, 0.0)));
+            expectSameAsInC<float>(print("%a", std::nextafter(middle, 1e300)));
         }
     }
 }
 
-TEST_P(Numbers, readsGarbledNumbersAsCDoes)
+TEST_P(Numbers, readsGarbledNumbersLikeC)
 {
     Random random(5);
     const std::string seeds[] = {
@@ -666,17 +665,17 @@ TEST_P(Numbers, readsGarbledNumbersAsCDoes)
                     text[at] = oneOf(random, alphabet);
             }
         }
-        readAsC(text);
+        expectSameAsInC(text);
     }
     for (int i = 0; i != 60'000; ++i) {
         std::string text;
         for (std::size_t length = upTo(random, 9); length != 0; --length)
             text += oneOf(random, alphabet);
-        readAsC(text);
+        expectSameAsInC(text);
     }
 }
 
-TEST_P(Numbers, readsHexadecimalNumbersAsCDoes)
+TEST_P(Numbers, readsHexadecimalNumbersLikeC)
 {
     Random random(6);
     for (int i = 0; i != 60'000; ++i) {
@@ -686,12 +685,12 @@ TEST_P(Numbers, readsHexadecimalNumbersAsCDoes)
         for (std::size_t k = 0; k != digits; ++k) {
             if (k == point)
                 text += '.';
-            // Many zeros and ones: that is where half ways come from.
+            // Many zeros and ones, which produce midpoints.
             text += oneOf(random, std::string("000000000001178888fF"));
         }
         const int exponents[] = {0, -1074, -1060, -1022, 1023, 1000, -149, -126, 127};
         text += 'p' + std::to_string(oneOf(random, exponents) + static_cast<int>(upTo(random, 100)) - 50);
-        readAsC(text);
+        expectSameAsInC(text);
     }
 }
 
@@ -714,10 +713,10 @@ TYPED_TEST_SUITE(IntegerNumbers, Integers, IntegerNames);
 
 namespace {
 
-// What strtoll and strtoull make of a text, with the stricter rules for what
-// does not fit.
+// Expects the same result as from strtoll or strtoull, but rejection of numbers that
+// do not fit.
 template<class T>
-void readIntegerAsC(const std::string& text)
+void expectSameIntegerAsInC(const std::string& text)
 {
     char* expectedEnd = nullptr;
     bool fits = false;
@@ -736,7 +735,7 @@ void readIntegerAsC(const std::string& text)
     }
     const auto expectedLength = expectedEnd - text.c_str();
 
-    SCOPED_TRACE(shown(text));
+    SCOPED_TRACE(inQuotes(text));
     const Exact copy(text);
     T value = 42;
     const char* end = readNumber(copy.first(), copy.last(), value);
@@ -752,7 +751,7 @@ void readIntegerAsC(const std::string& text)
 
 } // namespace
 
-TYPED_TEST(IntegerNumbers, areReadAsCDoesButNotCutToFit)
+TYPED_TEST(IntegerNumbers, areReadLikeInCButRejectedIfOutOfRange)
 {
     const std::string cases[] = {
         "0",
@@ -809,7 +808,7 @@ TYPED_TEST(IntegerNumbers, areReadAsCDoesButNotCutToFit)
         "99999999999999999999x",
     };
     for (const std::string& text : cases)
-        readIntegerAsC<TypeParam>(text);
+        expectSameIntegerAsInC<TypeParam>(text);
 
     Random random(7);
     const std::string alphabet = "+-0123456789012345678901234567890123456789 \t.x";
@@ -817,11 +816,11 @@ TYPED_TEST(IntegerNumbers, areReadAsCDoesButNotCutToFit)
         std::string text;
         for (std::size_t length = upTo(random, 22); length != 0; --length)
             text += oneOf(random, alphabet);
-        readIntegerAsC<TypeParam>(text);
+        expectSameIntegerAsInC<TypeParam>(text);
     }
 }
 
-TYPED_TEST(IntegerNumbers, refuseAMinusSignWithoutASignedType)
+TYPED_TEST(IntegerNumbers, rejectNegativeNumbersForUnsignedTypes)
 {
     TypeParam value = 42;
     EXPECT_EQ(readNumber(value, "-5"), std::is_signed_v<TypeParam>);
@@ -830,7 +829,7 @@ TYPED_TEST(IntegerNumbers, refuseAMinusSignWithoutASignedType)
     EXPECT_EQ(value, 0);
 }
 
-TYPED_TEST(IntegerNumbers, readBackWhatTheyWrote)
+TYPED_TEST(IntegerNumbers, areReadBackAsWritten)
 {
     Random random(8);
     std::vector<TypeParam> values{
@@ -855,7 +854,7 @@ TEST_P(Numbers, writesAndReadsIntegersWithoutGrouping)
     EXPECT_EQ(value, 1);
 }
 
-TEST_P(Numbers, formatsAsPrintfDoes)
+TEST_P(Numbers, formatsLikePrintf)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const double nan = std::copysign(std::numeric_limits<double>::quiet_NaN(), 1.0);
@@ -891,7 +890,7 @@ TEST_P(Numbers, formatsAsPrintfDoes)
     EXPECT_EQ(formatF(1.0 / 3, -1), "0.333333");
 }
 
-TEST_P(Numbers, formatsWithAnyPrecisionAsPrintfDoes)
+TEST_P(Numbers, formatsWithAnyPrecisionLikePrintf)
 {
     Random random(9);
     const double limits[] = {std::numeric_limits<double>::max(),
@@ -915,13 +914,13 @@ TEST_P(Numbers, formatsWithAnyPrecisionAsPrintfDoes)
     }
     for (const int precision : {1'000'000, std::numeric_limits<int>::max()}) {
         EXPECT_EQ(formatG(0.1, precision), print("%.1000g", 0.1));
-        EXPECT_LT(formatG(0.1, precision).capacity(), 2000u) << "it takes no memory that it does not need";
+        EXPECT_LT(formatG(0.1, precision).capacity(), 2000u) << "it allocates only the memory that it needs";
     }
     EXPECT_EQ(formatG(0.1, std::numeric_limits<int>::min()), "0.1");
     EXPECT_EQ(formatF(0.1, std::numeric_limits<int>::min()), "0.100000");
     for (int i = 0; i != 40'000; ++i) {
         double value = randomDouble(random);
-        if (i % 2 == 0) { // of a size that both forms write without an exponent
+        if (i % 2 == 0) { // of a size that both formats write without an exponent
             const auto whole = static_cast<double>(static_cast<std::int64_t>(random()));
             value = std::ldexp(whole, -static_cast<int>(upTo(random, 80)));
         }
@@ -931,7 +930,7 @@ TEST_P(Numbers, formatsWithAnyPrecisionAsPrintfDoes)
     }
 }
 
-TEST_P(Numbers, skipsTheSixBlanksOfTheCLocaleAlone)
+TEST_P(Numbers, skipsOnlyTheSixBlanksOfTheCLocale)
 {
     const std::string text = " \t\n\v\f\r\x1f";
     EXPECT_EQ(skipBlanks(text.data(), text.data() + text.size()), text.data() + 6);

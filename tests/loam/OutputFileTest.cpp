@@ -25,7 +25,7 @@ static_assert(!std::is_copy_constructible_v<OutputFile>);
 
 namespace {
 
-// In the language of the environment.
+// The message for an error, in the language of the environment.
 std::string reason(int error)
 {
     return std::generic_category().message(error);
@@ -43,7 +43,7 @@ std::string failureOf(const std::string& path)
 
 } // namespace
 
-TEST(OutputFile, appearsWhenItIsComplete)
+TEST(OutputFile, appearsWhenItIsCommitted)
 {
     const TestFolder folder;
     {
@@ -58,7 +58,7 @@ TEST(OutputFile, appearsWhenItIsComplete)
     EXPECT_THAT(folder.names(), ElementsAre("result"));
 }
 
-TEST(OutputFile, leavesTheOldFileUnlessItIsComplete)
+TEST(OutputFile, leavesTheOldFileUnlessItIsCommitted)
 {
     const TestFolder folder;
     folder.write("result", "old");
@@ -74,7 +74,7 @@ TEST(OutputFile, keepsThePermissionsOfTheFileThatItReplaces)
 {
     const TestFolder folder;
     folder.write("result", "old");
-    ASSERT_EQ(::chmod(folder.file("result").c_str(), 0666), 0); // more than the mask of new files lets through
+    ASSERT_EQ(::chmod(folder.file("result").c_str(), 0666), 0); // more than the mask of new files allows
     OutputFile output{folder.file("result")};
     output.write("new");
     output.commit();
@@ -84,7 +84,7 @@ TEST(OutputFile, keepsThePermissionsOfTheFileThatItReplaces)
     EXPECT_EQ(contentOf(folder.file("result")), "new");
 }
 
-TEST(OutputFile, replacesTheFileBehindALinkAndNotTheLink)
+TEST(OutputFile, replacesTheTargetOfALinkInsteadOfTheLink)
 {
     const TestFolder folder;
     folder.write("data/result", "old");
@@ -96,7 +96,7 @@ TEST(OutputFile, replacesTheFileBehindALinkAndNotTheLink)
     EXPECT_EQ(contentOf(folder.file("data/result")), "new");
 }
 
-TEST(OutputFile, takesTheLongestNameThatTheSystemHas)
+TEST(OutputFile, acceptsTheLongestPossibleName)
 {
     const TestFolder folder;
     OutputFile output{folder.file(std::string(255, 'n'))};
@@ -104,17 +104,17 @@ TEST(OutputFile, takesTheLongestNameThatTheSystemHas)
     EXPECT_THAT(folder.names(), ElementsAre(std::string(255, 'n')));
 }
 
-TEST(OutputFile, writesDevicesDirectlyAndDoesNotReplaceThem)
+TEST(OutputFile, writesToDevicesInsteadOfReplacingThem)
 {
     ASSERT_TRUE(isSafeToWriteDevices());
     OutputFile output{"/dev/null"};
     EXPECT_TRUE(output.isStream());
-    output.write("gone");
+    output.write("discarded");
     output.commit();
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
-TEST(OutputFile, saysThatADeviceIsFull)
+TEST(OutputFile, reportsAFullDevice)
 {
     ASSERT_TRUE(isSafeToWriteDevices());
     OutputFile output{"/dev/full"};
@@ -138,14 +138,14 @@ TEST(OutputFile, namesTheFileThatCannotBeWritten)
     EXPECT_THAT(folder.names(), ElementsAre("file"));
 }
 
-TEST(OutputFile, refusesAStreamThatWasClosed)
+TEST(OutputFile, rejectsAClosedStream)
 {
     EXPECT_THROW((OutputFile{-1, "standard output"}), FileError);
 }
 
 namespace {
 
-bool canBeUnnamed(const TestFolder& folder)
+bool supportsUnnamedFiles(const TestFolder& folder)
 {
     const int descriptor = ::open(folder.path().c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600);
     if (descriptor >= 0)
@@ -155,7 +155,7 @@ bool canBeUnnamed(const TestFolder& folder)
 
 } // namespace
 
-TEST(OutputFile, leavesNothingUnfinishedWhenTheProgramEndsAtOnce)
+TEST(OutputFile, removesUnfinishedFilesWhenTheProgramEndsAtOnce)
 {
     const TestFolder folder;
     folder.write("second", "old");
@@ -172,7 +172,7 @@ TEST(OutputFile, leavesNothingUnfinishedWhenTheProgramEndsAtOnce)
     EXPECT_EQ(contentOf(folder.file("second")), "old");
 }
 
-TEST(OutputFile, leavesNothingBehindWhenTheProgramIsKilled)
+TEST(OutputFile, leavesTheOldFileWhenTheProgramIsKilled)
 {
     const TestFolder folder;
     folder.write("result", "old");
@@ -187,11 +187,11 @@ TEST(OutputFile, leavesNothingBehindWhenTheProgramIsKilled)
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(contentOf(folder.file("result")), "old");
-    // Where a file needs a name, only that of the unfinished one is left.
-    EXPECT_EQ(folder.names().size(), canBeUnnamed(folder) ? 1u : 2u);
+    // Only an unfinished file that had to be named remains.
+    EXPECT_EQ(folder.names().size(), supportsUnnamedFiles(folder) ? 1u : 2u);
 }
 
-TEST(OutputFile, worksAlsoWhereMoreAreOpenThanAreRemembered)
+TEST(OutputFile, worksWhenMoreFilesAreOpenThanAreTracked)
 {
     const TestFolder folder;
     {

@@ -17,7 +17,7 @@ namespace {
 
 std::string events;
 
-// Writes down what happens to it.
+// Records the events of its life.
 class Logged : public ReferenceBase<Logged> {
 public:
     explicit Logged(char name = 'x') : m_name{name}
@@ -48,24 +48,24 @@ protected:
     void TearDown() override { EXPECT_EQ(Logged::living, 0); }
 };
 
-// Asks its own weak pointer at every station of its life.
+// Checks its own weak pointer at each stage of its life.
 struct SelfWatching : ReferenceBase<SelfWatching> {
     explicit SelfWatching(WeakPtr<SelfWatching>& theWatch) : watch{theWatch}
     {
         watch = WeakPtr<SelfWatching>(this);
         note("constructor");
-        watch.lock(); // the first strong pointer there is, and not the owner
-        note("after a strong pointer went");
+        watch.lock(); // the first strong pointer, but not an owner
+        note("after a strong pointer was released");
     }
 
     ~SelfWatching() override { note("destructor"); }
     void extremeUnction() override { note("extremeUnction"); }
 
-    void note(const std::string& station) const
+    void note(const std::string& stage) const
     {
         const bool lockable = watch.lock() != nullptr;
         EXPECT_EQ(lockable, !watch.expired());
-        events += station + (lockable ? ": alive; " : ": null; ");
+        events += stage + (lockable ? ": alive; " : ": null; ");
     }
 
     WeakPtr<SelfWatching>& watch;
@@ -78,7 +78,7 @@ struct Kept {
     StrongPtr<Logged> strong;
 };
 
-// Its constructor throws after it has handed out pointers.
+// Its constructor throws after handing out pointers.
 template<class Base>
 struct Failing : Base {
     Failing(Leaves leaves, Kept& kept)
@@ -98,14 +98,14 @@ struct alignas(128) Wide : Logged {
 };
 
 template<class T>
-void expectAThrowingConstructorToLeaveDeadPointersOnly()
+void expectAThrowingConstructorToLeaveOnlyExpiredPointers()
 {
     for (const Leaves leaves : {Leaves::Nothing, Leaves::Weak, Leaves::Strong, Leaves::Both}) {
         SCOPED_TRACE(static_cast<int>(leaves));
         Kept kept;
         events.clear();
         EXPECT_THROW(new T(leaves, kept), std::runtime_error);
-        EXPECT_EQ(events, "x+ x- ") << "what never came to life gets no extreme unction";
+        EXPECT_EQ(events, "x+ x- ") << "an incomplete object gets no extreme unction";
         EXPECT_TRUE(kept.weak.expired());
         EXPECT_FALSE(WeakPtr<Logged>(kept.strong).lock());
         kept.strong.reset();
@@ -146,7 +146,7 @@ StrongPtr<Logged>& outlivesTheStatic()
 } // namespace
 
 static_assert(!std::is_default_constructible_v<Counted> && !std::is_copy_constructible_v<ReferenceBase<Logged>>,
-              "roots are bases only");
+              "roots are base classes only");
 static_assert(std::has_virtual_destructor_v<Counted>);
 
 template<class T>
@@ -154,7 +154,7 @@ concept CanBeMadeInArrays = requires
 {
     new T[2];
 };
-static_assert(!CanBeMadeInArrays<Logged>, "an array has no place for the counts");
+static_assert(!CanBeMadeInArrays<Logged>, "an array cannot hold the counts");
 
 TEST_F(ReferenceBaseTest, callsExtremeUnctionOnceAndThenTheDestructor)
 {
@@ -166,22 +166,22 @@ TEST_F(ReferenceBaseTest, callsExtremeUnctionOnceAndThenTheDestructor)
     EXPECT_EQ(events, "x+ x! x- ");
 }
 
-TEST_F(ReferenceBaseTest, doesNothingInExtremeUnctionUnlessAClassDoes)
+TEST_F(ReferenceBaseTest, hasAnExtremeUnctionThatDoesNothingByDefault)
 {
     struct Plain : ReferenceBase<Plain> {
-        explicit Plain(bool& flag) : gone{flag} {}
-        ~Plain() override { gone = true; }
-        bool& gone;
+        explicit Plain(bool& flag) : destroyed{flag} {}
+        ~Plain() override { destroyed = true; }
+        bool& destroyed;
     };
-    bool gone = false;
-    auto plain = makeStrong<Plain>(gone);
+    bool destroyed = false;
+    auto plain = makeStrong<Plain>(destroyed);
     plain->extremeUnction();
-    EXPECT_FALSE(gone);
+    EXPECT_FALSE(destroyed);
     plain.reset();
-    EXPECT_TRUE(gone);
+    EXPECT_TRUE(destroyed);
 }
 
-TEST_F(ReferenceBaseTest, isNotBroughtBackByAPointerThatIsMadeInExtremeUnction)
+TEST_F(ReferenceBaseTest, isNotRevivedByAPointerCreatedInExtremeUnction)
 {
     struct Clinging : Logged {
         explicit Clinging(StrongPtr<Clinging>& pointer) : kept{pointer} {}
@@ -201,17 +201,17 @@ TEST_F(ReferenceBaseTest, isNotBroughtBackByAPointerThatIsMadeInExtremeUnction)
     EXPECT_EQ(events, "x+ x! x- ");
 }
 
-TEST_F(ReferenceBaseTest, readsAsNullFromTheMomentTheLastOwnerLetsGo)
+TEST_F(ReferenceBaseTest, expiresWhenTheLastOwnerReleasesIt)
 {
     WeakPtr<SelfWatching> watch;
     auto object = makeStrong<SelfWatching>(watch);
     object->note("owned");
     object.reset();
-    EXPECT_EQ(events, "constructor: alive; after a strong pointer went: alive; owned: alive; "
+    EXPECT_EQ(events, "constructor: alive; after a strong pointer was released: alive; owned: alive; "
                       "extremeUnction: null; destructor: null; ");
 }
 
-TEST_F(ReferenceBaseTest, keepsPromotedPointersOfItsConstructor)
+TEST_F(ReferenceBaseTest, isKeptAliveByAPointerPromotedInItsConstructor)
 {
     struct Sharing : Logged {
         explicit Sharing(StrongPtr<Logged>& pointer) { pointer = WeakPtr<Logged>(this).lock(); }
@@ -223,7 +223,7 @@ TEST_F(ReferenceBaseTest, keepsPromotedPointersOfItsConstructor)
     EXPECT_EQ(events, "x+ x! x- ");
 }
 
-TEST_F(ReferenceBaseTest, givesObjectsMadeInConstructorArgumentsTheirOwnCounts)
+TEST_F(ReferenceBaseTest, givesObjectsCreatedInConstructorArgumentsTheirOwnCounts)
 {
     {
         const auto pair = makeStrong<Pair>(makeStrong<Logged>('1'), makeStrong<Logged>('2'));
@@ -251,22 +251,22 @@ TEST_F(ReferenceBaseTest, survivesConstructorArgumentsThatThrow)
     EXPECT_THROW(new Wide(failingArgument()), std::runtime_error);
     EXPECT_THROW(new Pair(StrongPtr<Logged>(new Logged('1')), StrongPtr<Logged>(new Logged(failingArgument()))),
                  std::runtime_error);
-    // What is made next must not take an old note for its own.
+    // The next object must not mistake a stale note for its own.
     const auto next = makeStrong<Logged>();
     EXPECT_EQ(next.referenceBlock()->strongCount(), 1u);
 }
 
-TEST_F(ReferenceBaseTest, leavesOnlyDeadPointersWhenAConstructorThrows)
+TEST_F(ReferenceBaseTest, leavesOnlyExpiredPointersWhenAConstructorThrows)
 {
-    expectAThrowingConstructorToLeaveDeadPointersOnly<Failing<Logged>>();
+    expectAThrowingConstructorToLeaveOnlyExpiredPointers<Failing<Logged>>();
 }
 
-TEST_F(ReferenceBaseTest, leavesOnlyDeadPointersWhenAConstructorOfAWideClassThrows)
+TEST_F(ReferenceBaseTest, leavesOnlyExpiredPointersWhenAConstructorOfAWideClassThrows)
 {
-    expectAThrowingConstructorToLeaveDeadPointersOnly<Failing<Wide>>();
+    expectAThrowingConstructorToLeaveOnlyExpiredPointers<Failing<Wide>>();
 }
 
-TEST_F(ReferenceBaseTest, countsAnObjectThatIsMadeWithItsRootFirst)
+TEST_F(ReferenceBaseTest, countsAnObjectCreatedWithItsRootFirst)
 {
     struct Rooted : ReferenceBase<Rooted> {
         Rooted(bool fails, WeakPtr<Rooted>& theWatch) : ReferenceBase{RootFirst{}}, watch{theWatch}
@@ -292,7 +292,7 @@ TEST_F(ReferenceBaseTest, countsAnObjectThatIsMadeWithItsRootFirst)
     EXPECT_EQ(events, "unction destructor ");
 }
 
-TEST_F(ReferenceBaseTest, countsWhateverTheAlignmentOfAClassIs)
+TEST_F(ReferenceBaseTest, countsObjectsOfAnyAlignment)
 {
     struct alignas(4096) Page : Logged {};
     std::vector<StrongPtr<Logged>> objects;
@@ -314,18 +314,18 @@ TEST_F(ReferenceBaseTest, countsWhateverTheAlignmentOfAClassIs)
         EXPECT_TRUE(watch.expired());
 }
 
-TEST_F(ReferenceBaseTest, aWideObjectMayWatchItself)
+TEST_F(ReferenceBaseTest, letsAWideObjectWatchItself)
 {
     struct alignas(64) WideWatching : SelfWatching {
         using SelfWatching::SelfWatching;
     };
     WeakPtr<SelfWatching> watch;
     makeStrong<WideWatching>(watch);
-    EXPECT_EQ(events, "constructor: alive; after a strong pointer went: alive; extremeUnction: null; "
-                      "destructor: null; ");
+    EXPECT_EQ(events, "constructor: alive; after a strong pointer was released: alive; "
+                      "extremeUnction: null; destructor: null; ");
 }
 
-TEST_F(ReferenceBaseTest, isNotDeletedByPointersWhereItHasALocalName)
+TEST_F(ReferenceBaseTest, isNotDeletedByPointersIfItIsALocalVariable)
 {
     WeakPtr<Logged> weak;
     {
@@ -333,7 +333,7 @@ TEST_F(ReferenceBaseTest, isNotDeletedByPointersWhereItHasALocalName)
         weak = WeakPtr<Logged>(&local);
         StrongPtr<Logged>(&local).reset();
         weak.lock().reset();
-        EXPECT_EQ(events, "x+ ") << "no owner, no last owner";
+        EXPECT_EQ(events, "x+ ") << "without an owner there is no last owner";
         EXPECT_FALSE(weak.expired());
     }
     EXPECT_EQ(events, "x+ x- ");
@@ -341,7 +341,7 @@ TEST_F(ReferenceBaseTest, isNotDeletedByPointersWhereItHasALocalName)
     EXPECT_FALSE(weak.lock());
 }
 
-TEST_F(ReferenceBaseTest, isNotDeletedByPointersWhereAnotherObjectHoldsIt)
+TEST_F(ReferenceBaseTest, isNotDeletedByPointersIfItIsAMember)
 {
     auto holder = makeStrong<Holder>();
     const WeakPtr<Logged> before(&holder->before);
@@ -358,7 +358,7 @@ TEST_F(ReferenceBaseTest, isNotDeletedByPointersWhereAnotherObjectHoldsIt)
     EXPECT_EQ(events, "b+ a+ a- b- ");
 }
 
-TEST_F(ReferenceBaseTest, livesInContainersOfTheStandardLibrary)
+TEST_F(ReferenceBaseTest, worksInContainersOfTheStandardLibrary)
 {
     {
         std::vector<Logged> objects(3);
@@ -373,7 +373,7 @@ TEST_F(ReferenceBaseTest, livesInContainersOfTheStandardLibrary)
     EXPECT_EQ(Logged::living, 0);
 }
 
-TEST_F(ReferenceBaseTest, mayBePlacedIntoMemoryOfTheCaller)
+TEST_F(ReferenceBaseTest, mayBeConstructedInMemoryOfTheCaller)
 {
     alignas(Logged) std::byte memory[sizeof(Logged)];
     Logged* placed = new (memory) Logged('p');
@@ -385,7 +385,7 @@ TEST_F(ReferenceBaseTest, mayBePlacedIntoMemoryOfTheCaller)
     EXPECT_EQ(events, "p+ p- ");
 }
 
-TEST_F(ReferenceBaseTest, mayBeDeletedBeforeAnybodyOwnsIt)
+TEST_F(ReferenceBaseTest, mayBeDeletedBeforeItHasAnOwner)
 {
     auto* object = new Logged;
     const WeakPtr<Logged> watch(object);
@@ -398,7 +398,7 @@ TEST_F(ReferenceBaseTest, mayBeDeletedBeforeAnybodyOwnsIt)
     delete noneWide;
 }
 
-TEST_F(ReferenceBaseTest, givesACopyCountsOfItsOwn)
+TEST_F(ReferenceBaseTest, givesACopyItsOwnCounts)
 {
     const auto original = makeStrong<Logged>();
     const StrongPtr<Logged> second = original;
@@ -410,17 +410,17 @@ TEST_F(ReferenceBaseTest, givesACopyCountsOfItsOwn)
     EXPECT_NE(copy, original);
 }
 
-TEST_F(ReferenceBaseTest, diesForItsWeakPointersWhenAStaticObjectIsDestroyed)
+TEST_F(ReferenceBaseTest, expiresWhenAStaticObjectIsDestroyed)
 {
-    // In a process of its own, whose statics go while strong pointers to them stay.
+    // In a separate process: its statics are destroyed before strong pointers to them.
     EXPECT_EXIT(
         {
             static WeakPtr<Logged> weak;
-            outlivesTheStatic(); // made first, so it goes last
+            outlivesTheStatic(); // constructed first, destroyed last
             struct Check {
                 ~Check() { std::_Exit(weak.expired() && !WeakPtr<Logged>(outlivesTheStatic()).lock() ? 0 : 1); }
             };
-            static Check runsAfterTheObjectIsGone;
+            static Check runsAfterTheObject;
             static Logged object;
             weak = WeakPtr<Logged>(&object);
             outlivesTheStatic() = StrongPtr<Logged>(&object);
@@ -430,7 +430,7 @@ TEST_F(ReferenceBaseTest, diesForItsWeakPointersWhenAStaticObjectIsDestroyed)
         testing::ExitedWithCode(0), "");
 }
 
-TEST_F(ReferenceBaseTest, letsAPointerToAStaticObjectGoAfterTheObject)
+TEST_F(ReferenceBaseTest, letsAPointerOutliveAStaticObject)
 {
     EXPECT_EXIT(
         {

@@ -11,8 +11,8 @@
 
 using namespace Loam;
 
-// Everything here is about threads that meet at one object's counts; the
-// sanitizers see what the expectations do not.
+// Threads that use the counts of one object concurrently. The sanitizers detect what
+// the expectations miss.
 
 namespace {
 
@@ -38,7 +38,7 @@ protected:
     }
 };
 
-// Gives the processor away only when the other thread does not seem to have one.
+// Yields only if the other thread does not seem to be running.
 void waitUntil(const std::atomic<unsigned>& number, unsigned reached)
 {
     for (int spins = 0; number.load(std::memory_order_acquire) < reached; ++spins) {
@@ -47,7 +47,7 @@ void waitUntil(const std::atomic<unsigned>& number, unsigned reached)
     }
 }
 
-// Threads that start their work together.
+// Runs each function in its own thread; all of them start together.
 template<class... Functions>
 void runTogether(Functions... functions)
 {
@@ -67,7 +67,7 @@ void runTogether(Functions... functions)
 
 } // namespace
 
-TEST_F(ReferenceBlockTest, countsStrongAndWeakPointersApart)
+TEST_F(ReferenceBlockTest, countsStrongAndWeakPointersSeparately)
 {
     const auto object = makeStrong<Shared>();
     const ReferenceBlock& block = *object.referenceBlock();
@@ -84,7 +84,7 @@ TEST_F(ReferenceBlockTest, countsStrongAndWeakPointersApart)
     EXPECT_TRUE(block.isAlive());
 }
 
-TEST_F(ReferenceBlockTest, outlivesTheObjectAsLongAsAWeakPointerStays)
+TEST_F(ReferenceBlockTest, outlivesTheObjectWhileAWeakPointerExists)
 {
     auto object = makeStrong<Shared>();
     const WeakPtr<Shared> weak = object;
@@ -96,7 +96,7 @@ TEST_F(ReferenceBlockTest, outlivesTheObjectAsLongAsAWeakPointerStays)
     EXPECT_EQ(block.weakCount(), 1u);
 }
 
-TEST_F(ReferenceBlockTest, refusesPromotionOnceTheObjectIsGone)
+TEST_F(ReferenceBlockTest, refusesPromotionAfterTheObjectIsDestroyed)
 {
     auto object = makeStrong<Shared>();
     const WeakPtr<Shared> weak = object;
@@ -109,7 +109,7 @@ TEST_F(ReferenceBlockTest, refusesPromotionOnceTheObjectIsGone)
     EXPECT_EQ(Shared::unctions, 1);
 }
 
-TEST_F(ReferenceBlockTest, decidesARaceBetweenPromotionAndTheLastRelease)
+TEST_F(ReferenceBlockTest, resolvesARaceBetweenPromotionAndTheLastRelease)
 {
     constexpr int Rounds = 1500;
     std::atomic<int> promoted = 0;
@@ -130,7 +130,7 @@ TEST_F(ReferenceBlockTest, decidesARaceBetweenPromotionAndTheLastRelease)
     }
 }
 
-TEST_F(ReferenceBlockTest, staysExactThoughThreadsCopyAtOnce)
+TEST_F(ReferenceBlockTest, countsExactlyWhenThreadsCopyConcurrently)
 {
     auto object = makeStrong<Shared>();
     const auto work = [&object] {
@@ -152,7 +152,7 @@ TEST_F(ReferenceBlockTest, staysExactThoughThreadsCopyAtOnce)
     EXPECT_EQ(Shared::destroyed, 1);
 }
 
-TEST_F(ReferenceBlockTest, showsTheDestructorWhatOtherOwnersWrote)
+TEST_F(ReferenceBlockTest, makesWritesOfOtherOwnersVisibleToTheDestructor)
 {
     struct Slate : ReferenceBase<Slate> {
         explicit Slate(int& theSum) : sum{theSum} {}
@@ -177,9 +177,9 @@ TEST_F(ReferenceBlockTest, showsTheDestructorWhatOtherOwnersWrote)
     }
 }
 
-TEST_F(ReferenceBlockTest, lastsUntilTheLastPointerWhenAnUnownedObjectGoesMeanwhile)
+TEST_F(ReferenceBlockTest, outlivesAnUnownedObjectDestroyedDuringTheLastRelease)
 {
-    // The pause wanders over the moment in which both threads are at the block.
+    // The varying pause covers the moment when both threads use the block.
     constexpr unsigned Rounds = 20'000;
     std::atomic<unsigned> round = 0;
     std::atomic<unsigned> released = 0;
@@ -202,12 +202,12 @@ TEST_F(ReferenceBlockTest, lastsUntilTheLastPointerWhenAnUnownedObjectGoesMeanwh
     }
     other.join();
     EXPECT_EQ(Shared::destroyed, int{Rounds});
-    EXPECT_EQ(Shared::unctions, 0) << "nobody owned it";
+    EXPECT_EQ(Shared::unctions, 0) << "it had no owner";
 }
 
-TEST_F(ReferenceBlockTest, knowsWhichThreadMadeAnObject)
+TEST_F(ReferenceBlockTest, tracksNewObjectsPerThread)
 {
-    // Each thread keeps notes of its own about objects under construction.
+    // Each thread keeps its own notes about objects under construction.
     struct Made : ReferenceBase<Made> {
         explicit Made(const StrongPtr<Shared>& theContent) : content{theContent} {}
         StrongPtr<Shared> content;

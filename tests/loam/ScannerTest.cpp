@@ -1,4 +1,4 @@
-#include <loam/Scanner.hpp> // first: proves that the header stands alone
+#include <loam/Scanner.hpp> // first: checks that the header is self-contained
 
 #include "support/Locales.hpp"
 
@@ -15,7 +15,7 @@ using Loam::Scanner;
 
 namespace {
 
-// What the C library makes of two numbers with a comma between them.
+// The result of reading two numbers separated by a comma.
 struct Scanned {
     int count = 0;
     double a = 7;
@@ -31,15 +31,15 @@ struct Scanned {
     }
 };
 
-Scanned byTheLibrary(const std::string& text)
+Scanned readBySscanf(const std::string& text)
 {
     Scanned scanned;
     const int count = std::sscanf(text.c_str(), "%lg,%lg", &scanned.a, &scanned.b);
-    scanned.count = count < 0 ? 0 : count; // the end of the text counts as no conversion
+    scanned.count = count < 0 ? 0 : count; // at the end of the text there is no conversion
     return scanned;
 }
 
-Scanned byScanner(const std::string& text)
+Scanned readByScanner(const std::string& text)
 {
     Scanned scanned;
     Scanner scanner(text);
@@ -49,7 +49,7 @@ Scanned byScanner(const std::string& text)
     return scanned;
 }
 
-TEST(Scanner, readsLikeSscanfOfTheCLocale)
+TEST(Scanner, readsLikeSscanfInTheCLocale)
 {
     const InClassicLocale classic;
     for (const char* text : {"1,2",   " 1,\n\t2", "1 ,2",         "+1,-2",        "1e5,2",
@@ -61,11 +61,11 @@ TEST(Scanner, readsLikeSscanfOfTheCLocale)
                              ",1",    "e5,1",     "00012,0x0012", "1,2,3",        "1\v,\f2",
                              "--1",   "1e5.5,2",  "0x1e+3,2",     "0x1.8p-1,2",   "0X1P3,0XA"}) {
         SCOPED_TRACE(text);
-        EXPECT_EQ(byScanner(text), byTheLibrary(text));
+        EXPECT_EQ(readByScanner(text), readBySscanf(text));
     }
 }
 
-TEST(Scanner, readsLikeSscanfWhateverTheText)
+TEST(Scanner, readsRandomTextLikeSscanf)
 {
     const InClassicLocale classic;
     const std::string characters = "0123456789.eE+-xXpPaAfFnNiItTyY ,{}()";
@@ -75,14 +75,14 @@ TEST(Scanner, readsLikeSscanfWhateverTheText)
         std::string text = seeds[random() % std::size(seeds)];
         for (auto n = random() % 12; n > 0; --n)
             text.insert(random() % (text.size() + 1), 1, characters[random() % characters.size()]);
-        ASSERT_EQ(byScanner(text), byTheLibrary(text)) << text;
+        ASSERT_EQ(readByScanner(text), readBySscanf(text)) << text;
     }
 }
 
-TEST(Scanner, readsPointsUnderADecimalCommaToo)
+TEST(Scanner, readsDecimalPointsInALocaleWithADecimalComma)
 {
     const UnderDecimalComma comma;
-    const Scanned scanned = byScanner("1.5,2.25");
+    const Scanned scanned = readByScanner("1.5,2.25");
     EXPECT_EQ(scanned.count, 2);
     EXPECT_EQ(scanned.a, 1.5);
     EXPECT_EQ(scanned.b, 2.25);
@@ -97,7 +97,7 @@ TEST(Scanner, readsFloatsAsFloats)
     EXPECT_EQ(value, HUGE_VALF);
 }
 
-TEST(Scanner, failsForGoodAtTheFirstFault)
+TEST(Scanner, failsPermanentlyAtTheFirstError)
 {
     double value = 3;
     Scanner scanner("(1");
@@ -107,7 +107,7 @@ TEST(Scanner, failsForGoodAtTheFirstFault)
     EXPECT_EQ(value, 3.0);
 }
 
-TEST(Scanner, skipsBlanksOnlyWhereTheFormatHasThem)
+TEST(Scanner, skipsBlanksBeforeALiteralOnlyOnRequest)
 {
     double value = 0;
     EXPECT_FALSE(Scanner(" (1").literal('(').number(value));
@@ -115,7 +115,7 @@ TEST(Scanner, skipsBlanksOnlyWhereTheFormatHasThem)
     EXPECT_EQ(value, 1.0);
 }
 
-TEST(Scanner, endsAtTheFirstNul)
+TEST(Scanner, stopsAtTheFirstNul)
 {
     double value = 0;
     Scanner scanner(std::string_view("1\0,2", 4));

@@ -29,7 +29,7 @@ std::string addressOf(const void* object)
 
 } // namespace
 
-TEST(SpeakPtr, saysNothingAboutSoundPointers)
+TEST(SpeakPtr, printsNothingForValidPointers)
 {
     const auto thing = makeStrong<Thing>();
     EXPECT_EQ(printedBy([&] {
@@ -46,10 +46,10 @@ TEST(SpeakPtr, reportsAPointerThatOutlivedItsObject)
     const std::string address = addressOf(&*thing);
     thing.reset();
     EXPECT_EQ(printedBy([&] { EXPECT_FALSE(SpeakPtr::check(pointer, "the scene")); }),
-              "the scene: object " + address + ", 1 strong, 1 weak, inconsistent: the object is gone\n");
+              "the scene: object " + address + ", 1 strong, 1 weak, inconsistent: the object is not alive\n");
 }
 
-TEST(SpeakPtr, printsWhereAndTheCounts)
+TEST(SpeakPtr, printsTheLocationAndTheCounts)
 {
     const auto thing = makeStrong<Thing>();
     const StrongPtr<Thing> second = thing;
@@ -58,7 +58,7 @@ TEST(SpeakPtr, printsWhereAndTheCounts)
               "end of load: object " + addressOf(thing.get()) + ", 2 strong, 2 weak, alive\n");
 }
 
-TEST(SpeakPtr, printsAnEmptyReferenceAsSuch)
+TEST(SpeakPtr, reportsAnEmptyReference)
 {
     EXPECT_EQ(printedBy([] { SpeakPtr::printRS("start", nullptr, nullptr); }),
               "start: object " + addressOf(nullptr) + ", empty reference\n");

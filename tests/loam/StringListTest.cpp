@@ -19,7 +19,7 @@ static_assert(std::is_same_v<StrongPtr<StringList>, StrongPtr<StringList, String
 static_assert(std::is_same_v<StringList::value_type, std::string>);
 static_assert(StringList::npos == ~std::size_t{0});
 
-TEST(StringList, consistsOfThePiecesOfAText)
+TEST(StringList, splitsATextIntoPieces)
 {
     const struct {
         const char* text;
@@ -43,7 +43,7 @@ TEST(StringList, consistsOfThePiecesOfAText)
     EXPECT_EQ(contentOf(StringList("a,b;c", ';')), (Strings{"a,b", "c"}));
 }
 
-TEST(StringList, keepsTheOrderAndEveryOccurrence)
+TEST(StringList, keepsOrderAndDuplicates)
 {
     StringList list;
     EXPECT_TRUE(list.empty());
@@ -55,10 +55,10 @@ TEST(StringList, keepsTheOrderAndEveryOccurrence)
     EXPECT_EQ(list[1], "a");
     for (int i = 0; i < 10; ++i)
         list.append(list[1]);
-    EXPECT_EQ(list[12], "a") << "one of its own strings may be added";
+    EXPECT_EQ(list[12], "a") << "a list may append one of its own strings";
 }
 
-TEST(StringList, findsTheFirstExactlyEqualString)
+TEST(StringList, findsTheFirstEqualString)
 {
     const StringList list("one,two,two,,Three", ',');
     const struct {
@@ -79,7 +79,7 @@ TEST(StringList, findsTheFirstExactlyEqualString)
         EXPECT_EQ(list.contains(string), place != StringList::npos);
     }
     EXPECT_FALSE(StringList().contains(""));
-    EXPECT_EQ(list.find(std::string_view("one and more").substr(0, 3)), 0u) << "a part of a text needs no copy";
+    EXPECT_EQ(list.find(std::string_view("one and more").substr(0, 3)), 0u) << "a substring needs no copy";
 }
 
 TEST(StringList, removesEveryOccurrence)
@@ -90,14 +90,14 @@ TEST(StringList, removesEveryOccurrence)
     EXPECT_EQ(contentOf(list), (Strings{"b", "c"}));
 }
 
-TEST(StringList, removesAStringThatIsNamedByTheListsOwn)
+TEST(StringList, removesAStringGivenByOneOfItsElements)
 {
-    StringList list("a long string that needs memory of its own,b,a long string that needs memory of its own", ',');
+    StringList list("a long string with a separate allocation,b,a long string with a separate allocation", ',');
     EXPECT_EQ(list.remove(list[0]), 2u);
     EXPECT_EQ(contentOf(list), Strings{"b"});
 }
 
-TEST(StringList, isEqualToAListOfTheSameStringsInTheSameOrder)
+TEST(StringList, equalsAListOfTheSameStringsInTheSameOrder)
 {
     EXPECT_EQ(StringList("a,b", ','), StringList("a;b", ';'));
     EXPECT_NE(StringList("a,b", ','), StringList("b,a", ','));
@@ -105,7 +105,7 @@ TEST(StringList, isEqualToAListOfTheSameStringsInTheSameOrder)
     EXPECT_EQ(StringList(), StringList("", ','));
 }
 
-TEST(StringList, isCopiedWithoutItsOwners)
+TEST(StringList, copiesItsStringsButNotItsOwners)
 {
     const auto list = makeStrong<StringList>("a,b", ',');
     const auto copy = makeStrong<StringList>(*list);

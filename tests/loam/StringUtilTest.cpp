@@ -19,7 +19,7 @@ Pieces splitInto(const std::string& text, char separator, bool flag, char quote)
     return Pieces(pieces.begin(), pieces.end());
 }
 
-// Both containers give the same pieces.
+// Expects the same pieces in a vector and in a list.
 Pieces split(const std::string& text, char separator, bool flag = true, char quote = 0)
 {
     const Pieces pieces = splitInto<std::vector<std::string>>(text, separator, flag, quote);
@@ -63,7 +63,7 @@ TEST(StringUtil, splitsAtEverySeparatorAndDropsAnEmptyLastPiece)
     }
 }
 
-TEST(StringUtil, doesNotSplitBetweenQuotesAndKeepsThem)
+TEST(StringUtil, keepsQuotesAndDoesNotSplitBetweenThem)
 {
     const struct {
         const char* text;
@@ -102,7 +102,7 @@ TEST(StringUtil, splitsEverywhereIfTheQuoteIsTheSeparator)
     EXPECT_EQ(split("a,b,c", ',', true, ','), (Pieces{"a", "b", "c"}));
 }
 
-TEST(StringUtil, appendsToWhatIsThere)
+TEST(StringUtil, appendsToExistingPieces)
 {
     std::vector<std::string> vector{"first"};
     EXPECT_EQ(StringUtil::split("a,b", vector, ','), 2u);
@@ -115,7 +115,7 @@ TEST(StringUtil, appendsToWhatIsThere)
     EXPECT_EQ(list, (std::list<std::string>{"first", "b"}));
 }
 
-TEST(StringUtil, cropsBeforeTheFirstOccurrenceOrNothing)
+TEST(StringUtil, cropsThroughTheFirstOccurrenceIfAny)
 {
     const struct {
         std::string text;
@@ -141,14 +141,14 @@ TEST(StringUtil, cropsBeforeTheFirstOccurrenceOrNothing)
     EXPECT_EQ(StringUtil::afterFirst(std::string_view(), ','), "");
 }
 
-TEST(StringUtil, afterFirstPointsIntoTheText)
+TEST(StringUtil, returnsAViewIntoTheTextFromAfterFirst)
 {
     const std::string_view text = "name=value";
     EXPECT_EQ(StringUtil::afterFirst(text, '=').data(), text.data() + 5);
     EXPECT_EQ(StringUtil::afterFirst(text, '#').data(), text.data());
 }
 
-TEST(StringUtil, showsNoControlCharacter)
+TEST(StringUtil, escapesControlCharacters)
 {
     EXPECT_EQ(StringUtil::printable("a\nb\tc\rd\x1b[31m\x7f\\"), "a\\nb\\tc\\rd\\x1b[31m\\x7f\\\\");
     EXPECT_EQ(StringUtil::printable(std::string("a\0b", 3)), "a\\x00b");
@@ -161,7 +161,7 @@ TEST(StringUtil, escapesTextsOfAnyLength)
     EXPECT_EQ(StringUtil::escaped(std::string(100000, '\t') + "end").size(), 200003u);
 }
 
-TEST(StringUtil, cutsLongTextsBetweenCharacters)
+TEST(StringUtil, truncatesLongTextsBetweenCharacters)
 {
     EXPECT_EQ(StringUtil::printable(std::string(200, 'a')), std::string(200, 'a'));
     EXPECT_EQ(StringUtil::printable(std::string(201, 'a')), std::string(200, 'a') + "...");

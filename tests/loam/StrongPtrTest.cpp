@@ -23,7 +23,7 @@ struct Leaf : Root {
 
 struct OtherLeaf : Root {};
 
-// Mix-ins that share one root, as processing objects do.
+// Mix-ins that share one root, like those of processing objects.
 struct Left : virtual Root {
     int left = 1;
 };
@@ -53,7 +53,7 @@ std::uint32_t owners(const Pointer& pointer)
 struct Declared;
 struct DeclaredRoot;
 
-// Nothing but the declaration is known here.
+// Only the declaration is visible here.
 StrongPtr<Declared> passOn(const StrongPtr<Declared, DeclaredRoot>& pointer)
 {
     StrongPtr<Declared> copy = pointer;
@@ -74,10 +74,10 @@ static_assert(std::is_same_v<StrongPtr<Declared>::element_type, Declared>);
 static_assert(std::is_convertible_v<StrongPtr<Leaf>, StrongPtr<Root>>);
 static_assert(std::is_convertible_v<StrongPtr<Leaf>, StrongPtr<const Leaf>>);
 static_assert(std::is_convertible_v<std::nullptr_t, StrongPtr<Leaf>>);
-static_assert(!std::is_convertible_v<StrongPtr<Root>, StrongPtr<Leaf>>, "a cast that may fail is spelled out");
+static_assert(!std::is_convertible_v<StrongPtr<Root>, StrongPtr<Leaf>>, "a cast that may fail is explicit");
 static_assert(std::is_constructible_v<StrongPtr<Leaf>, StrongPtr<Root>>);
-static_assert(!std::is_convertible_v<Leaf*, StrongPtr<Leaf>>, "taking part in owning is spelled out");
-static_assert(!std::is_convertible_v<WeakPtr<Leaf>, StrongPtr<Leaf>>, "a promotion that may fail is spelled out");
+static_assert(!std::is_convertible_v<Leaf*, StrongPtr<Leaf>>, "sharing ownership is explicit");
+static_assert(!std::is_convertible_v<WeakPtr<Leaf>, StrongPtr<Leaf>>, "a promotion that may fail is explicit");
 static_assert(!std::is_convertible_v<StrongPtr<Leaf>, bool> && !std::is_convertible_v<StrongPtr<Leaf>, Leaf*>);
 static_assert(std::is_nothrow_move_constructible_v<StrongPtr<Leaf>>);
 static_assert(std::is_nothrow_move_assignable_v<StrongPtr<Leaf>>);
@@ -89,7 +89,7 @@ struct Declared : Root {};
 
 } // namespace
 
-TEST_F(StrongPtrTest, ownsTogetherWithItsCopies)
+TEST_F(StrongPtrTest, sharesOwnershipWithItsCopies)
 {
     StrongPtr<Leaf> first(new Leaf);
     EXPECT_EQ(owners(first), 1u);
@@ -106,7 +106,7 @@ TEST_F(StrongPtrTest, ownsTogetherWithItsCopies)
     EXPECT_FALSE(first);
 }
 
-TEST_F(StrongPtrTest, isEmptyWhereNothingIsGiven)
+TEST_F(StrongPtrTest, isEmptyWithoutAnObject)
 {
     for (const StrongPtr<Leaf>& pointer :
          {StrongPtr<Leaf>(), StrongPtr<Leaf>(nullptr), StrongPtr<Leaf>(static_cast<Leaf*>(nullptr)),
@@ -119,7 +119,7 @@ TEST_F(StrongPtrTest, isEmptyWhereNothingIsGiven)
     }
 }
 
-TEST_F(StrongPtrTest, isMovedWithoutTouchingACounter)
+TEST_F(StrongPtrTest, movesWithoutTouchingACount)
 {
     auto first = makeStrong<Leaf>();
     ReferenceBlock& block = *first.referenceBlock();
@@ -137,7 +137,7 @@ TEST_F(StrongPtrTest, isMovedWithoutTouchingACounter)
     EXPECT_EQ(block.strongCount(), 1u);
 }
 
-TEST_F(StrongPtrTest, survivesAssignmentToItself)
+TEST_F(StrongPtrTest, survivesSelfAssignment)
 {
     auto pointer = makeStrong<Leaf>();
     auto& same = pointer;
@@ -148,7 +148,7 @@ TEST_F(StrongPtrTest, survivesAssignmentToItself)
     EXPECT_EQ(owners(pointer), 1u);
 }
 
-TEST_F(StrongPtrTest, mayBeAssignedFromWhatItOwns)
+TEST_F(StrongPtrTest, mayBeAssignedAMemberOfItsObject)
 {
     auto chain = makeStrong<Link>(makeStrong<Link>(makeStrong<Link>()));
     int length = 0;
@@ -157,7 +157,7 @@ TEST_F(StrongPtrTest, mayBeAssignedFromWhatItOwns)
     EXPECT_EQ(length, 3);
 }
 
-TEST_F(StrongPtrTest, letsGoOfWhatItHeldAfterItHoldsTheNew)
+TEST_F(StrongPtrTest, releasesTheOldObjectAfterTakingTheNewOne)
 {
     struct Asking : ReferenceBase<Asking> {
         Asking(StrongPtr<Asking>& theHolder, bool& flag) : holder{theHolder}, sawItself{flag} {}
@@ -177,7 +177,7 @@ TEST_F(StrongPtrTest, letsGoOfWhatItHeldAfterItHoldsTheNew)
     EXPECT_FALSE(sawItself);
 }
 
-TEST_F(StrongPtrTest, convertsToBasesAndCastsDownChecked)
+TEST_F(StrongPtrTest, convertsToBasesAndChecksDowncasts)
 {
     const auto leaf = makeStrong<Leaf>();
     const StrongPtr<Root> root = leaf;
@@ -186,7 +186,7 @@ TEST_F(StrongPtrTest, convertsToBasesAndCastsDownChecked)
 
     const StrongPtr<OtherLeaf> wrong(root);
     EXPECT_FALSE(wrong);
-    EXPECT_EQ(wrong.referenceBlock(), nullptr) << "a cast that failed holds nothing";
+    EXPECT_EQ(wrong.referenceBlock(), nullptr) << "a failed cast returns an empty pointer";
     EXPECT_EQ(owners(leaf), 2u);
 }
 
@@ -201,7 +201,7 @@ TEST_F(StrongPtrTest, castsAcrossMixIns)
     EXPECT_FALSE(StrongPtr<Leaf>(left));
 }
 
-TEST_F(StrongPtrTest, isEqualWhereTheObjectIsTheSameThroughWhateverBase)
+TEST_F(StrongPtrTest, isEqualForTheSameObjectThroughAnyBase)
 {
     const auto both = makeStrong<Both>();
     const StrongPtr<Left> left = both;
@@ -218,7 +218,7 @@ TEST_F(StrongPtrTest, isEqualWhereTheObjectIsTheSameThroughWhateverBase)
     EXPECT_TRUE(set.contains(both));
 }
 
-TEST_F(StrongPtrTest, isSwappedWithItsCounts)
+TEST_F(StrongPtrTest, swapsItsCounts)
 {
     auto first = makeStrong<Leaf>();
     auto second = makeStrong<Leaf>();
@@ -230,7 +230,7 @@ TEST_F(StrongPtrTest, isSwappedWithItsCounts)
     EXPECT_EQ(owners(first), 1u);
 }
 
-TEST_F(StrongPtrTest, needsNoMoreThanADeclarationToBePassedOn)
+TEST_F(StrongPtrTest, needsOnlyADeclarationToBePassedOn)
 {
     const auto pointer = makeStrong<Declared>();
     const StrongPtr<Declared> same = passOn(pointer);
@@ -238,7 +238,7 @@ TEST_F(StrongPtrTest, needsNoMoreThanADeclarationToBePassedOn)
     EXPECT_EQ(owners(pointer), 2u);
 }
 
-TEST_F(StrongPtrTest, forwardsTheArgumentsOfNewObjects)
+TEST_F(StrongPtrTest, forwardsConstructorArguments)
 {
     struct Taking : ReferenceBase<Taking> {
         Taking(std::vector<int>&& theNumbers, int& theCount) : numbers{std::move(theNumbers)} { ++theCount; }
@@ -252,7 +252,7 @@ TEST_F(StrongPtrTest, forwardsTheArgumentsOfNewObjects)
     EXPECT_EQ(count, 1);
 }
 
-TEST_F(StrongPtrTest, destroysLongChainsOfOwnersFromAnyEnd)
+TEST_F(StrongPtrTest, releasesLongChainsFromEitherEnd)
 {
     std::vector<StrongPtr<Link>> links{makeStrong<Link>()};
     for (int i = 0; i < 1000; ++i)

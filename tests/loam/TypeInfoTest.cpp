@@ -9,9 +9,9 @@
 
 using namespace Loam;
 
-static_assert(std::is_convertible_v<const std::type_info&, TypeInfo>, "a typeid is meant as a TypeInfo");
+static_assert(std::is_convertible_v<const std::type_info&, TypeInfo>, "a typeid converts to a TypeInfo");
 static_assert(std::is_trivially_copyable_v<TypeInfo>);
-static_assert(!std::is_default_constructible_v<TypeInfo>, "there is no type of no name");
+static_assert(!std::is_default_constructible_v<TypeInfo>, "a TypeInfo always names a type");
 
 namespace Orla {
 
@@ -26,7 +26,7 @@ namespace {
 
 struct Local {};
 
-// A type as another library brings it, under a name of the compiler's.
+// A type of another library, with the given mangled name.
 class ForeignType : public std::type_info {
 public:
     explicit ForeignType(const char* name) : std::type_info(name) {}
@@ -34,7 +34,7 @@ public:
 
 } // namespace
 
-TEST(TypeInfo, isTheTypeItWasMadeFrom)
+TEST(TypeInfo, equalsTheTypeItWasMadeFrom)
 {
     const TypeInfo time = typeid(Orla::VTime);
     EXPECT_EQ(time, TypeInfo(typeid(Orla::VTime)));
@@ -52,7 +52,7 @@ TEST(TypeInfo, isTheTypeItWasMadeFrom)
     EXPECT_EQ(changed, typeid(int));
 }
 
-TEST(TypeInfo, isOrderedAsTypesAre)
+TEST(TypeInfo, isOrderedLikeStdTypeInfo)
 {
     const std::vector<TypeInfo> types{typeid(int),         typeid(double), typeid(Orla::VTime),
                                       typeid(std::string), typeid(Local),  typeid(Local*)};
@@ -66,7 +66,7 @@ TEST(TypeInfo, isOrderedAsTypesAre)
     }
 }
 
-TEST(TypeInfo, isAKeyOfOrderedAndUnorderedTables)
+TEST(TypeInfo, servesAsAKeyOfOrderedAndUnorderedMaps)
 {
     std::map<TypeInfo, int> ordered{{typeid(int), 1}, {typeid(double), 2}};
     EXPECT_EQ(ordered.at(typeid(double)), 2);
@@ -77,7 +77,7 @@ TEST(TypeInfo, isAKeyOfOrderedAndUnorderedTables)
     EXPECT_EQ(unordered.count(typeid(float)), 0u);
 }
 
-TEST(TypeInfo, equalsAndHashesAsTheSameTypeOfAnotherLibrary)
+TEST(TypeInfo, equalsAndHashesLikeTheSameTypeOfAnotherLibrary)
 {
     const std::string name = typeid(Orla::VTime).name();
     const ForeignType foreign(name.c_str());
@@ -95,7 +95,7 @@ TEST(TypeKey, isTheSameForATypeInEveryLibrary)
     EXPECT_EQ(typeKey(ForeignType(name.c_str())), typeKey(typeid(std::vector<Orla::VTime>)));
 }
 
-TEST(TypeKey, tellsNamesakesInUnnamedNamespacesApart)
+TEST(TypeKey, distinguishesNamesakesInUnnamedNamespaces)
 {
     EXPECT_EQ(typeKey(typeid(Local)), typeKey(typeid(Local)));
     EXPECT_NE(typeKey(typeid(Local)), typeKey(typeid(Local*)));
@@ -109,9 +109,9 @@ TEST(TypeKey, tellsNamesakesInUnnamedNamespacesApart)
     EXPECT_NE(typeKey(ForeignType(list.c_str())), typeKey(typeid(std::vector<Local>)));
 }
 
-TEST(TypeKey, tellsNamesakesApartThatTheCompilerMarksAsLocal)
+TEST(TypeKey, distinguishesNamesakesMarkedAsLocalByTheCompiler)
 {
-    // The mark is a star, which is not part of the name.
+    // The mark is an asterisk that is not part of the name.
     const std::string marked = "*ZL8functionvE5Local";
     const std::string otherMarked = marked;
     const ForeignType type(marked.c_str());

@@ -122,7 +122,7 @@ template<class T>
 struct UnnamedOf {
 };
 
-// A type as another library brings it, under a name of the compiler's.
+// A type of another library, with the given mangled name.
 class ForeignType : public std::type_info {
 public:
     explicit ForeignType(const char* name) : std::type_info(name) {}
@@ -135,7 +135,7 @@ std::string nameOf(const char* mangled)
 
 } // namespace
 
-TEST(Typename, isThePlainNameOfATypeThatWasNotNamed)
+TEST(Typename, isThePlainNameIfNoNameWasSet)
 {
     using std::string;
     using Orla::VDate;
@@ -231,11 +231,11 @@ TEST(Typename, isThePlainNameOfATypeThatWasNotNamed)
     for (const auto& [type, name] : cases) {
         SCOPED_TRACE(type.name());
         EXPECT_EQ(Typename(type), name);
-        EXPECT_EQ(Typename(type), name) << "when asked again";
+        EXPECT_EQ(Typename(type), name) << "on the second query";
     }
 }
 
-TEST(Typename, isPlainForLambdasAndWhatIsInThem)
+TEST(Typename, isPlainForLambdasAndTypesInsideThem)
 {
     const auto lambda = Orla::lambda();
     EXPECT_EQ(Typename(typeid(lambda(Orla::VDate{}))), "InLambda");
@@ -243,7 +243,7 @@ TEST(Typename, isPlainForLambdasAndWhatIsInThem)
     EXPECT_EQ(Typename(typeid(lambda)).find("Orla"), std::string::npos) << Typename(typeid(lambda));
 }
 
-TEST(Typename, isAsQualifiedAsItMustBe)
+TEST(Typename, isOnlyAsQualifiedAsNecessary)
 {
     EXPECT_EQ(nameOf("N4Mila4ClipE"), "Clip");
     EXPECT_EQ(nameOf("N4Mona4ClipE"), "Mona::Clip");
@@ -252,13 +252,13 @@ TEST(Typename, isAsQualifiedAsItMustBe)
     EXPECT_EQ(nameOf("N4Mila4ClipE"), "Clip");
     EXPECT_EQ(nameOf("4Clip"), "Clip #2");
 
-    // The same goes for what a template is made of.
+    // The same applies to templates and their arguments.
     EXPECT_EQ(nameOf("St6vectorIN4Mila4ClipESaIS1_EE"), "vector<Clip>");
     EXPECT_EQ(nameOf("St6vectorIN4Mona4ClipESaIS1_EE"), "vector<Mona::Clip>");
     EXPECT_EQ(nameOf("N4Mila6vectorIN4Mona4ClipEEE"), "Mila::vector<Mona::Clip>");
 }
 
-TEST(Typename, qualifiesTheStandardLibraryWhereNothingElseHelps)
+TEST(Typename, containsStdOnlyIfNothingElseHelps)
 {
     EXPECT_EQ(nameOf("N4Mila12forward_listIiEE"), "forward_list<int>");
     EXPECT_EQ(nameOf("St12forward_listIiSaIiEE"), "std::forward_list<int>");
@@ -266,19 +266,19 @@ TEST(Typename, qualifiesTheStandardLibraryWhereNothingElseHelps)
     EXPECT_EQ(nameOf("NSt7__cxx1115basic_stringbufIwSt11char_traitsIwESaIwEEE"), "std::wstringbuf");
 }
 
-TEST(Typename, keepsArgumentsThatAreOnlyLikeDefaults)
+TEST(Typename, keepsArgumentsThatOnlyResembleDefaults)
 {
     EXPECT_EQ(nameOf("St3setIiSt4lessIPiESaIiEE"), "set<int,less<int*>>");
     EXPECT_EQ(nameOf("St10unique_ptrIiSt14default_deleteIA_iEE"), "unique_ptr<int,default_delete<int[]>>");
 }
 
-TEST(Typename, readsNamesBeyondAscii)
+TEST(Typename, supportsNonAsciiNames)
 {
     EXPECT_EQ(nameOf("N3\xc3\xa9t5PlageE"), "Plage");
     EXPECT_EQ(nameOf("5\xc3\xa9t\xc3\xa9"), "\xc3\xa9t\xc3\xa9");
 }
 
-TEST(Typename, namesTheFunctionOfALocalTypeWhereItMust)
+TEST(Typename, namesTheFunctionOfALocalTypeIfNecessary)
 {
     EXPECT_EQ(nameOf("ZN4Mila1fEiE4Item"), "Item");
     EXPECT_EQ(nameOf("ZN4Mila1gEiE4Item"), "g(int)::Item");
@@ -290,9 +290,9 @@ TEST(Typename, namesTheFunctionOfALocalTypeWhereItMust)
     EXPECT_EQ(nameOf("ZNK4Mila4BoatclEiE4Item"), "operator()(int) const::Item");
 }
 
-TEST(Typename, numbersNamesakesThatNothingTellsApart)
+TEST(Typename, numbersIndistinguishableNamesakes)
 {
-    // As in two source files.
+    // As in several source files.
     const std::string first = "N4Mila12_GLOBAL__N_16DetailE";
     const std::string second = first;
     const std::string third = first;
@@ -302,7 +302,7 @@ TEST(Typename, numbersNamesakesThatNothingTellsApart)
     EXPECT_EQ(nameOf(second.c_str()), "Mila::Detail");
 }
 
-TEST(Typename, ofNestedTemplatesIsPlainAtEveryDepth)
+TEST(Typename, isPlainAtAnyDepthOfNestedTemplates)
 {
     std::string mangled = "N4Mona3TagE";
     std::string name = "Tag";
@@ -313,13 +313,13 @@ TEST(Typename, ofNestedTemplatesIsPlainAtEveryDepth)
     EXPECT_EQ(nameOf(mangled.c_str()), name);
 }
 
-TEST(Typename, isTheCompilersNameWhereThatHasNoMeaning)
+TEST(Typename, isTheMangledNameIfItCannotBeDemangled)
 {
     for (const char* text : {"?", "garbage", "N", "::", "<", ">", "a<b", "(", "f(", "{", "4Odd"})
         EXPECT_EQ(nameOf(text), text);
 }
 
-TEST(Typename, isTheReadableNameWhereItsFormIsUnknown)
+TEST(Typename, isTheDemangledNameIfItsFormIsUnknown)
 {
     const struct {
         const char* mangled;
@@ -327,7 +327,7 @@ TEST(Typename, isTheReadableNameWhereItsFormIsUnknown)
     } cases[] = {
         {"3a,b", "a,b"},
         {"3a)b", "a)b"},
-        {"3a<b", "a<b #2"}, // a name that was there already
+        {"3a<b", "a<b #2"}, // the name is already taken
         {"3a>b", "a>b"},
         {"2{{", "{{"},
         {"2::", ":: #2"},
@@ -342,17 +342,17 @@ TEST(Typename, isTheReadableNameWhereItsFormIsUnknown)
         EXPECT_EQ(nameOf(mangled), name);
 }
 
-TEST(SetTypename, givesATypeANameOfAnyCharacters)
+TEST(SetTypename, acceptsNamesOfAnyCharacters)
 {
     struct Arrangement {};
     EXPECT_EQ(Typename(typeid(Arrangement)), "Arrangement");
     EXPECT_TRUE(setTypename(typeid(Arrangement), "Bounding Box []"));
     EXPECT_EQ(Typename(typeid(Arrangement)), "Bounding Box []");
-    EXPECT_TRUE(setTypename(typeid(Arrangement), "Bounding Box []")) << "the same again";
+    EXPECT_TRUE(setTypename(typeid(Arrangement), "Bounding Box []")) << "the same name again";
     EXPECT_EQ(Typename(typeid(Arrangement)), "Bounding Box []");
 }
 
-TEST(SetTypename, refusesAnEmptyNameAndOneThatWasSetForAnotherType)
+TEST(SetTypename, refusesEmptyNamesAndNamesSetForAnotherType)
 {
     struct Owner {};
     struct Rival {};
@@ -369,10 +369,10 @@ TEST(SetTypename, refusesAnEmptyNameAndOneThatWasSetForAnotherType)
 
     ASSERT_TRUE(setTypename(typeid(Rival), "rival"));
     EXPECT_FALSE(setTypename(typeid(Rival), "owned"));
-    EXPECT_EQ(Typename(typeid(Rival)), "rival") << "a refusal keeps the name that was";
+    EXPECT_EQ(Typename(typeid(Rival)), "rival") << "a refusal leaves the name unchanged";
 }
 
-TEST(SetTypename, freesTheFormerName)
+TEST(SetTypename, releasesTheFormerName)
 {
     struct Mover {};
     struct Follower {};
@@ -384,23 +384,23 @@ TEST(SetTypename, freesTheFormerName)
     EXPECT_EQ(Typename(typeid(Follower)), "first place");
 }
 
-TEST(SetTypename, takesANameThatWasOnlyAssumed)
+TEST(SetTypename, takesOverANameThatWasOnlyDerived)
 {
     struct Named {};
     EXPECT_EQ(nameOf("N4Mila5StyleE"), "Style");
     EXPECT_EQ(nameOf("N4Mona5StyleE"), "Mona::Style");
     EXPECT_TRUE(setTypename(typeid(Named), "Style"));
     EXPECT_EQ(Typename(typeid(Named)), "Style");
-    EXPECT_EQ(nameOf("N4Mila5StyleE"), "Mila::Style") << "the loser finds another";
+    EXPECT_EQ(nameOf("N4Mila5StyleE"), "Mila::Style") << "the other type gets another name";
     EXPECT_EQ(nameOf("N4Mona5StyleE"), "Mona::Style");
     EXPECT_EQ(nameOf("N4Mila5StyleE"), "Mila::Style");
 
-    // A name that is free again does not come back by itself.
+    // A released name is not restored automatically.
     ASSERT_TRUE(setTypename(typeid(Named), "named"));
     EXPECT_EQ(nameOf("N4Mila5StyleE"), "Mila::Style");
 }
 
-TEST(SetTypename, makesAnAssumedNameOneThatWasSet)
+TEST(SetTypename, reservesADerivedName)
 {
     struct Settled {};
     struct Claimant {};
@@ -410,14 +410,14 @@ TEST(SetTypename, makesAnAssumedNameOneThatWasSet)
     EXPECT_EQ(Typename(typeid(Settled)), "Settled");
 }
 
-TEST(SetTypename, keepsTheNameFromTypesThatAreAskedForLater)
+TEST(SetTypename, reservesTheNameAgainstLaterTypes)
 {
     struct Early {};
     ASSERT_TRUE(setTypename(typeid(Early), "Latecomer"));
     EXPECT_EQ(nameOf("N4Mila9LatecomerE"), "Mila::Latecomer");
 }
 
-TEST(SetTypename, concernsTheTypeOfEveryLibrary)
+TEST(SetTypename, appliesToTheTypeInEveryLibrary)
 {
     const std::string mangled = "N4Mila6SharedE";
     const std::string copy = mangled;
@@ -426,7 +426,7 @@ TEST(SetTypename, concernsTheTypeOfEveryLibrary)
     EXPECT_TRUE(setTypename(ForeignType(copy.c_str()), "shared by all"));
 }
 
-TEST(SetTypename, keepsNothingOfALibraryThatIsUnloaded)
+TEST(SetTypename, refersToNothingInAnUnloadedLibrary)
 {
     std::string mangled = "N4Mila9EphemeralE";
     std::string name = "a name in the library";
@@ -438,13 +438,13 @@ TEST(SetTypename, keepsNothingOfALibraryThatIsUnloaded)
     EXPECT_EQ(nameOf("N4Mila9EphemeralE"), "Ephemeral");
 }
 
-TEST(UnsetTypename, takesBackTheNameThatWasSet)
+TEST(UnsetTypename, removesTheNameThatWasSet)
 {
     struct Guest {};
     struct Successor {};
     EXPECT_FALSE(unsetTypename(typeid(Guest))) << "it has no name yet";
     EXPECT_EQ(Typename(typeid(Guest)), "Guest");
-    EXPECT_FALSE(unsetTypename(typeid(Guest))) << "nobody set the name";
+    EXPECT_FALSE(unsetTypename(typeid(Guest))) << "the name was not set";
     EXPECT_EQ(Typename(typeid(Guest)), "Guest");
 
     ASSERT_TRUE(setTypename(typeid(Guest), "the guest"));
@@ -455,7 +455,7 @@ TEST(UnsetTypename, takesBackTheNameThatWasSet)
     EXPECT_EQ(Typename(typeid(Successor)), "the guest");
 }
 
-TEST(UnsetTypename, freesTheNameForATypeOfThatPlainName)
+TEST(UnsetTypename, releasesTheNameToATypeOfThatPlainName)
 {
     struct Former {};
     ASSERT_TRUE(setTypename(typeid(Former), "Vacancy"));
@@ -463,7 +463,7 @@ TEST(UnsetTypename, freesTheNameForATypeOfThatPlainName)
     EXPECT_EQ(nameOf("N4Mila7VacancyE"), "Vacancy");
 }
 
-TEST(Typename, isNeverSharedByThreadsThatAskAtOnce)
+TEST(Typename, isUniqueWhenThreadsQueryConcurrently)
 {
     constexpr int threadCount = 8;
     constexpr int typeCount = 200;

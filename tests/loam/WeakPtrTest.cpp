@@ -15,7 +15,7 @@ struct Root : ReferenceBase<Root> {
 
 struct Leaf : Root {};
 
-// A mix-in that is watched without its object being known.
+// A mix-in that is watched without knowledge of the whole object.
 struct MixIn : virtual Root {
     explicit MixIn(WeakPtr<MixIn>* self = nullptr)
     {
@@ -33,7 +33,7 @@ struct Joined : MixIn, Second {
 
 std::uint32_t watchers(const StrongPtr<Root>& object)
 {
-    return object.referenceBlock()->weakCount() - 1; // the object itself counts as one
+    return object.referenceBlock()->weakCount() - 1; // without the object itself
 }
 
 struct Declared;
@@ -77,7 +77,7 @@ TEST(WeakPtr, keepsItsObjectAliveThroughALock)
     EXPECT_TRUE(weak.expired());
 }
 
-TEST(WeakPtr, isEmptyWhereNothingIsGiven)
+TEST(WeakPtr, isEmptyWithoutAnObject)
 {
     for (const WeakPtr<Leaf>& weak : {WeakPtr<Leaf>(), WeakPtr<Leaf>(nullptr),
                                       WeakPtr<Leaf>(static_cast<Leaf*>(nullptr)), WeakPtr<Leaf>(StrongPtr<Leaf>())}) {
@@ -87,7 +87,7 @@ TEST(WeakPtr, isEmptyWhereNothingIsGiven)
     }
 }
 
-TEST(WeakPtr, countsItsCopiesAndNotItsMoves)
+TEST(WeakPtr, countsCopiesButNotMoves)
 {
     const auto leaf = makeStrong<Leaf>();
     WeakPtr<Leaf> first = leaf;
@@ -110,7 +110,7 @@ TEST(WeakPtr, countsItsCopiesAndNotItsMoves)
     EXPECT_EQ(watchers(leaf), 0u);
 }
 
-TEST(WeakPtr, viewsAMixInAndExpiresWithTheWholeObject)
+TEST(WeakPtr, refersToAMixInAndExpiresWithTheWholeObject)
 {
     WeakPtr<MixIn> view;
     auto joined = makeStrong<Joined>(&view);
@@ -135,19 +135,19 @@ TEST(WeakPtr, convertsToBasesWhileTheObjectLives)
     EXPECT_TRUE(second.expired() && root.expired());
 }
 
-TEST(WeakPtr, becomesEmptyInAConversionWhenTheObjectIsGone)
+TEST(WeakPtr, convertsToAnEmptyPointerAfterTheObjectIsDestroyed)
 {
     auto joined = makeStrong<Joined>();
     const WeakPtr<Joined> weak = joined;
     joined.reset();
-    // The way to a virtual base would lead through the object.
+    // Conversion to a virtual base would read the destroyed object.
     const WeakPtr<Root> root = weak;
     EXPECT_TRUE(root.expired());
     EXPECT_EQ(root.referenceBlock(), nullptr);
     EXPECT_EQ(weak.referenceBlock()->weakCount(), 1u);
 }
 
-TEST(WeakPtr, isPromotedToWhateverTheObjectIs)
+TEST(WeakPtr, isPromotedToAnyClassOfTheObject)
 {
     const auto joined = makeStrong<Joined>();
     const WeakPtr<MixIn> view = joined;
@@ -158,7 +158,7 @@ TEST(WeakPtr, isPromotedToWhateverTheObjectIs)
     EXPECT_EQ(joined.referenceBlock()->strongCount(), 1u);
 }
 
-TEST(WeakPtr, isEqualWhereTheObjectIsOrWasTheSame)
+TEST(WeakPtr, isEqualIfTheObjectIsOrWasTheSame)
 {
     auto joined = makeStrong<Joined>();
     const WeakPtr<MixIn> mixIn = joined;
@@ -167,7 +167,7 @@ TEST(WeakPtr, isEqualWhereTheObjectIsOrWasTheSame)
     EXPECT_TRUE(mixIn != WeakPtr<MixIn>(makeStrong<Joined>()));
     const WeakPtr<MixIn> copy = mixIn;
     joined.reset();
-    EXPECT_TRUE(copy == mixIn && mixIn == second) << "the dead are told apart too";
+    EXPECT_TRUE(copy == mixIn && mixIn == second) << "expired pointers still compare by object";
     EXPECT_TRUE(mixIn != WeakPtr<MixIn>());
 
     const std::unordered_set<WeakPtr<MixIn>> set{mixIn, copy, WeakPtr<MixIn>(makeStrong<Joined>())};

@@ -3,8 +3,7 @@
 #include <locale>
 #include <string>
 
-/// Puts the process, its C functions and its new streams, under a locale for as
-/// long as it lives.
+/// Sets the locale of the process, for C functions and new streams, while it exists.
 class UnderLocale {
 public:
     /// \throw std::runtime_error if the system lacks the locale.
@@ -21,7 +20,7 @@ struct InClassicLocale : UnderLocale {
     InClassicLocale() : UnderLocale{"C"} {}
 };
 
-/// A locale that writes one half as "0,5".
+/// A locale with a decimal comma: one half is "0,5".
 struct UnderDecimalComma : UnderLocale {
     UnderDecimalComma() : UnderLocale{"de_DE.UTF-8"} {}
 };

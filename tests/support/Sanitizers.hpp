@@ -1,7 +1,7 @@
 #pragma once
 
-// SANITIZED is defined where a sanitizer's allocator stands in for the usual
-// one: it ends the program where the usual one throws std::bad_alloc.
+// SANITIZED is defined if a sanitizer replaces the allocator: its allocator ends the
+// program instead of throwing std::bad_alloc.
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #    define SANITIZED

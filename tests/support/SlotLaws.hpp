@@ -7,7 +7,7 @@
 #include <trellis/TypedSlotCreator.hpp>
 #include <trellis/VSlotContainer.hpp>
 
-// What every type keeps that inputs may have. A type joins with one line beside
+// Laws for slots of every type that inputs may have. Add a type with one line next to
 // that of `ValueLaws`, whose samples these laws use:
 //
 //     INSTANTIATE_TYPED_TEST_SUITE_P(VTempo, SlotLaws, VTempo);
@@ -25,7 +25,7 @@ protected:
 
 TYPED_TEST_SUITE_P(SlotLaws);
 
-TYPED_TEST_P(SlotLaws, areMadeOfTextByTheCreatorOfTheType)
+TYPED_TEST_P(SlotLaws, areCreatedFromTextByTheCreatorOfTheirType)
 {
     using Trait = Orla::VValueTrait<TypeParam>;
     const auto creator = Orla::TypedSlotCreator::find(typeid(TypeParam));
@@ -49,7 +49,7 @@ TYPED_TEST_P(SlotLaws, areMadeOfTextByTheCreatorOfTheType)
     }
 }
 
-TYPED_TEST_P(SlotLaws, readWhatTheirPoolHolds)
+TYPED_TEST_P(SlotLaws, readTheValueInTheirPool)
 {
     const std::vector<TypeParam> all = samples<TypeParam>();
     const Orla::TypedSlot<TypeParam> slot(this->m_container.get(), "input", all[0], 0);
@@ -75,5 +75,5 @@ TYPED_TEST_P(SlotLaws, takeTheirInitialValueFromText)
     }
 }
 
-REGISTER_TYPED_TEST_SUITE_P(SlotLaws, areMadeOfTextByTheCreatorOfTheType, readWhatTheirPoolHolds,
+REGISTER_TYPED_TEST_SUITE_P(SlotLaws, areCreatedFromTextByTheCreatorOfTheirType, readTheValueInTheirPool,
                             takeTheirInitialValueFromText);

@@ -17,13 +17,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-/// A folder of its own for a test, gone with what is in it at the end.
+/// A temporary folder for a test, removed with its content at the end.
 class TestFolder {
 public:
     TestFolder() : m_path{testing::TempDir() + "test-folder-XXXXXX"}
     {
         if (!::mkdtemp(m_path.data()))
-            throw std::runtime_error("cannot make the folder " + m_path);
+            throw std::runtime_error("cannot create the folder " + m_path);
     }
 
     ~TestFolder()
@@ -37,7 +37,7 @@ public:
 
     const std::string& path() const noexcept { return m_path; }
 
-    /// The path of the file \p name in it.
+    /// Returns the path of the file \p name in the folder.
     std::string file(const std::string& name) const { return m_path + '/' + name; }
 
     /// Writes a file and returns its path.
@@ -51,7 +51,7 @@ public:
         return path;
     }
 
-    /// Names of everything in it, sorted.
+    /// Returns the names of all entries, sorted.
     std::vector<std::string> names() const
     {
         std::vector<std::string> names;
@@ -65,7 +65,7 @@ private:
     std::string m_path;
 };
 
-/// All of the file \p path; an error of the test if it cannot be read.
+/// Returns the content of the file \p path; fails the test if it cannot be read.
 inline std::string contentOf(const std::string& path)
 {
     std::ifstream stream(path, std::ios::binary);
@@ -74,16 +74,16 @@ inline std::string contentOf(const std::string& path)
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// True if what is no regular file is written directly. A test checks it before it
-/// names a device: otherwise a program with that mistake, run by root, would
-/// replace the device with a file.
+/// Returns true if anything but a regular file is written directly. Tests check this
+/// before they name a device: otherwise a faulty program, run as root, would replace
+/// the device with a file.
 inline bool isSafeToWriteDevices()
 {
     const TestFolder folder;
     const std::string pipe = folder.file("pipe");
     if (::mkfifo(pipe.c_str(), 0600) != 0)
         return false;
-    // Without a reader the writer would wait.
+    // Without a reader, the writer would block.
     const int reader = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
     const bool direct = Loam::OutputFile{pipe}.isStream();
     ::close(reader);

@@ -7,12 +7,12 @@
 
 int main(int argc, char** argv)
 {
-    // The locale of the environment, for C and C++, as a host with a graphical
-    // toolkit would set it: no test may depend on which it is.
+    // Set the environment's locale for C and C++, as a host with a graphical toolkit
+    // would: no test may depend on the locale.
     try {
         std::locale::global(std::locale{""});
     } catch (const std::runtime_error&) {
-        std::cerr << "The environment (LC_ALL, LC_*, LANG) asks for a locale that this system lacks.\n";
+        std::cerr << "The locale set in the environment (LC_ALL, LC_*, LANG) is not available on this system.\n";
         return EXIT_FAILURE;
     }
     testing::InitGoogleMock(&argc, argv);

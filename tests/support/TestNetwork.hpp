@@ -21,10 +21,10 @@
 
 namespace Orla {
 
-/// A processing object whose inputs, outputs and work a test decides on.
+/// A processing object whose inputs, outputs and work are defined by the test.
 ///
-/// Without work of its own it writes one more than the sum of its inputs, all of
-/// them numbers, to each of its outputs.
+/// Without `work` it writes one plus the sum of its inputs, which are all numbers, to
+/// each of its outputs.
 class Node : public VObject {
 public:
     using Work = std::function<bool(Node& self, VRequest& request, double precision)>;
@@ -49,7 +49,7 @@ public:
         double sum = 1;
         for (const StrongPtr<VSlot>& input : inputs())
             sum += contentOf(input->getValueBase(pool));
-        // Sums over diamonds grow without a limit.
+        // Sums over diamonds grow without limit.
         sum = std::fmod(sum, Modulus);
         for (const StrongPtr<VSlot>& output : outputs())
             write(pool, output, sum);
@@ -77,7 +77,7 @@ public:
         return contentOf<T>((output ? output : findSlot(slot))->getLocalValue(pool));
     }
 
-    /// Writes and announces, whether the value is another one or not.
+    /// Writes the value and notifies, even if it is unchanged.
     template<class T>
     static void write(const StrongPtr<ValuePool>& pool, const StrongPtr<VSlot>& slot, const T& value)
     {
@@ -93,7 +93,7 @@ public:
         write(pool, output ? output : findSlot(slot), value);
     }
 
-    /// Writes and announces a value that is another one.
+    /// Writes the value and notifies if it differs. Returns false if it does not.
     template<class T>
     bool writeIfDifferent(const StrongPtr<ValuePool>& pool, const std::string& slot, const T& value)
     {
@@ -107,10 +107,10 @@ public:
     static inline std::atomic<std::size_t> living{0};
 
     Work work;
-    std::atomic<unsigned> runs{0}; // pools may run it in several threads
+    std::atomic<unsigned> runs{0}; // several pools may run it concurrently
 };
 
-/// An object that evaluates: with the output "out" and the inputs given.
+/// Creates an object with the output "out" and the given inputs, ready to evaluate.
 inline StrongPtr<Node> makeNode(const std::string& name, const std::vector<std::string>& inputs = {"in"})
 {
     auto node = Loam::makeStrong<Node>(name);
@@ -127,8 +127,8 @@ inline bool connect(const StrongPtr<Node>& from, const StrongPtr<Node>& to, cons
     return to->attachOutput(from->findOutput(output), to->findSlot(input), member);
 }
 
-/// A network without loops, of objects with the inputs "x" and "y". The object's number is
-/// its name; an input reads an earlier object or nothing.
+/// Creates a network without loops, of objects with the inputs "x" and "y". An object's
+/// name is its number; each input reads an earlier object or is not connected.
 inline std::vector<StrongPtr<Node>> makeRandomNetwork(std::mt19937& random, std::size_t count)
 {
     std::vector<StrongPtr<Node>> nodes;
@@ -142,7 +142,7 @@ inline std::vector<StrongPtr<Node>> makeRandomNetwork(std::mt19937& random, std:
     return nodes;
 }
 
-/// Makes all objects due in the pool and runs them.
+/// Schedules all objects in the pool and runs them.
 inline VScheduler::Summary runAll(const std::vector<StrongPtr<Node>>& nodes, const StrongPtr<ValuePool>& pool)
 {
     for (const StrongPtr<Node>& node : nodes)
@@ -150,7 +150,7 @@ inline VScheduler::Summary runAll(const std::vector<StrongPtr<Node>>& nodes, con
     return VScheduler::run(pool);
 }
 
-/// Numbers of runs, in the order of the nodes, since this was asked last.
+/// Returns the number of runs of each node since the last call.
 inline std::vector<unsigned> runsOf(const std::vector<StrongPtr<Node>>& nodes)
 {
     std::vector<unsigned> runs;
@@ -159,8 +159,7 @@ inline std::vector<unsigned> runsOf(const std::vector<StrongPtr<Node>>& nodes)
     return runs;
 }
 
-/// At the end of a test no object, value or byte is left over, and no warning
-/// was given that the test did not ask for.
+/// Fails a test that leaks an object, a value or a byte, or that leaves a warning unread.
 class FrameworkTest : public testing::Test {
 protected:
     FrameworkTest() { VActionNotifier::add(m_log); }
@@ -174,7 +173,7 @@ protected:
         EXPECT_THAT(warnings(), testing::IsEmpty());
     }
 
-    /// The warnings since this was asked last.
+    /// Returns the warnings since the last call.
     std::vector<std::string> warnings() { return std::exchange(m_log->messages, {}); }
 
 private:

@@ -10,7 +10,7 @@
 #include <string>
 #include <typeinfo>
 
-// Values for the tests of the framework, which has none of its own.
+// Values for the tests of the framework, which defines no value types itself.
 
 namespace Orla {
 
@@ -57,7 +57,7 @@ public:
     }
 };
 
-/// How many `TestValue`s there are.
+/// The number of living `TestValue`s.
 inline std::atomic<std::size_t> livingTestValues{0};
 
 template<class T>
@@ -112,7 +112,7 @@ struct VValueTrait<Framed> {
     static bool setValueFromText(Framed&, const std::string&) { return false; }
 };
 
-/// A member of another value, read from it and written to it.
+/// A member of another value; reads and writes access that value.
 template<class Whole, auto Member>
 class TestPart final : public Typed<std::remove_reference_t<decltype(std::declval<Whole&>().*Member)>> {
 public:
@@ -158,7 +158,7 @@ StrongPtr<VParameter> testParameter(const std::string& name, const T& initial = 
     return Loam::makeStrong<VParameter>(testValue<T>(initial), name, nullptr);
 }
 
-/// What `value` holds; a value that is missing or of another type throws.
+/// Returns the content of `value`; throws std::bad_cast if it is null or of another type.
 template<class T = double>
 T contentOf(const StrongPtr<VValueBase>& value)
 {

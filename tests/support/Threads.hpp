@@ -12,7 +12,7 @@ namespace Orla {
 /// An executor with one thread per task.
 class Threads final : public VExecutor {
 public:
-    // Hands over each update that takes longer than `handOverTime`: all of them by default.
+    // Hands over each update that takes longer than `handOverTime`; by default all updates.
     explicit Threads(unsigned count = 3, std::chrono::nanoseconds handOverTime = {})
         : m_count{count}, m_handOverTime{handOverTime}
     {

@@ -19,15 +19,15 @@
 #include <type_traits>
 #include <vector>
 
-// What every registered value type with a text form keeps. A type joins with two
-// lines in its test file:
+// Laws for every registered value type with a text form. Add a type with these lines
+// in its test file:
 //
 //     template<>
 //     std::vector<VTempo> samples<VTempo>() { return {VTempo{}, VTempo{92.5, 3}}; }
 //     INSTANTIATE_TYPED_TEST_SUITE_P(VTempo, ValueLaws, VTempo);
 
-/// Values of type \p T for the laws: two or more, no two of them equal, and with
-/// nothing in them that the text form leaves out.
+/// Returns two or more values of type \p T. No two are equal, and their text forms
+/// contain all of their content.
 template<class T>
 std::vector<T> samples();
 
@@ -36,7 +36,7 @@ class ValueLaws : public testing::Test {
 protected:
     using Value = Orla::VValue<T>;
 
-    /// A type that is another one than \p T.
+    /// A type other than \p T.
     using Other = std::conditional_t<std::is_same_v<T, double>, std::string, double>;
 
     static Orla::StrongPtr<Value> make(const T& held) { return Loam::makeStrong<Value>(held); }
@@ -100,7 +100,7 @@ TYPED_TEST_P(ValueLaws, hasTheSameTextUnderADecimalComma)
     }
 }
 
-TYPED_TEST_P(ValueLaws, readsAnyTextWithoutThrowingAndWritesItTheSameFromThenOn)
+TYPED_TEST_P(ValueLaws, readsAnyTextWithoutThrowingAndReadsBackTheResult)
 {
     using Trait = Orla::VValueTrait<TypeParam>;
     const std::string odd[] = {
@@ -149,7 +149,7 @@ TYPED_TEST_P(ValueLaws, readsAnyTextWithoutThrowingAndWritesItTheSameFromThenOn)
     }
 }
 
-TYPED_TEST_P(ValueLaws, goesThroughTheBaseClassLikeThroughTheTextTrait)
+TYPED_TEST_P(ValueLaws, hasTheSameTextThroughItsBaseClass)
 {
     using Trait = Orla::VValueTrait<TypeParam>;
     for (const TypeParam& sample : samples<TypeParam>()) {
@@ -161,13 +161,13 @@ TYPED_TEST_P(ValueLaws, goesThroughTheBaseClassLikeThroughTheTextTrait)
     }
 }
 
-TYPED_TEST_P(ValueLaws, isMadeByItsRegisteredName)
+TYPED_TEST_P(ValueLaws, isCreatedByItsRegisteredName)
 {
     using Trait = Orla::VValueTrait<TypeParam>;
     const std::string name = Loam::Typename(typeid(TypeParam));
     SCOPED_TRACE(name);
     const Orla::StrongPtr<Orla::VValueCreator> creator = Orla::VValueCreator::find(name);
-    ASSERT_TRUE(creator) << "nothing is registered under the name";
+    ASSERT_TRUE(creator) << "no creator is registered under the name";
     EXPECT_EQ(creator->valueType(), typeid(TypeParam));
 
     for (const TypeParam& sample : samples<TypeParam>()) {
@@ -184,7 +184,7 @@ TYPED_TEST_P(ValueLaws, isMadeByItsRegisteredName)
     }
 }
 
-TYPED_TEST_P(ValueLaws, copiesAreEqualAndIndependent)
+TYPED_TEST_P(ValueLaws, makesEqualAndIndependentCopies)
 {
     const std::vector<TypeParam> all = samples<TypeParam>();
     const Orla::StrongPtr<Orla::VTypedValueBase<TypeParam>> value = this->make(all[0]);
@@ -198,7 +198,7 @@ TYPED_TEST_P(ValueLaws, copiesAreEqualAndIndependent)
     EXPECT_EQ(this->contentOf(copy), all[0]);
 }
 
-TYPED_TEST_P(ValueLaws, isDifferentFromWhatIsNotEqual)
+TYPED_TEST_P(ValueLaws, isDifferentFromUnequalValues)
 {
     for (const TypeParam& a : samples<TypeParam>()) {
         for (const TypeParam& b : samples<TypeParam>())
@@ -211,7 +211,7 @@ TYPED_TEST_P(ValueLaws, isDifferentFromWhatIsNotEqual)
     EXPECT_TRUE(value->isDifferentFrom(Loam::makeStrong<Orla::VValue<typename TestFixture::Other>>()));
 }
 
-TYPED_TEST_P(ValueLaws, takesItsContentFromTheSameTypeAlone)
+TYPED_TEST_P(ValueLaws, takesItsContentOnlyFromTheSameType)
 {
     const std::vector<TypeParam> all = samples<TypeParam>();
     const auto value = this->make(all[0]);
@@ -225,7 +225,7 @@ TYPED_TEST_P(ValueLaws, takesItsContentFromTheSameTypeAlone)
     EXPECT_EQ(this->contentOf(value), all[1]);
 }
 
-TYPED_TEST_P(ValueLaws, takesTheGlobalAgeWhenItIsMadeAndKeepsItWhenItIsSet)
+TYPED_TEST_P(ValueLaws, takesTheGlobalAgeWhenCreatedAndKeepsItWhenSet)
 {
     const std::vector<TypeParam> all = samples<TypeParam>();
     this->letTimePass();
@@ -279,8 +279,7 @@ TYPED_TEST_P(ValueLaws, hasNoSource)
 }
 
 REGISTER_TYPED_TEST_SUITE_P(ValueLaws, hasSamplesThatDiffer, readsBackWhatItWrote, hasTheSameTextUnderADecimalComma,
-                            readsAnyTextWithoutThrowingAndWritesItTheSameFromThenOn,
-                            goesThroughTheBaseClassLikeThroughTheTextTrait, isMadeByItsRegisteredName,
-                            copiesAreEqualAndIndependent, isDifferentFromWhatIsNotEqual,
-                            takesItsContentFromTheSameTypeAlone, takesTheGlobalAgeWhenItIsMadeAndKeepsItWhenItIsSet,
+                            readsAnyTextWithoutThrowingAndReadsBackTheResult, hasTheSameTextThroughItsBaseClass,
+                            isCreatedByItsRegisteredName, makesEqualAndIndependentCopies, isDifferentFromUnequalValues,
+                            takesItsContentOnlyFromTheSameType, takesTheGlobalAgeWhenCreatedAndKeepsItWhenSet,
                             isExportedAsAnArrayOfCopies, throwsBadAllocForAnArrayBeyondTheAddressSpace, hasNoSource);
