@@ -1,9 +1,9 @@
 #pragma once
 
-// Three roles, because Windows and ELF want the attribute in different places:
-// TRELLIS_API on classes and functions, TRELLIS_EXTERN_TEMPLATE on the declaration of
-// an instantiation, TRELLIS_TEMPLATE on its definition. TRELLIS_HIDDEN stands on
-// classes that stay inside although they are nested in one that does not.
+// Windows and ELF need the attribute in different places: TRELLIS_API on classes and
+// functions, TRELLIS_EXTERN_TEMPLATE on the declaration of an instantiation, TRELLIS_TEMPLATE
+// on its definition. TRELLIS_HIDDEN marks internal classes that are nested in an exported
+// class.
 #if defined(_WIN32)
 #    define TRELLIS_HIDDEN
 #    if defined(trellis_EXPORTS)

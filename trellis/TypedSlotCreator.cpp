@@ -28,7 +28,7 @@ bool TypedSlotCreator::registerTypedSlotCreator(const std::type_info& type,
     if (!alive)
         return false;
     const TypedSlotCreator& self = *alive;
-    // The key is the type, so two types never meet under one.
+    // The type is the key, so two types never have the same name here.
     const std::string key = Loam::typeKey(type);
     return registry().add(creator, key, key, Detail::ownerOf(type, typeid(self))).empty();
 }

@@ -9,8 +9,8 @@ namespace Orla {
 
 namespace {
 
-// Objects that are destroyed at the end of the program may still warn; no notifier is
-// left then.
+// Objects that are destroyed at the end of the program may still warn when no notifier is
+// left.
 struct Notifiers {
     ~Notifiers() { isDestroyed = true; }
 
@@ -68,7 +68,7 @@ void VActionNotifier::forEachLiving(const std::function<void(VActionNotifier&)>&
 {
     if (Notifiers::isDestroyed)
         return;
-    // They may add and remove each other; one that is removed is not called any more.
+    // Notifiers may add and remove each other; a removed one is no longer called.
     std::vector<Loam::WeakPtrImpl<VActionNotifier>> entries;
     {
         const std::lock_guard lock{notifiers().mutex};

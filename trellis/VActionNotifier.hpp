@@ -15,41 +15,43 @@ using Loam::StrongPtr;
 class VManagedObject;
 class VObjectCreator;
 
-/// Is notified of what happens in the process: user interfaces and logs derive from it.
+/// Is notified of warnings, and of objects being created and removed. User interfaces and logs
+/// derive from it.
 ///
-/// Notifiers are held weakly and called in the order in which they were added, in the
-/// thread in which something happens: where several threads evaluate, a notifier may be
-/// called by several threads at once.
+/// Notifiers are held weakly. They are called in the order in which they were added, in the
+/// thread that causes the notification. If several threads evaluate, they may call a notifier
+/// at the same time.
 class TRELLIS_API VActionNotifier : public Loam::ReferenceBase<VActionNotifier> {
 public:
     ~VActionNotifier() override;
 
-    /// A message for the user. Returns true if the message was shown; the default does
-    /// nothing and returns false.
+    /// Receives a message for the user. Returns true if the message was shown; the default
+    /// does nothing and returns false.
     virtual bool warned(const std::string& message);
 
-    /// \p object was announced, with the interfaces that its maker passed along; \p creator
-    /// is null for an object that was made without one. The default does nothing.
+    /// Called when \p object is announced, with the interfaces that were passed to
+    /// `VObjectCreation`; \p creator is null for an object that was created without one. The
+    /// default does nothing.
     virtual void objectCreated(const StrongPtr<VManagedObject>& object, const Loam::InterfaceContainer& interfaces,
                                const StrongPtr<VObjectCreator>& creator);
 
-    /// \p object was removed from the registry. The default does nothing.
+    /// Called when \p object has been removed from the registry. The default does nothing.
     virtual void objectRemoved(const StrongPtr<VManagedObject>& object);
 
-    /// Returns false for a null pointer and for a notifier that was added before.
+    /// Adds a notifier. Returns false if the pointer is null or the notifier was added before.
     static bool add(const StrongPtr<VActionNotifier>& notifier);
     static bool remove(const StrongPtr<VActionNotifier>& notifier);
 
-    /// Passes \p message to all notifiers; if none of them shows it, prints it to standard
-    /// error, so that it is not lost.
+    /// Passes \p message to all notifiers. If none of them shows it, prints it to standard
+    /// error.
     static void Warning(const std::string& message);
 
-    /// Announces \p object: the registry of its network keeps it alive from now on, and
-    /// all notifiers are notified.
+    /// Announces \p object: adds it to the registry of its network, which keeps it alive, and
+    /// calls all notifiers.
     static void VObjectCreation(const StrongPtr<VManagedObject>& object, const Loam::InterfaceContainer& interfaces,
                                 const StrongPtr<VObjectCreator>& creator);
 
-    /// Notifies all notifiers; called by the registry.
+    /// Notifies all notifiers that \p object was removed. Called by the registry.
     static void VObjectRemoval(const StrongPtr<VManagedObject>& object);
 
 private:

@@ -11,12 +11,12 @@ public:
     VConnectable();
     ~VConnectable() override;
 
-    /// Connects the input \p slot to the one object of the network that provides values
-    /// of its type to all others: the registered object whose preferences contain
-    /// "unique" and that has such an output, the best one by weight against
-    /// \p preferences if there are several. If no object qualifies and \p create is set,
-    /// creates an object of the type that is registered as unique provider. Returns false
-    /// if nothing was found or created; the slot stays as it was.
+    /// Connects the input \p slot to the network's unique provider of values of its type: a
+    /// registered object that has an output of that type and whose preferences contain
+    /// "unique". If several qualify, takes the one with the smallest weight against
+    /// \p preferences. If none qualifies and \p create is set, creates an object of the type
+    /// that is registered as unique provider. Returns false and leaves the slot unchanged if
+    /// no provider is found or created.
     bool attachUniqueObject(const StrongPtr<VSlot>& slot, const StrongPtr<VCreationPreferences>& preferences,
                             bool create);
 };

@@ -15,7 +15,7 @@ std::uint64_t VCreationPreferences::changesOfWatched() noexcept
     return changes.load(std::memory_order_acquire);
 }
 
-// Whether a directory watches them belongs to the object, not to its words.
+// Copies the words, but not whether a directory watches them.
 VCreationPreferences::VCreationPreferences(const VCreationPreferences& other)
     : InterfaceBase{other}, m_words{other.m_words}, m_handicap{other.m_handicap}
 {

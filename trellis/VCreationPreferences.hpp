@@ -11,39 +11,38 @@
 
 namespace Orla {
 
-/// What the maker of a slot or an object wishes, as a set of plain words:
-/// "local" for an object that keeps its own time, "GlobalTime" for one that
-/// provides time to all others.
+/// The preferences for a slot or an object, as a set of plain words: "local" for an object
+/// that keeps its own time, "GlobalTime" for one that provides time to all others.
 class TRELLIS_API VCreationPreferences : public Loam::InterfaceBase {
 public:
     VCreationPreferences() = default;
     VCreationPreferences(const VCreationPreferences& other);
     VCreationPreferences& operator=(const VCreationPreferences& other);
 
-    /// The words \p purpose and \p wish; empty ones are left out.
+    /// Adds the words \p purpose and \p wish; empty ones are skipped.
     VCreationPreferences(const std::string& purpose, const std::string& wish);
     ~VCreationPreferences() override;
 
-    /// Adds a word; false for the empty text and for a word that is in already.
+    /// Adds a word. Returns false if it is empty or already present.
     bool add(const std::string& word);
 
     virtual bool contains(const std::string& word) const;
 
-    /// How far these preferences are from \p wanted: one for each word of
-    /// \p wanted that is missing here, plus this object's handicap. Zero is a
-    /// perfect match and the smallest weight is the best.
+    /// Returns the distance from \p wanted: the number of words of \p wanted that are missing
+    /// here, plus this object's handicap. Zero is a perfect match; the smallest weight is the
+    /// best.
     virtual double weight(const VCreationPreferences& wanted) const;
 
-    /// Makes this candidate worse than others that fit as well. Zero at first;
-    /// negative numbers make it better.
+    /// Makes this candidate worse than others that match equally well; a negative handicap
+    /// makes it better. Initially zero.
     void setHandicap(double handicap) noexcept { m_handicap = handicap; }
     double handicap() const noexcept { return m_handicap; }
 
-    /// In the order in which they were added.
+    /// Returns the words in the order in which they were added.
     const std::vector<std::string>& words() const noexcept { return m_words; }
 
-    /// For directories that sort objects by the words of their preferences: from now on
-    /// `changesOfWatched` counts words that are added to these.
+    /// For directories that index objects by the words of their preferences: makes
+    /// `changesOfWatched` count changes of these preferences from now on.
     void watch() const noexcept { m_isWatched.store(true, std::memory_order_relaxed); }
     static std::uint64_t changesOfWatched() noexcept;
 

@@ -19,41 +19,41 @@ class PoolState;
 class Update;
 } // namespace Detail
 
-/// What one pool holds for one slot container: a single block with one cell per slot.
+/// The data of one pool for one slot container: a single block with one cell per slot.
 ///
-/// The cell of a slot that reads its own parameter owns the value. The cell of a
-/// connected input refers to the value that the input reads, which is worked out when
-/// connections change. An update therefore touches its own frame, the values that it
-/// reads and the frames of its readers, and looks nothing up.
+/// The cell of a slot that reads its own parameter owns the value. The cell of a connected
+/// input refers to the value that the input reads and is resolved when connections change. An
+/// update therefore touches only its own frame, the values that it reads and the frames of its
+/// readers, and needs no look-ups.
 ///
-/// A frame is used by the thread that uses its pool. The members are the framework's
-/// own; typed slots and outputs use `cell` and `flags`.
+/// A frame is used by the thread that uses its pool. The members are internal; typed slots and
+/// outputs use `cell` and `flags`.
 class TRELLIS_API VFrame {
 public:
-    /// Bits that say what a cell holds.
+    /// Bits that describe a cell.
     enum CellFlag : std::uint16_t {
         Owned = 0x0001,        ///< the cell owns the variable of the slot's own parameter
         Part = 0x0002,         ///< the cell owns a component of the value that the slot reads
         Plain = 0x0004,        ///< the value is a `VValue` of the slot's type
         Typed = 0x0008,        ///< the value is a `VTypedValueBase` of the slot's type
-        Off = 0x0010,          ///< the parameter is switched off
+        Off = 0x0010,          ///< the parameter is disabled
         Heard = 0x0020,        ///< the parameter has listeners
         KnowsReaders = 0x0040, ///< `link` lists the frames that read the value
         OneReader = 0x0080,    ///< `link` is that frame
         ManyReaders = 0x0100,  ///< `link` is a list of frames
         OwnInput = 0x0200,     ///< the container reads the value itself
-        Rewired = 0x0400,      ///< reads another value than in the last update that succeeded
+        Rewired = 0x0400,      ///< reads a different value than in the last successful update
         FromFailed = 0x0800,   ///< the value comes from a destroyed object whose update had failed
         Unannounced = 0x1000,  ///< a change could not be announced for lack of memory
-        Missing = 0x2000       ///< the value comes from an update that failed or waits
+        Missing = 0x2000       ///< the value comes from an object that failed or waits
     };
 
     struct Cell {
         VValueBase* value = nullptr;
-        void* link = nullptr; // of an owned value its readers, else the frame that owns the value
+        void* link = nullptr; // the readers of an owned value, else the frame that owns the value
     };
 
-    /// The frame of the running update, if that belongs to \p place's container; else null.
+    /// Returns \p running if it belongs to \p place's container, else null.
     static VFrame* of(VFrame* running, const VSlotPlace& place) noexcept
     {
         return running && running->m_container == place.container ? running : nullptr;
@@ -78,7 +78,7 @@ public:
                                      : moreCells()[index - m_inlineCells].flags;
     }
 
-    /// Prepares announcing changes of an owned value, so that `announce` cannot fail.
+    /// Prepares to announce changes of an owned value; `announce` then cannot fail.
     /// \throw std::bad_alloc
     void prepareToAnnounce(std::uint32_t index)
     {
@@ -86,7 +86,7 @@ public:
             findReaders(index);
     }
 
-    /// Makes the objects due that read an owned value, and notifies its listeners.
+    /// Makes the readers of an owned value due and notifies its listeners.
     void announce(std::uint32_t index);
 
 private:
@@ -118,17 +118,17 @@ private:
 #endif
     }
 
-    /// True while the object's own update writes. Such an object knows about the inputs
-    /// that it writes itself.
+    /// Returns true while the object's own update writes. Its writes to its own inputs do not
+    /// make it due.
     bool isWriting() const noexcept
     {
         return m_isUpdating && !m_hasReturned;
     }
 
-    /// False for an object that simply runs.
+    /// Returns false if the update can run without preparation.
     bool needsPreparation() const noexcept
     {
-        // The compiler makes one test of these, but not of bits that are combined with `|`.
+        // The compiler merges these into one test, but not if they are combined with `|`.
         return m_isStale || m_isWaiting || m_needsHold || m_keepsState || m_acceptsFailed || m_hasPrecision;
     }
 
@@ -145,28 +145,28 @@ private:
     const VSlotContainer* m_container = nullptr;
     VObject* m_object = nullptr;
     Detail::PoolState* m_pool = nullptr;
-    VFrame* m_nextDue = nullptr;         // among the due frames of the same order number
-    std::uint64_t m_lastRun = 0;         // older values are known to the object; 0 before its first success
-    void* m_more = nullptr;              // cells of slots that were added after the frame was made
-    std::uint32_t m_order = 0;           // the container's
-    std::uint32_t m_pass : 23 = 0;       // the last evaluation that ran the object
-    std::uint32_t m_wasLong : 1 = false; // the last update of one that is short by the rule of `m_isShort`
-    std::uint32_t m_runs : 8 = 0;        // in that evaluation
-    std::uint32_t m_place = 0;           // among the container's frames; guarded by their lock
+    VFrame* m_nextDue = nullptr;         // the next due frame with the same order number
+    std::uint64_t m_lastRun = 0;         // the object has seen all older values; 0 before its first success
+    void* m_more = nullptr;              // the cells beyond `m_inlineCells`
+    std::uint32_t m_order = 0;           // the container's order number
+    std::uint32_t m_pass : 23 = 0;       // the last pass that ran the object
+    std::uint32_t m_wasLong : 1 = false; // the last update was long; see `m_isShort`
+    std::uint32_t m_runs : 8 = 0;        // number of runs in that pass
+    std::uint32_t m_place = 0;           // index among the container's frames; guarded by their lock
     std::uint8_t m_inlineCells = 0;
     bool m_isDead = false; // its container was destroyed; freed when nothing refers to it
-    // A thread that runs an update concurrently does not touch these.
+    // Threads that run concurrent updates do not touch these.
     std::uint16_t m_isDue : 1 = false;
     std::uint16_t m_isUpdating : 1 = false;
-    std::uint16_t m_hasReturned : 1 = false; // its update; what it wrote is not announced yet
+    std::uint16_t m_hasReturned : 1 = false; // the update has returned; its changes are not announced yet
     std::uint16_t m_missedRun : 1 = false;   // became due while waiting
     std::uint16_t m_isEvaluated : 1 = false;
     std::uint16_t m_isInLoop : 1 = false;
-    std::uint16_t m_runsInTurn : 1 = false; // not concurrently: a member of a loop, or as declared
-    std::uint16_t m_isShort : 1 = false;    // one of its last two updates took less than handing it over
-    // Each update asks for these, so they share a byte.
-    std::uint16_t m_isStale : 1 = true;     // cells must be worked out before the next update
-    std::uint16_t m_isWaiting : 1 = false;  // for an object that failed
+    std::uint16_t m_runsInTurn : 1 = false; // does not run concurrently: in a loop, or declared
+    std::uint16_t m_isShort : 1 = false;    // one of the last two updates was shorter than a hand-over
+    // Each update reads these, so they share a byte.
+    std::uint16_t m_isStale : 1 = true;     // cells must be resolved before the next update
+    std::uint16_t m_isWaiting : 1 = false;  // for a failed object
     std::uint16_t m_needsHold : 1 = true;   // no registry keeps the object alive
     std::uint16_t m_keepsState : 1 = false; // the object runs in one pool at a time
     std::uint16_t m_acceptsFailed : 1 = false;
@@ -175,6 +175,6 @@ private:
     std::uint16_t m_hasRewired : 1 = false; // a cell has the flag `Rewired`
 };
 
-static_assert(sizeof(void*) != 8 || sizeof(VFrame) == 64, "what an update needs fits into one cache line");
+static_assert(sizeof(void*) != 8 || sizeof(VFrame) == 64, "a frame without its cells must fit into one cache line");
 
 } // namespace Orla

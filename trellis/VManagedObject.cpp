@@ -17,7 +17,7 @@ using Detail::NetworkObjects;
 
 namespace {
 
-// Marks whether the registry keeps the object alive while it is evaluated.
+// Records whether the registry keeps the object alive while it is evaluated.
 void setAnnounced(VManagedObject& object, bool isAnnounced)
 {
     auto* const container = dynamic_cast<VSlotContainer*>(&object);
@@ -72,7 +72,7 @@ bool VManagedObject::remove(const StrongPtr<VManagedObject>& object)
 {
     if (!object)
         return false;
-    // The pointer given may be the registry's own.
+    // The argument may be the registry's own pointer.
     const StrongPtr<VManagedObject> keepAlive = object;
     NetworkCore& network = *keepAlive->m_network;
     NetworkObjects* const objects = NetworkObjects::find(network);
@@ -116,7 +116,7 @@ std::size_t VManagedObject::count()
     return objects ? objects->count() : 0;
 }
 
-// Announcements are the registry's business, so they are defined here.
+// Defined here, because announcing an object adds it to the registry.
 
 void VActionNotifier::VObjectCreation(const StrongPtr<VManagedObject>& object,
                                       const Loam::InterfaceContainer& interfaces,

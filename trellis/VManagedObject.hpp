@@ -28,56 +28,55 @@ public:
     virtual bool apply(const StrongPtr<VManagedObject>& object) = 0;
 };
 
-/// An object with a name and a level that the registry of its network owns once
-/// it was announced.
+/// An object with a name and a level. Its network's registry owns it once it is announced.
 ///
 /// An object belongs to the network that is current in the thread that creates it; see
-/// `VNetwork`. The static functions refer to the current network of the caller, which
-/// in an update is the network that is evaluated.
+/// `VNetwork`. `traverse`, `forEachObject`, `find` and `count` use the caller's current
+/// network; in an update, that is the network being evaluated.
 class TRELLIS_API VManagedObject : public virtual VManagedObjectBase {
 public:
-    /// \p level is the place of the object in traversals: lower levels come first.
+    /// Traversals visit objects with a lower \p level first.
     VManagedObject(const std::string& name, int level);
     ~VManagedObject() override;
 
     const std::string& Name() const noexcept { return m_name; }
     int level() const noexcept { return m_level; }
 
-    /// The object's network; null once it was destroyed.
+    /// Returns the object's network; null once the network is destroyed.
     VNetwork* network() const noexcept;
 
-    /// Puts \p object into the registry of its network, which keeps it alive until it is
-    /// removed. Announces nothing: `VObject::finishCreation` does both. Returns false for
-    /// a null pointer and for an object that is registered already.
+    /// Adds \p object to the registry of its network, which keeps it alive until it is
+    /// removed. Does not announce it; `VObject::finishCreation` does both. Returns false if
+    /// the pointer is null, the object is already registered, or the network was destroyed.
     static bool add(const StrongPtr<VManagedObject>& object);
 
-    /// Removes \p object from the registry of its network and releases it. An object that
-    /// is being updated is released when its update has returned. Returns false if it is
-    /// not registered.
+    /// Removes \p object from the registry of its network and releases it. An object whose
+    /// update is running is released when the update has returned. Returns false if it is not
+    /// registered.
     static bool remove(const StrongPtr<VManagedObject>& object);
 
-    /// Visits the registered objects whose level is between \p from and \p to,
-    /// both included, by level and then in the order in which they were added.
-    /// Objects may be added and removed meanwhile: those removed are not visited
-    /// any more, those added are not visited yet. Returns false if a visit ended it.
+    /// Visits the registered objects with levels from \p from to \p to inclusive, sorted by
+    /// level and then by the order of registration. Objects may be added and removed
+    /// meanwhile; removed objects and new ones are not visited. Returns false if a visit ended
+    /// the traversal.
     static bool traverse(VManagedObjectIterator& iterator, int from, int to);
 
-    /// As above for all objects of class \p T: calls \p function with each, until it
-    /// returns false if it returns `bool`.
+    /// As above, but calls \p function with each object of class \p T. If it returns `bool`,
+    /// false ends the traversal.
     template<class T = VManagedObject, class Function>
     static bool forEachObject(Function&& function, int from = std::numeric_limits<int>::min(),
                               int to = std::numeric_limits<int>::max());
 
-    /// The registered object of that name that was added first, or null.
+    /// Returns the first registered object of that name in traversal order, or null.
     static StrongPtr<VManagedObject> find(const std::string& name);
 
-    /// How many objects are registered.
+    /// Returns the number of registered objects.
     static std::size_t count();
 
     bool isRegistered() const noexcept { return m_sequence != 0; }
 
-    /// True if traversals visit this object before \p other, both being registered in one
-    /// network.
+    /// Returns true if traversals visit this object before \p other.
+    /// \pre Both are registered in the same network.
     bool isTraversedBefore(const VManagedObject& other) const noexcept
     {
         return m_level != other.m_level ? m_level < other.m_level : m_sequence < other.m_sequence;
@@ -88,9 +87,9 @@ private:
 
     std::string m_name;
     Detail::NetworkCore* m_network; // owned
-    std::uint64_t m_sequence = 0;   // of its registration; 0 while it is not registered
+    std::uint64_t m_sequence = 0;   // number of its registration; 0 if it is not registered
     int m_level;
-    std::uint32_t m_place = 0; // in the registry, among those of its level
+    std::uint32_t m_place = 0; // index among the registry's objects of this level
 };
 
 template<class T, class Function>

@@ -9,8 +9,8 @@ namespace Orla {
 using Loam::StrongPtr;
 using Loam::WeakPtrImpl;
 
-/// Counted root of managed objects, slot containers and all mix-ins that join
-/// them; every class derives from it virtually.
+/// Reference-counted root of managed objects, slot containers and their mix-ins. All of them
+/// derive from it virtually.
 class TRELLIS_API VManagedObjectBase : public Loam::ReferenceBase<VManagedObjectBase> {
 public:
     ~VManagedObjectBase() override;

@@ -28,7 +28,7 @@ VNetwork::~VNetwork()
 {
     if (m_core.get() == &NetworkCore::defaultCore()) {
         m_core->network = nullptr;
-        return; // the objects of the default network live on until the program ends
+        return; // the objects of the default network live until the program ends
     }
     const Detail::ChangeScope change{*m_core};
     removeAll();
@@ -39,7 +39,7 @@ void VNetwork::removeAll()
 {
     NetworkCore& core = *m_core;
     {
-        // In reverse order, so that objects are destroyed before those that they read.
+        // In reverse order: objects are destroyed before those that they read.
         std::vector<NetworkObjects::Entry> objects;
         if (NetworkObjects* const all = NetworkObjects::find(core)) {
             objects = all->objects(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
@@ -49,7 +49,7 @@ void VNetwork::removeAll()
             }
         }
     }
-    // What others still hold is on its own from now on.
+    // Detach the objects that have other owners.
     core.close();
     if (NetworkObjects* const all = NetworkObjects::find(core))
         all->close();

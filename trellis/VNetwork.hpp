@@ -13,8 +13,8 @@ namespace Orla {
 /// A set of objects that can see each other, with its own registry, providers and
 /// evaluation order.
 ///
-/// Objects belong to the network that is current in the thread that creates them: that
-/// of the innermost `Scope`, else the default network of the process. Objects of
+/// An object belongs to the network that is current in the thread that creates it: the
+/// network of the innermost `Scope`, else the default network of the process. Objects of
 /// different networks cannot be connected.
 ///
 ///     Orla::VNetwork network{"/data/quakes"};
@@ -24,38 +24,38 @@ namespace Orla {
 /// # Threads
 ///
 /// - Different networks may be used in different threads without restriction.
-/// - Different pools of one network may be used in different threads at the same time:
-///   set inputs, evaluate, read outputs. One pool is used by one thread at a time.
+/// - Several threads may use different pools of one network at the same time: set inputs,
+///   evaluate, read outputs. Only one thread may use a pool at a time.
 /// - Values, objects and registrations may be created in any thread.
-/// - Adding, removing, connecting or destroying objects and slots keeps the network to the
-///   calling thread. The functions that do so take a `Change` themselves; hold one around
-///   several of them to make them one step, and around adding listeners and setting
-///   initial values. Evaluations in other threads wait between two updates. An update may
-///   change its network, also while other threads evaluate it.
-/// - Outside of `VScheduler::run`, a thread that works with pools or slots while another
-///   thread may change the network holds a `Use`.
+/// - Adding, removing, connecting or destroying objects and slots requires exclusive access
+///   to the network. The functions that do so take a `Change` themselves; hold one to
+///   combine several of them into one step, to add listeners and to set initial values.
+///   Evaluations in other threads wait between two updates. An update may change its
+///   network even while other threads evaluate it.
+/// - Outside `VScheduler::run`, hold a `Use` while working with pools or slots if another
+///   thread may change the network.
 /// - Do not change a network while holding a `Change` of another one, unless all threads
 ///   take them in the same order.
 class TRELLIS_API VNetwork {
 public:
-    /// \p folder is where relative file names start; empty for the working directory.
+    /// Relative file names start at \p folder; empty means the working directory.
     explicit VNetwork(std::string folder = {});
     VNetwork(const VNetwork&) = delete;
     VNetwork& operator=(const VNetwork&) = delete;
 
-    /// Removes all objects, connections, variables and queue entries of the network.
-    /// Objects that others still hold live on without connections; they can be neither
-    /// connected nor evaluated any more. An object that is being updated, in this thread
-    /// or another one, is released when its update has returned.
+    /// Removes all objects, connections, variables and queue entries of the network. Objects
+    /// with other owners survive without connections and can no longer be connected or
+    /// evaluated. An object whose update is running, in any thread, is released when the
+    /// update has returned.
     ~VNetwork();
 
-    /// The network of objects that are created without naming one.
+    /// Returns the network of objects that are created outside any `Scope`.
     static VNetwork& defaultNetwork();
 
-    /// The network in which this thread creates objects now.
+    /// Returns the network in which this thread currently creates objects.
     static VNetwork& current();
 
-    /// Makes a network the current one of this thread as long as it lives. Scopes nest.
+    /// Makes a network current in this thread for the scope's lifetime. Scopes nest.
     class TRELLIS_API Scope {
     public:
         explicit Scope(VNetwork& network) noexcept;
@@ -68,8 +68,8 @@ public:
         Detail::NetworkCore* m_previous;
     };
 
-    /// Keeps a network to this thread, which may change it; see "Threads". Waits until
-    /// all other threads are between two updates. Changes nest.
+    /// Gives this thread exclusive access to a network, in order to change it; see "Threads".
+    /// Waits until all other threads are between two updates. Changes nest.
     class TRELLIS_API Change {
     public:
         explicit Change(VNetwork& network);
@@ -81,7 +81,7 @@ public:
         StrongPtr<Detail::NetworkCore> m_network;
     };
 
-    /// Keeps other threads from changing a network while this thread uses it; see
+    /// Prevents other threads from changing a network while this thread uses it; see
     /// "Threads". Uses nest; `VScheduler::run` takes one.
     class TRELLIS_API Use {
     public:
@@ -94,15 +94,16 @@ public:
         StrongPtr<Detail::NetworkCore> m_network;
     };
 
-    /// Where relative file names in the inputs of the network's objects start; empty for
-    /// the working directory.
+    /// Returns the folder at which relative file names in the objects' inputs start; empty
+    /// means the working directory.
     const std::string& folder() const noexcept { return m_folder; }
     void setFolder(std::string folder) { m_folder = std::move(folder); }
 
-    /// \p fileName, put behind the folder if it is relative. The file need not exist.
+    /// Returns \p fileName, prefixed with the folder if it is relative. The file need not
+    /// exist.
     std::string resolve(const std::string& fileName) const;
 
-    /// How many objects are registered.
+    /// Returns the number of registered objects.
     std::size_t objectCount() const;
 
     /// As `VManagedObject::find` and `VManagedObject::forEachObject`, for this network.
@@ -115,7 +116,7 @@ public:
         return VManagedObject::forEachObject<T>(function);
     }
 
-    /// The network's one object of \p kind, or null; held weakly.
+    /// Returns the network's unique object of \p kind, or null. It is held weakly.
     StrongPtr<VManagedObject> uniqueObject(const std::type_info& kind) const;
     void setUniqueObject(const std::type_info& kind, const StrongPtr<VManagedObject>& object);
 

@@ -15,8 +15,8 @@ namespace Orla {
 
 namespace {
 
-// The output of `object` that has the slot's type and is not one of its inputs
-// passed on, if possible.
+// Returns the output of `object` that has the slot's type. Prefers its own outputs to inputs
+// that it passes on.
 StrongPtr<VSlot> outputFor(const VSlot& slot, const VObject& object)
 {
     StrongPtr<VSlot> passedOn;
@@ -31,7 +31,7 @@ StrongPtr<VSlot> outputFor(const VSlot& slot, const VObject& object)
     return passedOn;
 }
 
-// Notes that a provider of a type is being created.
+// Records that a provider of a type is being created.
 struct Providing {
     Providing(std::vector<std::string>& theTypes, const std::string& type) : types{theTypes} { types.push_back(type); }
     Providing(const Providing&) = delete;
@@ -55,7 +55,7 @@ VObject::VObject(const std::string& name, int level, const StrongPtr<VCreationPr
 
 VObject::~VObject()
 {
-    // The container's own destructor runs last; no update may start any more.
+    // The container's destructor runs last, but no update may start from now on.
     const Detail::ChangeScope change{*wiring().network};
     Detail::FrameHooks::containerGone(*this);
     wiring().isEvaluated = false;
@@ -75,7 +75,7 @@ void VObject::finishCreation(const StrongPtr<VObject>& object, const Loam::Inter
 {
     if (!object)
         return;
-    // Set-up functions look for partners in the object's own network.
+    // Set-up functions look for providers in the object's own network.
     const Detail::CurrentScope current{*object->wiring().network};
     const Detail::ChangeScope change{*object->wiring().network};
     object->runSetupFunctions();
@@ -173,7 +173,7 @@ bool VConnectable::attachUniqueObject(const StrongPtr<VSlot>& slot, const Strong
                 return;
             const VCreationPreferences& has = *object->creationPreferences();
             const double candidate = preferences ? has.weight(*preferences) : has.handicap();
-            // Written so that NaN, which has no place in an order, is skipped.
+            // Skips NaN, for which both comparisons are false.
             if (best ? candidate < weight : candidate == candidate) {
                 best = offered;
                 weight = candidate;
@@ -184,7 +184,7 @@ bool VConnectable::attachUniqueObject(const StrongPtr<VSlot>& slot, const Strong
     if (!best && create) {
         const StrongPtr<VObjectCreator> creator = VObjectCreator::findUnique(slot->type());
         std::vector<std::string>& beingProvided = Detail::NetworkObjects::of(*wiring().network).beingProvided;
-        // A provider that looks for one of its own kind must not create another one.
+        // A provider that needs a provider of its own kind must not create another one.
         if (!creator || std::ranges::find(beingProvided, creator->typeName()) != beingProvided.end())
             return false;
         const Providing providing{beingProvided, creator->typeName()};

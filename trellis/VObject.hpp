@@ -27,67 +27,64 @@ public:
 
 /// A processing object: reads its inputs and writes its outputs when it is due.
 ///
-/// An object is created in four steps: its constructor declares slots and outputs,
-/// the set-up functions of its mix-ins look for partners, request processing is
-/// enabled, and the object is announced. `finishCreation` takes the last three.
+/// Creation takes four steps: the constructor declares slots and outputs, the set-up functions
+/// of the mix-ins look for providers, request processing is enabled, and the object is
+/// announced. `finishCreation` performs the last three.
 ///
-/// Pools of one network may be evaluated in several threads at the same time, so `update`
-/// may run several times at once, each time with another pool. An object that keeps
-/// state in members declares it with `keepsState()` in its constructor.
+/// Several threads may evaluate pools of one network at the same time, so calls of `update`
+/// may overlap, each for a different pool. An object that keeps state in members calls
+/// `keepsState()` in its constructor.
 class TRELLIS_API VObject : public VManagedObject, public virtual VSkale {
 public:
     VObject(const std::string& name, int level, const StrongPtr<VCreationPreferences, InterfaceBase>& preferences);
     ~VObject() override;
 
-    /// Brings the outputs in the request's pool up to date with the inputs there.
-    /// \p precision is the number that the object was scheduled with, 0 unless
-    /// `VScheduler::schedule` was called. Returns false if the outputs could not be
-    /// computed; what it throws is reported and counts as the same. After such a failure
-    /// the objects that read its outputs do not run until it succeeds.
+    /// Updates the outputs in the request's pool from the inputs in that pool. \p precision is
+    /// the number that was passed to `VScheduler::schedule`, else 0. Returns false if the
+    /// outputs could not be computed. An exception is reported and counts as a failure, too.
+    /// After a failure, the objects that read the outputs do not run until an update succeeds.
     virtual bool update(VRequest& request, double precision) = 0;
 
-    /// From here on the object is evaluated when it is due.
+    /// Enables evaluation: the object runs whenever it is due.
     void enableRequestProcessing();
     bool isRequestProcessingEnabled() const noexcept { return wiring().isEvaluated; }
 
-    /// What the object was made for; may be null.
+    /// Returns the preferences that the object was created with; may be null.
     const StrongPtr<VCreationPreferences, InterfaceBase>& creationPreferences() const noexcept { return m_preferences; }
 
-    /// Runs the set-up functions, enables request processing and announces the
-    /// object.
+    /// Runs the set-up functions, enables request processing and announces the object.
     static void finishCreation(const StrongPtr<VObject>& object, const Loam::InterfaceContainer& interfaces = {},
                                const StrongPtr<VObjectCreator>& creator = {});
 
-    /// A finished object of a registered type in the current network; null if no
-    /// library has such a type.
+    /// Creates and finishes an object of a registered type in the current network. Returns
+    /// null if no loaded library registers the type.
     static StrongPtr<VObject> createObject(const std::string& typeName, const std::string& name,
                                            const StrongPtr<VCreationPreferences>& preferences = {});
 
-    /// Shows each output of type \p type of each announced object to
-    /// \p iterator. A visitor that skips objects whose preferences lack a certain word
-    /// passes it as \p requiredPreference; only objects with that word are then looked
-    /// at, which takes the same time however many others there are. Returns false if a
-    /// visit ended it.
+    /// Passes each output of type \p type of each announced object to \p iterator. If
+    /// \p requiredPreference is not empty, visits only objects whose preferences contain that
+    /// word; the time does not depend on the number of other objects. Returns false if a visit
+    /// ended the search.
     static bool findOutputObjects(const std::type_info& type, VOutputIterator& iterator,
                                   const std::string& requiredPreference = {});
 
-    /// As above: calls \p function with each object and output, until it returns false if
-    /// it returns `bool`.
+    /// As above, but calls \p function with each object and output. If it returns `bool`,
+    /// false ends the search.
     template<class Function>
     static bool forEachOutput(const std::type_info& type, Function&& function,
                               const std::string& requiredPreference = {});
 
-    /// Creates an object of the registered type \p typeName, bearing that name, and
-    /// connects its output of the slot's type to \p slot of \p object. Returns
-    /// null with a warning, and leaves the slot as it was, if the type or the output does
-    /// not exist. Returns null, too, while this function creates an object of that type for
-    /// another slot: a provider that needs a provider of its own kind keeps its own value.
+    /// Creates an object of the registered type \p typeName under that name, and connects
+    /// \p slot of \p object to its output of the slot's type. If the type or the output does
+    /// not exist, warns, leaves the slot unchanged and returns null. Also returns null while
+    /// an object of that type is being created for another slot: a provider that needs a
+    /// provider of its own kind keeps its own value.
     static StrongPtr<VObject> attachNewObject(VObject* object, const StrongPtr<VSlot>& slot,
                                               const std::string& typeName,
                                               const StrongPtr<VCreationPreferences>& preferences);
 
-    /// True while `attachNewObject` creates an object of that type in the network of
-    /// \p object.
+    /// Returns true while an object of that type is being created as a provider in the network
+    /// of \p object.
     static bool isBeingProvided(const VObject& object, const std::string& typeName);
 
 private:

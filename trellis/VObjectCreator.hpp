@@ -11,40 +11,40 @@
 
 namespace Orla {
 
-/// Makes processing objects of one type. The framework finds creators by the
-/// registered name of their type.
+/// Creates processing objects of one type. Creators are found by the registered name of their
+/// type.
 class TRELLIS_API VObjectCreator : public Loam::ReferenceBase<VObjectCreator> {
 public:
     ~VObjectCreator() override;
 
-    /// A new object with its slots and outputs, not finished yet: see
-    /// `VObject::finishCreation`. Without \p preferences it gets those that its
-    /// type has by default.
+    /// Creates an object with its slots and outputs; the caller finishes it with
+    /// `VObject::finishCreation`. If \p preferences is null, the object gets the defaults of
+    /// its type.
     virtual StrongPtr<VObject> create(const std::string& name, int level,
                                       const StrongPtr<VCreationPreferences>& preferences) const = 0;
 
     const std::type_info& objectType() const noexcept { return *m_type; }
 
-    /// The name under which the type is registered; empty before that.
+    /// Returns the name under which the type is registered; empty before registration.
     const std::string& typeName() const noexcept { return m_name; }
 
-    /// Makes \p creator known under \p name. False, with a warning that names
-    /// both owners, if another type has the name.
+    /// Registers \p creator under \p name. Returns false if another type has the name, with a
+    /// warning that names both owners.
     static bool registerCreator(const WeakPtrImpl<VObjectCreator>& creator, const std::string& name);
 
-    /// Null if no loaded library has a type of that name.
+    /// Returns null if no loaded library has a type of that name.
     static StrongPtr<VObjectCreator> find(std::string_view typeName);
 
-    /// The creator whose objects are the one provider of \p outputType for the
-    /// whole process, or null.
+    /// Returns the creator whose objects are a network's unique provider of \p outputType, or
+    /// null.
     static StrongPtr<VObjectCreator> findUnique(const std::type_info& outputType);
 
-    /// Registered names in alphabetic order.
+    /// Returns the registered names in alphabetical order.
     static std::vector<std::string> names();
 
 protected:
-    /// \p uniqueOutput is null unless the objects are the one provider of that
-    /// type for the whole process.
+    /// If the objects are a network's unique provider of a type, \p uniqueOutput is that type,
+    /// else null.
     explicit VObjectCreator(const std::type_info& objectType, const std::type_info* uniqueOutput = nullptr) noexcept
         : m_type{&objectType}, m_uniqueOutput{uniqueOutput}
     {
@@ -56,8 +56,8 @@ private:
     std::string m_name;
 };
 
-/// Creator of objects of class \p T, which has a constructor with the arguments
-/// of `VObject`'s.
+/// Creates objects of class \p T, whose constructor takes the same arguments as that of
+/// `VObject`.
 template<class T>
 class TypedObjectCreator final : public VObjectCreator {
 public:
@@ -77,8 +77,8 @@ private:
     StrongPtr<VCreationPreferences> m_defaults;
 };
 
-/// Registers the object class \p T for as long as it lives. One line in the
-/// source file of the class makes it known when the library is loaded:
+/// Registers the object class \p T for the lifetime of this object. One line in the source
+/// file of the class registers it when the library is loaded:
 ///
 ///     const Orla::VObjectType<Ticker> tickerType{"Ticker"};
 template<class T>

@@ -11,7 +11,7 @@
 
 namespace Orla {
 
-/// One output on offer.
+/// One offered output.
 class TRELLIS_HIDDEN VPolyConnection::Joiner final : public Loam::ReferenceBase<Joiner> {
 public:
     explicit Joiner(const StrongPtr<VParameter>& output) : m_output{output} {}
@@ -20,7 +20,7 @@ public:
     {
         if (object.findSlot(m_output))
             return;
-        // Owners of the same name may both offer an output of the same name.
+        // Two owners with the same name may offer outputs with the same name.
         const std::string name = inputName();
         std::string free = name;
         for (int number = 2; object.findSlot(free); ++number)
@@ -31,7 +31,7 @@ public:
 
     int count() const noexcept { return m_count; }
 
-    std::list<StrongPtr<Joiner>>::iterator place; // among those of the exchange
+    std::list<StrongPtr<Joiner>>::iterator place; // in the list of the exchange
 
 private:
     std::string inputName() const
@@ -39,8 +39,8 @@ private:
         const StrongPtr<VSlotContainer> owner = m_output->owner();
         if (!owner)
             return m_output->Name();
-        // The container knows its object also while that is under construction, when a
-        // cast does not find it yet.
+        // The container knows its object even during construction, when a cast does not work
+        // yet.
         if (const VObject* object = owner->object())
             return object->Name() + "." + m_output->Name();
         const StrongPtr<VManagedObject> managed{owner};
@@ -51,8 +51,8 @@ private:
     int m_count = 0;
 };
 
-/// Brings the outputs on offer in one network to the objects of one class, so that
-/// neither many outputs nor many other objects make a new one slow.
+/// Brings the outputs offered in one network to the objects of one class. Keeps lists of both,
+/// so a new one takes the same time however many unrelated outputs and objects there are.
 class TRELLIS_HIDDEN VPolyConnection::Exchange final : public Detail::RegistryWatcher {
 public:
     static StrongPtr<Exchange> of(Detail::NetworkCore& network, IsRequester isRequester)
@@ -63,7 +63,7 @@ public:
             return living;
         const StrongPtr<Exchange> made(new Exchange(isRequester));
         entry = made;
-        made->lookAround(objects);
+        made->addExistingObjects(objects);
         objects.addWatcher(made);
         return made;
     }
@@ -74,7 +74,7 @@ public:
         if (!object || !m_isRequester(*object))
             return;
         m_requesters.emplace_back(object);
-        // An object that is joined may take part in other joins.
+        // A copy of the list, because joining an object may start other joins.
         for (const StrongPtr<Joiner>& joiner : std::vector(m_joiners.begin(), m_joiners.end()))
             joiner->join(*object);
     }
@@ -99,7 +99,7 @@ public:
 private:
     explicit Exchange(IsRequester isRequester) : m_isRequester{isRequester} {}
 
-    void lookAround(const Detail::NetworkObjects& objects)
+    void addExistingObjects(const Detail::NetworkObjects& objects)
     {
         for (const auto& entry : objects.objects(std::numeric_limits<int>::min(), std::numeric_limits<int>::max()))
             objectAdded(entry.object);

@@ -13,8 +13,8 @@ class VOutput;
 template<class T>
 class VValueParameter;
 
-/// Adds one output to every object of a class in its network as an input: to those that
-/// exist, and to those that are registered later.
+/// Adds one output as an input to every object of a class in its network: to existing objects,
+/// and to those that are registered later.
 class TRELLIS_API VPolyConnection {
 public:
     using IsRequester = bool (*)(const VObject& object);
@@ -24,7 +24,7 @@ public:
     VPolyConnection& operator=(const VPolyConnection&) = delete;
     ~VPolyConnection();
 
-    /// The number of objects to which the output was added.
+    /// Returns the number of objects to which the output was added.
     int count() const noexcept;
 
 private:
@@ -36,9 +36,8 @@ private:
     StrongPtr<Joiner> m_joiner;
 };
 
-/// Mix-in for objects that offer a value of type \p T to every object of class
-/// \p Requester. The input there is named after the owner and the output,
-/// "owner.output".
+/// Mix-in for objects that offer a value of type \p T to every object of class \p Requester.
+/// The requester's input is named after the owner and the output, "owner.output".
 template<class T, class Requester>
 class VPolyOutput : public virtual VSkale {
 public:
@@ -51,7 +50,7 @@ public:
 
     const StrongPtr<VValueParameter<T>, ValueNotifierList>& output() const noexcept { return m_output; }
 
-    /// The number of requesters to which the output was added.
+    /// Returns the number of requesters to which the output was added.
     int requesterCount() const noexcept { return m_connection.count(); }
 
 private:

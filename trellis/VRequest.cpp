@@ -38,7 +38,7 @@ void VRequest::reportProgress(double fraction) const
 {
     if (!m_progress)
         return;
-    // Written so that NaN, which compares false with everything, becomes 0.
+    // NaN compares false with everything and becomes 0.
     m_progress(fraction > 0 ? (fraction < 1 ? fraction : 1) : 0);
 }
 

@@ -12,8 +12,8 @@ namespace Orla {
 
 class VSlot;
 
-/// Ends an evaluation early; copies belong to the same evaluation. May be used
-/// from another thread or a signal handler.
+/// Cancels an evaluation. Copies belong to the same evaluation. May be used from another
+/// thread or a signal handler.
 class VCancellation {
 public:
     VCancellation() : m_cancelled{std::make_shared<std::atomic<bool>>(false)} {}
@@ -25,15 +25,15 @@ private:
     std::shared_ptr<std::atomic<bool>> m_cancelled;
 };
 
-/// What an object's update works on: the pool, what changed in it, a way to report
-/// progress, and a way to find out that the result is not wanted any more.
+/// The context of an object's update: the pool, what changed in it, a way to report progress,
+/// and a way to find out whether the evaluation was cancelled.
 ///
-/// An update that takes long calls `isCancelled` now and then and returns when it is
-/// true; its outputs do not count as results then, and the object stays due.
+/// A long update calls `isCancelled` from time to time and returns if it is true. Its outputs
+/// then do not count as results, and the object stays due.
 class TRELLIS_API VRequest {
 public:
-    /// Called with the progress as a fraction between 0 and 1. While objects of one pool
-    /// run concurrently, it is called by several threads, one at a time.
+    /// Receives the progress as a fraction between 0 and 1. While objects of one pool run
+    /// concurrently, several threads call it, one at a time.
     using Progress = std::function<void(double fraction)>;
 
     explicit VRequest(const StrongPtr<ValuePool>& pool, Progress progress = {});
@@ -44,22 +44,21 @@ public:
     bool isCancelled() const noexcept { return m_isCancelled || (m_cancellation && m_cancellation->isCancelled()); }
     void cancel() noexcept;
 
-    /// To hand to another thread, which may cancel the evaluation with it.
+    /// Returns a handle with which another thread may cancel the evaluation.
     const VCancellation& cancellation() const;
 
-    /// \p fraction is clamped to [0,1]; NaN counts as 0.
+    /// Reports progress. \p fraction is clamped to [0,1]; NaN counts as 0.
     void reportProgress(double fraction) const;
 
-    /// True if the value of the running object's \p input was written, or the input was
-    /// reconnected, since the object's last successful update in this pool; true for all
-    /// inputs before the first one. An input that reads a component counts as changed
-    /// when any part of the value was written. False for other objects' slots and
-    /// outside of updates.
+    /// Returns true if the running object's \p input was written or reconnected since the
+    /// object's last successful update in this pool, or if there was no successful update yet.
+    /// An input that reads a component counts as changed if any part of the value was written.
+    /// Returns false for other objects' slots and outside updates.
     bool hasChanged(const VSlot& input) const;
 
-    /// True if the value of the running object's \p input comes from an update that
-    /// failed, or was not computed for that reason. Only objects that call
-    /// `acceptsFailedInputs` run with such values.
+    /// Returns true if the value of the running object's \p input comes from a failed update,
+    /// or was not computed because of one. Only objects that call `acceptsFailedInputs` run
+    /// with failed inputs.
     bool hasFailed(const VSlot& input) const;
 
     /// As above, for typed slots.
@@ -80,7 +79,7 @@ public:
 private:
     StrongPtr<ValuePool> m_pool;
     Progress m_progress;
-    mutable std::optional<VCancellation> m_cancellation; // made when it is asked for
+    mutable std::optional<VCancellation> m_cancellation; // created on demand
     bool m_isCancelled = false;
 };
 

@@ -26,7 +26,7 @@ VFrame* frameOf(const VObject& object, const StrongPtr<ValuePool>& pool) noexcep
     return state ? state->findFrame(object) : nullptr;
 }
 
-// Keeps other threads from removing frames of the pool, as long as it lives.
+// Prevents other threads from removing frames of the pool during its lifetime.
 class PoolUse {
 public:
     explicit PoolUse(const StrongPtr<ValuePool>& pool)
@@ -70,7 +70,7 @@ std::size_t VScheduler::scheduleAll(const StrongPtr<ValuePool>& pool)
     if (!network || network->isClosed())
         network = &Detail::NetworkCore::current();
     const StrongPtr<Detail::NetworkCore> keepAlive(network);
-    // Queues sort by order, so it should be right before they are filled.
+    // Queues sort by order number, so the numbers must be right before queues are filled.
     if (!network->order.isUpToDate()) {
         const Detail::ChangeScope change{*network};
         network->updateOrder();
@@ -134,7 +134,7 @@ VScheduler::Summary VScheduler::run(const StrongPtr<ValuePool>& pool)
 
 namespace {
 
-// Runs the pool with what `makeRun` returns, unless nothing is due or it runs already.
+// Runs the pool with a `Run`, unless nothing is due or the pool is already running.
 template<class Run, class... Arguments>
 VScheduler::Summary runWith(VRequest& request, Arguments&... arguments)
 {
@@ -142,7 +142,7 @@ VScheduler::Summary runWith(VRequest& request, Arguments&... arguments)
     PoolState* const state = stateOf(request.valuePool());
     if (!state || !state->network())
         return summary;
-    // Both outlive the run, whatever objects do with their pointers.
+    // Keep both alive during the run, even if objects release their pointers.
     const StrongPtr<ValuePool> pool = request.valuePool()->root();
     const StrongPtr<Detail::NetworkCore> network(state->network());
     const Detail::UseScope use{*network};

@@ -4,8 +4,8 @@
 
 namespace Orla {
 
-/// Base of mix-ins that add slots to a processing object; derived virtually, so
-/// that all mix-ins of an object share its slots.
+/// Base of mix-ins that add slots to a processing object. They derive from it virtually, so
+/// all mix-ins of an object share its slots.
 class TRELLIS_API VSkale : public virtual VConnectable, public virtual VManagedObjectBase {
 public:
     VSkale();

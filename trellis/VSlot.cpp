@@ -11,7 +11,7 @@ namespace Orla {
 
 namespace {
 
-// Up to here a walk over the names is faster than a table.
+// Up to this size, a linear search is faster than a table.
 constexpr std::size_t FewSlots = 16;
 
 } // namespace
@@ -59,8 +59,8 @@ void VSlot::changeFlags(std::uint8_t flags) noexcept
 {
     const auto changed = static_cast<std::uint8_t>(m_flags ^ flags);
     m_flags = flags;
-    // An input that the object itself declares may be read through a handle that
-    // remembers the cell.
+    // An input that the object itself declares may be read through a handle that remembers the
+    // cell.
     if ((changed & AddedLater) != 0 && !hasFlag(AddedLater))
         m_keepsCell = true;
     if ((changed & Passive) != 0)
@@ -99,7 +99,7 @@ bool VSlotSet::remove(const VSlot& slot) noexcept
     if (m_index)
         m_index->erase(slot.name());
     ++m_gaps;
-    // Last, because it may be the last pointer to the slot.
+    // Released last, because it may be the last pointer to the slot.
     const StrongPtr<VSlot> released = std::move(m_slots[position]);
     return true;
 }

@@ -18,18 +18,18 @@ namespace Orla {
 
 class VSlotContainer;
 
-/// A container's named input or output. Refers to a parameter: by default the
-/// container's own and, once attached, another object's output, with an optional
-/// member name that selects a component of the value.
+/// A container's named input or output. It refers to a parameter: the container's own by
+/// default, another object's output once connected. An optional member name selects a
+/// component of the value.
 class TRELLIS_API VSlot : public Loam::ReferenceBase<VSlot> {
 public:
     /// Bits of the flag byte.
     enum Flag : std::uint8_t {
-        AutoConnected = 0x01, ///< the framework connects it where the user does not
+        AutoConnected = 0x01, ///< connected automatically unless the user connects it
         Passive = 0x02,       ///< a change of its value does not make the object due
-        Output = 0x04,        ///< made by registering an output
-        AddedLater = 0x08,    ///< added from outside, not by the object's own declaration
-        StaysValid = 0x10     ///< an output that is valid also after an update that failed
+        Output = 0x04,        ///< created by registering an output
+        AddedLater = 0x08,    ///< added from outside, not declared by the object
+        StaysValid = 0x10     ///< an output that stays valid after a failed update
     };
 
     VSlot(VSlotContainer& container, const std::string& name, int expertLevel, const StrongPtr<VParameter>& parameter,
@@ -41,7 +41,7 @@ public:
     const std::string& name() const noexcept;
     int expertLevel() const noexcept { return m_expertLevel; }
 
-    /// Null once the container is destroyed.
+    /// Returns null once the slot is removed or its container is destroyed.
     VSlotContainer* container() const noexcept { return m_container; }
 
     const StrongPtr<VParameter>& parameter() const noexcept { return m_parameter; }
@@ -50,10 +50,10 @@ public:
 
     bool isConnected() const noexcept { return m_parameter != m_ownParameter; }
 
-    /// False for an input that was added with another container's parameter.
+    /// Returns false for an input that was added with another container's parameter.
     bool ownsParameter() const noexcept { return m_ownsParameter; }
 
-    /// True if the slot reads an output, or another container's input.
+    /// Returns true if the slot reads an output, or another container's input.
     bool readsOthers() const noexcept { return m_readsOthers; }
 
     std::uint8_t flags() const noexcept { return m_flags; }
@@ -61,45 +61,45 @@ public:
     void setFlag(Flag flag) noexcept { changeFlags(static_cast<std::uint8_t>(m_flags | flag)); }
     void clearFlag(Flag flag) noexcept { changeFlags(static_cast<std::uint8_t>(m_flags & ~flag)); }
 
-    /// The type of value that the slot takes or offers.
+    /// Returns the type of the slot's values.
     const std::type_info& type() const { return m_ownParameter->valueType(); }
 
-    /// The value that the slot refers to in \p pool, its component if it names a
-    /// member; null if the value is missing.
+    /// Returns the value that the slot refers to in \p pool, or its component if the slot has
+    /// a member name. Returns null if the value is missing.
     StrongPtr<VValueBase> getValueBase(const StrongPtr<ValuePool>& pool) const;
 
     /// As `getValueBase`, but creates a missing variable.
     StrongPtr<VValueBase> getLocalValue(const StrongPtr<ValuePool>& pool) const;
 
-    /// Reads \p text into the slot's value in \p pool, creating the variable if it is
-    /// missing, and announces the change. Returns false, and changes nothing, if the text
-    /// is refused or \p pool is null.
+    /// Parses \p text into the slot's value in \p pool, creating the variable if it is
+    /// missing, and announces the change. Returns false and leaves the value unchanged if the
+    /// text is refused or \p pool is null.
     bool set(const StrongPtr<ValuePool>& pool, const std::string& text) const;
 
-    /// Writes \p value and announces the change. Returns false, and changes nothing, if
-    /// the slot's values are not of type \p T. Types are not converted: pass `5.0` to a
-    /// slot of type `double`. Include `fathom/VValue.hpp` to use it.
+    /// Writes \p value and announces the change. Returns false and changes nothing if the
+    /// slot's values are not of type \p T. Types are not converted: pass `5.0` to a slot of
+    /// type `double`. Include `fathom/VValue.hpp` to use it.
     template<class T>
         requires(!std::convertible_to<const T&, std::string>)
     bool set(const StrongPtr<ValuePool>& pool, const T& value) const;
 
-    /// The slot's value in \p pool as text; empty if the value is missing.
+    /// Returns the slot's value in \p pool as text; empty if the value is missing.
     std::optional<std::string> text(const StrongPtr<ValuePool>& pool) const;
 
-    /// A copy of the slot's value in \p pool; empty if the value is missing or not of type
-    /// \p T. Include `fathom/VValue.hpp` to use it.
+    /// Returns a copy of the slot's value in \p pool; empty if the value is missing or not of
+    /// type \p T. Include `fathom/VValue.hpp` to use it.
     template<class T>
     std::optional<T> get(const StrongPtr<ValuePool>& pool) const;
 
-    /// Reads \p text into the initial value that new pools start from. Returns false,
-    /// and changes nothing, if the text is refused.
+    /// Parses \p text into the initial value of new pools. Returns false and changes nothing
+    /// if the text is refused.
     bool setInitialText(const std::string& text);
 
-    /// Where the slot's container keeps its values.
+    /// Returns the place of the slot's values in its container's frames.
     VSlotPlace place() const noexcept { return {m_container, m_cell}; }
 
-    /// Creates the component that the slot reads as a value of its own; null if
-    /// \p value does not have it.
+    /// Creates the component of \p value that the slot reads, or returns \p value itself if
+    /// the slot has no member name. Returns null if the component does not exist.
     StrongPtr<VValueBase> componentOf(VValueBase& value) const;
 
 private:
@@ -111,32 +111,32 @@ private:
     VSlotContainer* m_container;
     StrongPtr<VParameter> m_parameter;
     StrongPtr<VParameter> m_ownParameter;
-    std::unique_ptr<const std::string> m_name; // null if it is the own parameter's
-    std::unique_ptr<Link> m_link;              // null for a slot without a connection
-    std::uint32_t m_readerIndex = NotReading;  // among the readers of the parameter
+    std::unique_ptr<const std::string> m_name; // null if it is the own parameter's name
+    std::unique_ptr<Link> m_link;              // null if the slot was never connected or followed
+    std::uint32_t m_readerIndex = NotReading;  // index among the parameter's readers
     std::uint32_t m_cell = VSlotPlace::NoCell;
     int m_expertLevel;
     std::uint8_t m_flags;
     bool m_ownsParameter = true;
     bool m_readsOthers = false;
-    bool m_keepsCell = false; // its cell is not given to another slot when it is removed
+    bool m_keepsCell = false; // its cell is not reused after the slot is removed
 
     static constexpr std::uint32_t NotReading = ~std::uint32_t{0};
 };
 
-/// A set of slots in the order in which they were made, found by name.
+/// Slots in the order in which they were added, with look-up by name.
 class TRELLIS_API VSlotSet {
 public:
     using const_iterator = std::vector<StrongPtr<VSlot>>::const_iterator;
 
-    /// Returns false if the set has a slot of that name.
+    /// Adds a slot. Returns false if the pointer is null or a slot already has the name.
     bool add(const StrongPtr<VSlot>& slot);
 
-    /// Returns false if the slot is not in the set. Takes the same time however many
-    /// slots there are; the gap is closed before the slots are visited again.
+    /// Removes a slot. Returns false if it is not in the set. The time does not depend on the
+    /// number of slots; the gap is closed before the slots are next iterated.
     bool remove(const VSlot& slot) noexcept;
 
-    /// The slot of that name, or null.
+    /// Returns the slot of that name, or null.
     const StrongPtr<VSlot>& find(const std::string& name) const;
 
     std::size_t size() const noexcept { return m_slots.size() - m_gaps; }
@@ -183,7 +183,7 @@ private:
 
     mutable std::vector<StrongPtr<VSlot>> m_slots; // null where a slot was removed
     mutable std::size_t m_gaps = 0;
-    std::unique_ptr<Index> m_index; // of a large set
+    std::unique_ptr<Index> m_index; // only for a large set
 };
 
 } // namespace Orla

@@ -12,7 +12,7 @@ namespace Orla {
 
 namespace {
 
-// Empty if an input of type `wanted` can read `member` of `parameter`.
+// Returns why an input of type `wanted` cannot read `member` of `parameter`; empty if it can.
 std::string whyNot(const VParameter& parameter, const std::string& member, const std::type_info& wanted)
 {
     const std::type_info& offered = parameter.valueType();
@@ -22,7 +22,7 @@ std::string whyNot(const VParameter& parameter, const std::string& member, const
         for (const std::string& name : VValueComponents::names(offered))
             known += (known.empty() ? "" : ", ") + name;
         return "values of type " + Loam::Typename(offered) + " have no component \"" + member + "\""
-               + (known.empty() ? "" : " (but " + known + ")");
+               + (known.empty() ? "" : " (available: " + known + ")");
     }
     if (*found != wanted)
         return "it gives " + Loam::Typename(*found) + " where " + Loam::Typename(wanted) + " is expected";
@@ -56,7 +56,7 @@ StrongPtr<VSlot> VSlotContainer::addParameter(const std::string& name, int exper
     }
     if (m_inputs.find(name)) {
         VActionNotifier::Warning("An input \"" + name + "\" was added a second time to " + describe()
-                                 + "; the first one stays");
+                                 + "; the first one is kept");
         return nullptr;
     }
     if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter); other && other != m_wiring.network) {
@@ -73,7 +73,7 @@ bool VSlotContainer::removeParameter(const StrongPtr<VSlot>& slot)
 {
     if (!slot || slot->container() != this || m_inputs.find(slot->name()) != slot)
         return false;
-    const StrongPtr<VSlot> keepAlive = slot; // the pointer given may be the set's own
+    const StrongPtr<VSlot> keepAlive = slot; // the argument may be the set's own pointer
     Detail::Wiring::removeInput(*this, keepAlive);
     return true;
 }
@@ -86,7 +86,7 @@ StrongPtr<VSlot> VSlotContainer::registerOutput(const StrongPtr<VParameter>& par
     }
     if (m_outputs.find(name)) {
         VActionNotifier::Warning("An output \"" + name + "\" was added a second time to " + describe()
-                                 + "; the first one stays");
+                                 + "; the first one is kept");
         return nullptr;
     }
     return Detail::Wiring::addOutput(*this, name, parameter);
@@ -104,8 +104,7 @@ StrongPtr<VSlot> VSlotContainer::findSlot(const StrongPtr<VParameter>& parameter
 {
     if (!parameter)
         return nullptr;
-    // Either side may be the long one: a selector with many inputs, a clock with
-    // many readers.
+    // Search the shorter list: a selector has many inputs, a clock has many readers.
     if (parameter->readers().size() < m_inputs.size()) {
         for (VSlot* reader : parameter->readers()) {
             if (reader->container() == this)
@@ -175,7 +174,7 @@ bool VSlotContainer::connect(const StrongPtr<VParameter>& parameter, const Stron
                                      + " was not connected: " + why);
         return false;
     }
-    const StrongPtr<VParameter> keepAlive = parameter; // the pointer given may be the slot's own
+    const StrongPtr<VParameter> keepAlive = parameter; // the argument may be the slot's own pointer
     Detail::Wiring::connect(*slot, keepAlive, member, leader);
     return true;
 }
@@ -200,7 +199,7 @@ void VSlotContainer::runSetupFunctions()
 {
     if (!m_setupFunctions)
         return;
-    // A function may add others; each that was there at the start is called.
+    // A function may add others; only those present at the start are called.
     const std::set<SetupFunction> functions = *m_setupFunctions;
     for (SetupFunction function : functions)
         function(this, m_inputs);

@@ -29,20 +29,19 @@ public:
 
 /// Holds named inputs and outputs and connects them.
 ///
-/// Derived virtually by everything that adds slots to an object, so that all
-/// parts of an object share one container.
+/// Every class that adds slots to an object derives from it virtually, so all parts of an
+/// object share one container.
 ///
-/// A container belongs to the network that is current in the thread that creates it.
-/// Changes of its slots and connections keep that network to the calling thread;
-/// evaluations in other threads wait meanwhile.
+/// A container belongs to the network that is current in the thread that creates it. Changing
+/// its slots or connections takes exclusive access to that network; evaluations in other
+/// threads wait meanwhile.
 class TRELLIS_API VSlotContainer : public virtual VManagedObjectBase {
 public:
-    /// Called once with all inputs, after the object was created and the user's
-    /// connections were made.
+    /// Called once with all inputs, after the object is constructed and the user's connections
+    /// are made.
     using SetupFunction = void (*)(VSlotContainer*, const VSlotSet&);
 
-    /// An input that is declared by its type and a number; the libraries above define
-    /// which types there are.
+    /// An input declared by its type and a number. Higher-level libraries define the types.
     template<class T, int Number>
     class in;
 
@@ -50,98 +49,96 @@ public:
     VSlotContainer(const VSlotContainer&) = delete;
     VSlotContainer& operator=(const VSlotContainer&) = delete;
 
-    /// The readers of this container's outputs keep the last values.
+    /// Readers of the outputs keep the last values.
     ~VSlotContainer() override;
 
-    /// Adds an input named \p name for \p parameter; \p expertLevel is the number
-    /// that user interfaces file it under. Unless \p triggers is set, a change of
-    /// the input's value does not make the object due. Null, and a warning, for a
-    /// null parameter and for a name that an input has already.
+    /// Adds an input named \p name for \p parameter. User interfaces file it under
+    /// \p expertLevel. Unless \p triggers is set, a change of the input's value does not make
+    /// the object due. Warns and returns null if the parameter is null or belongs to another
+    /// network, or if an input already has the name.
     StrongPtr<VSlot> addParameter(const std::string& name, int expertLevel, const StrongPtr<VParameter>& parameter,
                                   bool triggers);
 
     /// Removes an input. Returns false if it does not belong to this container.
     bool removeParameter(const StrongPtr<VSlot>& slot);
 
-    /// Offers \p parameter as an output. Its source becomes this container if it
-    /// has none. Null, and a warning, for a null parameter and for a name that an
-    /// output has already.
+    /// Adds \p parameter as an output. Sets the parameter's source to this container if it has
+    /// none. Warns and returns null if the parameter is null, or if an output already has the
+    /// name.
     StrongPtr<VSlot> registerOutput(const StrongPtr<VParameter>& parameter, const std::string& name);
 
-    /// Offers an input of this container as an output too: what is connected to
-    /// it reads what the input reads, also when the input is reconnected. Returns false
-    /// for a slot of another container and for a name that an output has already.
+    /// Offers an input of this container as an output, too. A slot connected to it reads what
+    /// the input reads, even after the input is reconnected. Returns false if the slot belongs
+    /// to another container, or if an output already has the name.
     bool registerOutput(const StrongPtr<VSlot>& input);
 
     const VSlotSet& inputs() const noexcept { return m_inputs; }
     const VSlotSet& outputs() const noexcept { return m_outputs; }
 
-    /// The input that reads \p parameter now, or null.
+    /// Returns the input that currently reads \p parameter, or null.
     StrongPtr<VSlot> findSlot(const StrongPtr<VParameter>& parameter) const;
     StrongPtr<VSlot> findSlot(const std::string& name) const { return m_inputs.find(name); }
     StrongPtr<VSlot> findOutput(const std::string& name) const { return m_outputs.find(name); }
 
-    /// Visits the inputs with \p expertLevel or a higher one, in the order in
-    /// which they were added. Slots may be added and removed meanwhile. Returns false if
-    /// a visit ended it.
+    /// Visits the inputs with at least \p expertLevel in the order in which they were added.
+    /// Slots may be added and removed meanwhile. Returns false if a visit ended the iteration.
     bool iterateParameters(VSlotIterator& iterator, int expertLevel);
 
-    /// As above: calls \p function with each slot, until it returns false if it
-    /// returns `bool`.
+    /// As above, but calls \p function with each slot. If it returns `bool`, false ends the
+    /// iteration.
     template<std::invocable<const StrongPtr<VSlot>&> Function>
     bool forEachInput(Function&& function, int expertLevel);
 
-    /// Connects the input \p slot of this container to \p parameter, or to its
-    /// component \p member; an existing connection is replaced. If the parameter is
-    /// another container's input, the slot reads what that input reads, also when it is
-    /// reconnected. If the types differ, the component does not exist, or the
-    /// containers belong to different networks, nothing changes and the result is
-    /// false; the reason goes to \p reason or, without one, to
-    /// `VActionNotifier::Warning`.
+    /// Connects the input \p slot of this container to \p parameter, or to its component
+    /// \p member. Replaces an existing connection. If the parameter is another container's
+    /// input, the slot reads what that input reads, even after that input is reconnected.
+    /// Returns false and changes nothing if the types differ, the component does not exist, or
+    /// the containers belong to different networks. The reason is stored in \p reason or, if
+    /// that is null, passed to `VActionNotifier::Warning`.
     bool attachParameter(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
                          const std::string& member, std::string* reason = nullptr);
 
-    /// Connects the input \p slot to the output \p output of any container; as
-    /// `attachParameter`, and follows an output that passes an input on.
+    /// Connects the input \p slot to \p output of any container, as `attachParameter` does. If
+    /// the output passes an input on, the slot follows that input.
     bool attachOutput(const StrongPtr<VSlot>& output, const StrongPtr<VSlot>& slot, const std::string& member,
                       std::string* reason = nullptr);
 
-    /// Gives the slot its own parameter back. Returns false if it is not connected.
+    /// Reconnects the slot to its own parameter. Returns false if it was not connected.
     bool detach(const StrongPtr<VSlot>& slot);
 
-    /// A function is held at most once.
+    /// Returns the set-up functions, each held at most once.
     std::set<SetupFunction>& setupFunctions();
 
     /// Calls every set-up function.
     void runSetupFunctions();
 
-    /// Declares that the object keeps state in members that affects its results: it
-    /// then runs in one pool at a time, also where pools are evaluated in several
-    /// threads. Call it in the constructor.
+    /// Declares that members of the object hold state that affects its results. The object
+    /// then runs in one pool at a time, even if several threads evaluate pools. Call it in the
+    /// constructor.
     void keepsState();
 
-    /// Declares that the object shares more with others than the values that they read from
-    /// each other, such as who holds the pointer. Such objects run one after the other, in
-    /// the order of a serial evaluation, also where others run concurrently. Inputs of a
-    /// type whose `VValueTrait` has a true member `sharesState` declare it for their object.
+    /// Declares that the object shares more with other objects than the values that they read
+    /// from each other, for example which object has grabbed the pointer. These objects run
+    /// one at a time, in serial order, even if others run concurrently. An input of a type
+    /// whose `VValueTrait` has a true member `sharesState` declares this for its object.
     void runsInTurn();
 
-    /// Declares that the object runs although an input comes from an update that failed.
-    /// Its update asks `VRequest::hasFailed` which inputs failed.
+    /// Declares that the object runs even if an input comes from a failed update. Its update
+    /// calls `VRequest::hasFailed` to find out which inputs failed.
     void acceptsFailedInputs();
 
-    /// The processing object that the container is part of, or null.
+    /// Returns the processing object that the container is part of, or null.
     VObject* object() const noexcept { return m_wiring.object; }
 
-    /// How messages name the container.
+    /// Returns the container's type and name, for messages.
     std::string describe() const;
 
-    /// The container's place in the order of evaluation: objects are evaluated
-    /// by ascending numbers, and a reader has a larger number than the containers
-    /// that it reads, loops apart. May be out of date until the next evaluation.
+    /// Returns the container's evaluation number. Objects are evaluated in ascending order.
+    /// Except in loops, a reader has a larger number than the containers that it reads. May be
+    /// out of date until the next evaluation.
     std::uint32_t evaluationOrder() const noexcept { return m_wiring.order; }
 
-    /// For the framework itself.
+    /// For internal use.
     Detail::ContainerWiring& wiring() noexcept { return m_wiring; }
     const Detail::ContainerWiring& wiring() const noexcept { return m_wiring; }
 

@@ -10,14 +10,15 @@ namespace Orla {
 
 class VSlotContainer;
 
-/// What typed slots need of the framework without knowing slot containers.
+/// Gives typed slots access to slot containers without including their header.
 class TRELLIS_API VSlotGlobals {
 public:
-    /// Reports that a slot \p name of type \p type was declared without a
-    /// container, a mistake in the program; returns, so that the program can go on.
+    /// Warns that the slot \p name of type \p type was declared without a container or cannot
+    /// be used in \p that. This is a programming error, but the function returns and the
+    /// program continues.
     static void assertionFail(VSlotContainer* that, const std::string& name, const std::type_info& type);
 
-    /// As `VSlotContainer::addParameter`; null for a null container.
+    /// As `VSlotContainer::addParameter`; returns null for a null container.
     static StrongPtr<VSlot> addParameter(VSlotContainer* that, const std::string& name, int expertLevel,
                                          const StrongPtr<VParameter>& parameter, bool triggers);
 };

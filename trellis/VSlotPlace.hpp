@@ -6,8 +6,8 @@ namespace Orla {
 
 class VSlotContainer;
 
-/// Where a slot keeps its value in the frames of its container. It stays the same as
-/// long as the slot belongs to the container.
+/// Locates a slot's values in the frames of its container. Does not change while the slot
+/// belongs to the container.
 struct VSlotPlace {
     static constexpr std::uint32_t NoCell = ~std::uint32_t{0};
 

@@ -22,56 +22,56 @@ class VManagedObject;
 class VManagedObjectBase;
 class VValueCreator;
 
-/// Base of every value that flows between processing objects: it knows its
-/// type, its age, and how to turn itself into text and back.
+/// Base of all values passed between processing objects. A value knows its type and its age,
+/// and converts to and from text.
 ///
-/// The order of the virtual operations is part of the binary interface.
+/// The order of the virtual functions is part of the binary interface.
 class TRELLIS_API VValueBase : public Loam::ReferenceBase<VValueBase> {
 public:
     ~VValueBase() override;
 
     virtual const std::type_info& getType() const = 0;
 
-    /// An independent value with the same content and the current global age.
+    /// Returns an independent value with the same content and the current global age.
     virtual StrongPtr<VValueBase> copy() const = 0;
 
-    /// Takes the content of \p other. False, and nothing changed, if \p other is
-    /// gone or of another type: types are never converted, not through text either.
+    /// Copies the content of \p other. Returns false and changes nothing if \p other has
+    /// expired or has another type. Types are never converted, not even through text.
     virtual bool getValueFrom(const WeakPtrImpl<VValueBase>& other) = 0;
 
-    /// Parses \p text into the value; false if the text is refused.
+    /// Parses \p text into the value. Returns false if the text is refused.
     virtual bool setValueFromText(const std::string& text) = 0;
 
     virtual std::string Text() const = 0;
 
-    /// True also if \p other is gone or of another type.
+    /// Returns true if the contents differ, or if \p other has expired or has another type.
     virtual bool isDifferentFrom(const WeakPtrImpl<VValueBase>& other) const = 0;
 
-    /// The object that produces the value, null for a plain value.
+    /// Returns the object that produces the value; null for a plain value.
     virtual WeakPtrImpl<VManagedObject, VManagedObjectBase> source() = 0;
 
-    /// Tells the value who produces it; a plain value does not keep it.
+    /// Sets the object that produces the value; a plain value ignores it.
     virtual void setSource(const WeakPtrImpl<VManagedObject, VManagedObjectBase>& source);
 
-    /// An optional ability of the value, null unless a class has one.
+    /// Returns an optional interface of the value; null unless a class provides one.
     virtual StrongPtr<InterfaceBase> getInterface() const;
 
     virtual Ageable& age() = 0;
     virtual const Ageable& age() const = 0;
 
-    /// The creator that makes values of this type; null while its library unloads.
+    /// Returns the creator of values of this type; null while its library is being unloaded.
     virtual StrongPtr<VValueCreator> getValueCreator() const = 0;
 
-    /// An array of \p count copies of the value.
+    /// Returns an array of \p count copies of the value.
     /// \throw std::bad_alloc or a class derived from it.
     virtual StrongPtr<ChunkBase> getChunk(unsigned long long count) const = 0;
 
-    /// Tells a component of which value it is a part; other values ignore it.
+    /// Sets the value that a component belongs to; other values ignore it.
     virtual void setContainerValue(const WeakPtrImpl<VValueBase>& container);
 
-    /// The part of the value named \p member, as a value that reads from and
-    /// writes to this one; the value itself for the empty name, null for a name
-    /// that its type does not have.
+    /// Returns the component \p member as a value that reads from and writes to this one.
+    /// Returns the value itself for an empty name, and null for a name that the type does not
+    /// have.
     StrongPtr<VValueBase> component(const std::string& member);
 
 protected:

@@ -14,8 +14,8 @@ namespace {
 
 struct Table {
     std::mutex mutex;
-    // Two libraries may both bring the components of a type; the one that came
-    // first answers, the other one steps in when it goes.
+    // Two libraries may register the components of the same type. The first entry is used; the
+    // next one replaces it when the first library is unloaded.
     std::unordered_map<std::string, std::vector<const std::vector<VValueComponents::Component>*>> types;
 };
 
@@ -25,7 +25,7 @@ Table& table()
     return theTable;
 }
 
-// Type and maker of the component, null for a name that is not known. A copy,
+// Returns the type and maker of the component, null for an unknown name. Returns a copy,
 // because a maker may use the table itself.
 VValueComponents::Component find(const std::type_info& type, const std::string& member)
 {
@@ -40,7 +40,7 @@ VValueComponents::Component find(const std::type_info& type, const std::string& 
     return {{}, found->type, found->make};
 }
 
-// The parts of "outer.inner", if there are two.
+// Returns the parts of "outer.inner", or nothing if there are not two parts.
 std::optional<std::pair<std::string, std::string>> split(const std::string& member)
 {
     const auto dot = member.find('.');

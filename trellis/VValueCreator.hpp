@@ -10,31 +10,30 @@
 
 namespace Orla {
 
-/// Makes values of one type from text. The framework finds creators by the
-/// registered name of their type.
+/// Creates values of one type from text. Creators are found by the registered name of their
+/// type.
 class TRELLIS_API VValueCreator : public Loam::ReferenceBase<VValueCreator> {
 public:
     ~VValueCreator() override;
 
-    /// A new value read from \p text; \p ok reports whether the text was
-    /// accepted. The value is returned in either case and then holds whatever
-    /// the refused text left.
+    /// Creates a value from \p text; \p ok reports whether the text was accepted. Returns the
+    /// value in either case; after a refusal it holds whatever the text left.
     virtual StrongPtr<VValueBase> create(const std::string& text, bool& ok) = 0;
 
     const std::type_info& valueType() const noexcept { return *m_type; }
 
-    /// Makes \p creator known under \p name. False, with a warning that names
-    /// both owners, if another type has the name.
+    /// Registers \p creator under \p name. Returns false if another type has the name, with a
+    /// warning that names both owners.
     static bool registerCreator(const WeakPtrImpl<VValueCreator>& creator, const std::string& name);
 
-    /// Null if no loaded library has a type of that name.
+    /// Returns null if no loaded library has a type of that name.
     static StrongPtr<VValueCreator> find(std::string_view typeName);
 
-    /// A new value of the named type read from \p text; null, and \p ok false,
-    /// if there is no such type.
+    /// Creates a value of the named type from \p text. Returns null and sets \p ok to false if
+    /// the type does not exist.
     static StrongPtr<VValueBase> createValue(std::string_view typeName, const std::string& text, bool& ok);
 
-    /// Registered names in alphabetic order.
+    /// Returns the registered names in alphabetical order.
     static std::vector<std::string> names();
 
 protected:

@@ -8,24 +8,23 @@
 
 namespace Orla {
 
-/// The text form of a value type: a specialisation supplies
+/// The text form of a value type. A specialisation provides
 ///
 ///     static std::string Text(const T& value);
 ///     static bool setValueFromText(T& value, const std::string& text);
 ///
-/// `setValueFromText` parses into an existing value and returns whether the text
-/// was accepted. It never throws. A refused text may leave a composite value
-/// partly changed; callers treat false as a refusal and do not roll back.
+/// `setValueFromText` parses the text into an existing value, returns false if the text is
+/// refused, and never throws. A refused text may leave a composite value partly changed;
+/// callers do not roll back.
 template<class T>
 struct VValueTrait;
 
-/// Text form of the number types, the same under every locale.
+/// Text form of the number types, the same in every locale.
 ///
-/// `Text` writes the shortest form that reads back to the same bits, whole
-/// numbers without a point, "inf" and "nan" for the specials. Reading takes the
-/// leading number after blanks and ignores what follows; a text without a
-/// number, or an integer that does not fit, is refused and leaves the value
-/// alone.
+/// `Text` returns the shortest form that reads back to the same bits: whole numbers without a
+/// point, "inf" and "nan" for special values. Reading skips blanks, takes the leading number
+/// and ignores the rest. A text without a number, or an integer out of range, is refused and
+/// leaves the value unchanged.
 template<class T>
 struct VNumberTrait {
     static std::string Text(T value) { return Loam::numberText(value); }
@@ -63,8 +62,8 @@ template<>
 struct VValueTrait<double> : VNumberTrait<double> {
 };
 
-/// One character; the empty text stands for character 0, both ways. A text of
-/// more than one character is refused.
+/// One character. An empty text means character 0, in both directions. A longer text is
+/// refused.
 template<>
 struct VValueTrait<char> {
     static std::string Text(char value) { return value == '\0' ? std::string() : std::string(1, value); }

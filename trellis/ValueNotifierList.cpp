@@ -10,7 +10,7 @@ namespace Orla {
 
 namespace {
 
-// Shadows are noted once per parameter and pool, so one lock serves all lists.
+// A shadow is added once per parameter and pool, so one lock for all lists is enough.
 std::mutex& shadowsMutex()
 {
     static std::mutex& theMutex = *new std::mutex; // parameters may outlive static objects
@@ -19,7 +19,8 @@ std::mutex& shadowsMutex()
 
 } // namespace
 
-// Pools of several threads may notify the listeners of one parameter at the same time.
+// Several threads may notify the listeners of one parameter at the same time, each for its own
+// pool.
 struct ValueNotifierList::Listeners {
     struct Entry {
         WeakPtrImpl<VValueListener> listener;

@@ -20,24 +20,24 @@ class TRELLIS_API VValueListener : public Loam::ReferenceBase<VValueListener> {
 public:
     ~VValueListener() override;
 
-    /// The value of \p source changed in \p pool; a null pool means the initial
-    /// value that new pools start from. Listeners may be added and removed, and
-    /// objects created and destroyed, from here. Called in the thread that evaluates
-    /// the pool.
+    /// Called when the value of \p source changes in \p pool; a null pool means the initial
+    /// value of new pools. May add and remove listeners, and create and destroy objects.
+    /// Called in the thread that evaluates the pool.
     virtual void valueChanged(const ValueNotifierList& source, const StrongPtr<ValuePool>& pool) = 0;
 };
 
-/// Pools, held weakly.
+/// A list of weakly held pools.
 class TRELLIS_API PoolList {
 public:
-    /// Prunes expired entries only when the vector must reallocate, so pruning stays
-    /// amortized O(1) and a list that sees a million pools come and go stays small.
+    /// Adds a pool. Prunes expired entries only when the vector must reallocate, so pruning
+    /// stays amortized O(1) and a list stays small while millions of pools are created and
+    /// destroyed.
     void add(const WeakPtrImpl<ValuePool>& pool);
 
-    /// False for an empty list.
+    /// Returns true if \p pool is the last entry; false for an empty list.
     bool endsWith(const StrongPtr<ValuePool>& pool) const;
 
-    /// The living pools in the order in which they were added.
+    /// Returns the living pools in the order in which they were added.
     std::vector<StrongPtr<ValuePool>> alive() const;
 
     /// Calls \p function for each living pool; allocates nothing.
@@ -54,7 +54,7 @@ private:
     std::vector<WeakPtrImpl<ValuePool>> m_pools;
 };
 
-/// The listeners of a parameter, and the pools that have a value of their own.
+/// The listeners of a parameter, and the pools that have their own value.
 class TRELLIS_API ValueNotifierList : public Loam::ReferenceBase<ValueNotifierList> {
 public:
     ~ValueNotifierList() override;
@@ -62,12 +62,12 @@ public:
     /// Notifies every listener that the initial value changed.
     virtual void touch() const;
 
-    /// Adds a listener, held weakly. Returns false if it was added before. One that
-    /// is added during a notification is called from the next notification on.
+    /// Adds a listener, which is held weakly. Returns false if it was added before. A listener
+    /// that is added during a notification is called from the next notification on.
     bool addListener(const StrongPtr<VValueListener>& listener);
 
-    /// Returns false if it was not added. One that is removed during a notification
-    /// is not called any more.
+    /// Removes a listener. Returns false if it was not added. A listener that is removed
+    /// during a notification is no longer called.
     bool removeListener(const VValueListener& listener);
 
     bool hasListeners() const noexcept { return m_listeners != nullptr; }
@@ -79,15 +79,14 @@ public:
             callListeners(pool);
     }
 
-    /// Notes that \p pool has a value of its own ("shadow" of the initial value).
-    /// Constant, because it does not change the value. May be called by several
-    /// threads at once.
+    /// Records that \p pool has its own value, a "shadow" of the initial value. Const, because
+    /// it does not change the value. Several threads may call it at the same time.
     void addShadow(const StrongPtr<ValuePool>& pool) const;
 
     /// Adds the living shadows of \p other.
     void copyShadows(const ValueNotifierList& other) const;
 
-    /// The living pools that were noted, in that order.
+    /// Returns the living shadows in the order in which they were added.
     std::vector<StrongPtr<ValuePool>> shadows() const;
 
 protected:
@@ -99,7 +98,7 @@ private:
     void callListeners(const StrongPtr<ValuePool>& pool) const;
 
     std::unique_ptr<Listeners> m_listeners;      // most parameters have none
-    mutable std::unique_ptr<PoolList> m_shadows; // guarded by a lock that all lists share
+    mutable std::unique_ptr<PoolList> m_shadows; // guarded by a lock shared by all lists
 };
 
 } // namespace Orla

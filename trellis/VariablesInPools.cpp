@@ -1,5 +1,4 @@
-// What parameters and slots do with values in pools: the part of `VParameter` and
-// `VSlot` that knows pools.
+// The parts of `VParameter` and `VSlot` that access values in pools.
 
 #include <trellis/VParameter.hpp>
 #include <trellis/VSlot.hpp>
@@ -17,7 +16,7 @@ namespace Orla {
 
 namespace {
 
-// A parameter is entered into a pool's table once, so one lock serves all of them.
+// A parameter is entered into a pool's table once, so one lock for all parameters is enough.
 std::mutex& holdersMutex()
 {
     static std::mutex& theMutex = *new std::mutex; // parameters may outlive static objects
@@ -78,7 +77,7 @@ void VParameter::notifyValueChange(const StrongPtr<VValueBase>& value, const Str
 {
     if (value)
         value->age().touch();
-    // A pool that was never used is used from now on if an object reads the parameter.
+    // An unused pool needs a state only if a slot reads the parameter.
     if (pool && pool->root() && (pool->state() || !m_readers.empty()))
         pool->stateOrNew().announce(*this, member);
     else
@@ -161,7 +160,7 @@ StrongPtr<VValueBase> VSlot::getLocalValue(const StrongPtr<ValuePool>& pool) con
 bool VSlot::set(const StrongPtr<ValuePool>& pool, const std::string& text) const
 {
     const StrongPtr<VValueBase> value = getLocalValue(pool);
-    // Read into a copy first: a refused text may leave a value half changed.
+    // Parse into a copy first: a refused text may leave a value partly changed.
     const StrongPtr<VValueBase> trial = value ? value->copy() : nullptr;
     if (!trial || !trial->setValueFromText(text) || !value->getValueFrom(WeakPtrImpl<VValueBase>(trial)))
         return false;

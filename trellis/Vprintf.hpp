@@ -10,14 +10,14 @@ namespace Orla {
 #    define TRELLIS_PRINTF(text, arguments)
 #endif
 
-/// Prints to standard output as `printf` does, if \p level is within the
-/// verbosity: level 0 is always shown, larger levels are more detailed.
+/// Prints to standard output like `printf` if \p level is within the verbosity. Level 0 is
+/// always shown; larger levels are more detailed.
 TRELLIS_API void Vprintf(int level, const char* format, ...) TRELLIS_PRINTF(2, 3);
 
-/// True if `Vprintf` shows \p level, for callers whose arguments cost something.
+/// Returns true if `Vprintf` shows \p level. Check it first if the arguments are expensive.
 TRELLIS_API bool isPrinted(int level) noexcept;
 
-/// The largest level that is shown; 0 at first.
+/// Returns the largest level that is shown; initially 0.
 TRELLIS_API int verbosity() noexcept;
 TRELLIS_API void setVerbosity(int level) noexcept;
 

@@ -6,17 +6,17 @@
 #include <cstdlib>
 #include <new>
 
-// The replaced functions pair as the standard ones do, which the compiler cannot see.
+// The replacements pair like the standard functions, but the compiler cannot see it.
 #if defined(__GNUC__) && !defined(__clang__)
 #    pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 #endif
 
-// Every allocation of a short run fails in turn. The only outcome is a std::bad_alloc
-// that reaches the caller, or a warning; afterwards everything works.
+// Fails each allocation of a short run in turn. The caller must receive std::bad_alloc or
+// a warning, and everything must work afterwards.
 
 namespace {
 
-// How many allocations succeed before one fails; negative for all of them.
+// Number of allocations that succeed before one fails; if negative, all succeed.
 long allocationsLeft = -1;
 bool everyAllocationFails = false;
 bool hasFailed = false;
@@ -73,7 +73,7 @@ using Nodes = std::vector<StrongPtr<Node>>;
 
 class AllocationFailureTest : public FrameworkTest {
 protected:
-    // Two diamonds behind each other, and a loop that settles at once.
+    // Two diamonds in a row.
     static Nodes makeNetwork()
     {
         Nodes nodes;
@@ -88,8 +88,8 @@ protected:
         return nodes;
     }
 
-    // Lets the first, the second, ... allocation of `action` fail, until none of them
-    // does. `prepare` makes what it works on, and `check` looks at that afterwards.
+    // Fails the first, the second, ... allocation of `action` until none fails. `prepare`
+    // creates the subject of `action`, and `check` examines it afterwards.
     template<class Prepare, class Action, class Check>
     void failInTurn(Prepare&& prepare, Action&& action, Check&& check)
     {
@@ -145,7 +145,7 @@ TEST_F(AllocationFailureTest, isReportedByTheFirstEvaluationOfAPool)
                [](Subject& subject) {
                    subject.nodes[0]->write(subject.pool, "x", 4.0);
                    const bool failed = runAll(subject.nodes, subject.pool).failures > 0;
-                   // The queue of due objects does without memory.
+                   // The queue of due objects works even without memory.
                    return failed || subject.nodes[6]->read(subject.pool, "out") == 29;
                },
                [](const Subject& subject) {
@@ -154,13 +154,13 @@ TEST_F(AllocationFailureTest, isReportedByTheFirstEvaluationOfAPool)
                });
 }
 
-TEST_F(AllocationFailureTest, losesNoChangeThatWasAnnounced)
+TEST_F(AllocationFailureTest, losesNoAnnouncedChange)
 {
     failInTurn(
         [] {
             Subject subject = makeSubject(makeNetwork());
             runAll(subject.nodes, subject.pool);
-            // New readers, whose frames are made when the change is announced.
+            // New readers: their frames are created when the change is announced.
             for (int i = 0; i < 20; ++i) {
                 subject.nodes.push_back(makeNode("late", {"x"}));
                 connect(subject.nodes[static_cast<std::size_t>(i) % 7], subject.nodes.back(), "x");
@@ -187,9 +187,9 @@ TEST_F(AllocationFailureTest, losesNoChangeThatWasAnnounced)
         });
 }
 
-TEST_F(AllocationFailureTest, losesNoObjectThatWasToRunConcurrently)
+TEST_F(AllocationFailureTest, losesNoObjectScheduledToRunConcurrently)
 {
-    // Leaves all work to the calling thread, so that every run allocates the same.
+    // Leaves all work to the calling thread, so every run makes the same allocations.
     struct Idle final : VExecutor {
         unsigned concurrency() const noexcept override { return 1; }
         void execute(std::function<void()>) override {}
@@ -203,7 +203,7 @@ TEST_F(AllocationFailureTest, losesNoObjectThatWasToRunConcurrently)
                 if (i >= 6) // reads one of the first six
                     connect(subject.nodes[static_cast<std::size_t>(i - 6)], subject.nodes.back());
                 subject.nodes.back()->work = [&precisions, i](Node& self, VRequest& request, double precision) {
-                    if (precision != 0) // else it runs again, because what it reads has changed
+                    if (precision != 0) // otherwise it runs again because its input changed
                         precisions[static_cast<std::size_t>(i)] = precision;
                     return self.writeSum(request.valuePool());
                 };
@@ -231,7 +231,7 @@ TEST_F(AllocationFailureTest, losesNoObjectThatWasToRunConcurrently)
         });
 }
 
-TEST_F(AllocationFailureTest, leavesConnectionsAsTheyWere)
+TEST_F(AllocationFailureTest, leavesConnectionsIntact)
 {
     failInTurn(
         [] {
@@ -257,7 +257,7 @@ TEST_F(AllocationFailureTest, leavesConnectionsAsTheyWere)
         });
 }
 
-TEST_F(AllocationFailureTest, leavesNothingBehindWhereAnObjectIsCreated)
+TEST_F(AllocationFailureTest, leavesNothingBehindWhenAnObjectIsCreated)
 {
     failInTurn([] { return Subject{}; },
                [](Subject& subject) {
@@ -273,7 +273,7 @@ TEST_F(AllocationFailureTest, leavesNothingBehindWhereAnObjectIsCreated)
     EXPECT_EQ(VManagedObject::count(), 0u);
 }
 
-TEST_F(AllocationFailureTest, doesNotKeepPoolsParametersAndObjectsFromBeingDestroyed)
+TEST_F(AllocationFailureTest, doesNotPreventTheDestructionOfPoolsParametersAndObjects)
 {
     for (const char* const order : {"pnx", "npx", "xpn", "nxp"}) {
         SCOPED_TRACE(order);

@@ -33,7 +33,7 @@ TEST(CreatorRegistry, findsCreatorsByName)
     EXPECT_THAT(registry.names(), ElementsAre("Range", "VTime"));
 }
 
-TEST(CreatorRegistry, keepsNoCreatorAlive)
+TEST(CreatorRegistry, doesNotKeepCreatorsAlive)
 {
     Registry registry;
     auto creator = makeStrong<Creator>();
@@ -44,7 +44,7 @@ TEST(CreatorRegistry, keepsNoCreatorAlive)
     EXPECT_THAT(registry.names(), IsEmpty());
 }
 
-TEST(CreatorRegistry, letsASecondCreatorOfATypeWaitUntilTheFirstGoes)
+TEST(CreatorRegistry, usesASecondCreatorOfATypeOnceTheFirstIsDestroyed)
 {
     Registry registry;
     auto first = makeStrong<Creator>();
@@ -75,12 +75,12 @@ TEST(CreatorRegistry, refusesAnotherTypeWhileTheNameIsTaken)
     holder.reset();
     EXPECT_EQ(registry.add(other, "VTime", "other T", "other.so"), "waiting.so");
     waiting.reset();
-    EXPECT_FALSE(registry.find("VTime")) << "what was refused does not wait";
+    EXPECT_FALSE(registry.find("VTime")) << "a refused creator does not wait";
     EXPECT_EQ(registry.add(other, "VTime", "other T", "other.so"), "");
     EXPECT_EQ(registry.find("VTime"), other);
 }
 
-TEST(CreatorRegistry, holdsACreatorOnceHoweverOftenItIsAdded)
+TEST(CreatorRegistry, holdsACreatorOnceEvenIfItIsAddedTwice)
 {
     Registry registry;
     auto first = makeStrong<Creator>();
@@ -93,7 +93,7 @@ TEST(CreatorRegistry, holdsACreatorOnceHoweverOftenItIsAdded)
     EXPECT_EQ(registry.find("VTime"), second);
 }
 
-TEST(CreatorRegistry, mayBeAskedWhileLibrariesComeAndGo)
+TEST(CreatorRegistry, mayBeQueriedWhileLibrariesComeAndGo)
 {
     Registry registry;
     const auto lasting = makeStrong<Creator>();
@@ -104,7 +104,7 @@ TEST(CreatorRegistry, mayBeAskedWhileLibrariesComeAndGo)
             const std::string name = "name " + std::to_string(i % 10);
             const auto creator = makeStrong<Creator>();
             EXPECT_EQ(registry.add(creator, name, name, "library"), "");
-            EXPECT_TRUE(registry.find(name)); // the other thread may hold an older one of the name
+            EXPECT_TRUE(registry.find(name)); // the other thread may hold an older creator of the name
         }
         done = true;
     });

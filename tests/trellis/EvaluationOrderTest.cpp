@@ -5,8 +5,8 @@
 #include <array>
 #include <random>
 
-// The order of evaluation, seen through the numbers that containers get; it is
-// worked out at the next evaluation.
+// The evaluation order, as shown by the numbers of the containers. The next evaluation
+// computes it.
 
 using namespace Orla;
 
@@ -16,7 +16,7 @@ class EvaluationOrderTest : public FrameworkTest {
 protected:
     StrongPtr<ValuePool> pool{new ValuePool("pool")};
 
-    // An object that writes nothing, so that loops end at once.
+    // Creates an object that writes nothing, so loops end at once.
     StrongPtr<Node> makeQuiet(const std::string& name, int inputs = 1)
     {
         auto node = makeNode(name, {});
@@ -26,13 +26,13 @@ protected:
         return node;
     }
 
-    // Works the order out.
+    // Computes the order.
     void evaluate(const StrongPtr<Node>& any) { runAll({any}, pool); }
 };
 
 } // namespace
 
-TEST_F(EvaluationOrderTest, standsForwardsBackwardsAndInAnyOrderOfConnecting)
+TEST_F(EvaluationOrderTest, isCorrectInWhateverOrderObjectsAreConnected)
 {
     constexpr std::size_t Count = 30;
     std::vector<std::size_t> links;
@@ -58,10 +58,10 @@ TEST_F(EvaluationOrderTest, standsForwardsBackwardsAndInAnyOrderOfConnecting)
     }
 }
 
-TEST_F(EvaluationOrderTest, putsReadersBehindEverythingThatTheyReadInRandomNetworks)
+TEST_F(EvaluationOrderTest, putsReadersAfterTheirSourcesInRandomNetworks)
 {
-    // Connections are made and cut at random; loops come and go. Which objects
-    // form loops is found the slow way: by who reaches whom.
+    // Makes and cuts connections at random, and with them loops. A transitive closure
+    // shows which objects form a loop.
     constexpr std::size_t Count = 9;
     constexpr std::size_t Inputs = 3;
     constexpr std::size_t None = Count;
@@ -128,7 +128,7 @@ TEST_F(EvaluationOrderTest, putsReadersBehindEverythingThatTheyReadInRandomNetwo
     }
 }
 
-TEST_F(EvaluationOrderTest, putsNobodyFromOutsideBetweenTheMembersOfALoop)
+TEST_F(EvaluationOrderTest, putsNoOutsiderBetweenTheMembersOfALoop)
 {
     const auto entry = makeQuiet("entry", 0);
     const auto a = makeQuiet("a", 2);
@@ -143,16 +143,16 @@ TEST_F(EvaluationOrderTest, putsNobodyFromOutsideBetweenTheMembersOfALoop)
     evaluate(entry);
     const std::uint32_t first = a->evaluationOrder();
     EXPECT_GT(first, entry->evaluationOrder());
-    EXPECT_EQ(b->evaluationOrder(), first + 1) << "from the entry on, each behind what it reads";
+    EXPECT_EQ(b->evaluationOrder(), first + 1) << "from the entry on, each member after its source";
     EXPECT_EQ(c->evaluationOrder(), first + 2);
     EXPECT_GT(reader->evaluationOrder(), first + 2);
 }
 
-TEST_F(EvaluationOrderTest, standsAgainWhenALoopIsOpenedByAConnectionOrByTheEndOfAMember)
+TEST_F(EvaluationOrderTest, isCorrectAgainAfterALoopIsOpened)
 {
-    for (const bool byEnd : {false, true}) {
+    for (const bool byDestruction : {false, true}) {
         for (std::size_t cut = 0; cut < 5; ++cut) {
-            SCOPED_TRACE(testing::Message() << byEnd << ' ' << cut);
+            SCOPED_TRACE(testing::Message() << byDestruction << ' ' << cut);
             std::vector<StrongPtr<Node>> ring;
             for (int i = 0; i < 5; ++i) {
                 ring.push_back(makeQuiet(std::to_string(i)));
@@ -161,7 +161,7 @@ TEST_F(EvaluationOrderTest, standsAgainWhenALoopIsOpenedByAConnectionOrByTheEndO
             }
             connect(ring.back(), ring.front(), "in 0");
             evaluate(ring[2]);
-            if (byEnd)
+            if (byDestruction)
                 ring[cut] = nullptr;
             else
                 ring[cut]->detach(ring[cut]->findSlot("in 0"));
@@ -189,47 +189,47 @@ TEST_F(EvaluationOrderTest, followsPassedInputsAndSharedParameters)
     passing->registerOutput(passing->findSlot("in 0"));
     const auto reader = makeQuiet("reader");
     connect(passing, reader, "in 0", "", "in 0");
-    const auto behind = makeQuiet("behind");
-    connect(reader, behind, "in 0");
+    const auto downstream = makeQuiet("downstream");
+    connect(reader, downstream, "in 0");
     connect(deep, passing, "in 0");
     evaluate(source);
     EXPECT_LT(deep->evaluationOrder(), passing->evaluationOrder());
     EXPECT_LT(deep->evaluationOrder(), reader->evaluationOrder());
-    EXPECT_LT(reader->evaluationOrder(), behind->evaluationOrder());
+    EXPECT_LT(reader->evaluationOrder(), downstream->evaluationOrder());
 
-    // An input that another container reads passes on what it reads itself.
+    // An input that another container reads passes on its own source.
     const auto owner = makeQuiet("owner");
     const auto sharing = makeQuiet("sharing");
     sharing->attachParameter(owner->findSlot("in 0")->parameter(), sharing->findSlot("in 0"), "");
     evaluate(source);
     EXPECT_LT(owner->evaluationOrder(), sharing->evaluationOrder());
-    connect(behind, owner, "in 0");
+    connect(downstream, owner, "in 0");
     evaluate(source);
-    EXPECT_LT(behind->evaluationOrder(), owner->evaluationOrder());
-    EXPECT_LT(behind->evaluationOrder(), sharing->evaluationOrder());
+    EXPECT_LT(downstream->evaluationOrder(), owner->evaluationOrder());
+    EXPECT_LT(downstream->evaluationOrder(), sharing->evaluationOrder());
 }
 
-TEST_F(EvaluationOrderTest, countsAnOutputThatIsDeclaredAfterItIsRead)
+TEST_F(EvaluationOrderTest, considersAnOutputDeclaredAfterItIsRead)
 {
     const auto source = makeQuiet("source");
     const auto writer = makeQuiet("writer");
     connect(source, writer, "in 0");
     const auto reader = makeQuiet("reader");
-    const auto behind = makeQuiet("behind");
-    connect(reader, behind, "in 0");
+    const auto downstream = makeQuiet("downstream");
+    connect(reader, downstream, "in 0");
     evaluate(source);
     const auto parameter = testParameter("late");
     reader->attachParameter(parameter, reader->findSlot("in 0"), "");
     writer->registerOutput(parameter, "late");
     evaluate(source);
     EXPECT_LT(writer->evaluationOrder(), reader->evaluationOrder());
-    EXPECT_LT(reader->evaluationOrder(), behind->evaluationOrder());
+    EXPECT_LT(reader->evaluationOrder(), downstream->evaluationOrder());
 }
 
-TEST_F(EvaluationOrderTest, isWorkedOutForLongLoopsOnAnOrdinaryStack)
+TEST_F(EvaluationOrderTest, isComputedForLongLoopsOnAnOrdinaryStack)
 {
 #if defined(SANITIZED)
-    constexpr std::size_t Count = 30'000; // frames are several times as large
+    constexpr std::size_t Count = 30'000; // stack frames are several times larger
 #else
     constexpr std::size_t Count = 100'000;
 #endif

@@ -23,7 +23,7 @@ std::unordered_map<std::uint64_t, Value> contentOf(IdTable<Value>& table)
 {
     std::unordered_map<std::uint64_t, Value> content;
     table.forEach([&content](std::uint64_t id, const Value& value) {
-        EXPECT_TRUE(content.emplace(id, value).second) << id << " is in twice";
+        EXPECT_TRUE(content.emplace(id, value).second) << id << " is contained twice";
     });
     return content;
 }
@@ -40,7 +40,7 @@ TEST(IdTable, startsEmpty)
     EXPECT_TRUE(table.release().empty());
 }
 
-TEST(IdTable, makesAnEntryWhereThereIsNone)
+TEST(IdTable, createsMissingEntries)
 {
     IdTable<std::string> table;
     EXPECT_EQ(table[7], "");
@@ -52,11 +52,11 @@ TEST(IdTable, makesAnEntryWhereThereIsNone)
     EXPECT_EQ(contentOf(table), (Content{{7, "seven"}, {8, "eight"}}));
 }
 
-TEST(IdTable, behavesAsAMapUnderRandomOperations)
+TEST(IdTable, behavesLikeAMapUnderRandomOperations)
 {
     std::mt19937_64 random(20'180'203);
-    // Few numbers that collide often, numbers in a row as the framework gives
-    // them, and numbers that differ in the upper bits alone.
+    // Few numbers that collide often, consecutive numbers like those of the framework,
+    // and numbers that differ only in the upper bits.
     const struct {
         std::uint64_t range;
         std::uint64_t factor;
@@ -97,7 +97,7 @@ TEST(IdTable, behavesAsAMapUnderRandomOperations)
     }
 }
 
-TEST(IdTable, handsItsValuesOut)
+TEST(IdTable, releasesItsValues)
 {
     IdTable<std::unique_ptr<int>> table;
     for (int i = 1; i <= 100; ++i)
@@ -112,7 +112,7 @@ TEST(IdTable, handsItsValuesOut)
     EXPECT_EQ(table.size(), 1u);
 }
 
-TEST(IdTable, isWholeWhenAnErasedValueLooksIntoIt)
+TEST(IdTable, isConsistentWhenTheDestructorOfAnErasedValueReadsIt)
 {
     struct Looking : Loam::ReferenceBase<Looking> {
         Looking(const std::vector<std::uint64_t>& theIds, IdTable<Loam::StrongPtr<Looking>>& theTable, int& theCount)
@@ -128,7 +128,7 @@ TEST(IdTable, isWholeWhenAnErasedValueLooksIntoIt)
         IdTable<Loam::StrongPtr<Looking>>& table;
         int& found;
     };
-    // As full as the table gets, so that entries stand in each other's places.
+    // As full as the table gets, so entries occupy each other's places.
     std::mt19937_64 random(9);
     std::vector<std::uint64_t> ids(192);
     std::ranges::generate(ids, [&random] { return random() | 1; });
@@ -138,7 +138,7 @@ TEST(IdTable, isWholeWhenAnErasedValueLooksIntoIt)
         table[id] = Loam::makeStrong<Looking>(ids, table, found);
     while (!ids.empty()) {
         found = 0;
-        const std::uint64_t id = ids.front(); // the first one of its neighbours
+        const std::uint64_t id = ids.front(); // the first of its neighbours
         ids.erase(ids.begin());
         table.erase(id);
         EXPECT_EQ(found, static_cast<int>(ids.size()));

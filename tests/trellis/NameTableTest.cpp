@@ -22,17 +22,17 @@ TEST(NameTable, findsEachOfManyNamesThatDifferInOneCharacter)
     EXPECT_THAT(table.find("StrongPtr<Chunk<10000>>"), IsNull());
 }
 
-TEST(NameTable, tellsNamesOfEachLengthApart)
+TEST(NameTable, distinguishesNamesOfEveryLength)
 {
     NameTable<std::size_t> table;
-    const std::string name(100, '\0'); // whose characters add nothing to a hash
+    const std::string name(100, '\0'); // the characters add nothing to a hash
     for (std::size_t length = 0; length <= name.size(); ++length)
         table[std::string_view(name).substr(0, length)] = length;
     for (std::size_t length = 0; length <= name.size(); ++length)
         EXPECT_THAT(table.find(std::string_view(name).substr(0, length)), Pointee(length));
 }
 
-TEST(NameTable, keepsReferencesWhileItGrows)
+TEST(NameTable, keepsReferencesValidWhileItGrows)
 {
     NameTable<int> table;
     int& first = table["first"];

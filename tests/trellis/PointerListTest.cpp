@@ -34,13 +34,13 @@ protected:
 
 static_assert(sizeof(PointerList<int>) == sizeof(int*));
 
-TEST_F(PointerListTest, isEmptyAtFirst)
+TEST_F(PointerListTest, startsEmpty)
 {
     EXPECT_THAT(list, IsEmpty());
     EXPECT_EQ(list.size(), 0u);
 }
 
-TEST_F(PointerListTest, keepsTheOrderInWhichPointersAreAdded)
+TEST_F(PointerListTest, keepsInsertionOrder)
 {
     for (std::size_t count = 1; count <= numbers.size(); ++count) {
         list = {};
@@ -52,7 +52,7 @@ TEST_F(PointerListTest, keepsTheOrderInWhichPointersAreAdded)
     }
 }
 
-TEST_F(PointerListTest, letsTheLastPointerTakeThePlaceOfARemovedOne)
+TEST_F(PointerListTest, movesTheLastPointerToThePlaceOfARemovedOne)
 {
     add(4);
     list.removeAt(1);
@@ -66,14 +66,14 @@ TEST_F(PointerListTest, letsTheLastPointerTakeThePlaceOfARemovedOne)
     EXPECT_THAT(list, ElementsAre(Pointee(0)));
 }
 
-TEST_F(PointerListTest, isEmptyAgainWhenItsOnlyPointerWasRemoved)
+TEST_F(PointerListTest, isEmptyAfterItsOnlyPointerIsRemoved)
 {
     add(1);
     list.removeAt(0);
     EXPECT_THAT(list, IsEmpty());
 }
 
-TEST_F(PointerListTest, keepsItsPointersWhenItMakesRoom)
+TEST_F(PointerListTest, keepsItsPointersWhenItReservesMemory)
 {
     add(1);
     list.reserve(100);
@@ -82,7 +82,7 @@ TEST_F(PointerListTest, keepsItsPointersWhenItMakesRoom)
     EXPECT_THAT(list, ElementsAre(Pointee(0), Pointee(0), Pointee(1)));
 }
 
-TEST_F(PointerListTest, isEmptyAfterItWasMovedFrom)
+TEST_F(PointerListTest, isEmptyAfterItIsMovedFrom)
 {
     for (const std::size_t count : {1u, 3u}) {
         add(count);

@@ -4,7 +4,7 @@
 
 #include <random>
 
-// Frames and queues are internal; the tests see them through pools and the scheduler.
+// Frames and queues are internal; the tests observe them through pools and the scheduler.
 
 using namespace Orla;
 using testing::ElementsAre;
@@ -17,8 +17,8 @@ protected:
     StrongPtr<ValuePool> pool{new ValuePool("pool")};
     std::vector<std::string> ran;
 
-    // An object that notes when it runs and writes nothing.
-    StrongPtr<Node> makeNoting(const std::string& name)
+    // Creates an object that records its runs and writes nothing.
+    StrongPtr<Node> makeRecorder(const std::string& name)
     {
         auto node = makeNode(name);
         node->work = [this](Node& self, VRequest&, double) {
@@ -31,28 +31,28 @@ protected:
 
 } // namespace
 
-TEST_F(PoolStateTest, queuesObjectsOfOneOrderAsTheyBecomeDue)
+TEST_F(PoolStateTest, queuesObjectsOfEqualOrderAsTheyBecomeDue)
 {
     std::vector<StrongPtr<Node>> nodes;
     for (const char* name : {"a", "b", "c", "d", "e"})
-        nodes.push_back(makeNoting(name));
+        nodes.push_back(makeRecorder(name));
     for (const std::size_t i : {3u, 0u, 4u, 2u, 1u, 0u, 3u})
         VScheduler::schedule(nodes[i], 0, pool);
     VScheduler::run(pool);
-    EXPECT_THAT(ran, ElementsAre("d", "a", "e", "c", "b")) << "who is due already keeps the place";
+    EXPECT_THAT(ran, ElementsAre("d", "a", "e", "c", "b")) << "an object that is already due keeps its place";
 }
 
 TEST_F(PoolStateTest, queuesSourcesBeforeTheirReaders)
 {
-    // Objects of all numbers from 0 to 29, due in random order, several of each.
+    // Several objects of each order number from 0 to 29, due in random order.
     std::vector<StrongPtr<Node>> sources;
     std::vector<StrongPtr<Node>> nodes;
     for (int i = 0; i < 30; ++i) {
-        sources.push_back(makeNoting("source"));
+        sources.push_back(makeRecorder("source"));
         if (i > 0)
             connect(sources[static_cast<std::size_t>(i) - 1], sources.back());
         for (int k = 0; k < 4; ++k) {
-            nodes.push_back(makeNoting(std::to_string(i)));
+            nodes.push_back(makeRecorder(std::to_string(i)));
             if (i > 0)
                 connect(sources[static_cast<std::size_t>(i) - 1], nodes.back());
         }
@@ -75,13 +75,13 @@ TEST_F(PoolStateTest, queuesSourcesBeforeTheirReaders)
     }
 }
 
-TEST_F(PoolStateTest, takesObjectsOutOfTheQueueWhenTheyGo)
+TEST_F(PoolStateTest, removesDestroyedObjectsFromTheQueue)
 {
     std::mt19937 random(4);
     for (int round = 0; round < 30; ++round) {
         std::vector<StrongPtr<Node>> nodes;
         for (int i = 0; i < 20; ++i) {
-            nodes.push_back(makeNoting(std::to_string(i)));
+            nodes.push_back(makeRecorder(std::to_string(i)));
             if (i % 10 != 0)
                 connect(nodes[nodes.size() - 2], nodes.back());
         }
@@ -90,10 +90,10 @@ TEST_F(PoolStateTest, takesObjectsOutOfTheQueueWhenTheyGo)
             VScheduler::schedule(node, 0, pool);
         std::vector<std::string> expected;
         std::erase_if(nodes, [&](const StrongPtr<Node>& node) {
-            const bool goes = random() % 2 == 0;
-            if (!goes)
+            const bool isRemoved = random() % 2 == 0;
+            if (!isRemoved)
                 expected.push_back(node->Name());
-            return goes;
+            return isRemoved;
         });
         ran.clear();
         EXPECT_EQ(VScheduler::isDue(pool), !nodes.empty());
@@ -103,10 +103,10 @@ TEST_F(PoolStateTest, takesObjectsOutOfTheQueueWhenTheyGo)
     }
 }
 
-TEST_F(PoolStateTest, letsADueObjectRunAtItsNewPlaceWhenItsOrderWasLoweredMeanwhile)
+TEST_F(PoolStateTest, runsADueObjectAtItsNewPlaceAfterItsOrderIsLowered)
 {
-    // "late" is due at the end of a chain; then its connection is cut, and what
-    // reads it stands in front of where it was queued.
+    // "late" is due at the end of a chain. After its connection is cut, its reader comes
+    // before the place where it was queued.
     std::vector<StrongPtr<Node>> chain;
     for (int i = 0; i < 10; ++i) {
         chain.push_back(makeNode(std::to_string(i)));
@@ -136,9 +136,9 @@ TEST_F(PoolStateTest, letsADueObjectRunAtItsNewPlaceWhenItsOrderWasLoweredMeanwh
     }
 }
 
-TEST_F(PoolStateTest, givesAnObjectOnlyWhatItHasItself)
+TEST_F(PoolStateTest, createsVariablesOnlyForObjectsThatRun)
 {
-    // Pools follow their variables, not the size of the network.
+    // The size of a pool depends on its variables, not on the network.
     std::vector<StrongPtr<Node>> nodes;
     for (int i = 0; i < 100; ++i)
         nodes.push_back(makeNode("node"));
@@ -146,7 +146,7 @@ TEST_F(PoolStateTest, givesAnObjectOnlyWhatItHasItself)
     EXPECT_EQ(pool->variableCount(), 2u);
 }
 
-TEST_F(PoolStateTest, completesTheVariablesBeforeAnUpdate)
+TEST_F(PoolStateTest, createsMissingVariablesBeforeAnUpdate)
 {
     const auto node = makeNode("node", {"first"});
     std::size_t variables = 0;
@@ -168,10 +168,10 @@ TEST_F(PoolStateTest, completesTheVariablesBeforeAnUpdate)
     const auto writer = makeNode("writer");
     connect(writer, node, "first");
     runAll({node}, pool);
-    EXPECT_EQ(variables, 4u) << "the writer never ran, so its variable was made for the reader";
+    EXPECT_EQ(variables, 4u) << "the writer never ran, so its variable was created for the reader";
 }
 
-TEST_F(PoolStateTest, makesManySmallPoolsAsNaturalAsALargeOne)
+TEST_F(PoolStateTest, supportsManySmallPools)
 {
     std::vector<StrongPtr<Node>> nodes{makeNode("a"), makeNode("b"), makeNode("c")};
     connect(nodes[0], nodes[1]);
@@ -196,7 +196,7 @@ TEST_F(PoolStateTest, makesManySmallPoolsAsNaturalAsALargeOne)
     }
 }
 
-TEST_F(PoolStateTest, forgetsAContainerInAllPoolsWithoutForgettingWhatOthersRead)
+TEST_F(PoolStateTest, removesAContainerFromAllPoolsButKeepsValuesThatOthersRead)
 {
     auto writer = makeNode("writer");
     const auto reader = makeNode("reader");

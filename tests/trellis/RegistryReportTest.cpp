@@ -5,7 +5,7 @@
 #include <loam/Environment.hpp>
 #include <loam/TypeInfo.hpp>
 
-// What a refused registration says; the registries themselves have their own tests.
+// The warning about a refused registration; the registries have their own tests.
 
 using namespace Orla;
 using namespace Orla::Detail;

@@ -28,7 +28,7 @@ class TypedSlotCreatorTest : public FrameworkTest {};
 
 } // namespace
 
-TEST_F(TypedSlotCreatorTest, isFoundByTheType)
+TEST_F(TypedSlotCreatorTest, isFoundByType)
 {
     const auto alpha = Loam::makeStrong<Creator>();
     const auto beta = Loam::makeStrong<Creator>();
@@ -40,7 +40,7 @@ TEST_F(TypedSlotCreatorTest, isFoundByTheType)
     EXPECT_THAT(TypedSlotCreator::typeKeys(), Contains(Loam::typeKey(typeid(Alpha))));
 }
 
-TEST_F(TypedSlotCreatorTest, isGoneWithItsLibrary)
+TEST_F(TypedSlotCreatorTest, isRemovedWithItsLibrary)
 {
     auto first = Loam::makeStrong<Creator>();
     auto second = Loam::makeStrong<Creator>();
@@ -54,14 +54,14 @@ TEST_F(TypedSlotCreatorTest, isGoneWithItsLibrary)
     EXPECT_THAT(TypedSlotCreator::typeKeys(), Not(Contains(Loam::typeKey(typeid(Alpha)))));
 }
 
-TEST_F(TypedSlotCreatorTest, isNotRegisteredOnceItIsGone)
+TEST_F(TypedSlotCreatorTest, isNotRegisteredAfterItsDestruction)
 {
     EXPECT_FALSE(TypedSlotCreator::registerTypedSlotCreator(typeid(Alpha), nullptr));
-    const WeakPtrImpl<TypedSlotCreator> gone = Loam::makeStrong<Creator>();
-    EXPECT_FALSE(TypedSlotCreator::registerTypedSlotCreator(typeid(Alpha), gone));
+    const WeakPtrImpl<TypedSlotCreator> destroyed = Loam::makeStrong<Creator>();
+    EXPECT_FALSE(TypedSlotCreator::registerTypedSlotCreator(typeid(Alpha), destroyed));
 }
 
-TEST_F(TypedSlotCreatorTest, makesInputsFromText)
+TEST_F(TypedSlotCreatorTest, createsInputsFromText)
 {
     const auto creator = Loam::makeStrong<Creator>();
     const auto node = makeNode("node", {});

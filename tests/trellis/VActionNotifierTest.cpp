@@ -36,7 +36,7 @@ struct Notifier : VActionNotifier {
     static inline std::vector<std::string> events;
 };
 
-// Here warnings reach the notifiers of the tests alone.
+// Here warnings reach only the notifiers of the tests.
 class VActionNotifierTest : public testing::Test {
 protected:
     VActionNotifierTest() { Notifier::events.clear(); }
@@ -63,7 +63,7 @@ TEST_F(VActionNotifierTest, isAddedAndRemovedOnce)
     EXPECT_FALSE(VActionNotifier::remove(nullptr));
 }
 
-TEST_F(VActionNotifierTest, hearsWarningsInTheOrderOfAdding)
+TEST_F(VActionNotifierTest, receivesWarningsInTheOrderOfAdding)
 {
     VActionNotifier::add(second);
     VActionNotifier::add(first);
@@ -71,7 +71,7 @@ TEST_F(VActionNotifierTest, hearsWarningsInTheOrderOfAdding)
     EXPECT_THAT(Notifier::events, ElementsAre("second warned: careful", "first warned: careful"));
 }
 
-TEST_F(VActionNotifierTest, leavesWarningsToStandardErrorIfNobodyShowsThem)
+TEST_F(VActionNotifierTest, writesWarningsToStandardErrorUnlessTheyAreShown)
 {
     EXPECT_EQ(onStandardError("lost? 100%"), "lost? 100%\n");
     VActionNotifier::add(second);
@@ -88,10 +88,10 @@ TEST_F(VActionNotifierTest, isNotKeptAlive)
 {
     VActionNotifier::add(first);
     first.reset();
-    EXPECT_EQ(onStandardError("nobody"), "nobody\n");
+    EXPECT_EQ(onStandardError("not shown"), "not shown\n");
 }
 
-TEST_F(VActionNotifierTest, maySeeOthersComeAndGoMeanwhile)
+TEST_F(VActionNotifierTest, mayAddAndRemoveNotifiersDuringAWarning)
 {
     auto doomed = Loam::makeStrong<Notifier>("doomed");
     auto removed = Loam::makeStrong<Notifier>("removed");
@@ -111,7 +111,7 @@ TEST_F(VActionNotifierTest, maySeeOthersComeAndGoMeanwhile)
     EXPECT_THAT(Notifier::events, ElementsAre("second warned: again", "late warned: again"));
 }
 
-TEST_F(VActionNotifierTest, mayWarnWhileItHearsAWarning)
+TEST_F(VActionNotifierTest, mayWarnDuringAWarning)
 {
     VActionNotifier::add(first);
     first->reaction = [this] {
@@ -122,7 +122,7 @@ TEST_F(VActionNotifierTest, mayWarnWhileItHearsAWarning)
     EXPECT_THAT(Notifier::events, ElementsAre("first warned: outer", "first warned: inner"));
 }
 
-TEST_F(VActionNotifierTest, hearsOfObjectsThatAreAnnouncedAndRemoved)
+TEST_F(VActionNotifierTest, isNotifiedOfAnnouncedAndRemovedObjects)
 {
     VActionNotifier::add(first);
     Loam::InterfaceContainer interfaces;

@@ -65,7 +65,7 @@ protected:
 
 } // namespace
 
-TEST_F(VConnectableTest, connectsToTheProviderThatIsMarkedAsUnique)
+TEST_F(VConnectableTest, connectsToTheProviderMarkedAsUnique)
 {
     announceProvider("other", {"local"});
     announce(makeNode("plain"));
@@ -77,13 +77,13 @@ TEST_F(VConnectableTest, connectsToTheProviderThatIsMarkedAsUnique)
     EXPECT_FALSE(node->attachUniqueObject(nullptr, nullptr, false));
 }
 
-TEST_F(VConnectableTest, takesTheBestOfSeveralProviders)
+TEST_F(VConnectableTest, choosesTheBestOfSeveralProviders)
 {
     const auto first = announceProvider("first", {"unique"});
     const auto second = announceProvider("second", {"unique", "GlobalTime"});
     const auto third = announceProvider("third", {"unique", "GlobalTime"});
     EXPECT_TRUE(attach());
-    EXPECT_TRUE(reads(first)) << "all the same without a wish, so the first";
+    EXPECT_TRUE(reads(first)) << "without preferences all are equal, so the first is chosen";
     EXPECT_TRUE(attach(preferences({"GlobalTime"})));
     EXPECT_TRUE(reads(second));
     second->creationPreferences()->setHandicap(0.5);
@@ -115,7 +115,7 @@ TEST_F(VConnectableTest, isNeverItsOwnProvider)
     EXPECT_TRUE(reads(other));
 }
 
-TEST_F(VConnectableTest, makesTheProviderThatIsRegisteredIfItIsAskedTo)
+TEST_F(VConnectableTest, createsTheRegisteredProviderOnRequest)
 {
     const VObjectType<Provider> type{"Clock", preferences({"unique"}), &typeid(double)};
     EXPECT_FALSE(attach());
@@ -128,12 +128,12 @@ TEST_F(VConnectableTest, makesTheProviderThatIsRegisteredIfItIsAskedTo)
 
     const auto second = makeNode("second");
     EXPECT_TRUE(second->attachUniqueObject(second->findSlot("in"), nullptr, true));
-    EXPECT_EQ(VManagedObject::count(), 1u) << "there is one now";
+    EXPECT_EQ(VManagedObject::count(), 1u) << "the provider exists now";
     EXPECT_EQ(second->findSlot("in")->parameter(), slot->parameter());
     VManagedObject::remove(clock);
 }
 
-TEST_F(VConnectableTest, leavesTheSlotAsItWasIfNothingIsFoundOrMade)
+TEST_F(VConnectableTest, leavesTheSlotUnchangedIfNoProviderIsFoundOrCreated)
 {
     struct Failing : VObjectCreator {
         Failing() : VObjectCreator{typeid(Failing), &typeid(double)} {}

@@ -19,7 +19,7 @@ VCreationPreferences wordsOf(std::initializer_list<const char*> words)
 
 } // namespace
 
-TEST(VCreationPreferences, areASetOfWordsInTheOrderOfAdding)
+TEST(VCreationPreferences, areASetOfWordsInInsertionOrder)
 {
     VCreationPreferences preferences{"unique", "GlobalTime"};
     EXPECT_TRUE(preferences.add("local"));
@@ -31,7 +31,7 @@ TEST(VCreationPreferences, areASetOfWordsInTheOrderOfAdding)
     EXPECT_FALSE(preferences.contains(""));
 }
 
-TEST(VCreationPreferences, leaveEmptyWordsOut)
+TEST(VCreationPreferences, ignoreEmptyWords)
 {
     EXPECT_THAT((VCreationPreferences{"", "wish"}.words()), ElementsAre("wish"));
     EXPECT_THAT((VCreationPreferences{"purpose", ""}.words()), ElementsAre("purpose"));
@@ -39,17 +39,17 @@ TEST(VCreationPreferences, leaveEmptyWordsOut)
     EXPECT_TRUE(VCreationPreferences().words().empty());
 }
 
-TEST(VCreationPreferences, weighByTheWishesThatTheyDoNotMeet)
+TEST(VCreationPreferences, weighTheNumberOfMissingWords)
 {
     const auto has = wordsOf({"a", "b", "c"});
     EXPECT_EQ(has.weight(wordsOf({})), 0);
-    EXPECT_EQ(has.weight(wordsOf({"a", "c"})), 0) << "more than was wanted is no fault";
+    EXPECT_EQ(has.weight(wordsOf({"a", "c"})), 0) << "additional words do not count";
     EXPECT_EQ(has.weight(wordsOf({"a", "x"})), 1);
     EXPECT_EQ(has.weight(wordsOf({"x", "y", "b"})), 2);
     EXPECT_EQ(VCreationPreferences().weight(has), 3);
 }
 
-TEST(VCreationPreferences, addTheHandicapOfTheCandidateAlone)
+TEST(VCreationPreferences, addOnlyTheHandicapOfTheCandidate)
 {
     auto has = wordsOf({"a"});
     auto wanted = wordsOf({"a", "b"});
@@ -60,7 +60,7 @@ TEST(VCreationPreferences, addTheHandicapOfTheCandidateAlone)
     EXPECT_EQ(has.weight(wanted), 0.5);
 }
 
-TEST(VCreationPreferences, mayAnswerAsADerivedClassDoes)
+TEST(VCreationPreferences, useTheWordsOfADerivedClass)
 {
     struct Everything : VCreationPreferences {
         bool contains(const std::string&) const override { return true; }

@@ -14,7 +14,7 @@
 #include <stdexcept>
 #include <thread>
 
-// Evaluating one pool in several threads.
+// Evaluates one pool in several threads.
 
 using namespace Orla;
 using namespace std::chrono_literals;
@@ -26,7 +26,7 @@ namespace {
 
 using Nodes = std::vector<StrongPtr<Node>>;
 
-// Keeps tasks until the end, as a thread pool does that is busy elsewhere.
+// Keeps tasks until the end, like a thread pool that is busy elsewhere.
 class Busy final : public VExecutor {
 public:
     unsigned concurrency() const noexcept override { return 2; }
@@ -34,7 +34,7 @@ public:
     std::vector<std::function<void()>> tasks;
 };
 
-// Two updates that can only return together.
+// Lets two updates return only together.
 class Meeting {
 public:
     bool wait()
@@ -51,8 +51,8 @@ private:
     int m_count = 0;
 };
 
-struct Hearing final : VValueListener {
-    explicit Hearing(std::vector<std::string>& theEntries, std::string theName)
+struct RecordingListener final : VValueListener {
+    explicit RecordingListener(std::vector<std::string>& theEntries, std::string theName)
         : entries{theEntries}, name{std::move(theName)}
     {
     }
@@ -74,7 +74,7 @@ protected:
 
 } // namespace
 
-TEST_F(VExecutorTest, runsIndependentObjectsAtTheSameTime)
+TEST_F(VExecutorTest, runsIndependentObjectsConcurrently)
 {
     Meeting meeting;
     const auto a = makeNode("a");
@@ -91,9 +91,9 @@ TEST_F(VExecutorTest, runsIndependentObjectsAtTheSameTime)
     EXPECT_EQ(summary.failures, 0u);
 }
 
-TEST_F(VExecutorTest, runsObjectsOfDifferentDepthAtTheSameTime)
+TEST_F(VExecutorTest, runsObjectsOfDifferentDepthConcurrently)
 {
-    // Only one of the two has something before it.
+    // Only one of the two has a source.
     for (const bool isFirst : {false, true}) {
         SCOPED_TRACE(isFirst);
         Meeting meeting;
@@ -122,7 +122,7 @@ TEST_F(VExecutorTest, givesTheSameResultsAndNotificationsAsASerialRun)
 #else
     constexpr unsigned Networks = 2000;
 #endif
-    // Updates never count as short, always, and when they are.
+    // Updates count as short never, always, or when they are short.
     constexpr std::chrono::nanoseconds handOverTimes[] = {0s, 1h, 1us};
     for (unsigned seed = 0; seed < Networks; ++seed) {
         std::mt19937 random(seed);
@@ -137,9 +137,9 @@ TEST_F(VExecutorTest, givesTheSameResultsAndNotificationsAsASerialRun)
         VScheduler::Summary summaries[2];
         for (const bool isConcurrent : {false, true}) {
             std::vector<std::string>& entries = isConcurrent ? concurrent : serial;
-            std::vector<StrongPtr<Hearing>> logs;
+            std::vector<StrongPtr<RecordingListener>> logs;
             for (const StrongPtr<Node>& node : nodes) {
-                logs.push_back(Loam::makeStrong<Hearing>(entries, node->Name()));
+                logs.push_back(Loam::makeStrong<RecordingListener>(entries, node->Name()));
                 if (seed % 2 == 0)
                     node->findOutput("out")->parameter()->addListener(logs.back());
             }
@@ -168,7 +168,7 @@ TEST_F(VExecutorTest, givesTheSameResultsAndNotificationsAsASerialRun)
     }
 }
 
-TEST_F(VExecutorTest, runsShortUpdatesInTheCallingThreadFromTheSecondOneOn)
+TEST_F(VExecutorTest, runsShortUpdatesInTheCallingThreadFromTheSecondRunOn)
 {
     std::mutex mutex;
     std::set<std::thread::id> threads;
@@ -193,7 +193,7 @@ TEST_F(VExecutorTest, runsShortUpdatesInTheCallingThreadFromTheSecondOneOn)
     EXPECT_THAT(threadsOfARun(1h), ElementsAre(std::this_thread::get_id()));
 }
 
-TEST_F(VExecutorTest, handsAnObjectOverAgainWhoseUpdatesBecomeLong)
+TEST_F(VExecutorTest, handsAnObjectOverAgainWhenItsUpdatesBecomeLong)
 {
     Meeting meeting;
     bool isLong = false;
@@ -222,7 +222,7 @@ TEST_F(VExecutorTest, handsAnObjectOverAgainWhoseUpdatesBecomeLong)
     EXPECT_EQ(runBoth(), 0u);
 }
 
-TEST_F(VExecutorTest, doesWithoutThreadsThatAreBusy)
+TEST_F(VExecutorTest, worksWithoutBusyThreads)
 {
     Busy busy;
     Nodes nodes;
@@ -238,7 +238,7 @@ TEST_F(VExecutorTest, doesWithoutThreadsThatAreBusy)
         task(); // long after the run
 }
 
-TEST_F(VExecutorTest, passesOnWhatTheExecutorThrows)
+TEST_F(VExecutorTest, propagatesExceptionsOfTheExecutor)
 {
     struct Throwing final : VExecutor {
         unsigned concurrency() const noexcept override { return 2; }
@@ -258,7 +258,7 @@ TEST_F(VExecutorTest, passesOnWhatTheExecutorThrows)
     EXPECT_EQ(VScheduler::run(pool).updates, 1u);
 }
 
-TEST_F(VExecutorTest, keepsWhatIsDueWhenItIsCancelled)
+TEST_F(VExecutorTest, keepsDueObjectsWhenItIsCancelled)
 {
     Nodes nodes;
     VRequest request(pool);
@@ -284,7 +284,7 @@ TEST_F(VExecutorTest, keepsWhatIsDueWhenItIsCancelled)
     EXPECT_EQ(reader->read(pool, "out"), 2);
 }
 
-TEST_F(VExecutorTest, runsLoopsAsASerialRunDoes)
+TEST_F(VExecutorTest, runsLoopsLikeASerialRun)
 {
     const auto a = makeNode("a");
     const auto b = makeNode("b");
@@ -325,7 +325,7 @@ TEST_F(VExecutorTest, letsConcurrentUpdatesChangeTheNetwork)
     }
 }
 
-TEST_F(VExecutorTest, recordsWhatUpdatesScheduleForItsTurn)
+TEST_F(VExecutorTest, combinesSchedulingByConcurrentUpdates)
 {
     const auto target = makeNode("target");
     std::vector<double> precisions;
@@ -348,7 +348,7 @@ TEST_F(VExecutorTest, recordsWhatUpdatesScheduleForItsTurn)
 
 namespace {
 
-// Writes a number to an object's input as soon as a value changes.
+// Writes a number to an object's input when a value changes.
 struct Writing final : VValueListener {
     explicit Writing(StrongPtr<VSlot> theInput) : input{std::move(theInput)} {}
     void valueChanged(const ValueNotifierList&, const StrongPtr<ValuePool>& pool) override
@@ -360,7 +360,7 @@ struct Writing final : VValueListener {
 
 } // namespace
 
-TEST_F(VExecutorTest, runsAnObjectAgainAfterAListenerWroteItsInput)
+TEST_F(VExecutorTest, runsAnObjectAgainAfterAListenerWritesItsInput)
 {
     const auto first = makeNode("first");
     const auto second = makeNode("second");
@@ -374,7 +374,7 @@ TEST_F(VExecutorTest, runsAnObjectAgainAfterAListenerWroteItsInput)
     EXPECT_FALSE(VScheduler::isDue(pool));
 }
 
-TEST_F(VExecutorTest, showsAnObjectWhatAListenerWroteBeforeItsTurn)
+TEST_F(VExecutorTest, runsAnObjectAfterListenersHaveWrittenItsInputs)
 {
     // "deep" would be ready long before "slow" returns.
     const auto slow = makeNode("slow");
@@ -395,7 +395,7 @@ TEST_F(VExecutorTest, showsAnObjectWhatAListenerWroteBeforeItsTurn)
     EXPECT_EQ(deep->runs, 1u);
 }
 
-TEST_F(VExecutorTest, runsAnObjectAgainThatIsScheduledAfterAnEarlyStart)
+TEST_F(VExecutorTest, runsAnObjectAgainIfItIsScheduledAfterAnEarlyStart)
 {
     Meeting meeting;
     const auto source = makeNode("source");
@@ -417,15 +417,15 @@ TEST_F(VExecutorTest, runsAnObjectAgainThatIsScheduledAfterAnEarlyStart)
     EXPECT_THAT(precisions, ElementsAre(0, 3));
 }
 
-TEST_F(VExecutorTest, runsObjectsInTurnThatShareMoreThanValues)
+TEST_F(VExecutorTest, runsObjectsThatShareMoreThanValuesInTurn)
 {
-    std::vector<std::string> order; // which they share
+    std::vector<std::string> order; // shared by the objects
     std::vector<std::string> expected;
     Nodes nodes;
     for (int i = 0; i < 20; ++i) {
         nodes.push_back(makeNode(std::to_string(i)));
         if (i % 3 == 0)
-            continue; // runs beside the others
+            continue; // runs concurrently with the others
         expected.push_back(nodes.back()->Name());
         nodes.back()->runsInTurn();
         nodes.back()->work = [&order, i](Node& self, VRequest& request, double) {

@@ -34,7 +34,7 @@ struct Visitor : VManagedObjectIterator {
 constexpr int Lowest = std::numeric_limits<int>::min();
 constexpr int Highest = std::numeric_limits<int>::max();
 
-// Goes in the middle of the end of everything, takes another one along, and talks.
+// Removes another object, warns and uses the registry while the program exits.
 struct Talking : Node {
     explicit Talking(const std::string& name) : Node{name}
     {
@@ -43,7 +43,7 @@ struct Talking : Node {
     }
     ~Talking() override
     {
-        VActionNotifier::Warning(Name() + " goes");
+        VActionNotifier::Warning(Name() + " is destroyed");
         VManagedObject::remove(VManagedObject::find("second"));
         VManagedObject::add(Loam::makeStrong<Thing>("late", 0));
         Visitor visitor;
@@ -53,9 +53,9 @@ struct Talking : Node {
     }
 };
 
-[[noreturn]] void endTheProgramWithObjects()
+[[noreturn]] void exitWithRegisteredObjects()
 {
-    static StrongPtr<Node> kept; // made before everything else, so it goes last
+    static StrongPtr<Node> kept; // constructed first, destroyed last
     kept = Loam::makeStrong<Talking>("kept");
     {
         const std::vector<StrongPtr<Node>> nodes{Loam::makeStrong<Talking>("first"),
@@ -116,14 +116,14 @@ TEST_F(VManagedObjectTest, isKeptAliveUntilItIsRemoved)
     EXPECT_EQ(VManagedObject::count(), 0u);
 }
 
-TEST_F(VManagedObjectTest, takesNoNull)
+TEST_F(VManagedObjectTest, rejectsNull)
 {
     EXPECT_FALSE(VManagedObject::add(nullptr));
     EXPECT_FALSE(VManagedObject::remove(nullptr));
     EXPECT_EQ(VManagedObject::count(), 0u);
 }
 
-TEST_F(VManagedObjectTest, isFoundByNameWhoWasAddedFirstOnTheLowestLevel)
+TEST_F(VManagedObjectTest, isFoundByNameOnTheLowestLevelFirst)
 {
     const auto high = add("name", 5);
     const auto first = add("name", 1);
@@ -138,7 +138,7 @@ TEST_F(VManagedObjectTest, isFoundByNameWhoWasAddedFirstOnTheLowestLevel)
     EXPECT_EQ(VManagedObject::find("name"), first);
 }
 
-TEST_F(VManagedObjectTest, isVisitedByLevelAndThenInTheOrderOfAdding)
+TEST_F(VManagedObjectTest, isVisitedByLevelAndThenInInsertionOrder)
 {
     for (const auto& [name, level] : {std::pair{"d", 2}, {"b", 0}, {"e", 2}, {"a", -1}, {"c", 0}, {"f", Highest}})
         add(name, level);
@@ -149,7 +149,7 @@ TEST_F(VManagedObjectTest, isVisitedByLevelAndThenInTheOrderOfAdding)
     EXPECT_THAT(namesBetween(Highest, Highest), ElementsAre("f"));
 }
 
-TEST_F(VManagedObjectTest, isVisitedUntilAVisitEndsIt)
+TEST_F(VManagedObjectTest, isVisitedUntilAVisitReturnsFalse)
 {
     add("a");
     add("b");
@@ -159,7 +159,7 @@ TEST_F(VManagedObjectTest, isVisitedUntilAVisitEndsIt)
     EXPECT_THAT(visitor.names, ElementsAre("a", "b"));
 }
 
-TEST_F(VManagedObjectTest, isNotVisitedIfItIsAddedMeanwhileOnWhateverLevel)
+TEST_F(VManagedObjectTest, isNotVisitedIfItIsAddedDuringATraversal)
 {
     add("a", 1);
     add("b", 1);
@@ -173,7 +173,7 @@ TEST_F(VManagedObjectTest, isNotVisitedIfItIsAddedMeanwhileOnWhateverLevel)
     EXPECT_EQ(VManagedObject::count(), 10u);
 }
 
-TEST_F(VManagedObjectTest, isNotVisitedIfItIsRemovedMeanwhile)
+TEST_F(VManagedObjectTest, isNotVisitedIfItIsRemovedDuringATraversal)
 {
     for (const char* name : {"a", "b", "c", "d", "e"})
         add(name, name[0] == 'e' ? 1 : 0);
@@ -181,7 +181,7 @@ TEST_F(VManagedObjectTest, isNotVisitedIfItIsRemovedMeanwhile)
         if (object->Name() == "b") {
             for (const char* name : {"a", "b", "c", "e"})
                 VManagedObject::remove(VManagedObject::find(name));
-            // Another walk while this one stands in the gaps.
+            // A nested traversal while this one is at a removed entry.
             EXPECT_THAT(namesBetween(Lowest, Highest), ElementsAre("d"));
             VManagedObject::add(object);
         }
@@ -217,7 +217,7 @@ TEST_F(VManagedObjectTest, isRemovedInAnyOrder)
     }
 }
 
-TEST_F(VManagedObjectTest, mayRemoveOthersWhenItGoes)
+TEST_F(VManagedObjectTest, mayRemoveOthersWhenItIsDestroyed)
 {
     struct Owner : Thing {
         Owner() : Thing{"owner", 0} {}
@@ -231,7 +231,7 @@ TEST_F(VManagedObjectTest, mayRemoveOthersWhenItGoes)
     EXPECT_THAT(namesBetween(Lowest, Highest), ElementsAre("first", "last"));
 }
 
-TEST_F(VManagedObjectTest, mayBeRemovedThroughThePointerThatTheRegistryShows)
+TEST_F(VManagedObjectTest, mayBeRemovedThroughThePointerPassedToAVisitor)
 {
     struct Removing : VManagedObjectIterator {
         bool apply(const StrongPtr<VManagedObject>& object) override { return VManagedObject::remove(object); }
@@ -256,7 +256,7 @@ TEST_F(VManagedObjectTest, survivesAVisitThatThrows)
     EXPECT_THAT(namesBetween(0, 0), ElementsAre("b", "c"));
 }
 
-TEST_F(VManagedObjectTest, mayStayRegisteredAtTheEndOfTheProgram)
+TEST_F(VManagedObjectTest, mayStayRegisteredUntilTheProgramExits)
 {
-    EXPECT_EXIT(endTheProgramWithObjects(), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(exitWithRegisteredObjects(), testing::ExitedWithCode(0), "");
 }

@@ -36,14 +36,14 @@ protected:
 
 } // namespace
 
-TEST_F(VNetworkTest, isTheDefaultOneWithoutAScope)
+TEST_F(VNetworkTest, isTheDefaultNetworkOutsideAScope)
 {
     const auto node = makeNode("node");
     EXPECT_EQ(&VNetwork::current(), &VNetwork::defaultNetwork());
     EXPECT_EQ(node->network(), &VNetwork::defaultNetwork());
 }
 
-TEST_F(VNetworkTest, isCurrentInItsInnermostScope)
+TEST_F(VNetworkTest, isCurrentInTheInnermostScope)
 {
     VNetwork outer;
     VNetwork inner;
@@ -57,7 +57,7 @@ TEST_F(VNetworkTest, isCurrentInItsInnermostScope)
     EXPECT_EQ(makeNode("node")->network(), &outer);
 }
 
-TEST_F(VNetworkTest, showsItsOwnObjectsAlone)
+TEST_F(VNetworkTest, showsOnlyItsOwnObjects)
 {
     const auto outside = announce("outside");
     VNetwork network;
@@ -95,13 +95,13 @@ TEST_F(VNetworkTest, removesItsObjectsValuesAndConnectionsWhenItIsDestroyed)
     EXPECT_EQ(pool->variableCount(), 0u);
     EXPECT_FALSE(VScheduler::isDue(pool));
 
-    // The pool is free for another network.
+    // Another network may use the pool.
     const auto other = makeNode("other");
     other->write(pool, "in", 1.0);
     EXPECT_EQ(VScheduler::run(pool).updates, 1u);
 }
 
-TEST_F(VNetworkTest, leavesObjectsThatAreHeldWithoutConnections)
+TEST_F(VNetworkTest, disconnectsObjectsThatOutliveIt)
 {
     StrongPtr<Node> first;
     StrongPtr<Node> second;
@@ -153,7 +153,7 @@ TEST_F(VNetworkTest, refusesPoolsThatAnotherNetworkUses)
     EXPECT_EQ(VScheduler::run(pool).updates, 1u);
 }
 
-TEST_F(VNetworkTest, schedulesAllOfItsOwnObjects)
+TEST_F(VNetworkTest, schedulesOnlyItsOwnObjects)
 {
     const auto outside = announce("outside");
     VNetwork network;
@@ -163,7 +163,7 @@ TEST_F(VNetworkTest, schedulesAllOfItsOwnObjects)
         announce("inside");
         EXPECT_EQ(VScheduler::scheduleAll(pool), 1u);
     }
-    EXPECT_EQ(VScheduler::scheduleAll(pool), 1u) << "the pool knows its network by now";
+    EXPECT_EQ(VScheduler::scheduleAll(pool), 1u) << "the pool knows its network now";
     VManagedObject::remove(outside);
 }
 
@@ -193,7 +193,7 @@ TEST_F(VNetworkTest, resolvesRelativeFileNames)
     EXPECT_EQ(VNetwork{}.resolve("week.json"), "week.json");
 }
 
-TEST_F(VNetworkTest, mayBeDestroyedByAnUpdateOfItsOwn)
+TEST_F(VNetworkTest, mayBeDestroyedByItsOwnUpdate)
 {
     auto network = std::make_unique<VNetwork>();
     StrongPtr<Node> other;
@@ -216,7 +216,7 @@ TEST_F(VNetworkTest, mayBeDestroyedByAnUpdateOfItsOwn)
     const VScheduler::Summary summary = VScheduler::run(pool);
     EXPECT_EQ(summary.outcome, VScheduler::Outcome::Done);
     EXPECT_EQ(summary.updates, 2u);
-    EXPECT_EQ(readAfterwards, 7) << "the update continues with the values that it has";
+    EXPECT_EQ(readAfterwards, 7) << "the update continues with its values";
     EXPECT_EQ(other->runs, 0u);
     EXPECT_EQ(Node::living, 1u);
 }

@@ -30,7 +30,7 @@ class VObjectCreatorTest : public FrameworkTest {};
 
 } // namespace
 
-TEST_F(VObjectCreatorTest, makesObjectsOfItsTypeThatAreNotFinished)
+TEST_F(VObjectCreatorTest, createsUnfinishedObjectsOfItsType)
 {
     const VObjectType<Ticker> type{"Ticker"};
     const StrongPtr<VObjectCreator> creator = VObjectCreator::find("Ticker");
@@ -48,7 +48,7 @@ TEST_F(VObjectCreatorTest, makesObjectsOfItsTypeThatAreNotFinished)
     EXPECT_FALSE(object->isRegistered());
 }
 
-TEST_F(VObjectCreatorTest, givesItsDefaultPreferencesWhereTheCallerHasNone)
+TEST_F(VObjectCreatorTest, usesItsDefaultPreferencesIfTheCallerHasNone)
 {
     const auto defaults = Loam::makeStrong<VCreationPreferences>("unique", "");
     const auto own = Loam::makeStrong<VCreationPreferences>("local", "");
@@ -58,7 +58,7 @@ TEST_F(VObjectCreatorTest, givesItsDefaultPreferencesWhereTheCallerHasNone)
     EXPECT_EQ(creator->create("b", 0, own)->creationPreferences(), own);
 }
 
-TEST_F(VObjectCreatorTest, isGoneWithItsLibrary)
+TEST_F(VObjectCreatorTest, isRemovedWithItsLibrary)
 {
     {
         const VObjectType<Ticker> type{"Ticker"};
@@ -68,7 +68,7 @@ TEST_F(VObjectCreatorTest, isGoneWithItsLibrary)
     EXPECT_THAT(VObjectCreator::names(), Not(Contains("Ticker")));
 }
 
-TEST_F(VObjectCreatorTest, waitsBehindAnotherCreatorOfItsType)
+TEST_F(VObjectCreatorTest, waitsForAnEarlierCreatorOfItsType)
 {
     std::optional<VObjectType<Ticker>> first(std::in_place, "Ticker");
     const StrongPtr<VObjectCreator> before = VObjectCreator::find("Ticker");
@@ -87,11 +87,11 @@ TEST_F(VObjectCreatorTest, isRefusedUnderTheNameOfAnotherType)
                 ElementsAre(AllOf(HasSubstr("\"taken\""), HasSubstr("taken by type " + Loam::typeKey(typeid(Ticker))),
                                   HasSubstr("refused for type " + Loam::typeKey(typeid(Counter))))));
     EXPECT_EQ(VObjectCreator::find("taken")->objectType(), typeid(Ticker));
-    EXPECT_FALSE(VObjectCreator::registerCreator(nullptr, "nobody"));
-    EXPECT_FALSE(VObjectCreator::find("nobody"));
+    EXPECT_FALSE(VObjectCreator::registerCreator(nullptr, "missing"));
+    EXPECT_FALSE(VObjectCreator::find("missing"));
 }
 
-TEST_F(VObjectCreatorTest, isFoundAsTheOneProviderOfAType)
+TEST_F(VObjectCreatorTest, isFoundAsTheUniqueProviderOfAType)
 {
     EXPECT_FALSE(VObjectCreator::findUnique(typeid(double)));
     const VObjectType<Counter> plain{"A counter"};

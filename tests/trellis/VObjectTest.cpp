@@ -14,7 +14,7 @@ namespace {
 
 std::vector<std::string> steps;
 
-// Notes how it comes to be.
+// Records the steps of its creation.
 struct Staged : Node {
     Staged(const std::string& name, int level, const StrongPtr<VCreationPreferences>& preferences)
         : Node{name, level, preferences}
@@ -44,7 +44,7 @@ struct Wordy : Node {
     }
 };
 
-// Passes an input on, beside an output of the same type.
+// Passes an input on and may have an output of the same type.
 struct Passing : Node {
     Passing(const std::string& name, int level, const StrongPtr<VCreationPreferences>& preferences)
         : Node{name, level, preferences}
@@ -61,7 +61,7 @@ struct Announcements : VActionNotifier {
                        const StrongPtr<VObjectCreator>& creator) override
     {
         if (const StrongPtr<Staged> staged{object})
-            staged->note("announced by " + (creator ? creator->typeName() : "nobody"));
+            staged->note("announced by " + (creator ? creator->typeName() : "no creator"));
     }
 };
 
@@ -102,7 +102,7 @@ protected:
 
 static_assert(std::is_base_of_v<VManagedObject, VObject> && std::is_base_of_v<VSlotContainer, VObject>);
 
-TEST_F(VObjectTest, isMadeInFourSteps)
+TEST_F(VObjectTest, isCreatedInFourSteps)
 {
     const auto notifier = Loam::makeStrong<Announcements>();
     VActionNotifier::add(notifier);
@@ -115,7 +115,7 @@ TEST_F(VObjectTest, isMadeInFourSteps)
     VManagedObject::remove(object);
 }
 
-TEST_F(VObjectTest, isNotMadeOfATypeThatNobodyRegistered)
+TEST_F(VObjectTest, isNotCreatedForAnUnregisteredType)
 {
     EXPECT_FALSE(VObject::createObject("Unknown", "name"));
     VObject::finishCreation(nullptr);
@@ -134,14 +134,14 @@ TEST_F(VObjectTest, isNotEvaluatedBeforeItsProcessingIsEnabled)
     EXPECT_TRUE(VScheduler::schedule(node, 0, pool));
 }
 
-TEST_F(VObjectTest, keepsThePreferencesThatItWasMadeWith)
+TEST_F(VObjectTest, keepsItsCreationPreferences)
 {
     const auto preferences = Loam::makeStrong<VCreationPreferences>("local", "");
     EXPECT_EQ(Loam::makeStrong<Node>("node", 0, preferences)->creationPreferences(), preferences);
     EXPECT_FALSE(Loam::makeStrong<Node>("node")->creationPreferences());
 }
 
-TEST_F(VObjectTest, showsTheOutputsOfAType)
+TEST_F(VObjectTest, findsTheOutputsOfAType)
 {
     const auto first = announce(makeNode("first"));
     const auto second = announce(Loam::makeStrong<Wordy>("second", 0, nullptr));
@@ -159,7 +159,7 @@ TEST_F(VObjectTest, showsTheOutputsOfAType)
     EXPECT_THAT(two.names, ElementsAre("third.in", "third.out"));
 }
 
-TEST_F(VObjectTest, mayGetOutputsOrGoWhileOutputsAreShown)
+TEST_F(VObjectTest, mayAddOutputsOrBeRemovedDuringAnIteration)
 {
     const auto first = announce(makeNode("first"));
     announce(makeNode("second"));
@@ -175,7 +175,7 @@ TEST_F(VObjectTest, mayGetOutputsOrGoWhileOutputsAreShown)
     EXPECT_THAT(outputs.names, ElementsAre("first.out", "second.out"));
 }
 
-TEST_F(VObjectTest, isMadeForAnInputThatItProvides)
+TEST_F(VObjectTest, isCreatedAndConnectedForAnInput)
 {
     const VObjectType<Staged> type{"Provider"};
     const auto node = makeNode("node");
@@ -190,7 +190,7 @@ TEST_F(VObjectTest, isMadeForAnInputThatItProvides)
     VManagedObject::remove(provider);
 }
 
-TEST_F(VObjectTest, prefersARealOutputToAnInputThatIsPassedOn)
+TEST_F(VObjectTest, prefersARealOutputToAPassedInput)
 {
     const VObjectType<Passing> type{"Passing"};
     for (const bool withOutput : {true, false}) {
@@ -204,7 +204,7 @@ TEST_F(VObjectTest, prefersARealOutputToAnInputThatIsPassedOn)
     }
 }
 
-TEST_F(VObjectTest, leavesTheInputAloneIfThereIsNoSuchTypeOrOutput)
+TEST_F(VObjectTest, leavesTheInputUnchangedIfTheTypeOrOutputIsMissing)
 {
     const VObjectType<Wordy> wordy{"Wordy"};
     const auto node = makeNode("node");
@@ -221,7 +221,7 @@ TEST_F(VObjectTest, leavesTheInputAloneIfThereIsNoSuchTypeOrOutput)
     EXPECT_EQ(VManagedObject::count(), 0u);
 }
 
-TEST_F(VObjectTest, isFoundByAPreferenceThatTheVisitorRequires)
+TEST_F(VObjectTest, isFoundByAPreference)
 {
     struct Computed final : VCreationPreferences {
         bool contains(const std::string& word) const override { return word == "wanted"; }
@@ -253,7 +253,7 @@ TEST_F(VObjectTest, isFoundByAPreferenceThatTheVisitorRequires)
         VManagedObject::remove(node);
 }
 
-TEST_F(VObjectTest, isMadeForNobodyWhoHasNoSuchInput)
+TEST_F(VObjectTest, isNotCreatedForAMissingInput)
 {
     const VObjectType<Staged> type{"Provider"};
     const auto node = makeNode("node");

@@ -37,7 +37,7 @@ TEST_F(VParameterTest, hasANameAPrototypeAndPreferences)
     EXPECT_THAT(parameter->readers(), IsEmpty());
 }
 
-TEST_F(VParameterTest, makesIndependentValuesWithThePrototypesContent)
+TEST_F(VParameterTest, createsIndependentCopiesOfThePrototype)
 {
     const auto parameter = testParameter("limit", 4.5);
     const StrongPtr<VValueBase> value = parameter->newValue();
@@ -57,10 +57,10 @@ TEST_F(VParameterTest, sharesThePrototypeWithItsCopies)
     EXPECT_EQ(copy->DefaultValue(), parameter->DefaultValue());
     EXPECT_THAT(copy->shadows(), ElementsAre(pool));
     copy->getLocalValue(pool);
-    EXPECT_FALSE(parameter->getValueBase(pool)) << "its variables are its own";
+    EXPECT_FALSE(parameter->getValueBase(pool)) << "variables are not shared";
 }
 
-TEST_F(VParameterTest, belongsToItsSourceBeforeItsCreator)
+TEST_F(VParameterTest, isOwnedByItsSourceOrElseByItsCreator)
 {
     const auto parameter = testParameter("limit");
     const auto creator = makeNode("creator");
@@ -75,7 +75,7 @@ TEST_F(VParameterTest, belongsToItsSourceBeforeItsCreator)
     EXPECT_EQ(parameter->owner(), creator);
 }
 
-TEST_F(VParameterTest, takesTheVariableThatStandsInThePoolUnderItsName)
+TEST_F(VParameterTest, usesTheVariableOfItsNameInThePool)
 {
     const auto first = testParameter("limit", 1.0);
     const auto second = testParameter("limit", 2.0);
@@ -86,10 +86,10 @@ TEST_F(VParameterTest, takesTheVariableThatStandsInThePoolUnderItsName)
     EXPECT_EQ(first->getValueBase(pool), value);
     EXPECT_EQ(second->getValueBase(pool), value);
     EXPECT_THAT(first->shadows(), ElementsAre(pool));
-    EXPECT_THAT(second->shadows(), IsEmpty()) << "it has no value of its own there";
+    EXPECT_THAT(second->shadows(), IsEmpty()) << "it has no separate value there";
 }
 
-TEST_F(VParameterTest, makesAVariableWhereAnotherTypeStandsUnderItsName)
+TEST_F(VParameterTest, createsAVariableIfItsNameHasAnotherType)
 {
     const auto text = testParameter<std::string>("limit", "text");
     const auto number = testParameter("limit", 2.0);
@@ -97,11 +97,11 @@ TEST_F(VParameterTest, makesAVariableWhereAnotherTypeStandsUnderItsName)
     const StrongPtr<VValueBase> newValue = number->createLocalVariable(pool);
     EXPECT_EQ(contentOf(newValue), 2);
     EXPECT_EQ(pool->retrieveValue("limit"), newValue);
-    EXPECT_EQ(text->getValueBase(pool), oldValue) << "by parameter it is still to be found";
+    EXPECT_EQ(text->getValueBase(pool), oldValue) << "it is still found by parameter";
     EXPECT_THAT(number->shadows(), ElementsAre(pool));
 }
 
-TEST_F(VParameterTest, makesNoVariableWithoutAPool)
+TEST_F(VParameterTest, createsNoVariableWithoutAPool)
 {
     const auto parameter = testParameter("limit");
     EXPECT_FALSE(parameter->createLocalVariable(nullptr));
@@ -110,7 +110,7 @@ TEST_F(VParameterTest, makesNoVariableWithoutAPool)
     EXPECT_THAT(parameter->shadows(), IsEmpty());
 }
 
-TEST_F(VParameterTest, onlyLooksWithGetValueBase)
+TEST_F(VParameterTest, createsNothingInGetValueBase)
 {
     const auto parameter = testParameter("limit", Interval{3, 4});
     EXPECT_FALSE(parameter->getValueBase(pool));
@@ -127,7 +127,7 @@ TEST_F(VParameterTest, onlyLooksWithGetValueBase)
     EXPECT_EQ(pool->variableCount(), 1u);
 }
 
-TEST_F(VParameterTest, makesTheVariableWithGetLocalValueUnlessItIsToldNotTo)
+TEST_F(VParameterTest, createsTheVariableInGetLocalValueUnlessDisabled)
 {
     const auto parameter = testParameter("limit", Interval{3, 4});
     EXPECT_FALSE(parameter->getLocalValue(pool, {}, false));
@@ -137,7 +137,7 @@ TEST_F(VParameterTest, makesTheVariableWithGetLocalValueUnlessItIsToldNotTo)
     EXPECT_FALSE(parameter->getLocalValue(pool, "middle"));
 }
 
-TEST_F(VParameterTest, startsEachPoolFromThePrototype)
+TEST_F(VParameterTest, initializesEachPoolFromThePrototype)
 {
     const auto parameter = testParameter("limit", 1.0);
     parameter->getLocalValue(pool)->setValueFromText("2");
@@ -146,7 +146,7 @@ TEST_F(VParameterTest, startsEachPoolFromThePrototype)
     EXPECT_THAT(parameter->shadows(), ElementsAre(pool, other));
 }
 
-TEST_F(VParameterTest, setsThePrototypeAndLeavesVariablesAlone)
+TEST_F(VParameterTest, setsThePrototypeButNoVariables)
 {
     const auto node = makeNode("node");
     const StrongPtr<VParameter> parameter = node->findSlot("in")->parameter();
@@ -161,8 +161,8 @@ TEST_F(VParameterTest, setsThePrototypeAndLeavesVariablesAlone)
     EXPECT_EQ(contentOf(parameter->getValueBase(pool)), 0);
     EXPECT_EQ(contentOf(parameter->getLocalValue(other)), 9);
     EXPECT_THAT(listener->pools, ElementsAre(nullptr));
-    EXPECT_TRUE(VScheduler::isDue(node, pool)) << "a variable is there";
-    EXPECT_FALSE(VScheduler::isDue(node, other)) << "no variable was there";
+    EXPECT_TRUE(VScheduler::isDue(node, pool)) << "the pool has a variable";
+    EXPECT_FALSE(VScheduler::isDue(node, other)) << "the pool had no variable";
 }
 
 TEST_F(VParameterTest, setsAComponentOfThePrototype)
@@ -172,7 +172,7 @@ TEST_F(VParameterTest, setsAComponentOfThePrototype)
     EXPECT_EQ(contentOf<Interval>(parameter->DefaultValue()), (Interval{3, 9}));
 }
 
-TEST_F(VParameterTest, takesNothingOfAnotherTypeIntoThePrototype)
+TEST_F(VParameterTest, ignoresPrototypeValuesOfAnotherType)
 {
     const auto parameter = testParameter("limit", 1.0);
     parameter->setGlobalValue(testValue<std::string>("9"), {});
@@ -181,7 +181,7 @@ TEST_F(VParameterTest, takesNothingOfAnotherTypeIntoThePrototype)
     EXPECT_EQ(contentOf(parameter->DefaultValue()), 1);
 }
 
-TEST_F(VParameterTest, announcesAChangeToItsReadersInThatPoolAlone)
+TEST_F(VParameterTest, announcesAChangeOnlyToReadersInThatPool)
 {
     const auto writer = makeNode("writer");
     const auto reader = makeNode("reader");
@@ -201,7 +201,7 @@ TEST_F(VParameterTest, announcesAChangeToItsReadersInThatPoolAlone)
     EXPECT_THAT(output->readers(), ElementsAre(reader->findSlot("in").get()));
 }
 
-TEST_F(VParameterTest, leavesReadersOfAnotherComponentAlone)
+TEST_F(VParameterTest, doesNotNotifyReadersOfAnotherComponent)
 {
     const auto writer = makeNode("writer", {});
     writer->addOutput<Interval>("interval");
@@ -222,7 +222,7 @@ TEST_F(VParameterTest, leavesReadersOfAnotherComponentAlone)
     }
 }
 
-TEST_F(VParameterTest, tellsReadersOfAComponentOfChangesAroundAndInsideIt)
+TEST_F(VParameterTest, notifiesReadersOfAComponentOfChangesAroundAndInsideIt)
 {
     const auto writer = makeNode("writer", {});
     writer->addOutput<Framed>("framed");
@@ -250,7 +250,7 @@ TEST_F(VParameterTest, tellsReadersOfAComponentOfChangesAroundAndInsideIt)
     }
 }
 
-TEST_F(VParameterTest, mayAnnounceAVariableThatIsNotThere)
+TEST_F(VParameterTest, mayAnnounceAMissingVariable)
 {
     const auto parameter = testParameter("limit");
     const auto listener = Loam::makeStrong<Listener>();
@@ -261,7 +261,7 @@ TEST_F(VParameterTest, mayAnnounceAVariableThatIsNotThere)
     EXPECT_EQ(pool->variableCount(), 0u);
 }
 
-TEST_F(VParameterTest, announcesATouchInOnePoolOrInEveryPoolThatHasAVariable)
+TEST_F(VParameterTest, announcesATouchInOnePoolOrInEveryPoolWithAVariable)
 {
     const auto node = makeNode("node");
     const StrongPtr<VParameter> parameter = node->findSlot("in")->parameter();
@@ -284,29 +284,29 @@ TEST_F(VParameterTest, announcesATouchInOnePoolOrInEveryPoolThatHasAVariable)
     EXPECT_TRUE(parameter->DefaultValue()->age().isYoungerThan(before));
 }
 
-TEST_F(VParameterTest, remembersEachLivingPoolHoweverManyCameAndWent)
+TEST_F(VParameterTest, remembersLivingPoolsAndForgetsDestroyedOnes)
 {
     const auto node = makeNode("node");
     const StrongPtr<VParameter> parameter = node->findSlot("in")->parameter();
     std::vector<StrongPtr<ValuePool>> living;
-    std::vector<WeakPtrImpl<ValuePool>> gone;
+    std::vector<WeakPtrImpl<ValuePool>> destroyed;
     for (int i = 0; i < 1000; ++i) {
         const auto each = Loam::makeStrong<ValuePool>();
         node->read(each, "in");
         if (i % 100 == 0)
             living.push_back(each);
         else
-            gone.emplace_back(each);
+            destroyed.emplace_back(each);
     }
     parameter->touchValue(nullptr);
     for (const StrongPtr<ValuePool>& each : living)
         EXPECT_TRUE(VScheduler::isDue(node, each));
     const auto remembered = std::ranges::count_if(
-        gone, [](const WeakPtrImpl<ValuePool>& each) { return each.referenceBlock()->weakCount() > 1; });
+        destroyed, [](const WeakPtrImpl<ValuePool>& each) { return each.referenceBlock()->weakCount() > 1; });
     EXPECT_LT(remembered, 60) << "the shadows and the pools with variables are pruned";
 }
 
-TEST_F(VParameterTest, takesItsVariablesAlongWhenItGoes)
+TEST_F(VParameterTest, removesItsVariablesWhenItIsDestroyed)
 {
     auto parameter = testParameter("limit", 1.0);
     parameter->getLocalValue(pool);

@@ -52,14 +52,14 @@ protected:
 
 } // namespace
 
-TEST_F(VPolyOutputTest, joinsObjectsThatAreThereAndThoseThatAreAnnouncedLater)
+TEST_F(VPolyOutputTest, joinsPresentObjectsAndThoseAnnouncedLater)
 {
     const auto before = announce<Selector>("before");
     const auto provider = makeProvider("charts");
     const VPolyConnection connection(outputOf(provider), &isSelector);
     EXPECT_EQ(connection.count(), 1);
     const auto after = announce<SpecialSelector>("after");
-    announce<Node>("not asking");
+    announce<Node>("no requester");
     EXPECT_EQ(connection.count(), 2);
     for (const StrongPtr<Node>& selector : {StrongPtr<Node>(before), StrongPtr<Node>(after)}) {
         const StrongPtr<VSlot> slot = selector->findSlot("charts.out");
@@ -100,7 +100,7 @@ TEST_F(VPolyOutputTest, joinsAnObjectOnce)
     EXPECT_EQ(selector->inputs().size(), 1u);
 }
 
-TEST_F(VPolyOutputTest, findsAFreeNameWhereOwnersHaveTheSame)
+TEST_F(VPolyOutputTest, choosesAFreeNameIfOwnersHaveTheSameName)
 {
     const auto selector = announce<Selector>("selector");
     std::vector<StrongPtr<Node>> providers;
@@ -114,14 +114,14 @@ TEST_F(VPolyOutputTest, findsAFreeNameWhereOwnersHaveTheSame)
     EXPECT_EQ(selector->findSlot("charts.out #3")->parameter(), outputOf(providers[2]));
 }
 
-TEST_F(VPolyOutputTest, namesTheInputAfterTheOutputAloneWhereNobodyOwnsIt)
+TEST_F(VPolyOutputTest, namesTheInputAfterTheOutputAloneIfItHasNoOwner)
 {
     const auto selector = announce<Selector>("selector");
     const VPolyConnection connection(testParameter("loose"), &isSelector);
     EXPECT_TRUE(selector->findSlot("loose"));
 }
 
-TEST_F(VPolyOutputTest, leavesJoinedObjectsWithTheLastValuesWhenItGoes)
+TEST_F(VPolyOutputTest, leavesTheLastValuesToJoinedObjectsWhenItIsDestroyed)
 {
     const auto pool = Loam::makeStrong<ValuePool>();
     const auto selector = announce<Selector>("selector");
@@ -135,7 +135,7 @@ TEST_F(VPolyOutputTest, leavesJoinedObjectsWithTheLastValuesWhenItGoes)
     EXPECT_EQ(late->inputs().size(), 0u);
 }
 
-TEST_F(VPolyOutputTest, asksEachObjectOnceHoweverManyOutputsThereAre)
+TEST_F(VPolyOutputTest, checksEachObjectOnceForAnyNumberOfOutputs)
 {
     static unsigned asked = 0;
     const VPolyConnection::IsRequester isRequester = [](const VObject& object) {
@@ -156,7 +156,7 @@ TEST_F(VPolyOutputTest, asksEachObjectOnceHoweverManyOutputsThereAre)
     EXPECT_EQ(asked, 3u);
     EXPECT_EQ(selector->inputs().size(), 100u);
 
-    // In any order: those in the middle of the list, too.
+    // In any order, even from the middle of the list.
     connections.erase(connections.begin() + 10, connections.begin() + 20);
     const auto late = announce<Selector>("late");
     EXPECT_EQ(late->inputs().size(), 90u);
@@ -164,7 +164,7 @@ TEST_F(VPolyOutputTest, asksEachObjectOnceHoweverManyOutputsThereAre)
     EXPECT_FALSE(late->findSlot("charts.out10"));
 }
 
-TEST_F(VPolyOutputTest, doesNotJoinWhatTheRegistryLetGo)
+TEST_F(VPolyOutputTest, doesNotJoinRemovedObjects)
 {
     const auto selector = announce<Selector>("selector");
     const auto provider = makeProvider("charts");

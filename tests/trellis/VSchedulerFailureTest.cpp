@@ -6,7 +6,7 @@
 #include <set>
 #include <stdexcept>
 
-// What happens to the objects behind one whose update failed.
+// How the failure of an update affects the objects downstream.
 
 using namespace Orla;
 using testing::Each;
@@ -80,7 +80,7 @@ TEST_F(VSchedulerFailureTest, makesReadersWaitUntilTheObjectSucceeds)
     EXPECT_EQ(chain[2]->read(pool, "out"), 3);
 }
 
-TEST_F(VSchedulerFailureTest, lastsForAReaderUntilAllOfItsSourcesSucceed)
+TEST_F(VSchedulerFailureTest, keepsAReaderWaitingUntilAllOfItsSourcesSucceed)
 {
     const auto left = makeNode("left");
     const auto right = makeNode("right");
@@ -104,7 +104,7 @@ TEST_F(VSchedulerFailureTest, lastsForAReaderUntilAllOfItsSourcesSucceed)
     EXPECT_EQ(reader->read(pool, "out"), 3);
 }
 
-TEST_F(VSchedulerFailureTest, keepsGoodResultsOfAReaderThatMissedNothing)
+TEST_F(VSchedulerFailureTest, keepsGoodResultsOfAReaderWithUnchangedInputs)
 {
     const auto source = makeNode("source");
     const auto reader = makeNode("reader");
@@ -150,7 +150,7 @@ TEST_F(VSchedulerFailureTest, doesNotKeepALoopWaitingForItself)
     EXPECT_EQ(stateOf(b), State::UpToDate);
 }
 
-TEST_F(VSchedulerFailureTest, doesNotKeepAnObjectInALoopWaitingForThoseThatWaitForIt)
+TEST_F(VSchedulerFailureTest, doesNotMakeAMemberOfALoopWaitForItsReaders)
 {
     const auto a = makeNode("a", {"in", "b"});
     const auto b = makeNode("b");
@@ -166,10 +166,10 @@ TEST_F(VSchedulerFailureTest, doesNotKeepAnObjectInALoopWaitingForThoseThatWaitF
     a->write(pool, "in", 1.0);
     EXPECT_EQ(run().waiting, 0u);
     EXPECT_EQ(stateOf(a), State::UpToDate);
-    EXPECT_EQ(stateOf(b), State::NotRun) << "nothing was written that it reads";
+    EXPECT_EQ(stateOf(b), State::NotRun) << "none of its inputs was written";
 }
 
-TEST_F(VSchedulerFailureTest, letsAnObjectRunThatAcceptsFailedInputs)
+TEST_F(VSchedulerFailureTest, doesNotStopAnObjectThatAcceptsFailedInputs)
 {
     const auto good = makeNode("good");
     const auto bad = makeNode("bad");
@@ -182,21 +182,21 @@ TEST_F(VSchedulerFailureTest, letsAnObjectRunThatAcceptsFailedInputs)
         failed = {request.hasFailed(*self.findSlot("good")), request.hasFailed(*self.findSlot("bad"))};
         return true;
     };
-    const auto behind = makeNode("behind");
-    connect(report, behind);
+    const auto downstream = makeNode("downstream");
+    connect(report, downstream);
     bad->work = fail;
-    runAll({good, bad, report, behind}, pool);
+    runAll({good, bad, report, downstream}, pool);
     warnings();
     EXPECT_THAT(failed, ElementsAre(false, true));
     EXPECT_EQ(stateOf(report), State::UpToDate);
-    EXPECT_EQ(behind->runs, 1u);
+    EXPECT_EQ(downstream->runs, 1u);
     bad->work = nullptr;
     VScheduler::schedule(bad, 0, pool);
     run();
     EXPECT_THAT(failed, ElementsAre(false, false));
 }
 
-TEST_F(VSchedulerFailureTest, leavesOutputsValidThatStaySo)
+TEST_F(VSchedulerFailureTest, doesNotInvalidateOutputsThatStayValid)
 {
     const auto source = makeNode("source");
     source->addOutput("status")->setFlag(VSlot::StaysValid);
@@ -215,7 +215,7 @@ TEST_F(VSchedulerFailureTest, leavesOutputsValidThatStaySo)
     EXPECT_EQ(viewer->read(pool, "out"), 405);
 }
 
-TEST_F(VSchedulerFailureTest, reachesReadersThatAreConnectedLaterAndLeavesThoseThatAreCut)
+TEST_F(VSchedulerFailureTest, reachesReadersConnectedLaterAndReleasesDisconnectedOnes)
 {
     const auto source = makeNode("source");
     const auto reader = makeNode("reader");
@@ -293,9 +293,9 @@ TEST_F(VSchedulerFailureTest, isObserved)
     VScheduler::observe(pool, nullptr);
 }
 
-TEST_F(VSchedulerFailureTest, spreadsExactlyToWhatDependsOnItInRandomNetworks)
+TEST_F(VSchedulerFailureTest, spreadsExactlyToDependentObjectsInRandomNetworks)
 {
-    // Which objects must wait is worked out from the connections alone.
+    // The connections alone determine which objects must wait.
     std::mt19937 random(11);
     for (int network = 0; network < 60; ++network) {
         const std::size_t count = 3 + random() % 15;
@@ -339,7 +339,7 @@ TEST_F(VSchedulerFailureTest, spreadsExactlyToWhatDependsOnItInRandomNetworks)
     }
 }
 
-TEST_F(VSchedulerFailureTest, tellsAnUpdateWhichInputsChangedSinceItSucceeded)
+TEST_F(VSchedulerFailureTest, keepsTheChangesOfInputsSinceTheLastSuccess)
 {
     const auto source = makeNode("source");
     const auto reader = makeNode("reader", {"connected", "own"});
@@ -370,5 +370,5 @@ TEST_F(VSchedulerFailureTest, tellsAnUpdateWhichInputsChangedSinceItSucceeded)
     VScheduler::schedule(reader, 0, pool);
     run();
     EXPECT_THAT(changed, ElementsAre(false, false));
-    EXPECT_FALSE(VRequest(pool).hasChanged(*reader->findSlot("own"))) << "outside of updates";
+    EXPECT_FALSE(VRequest(pool).hasChanged(*reader->findSlot("own"))) << "outside an update";
 }

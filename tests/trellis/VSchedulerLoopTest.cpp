@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-// What the scheduler does where objects read each other in a circle.
+// Evaluation of objects that read each other in a loop.
 
 using namespace Orla;
 using testing::AllOf;
@@ -21,7 +21,7 @@ class VSchedulerLoopTest : public FrameworkTest {
 protected:
     StrongPtr<ValuePool> pool{new ValuePool("pool")};
 
-    // Objects that read each other in a circle.
+    // Creates objects that read each other in a loop.
     static Nodes makeRing(const std::string& name, std::size_t count)
     {
         Nodes ring;
@@ -32,7 +32,7 @@ protected:
         return ring;
     }
 
-    // One more than the input, up to a highest number.
+    // Lets `node` write its input plus one, up to `highest`.
     static void countTo(const StrongPtr<Node>& node, double highest)
     {
         node->work = [highest](Node& self, VRequest& request, double) {
@@ -58,12 +58,12 @@ TEST_F(VSchedulerLoopTest, runsALoopUntilNothingChanges)
     EXPECT_EQ(summary.outcome, VScheduler::Outcome::Done);
     for (const StrongPtr<Node>& node : ring)
         EXPECT_EQ(node->read(pool, "out"), 20);
-    EXPECT_EQ(reader->runs, 1u) << "whoever reads a loop waits until it has settled";
+    EXPECT_EQ(reader->runs, 1u) << "readers of a loop wait until it has settled";
     EXPECT_EQ(reader->read(pool, "out"), 21);
     EXPECT_FALSE(VScheduler::isDue(pool));
 }
 
-TEST_F(VSchedulerLoopTest, runsALoopThatHasNothingNewToSayOnce)
+TEST_F(VSchedulerLoopTest, runsALoopWithoutChangesOnce)
 {
     const Nodes ring = makeRing("r", 4);
     for (const StrongPtr<Node>& node : ring)
@@ -72,32 +72,32 @@ TEST_F(VSchedulerLoopTest, runsALoopThatHasNothingNewToSayOnce)
     EXPECT_THAT(runsOf(ring), Each(1u));
 }
 
-TEST_F(VSchedulerLoopTest, stopsALoopThatDoesNotSettleWithOneWarningThatNamesItsMembers)
+TEST_F(VSchedulerLoopTest, stopsALoopThatDoesNotSettleAndNamesItsMembersInOneWarning)
 {
     const Nodes ring = makeRing("ring ", 3);
     const auto source = makeNode("source");
     const auto outside = makeNode("outside");
     ring[0]->addInput("start");
     connect(source, ring[0], "start");
-    const auto behind = makeNode("behind");
+    const auto downstream = makeNode("downstream");
     const auto last = makeNode("last");
-    connect(ring[2], behind);
-    connect(behind, last);
-    const VScheduler::Summary summary = runAll({last, behind, outside, ring[0], source}, pool);
+    connect(ring[2], downstream);
+    connect(downstream, last);
+    const VScheduler::Summary summary = runAll({last, downstream, outside, ring[0], source}, pool);
     EXPECT_EQ(summary.stopped, 1u);
     EXPECT_EQ(summary.failures, 0u);
     EXPECT_EQ(summary.outcome, VScheduler::Outcome::Done);
     EXPECT_THAT(warnings(),
                 ElementsAre(AllOf(HasSubstr(std::to_string(Limit)), HasSubstr("Node \"ring 0\""),
                                   HasSubstr("Node \"ring 1\""), HasSubstr("Node \"ring 2\""), Not(HasSubstr("source")),
-                                  Not(HasSubstr("outside")), Not(HasSubstr("behind")))));
+                                  Not(HasSubstr("outside")), Not(HasSubstr("downstream")))));
     EXPECT_THAT(runsOf(ring), Each(Limit));
-    EXPECT_THAT(runsOf({source, outside, behind, last}), Each(1u));
+    EXPECT_THAT(runsOf({source, outside, downstream, last}), Each(1u));
     EXPECT_FALSE(VScheduler::isDue(pool));
-    EXPECT_EQ(last->read(pool, "out"), ring[2]->read(pool, "out") + 2) << "they got the last values";
+    EXPECT_EQ(last->read(pool, "out"), ring[2]->read(pool, "out") + 2) << "they read the last values";
 }
 
-TEST_F(VSchedulerLoopTest, stopsEachLoopByItself)
+TEST_F(VSchedulerLoopTest, stopsEachLoopSeparately)
 {
     const Nodes first = makeRing("first ", 2);
     const Nodes second = makeRing("second ", 5);
@@ -115,9 +115,9 @@ TEST_F(VSchedulerLoopTest, stopsEachLoopByItself)
         EXPECT_LE(node->runs, Limit);
 }
 
-TEST_F(VSchedulerLoopTest, stopsALoopOfLoopsAsOne)
+TEST_F(VSchedulerLoopTest, stopsConnectedLoopsAsOne)
 {
-    // Two circles through one object.
+    // Two loops through one object.
     const auto middle = makeNode("middle", {"left", "right"});
     const auto left = makeNode("left");
     const auto right = makeNode("right");
@@ -125,19 +125,19 @@ TEST_F(VSchedulerLoopTest, stopsALoopOfLoopsAsOne)
     connect(middle, right);
     connect(left, middle, "left");
     connect(right, middle, "right");
-    const auto behind = makeNode("behind");
-    connect(right, behind);
+    const auto downstream = makeNode("downstream");
+    connect(right, downstream);
     const VScheduler::Summary summary = runAll({middle}, pool);
     EXPECT_EQ(summary.stopped, 1u);
     EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("middle"), HasSubstr("left"), HasSubstr("right"))));
-    EXPECT_EQ(behind->runs, 1u);
+    EXPECT_EQ(downstream->runs, 1u);
     for (const StrongPtr<Node>& node : {middle, left, right})
         EXPECT_LE(node->runs, Limit);
 }
 
-TEST_F(VSchedulerLoopTest, givesEachMemberOfALoopItsTurnInEachRound)
+TEST_F(VSchedulerLoopTest, runsEachMemberOfALoopInEachRound)
 {
-    // "busy" and "echo" would go on for ever; "judge" ends it, wherever it stands.
+    // "busy" and "echo" would run forever; "judge" ends the loop from any position.
     for (const bool judgeFirst : {true, false}) {
         SCOPED_TRACE(judgeFirst);
         const auto busy = makeNode("busy", {"echo", "verdict"});
@@ -163,9 +163,9 @@ TEST_F(VSchedulerLoopTest, givesEachMemberOfALoopItsTurnInEachRound)
     }
 }
 
-TEST_F(VSchedulerLoopTest, keepsReadersWaitingThoughTheLoopMovesMeanwhile)
+TEST_F(VSchedulerLoopTest, keepsReadersWaitingWhenARunningLoopIsReordered)
 {
-    // A loop at the end of a chain, which lets go of the chain while it runs.
+    // A loop at the end of a chain that it disconnects from while it runs.
     Nodes chain{makeNode("0")};
     for (int i = 1; i < 10; ++i) {
         chain.push_back(makeNode(std::to_string(i)));
@@ -189,7 +189,7 @@ TEST_F(VSchedulerLoopTest, keepsReadersWaitingThoughTheLoopMovesMeanwhile)
     EXPECT_EQ(reader->runs, 1u);
 }
 
-TEST_F(VSchedulerLoopTest, givesALoopAllItsRoundsInEachPassAndPool)
+TEST_F(VSchedulerLoopTest, givesALoopAllItsRoundsInEachRunAndPool)
 {
     const Nodes ring = makeRing("r", 2);
     const auto second = Loam::makeStrong<ValuePool>("second");
@@ -203,7 +203,7 @@ TEST_F(VSchedulerLoopTest, givesALoopAllItsRoundsInEachPassAndPool)
     EXPECT_EQ(runAll(ring, pool).stopped, 0u);
 }
 
-TEST_F(VSchedulerLoopTest, runsAnObjectThatReadsItselfUntilItIsContent)
+TEST_F(VSchedulerLoopTest, runsAnObjectThatReadsItselfUntilItSettles)
 {
     const auto self = makeNode("self");
     connect(self, self);
@@ -220,7 +220,7 @@ TEST_F(VSchedulerLoopTest, runsAnObjectThatReadsItselfUntilItIsContent)
     EXPECT_EQ(runAll({self}, pool).updates, 1u);
 }
 
-TEST_F(VSchedulerLoopTest, stopsAnObjectThatSchedulesItselfForEver)
+TEST_F(VSchedulerLoopTest, stopsAnObjectThatSchedulesItselfForever)
 {
     const auto node = makeNode("restless");
     const auto reader = makeNode("reader");
@@ -234,7 +234,7 @@ TEST_F(VSchedulerLoopTest, stopsAnObjectThatSchedulesItselfForEver)
     EXPECT_THAT(runsOf({node, reader}), ElementsAre(Limit, 1));
 }
 
-TEST_F(VSchedulerLoopTest, runsEverybodyOnceAgainWhenTheLoopIsOpened)
+TEST_F(VSchedulerLoopTest, runsEachObjectOnceAfterALoopIsOpened)
 {
     for (std::size_t cut = 0; cut < 4; ++cut) {
         SCOPED_TRACE(cut);
@@ -254,21 +254,21 @@ TEST_F(VSchedulerLoopTest, runsEverybodyOnceAgainWhenTheLoopIsOpened)
     }
 }
 
-TEST_F(VSchedulerLoopTest, runsEverybodyOnceAgainWhenAMemberOfTheLoopIsGone)
+TEST_F(VSchedulerLoopTest, runsEachObjectOnceAfterAMemberOfALoopIsDestroyed)
 {
-    for (std::size_t gone = 0; gone < 5; ++gone) {
-        SCOPED_TRACE(gone);
+    for (std::size_t removed = 0; removed < 5; ++removed) {
+        SCOPED_TRACE(removed);
         Nodes ring = makeRing("r", 5);
         runAll({ring[2]}, pool);
         EXPECT_EQ(warnings().size(), 1u);
         runsOf(ring);
-        ring.erase(ring.begin() + static_cast<std::ptrdiff_t>(gone));
+        ring.erase(ring.begin() + static_cast<std::ptrdiff_t>(removed));
         EXPECT_EQ(runAll(ring, pool).updates, 4u);
         EXPECT_THAT(runsOf(ring), Each(1u));
     }
 }
 
-TEST_F(VSchedulerLoopTest, findsALoopThatLeadsThroughPassedInputsAndComponents)
+TEST_F(VSchedulerLoopTest, findsALoopThroughPassedInputsAndComponents)
 {
     const auto interval = makeNode("interval", {});
     interval->addInput("in");
@@ -303,7 +303,7 @@ TEST_F(VSchedulerLoopTest, stopsALoopThatIsClosedWhileItRuns)
     EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("Node \"a\""), HasSubstr("Node \"b\""))));
 }
 
-TEST_F(VSchedulerLoopTest, isCancelledInTheMiddleOfALoop)
+TEST_F(VSchedulerLoopTest, mayBeCancelledInTheMiddleOfALoop)
 {
     const Nodes ring = makeRing("r", 2);
     VRequest request(pool);

@@ -1,4 +1,4 @@
-// What whoever observes a pool gets to hear.
+// What the observer of a pool is notified of.
 
 #include <trellis/VScheduler.hpp>
 
@@ -22,21 +22,21 @@ public:
             text += ' ' + changed->Name() + " of " + changed->owner()->object()->Name();
         if (precision != 0)
             text += " with " + std::to_string(static_cast<int>(precision));
-        m_heard.push_back(text);
+        m_events.push_back(text);
     }
 
-    void began(const VObject& object) noexcept override { m_heard.push_back(object.Name() + " began"); }
+    void began(const VObject& object) noexcept override { m_events.push_back(object.Name() + " began"); }
 
     void ended(const VObject& object, Result result) noexcept override
     {
         const char* const results[] = {"well", "badly", "cancelled"};
-        m_heard.push_back(object.Name() + " ended " + results[static_cast<int>(result)]);
+        m_events.push_back(object.Name() + " ended " + results[static_cast<int>(result)]);
     }
 
-    std::vector<std::string> heard() { return std::exchange(m_heard, {}); }
+    std::vector<std::string> events() { return std::exchange(m_events, {}); }
 
 private:
-    std::vector<std::string> m_heard;
+    std::vector<std::string> m_events;
 };
 
 class VSchedulerObserverTest : public FrameworkTest {
@@ -50,20 +50,20 @@ protected:
 
 } // namespace
 
-TEST_F(VSchedulerObserverTest, hearsWhoRunsAndWhyInTheOrderOfEvents)
+TEST_F(VSchedulerObserverTest, isNotifiedOfUpdatesAndTheirCausesInOrder)
 {
     const auto a = makeNode("a");
     const auto b = makeNode("b");
     connect(a, b);
     VScheduler::schedule(a, 3, pool);
     VScheduler::run(pool);
-    EXPECT_THAT(listener.heard(), ElementsAre("a due: scheduled with 3", "a began", "b due: changed out of a",
-                                              "a ended well", "b began", "b ended well"));
+    EXPECT_THAT(listener.events(), ElementsAre("a due: scheduled with 3", "a began", "b due: changed out of a",
+                                               "a ended well", "b began", "b ended well"));
     a->write(pool, "in", 5.0);
-    EXPECT_THAT(listener.heard(), ElementsAre("a due: changed in of a"));
+    EXPECT_THAT(listener.events(), ElementsAre("a due: changed in of a"));
 }
 
-TEST_F(VSchedulerObserverTest, hearsOfTheFirstCauseAlone)
+TEST_F(VSchedulerObserverTest, isNotifiedOfTheFirstCauseOnly)
 {
     const auto a = makeNode("a");
     const auto b = makeNode("b");
@@ -71,37 +71,37 @@ TEST_F(VSchedulerObserverTest, hearsOfTheFirstCauseAlone)
     connect(a, sum, "left");
     connect(b, sum, "right");
     runAll({a, b, sum}, pool);
-    listener.heard();
+    listener.events();
     b->write(pool, "out", 7.0);
     a->write(pool, "out", 8.0);
     VScheduler::schedule(sum, 9, pool);
-    EXPECT_THAT(listener.heard(), ElementsAre("sum due: changed out of b"));
+    EXPECT_THAT(listener.events(), ElementsAre("sum due: changed out of b"));
     VScheduler::run(pool);
-    EXPECT_THAT(listener.heard(), ElementsAre("sum began", "sum ended well"));
+    EXPECT_THAT(listener.events(), ElementsAre("sum began", "sum ended well"));
 }
 
-TEST_F(VSchedulerObserverTest, hearsOfConnections)
+TEST_F(VSchedulerObserverTest, isNotifiedOfConnections)
 {
     const auto a = makeNode("a");
     const auto b = makeNode("b");
     runAll({a, b}, pool);
-    listener.heard();
+    listener.events();
     connect(a, b);
-    EXPECT_THAT(listener.heard(), ElementsAre("b due: connected"));
+    EXPECT_THAT(listener.events(), ElementsAre("b due: connected"));
 }
 
-TEST_F(VSchedulerObserverTest, hearsHowUpdatesEnd)
+TEST_F(VSchedulerObserverTest, isNotifiedOfTheResultsOfUpdates)
 {
     const auto a = makeNode("a");
     a->work = [](Node&, VRequest&, double) { return false; };
     VScheduler::schedule(a, 0, pool);
     VScheduler::run(pool);
-    EXPECT_THAT(listener.heard(), ElementsAre("a due: scheduled", "a began", "a ended badly"));
+    EXPECT_THAT(listener.events(), ElementsAre("a due: scheduled", "a began", "a ended badly"));
 
     a->work = [](Node&, VRequest&, double) -> bool { throw std::runtime_error("no"); };
     VScheduler::schedule(a, 0, pool);
     VScheduler::run(pool);
-    EXPECT_THAT(listener.heard(), ElementsAre("a due: scheduled", "a began", "a ended badly"));
+    EXPECT_THAT(listener.events(), ElementsAre("a due: scheduled", "a began", "a ended badly"));
     EXPECT_EQ(warnings().size(), 2u);
 
     a->work = [](Node&, VRequest& request, double) {
@@ -110,30 +110,30 @@ TEST_F(VSchedulerObserverTest, hearsHowUpdatesEnd)
     };
     VScheduler::schedule(a, 2, pool);
     VScheduler::run(pool);
-    EXPECT_THAT(listener.heard(),
+    EXPECT_THAT(listener.events(),
                 ElementsAre("a due: scheduled with 2", "a began", "a ended cancelled", "a due: cancelled with 2"));
 }
 
-TEST_F(VSchedulerObserverTest, hearsNothingOfOtherPoolsAndNothingAfterItsTime)
+TEST_F(VSchedulerObserverTest, isNotNotifiedOfOtherPoolsNorAfterItsRemoval)
 {
     const auto a = makeNode("a");
     const StrongPtr<ValuePool> other{new ValuePool("other")};
     VScheduler::schedule(a, 0, other);
     VScheduler::run(other);
-    EXPECT_THAT(listener.heard(), IsEmpty());
+    EXPECT_THAT(listener.events(), IsEmpty());
 
     EXPECT_TRUE(VScheduler::observe(pool, nullptr));
     VScheduler::schedule(a, 0, pool);
     VScheduler::run(pool);
-    EXPECT_THAT(listener.heard(), IsEmpty());
+    EXPECT_THAT(listener.events(), IsEmpty());
     EXPECT_FALSE(VScheduler::observe(nullptr, &listener));
 }
 
-TEST_F(VSchedulerObserverTest, mayBeTakenOutByAnUpdate)
+TEST_F(VSchedulerObserverTest, mayBeRemovedByAnUpdate)
 {
     const auto a = makeNode("a");
     a->work = [this](Node&, VRequest&, double) { return VScheduler::observe(pool, nullptr); };
     VScheduler::schedule(a, 0, pool);
     EXPECT_EQ(VScheduler::run(pool).updates, 1u);
-    EXPECT_THAT(listener.heard(), ElementsAre("a due: scheduled", "a began"));
+    EXPECT_THAT(listener.events(), ElementsAre("a due: scheduled", "a began"));
 }

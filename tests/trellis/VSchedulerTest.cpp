@@ -25,7 +25,7 @@ class VSchedulerTest : public FrameworkTest {
 protected:
     StrongPtr<ValuePool> pool{new ValuePool("pool")};
 
-    // Objects that read each other in a row, evaluated once.
+    // Creates a chain of objects, evaluated once.
     Nodes makeChain(std::size_t count) const
     {
         Nodes chain;
@@ -40,8 +40,8 @@ protected:
     }
 };
 
-// A network without loops that is changed at random, beside the plainest
-// possible idea of it: who reads whom, and what everybody should say.
+// A randomly changed network without loops, and a simple model of it: the connections
+// and the expected results.
 class RandomNetwork {
 public:
     RandomNetwork(std::size_t count, unsigned seed, const StrongPtr<ValuePool>& pool)
@@ -54,7 +54,7 @@ public:
             make(i, pool);
     }
 
-    /// Connects, cuts, writes, makes anew.
+    /// Connects, disconnects, writes or recreates an object at random.
     void change(const StrongPtr<ValuePool>& pool)
     {
         const std::size_t node = m_random() % m_nodes.size();
@@ -65,7 +65,7 @@ public:
         case 0:
         case 1:
         case 2:
-            // Nobody reads a later one, so there are no loops.
+            // Objects read only earlier ones, so there are no loops.
             if (node > 0 && plan.sources[input] != (m_connected = m_random() % node)) {
                 EXPECT_TRUE(connect(m_nodes[m_connected], m_nodes[node], nameOf(input)));
                 plan.sources[input] = m_connected;
@@ -81,7 +81,7 @@ public:
                 for (Plan& each : m_plan) {
                     for (std::size_t i = 0; i < Inputs; ++i) {
                         if (each.sources[i] == node) {
-                            each.sources[i] = Gone;
+                            each.sources[i] = Destroyed;
                             each.last[i] = plan.result;
                         }
                     }
@@ -99,8 +99,8 @@ public:
         }
     }
 
-    /// Runs what is due and compares with what should have happened.
-    void expectTheRightRuns(const StrongPtr<ValuePool>& pool)
+    /// Runs due objects and compares the runs and results with the model.
+    void expectCorrectRuns(const StrongPtr<ValuePool>& pool)
     {
         std::size_t expectedRuns = 0;
         for (std::size_t i = 0; i < m_plan.size(); ++i) {
@@ -127,12 +127,12 @@ public:
 private:
     static constexpr std::size_t Inputs = 3;
     static constexpr std::size_t None = ~std::size_t{0};
-    static constexpr std::size_t Gone = None - 1; // the source went, the last value stays
+    static constexpr std::size_t Destroyed = None - 1; // the source was destroyed, its last value remains
 
     struct Plan {
         std::size_t sources[Inputs] = {None, None, None};
         double values[Inputs] = {};
-        double last[Inputs] = {}; // what a source said last before it went
+        double last[Inputs] = {}; // the last results of destroyed sources
         double result = 0;
         bool due = false;
         bool wasRun = false;
@@ -152,7 +152,7 @@ private:
         double sum = 1;
         for (std::size_t input = 0; input < Inputs; ++input) {
             const std::size_t source = plan.sources[input];
-            sum += source == None ? plan.values[input] : source == Gone ? plan.last[input] : m_plan[source].result;
+            sum += source == None ? plan.values[input] : source == Destroyed ? plan.last[input] : m_plan[source].result;
         }
         plan.result = std::fmod(sum, Node::Modulus);
         plan.due = false;
@@ -167,7 +167,7 @@ private:
 
 } // namespace
 
-TEST_F(VSchedulerTest, runsADiamondOnceFromItsSourceOn)
+TEST_F(VSchedulerTest, runsEachObjectOfADiamondOnce)
 {
     const auto source = makeNode("source");
     const auto left = makeNode("left");
@@ -191,7 +191,7 @@ TEST_F(VSchedulerTest, runsADiamondOnceFromItsSourceOn)
     EXPECT_EQ(end->read(pool, "out"), 25);
 }
 
-TEST_F(VSchedulerTest, runsNothingWhoseInputsDidNotChange)
+TEST_F(VSchedulerTest, runsNoObjectWithUnchangedInputs)
 {
     const Nodes chain = makeChain(10);
     EXPECT_EQ(VScheduler::run(pool).updates, 0u);
@@ -199,7 +199,7 @@ TEST_F(VSchedulerTest, runsNothingWhoseInputsDidNotChange)
     EXPECT_EQ(VScheduler::run(pool).updates, 3u);
     EXPECT_THAT(runsOf(chain), ElementsAre(0, 0, 0, 0, 0, 0, 0, 1, 1, 1));
 
-    // One that finds nothing new to say ends the wave.
+    // An object with an unchanged result ends the propagation.
     chain[4]->work = [](Node& self, VRequest& request, double) {
         return self.writeIfDifferent(request.valuePool(), "out", 5.0) || true;
     };
@@ -208,7 +208,7 @@ TEST_F(VSchedulerTest, runsNothingWhoseInputsDidNotChange)
     EXPECT_THAT(runsOf(chain), ElementsAre(0, 0, 1, 1, 1, 0, 0, 0, 0, 0));
 }
 
-TEST_F(VSchedulerTest, runsRandomNetworksRightWhateverChanged)
+TEST_F(VSchedulerTest, runsRandomlyChangedNetworksCorrectly)
 {
     for (unsigned seed = 0; seed < 60; ++seed) {
         SCOPED_TRACE(seed);
@@ -217,14 +217,14 @@ TEST_F(VSchedulerTest, runsRandomNetworksRightWhateverChanged)
         for (int pass = 0; pass < 40; ++pass) {
             for (int changes = (pass * 7 + static_cast<int>(seed)) % 12; changes >= 0; --changes)
                 network.change(each);
-            network.expectTheRightRuns(each);
+            network.expectCorrectRuns(each);
             if (HasFatalFailure())
                 return;
         }
     }
 }
 
-TEST_F(VSchedulerTest, runsALadderOfDiamondsInLinearlyManyUpdates)
+TEST_F(VSchedulerTest, runsALadderOfDiamondsWithOneUpdatePerObject)
 {
     constexpr std::size_t Steps = 400;
     Nodes nodes{makeNode("start")};
@@ -248,7 +248,7 @@ TEST_F(VSchedulerTest, runsALadderOfDiamondsInLinearlyManyUpdates)
 TEST_F(VSchedulerTest, runsAChainOfAMillionObjectsBuiltFromEitherEndOnAnOrdinaryStack)
 {
 #if defined(SANITIZED)
-    constexpr std::size_t Count = 100'000; // frames and objects are several times as large
+    constexpr std::size_t Count = 100'000; // stack frames and objects are several times larger
 #else
     constexpr std::size_t Count = 1'000'000;
 #endif
@@ -284,7 +284,7 @@ TEST_F(VSchedulerTest, runsAChainOfAMillionObjectsBuiltFromEitherEndOnAnOrdinary
     }
 }
 
-TEST_F(VSchedulerTest, leavesAReaderAloneThatIsBeingDestroyed)
+TEST_F(VSchedulerTest, ignoresAReaderThatIsBeingDestroyed)
 {
     struct AtEnd {
         ~AtEnd() { call(); }
@@ -319,31 +319,31 @@ TEST_F(VSchedulerTest, runsEveryReaderOfOneOutputOnce)
     EXPECT_EQ(readers.back()->read(pool, "out"), 5);
 }
 
-TEST_F(VSchedulerTest, knowsWhoIsDueAndWhereItTakesNobody)
+TEST_F(VSchedulerTest, reportsDueObjectsAndRejectsNull)
 {
     const auto node = makeNode("node");
     EXPECT_FALSE(VScheduler::isDue(node, pool));
     EXPECT_TRUE(VScheduler::schedule(node, 0, pool));
     EXPECT_TRUE(VScheduler::isDue(node, pool));
     EXPECT_TRUE(VScheduler::isDue(pool));
-    EXPECT_TRUE(VScheduler::schedule(node, 0, pool)) << "due already";
+    EXPECT_TRUE(VScheduler::schedule(node, 0, pool)) << "it is already due";
     EXPECT_EQ(VScheduler::run(pool).updates, 1u);
     EXPECT_FALSE(VScheduler::isDue(pool));
 
-    const StrongPtr<VObject> nobody;
-    const StrongPtr<ValuePool> nowhere;
-    EXPECT_FALSE(VScheduler::schedule(nobody, 0, pool));
-    EXPECT_FALSE(VScheduler::schedule(node, 0, nowhere));
-    EXPECT_FALSE(VScheduler::isDue(nobody, pool));
-    EXPECT_FALSE(VScheduler::isDue(node, nowhere));
-    EXPECT_FALSE(VScheduler::isDue(nowhere));
-    EXPECT_EQ(VScheduler::run(nowhere).outcome, Outcome::Done);
-    VRequest request(nowhere);
+    const StrongPtr<VObject> noObject;
+    const StrongPtr<ValuePool> noPool;
+    EXPECT_FALSE(VScheduler::schedule(noObject, 0, pool));
+    EXPECT_FALSE(VScheduler::schedule(node, 0, noPool));
+    EXPECT_FALSE(VScheduler::isDue(noObject, pool));
+    EXPECT_FALSE(VScheduler::isDue(node, noPool));
+    EXPECT_FALSE(VScheduler::isDue(noPool));
+    EXPECT_EQ(VScheduler::run(noPool).outcome, Outcome::Done);
+    VRequest request(noPool);
     EXPECT_EQ(VScheduler::run(request).updates, 0u);
-    EXPECT_EQ(VScheduler::scheduleAll(nowhere), 0u);
+    EXPECT_EQ(VScheduler::scheduleAll(noPool), 0u);
 }
 
-TEST_F(VSchedulerTest, schedulesAllAnnouncedObjectsThatEvaluate)
+TEST_F(VSchedulerTest, schedulesAllAnnouncedObjectsThatAreEnabled)
 {
     const Nodes chain = makeChain(3);
     const auto notEnabled = Loam::makeStrong<Node>("not enabled");
@@ -358,12 +358,12 @@ TEST_F(VSchedulerTest, schedulesAllAnnouncedObjectsThatEvaluate)
         VManagedObject::remove(node);
 }
 
-TEST_F(VSchedulerTest, handsThePrecisionToTheNextUpdateAlone)
+TEST_F(VSchedulerTest, passesThePrecisionToTheNextUpdateOnly)
 {
     const auto node = makeNode("node");
-    std::vector<double> heard;
-    node->work = [&heard](Node&, VRequest&, double precision) {
-        heard.push_back(precision);
+    std::vector<double> received;
+    node->work = [&received](Node&, VRequest&, double precision) {
+        received.push_back(precision);
         return true;
     };
     VScheduler::schedule(node, 0.5, pool);
@@ -371,10 +371,10 @@ TEST_F(VSchedulerTest, handsThePrecisionToTheNextUpdateAlone)
     VScheduler::run(pool);
     node->write(pool, "in", 1.0);
     VScheduler::run(pool);
-    EXPECT_THAT(heard, ElementsAre(0.25, 0));
+    EXPECT_THAT(received, ElementsAre(0.25, 0));
 }
 
-TEST_F(VSchedulerTest, handsTheRequestToEveryUpdate)
+TEST_F(VSchedulerTest, passesTheRequestToEveryUpdate)
 {
     const Nodes chain = makeChain(2);
     std::vector<double> progress;
@@ -390,7 +390,7 @@ TEST_F(VSchedulerTest, handsTheRequestToEveryUpdate)
     EXPECT_THAT(progress, ElementsAre(0.5, 1));
 }
 
-TEST_F(VSchedulerTest, reportsWhateverAnUpdateThrowsAndGoesOn)
+TEST_F(VSchedulerTest, reportsAnythingThatAnUpdateThrowsAndContinues)
 {
     const struct {
         const char* name;
@@ -425,7 +425,7 @@ TEST_F(VSchedulerTest, reportsWhateverAnUpdateThrowsAndGoesOn)
                     ElementsAre(AllOf(HasSubstr("Node \"" + std::string(name) + "\""), HasSubstr(message))));
         EXPECT_EQ(independent->runs, 1u);
         EXPECT_EQ(reader->runs, 0u);
-        EXPECT_EQ(reader->read(pool, "out"), 2) << "the last good values stay";
+        EXPECT_EQ(reader->read(pool, "out"), 2) << "the last good values remain";
 
         failing->work = nullptr;
         VScheduler::schedule(failing, 0, pool);
@@ -434,7 +434,7 @@ TEST_F(VSchedulerTest, reportsWhateverAnUpdateThrowsAndGoesOn)
     }
 }
 
-TEST_F(VSchedulerTest, doesNotRunReadersOfWhatAnUpdateWroteBeforeItFailed)
+TEST_F(VSchedulerTest, doesNotRunReadersOfOutputsWrittenBeforeAFailure)
 {
     const Nodes chain = makeChain(3);
     for (const bool throws : {true, false}) {
@@ -470,12 +470,12 @@ TEST_F(VSchedulerTest, survivesANotifierThatThrows)
 
     node->work = nullptr;
     node->write(pool, "in", 1.0);
-    EXPECT_TRUE(VScheduler::isDue(node, pool)) << "it is not taken for one that runs";
+    EXPECT_TRUE(VScheduler::isDue(node, pool)) << "it does not count as running";
     EXPECT_EQ(VScheduler::run(pool).outcome, Outcome::Done);
     EXPECT_EQ(node->read(pool, "out"), 2);
 }
 
-TEST_F(VSchedulerTest, keepsWhatIsDueWhenItIsCancelled)
+TEST_F(VSchedulerTest, keepsDueObjectsWhenItIsCancelled)
 {
     const Nodes chain = makeChain(4);
     VRequest cancelled(pool);
@@ -485,7 +485,7 @@ TEST_F(VSchedulerTest, keepsWhatIsDueWhenItIsCancelled)
     EXPECT_THAT(runsOf(chain), Each(0u));
     EXPECT_TRUE(VScheduler::isDue(chain[0], pool));
 
-    // The one that is cancelled half way is due again, with its precision.
+    // An object cancelled during its update is due again with its precision.
     std::vector<double> precisions;
     chain[1]->work = [&precisions](Node& self, VRequest& request, double precision) {
         precisions.push_back(precision);
@@ -510,7 +510,7 @@ TEST_F(VSchedulerTest, keepsWhatIsDueWhenItIsCancelled)
     EXPECT_EQ(chain[3]->read(pool, "out"), 9);
 }
 
-TEST_F(VSchedulerTest, refusesASecondRunInThePoolThatIsRunning)
+TEST_F(VSchedulerTest, refusesANestedRunInTheSamePool)
 {
     const Nodes chain = makeChain(3);
     Outcome inner = Outcome::Done;
@@ -557,7 +557,7 @@ TEST_F(VSchedulerTest, keepsPoolsIndependent)
     EXPECT_EQ(chain[2]->read(second, "out"), 3);
 }
 
-TEST_F(VSchedulerTest, keepsThePoolUntilTheRunIsOver)
+TEST_F(VSchedulerTest, keepsThePoolAliveDuringARun)
 {
     const Nodes chain = makeChain(3);
     chain[0]->work = [this](Node& self, VRequest& request, double) {
@@ -569,7 +569,7 @@ TEST_F(VSchedulerTest, keepsThePoolUntilTheRunIsOver)
     EXPECT_THAT(runsOf(chain), Each(1u));
 }
 
-TEST_F(VSchedulerTest, letsAnUpdateRemoveItsObjectAndOthersThatAreDue)
+TEST_F(VSchedulerTest, letsAnUpdateRemoveItsObjectAndOtherDueObjects)
 {
     Nodes nodes = makeChain(4);
     auto doomed = makeNode("doomed");
@@ -585,7 +585,7 @@ TEST_F(VSchedulerTest, letsAnUpdateRemoveItsObjectAndOthersThatAreDue)
         doomed.reset();
         return true;
     };
-    // The work is part of the object; it is kept alive until it has returned.
+    // The work is part of the object, which stays alive until the work returns.
     nodes[0]->write(pool, "in", 7.0);
     const VScheduler::Summary summary = VScheduler::run(pool);
     EXPECT_TRUE(itself.expired());
@@ -602,7 +602,7 @@ TEST_F(VSchedulerTest, letsAnUpdateAddObjectsAndConnectThem)
     chain[1]->work = [&](Node& self, VRequest& request, double) {
         self.work = nullptr;
         self.writeSum(request.valuePool());
-        // A detour in front of the next one, which is due already.
+        // A detour before the next object, which is already due.
         added = {makeNode("x"), makeNode("y"), makeNode("z")};
         connect(chain[1], added[0]);
         connect(added[0], added[1]);
@@ -630,7 +630,7 @@ TEST_F(VSchedulerTest, letsAnUpdateDisconnectOthersAndItself)
     };
     chain[0]->write(pool, "in", 1.0);
     VScheduler::run(pool);
-    EXPECT_THAT(runsOf(chain), ElementsAre(1, 2, 1, 1)) << "its own new input is another one";
+    EXPECT_THAT(runsOf(chain), ElementsAre(1, 2, 1, 1)) << "its own input has changed, too";
     EXPECT_EQ(chain[2]->read(pool, "out"), 2);
     EXPECT_EQ(chain[3]->read(pool, "out"), 1);
 }
@@ -644,7 +644,7 @@ TEST_F(VSchedulerTest, doesNotRunAnObjectForAPassiveInput)
     connect(source, node, "passive");
     runAll({node, source}, pool);
     EXPECT_THAT(runsOf({node}), ElementsAre(1));
-    EXPECT_EQ(node->read(pool, "out"), 2) << "it still comes after what it reads";
+    EXPECT_EQ(node->read(pool, "out"), 2) << "it still runs after its source";
     source->write(pool, "in", 5.0);
     VScheduler::run(pool);
     EXPECT_EQ(node->runs, 0u);
@@ -653,7 +653,7 @@ TEST_F(VSchedulerTest, doesNotRunAnObjectForAPassiveInput)
     EXPECT_EQ(node->read(pool, "out"), 17);
 }
 
-TEST_F(VSchedulerTest, doesNotRunAnObjectAgainForItsOwnInputThatItWrites)
+TEST_F(VSchedulerTest, doesNotRerunAnObjectThatWritesItsOwnInput)
 {
     const auto node = makeNode("node");
     const auto sharing = makeNode("sharing");
@@ -664,13 +664,13 @@ TEST_F(VSchedulerTest, doesNotRunAnObjectAgainForItsOwnInputThatItWrites)
     };
     runAll({node}, pool);
     EXPECT_EQ(node->runs, 1u);
-    EXPECT_EQ(sharing->runs, 1u) << "others that read it do not know yet";
+    EXPECT_EQ(sharing->runs, 1u) << "other readers must run";
     EXPECT_EQ(sharing->read(pool, "out"), 101);
     node->write(pool, "in", 5.0);
-    EXPECT_TRUE(VScheduler::isDue(node, pool)) << "from outside it is a change like any other";
+    EXPECT_TRUE(VScheduler::isDue(node, pool)) << "a write from outside makes it due";
 }
 
-TEST_F(VSchedulerTest, runsAnObjectAgainThatSchedulesItself)
+TEST_F(VSchedulerTest, rerunsAnObjectThatSchedulesItself)
 {
     const auto node = makeNode("node");
     node->work = [](Node& self, VRequest& request, double precision) {

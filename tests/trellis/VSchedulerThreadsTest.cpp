@@ -7,7 +7,7 @@
 #include <random>
 #include <thread>
 
-// Evaluating and changing networks in several threads; run them under ThreadSanitizer.
+// Evaluates and changes networks in several threads; run it under ThreadSanitizer.
 
 using namespace Orla;
 
@@ -15,7 +15,7 @@ namespace {
 
 using Nodes = std::vector<StrongPtr<Node>>;
 
-// Calls `function(number)` in as many threads at once.
+// Calls `function(number)` in `count` threads at once.
 template<class Function>
 void inThreads(unsigned count, Function&& function)
 {
@@ -43,7 +43,7 @@ class VSchedulerThreadsTest : public FrameworkTest {};
 
 } // namespace
 
-TEST_F(VSchedulerThreadsTest, evaluatesPoolsOfOneNetworkAtTheSameTime)
+TEST_F(VSchedulerThreadsTest, evaluatesPoolsOfOneNetworkConcurrently)
 {
 #if defined(SANITIZED)
     constexpr unsigned Networks = 150;
@@ -72,7 +72,7 @@ TEST_F(VSchedulerThreadsTest, evaluatesPoolsOfOneNetworkAtTheSameTime)
     }
 }
 
-TEST_F(VSchedulerThreadsTest, usesDifferentNetworksWithoutRestriction)
+TEST_F(VSchedulerThreadsTest, usesDifferentNetworksConcurrently)
 {
     inThreads(4, [](unsigned seed) {
         for (unsigned round = 0; round < 50; ++round) {
@@ -88,7 +88,7 @@ TEST_F(VSchedulerThreadsTest, usesDifferentNetworksWithoutRestriction)
     });
 }
 
-TEST_F(VSchedulerThreadsTest, changesANetworkThatOthersEvaluate)
+TEST_F(VSchedulerThreadsTest, changesANetworkWhileOtherThreadsEvaluateIt)
 {
     const Nodes chain = [] {
         Nodes made{makeNode("0")};
@@ -102,7 +102,7 @@ TEST_F(VSchedulerThreadsTest, changesANetworkThatOthersEvaluate)
     std::atomic<unsigned> evaluations{0};
     inThreads(3, [&](unsigned number) {
         if (number == 0) {
-            // Objects come and go, connections are cut and made.
+            // Creates and destroys objects, makes and cuts connections.
             std::mt19937 random(1);
             for (int i = 0; i < 300 || evaluations < 100; ++i) {
                 const std::size_t reader = 1 + random() % 19;
@@ -128,10 +128,10 @@ TEST_F(VSchedulerThreadsTest, changesANetworkThatOthersEvaluate)
     });
     const auto pool = Loam::makeStrong<ValuePool>();
     EXPECT_EQ(runAll(chain, pool).updates, 20u);
-    EXPECT_EQ(chain.back()->read(pool, "out"), 20) << "the network is whole again";
+    EXPECT_EQ(chain.back()->read(pool, "out"), 20) << "the network is complete again";
 }
 
-TEST_F(VSchedulerThreadsTest, letsUpdatesChangeTheNetworkThatOthersEvaluate)
+TEST_F(VSchedulerThreadsTest, letsUpdatesChangeANetworkThatOtherThreadsEvaluate)
 {
     const auto creator = makeNode("creator");
     const auto reader = makeNode("reader");
@@ -154,7 +154,7 @@ TEST_F(VSchedulerThreadsTest, letsUpdatesChangeTheNetworkThatOthersEvaluate)
     });
 }
 
-TEST_F(VSchedulerThreadsTest, letsAnUpdateRemoveItsObjectWhileOthersRunIt)
+TEST_F(VSchedulerThreadsTest, letsAnUpdateRemoveItsObjectWhileOtherThreadsRunIt)
 {
     for (int round = 0; round < 50; ++round) {
         auto doomed = makeNode("doomed");
@@ -182,7 +182,7 @@ TEST_F(VSchedulerThreadsTest, letsAnUpdateRemoveItsObjectWhileOthersRunIt)
     }
 }
 
-TEST_F(VSchedulerThreadsTest, letsAnUpdateRemoveItsReaderWhileOthersEvaluate)
+TEST_F(VSchedulerThreadsTest, letsAnUpdateRemoveItsReaderWhileOtherThreadsEvaluate)
 {
     for (int round = 0; round < 30; ++round) {
         const auto source = makeNode("source");
@@ -210,7 +210,7 @@ TEST_F(VSchedulerThreadsTest, letsAnUpdateRemoveItsReaderWhileOthersEvaluate)
     }
 }
 
-TEST_F(VSchedulerThreadsTest, letsAnUpdateDestroyItsNetworkWhileOthersEvaluate)
+TEST_F(VSchedulerThreadsTest, letsAnUpdateDestroyItsNetworkWhileOtherThreadsEvaluateIt)
 {
     for (unsigned round = 0; round < 30; ++round) {
         auto network = std::make_unique<VNetwork>();
@@ -288,7 +288,7 @@ TEST_F(VSchedulerThreadsTest, releasesPoolsWhileTheirNetworkIsDestroyed)
     }
 }
 
-TEST_F(VSchedulerThreadsTest, makesManyPoolsInTwoThreads)
+TEST_F(VSchedulerThreadsTest, createsManyPoolsInTwoThreads)
 {
 #if defined(SANITIZED)
     constexpr int Count = 5'000;

@@ -14,7 +14,7 @@ class VSlotContainerTest : public FrameworkTest {
 protected:
     StrongPtr<ValuePool> pool{new ValuePool("pool")};
 
-    // A node that passes its input "in" on, as an output of the same name.
+    // Creates a node that passes its input "in" on as an output of the same name.
     static StrongPtr<Node> makePassing(const std::string& name)
     {
         auto node = makeNode(name);
@@ -28,11 +28,11 @@ protected:
         return connect(passing, reader, "in", member, "in");
     }
 
-    // What the input "in" of `node` reads now.
+    // Returns the current value of the input "in" of `node`.
     double input(const StrongPtr<Node>& node) const { return contentOf(node->findSlot("in")->getLocalValue(pool)); }
 };
 
-// Shows the names of the slots that it visits.
+// Collects the names of the slots that it visits.
 struct Names : VSlotIterator {
     bool apply(const StrongPtr<VSlot>& slot) override
     {
@@ -52,8 +52,8 @@ void setup(VSlotContainer*, const VSlotSet& inputs)
     calls.push_back("with " + std::to_string(inputs.size()));
 }
 
-// Adds the two others, of which one at least comes behind it if it is the first
-// of the three.
+// Adds the two others. If this is the first of the three in the set, at least one of
+// them comes after it.
 template<int Number>
 void addingSetup(VSlotContainer* that, const VSlotSet&)
 {
@@ -84,7 +84,7 @@ TEST_F(VSlotContainerTest, holdsInputsAndOutputsByName)
     EXPECT_EQ(node->outputs().size(), 1u);
 }
 
-TEST_F(VSlotContainerTest, refusesASecondSlotOfANameAndSaysSo)
+TEST_F(VSlotContainerTest, refusesASecondSlotOfANameWithAWarning)
 {
     const auto node = makeNode("node");
     const StrongPtr<VSlot> input = node->findSlot("in");
@@ -101,7 +101,7 @@ TEST_F(VSlotContainerTest, refusesASecondSlotOfANameAndSaysSo)
     EXPECT_EQ(node->findOutput("out"), output);
 }
 
-TEST_F(VSlotContainerTest, leavesTheSourceOfAParameterThatIsOfferedASecondTime)
+TEST_F(VSlotContainerTest, keepsTheSourceOfAParameterThatIsRegisteredTwice)
 {
     const auto first = makeNode("first");
     const auto second = makeNode("second");
@@ -128,7 +128,7 @@ TEST_F(VSlotContainerTest, removesAnInput)
     EXPECT_TRUE(node->addInput("in")) << "the name is free again";
 }
 
-TEST_F(VSlotContainerTest, isDueEverywhereWhenItsInputsOrConnectionsChange)
+TEST_F(VSlotContainerTest, isDueInAllItsPoolsWhenItsInputsOrConnectionsChange)
 {
     const auto writer = makeNode("writer");
     const auto node = makeNode("node");
@@ -183,10 +183,10 @@ TEST_F(VSlotContainerTest, connectsReplacesAndDetaches)
     EXPECT_FALSE(slot->isConnected());
     EXPECT_FALSE(reader->detach(slot));
     EXPECT_FALSE(reader->detach(nullptr));
-    EXPECT_FALSE(first->detach(slot)) << "of another container";
+    EXPECT_FALSE(first->detach(slot)) << "it belongs to another container";
 }
 
-TEST_F(VSlotContainerTest, refusesAnotherTypeNamingBothAndChangesNothing)
+TEST_F(VSlotContainerTest, refusesAnotherTypeNamesBothAndChangesNothing)
 {
     const auto writer = makeNode("writer", {});
     writer->addOutput<std::string>("text");
@@ -230,7 +230,7 @@ TEST_F(VSlotContainerTest, refusesAnotherTypeNamingBothAndChangesNothing)
     EXPECT_THAT(writer->findOutput("text")->parameter()->readers(), IsEmpty());
 }
 
-TEST_F(VSlotContainerTest, refusesWhatIsNoInputOfItsOwn)
+TEST_F(VSlotContainerTest, refusesSlotsThatAreNotItsInputs)
 {
     const auto writer = makeNode("writer");
     const auto reader = makeNode("reader");
@@ -255,7 +255,7 @@ TEST_F(VSlotContainerTest, selectsAComponentAndWritesThroughIt)
     const auto reader = makeNode("reader");
     EXPECT_TRUE(connect(writer, reader, "in", "low", "interval"));
     EXPECT_EQ(input(reader), 3);
-    EXPECT_TRUE(connect(writer, reader, "in", "high", "interval")) << "another member is another connection";
+    EXPECT_TRUE(connect(writer, reader, "in", "high", "interval")) << "another member makes a different connection";
     EXPECT_EQ(reader->findSlot("in")->member(), "high");
     EXPECT_EQ(input(reader), 4);
     reader->write(pool, "in", 7.0);
@@ -276,7 +276,7 @@ TEST_F(VSlotContainerTest, readsTheInputOfAnotherContainer)
     EXPECT_EQ(input(second), 5);
 }
 
-TEST_F(VSlotContainerTest, findsTheInputThatReadsAParameterFromEitherSide)
+TEST_F(VSlotContainerTest, findsTheInputThatReadsAParameter)
 {
     const auto parameter = testParameter("shared");
     const auto many = makeNode("many", {});
@@ -296,7 +296,7 @@ TEST_F(VSlotContainerTest, findsTheInputThatReadsAParameterFromEitherSide)
     EXPECT_FALSE(makeNode("none")->findSlot(parameter));
 }
 
-TEST_F(VSlotContainerTest, visitsInputsFromAnExpertLevelOn)
+TEST_F(VSlotContainerTest, visitsInputsOfAnExpertLevelAndAbove)
 {
     const auto node = Loam::makeStrong<Node>("node");
     for (const auto& [name, level] : {std::pair{"a", 0}, {"b", 5}, {"c", 2}, {"d", -1}, {"e", 5}})
@@ -310,7 +310,7 @@ TEST_F(VSlotContainerTest, visitsInputsFromAnExpertLevelOn)
     EXPECT_THAT(ended.names, ElementsAre("a", "b"));
 }
 
-TEST_F(VSlotContainerTest, letsInputsBeAddedAndRemovedDuringAVisit)
+TEST_F(VSlotContainerTest, allowsAddingAndRemovingInputsDuringAVisit)
 {
     const auto node = makeNode("node", {"a", "b", "c"});
     Names names;
@@ -339,7 +339,7 @@ TEST_F(VSlotContainerTest, runsEachSetupFunctionOnceWithItsInputs)
     node->setupFunctions() = {*three.begin()};
     calls.clear();
     node->runSetupFunctions();
-    EXPECT_EQ(calls.size(), 1u) << "those that are added meanwhile have their turn the next time";
+    EXPECT_EQ(calls.size(), 1u) << "functions added meanwhile run the next time";
     node->runSetupFunctions();
     EXPECT_EQ(calls.size(), 4u);
 }
@@ -359,8 +359,8 @@ TEST_F(VSlotContainerTest, passesAnInputOnAsAnOutput)
     const auto passing = makePassing("passing");
     EXPECT_EQ(passing->findOutput("in"), passing->findSlot("in"));
     const auto other = makeNode("other");
-    EXPECT_FALSE(other->registerOutput(passing->findSlot("in"))) << "of another container";
-    EXPECT_FALSE(passing->registerOutput(passing->findSlot("in"))) << "a second time";
+    EXPECT_FALSE(other->registerOutput(passing->findSlot("in"))) << "it belongs to another container";
+    EXPECT_FALSE(passing->registerOutput(passing->findSlot("in"))) << "it is already registered";
     EXPECT_FALSE(passing->registerOutput(StrongPtr<VSlot>()));
 
     follow(passing, other);
@@ -369,7 +369,7 @@ TEST_F(VSlotContainerTest, passesAnInputOnAsAnOutput)
     EXPECT_TRUE(VScheduler::isDue(other, pool));
 }
 
-TEST_F(VSlotContainerTest, takesItsFollowersAlongWhenAPassedInputIsConnectedAnew)
+TEST_F(VSlotContainerTest, reconnectsFollowersWhenAPassedInputIsReconnected)
 {
     const auto first = makeNode("first");
     const auto second = makeNode("second");
@@ -399,7 +399,7 @@ TEST_F(VSlotContainerTest, takesItsFollowersAlongWhenAPassedInputIsConnectedAnew
     EXPECT_EQ(input(reader), 8);
 }
 
-TEST_F(VSlotContainerTest, takesNobodyAlongWhoWasConnectedElsewhereSince)
+TEST_F(VSlotContainerTest, doesNotReconnectFormerFollowersThatReadElsewhere)
 {
     const auto first = makeNode("first");
     const auto second = makeNode("second");
@@ -413,7 +413,7 @@ TEST_F(VSlotContainerTest, takesNobodyAlongWhoWasConnectedElsewhereSince)
         follow(passing, node);
     connect(second, elsewhere);
     detached->detach(detached->findSlot("in"));
-    connect(first, direct); // what it reads already, but no longer because "passing" does
+    connect(first, direct); // reads the same, but no longer through "passing"
     direct2->attachParameter(first->findOutput("out")->parameter(), direct2->findSlot("in"), "");
 
     const auto third = makeNode("third");
@@ -424,7 +424,7 @@ TEST_F(VSlotContainerTest, takesNobodyAlongWhoWasConnectedElsewhereSince)
     EXPECT_EQ(direct2->findSlot("in")->parameter(), first->findOutput("out")->parameter());
 }
 
-TEST_F(VSlotContainerTest, followsAgainAfterADetour)
+TEST_F(VSlotContainerTest, followsAgainAfterADirectConnection)
 {
     const auto first = makeNode("first");
     const auto second = makeNode("second");
@@ -487,7 +487,7 @@ TEST_F(VSlotContainerTest, selectsAComponentOfAPassedInputThatReadsAComponent)
     EXPECT_EQ(input(reader), 1);
 }
 
-TEST_F(VSlotContainerTest, endsAtARingOfPassedInputs)
+TEST_F(VSlotContainerTest, handlesARingOfPassedInputs)
 {
     const auto source = makeNode("source");
     std::vector<StrongPtr<Node>> ring;
@@ -508,16 +508,16 @@ TEST_F(VSlotContainerTest, endsAtARingOfPassedInputs)
     for (const StrongPtr<Node>& node : ring)
         EXPECT_EQ(node->findSlot("in")->parameter(), ring[1]->findSlot("in")->ownParameter());
 
-    // One that reads itself is the shortest ring.
+    // An object that reads itself is the shortest ring.
     const auto self = makePassing("self");
     EXPECT_TRUE(follow(self, self));
     connect(source, self);
     EXPECT_EQ(self->findSlot("in")->parameter(), source->findOutput("out")->parameter());
 }
 
-TEST_F(VSlotContainerTest, endsAtARingInWhichEveryRoundSelectsAComponent)
+TEST_F(VSlotContainerTest, handlesARingThatSelectsAComponentInEveryRound)
 {
-    // A number that has a number as its part.
+    // A number with a number as its component.
     const VValueComponents halves{
         typeid(double), {{"half", &typeid(double), [](VValueBase& whole) {
                               return StrongPtr<VValueBase>(
@@ -537,7 +537,7 @@ TEST_F(VSlotContainerTest, endsAtARingInWhichEveryRoundSelectsAComponent)
     EXPECT_EQ(input(first), 4);
 }
 
-TEST_F(VSlotContainerTest, survivesFollowersAndPassersThatGo)
+TEST_F(VSlotContainerTest, survivesTheDestructionOfFollowersAndPassingObjects)
 {
     const auto source = makeNode("source");
     auto passing = makePassing("passing");
@@ -555,7 +555,7 @@ TEST_F(VSlotContainerTest, survivesFollowersAndPassersThatGo)
     EXPECT_EQ(source->findOutput("out")->parameter()->readers().size(), 1u);
 }
 
-TEST_F(VSlotContainerTest, leavesItsReadersWithTheLastValuesWhenItGoes)
+TEST_F(VSlotContainerTest, leavesItsReadersTheLastValuesWhenItIsDestroyed)
 {
     auto writer = makeNode("writer");
     const auto reader = makeNode("reader");

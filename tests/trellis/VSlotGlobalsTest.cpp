@@ -13,21 +13,21 @@ class VSlotGlobalsTest : public FrameworkTest {};
 
 } // namespace
 
-TEST_F(VSlotGlobalsTest, reportsASlotWithoutAContainerAndGoesOn)
+TEST_F(VSlotGlobalsTest, reportsASlotWithoutAContainerAndContinues)
 {
     VSlotGlobals::assertionFail(nullptr, "limit", typeid(double));
     EXPECT_THAT(warnings(),
                 ElementsAre(AllOf(HasSubstr("\"limit\""), HasSubstr("double"), HasSubstr("without a container"))));
 }
 
-TEST_F(VSlotGlobalsTest, namesTheContainerThatASlotDoesNotSuit)
+TEST_F(VSlotGlobalsTest, namesTheContainerOfAMismatchedSlot)
 {
     const auto node = makeNode("scene");
     VSlotGlobals::assertionFail(node.get(), "limit", typeid(double));
     EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("\"limit\""), HasSubstr("double"), HasSubstr("\"scene\""))));
 }
 
-TEST_F(VSlotGlobalsTest, addsParametersAsTheContainerDoes)
+TEST_F(VSlotGlobalsTest, addsParametersLikeTheContainer)
 {
     const auto node = makeNode("node", {});
     const auto parameter = testParameter("limit", 2.0);

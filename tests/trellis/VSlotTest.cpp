@@ -23,7 +23,7 @@ std::vector<std::string> namesOf(const VSlotSet& slots)
 
 } // namespace
 
-TEST_F(VSlotTest, knowsWhatItWasMadeWith)
+TEST_F(VSlotTest, returnsItsConstructorArguments)
 {
     const auto parameter = testParameter("limit", 2.0);
     const VSlot slot(*node, "input", 7, parameter, VSlot::Passive | VSlot::AddedLater);
@@ -39,7 +39,7 @@ TEST_F(VSlotTest, knowsWhatItWasMadeWith)
     EXPECT_FALSE(slot.hasFlag(VSlot::Output) || slot.hasFlag(VSlot::AutoConnected));
 }
 
-TEST_F(VSlotTest, setsAndClearsEachFlagAlone)
+TEST_F(VSlotTest, setsAndClearsFlagsIndependently)
 {
     VSlot slot(*node, "input", 0, testParameter("limit"), 0);
     for (const auto flag : {VSlot::AutoConnected, VSlot::Passive, VSlot::Output, VSlot::AddedLater}) {
@@ -63,13 +63,13 @@ TEST_F(VSlotTest, readsItsInitialValueFromText)
     EXPECT_EQ(contentOf(slot->ownParameter()->DefaultValue()), 4.5);
 }
 
-TEST_F(VSlotTest, setsItsOwnInitialValueAlsoWhileItIsConnected)
+TEST_F(VSlotTest, setsItsOwnInitialValueEvenWhileItIsConnected)
 {
     const auto writer = makeNode("writer");
     const StrongPtr<VSlot> slot = node->addInput("in", 1.0);
     connect(writer, node);
     EXPECT_TRUE(slot->setInitialText("3"));
-    EXPECT_EQ(contentOf(slot->getLocalValue(pool)), 0) << "the writer's";
+    EXPECT_EQ(contentOf(slot->getLocalValue(pool)), 0) << "the value of the writer";
     node->detach(slot);
     EXPECT_EQ(contentOf(slot->getLocalValue(pool)), 3);
 }
@@ -83,7 +83,7 @@ TEST_F(VSlotTest, isSetFromTextInOnePoolAndAnnouncesTheChange)
     EXPECT_EQ(slot->text(pool), "4.5");
     EXPECT_EQ(contentOf(slot->getValueBase(pool)), 4.5);
     EXPECT_TRUE(VScheduler::isDue(reader, pool));
-    EXPECT_EQ(contentOf(slot->ownParameter()->DefaultValue()), 0) << "other pools start as before";
+    EXPECT_EQ(contentOf(slot->ownParameter()->DefaultValue()), 0) << "the initial value is unchanged";
     VScheduler::run(pool);
     EXPECT_FALSE(slot->set(pool, "many"));
     EXPECT_EQ(slot->text(pool), "4.5");
@@ -91,7 +91,7 @@ TEST_F(VSlotTest, isSetFromTextInOnePoolAndAnnouncesTheChange)
     EXPECT_FALSE(slot->set(nullptr, "5"));
 }
 
-TEST_F(VSlotTest, followsTheInputThatItWasAttachedToByItsParameter)
+TEST_F(VSlotTest, followsAnInputAttachedByParameter)
 {
     const auto passing = makeNode("passing");
     const auto reader = makeNode("reader");
@@ -118,7 +118,7 @@ TEST_F(VSlotTest, keepsItsOwnValueInAPoolWhileItIsConnected)
     EXPECT_EQ(reader->read(pool, "out"), 6);
 }
 
-TEST_F(VSlotTest, readsTheComponentThatItsMemberNames)
+TEST_F(VSlotTest, readsTheComponentNamedByItsMember)
 {
     node->addInput("in", 1.0);
     const auto writer = makeNode("writer", {});
@@ -131,7 +131,7 @@ TEST_F(VSlotTest, readsTheComponentThatItsMemberNames)
     EXPECT_EQ(contentOf(slot->getValueBase(pool)), 4);
 }
 
-TEST_F(VSlotTest, outlivesItsContainerWithoutLookingForIt)
+TEST_F(VSlotTest, outlivesItsContainerWithoutAccessingIt)
 {
     const StrongPtr<VSlot> slot = node->addInput("in", 1.0);
     const StrongPtr<VSlot> output = node->addOutput("out", 2.0);
@@ -144,7 +144,7 @@ TEST_F(VSlotTest, outlivesItsContainerWithoutLookingForIt)
     EXPECT_FALSE(VScheduler::isDue(pool));
 }
 
-TEST_F(VSlotTest, leavesTheParametersReadersWhenItGoes)
+TEST_F(VSlotTest, leavesTheReadersOfItsParameterWhenItIsDestroyed)
 {
     const auto parameter = testParameter("shared");
     std::vector<StrongPtr<Node>> readers;
@@ -166,7 +166,7 @@ TEST_F(VSlotTest, leavesTheParametersReadersWhenItGoes)
 
 TEST_F(VSlotTest, isHeldOnceInASetAndFoundByName)
 {
-    // Around the size at which the set changes its way of looking names up.
+    // Around the size at which the set changes how it looks names up.
     VSlotSet set;
     std::vector<std::string> expected;
     for (int i = 0; i < 40; ++i) {

@@ -10,7 +10,7 @@ class VValueBaseTest : public FrameworkTest {};
 
 } // namespace
 
-TEST_F(VValueBaseTest, hasNoInterfaceAndForgetsItsSourceUnlessAClassDoesMore)
+TEST_F(VValueBaseTest, hasNoInterfaceAndKeepsNoSourceByDefault)
 {
     const auto value = testValue(1.5);
     const auto node = makeNode("source");
@@ -21,7 +21,7 @@ TEST_F(VValueBaseTest, hasNoInterfaceAndForgetsItsSourceUnlessAClassDoesMore)
     EXPECT_EQ(value->get(), 1.5);
 }
 
-TEST_F(VValueBaseTest, isItsOwnComponentOfTheEmptyName)
+TEST_F(VValueBaseTest, isItsOwnComponentUnderTheEmptyName)
 {
     const StrongPtr<VValueBase> value = testValue(1.5);
     EXPECT_EQ(value->component(""), value);
@@ -41,7 +41,7 @@ TEST_F(VValueBaseTest, readsAndWritesItsComponentsInPlace)
     EXPECT_EQ(contentOf(high), 2);
 }
 
-TEST_F(VValueBaseTest, reachesComponentsOfItsComponentsThroughADot)
+TEST_F(VValueBaseTest, findsNestedComponentsThroughADot)
 {
     const auto framed = testValue(Framed{{3, 4}, 5});
     const StrongPtr<VValueBase> high = framed->component("inner.high");
@@ -51,7 +51,7 @@ TEST_F(VValueBaseTest, reachesComponentsOfItsComponentsThroughADot)
     EXPECT_EQ(framed->get(), (Framed{{3, 6}, 5}));
 }
 
-TEST_F(VValueBaseTest, hasNoComponentThatItsTypeDoesNotName)
+TEST_F(VValueBaseTest, hasNoComponentThatItsTypeDoesNotDeclare)
 {
     EXPECT_FALSE(testValue(1.5)->component("low"));
     for (const char* name : {"Low", "low ", "low.low", ".low", "low.", "."}) {
@@ -61,7 +61,7 @@ TEST_F(VValueBaseTest, hasNoComponentThatItsTypeDoesNotName)
     EXPECT_FALSE(testValue(Framed{})->component("inner.weight"));
 }
 
-TEST_F(VValueBaseTest, keepsTheWholeAliveThroughAComponent)
+TEST_F(VValueBaseTest, isKeptAliveByItsComponents)
 {
     StrongPtr<VValueBase> low = testValue(Interval{3, 4})->component("low");
     EXPECT_EQ(contentOf(low), 3);

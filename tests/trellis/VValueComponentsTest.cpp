@@ -26,7 +26,7 @@ struct Orla::VValueTrait<Point> {
     static bool setValueFromText(Point&, const std::string&) { return false; }
 };
 
-TEST_F(VValueComponentsTest, areThereAsLongAsSomebodyOffersThem)
+TEST_F(VValueComponentsTest, existWhileTheyAreRegistered)
 {
     EXPECT_THAT(VValueComponents::names(typeid(Point)), IsEmpty());
     EXPECT_EQ(VValueComponents::typeOf(typeid(Point), "x"), nullptr);
@@ -48,7 +48,7 @@ TEST_F(VValueComponentsTest, haveTheTypeOfTheValueUnderTheEmptyName)
     EXPECT_EQ(*VValueComponents::typeOf(typeid(int), ""), typeid(int));
 }
 
-TEST_F(VValueComponentsTest, reachIntoComponentsOfComponents)
+TEST_F(VValueComponentsTest, includeComponentsOfComponents)
 {
     EXPECT_EQ(*VValueComponents::typeOf(typeid(Framed), "inner"), typeid(Interval));
     EXPECT_EQ(*VValueComponents::typeOf(typeid(Framed), "inner.low"), typeid(double));
@@ -58,7 +58,7 @@ TEST_F(VValueComponentsTest, reachIntoComponentsOfComponents)
     EXPECT_THAT(VValueComponents::names(typeid(Framed)), ElementsAre("inner", "weight"));
 }
 
-TEST_F(VValueComponentsTest, stepInWhenTheLibraryGoesThatOfferedThemFirst)
+TEST_F(VValueComponentsTest, takeEffectWhenAnEarlierRegistrationEnds)
 {
     const auto component = TestPart<Point, &Point::x>::component;
     std::optional<VValueComponents> first(std::in_place, typeid(Point), std::vector{component("first")});
@@ -71,7 +71,7 @@ TEST_F(VValueComponentsTest, stepInWhenTheLibraryGoesThatOfferedThemFirst)
     EXPECT_THAT(VValueComponents::names(typeid(Point)), IsEmpty());
 }
 
-TEST_F(VValueComponentsTest, mayAskForOthersWhileTheyAreMade)
+TEST_F(VValueComponentsTest, mayQueryOthersWhileTheyAreCreated)
 {
     const VValueComponents components{typeid(Point),
                                       {{"first letter", &typeid(double),

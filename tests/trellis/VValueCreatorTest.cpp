@@ -29,7 +29,7 @@ class VValueCreatorTest : public FrameworkTest {};
 
 } // namespace
 
-TEST_F(VValueCreatorTest, makesValuesOfItsTypeByName)
+TEST_F(VValueCreatorTest, createsValuesOfItsTypeByName)
 {
     const auto creator = Loam::makeStrong<Creator<double>>();
     EXPECT_EQ(creator->valueType(), typeid(double));
@@ -42,7 +42,7 @@ TEST_F(VValueCreatorTest, makesValuesOfItsTypeByName)
     EXPECT_TRUE(ok);
 }
 
-TEST_F(VValueCreatorTest, returnsTheValueAlsoIfTheTextIsRefused)
+TEST_F(VValueCreatorTest, returnsTheValueEvenIfTheTextIsRefused)
 {
     const auto creator = Loam::makeStrong<Creator<double>>();
     VValueCreator::registerCreator(creator, "a number");
@@ -51,19 +51,19 @@ TEST_F(VValueCreatorTest, returnsTheValueAlsoIfTheTextIsRefused)
     EXPECT_FALSE(ok);
 }
 
-TEST_F(VValueCreatorTest, answersNullForATypeThatNobodyRegistered)
+TEST_F(VValueCreatorTest, returnsNullForAnUnregisteredType)
 {
     bool ok = true;
     EXPECT_FALSE(VValueCreator::createValue("nothing", "1", ok));
     EXPECT_FALSE(ok);
     EXPECT_FALSE(VValueCreator::find("nothing"));
     EXPECT_FALSE(VValueCreator::registerCreator(nullptr, "nothing"));
-    const WeakPtrImpl<VValueCreator> gone = Loam::makeStrong<Creator<double>>();
-    EXPECT_FALSE(VValueCreator::registerCreator(gone, "nothing"));
+    const WeakPtrImpl<VValueCreator> destroyed = Loam::makeStrong<Creator<double>>();
+    EXPECT_FALSE(VValueCreator::registerCreator(destroyed, "nothing"));
     EXPECT_THAT(VValueCreator::names(), Not(Contains("nothing")));
 }
 
-TEST_F(VValueCreatorTest, waitsBehindAnotherCreatorOfItsType)
+TEST_F(VValueCreatorTest, waitsForAnEarlierCreatorOfItsType)
 {
     auto first = Loam::makeStrong<Creator<double>>();
     const auto second = Loam::makeStrong<Creator<double>>();
@@ -87,7 +87,7 @@ TEST_F(VValueCreatorTest, isRefusedUnderTheNameOfAnotherType)
     EXPECT_TRUE(VValueCreator::registerCreator(second, "a free name"));
 }
 
-TEST_F(VValueCreatorTest, servesUnderSeveralNames)
+TEST_F(VValueCreatorTest, mayHaveSeveralNames)
 {
     const auto creator = Loam::makeStrong<Creator<double>>();
     EXPECT_TRUE(VValueCreator::registerCreator(creator, "one name"));

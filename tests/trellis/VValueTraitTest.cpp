@@ -15,7 +15,7 @@ std::string text(T value)
 }
 
 template<class T>
-void expectEveryIntegerToComeBack()
+void expectIntegersToRoundTrip()
 {
     using Limits = std::numeric_limits<T>;
     for (const T value : {T{0}, T{1}, T{45}, Limits::max(), Limits::min(), static_cast<T>(Limits::max() - 1)}) {
@@ -34,7 +34,7 @@ void expectEveryIntegerToComeBack()
 }
 
 template<class T>
-void expectEveryFloatToComeBack()
+void expectFloatsToRoundTrip()
 {
     using Limits = std::numeric_limits<T>;
     for (const T value : {T{0}, T{1} / 3, T(-2.5e-7), Limits::max(), Limits::min(), Limits::denorm_min(),
@@ -59,14 +59,14 @@ void expectEveryFloatToComeBack()
 
 TEST(VValueTrait, readsBackIntegersOfEverySize)
 {
-    expectEveryIntegerToComeBack<short>();
-    expectEveryIntegerToComeBack<int>();
-    expectEveryIntegerToComeBack<long>();
-    expectEveryIntegerToComeBack<long long>();
-    expectEveryIntegerToComeBack<unsigned short>();
-    expectEveryIntegerToComeBack<unsigned int>();
-    expectEveryIntegerToComeBack<unsigned long>();
-    expectEveryIntegerToComeBack<unsigned long long>();
+    expectIntegersToRoundTrip<short>();
+    expectIntegersToRoundTrip<int>();
+    expectIntegersToRoundTrip<long>();
+    expectIntegersToRoundTrip<long long>();
+    expectIntegersToRoundTrip<unsigned short>();
+    expectIntegersToRoundTrip<unsigned int>();
+    expectIntegersToRoundTrip<unsigned long>();
+    expectIntegersToRoundTrip<unsigned long long>();
 }
 
 TEST(VValueTrait, refusesIntegersThatDoNotFit)
@@ -82,8 +82,8 @@ TEST(VValueTrait, refusesIntegersThatDoNotFit)
 
 TEST(VValueTrait, readsBackFloatingPointNumbers)
 {
-    expectEveryFloatToComeBack<float>();
-    expectEveryFloatToComeBack<double>();
+    expectFloatsToRoundTrip<float>();
+    expectFloatsToRoundTrip<double>();
 }
 
 TEST(VValueTrait, writesTheShortestTextThatReadsBack)
@@ -93,7 +93,7 @@ TEST(VValueTrait, writesTheShortestTextThatReadsBack)
     EXPECT_EQ(text(0.1 + 0.2), "0.30000000000000004");
 }
 
-TEST(VValueTrait, takesOneCharacterAndTheEmptyTextForCharacterZero)
+TEST(VValueTrait, readsOneCharacterOrTheEmptyTextAsNul)
 {
     for (const char value : {'a', ' ', '\0', ',', static_cast<char>(0xE4)}) {
         char read = 'x';
@@ -107,7 +107,7 @@ TEST(VValueTrait, takesOneCharacterAndTheEmptyTextForCharacterZero)
     EXPECT_EQ(kept, 'x');
 }
 
-TEST(VValueTrait, takesStringsVerbatim)
+TEST(VValueTrait, readsStringsVerbatim)
 {
     for (const std::string& value : {std::string(), std::string(" a, b\n"), std::string("\0x", 2)}) {
         std::string read = "old";

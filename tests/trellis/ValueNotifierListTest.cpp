@@ -15,7 +15,7 @@ struct Listener : VValueListener {
 
     void valueChanged(const ValueNotifierList& source, const StrongPtr<ValuePool>& pool) override
     {
-        ++heard;
+        ++notifications;
         lastSource = &source;
         lastPool = pool;
         if (reaction)
@@ -23,7 +23,7 @@ struct Listener : VValueListener {
     }
 
     std::function<void()> reaction;
-    int heard = 0;
+    int notifications = 0;
     const ValueNotifierList* lastSource = nullptr;
     StrongPtr<ValuePool> lastPool;
 };
@@ -38,7 +38,7 @@ protected:
 
 } // namespace
 
-TEST_F(ValueNotifierListTest, tellsEachListenerOnce)
+TEST_F(ValueNotifierListTest, notifiesEachListenerOnce)
 {
     const auto first = Loam::makeStrong<Listener>();
     const auto second = Loam::makeStrong<Listener>();
@@ -47,22 +47,22 @@ TEST_F(ValueNotifierListTest, tellsEachListenerOnce)
     EXPECT_FALSE(parameter->addListener(first));
     EXPECT_FALSE(parameter->addListener(nullptr));
     change();
-    EXPECT_EQ(first->heard, 1);
-    EXPECT_EQ(second->heard, 1);
+    EXPECT_EQ(first->notifications, 1);
+    EXPECT_EQ(second->notifications, 1);
     EXPECT_EQ(first->lastSource, parameter.get());
     EXPECT_EQ(first->lastPool, pool);
 }
 
-TEST_F(ValueNotifierListTest, tellsOfTheInitialValueWithoutAPool)
+TEST_F(ValueNotifierListTest, notifiesOfTheInitialValueWithoutAPool)
 {
     const auto listener = Loam::makeStrong<Listener>();
     parameter->addListener(listener);
     parameter->touch();
-    EXPECT_EQ(listener->heard, 1);
+    EXPECT_EQ(listener->notifications, 1);
     EXPECT_FALSE(listener->lastPool);
 }
 
-TEST_F(ValueNotifierListTest, tellsThemInTheOrderOfAdding)
+TEST_F(ValueNotifierListTest, notifiesInTheOrderOfAdding)
 {
     std::vector<int> order;
     std::vector<StrongPtr<Listener>> listeners;
@@ -75,7 +75,7 @@ TEST_F(ValueNotifierListTest, tellsThemInTheOrderOfAdding)
     EXPECT_THAT(order, ElementsAre(0, 2, 3, 4));
 }
 
-TEST_F(ValueNotifierListTest, keepsNoListenerAlive)
+TEST_F(ValueNotifierListTest, doesNotKeepListenersAlive)
 {
     auto listener = Loam::makeStrong<Listener>();
     parameter->addListener(listener);
@@ -84,7 +84,7 @@ TEST_F(ValueNotifierListTest, keepsNoListenerAlive)
     change();
 }
 
-TEST_F(ValueNotifierListTest, forgetsListenersThatAreGone)
+TEST_F(ValueNotifierListTest, removesDestroyedListeners)
 {
     auto listener = Loam::makeStrong<Listener>();
     parameter->addListener(listener);
@@ -92,7 +92,7 @@ TEST_F(ValueNotifierListTest, forgetsListenersThatAreGone)
     listener.reset();
     EXPECT_EQ(watch.referenceBlock()->weakCount(), 2u);
     change();
-    EXPECT_EQ(watch.referenceBlock()->weakCount(), 1u) << "or a list would grow with every listener there ever was";
+    EXPECT_EQ(watch.referenceBlock()->weakCount(), 1u) << "otherwise the list grows with every listener";
 }
 
 TEST_F(ValueNotifierListTest, removesAListenerOnce)
@@ -103,16 +103,16 @@ TEST_F(ValueNotifierListTest, removesAListenerOnce)
     EXPECT_TRUE(parameter->removeListener(*listener));
     EXPECT_FALSE(parameter->removeListener(*listener));
     change();
-    EXPECT_EQ(listener->heard, 0);
+    EXPECT_EQ(listener->notifications, 0);
     EXPECT_TRUE(parameter->addListener(listener));
     change();
-    EXPECT_EQ(listener->heard, 1);
+    EXPECT_EQ(listener->notifications, 1);
 }
 
-TEST_F(ValueNotifierListTest, tellsAListenerThatWasAddedMeanwhileFromTheNextTimeOn)
+TEST_F(ValueNotifierListTest, notifiesAListenerAddedMeanwhileFromTheNextTimeOn)
 {
     const auto late = Loam::makeStrong<Listener>();
-    // Many, so that the list moves in memory.
+    // Many, to make the list reallocate.
     std::vector<StrongPtr<Listener>> more;
     const auto first = Loam::makeStrong<Listener>([&] {
         parameter->addListener(late);
@@ -125,33 +125,33 @@ TEST_F(ValueNotifierListTest, tellsAListenerThatWasAddedMeanwhileFromTheNextTime
     parameter->addListener(first);
     parameter->addListener(second);
     change();
-    EXPECT_EQ(second->heard, 1);
-    EXPECT_EQ(late->heard, 0);
+    EXPECT_EQ(second->notifications, 1);
+    EXPECT_EQ(late->notifications, 0);
     first->reaction = nullptr;
     change();
-    EXPECT_EQ(late->heard, 1);
-    EXPECT_EQ(second->heard, 2);
+    EXPECT_EQ(late->notifications, 1);
+    EXPECT_EQ(second->notifications, 2);
 }
 
-TEST_F(ValueNotifierListTest, tellsNothingMoreToAListenerThatWasRemovedMeanwhile)
+TEST_F(ValueNotifierListTest, doesNotNotifyAListenerRemovedMeanwhile)
 {
     const auto removed = Loam::makeStrong<Listener>();
-    const auto behind = Loam::makeStrong<Listener>();
+    const auto following = Loam::makeStrong<Listener>();
     const auto remover = Loam::makeStrong<Listener>([&] { parameter->removeListener(*removed); });
     const auto leaver = Loam::makeStrong<Listener>();
     leaver->reaction = [&] { parameter->removeListener(*leaver); };
-    for (const auto& listener : {leaver, remover, removed, behind})
+    for (const auto& listener : {leaver, remover, removed, following})
         parameter->addListener(listener);
     change();
-    EXPECT_EQ(removed->heard, 0);
-    EXPECT_EQ(behind->heard, 1);
+    EXPECT_EQ(removed->notifications, 0);
+    EXPECT_EQ(following->notifications, 1);
     change();
-    EXPECT_EQ(leaver->heard, 1);
-    EXPECT_EQ(remover->heard, 2);
-    EXPECT_EQ(behind->heard, 2);
+    EXPECT_EQ(leaver->notifications, 1);
+    EXPECT_EQ(remover->notifications, 2);
+    EXPECT_EQ(following->notifications, 2);
 }
 
-TEST_F(ValueNotifierListTest, tellsAListenerThatWasRemovedAndAddedAgainFromTheNextTimeOn)
+TEST_F(ValueNotifierListTest, notifiesAListenerRemovedAndAddedAgainFromTheNextTimeOn)
 {
     const auto moved = Loam::makeStrong<Listener>();
     const auto mover = Loam::makeStrong<Listener>([&] {
@@ -161,13 +161,13 @@ TEST_F(ValueNotifierListTest, tellsAListenerThatWasRemovedAndAddedAgainFromTheNe
     parameter->addListener(mover);
     parameter->addListener(moved);
     change();
-    EXPECT_EQ(moved->heard, 0);
+    EXPECT_EQ(moved->notifications, 0);
     mover->reaction = nullptr;
     change();
-    EXPECT_EQ(moved->heard, 1);
+    EXPECT_EQ(moved->notifications, 1);
 }
 
-TEST_F(ValueNotifierListTest, survivesListenersThatAreDestroyedMeanwhile)
+TEST_F(ValueNotifierListTest, survivesListenersDestroyedMeanwhile)
 {
     auto doomed = Loam::makeStrong<Listener>();
     StrongPtr<Listener> itself;
@@ -181,12 +181,12 @@ TEST_F(ValueNotifierListTest, survivesListenersThatAreDestroyedMeanwhile)
     change();
     EXPECT_FALSE(doomed);
     EXPECT_FALSE(itself);
-    EXPECT_EQ(last->heard, 1);
+    EXPECT_EQ(last->notifications, 1);
     change();
-    EXPECT_EQ(last->heard, 2);
+    EXPECT_EQ(last->notifications, 2);
 }
 
-TEST_F(ValueNotifierListTest, survivesTheEndOfItselfMeanwhile)
+TEST_F(ValueNotifierListTest, survivesItsOwnDestructionMeanwhile)
 {
     const auto first = Loam::makeStrong<Listener>([&] { parameter.reset(); });
     const auto second = Loam::makeStrong<Listener>();
@@ -194,16 +194,16 @@ TEST_F(ValueNotifierListTest, survivesTheEndOfItselfMeanwhile)
     parameter->addListener(second);
     change();
     EXPECT_FALSE(parameter);
-    EXPECT_EQ(second->heard, 1);
+    EXPECT_EQ(second->notifications, 1);
     EXPECT_EQ(livingTestValues, 0u);
 }
 
-TEST_F(ValueNotifierListTest, tellsOfChangesThatAListenerMakes)
+TEST_F(ValueNotifierListTest, notifiesOfChangesMadeByAListener)
 {
     const auto second = Loam::makeStrong<Listener>();
     const auto first = Loam::makeStrong<Listener>();
     first->reaction = [&] {
-        if (first->heard < 3) {
+        if (first->notifications < 3) {
             change();
             parameter->removeListener(*second);
         }
@@ -211,13 +211,13 @@ TEST_F(ValueNotifierListTest, tellsOfChangesThatAListenerMakes)
     parameter->addListener(first);
     parameter->addListener(second);
     change();
-    EXPECT_EQ(first->heard, 3);
-    EXPECT_EQ(second->heard, 1) << "the innermost notification alone came before it was removed";
+    EXPECT_EQ(first->notifications, 3);
+    EXPECT_EQ(second->notifications, 1) << "only the innermost notification preceded its removal";
     change();
-    EXPECT_EQ(second->heard, 1);
+    EXPECT_EQ(second->notifications, 1);
 }
 
-TEST_F(ValueNotifierListTest, goesOnAfterAListenerThatThrows)
+TEST_F(ValueNotifierListTest, worksAfterAListenerThrows)
 {
     const auto thrower = Loam::makeStrong<Listener>([] { throw 1; });
     const auto leaver = Loam::makeStrong<Listener>();
@@ -226,10 +226,10 @@ TEST_F(ValueNotifierListTest, goesOnAfterAListenerThatThrows)
     EXPECT_THROW(change(), int);
     parameter->removeListener(*thrower);
     change();
-    EXPECT_EQ(leaver->heard, 1);
+    EXPECT_EQ(leaver->notifications, 1);
 }
 
-TEST_F(ValueNotifierListTest, knowsItsLivingShadowsInOrder)
+TEST_F(ValueNotifierListTest, returnsItsLivingShadowsInOrder)
 {
     auto first = Loam::makeStrong<ValuePool>("first");
     const auto second = Loam::makeStrong<ValuePool>("second");
@@ -248,7 +248,7 @@ TEST_F(ValueNotifierListTest, knowsItsLivingShadowsInOrder)
     EXPECT_THAT(other->shadows(), ElementsAre(pool, second));
 }
 
-TEST_F(ValueNotifierListTest, remembersNoShadowThatIsGone)
+TEST_F(ValueNotifierListTest, forgetsDestroyedShadows)
 {
     std::vector<WeakPtrImpl<ValuePool>> watched;
     for (int i = 0; i < 1000; ++i) {

@@ -9,7 +9,7 @@ using testing::ElementsAre;
 
 namespace {
 
-// A value that keeps an object alive, as the ones that stand for objects do.
+// A value that keeps an object alive, like those that represent objects.
 struct Holding final : Typed<double> {
     explicit Holding(const StrongPtr<Node>& theNode) : node{theNode} {}
     double get() const override { return 0; }
@@ -31,7 +31,7 @@ TEST_F(ValuePoolTest, hasAName)
     EXPECT_EQ(pool->root(), pool);
 }
 
-TEST_F(ValuePoolTest, findsAVariableByItsNameAndByItsParameter)
+TEST_F(ValuePoolTest, findsAVariableByNameAndByParameter)
 {
     const auto parameter = testParameter("limit");
     const auto value = testValue(4.5);
@@ -43,10 +43,10 @@ TEST_F(ValuePoolTest, findsAVariableByItsNameAndByItsParameter)
     EXPECT_EQ(pool->lookUp(*parameter), value.get());
     EXPECT_EQ(pool->variableCount(), 1u);
     EXPECT_FALSE(pool->retrieveValue("Limit"));
-    EXPECT_FALSE(pool->findVariable(*testParameter("limit"))) << "another parameter of the name";
+    EXPECT_FALSE(pool->findVariable(*testParameter("limit"))) << "another parameter of the same name";
 }
 
-TEST_F(ValuePoolTest, takesNoNull)
+TEST_F(ValuePoolTest, ignoresNull)
 {
     pool->createVariable(nullptr, testValue(1.0));
     pool->createVariable(testParameter("limit").get(), nullptr);
@@ -54,7 +54,7 @@ TEST_F(ValuePoolTest, takesNoNull)
     EXPECT_FALSE(pool->retrieveValue("limit"));
 }
 
-TEST_F(ValuePoolTest, letsAParameterSeeTheValueThatReplacedTheOneItRemembers)
+TEST_F(ValuePoolTest, returnsTheReplacedValueOfAParameter)
 {
     const auto parameter = testParameter("limit");
     const auto beside = testParameter("beside");
@@ -70,7 +70,7 @@ TEST_F(ValuePoolTest, letsAParameterSeeTheValueThatReplacedTheOneItRemembers)
     EXPECT_EQ(livingTestValues, 4u) << "two prototypes and two variables";
 }
 
-TEST_F(ValuePoolTest, givesUpTheOldPlaceOfAVariableThatIsEnteredElsewhere)
+TEST_F(ValuePoolTest, removesTheOldValueOfAReplacedVariable)
 {
     const auto node = makeNode("node");
     const StrongPtr<VParameter> parameter = node->findSlot("in")->parameter();
@@ -83,7 +83,7 @@ TEST_F(ValuePoolTest, givesUpTheOldPlaceOfAVariableThatIsEnteredElsewhere)
     EXPECT_EQ(pool->retrieveValue("in"), value);
 }
 
-TEST_F(ValuePoolTest, keepsANameForThoseWhoShareIt)
+TEST_F(ValuePoolTest, keepsANameUntilAllItsParametersAreDestroyed)
 {
     auto first = testParameter("limit", 1.0);
     auto second = testParameter("limit", 2.0);
@@ -96,7 +96,7 @@ TEST_F(ValuePoolTest, keepsANameForThoseWhoShareIt)
     EXPECT_FALSE(pool->retrieveValue("limit"));
 }
 
-TEST_F(ValuePoolTest, keepsVariablesOfOnePoolFromTheOthers)
+TEST_F(ValuePoolTest, keepsVariablesOfDifferentPoolsApart)
 {
     const auto parameter = testParameter("limit", 1.0);
     std::vector<StrongPtr<ValuePool>> pools;
@@ -111,11 +111,11 @@ TEST_F(ValuePoolTest, keepsVariablesOfOnePoolFromTheOthers)
     }
 }
 
-TEST_F(ValuePoolTest, doesNotTakeANewPoolForOneThatIsGone)
+TEST_F(ValuePoolTest, distinguishesANewPoolFromADestroyedOne)
 {
     const auto parameter = testParameter("limit");
     for (int i = 0; i < 20; ++i) {
-        const auto each = Loam::makeStrong<ValuePool>(); // most likely in the memory of the last
+        const auto each = Loam::makeStrong<ValuePool>(); // most likely at the address of the previous one
         EXPECT_FALSE(parameter->getValueBase(each));
         EXPECT_TRUE(parameter->getLocalValue(each));
         EXPECT_TRUE(parameter->getValueBase(each));
@@ -130,7 +130,7 @@ TEST_F(ValuePoolTest, keepsInputsOfTheSameNameApart)
     second->write(pool, "in", 2.0);
     EXPECT_EQ(first->read(pool, "in"), 1);
     EXPECT_EQ(second->read(pool, "in"), 2);
-    EXPECT_FALSE(pool->retrieveValue("in")) << "neither of them has the name to itself";
+    EXPECT_FALSE(pool->retrieveValue("in")) << "the name is ambiguous";
     EXPECT_EQ(pool->variableCount(), 2u);
 }
 
@@ -155,7 +155,7 @@ TEST_F(ValuePoolTest, keepsParametersWithoutAnOwnerApart)
     EXPECT_EQ(contentOf(first->getLocalValue(pool)), 1);
     EXPECT_EQ(contentOf(second->getLocalValue(pool)), 2);
     EXPECT_EQ(contentOf(third->getLocalValue(pool)), 3);
-    EXPECT_EQ(contentOf(pool->retrieveValue("limit")), 1) << "who came first has the name";
+    EXPECT_EQ(contentOf(pool->retrieveValue("limit")), 1) << "the first one has the name";
     EXPECT_EQ(pool->variableCount(), 3u);
 }
 
@@ -187,9 +187,9 @@ TEST_F(ValuePoolTest, finds100000VariablesByNameAndByParameter)
     EXPECT_EQ(pool->variableCount(), Count);
 }
 
-TEST_F(ValuePoolTest, keepsItsNamesWhileParametersComeAndGo)
+TEST_F(ValuePoolTest, keepsItsNamesWhileParametersAreAddedAndDestroyed)
 {
-    // Around the size at which the pool changes its way of looking names up.
+    // Around the size at which the pool changes how it looks names up.
     std::vector<StrongPtr<VParameter>> parameters;
     std::mt19937 random(2);
     double next = 0;
@@ -214,7 +214,7 @@ TEST_F(ValuePoolTest, keepsItsNamesWhileParametersComeAndGo)
     }
 }
 
-TEST_F(ValuePoolTest, mayGoBeforeParametersAndContainersOrAfterThem)
+TEST_F(ValuePoolTest, mayBeDestroyedBeforeOrAfterParametersAndContainers)
 {
     for (const std::string order : {"pcn", "pnc", "cpn", "cnp", "npc", "ncp"}) {
         SCOPED_TRACE(order);
@@ -247,7 +247,7 @@ TEST_F(ValuePoolTest, mayGoBeforeParametersAndContainersOrAfterThem)
     }
 }
 
-TEST_F(ValuePoolTest, holdsTheLastValuesOfAnObjectThatWentAway)
+TEST_F(ValuePoolTest, keepsTheLastValuesOfADestroyedObject)
 {
     auto writer = makeNode("writer");
     const auto reader = makeNode("reader");
@@ -259,12 +259,12 @@ TEST_F(ValuePoolTest, holdsTheLastValuesOfAnObjectThatWentAway)
     runAll({reader}, pool);
     EXPECT_EQ(reader->read(pool, "out"), 2);
     reader->detach(reader->findSlot("in"));
-    EXPECT_EQ(pool->variableCount(), 1u) << "nobody is left who could read the old one";
+    EXPECT_EQ(pool->variableCount(), 1u) << "the old one has no readers left";
 }
 
-TEST_F(ValuePoolTest, letsVariablesGoThatHoldTheLastPointerToAnObject)
+TEST_F(ValuePoolTest, removesVariablesThatHoldTheLastPointerToAnObject)
 {
-    // The object's own variables go in the middle of whatever the pool is doing.
+    // The object's own variables are removed in the middle of an operation of the pool.
     const auto parameter = testParameter("holder");
     std::vector<StrongPtr<VParameter>> others;
     for (int i = 0; i < 40; ++i) {

@@ -23,7 +23,7 @@ private:
 
 } // namespace
 
-TEST_F(Verbosity, isZeroAtFirst)
+TEST_F(Verbosity, isZeroByDefault)
 {
     EXPECT_EQ(verbosity(), 0);
 }

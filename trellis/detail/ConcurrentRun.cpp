@@ -14,26 +14,26 @@ namespace Orla::Detail {
 
 namespace {
 
-// The most frames that are looked at to find out whether one depends on another.
+// Limits for the number of frames examined to find out whether one depends on another.
 constexpr std::size_t LeastEffort = 256;
 constexpr std::size_t MostEffort = 1u << 20;
 
-// A pool keeps the memory of so many jobs from one run to the next.
+// A pool keeps the memory of at most this many jobs from one run to the next.
 constexpr std::size_t MostSpareJobs = 4096;
 
 } // namespace
 
-/// One update that may run in another thread, and what it announced.
+/// One update that may run in another thread, and its announcements.
 class ConcurrentRun::Job {
 public:
-    // A parameter that was announced otherwise than by writing a cell.
+    // A change that was announced without writing a cell.
     struct Announcement {
         StrongPtr<VParameter> parameter;
         std::string member;
     };
 
     struct Event {
-        VFrame* frame = nullptr; // that wrote a cell, or was scheduled
+        VFrame* frame = nullptr; // the frame that wrote a cell, or was scheduled
         std::unique_ptr<Announcement> announcement;
         double precision = 0;
         std::uint32_t cell = 0;
@@ -48,17 +48,17 @@ public:
     State state = State::Waiting;                    // the team's lock
     std::chrono::nanoseconds duration{};             // of the update
     bool isReady = false;                            // false if the object does not run
-    bool needsCount = true;                          // its run was not counted yet
+    bool needsCount = true;                          // its run has not been counted yet
 };
 
-/// Jobs whose memory is used again, also by the next run in the pool.
+/// Jobs whose memory is reused, also by the next run in the pool.
 class ConcurrentRun::SpareJobs final : public RunMemory {
 public:
     std::vector<std::unique_ptr<Job>> jobs;
 };
 
-/// The threads that work on a run: the calling one and those of the executor. Tasks of
-/// the executor share in owning it, because they may start after the run has ended.
+/// The threads that work on a run: the calling thread and those of the executor. Tasks of the
+/// executor share ownership, because they may start after the run has ended.
 class ConcurrentRun::Team {
 public:
     Team(ConcurrentRun& theRun, PoolState& thePool, NetworkCore& theNetwork, VRequest& theRequest)
@@ -71,12 +71,12 @@ public:
     {
     }
 
-    /// Runs jobs until there are none left to start.
+    /// Runs jobs until none is left to start.
     void work(std::unique_lock<std::mutex>& lock, const StrongPtr<ValuePool>& view, VRequest& ownRequest)
     {
         std::vector<std::pair<Job*, Update::Result>> mine;
         while (!jobs.empty()) {
-            // A few at a time, so that many short ones need the lock rarely.
+            // A few at a time, so many short ones rarely need the lock.
             const std::size_t share = std::max<std::size_t>(1, jobs.size() / 8);
             const auto end = jobs.begin() + static_cast<std::ptrdiff_t>(share);
             mine.clear();
@@ -113,7 +113,7 @@ public:
         return result;
     }
 
-    /// What a task of the executor does.
+    /// The body of an executor's task.
     void help() noexcept
     {
         std::unique_lock lock{mutex};
@@ -121,7 +121,7 @@ public:
         try {
             helpUntilClosed(lock);
         } catch (const std::bad_alloc&) {
-            // The other threads do without this one.
+            // The other threads continue without this one.
         }
         if (!lock.owns_lock())
             lock.lock();
@@ -137,8 +137,7 @@ public:
                 const bool isIdle = hasJobs.wait_for(lock, patience) == std::cv_status::timeout;
                 if (isClosed || !jobs.empty() || !isIdle || running == 0)
                     continue;
-                // The others take long: there may be more to do that does not depend on
-                // them.
+                // The other jobs take long: start objects that do not depend on them.
                 lock.unlock();
                 {
                     const UseScope use{*network};
@@ -184,7 +183,7 @@ public:
         request.reportProgress(fraction);
     }
 
-    ConcurrentRun& run; // this and the next ones live as long as the run
+    ConcurrentRun& run; // this and the next two are valid only during the run
     PoolState& pool;
     VRequest& request;
     const StrongPtr<NetworkCore> network;
@@ -198,11 +197,11 @@ public:
     std::condition_variable hasJobs;
     std::condition_variable progressed;
     std::deque<Job*> jobs;   // to be started
-    std::size_t running = 0; // started or to be started, and not done
-    unsigned helpers = 0;    // tasks that run now
+    std::size_t running = 0; // number of jobs that are queued or running
+    unsigned helpers = 0;    // number of running tasks
     bool isClosed = false;
 
-    static thread_local Job* t_job; // that this thread runs
+    static thread_local Job* t_job; // the job that this thread runs
 };
 
 thread_local ConcurrentRun::Job* ConcurrentRun::Team::t_job = nullptr;
@@ -231,7 +230,7 @@ ConcurrentRun::~ConcurrentRun()
         m_team->progressed.wait(lock, [this] { return m_team->helpers == 0; });
     }
     m_pool.recorder = nullptr;
-    // What was taken from the queue and not committed stays due.
+    // Jobs that were not committed stay due.
     for (const std::unique_ptr<Job>& job : m_batch) {
         if (job)
             giveBack(*job);
@@ -268,7 +267,7 @@ bool ConcurrentRun::recordChange(const VParameter& parameter, const std::string&
     Job* const job = Team::t_job;
     if (!job)
         return false;
-    // Usually the object has written an output of its own.
+    // Usually the object wrote one of its own outputs.
     VFrame& frame = job->update->frame();
     const VSlot* const slot = parameter.slot();
     if (member.empty() && slot && slot->container() == frame.container() && !slot->isConnected()
@@ -341,13 +340,13 @@ void ConcurrentRun::noteDuration(VFrame& frame, std::chrono::nanoseconds duratio
     PoolState::noteLength(frame, duration < m_handOverTime);
 }
 
-// Takes all due frames of one order number out of the queue.
+// Moves all due frames of one order number from the queue to the batch.
 void ConcurrentRun::takeBatch(VFrame& first)
 {
     const std::uint32_t order = PoolState::orderOf(first);
     const auto take = [this](VFrame& frame) {
         try {
-            m_batch.emplace_back(); // before the job, which must not get lost
+            m_batch.emplace_back(); // before the job, which must not be lost
             m_batch.back() = makeJob(frame);
         } catch (...) {
             m_pool.makeDue(frame);
@@ -388,7 +387,7 @@ std::unique_ptr<ConcurrentRun::Job> ConcurrentRun::makeJob(VFrame& frame)
     return job;
 }
 
-// Keeps the memory of a job for the next one.
+// Keeps the memory of a job for reuse.
 void ConcurrentRun::recycle(std::unique_ptr<Job> job)
 {
     job->update.reset();
@@ -429,7 +428,7 @@ bool ConcurrentRun::runBatch()
             ++fresh;
         }
     }
-    // Objects behind these may start at once, if they do not depend on them.
+    // Later objects may start immediately if they do not depend on these.
     std::size_t effort = LeastEffort;
     if (fresh <= m_executor.concurrency())
         startEarly(effort);
@@ -446,7 +445,7 @@ bool ConcurrentRun::runBatch()
     };
     std::unique_lock lock{team.mutex};
     while (true) {
-        m_plan.unlock(); // while this thread is busy, another one may decide
+        m_plan.unlock(); // while this thread is busy, another one may plan
         team.work(lock, pool, m_request);
         if (!isDone()) {
             lock.unlock();
@@ -467,7 +466,7 @@ bool ConcurrentRun::runBatch()
         if (!team.jobs.empty())
             continue;
         lock.unlock();
-        // Others take long: this thread can do more than wait.
+        // The other jobs take long: do more in this thread than wait.
         effort = std::min(2 * effort, MostEffort);
         startEarly(effort);
         lock.lock();
@@ -486,7 +485,7 @@ bool ConcurrentRun::runBatch()
     return true;
 }
 
-// Hands a job to the threads, whose lock the caller holds.
+// Queues a job for the threads. The caller holds the team's lock.
 void ConcurrentRun::start(Job& job)
 {
     m_team->jobs.push_back(&job);
@@ -494,10 +493,10 @@ void ConcurrentRun::start(Job& job)
     job.state = Job::State::Running;
 }
 
-// Starts objects that depend neither on one that runs nor on one that is to be run
-// first. What an update that is done has written counts as announced, although its turn
-// to announce has not come. A listener may write to any object before its turn, so
-// nothing starts early while values have listeners.
+// Starts objects that do not depend on a running object or on one that must run first. The
+// changes of a finished update count as announced, although they are announced later. A
+// listener may write to any object before that, so nothing starts early while values have
+// listeners.
 void ConcurrentRun::startEarly(std::size_t effort)
 {
     if (m_pool.hasListeners)
@@ -505,7 +504,7 @@ void ConcurrentRun::startEarly(std::size_t effort)
     std::vector<VFrame*> blocking;
     std::vector<VFrame*> candidates;
     std::unordered_set<const VFrame*> taken;
-    const auto sort = [&](const Job& job) {
+    const auto classify = [&](const Job& job) {
         VFrame& frame = job.update->frame();
         taken.insert(&frame);
         bool blocks = job.state != Job::State::Done || job.result != Update::Result::Succeeded;
@@ -525,10 +524,10 @@ void ConcurrentRun::startEarly(std::size_t effort)
         const std::lock_guard lock{m_team->mutex};
         for (const std::unique_ptr<Job>& job : m_batch) {
             if (job)
-                sort(*job);
+                classify(*job);
         }
         for (const auto& [frame, job] : m_early)
-            sort(*job);
+            classify(*job);
     }
     bool hasSeenAll = true;
     m_pool.forEachDue([&](VFrame& frame) {
@@ -551,7 +550,7 @@ void ConcurrentRun::startEarly(std::size_t effort)
     std::erase_if(candidates, [&](const VFrame* frame) { return !taken.insert(frame).second; });
     const std::uint32_t lastOrder = PoolState::orderOf(*candidates.back());
 
-    // Everything that depends on what blocks, as far as it matters.
+    // Everything that depends on a blocking frame, up to the order of the last candidate.
     std::unordered_set<const VFrame*> blocked;
     std::vector<VFrame*> path;
     const auto block = [&](VFrame& start) {
@@ -582,7 +581,7 @@ void ConcurrentRun::startEarly(std::size_t effort)
             auto job = makeJob(*frame);
             const bool counts = job->isReady && m_pool.countRun(*frame);
             if (!counts) {
-                // It is looked at again when its turn comes.
+                // It is examined again when its turn comes.
                 if (job->isReady)
                     giveBack(*job);
             } else {
@@ -618,8 +617,8 @@ bool ConcurrentRun::commit(Job& job)
         return true;
     if (m_pool.observer)
         m_pool.observer->began(job.update->object());
-    // A listener that was notified of an earlier job may have written an input of this
-    // one. The object then runs again, as if its turn had come before that job's.
+    // A listener that was notified of an earlier job may have written an input of this one.
+    // The object then runs again, as if it had run before that job.
     const bool isOutdated = PoolState::mustRunAgain(frame);
     if (!isOutdated)
         job.update->knowValuesOfNow();
@@ -639,7 +638,7 @@ void ConcurrentRun::announce(Job& job)
         } else if (event.announcement) {
             m_pool.announce(*event.announcement->parameter, event.announcement->member);
         } else {
-            // The pool's order of changes is that of the announcements.
+            // The ages of values follow the order of the announcements.
             if (VValueBase* const value = event.frame->cell(event.cell).value)
                 value->age().touch();
             event.frame->announce(event.cell);

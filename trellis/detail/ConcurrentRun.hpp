@@ -16,12 +16,11 @@ namespace Orla::Detail {
 
 /// One call of `VScheduler::run` with an executor.
 ///
-/// The due objects of one order number do not depend on each other; they run
-/// concurrently, except those whose updates take less time than handing them to a thread:
-/// the calling thread runs these itself. While some objects take long, objects behind
-/// them that do not depend on them start early. What an update announces is recorded in
-/// its thread, and announced by this thread in the order in which a serial run would have
-/// done so.
+/// Due objects with the same order number do not depend on each other and run concurrently.
+/// The calling thread itself runs objects whose updates take less time than handing them to
+/// another thread. While some objects take long, later objects that do not depend on them
+/// start early. Each thread records what its updates announce; the calling thread announces it
+/// in the order of a serial run.
 class ConcurrentRun final : private SerialRun, private Recorder {
 public:
     ConcurrentRun(PoolState& pool, VRequest& request, VExecutor& executor);
@@ -62,7 +61,7 @@ private:
     std::vector<std::unique_ptr<Job>> m_batch;             // jobs of one order number, in serial order
     std::map<const VFrame*, std::unique_ptr<Job>> m_early; // jobs that started before their turn
     SpareJobs* m_spare = nullptr;                          // owned by the pool
-    std::optional<Clock::time_point> m_lastEnd;            // of a series of short updates
+    std::optional<Clock::time_point> m_lastEnd;            // of the last one in a series of short updates
     std::exception_ptr m_executorError;
     unsigned m_hired = 0;
 };

@@ -14,19 +14,19 @@
 
 namespace Orla::Detail {
 
-/// What creators are registered under which name. Holds weak references: what a
-/// library registered is gone when the library unloads.
+/// Maps names to creators. Holds weak references: the entries of a library disappear when it
+/// is unloaded.
 ///
-/// A second creator of the same type waits behind the first and steps in when
-/// the first goes. A different type under a taken name is refused.
+/// A second creator of the same type is used once the first is destroyed. A different type
+/// under a taken name is refused.
 ///
-/// The registry is locked; it may be asked and walked while libraries come and go.
+/// The registry has a lock, so it may be read while libraries are loaded and unloaded.
 template<class Creator>
 class CreatorRegistry {
 public:
-    /// Registers \p creator of the type with the key \p typeKey; \p owner says in
-    /// reports where it comes from. Returns the owner of another type that has
-    /// the name already, or the empty text when the creator was accepted.
+    /// Registers \p creator of the type with the key \p typeKey. \p owner describes its origin
+    /// in reports. Returns the owner of another type that already has the name, or an empty
+    /// text if the creator was accepted.
     std::string add(const Loam::WeakPtrImpl<Creator>& creator, const std::string& name, const std::string& typeKey,
                     const std::string& owner)
     {
@@ -45,7 +45,7 @@ public:
         return {};
     }
 
-    /// The creator that answers to \p name now, or null.
+    /// Returns the creator that is currently used for \p name, or null.
     Loam::StrongPtr<Creator> find(std::string_view name) const
     {
         const std::lock_guard lock{m_mutex};
@@ -53,7 +53,7 @@ public:
         return candidates ? firstAlive(*candidates) : nullptr;
     }
 
-    /// The names that answer now, in alphabetic order.
+    /// Returns the names that have a living creator, in alphabetical order.
     std::vector<std::string> names() const
     {
         const std::lock_guard lock{m_mutex};

@@ -30,7 +30,7 @@ void DueQueue::pushAmongMany(VFrame& frame) noexcept
         bucket = &fresh;
     } else if (!bucket) {
         try {
-            // Before the bucket is made, so that a failure leaves nothing half done.
+            // Reserved before the bucket is created: a failure must leave nothing half done.
             if (m_farOrders.size() == m_farOrders.capacity())
                 m_farOrders.reserve(std::max<std::size_t>(16, 2 * m_farOrders.size()));
             bucket = &m_far[order + std::uint64_t{1}];
@@ -43,7 +43,7 @@ void DueQueue::pushAmongMany(VFrame& frame) noexcept
     append(*bucket, frame);
 }
 
-// Tries again to find a place for the frames that had none.
+// Tries again to sort the frames for which memory was short.
 void DueQueue::sortIn() noexcept
 {
     VFrame* frame = m_unsorted.first;

@@ -11,13 +11,14 @@
 
 namespace Orla::Detail {
 
-/// The due frames of one pool, by evaluation order and then in the order in which they
+/// The due frames of one pool, sorted by evaluation order and then by the order in which they
 /// became due.
 class DueQueue {
 public:
     bool empty() const noexcept { return !m_only && !hasMany(); }
 
-    /// Never fails: without memory for a new order number the frame is sorted in later.
+    /// Adds a frame. Never fails: without memory for a new order number, the frame is sorted
+    /// later.
     void push(VFrame& frame) noexcept
     {
         if (!m_only && !hasMany()) {
@@ -33,11 +34,11 @@ public:
     /// \pre The queue is not empty.
     VFrame& pop() noexcept { return m_only ? *std::exchange(m_only, nullptr) : popAmongMany(); }
 
-    /// The next frame, which stays in the queue.
+    /// Returns the next frame, which stays in the queue.
     /// \pre The queue is not empty.
     VFrame& front() noexcept;
 
-    /// Calls \p function with the frames until it returns false, those at hand first.
+    /// Calls \p function with each frame until it returns false, near buckets first.
     template<class Function>
     void forEach(Function&& function)
     {
@@ -57,14 +58,14 @@ public:
         }
     }
 
-    /// Sorts all frames by the orders that they have now.
+    /// Sorts all frames by their current order numbers.
     void sortAgain() noexcept;
 
-    /// Hands all frames to \p other, which keeps their order.
+    /// Moves all frames to \p other in their order.
     void moveTo(DueQueue& other) noexcept;
 
 private:
-    // The due frames of one order number, linked through the frames themselves.
+    // The due frames with one order number, linked through the frames themselves.
     struct Bucket {
         VFrame* first = nullptr;
         VFrame* last = nullptr;
@@ -82,16 +83,16 @@ private:
     void dropEmptyFar() noexcept;
     void sortIn() noexcept;
 
-    VFrame* m_only = nullptr; // a single frame, as in a chain, stays out of the buckets
+    VFrame* m_only = nullptr; // a single frame, as in a chain, is not put into a bucket
 
-    // In a pass nearly everything that becomes due follows one of a few orders, so
-    // a few buckets at hand serve nearly all; the others are found by number.
+    // At any time in a pass, nearly all due frames have one of a few order numbers, so a few
+    // near buckets hold nearly all of them. The other buckets are found by number.
     static constexpr std::size_t NearBuckets = 4;
     NearBucket m_near[NearBuckets];
     std::size_t m_nearCount = 0;
     IdTable<Bucket> m_far;                  // by order number + 1
-    std::vector<std::uint32_t> m_farOrders; // heap of its numbers, smallest first
-    Bucket m_unsorted;                      // frames for which there was no memory
+    std::vector<std::uint32_t> m_farOrders; // heap of the numbers in `m_far`, smallest first
+    Bucket m_unsorted;                      // frames that could not be sorted for lack of memory
 };
 
 } // namespace Orla::Detail

@@ -11,8 +11,8 @@ namespace Orla::Detail {
 
 namespace {
 
-// Calls `function` for each container that reads something that `container`
-// writes; more than once if it reads several things.
+// Calls `function` for each container that reads something that `container` writes, once per
+// reading slot.
 template<class Function>
 void forEachReader(const VSlotContainer& container, Function&& function)
 {
@@ -36,7 +36,7 @@ void forEachReader(const VSlotContainer& container, Function&& function)
     }
 }
 
-// Calls `function` for each container that `container` reads.
+// Calls `function` for each container that `container` reads, once per slot.
 template<class Function>
 void forEachSource(const VSlotContainer& container, Function&& function)
 {
@@ -50,10 +50,9 @@ void forEachSource(const VSlotContainer& container, Function&& function)
 
 } // namespace
 
-/// Finds the loops among the containers that can be reached from some start:
-/// Tarjan's strongly connected components, "Depth-first search and linear graph
-/// algorithms" (1972), with a stack of its own instead of recursion, so that
-/// the length of a chain does not matter.
+/// Finds the loops among the containers that can be reached from some start: Tarjan's strongly
+/// connected components, "Depth-first search and linear graph algorithms" (1972). Uses an
+/// explicit stack instead of recursion, so long chains are safe.
 class EvaluationOrder::Search {
 public:
     using Component = std::vector<VSlotContainer*>;
@@ -87,7 +86,7 @@ public:
         }
     }
 
-    /// In reverse order: those that read come before those that they read.
+    /// In reverse order: readers come before what they read.
     std::vector<Component>& components() noexcept { return m_components; }
 
     bool wasVisited(const VSlotContainer& container) const noexcept { return container.wiring().mark != 0; }
@@ -145,8 +144,8 @@ private:
     std::vector<Component> m_components;
 };
 
-// Puts the members of a loop into the order in which they run after `entry`:
-// each behind those that it reads, the connections that close the loop apart.
+// Sorts the members of a loop into the order in which they run, starting with `entry`: each
+// follows those that it reads, except through the connections that close the loop.
 void EvaluationOrder::orderLoop(std::vector<VSlotContainer*>& loop, VSlotContainer& entry)
 {
     struct Step {
@@ -184,8 +183,8 @@ void EvaluationOrder::inputChanged(VSlotContainer& container, const VSlot* slot)
     const ContainerWiring& wiring = container.wiring();
     if (wiring.pendingPlace != 0)
         return;
-    // The usual case is a network that is built from its sources on: the order is
-    // right already. In a loop every change may open the loop.
+    // Networks are usually built starting from their sources; the order is then already right.
+    // In a loop, any change may open the loop.
     if (!wiring.inLoop) {
         if (!slot || !slot->readsOthers())
             return;
@@ -210,7 +209,7 @@ void EvaluationOrder::note(VSlotContainer& container) noexcept
 
 void EvaluationOrder::forget(VSlotContainer& container) noexcept
 {
-    // The loop may be open without it.
+    // The loop may be open without the container.
     if (container.wiring().inLoop)
         forEachReader(container, [this](VSlotContainer& reader) { note(reader); });
     std::uint32_t& place = container.wiring().pendingPlace;
@@ -229,11 +228,11 @@ void EvaluationOrder::update(const std::vector<VSlotContainer*>& all)
     if (isUpToDate())
         return;
     const bool startsOver = m_mustStartOver;
-    m_mustStartOver = true; // until everything succeeded
+    m_mustStartOver = true; // until everything has succeeded
     {
         Search search;
         for (VSlotContainer* container : startsOver ? all : m_pending) {
-            // Closes the gaps, so that evaluations in several threads do not.
+            // Close the gaps here, because evaluations in several threads must not.
             static_cast<void>(container->inputs().begin());
             static_cast<void>(container->outputs().begin());
             search.visit(*container);
@@ -284,7 +283,7 @@ std::vector<VSlotContainer*> EvaluationOrder::loopOf(VSlotContainer& container)
 {
     Search search;
     search.visit(container);
-    // The start of a search lies in the component that is closed last.
+    // The start of a search belongs to the component that is closed last.
     return search.components().back();
 }
 

@@ -12,8 +12,8 @@ namespace Orla::Detail {
 
 namespace {
 
-// Calls `function` with the container's frame in each pool. Only for a thread that
-// keeps the network to itself: no list of frames changes meanwhile.
+// Calls `function` with the container's frame in each pool. The calling thread has exclusive
+// access to the network, so the list of frames does not change meanwhile.
 template<class Function>
 void forEachFrame(VSlotContainer* container, Function&& function)
 {
@@ -108,11 +108,11 @@ void FrameHooks::listenersChanged(const ValueNotifierList& list) noexcept
 
 void FrameHooks::containerGone(VSlotContainer& container) noexcept
 {
-    // Taken out first: values that are destroyed here may use the container's pools.
+    // Moved out first: values that are destroyed here may use the container's pools.
     const PointerList<VFrame> frames = std::move(container.wiring().frames);
     if (frames.empty())
         return;
-    // A parameter that only its slot holds is destroyed with it.
+    // A parameter that only its slot owns is destroyed with it.
     constexpr std::uint32_t OwnReferences = 2;
     const auto keep = [&](VSlot& slot) {
         if (slot.ownParameter()->referenceBlock().strongCount() <= OwnReferences)
@@ -131,7 +131,7 @@ void FrameHooks::containerGone(VSlotContainer& container) noexcept
     };
     container.inputs().forEach(keep);
     container.outputs().forEach(keep);
-    // Readers do not refer to the frames any more.
+    // Remove the readers' references to the frames.
     container.outputs().forEach([](VSlot& slot) {
         for (const VSlot* reader : slot.parameter()->readers())
             forEachFrame(reader->container(), [reader](VFrame& each, PoolState&) {
@@ -139,7 +139,7 @@ void FrameHooks::containerGone(VSlotContainer& container) noexcept
                     each.cell(reader->place().cell).link = nullptr;
             });
     });
-    // Nor do the objects that the container reads.
+    // Likewise for the objects that the container reads.
     container.inputs().forEach([](const VSlot& slot) { readersChanged(*slot.parameter()); });
     for (VFrame* frame : frames)
         PoolState::of(*frame).dropFrame(*frame);

@@ -7,25 +7,24 @@ class VParameter;
 class VSlot;
 class VSlotContainer;
 
-/// What pools do when the wiring changes. The wiring calls these functions while it
-/// keeps the network to this thread; the frames of the pools implement them.
+/// Notifies pools of changes of the wiring. The caller has exclusive access to the network.
 namespace Detail::FrameHooks {
 
-/// The container has more slots than before.
+/// Slots were added to the container.
 void slotsAdded(VSlotContainer& container) noexcept;
 
-/// The container's object is due in every pool that uses it.
+/// Makes the container's object due in every pool that uses it.
 void becomeDue(VSlotContainer& container) noexcept;
 
-/// Keeps the slot's own values outside its cells, before the slot reads another
-/// parameter or is removed.
+/// Stores the slot's own values outside its cells, before the slot reads another parameter or
+/// is removed.
 /// \throw std::bad_alloc; nothing is lost.
 void keepOwnValues(VSlot& slot);
 
-/// The slot reads another parameter or component now, or was removed.
+/// The slot now reads another parameter or component, or was removed.
 void rewired(VSlot& slot) noexcept;
 
-/// The slots that read \p parameter changed, or which of them make objects due.
+/// The set of slots that read \p parameter changed, or which of them make objects due.
 void readersChanged(const VParameter& parameter) noexcept;
 
 /// The order number of the container changed.
@@ -34,13 +33,13 @@ void orderChanged(VSlotContainer& container) noexcept;
 /// One of the container's switches changed.
 void switchesChanged(VSlotContainer& container) noexcept;
 
-/// The parameter was switched on or off.
+/// The parameter was enabled or disabled.
 void parameterSwitched(const VParameter& parameter) noexcept;
 
-/// The first listener was added or the last one removed.
+/// The first listener was added.
 void listenersChanged(const ValueNotifierList& parameter) noexcept;
 
-/// The container is about to be destroyed, or its network was.
+/// The container is about to be destroyed, or its network is being destroyed.
 void containerGone(VSlotContainer& container) noexcept;
 
 /// The parameter is about to be destroyed.

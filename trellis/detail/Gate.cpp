@@ -12,10 +12,10 @@ class alignas(64) Gate::User {
 public:
     explicit User(Gate& theGate) : gate{&theGate} {}
 
-    /// Returns false, and leaves the use inactive, if a change wants the network.
+    /// Returns false and leaves the use inactive if a change is running or waiting.
     bool activate() noexcept
     {
-        // Other threads that start later see everything that happened before.
+        // Threads that are started later see everything that happened before.
         if (Loam::isSingleThreaded())
             m_active.store(true, std::memory_order_relaxed);
         else
@@ -44,7 +44,7 @@ public:
     bool isActive() const noexcept { return m_active.load(std::memory_order_seq_cst); }
 
     std::atomic<Gate*> gate; // null once the gate is destroyed
-    unsigned depth = 0;      // of this thread's nested uses
+    unsigned depth = 0;      // nesting depth of this thread's uses
 
 private:
     std::atomic<bool> m_active{false};
@@ -52,22 +52,22 @@ private:
 
 struct Gate::Thread {
     std::vector<std::shared_ptr<User>> users;
-    User* last = nullptr; // the user that was asked for last
+    User* last = nullptr; // the user that was looked up last
 };
 
 namespace {
 
-// Guards which gate and which thread know which user; taken only when a thread meets
-// a gate for the first time, and when either ends.
+// Guards the links from gates and threads to users. Locked only when a thread uses a gate for
+// the first time, and when either is destroyed.
 std::mutex& usersMutex()
 {
-    static std::mutex& theMutex = *new std::mutex; // threads may end after static objects
+    static std::mutex& theMutex = *new std::mutex; // threads may outlive static objects
     return theMutex;
 }
 
 } // namespace
 
-// A plain pointer, because the main thread's destructors run before those of static
+// A plain pointer, because the main thread's thread-local objects are destroyed before static
 // objects, which still use gates.
 #if defined(__GNUC__) && !defined(_WIN32)
 #    define TRELLIS_FAST_TLS __attribute__((tls_model("initial-exec")))
@@ -150,7 +150,7 @@ void Gate::enter()
 
 void Gate::leave() noexcept
 {
-    User& user = userOfThisThread(); // known since `enter`
+    User& user = userOfThisThread(); // exists since `enter`
     if (--user.depth == 0)
         user.deactivate();
 }
@@ -167,7 +167,7 @@ bool Gate::isUsed() const noexcept
 
 void Gate::wake() noexcept
 {
-    // The lock makes sure that a thread which found its condition false sleeps by now.
+    // The lock ensures that a thread that found its condition false is asleep by now.
     {
         const std::lock_guard lock{m_mutex};
     }
@@ -180,7 +180,7 @@ void Gate::waitForChanges() noexcept
     m_changed.wait(lock, [this] { return m_wanted.load(std::memory_order_relaxed) == 0; });
 }
 
-// From here on other threads may change every network that this thread uses.
+// Lets other threads change every network that this thread uses.
 void Gate::withdraw() noexcept
 {
     if (!t_thread)
@@ -203,7 +203,7 @@ void Gate::reenter() noexcept
             ++i;
             continue;
         }
-        // Holding some networks while waiting for another one might be a deadlock.
+        // Using some networks while waiting for another one might cause a deadlock.
         withdraw();
         gate->waitForChanges();
         i = 0;

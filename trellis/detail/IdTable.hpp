@@ -7,16 +7,16 @@
 
 namespace Orla::Detail {
 
-/// Hash table from a non-zero number to a small value: open addressing with
-/// linear probing, so that a look-up touches one or two cache lines however many
-/// entries there are. Empty tables own no memory.
+/// Hash table from non-zero numbers to small values. Uses open addressing with linear probing,
+/// so a look-up touches one or two cache lines regardless of the number of entries. An empty
+/// table allocates no memory.
 template<class Value>
 class IdTable {
 public:
     std::size_t size() const noexcept { return m_size; }
     bool empty() const noexcept { return m_size == 0; }
 
-    /// Null if \p id is not in.
+    /// Returns the value of \p id, or null.
     Value* find(std::uint64_t id) noexcept
     {
         if (m_size == 0)
@@ -30,8 +30,8 @@ public:
         }
     }
 
-    /// The entry of \p id, made if it is missing. References to entries are good
-    /// until the next insertion or removal.
+    /// Returns the value of \p id, inserting it if it is missing. References to values are
+    /// valid until the next insertion or removal.
     /// \pre \p id is not 0.
     Value& operator[](std::uint64_t id)
     {
@@ -50,13 +50,13 @@ public:
         Value* found = find(id);
         if (!found)
             return false;
-        // What is destroyed here may look into the table; it finds it whole.
+        // Destroyed last: its destructor may use the table.
         [[maybe_unused]] const Value released = std::exchange(*found, Value{});
         std::size_t hole = home(id);
         while (m_entries[hole].id != id)
             hole = next(hole);
         for (std::size_t place = next(hole); m_entries[place].id != 0; place = next(place)) {
-            // An entry may move into the hole unless its home lies behind it.
+            // An entry may move into the hole unless its home lies after the hole.
             const std::size_t distance = (place - home(m_entries[place].id)) & (m_entries.size() - 1);
             if (distance >= ((place - hole) & (m_entries.size() - 1))) {
                 m_entries[hole] = std::exchange(m_entries[place], Entry{});
@@ -68,7 +68,7 @@ public:
         return true;
     }
 
-    /// Hands all values out and leaves the table empty.
+    /// Moves all values out and leaves the table empty.
     std::vector<Value> release()
     {
         std::vector<Value> values;
@@ -97,7 +97,7 @@ private:
         Value value{};
     };
 
-    // Multiplication spreads numbers that follow each other over the table.
+    // Multiplication spreads consecutive numbers over the table.
     std::size_t home(std::uint64_t id) const noexcept
     {
         return static_cast<std::size_t>((id * 0x9E3779B97F4A7C15u) >> m_shift);

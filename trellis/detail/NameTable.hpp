@@ -11,12 +11,12 @@
 
 namespace Orla::Detail {
 
-/// Hash table from names to values: open addressing with linear probing, so that a look-up
-/// divides nothing, and makes no string of the name. Names are not removed.
+/// Hash table from names to values. Uses open addressing with linear probing. A look-up needs
+/// neither a division nor a temporary string. Names are not removed.
 template<class Value>
 class NameTable {
 public:
-    /// The value of \p name, or null.
+    /// Returns the value of \p name, or null.
     Value* find(std::string_view name) const noexcept
     {
         if (m_entries.empty())
@@ -25,7 +25,7 @@ public:
         return entry ? &entry->value : nullptr;
     }
 
-    /// The value of \p name, made if it is missing. References stay valid.
+    /// Returns the value of \p name, inserting it if it is missing. References stay valid.
     Value& operator[](std::string_view name)
     {
         if ((m_size + 1) * 2 > m_entries.size())
@@ -56,8 +56,8 @@ private:
         Value value;
     };
 
-    // Multiplies eight characters at a time, and folds the upper half of each product into
-    // the lower one, which selects the place.
+    // Multiplies eight characters at a time, and folds the upper half of each product into the
+    // lower half, which selects the place.
     static std::uint64_t hashOf(std::string_view name) noexcept
     {
         std::uint64_t hash = name.size();
@@ -79,7 +79,7 @@ private:
         return hash;
     }
 
-    // Where the name is, or where it belongs.
+    // Returns the place of the name, or the place where it belongs.
     std::size_t placeOf(std::string_view name, std::uint64_t hash) const noexcept
     {
         const std::size_t mask = m_entries.size() - 1;
@@ -99,7 +99,7 @@ private:
         }
     }
 
-    std::vector<std::unique_ptr<Entry>> m_entries; // null where free; a power of two
+    std::vector<std::unique_ptr<Entry>> m_entries; // null where free; size is a power of two
     std::size_t m_size = 0;
 };
 

@@ -22,7 +22,7 @@ NetworkCore::~NetworkCore() = default;
 
 NetworkCore& NetworkCore::defaultCore()
 {
-    // Never destroyed, because objects may outlive all static ones.
+    // Never destroyed, because objects may outlive all static objects.
     static NetworkCore& theCore = [&]() -> NetworkCore& {
         auto* const core = new NetworkCore;
         core->referenceBlock().adopt();
@@ -50,7 +50,7 @@ std::uint32_t NetworkCore::add(VSlotContainer& container)
         m_containers[index] = &container;
         return index;
     }
-    // Makes room for the indices that will be free, so that `remove` cannot fail.
+    // Reserve room for every index that may become free, so `remove` cannot fail.
     if (m_free.capacity() <= m_containers.size())
         m_free.reserve(2 * m_containers.size() + 16);
     m_containers.push_back(&container);
@@ -64,7 +64,7 @@ void NetworkCore::remove(VSlotContainer& container) noexcept
     m_containers[index] = nullptr;
     m_free.push_back(index);
     if (m_free.size() == m_containers.size()) {
-        // The network is empty again; so is its memory.
+        // The network is empty again; free the memory.
         m_containers = {};
         m_free = {};
     }

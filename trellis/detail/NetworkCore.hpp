@@ -20,12 +20,11 @@ class VSlotContainer;
 
 namespace Detail {
 
-/// What the objects of one network share: the gate, the list of slot containers and
-/// their evaluation order. Containers and pools hold it, so that it outlives the
-/// network where they do.
+/// Data that the objects of one network share: the gate, the list of slot containers and their
+/// evaluation order. Containers and pools share ownership, so it may outlive the network.
 class NetworkCore final : public Loam::ReferenceBase<NetworkCore> {
 public:
-    /// What the layers above keep for a network.
+    /// Data that higher layers keep for a network.
     class Extension {
     public:
         virtual ~Extension();
@@ -34,33 +33,34 @@ public:
     NetworkCore() = default;
     ~NetworkCore() override;
 
-    /// The network in which this thread creates objects: that of the innermost scope,
-    /// else the default one.
+    /// Returns the network in which this thread creates objects: the network of the innermost
+    /// scope, else the default network.
     static NetworkCore& current() noexcept;
     static NetworkCore& defaultCore();
 
-    /// Makes \p core the current network of this thread, null for the default one;
-    /// returns the previous one.
+    /// Makes \p core the current network of this thread; null selects the default one. Returns
+    /// the previous one.
     static NetworkCore* exchangeCurrent(NetworkCore* core) noexcept;
 
-    /// Adds a container; returns its index, which is unique among those of the network.
+    /// Adds a container. Returns its index, which is unique in the network.
     std::uint32_t add(VSlotContainer& container);
     void remove(VSlotContainer& container) noexcept;
 
-    /// The living containers, kept alive by the result.
+    /// Returns the living containers and keeps them alive.
     std::vector<Loam::StrongPtr<VSlotContainer>> containers() const;
 
-    /// Brings the evaluation order up to date. The caller keeps the network to itself.
+    /// Brings the evaluation order up to date.
+    /// \pre The caller has exclusive access to the network.
     void updateOrder();
 
-    /// True once the network was destroyed; its remaining objects are on their own.
+    /// Returns true once the network is destroyed; its remaining objects are detached.
     bool isClosed() const noexcept { return m_closed.load(std::memory_order_acquire); }
     void close() noexcept { m_closed.store(true, std::memory_order_release); }
 
     Gate gate;
     EvaluationOrder order;
     std::unique_ptr<Extension> extension;
-    std::atomic<VNetwork*> network{nullptr}; // null before the network is made, and once it is destroyed
+    std::atomic<VNetwork*> network{nullptr}; // null before the network is created and after it is destroyed
 
 private:
     mutable std::mutex m_mutex;
@@ -69,7 +69,7 @@ private:
     std::atomic<bool> m_closed{false};
 };
 
-/// Makes a network the current one of this thread.
+/// Makes a network current in this thread for the scope's lifetime.
 class CurrentScope {
 public:
     explicit CurrentScope(NetworkCore& core) noexcept : m_previous{NetworkCore::exchangeCurrent(&core)} {}
@@ -81,7 +81,7 @@ private:
     NetworkCore* m_previous;
 };
 
-/// Keeps a network to this thread while it changes connections, slots or objects.
+/// Gives this thread exclusive access to a network, to change connections, slots or objects.
 class ChangeScope {
 public:
     explicit ChangeScope(NetworkCore& core) : m_gate{core.gate} { m_gate.beginChange(); }
@@ -93,7 +93,7 @@ private:
     Gate& m_gate;
 };
 
-/// Keeps other threads from changing a network while this thread uses it.
+/// Prevents other threads from changing a network while this thread uses it.
 class UseScope {
 public:
     explicit UseScope(NetworkCore& core) : m_gate{core.gate} { m_gate.enter(); }

@@ -12,7 +12,7 @@ namespace {
 
 std::mutex& extensionMutex()
 {
-    static std::mutex& theMutex = *new std::mutex; // objects may outlive static ones
+    static std::mutex& theMutex = *new std::mutex; // objects may outlive static objects
     return theMutex;
 }
 
@@ -26,8 +26,8 @@ NetworkObjects& NetworkObjects::of(NetworkCore& network)
     if (!network.extension) {
         network.extension = std::make_unique<NetworkObjects>();
         if (&network == &NetworkCore::defaultCore()) {
-            // Objects that are registered at the end of the program are destroyed with
-            // the static objects that were made after the first of them.
+            // At the end of the program, the remaining objects are destroyed before static
+            // objects that are older than the first of them.
             static const struct AtExit {
                 ~AtExit() { of(NetworkCore::defaultCore()).close(); }
             } atExit;
@@ -188,7 +188,7 @@ void NetworkObjects::leaveDirectory(const VManagedObject& object, Position posit
     }
 }
 
-// Preferences may get more words after their object was announced.
+// Words may be added to preferences after their object was announced.
 void NetworkObjects::refreshDirectory() const
 {
     const std::uint64_t changes = VCreationPreferences::changesOfWatched();

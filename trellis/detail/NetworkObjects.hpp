@@ -21,7 +21,7 @@ class VObject;
 
 namespace Detail {
 
-/// Is notified of the objects that the registry of a network gets and loses.
+/// Is notified when objects are added to or removed from the registry of a network.
 class RegistryWatcher : public Loam::ReferenceBase<RegistryWatcher> {
 public:
     ~RegistryWatcher() override;
@@ -29,11 +29,11 @@ public:
     virtual void objectRemoved(const StrongPtr<VManagedObject>& object) = 0;
 };
 
-/// The announced objects of one network, and the directory in which providers are
-/// found. A lock guards the tables; it is not held while objects are visited.
+/// The announced objects of one network, and the directory for finding providers. A lock
+/// guards the tables; it is not held while objects are visited.
 class NetworkObjects final : public NetworkCore::Extension {
 public:
-    /// Where an object is in the order of traversal.
+    /// The position of an object in the traversal order.
     struct Position {
         int level = 0;
         std::uint64_t sequence = 0;
@@ -48,43 +48,42 @@ public:
 
     static NetworkObjects& of(NetworkCore& network);
 
-    /// Null if the network has no objects and never had.
+    /// Returns null if the network has never had objects.
     static NetworkObjects* find(NetworkCore& network) noexcept;
 
-    /// Returns false if it is registered already, or the network is closed.
+    /// Adds an object. Returns false if it is already registered or the network is closed.
     bool add(const StrongPtr<VManagedObject>& object);
 
-    /// Hands the registry's share in owning the object to the caller; null if it is not
+    /// Removes an object and returns the registry's owning pointer; null if it is not
     /// registered.
     StrongPtr<VManagedObject> remove(VManagedObject& object) noexcept;
 
     StrongPtr<VManagedObject> find(const std::string& name) const;
     std::size_t count() const;
 
-    /// The objects with levels from \p from to \p to, in the order of traversal.
+    /// Returns the objects with levels from \p from to \p to in traversal order.
     std::vector<Entry> objects(int from, int to) const;
 
-    /// The objects whose preferences may contain \p word, in the order of traversal.
+    /// Returns the objects whose preferences may contain \p word, in traversal order.
     std::vector<Entry> objectsWithPreference(const std::string& word) const;
 
-    /// True if the object is registered since the entry was made.
+    /// Returns true if the object has stayed registered since the entry was created.
     bool isCurrent(const Entry& entry) const;
 
-    /// Removes and returns all objects in the order of traversal; nothing can be added
-    /// afterwards.
+    /// Removes and returns all objects in traversal order. No object can be added afterwards.
     std::vector<StrongPtr<VManagedObject>> close();
 
     void addWatcher(const StrongPtr<RegistryWatcher>& watcher);
     std::vector<StrongPtr<RegistryWatcher>> watchers() const;
 
-    /// The exchange of poly-outputs for a class of requesters; see `VPolyConnection`.
+    /// Returns the exchange of poly-outputs for a class of requesters; see `VPolyConnection`.
     Loam::WeakPtrImpl<RegistryWatcher>& exchange(const void* requesters) { return m_exchanges[requesters]; }
 
-    /// The one object of its kind, or null.
+    /// Returns the unique object of \p kind, or null.
     StrongPtr<VManagedObject> uniqueObject(const std::type_info& kind) const;
     void setUniqueObject(const std::type_info& kind, const StrongPtr<VManagedObject>& object);
 
-    /// Types of providers that are being created for an object that lacks one.
+    /// Types of the providers that are currently being created.
     std::vector<std::string> beingProvided;
 
 private:
@@ -104,12 +103,12 @@ private:
     std::uint64_t m_sequence = 0;
     bool m_isClosed = false;
 
-    // The directory: words of preferences, and those objects whose preferences are of a
-    // class of their own, which may contain any word.
+    // The directory: objects by the words of their preferences, and objects whose preferences
+    // have a derived class and may contain any word.
     using Positions = std::map<Position, VManagedObject*>;
     mutable std::map<std::string, Positions, std::less<>> m_words;
     mutable Positions m_unsorted;
-    mutable std::uint64_t m_seenChanges = 0; // of preferences, when the directory was made
+    mutable std::uint64_t m_seenChanges = 0; // of preferences, when the directory was built
 
     std::vector<Loam::WeakPtrImpl<RegistryWatcher>> m_watchers;
     std::map<const void*, Loam::WeakPtrImpl<RegistryWatcher>> m_exchanges;

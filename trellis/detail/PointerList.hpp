@@ -10,8 +10,8 @@
 
 namespace Orla::Detail {
 
-/// A list of pointers, none of them null, in the memory of one pointer as long as it holds
-/// at most one: most parameters have one reader, and most containers one frame.
+/// A list of non-null pointers that takes the memory of one pointer as long as it holds at
+/// most one: most parameters have one reader, and most containers have one frame.
 template<class T>
 class PointerList {
 public:
@@ -45,8 +45,8 @@ public:
     T* operator[](std::size_t index) const noexcept { return begin()[index]; }
     T* back() const noexcept { return end()[-1]; }
 
-    /// Makes room for \p size pointers, so that adding up to so many cannot fail. Allocates
-    /// at least twice the room there was, or nothing.
+    /// Reserves room for \p size pointers, so adding up to that many cannot fail. If it
+    /// allocates, it at least doubles the capacity.
     /// \throw std::bad_alloc
     void reserve(std::size_t size)
     {
@@ -64,7 +64,7 @@ public:
         m_content = reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(list.release()) | IsMany);
     }
 
-    /// \throw std::bad_alloc; the list is then as before.
+    /// \throw std::bad_alloc; the list is unchanged.
     void push_back(T* pointer)
     {
         reserve(size() + 1);
@@ -74,7 +74,7 @@ public:
             m_content = pointer;
     }
 
-    /// Removes the pointer at \p index, whose place the last one takes.
+    /// Removes the pointer at \p index and moves the last one into its place.
     void removeAt(std::size_t index) noexcept
     {
         if (Many* const list = many()) {
@@ -97,7 +97,7 @@ private:
         return (content & IsMany) != 0 ? reinterpret_cast<Many*>(content & ~IsMany) : nullptr;
     }
 
-    T* m_content = nullptr; // the only pointer; or the list, marked with `IsMany`
+    T* m_content = nullptr; // the only pointer, or the list, marked with `IsMany`
 };
 
 } // namespace Orla::Detail

@@ -19,20 +19,20 @@ using Detail::PoolState;
 
 namespace {
 
-// Up to here a walk over the names is faster than a table.
+// Up to this size, a linear search is faster than a table.
 constexpr std::size_t FewVariables = 16;
 
-// A frame's cells beyond this number are kept apart.
+// A frame's cells beyond this number are stored separately.
 constexpr std::uint32_t MostInlineCells = 255;
 
-// True if the slot is the one that keeps the variables of its parameter.
+// Returns true if the slot's cells hold the variables of its parameter.
 bool isHome(const VSlot& slot) noexcept
 {
     const VParameter& parameter = *slot.parameter();
     return parameter.slot() == &slot && slot.member().empty() && slot.place().cell != VSlotPlace::NoCell;
 }
 
-// The slot that keeps the parameter's variables now; null if they are kept by the pools.
+// Returns the slot whose cells hold the parameter's variables; null if the pools hold them.
 const VSlot* homeSlot(const VParameter& parameter) noexcept
 {
     const VSlot* const slot = parameter.slot();
@@ -40,7 +40,7 @@ const VSlot* homeSlot(const VParameter& parameter) noexcept
     return isKept ? slot : nullptr;
 }
 
-// True for an output whose value does not count after its object failed.
+// Returns true for an output whose value does not count after its object has failed.
 bool isResult(const VSlot& slot) noexcept
 {
     return slot.hasFlag(VSlot::Output) && !slot.hasFlag(VSlot::StaysValid);
@@ -105,7 +105,7 @@ void VFrame::findReaders(std::uint32_t index)
             if (!container || !container->object() || reader.hasFlag(VSlot::Passive))
                 continue;
             if (&reader == parameter->slot())
-                ownInput = OwnInput; // an object that writes an input of its own knows about it
+                ownInput = OwnInput; // not due if its own update writes the value
             else if (VFrame* const frame = pool.frame(*container))
                 frames.push_back(frame);
         }
@@ -145,7 +145,7 @@ PoolState::~PoolState()
         view->m_state = nullptr;
     std::vector<VFrame*> frames;
     if (m_network) {
-        // The network must not be changed while the frames leave their containers.
+        // The network must not change while the frames are removed from their containers.
         bool isUse = true;
         try {
             m_network->gate.enter();
@@ -167,7 +167,7 @@ PoolState::~PoolState()
         else
             m_network->gate.endChange();
     }
-    // Values may be the last holders of objects. The objects have no frames here any more.
+    // Values may be the last owners of objects, which no longer have frames here.
     for (DueQueue* queue : {&due, &nextRound}) {
         while (!queue->empty()) {
             VFrame& frame = queue->pop();
@@ -188,7 +188,7 @@ NetworkCore* PoolState::network() const noexcept
 
 std::size_t PoolState::homeOf(const VSlotContainer& container) const noexcept
 {
-    // Multiplication spreads indices that follow each other over the table.
+    // Multiplication spreads consecutive indices over the table.
     const std::uint64_t hash = container.wiring().index * std::uint64_t{0x9E3779B97F4A7C15};
     return static_cast<std::size_t>(hash >> 32) & (m_frames.size() - 1);
 }
@@ -317,7 +317,7 @@ void PoolState::releaseCell(VFrame& frame, std::uint32_t cell) noexcept
     const bool owns = (bits & (VFrame::Owned | VFrame::Part)) != 0;
     bits = static_cast<std::uint16_t>(bits & VFrame::Rewired);
     frame.cell(cell).link = nullptr;
-    // Last, because the value may be the last holder of something that uses this pool.
+    // Released last, because the value may be the last owner of something that uses this pool.
     VValueBase* const value = std::exchange(frame.cell(cell).value, nullptr);
     if (value && owns)
         value->referenceBlock().releaseStrong();
@@ -340,7 +340,7 @@ void PoolState::removeFromTable(const VFrame& frame) noexcept
     while (m_frames[hole] != &frame)
         hole = (hole + 1) & mask;
     for (std::size_t place = (hole + 1) & mask; m_frames[place]; place = (place + 1) & mask) {
-        // A frame may move into the hole unless its home lies behind it.
+        // A frame may move into the hole unless its home lies after the hole.
         if (((place - homeOf(*m_frames[place]->m_container)) & mask) >= ((place - hole) & mask)) {
             m_frames[hole] = m_frames[place];
             hole = place;
@@ -351,7 +351,7 @@ void PoolState::removeFromTable(const VFrame& frame) noexcept
         m_frames = {};
 }
 
-// The container's list of frames is the caller's business.
+// The caller removes the frame from the container's list.
 void PoolState::dropFrame(VFrame& frame) noexcept
 {
     if (frame.m_isWaiting)
@@ -365,7 +365,7 @@ void PoolState::dropFrame(VFrame& frame) noexcept
         ++m_deadCount;
     }
     if (frame.m_isUpdating) {
-        // The update continues with the values that it has.
+        // The update continues with its current values.
         const std::uint32_t count = frame.cellCount();
         for (std::uint32_t cell = 0; cell < count; ++cell) {
             forgetReaders(frame, cell);
@@ -380,7 +380,7 @@ void PoolState::dropFrame(VFrame& frame) noexcept
         freeFrame(frame);
     }
     if (m_deadCount > 0 && dueCount == 0) {
-        // All that is queued is dead.
+        // All queued frames are dead.
         for (DueQueue* queue : {&due, &nextRound}) {
             while (!queue->empty())
                 discard(queue->pop());
@@ -403,7 +403,7 @@ void PoolState::forgetRewiring(VFrame& frame) noexcept
 
 void PoolState::releaseHeldObjects() noexcept
 {
-    // An object that is destroyed here may hold others.
+    // An object that is destroyed here may own others.
     while (!heldObjects.empty()) {
         const StrongPtr<VManagedObjectBase> released = std::move(heldObjects.back());
         heldObjects.pop_back();
@@ -525,7 +525,7 @@ StrongPtr<VValueBase> PoolState::make(const VParameter& parameter)
     }
     if (VValueBase* const value = find(parameter))
         return StrongPtr<VValueBase>(value);
-    // An object's input that reads another parameter now keeps its own value aside.
+    // The own value of a connected input is stored by parameter, not by name.
     const StrongPtr<ValuePool> pool = m_pool->root();
     if (!parameter.slot() && !namedVariable(parameter.Name()))
         return parameter.createLocalVariable(pool);
@@ -543,7 +543,7 @@ StrongPtr<VValueBase> PoolState::find(const VSlot& slot)
     const auto lock = lockTables();
     if (slot.container()) {
         if (VFrame* const frame = findFrame(*slot.container())) {
-            // An update may rewire its own inputs.
+            // An update may reconnect its own inputs.
             if (frame->m_isStale && frame->m_isUpdating)
                 complete(*frame);
             const std::uint32_t cell = slot.place().cell;
@@ -564,7 +564,7 @@ StrongPtr<VValueBase> PoolState::make(const VSlot& slot)
     return value ? slot.componentOf(*value) : nullptr;
 }
 
-// Cells that refer to the old value of the variable are worked out again.
+// Cells that refer to the variable's old value are resolved again.
 void PoolState::replaceForReaders(const VParameter& parameter) noexcept
 {
     for (const VSlot* reader : parameter.readers()) {
@@ -586,7 +586,7 @@ void PoolState::enter(const VParameter& parameter, const StrongPtr<VValueBase>& 
     VFrame* const frame = home ? this->frame(*home->container()) : nullptr;
     if (!frame) {
         Variable& entry = m_variables[keyOf(&parameter)];
-        // The old value may be the last holder of something that uses this pool.
+        // The old value may be the last owner of something that uses this pool.
         const StrongPtr<VValueBase> released = std::exchange(entry.value, value);
         entry.isFromFailed = false;
         if (released && released != value)
@@ -627,7 +627,7 @@ void PoolState::enterName(const VParameter& parameter, const StrongPtr<VValueBas
         parameter.noteHolder(*m_pool);
     if (known) {
         known->parameter = &parameter;
-        // Last, because the old value may use this pool when it is destroyed.
+        // Released last, because the old value's destructor may use this pool.
         const StrongPtr<VValueBase> released = std::exchange(known->value, value);
         return;
     }
@@ -658,7 +658,7 @@ void PoolState::removeName(const VParameter& parameter) noexcept
             m_nameIndex.find(m_names.back().name)->second = static_cast<std::size_t>(found - m_names.data());
     }
     std::swap(*found, m_names.back());
-    // The value may be the last holder of something that uses this pool.
+    // The value may be the last owner of something that uses this pool.
     const NamedVariable released = std::move(m_names.back());
     m_names.pop_back();
 }
@@ -745,7 +745,7 @@ void PoolState::announce(const VParameter& parameter, const std::string& member)
 {
     if (recorder && recorder->recordChange(parameter, member)) [[unlikely]]
         return;
-    // Another thread may bring the evaluation order up to date, or remove objects.
+    // Prevents other threads from updating the evaluation order or removing objects.
     std::optional<UseScope> use;
     if (m_network && !isRunning)
         use.emplace(*m_network);
@@ -766,7 +766,7 @@ void PoolState::announce(const VParameter& parameter, const std::string& member)
             || !VValueComponents::overlap(reader.member(), member))
             continue;
         VFrame* const frame = this->frame(*container);
-        // An object that writes an input of its own knows about it.
+        // An object's own update does not make it due by writing its own input.
         if (!frame || (frame->isWriting() && !reader.readsOthers()))
             continue;
         makeDue(*frame, VObserver::Cause::Changed, &parameter);
@@ -841,7 +841,7 @@ void PoolState::holdWhileUpdating(const StrongPtr<VManagedObjectBase>& object)
     }
 }
 
-// What is due
+// Due frames
 
 void PoolState::makeDue(VFrame& frame, VObserver::Cause cause, const VParameter* changed) noexcept
 {
@@ -868,7 +868,7 @@ void PoolState::sortDue() noexcept
     nextRound.sortAgain();
 }
 
-// Frees a dead frame that left its queue.
+// Frees a dead frame that was removed from its queue.
 void PoolState::discard(VFrame& dead) noexcept
 {
     dead.m_isDue = false;
@@ -917,10 +917,10 @@ void PoolState::giveBack(VFrame& frame, double precision) noexcept
     if (frame.m_isDead)
         return;
     try {
-        if (!frame.m_hasPrecision) // or it was scheduled again meanwhile
+        if (!frame.m_hasPrecision) // else it was scheduled again meanwhile
             setPrecision(frame, precision);
     } catch (const std::bad_alloc&) {
-        // The object is due all the same, with the number that it has by default.
+        // The object becomes due all the same, with the default precision.
     }
     makeDue(frame);
 }
@@ -963,7 +963,7 @@ bool PoolState::isMissing(VFrame& frame, std::uint32_t cell) noexcept
     return frame.hasCell(cell) && (frame.flags(cell) & (VFrame::Missing | VFrame::FromFailed)) != 0;
 }
 
-// The frame of the object whose result `slot` reads; null if it reads something else.
+// Returns the frame of the object whose result `slot` reads; null if it reads something else.
 VFrame* PoolState::sourceOfResult(const VSlot& slot) noexcept
 {
     const VSlot* const home = isHome(slot) ? nullptr : homeSlot(*slot.parameter());
@@ -991,7 +991,7 @@ bool PoolState::hasChanged(VFrame& frame, std::uint32_t cell) noexcept
            || frame.cell(cell).value->age().stamp() >= frame.m_lastRun;
 }
 
-// An object that failed does not wait for others of its own loop, which wait for it.
+// A failed object does not wait for the members of its own loop, which wait for it.
 bool PoolState::makesWait(const VFrame& source, const VFrame& reader) noexcept
 {
     const bool isSameLoop = source.m_isInLoop && reader.m_isInLoop
@@ -1015,8 +1015,8 @@ bool PoolState::readsMissing(VFrame& frame) noexcept
     return isMissing;
 }
 
-// Calls `function` with the frame of each object that reads an output of `frame` which
-// is not valid after a failure.
+// Calls `function` with the frame of each object that reads an output of `frame` that is not
+// valid after a failure.
 template<class Function>
 void PoolState::forEachReader(VFrame& frame, Function&& function) noexcept
 {
@@ -1028,7 +1028,7 @@ void PoolState::forEachReader(VFrame& frame, Function&& function) noexcept
             VSlotContainer* const container = readers[i]->container();
             if (!container)
                 continue;
-            // A reader without a frame finds out when it gets one.
+            // A reader without a frame is checked when its frame is completed.
             VFrame* const reader = findFrame(*container);
             if (reader && reader != &frame)
                 function(*reader);
@@ -1050,7 +1050,7 @@ void PoolState::setWaiting(VFrame& frame, bool isWaiting) noexcept
         observer->stoppedWaiting(*frame.m_object);
 }
 
-// Everything that reads `start`, directly or not, waits from now on.
+// Marks everything that reads `start`, directly or indirectly, as waiting.
 void PoolState::markWaiting(VFrame& start) noexcept
 {
     try {
@@ -1089,11 +1089,11 @@ void PoolState::recover(VFrame& frame) noexcept
 {
     frame.m_hasFailed = false;
     if (frame.m_isWaiting)
-        return; // its readers go on waiting
+        return; // its readers keep waiting
     release(frame);
 }
 
-// What waits for `start` alone does not wait any more.
+// Stops the waiting of everything that waits only for `start`.
 void PoolState::release(VFrame& start) noexcept
 {
     std::vector<VFrame*> freed;
@@ -1134,7 +1134,7 @@ void PoolState::release(VFrame& start) noexcept
         });
         return;
     }
-    // Others of them may wait for something else, too, and keep their readers waiting.
+    // Some of them also wait for something else and keep their readers waiting.
     waitingCount -= freed.size();
     for (VFrame* frame : freed) {
         if (!frame->m_isWaiting && readsMissing(*frame)) {

@@ -24,9 +24,9 @@ class VSlotContainer;
 
 namespace Detail {
 
-/// Receives what updates announce while objects of one pool run concurrently. The
-/// functions return false if the calling thread does not run such an update; the pool
-/// then announces at once.
+/// Records what updates announce while objects of one pool run concurrently. The functions
+/// return false if the calling thread is not running a concurrent update; the pool then
+/// announces immediately.
 class Recorder {
 public:
     virtual ~Recorder();
@@ -34,17 +34,17 @@ public:
     virtual bool recordChange(const VParameter& parameter, const std::string& member) = 0;
     virtual bool recordSchedule(VFrame& frame, double precision) = 0;
 
-    /// Guards the pool's tables against the other updates.
+    /// Guards the pool's tables against concurrent updates.
     virtual std::recursive_mutex& mutex() noexcept = 0;
 };
 
-/// Memory that one evaluation of a pool leaves to the next.
+/// Memory that one evaluation of a pool leaves for the next.
 class RunMemory {
 public:
     virtual ~RunMemory();
 };
 
-/// Everything that a pool holds once it is used: frames, variables, and what is due.
+/// The state of a pool in use: frames, variables and due objects.
 class PoolState {
 public:
     explicit PoolState(ValuePool& pool) noexcept : m_pool{&pool} {}
@@ -58,14 +58,15 @@ public:
 
     VFrame* findFrame(const VSlotContainer& container) noexcept;
 
-    /// The frame of \p container, made if it is missing; null for a container of another
-    /// network than the pool's. The first container binds the pool to its network.
+    /// Returns the frame of \p container, creating it if it is missing. Returns null if the
+    /// container and the pool belong to different networks. The first container binds the pool
+    /// to its network.
     VFrame* frame(VSlotContainer& container);
 
-    /// The network that the pool is bound to; null if it is not bound.
+    /// Returns the network that the pool is bound to, or null.
     NetworkCore* network() const noexcept;
 
-    /// Gives each slot of the frame's container its cell and each cell its value.
+    /// Gives each slot of the frame's container a cell and each cell a value.
     void complete(VFrame& frame);
 
     /// Calls \p function for each frame.
@@ -80,14 +81,14 @@ public:
 
     // Variables
 
-    /// The variable of \p parameter, or null; creates nothing.
+    /// Returns the variable of \p parameter, or null. Creates nothing.
     VValueBase* find(const VParameter& parameter) noexcept;
 
-    /// The variable of \p parameter, made if it is missing; null for a parameter of
-    /// another network.
+    /// Returns the variable of \p parameter, creating it if it is missing. Returns null for a
+    /// parameter of another network.
     StrongPtr<VValueBase> make(const VParameter& parameter);
 
-    /// The value that \p slot refers to, or null.
+    /// Returns the value that \p slot refers to, or null.
     StrongPtr<VValueBase> find(const VSlot& slot);
     StrongPtr<VValueBase> make(const VSlot& slot);
 
@@ -98,19 +99,20 @@ public:
     /// Releases the variables of a parameter that is about to be destroyed.
     static void forgetEverywhere(const VParameter& parameter) noexcept;
 
-    /// Makes \p frame due as `VScheduler::schedule` does. The caller uses the network.
+    /// Makes \p frame due as `VScheduler::schedule` does. The caller holds a use of the
+    /// network.
     void schedule(VFrame& frame, double precision);
 
-    /// Makes the objects due that read \p parameter, and notifies listeners.
+    /// Makes the objects that read \p parameter due and notifies listeners.
     void announce(const VParameter& parameter, const std::string& member);
 
     /// Makes the readers of \p parameter due in every pool that has a variable.
     static void announcePrototype(const VParameter& parameter);
 
-    /// The pools in which a frame keeps the parameter's variable.
+    /// Returns the pools in which a frame holds the parameter's variable.
     static std::vector<StrongPtr<ValuePool>> poolsWithCell(const VParameter& parameter);
 
-    // What is due
+    // Due frames
 
     void makeDue(VFrame& frame) noexcept
     {
@@ -132,7 +134,7 @@ public:
             due.push(frame);
     }
 
-    /// The next due frame, removed from the queue; null if nothing is due.
+    /// Removes the next due frame from the queue and returns it; null if nothing is due.
     VFrame* nextDue() noexcept
     {
         sortIfOutOfOrder();
@@ -148,33 +150,34 @@ public:
         return nullptr;
     }
 
-    /// The next due frame, which stays in the queue; null if nothing is due.
+    /// Returns the next due frame, which stays in the queue; null if nothing is due.
     VFrame* peekDue() noexcept;
 
     // Concurrent updates
 
-    /// Prepares announcing whatever the object writes, so that its update does not need
-    /// the pool's tables for that.
+    /// Prepares to announce whatever the object writes, so its update does not need the pool's
+    /// tables to announce it.
     void prepareToAnnounce(VFrame& frame);
 
     static std::uint32_t orderOf(const VFrame& frame) noexcept { return frame.m_order; }
-    /// False for an object that waits for a failed one, or whose cells are not worked out.
+    /// Returns false for an object that is not evaluated, waits for a failed object, or is
+    /// being updated.
     static bool mayStartEarly(const VFrame& frame) noexcept
     {
         return frame.m_isEvaluated && !frame.m_isWaiting && !frame.m_isUpdating;
     }
 
-    /// True for an object that does not run concurrently with others.
+    /// Returns true for an object that does not run concurrently with others.
     static bool runsInTurn(const VFrame& frame) noexcept { return frame.m_runsInTurn; }
-    /// True for an object whose updates take less time than handing them to a thread. One
-    /// long update among short ones does not count: the thread may have been interrupted.
+    /// Returns true for an object whose updates take less time than handing them to a thread.
+    /// A single long update does not count: the thread may have been interrupted.
     static bool isShort(const VFrame& frame) noexcept { return frame.m_isShort; }
     static void noteLength(VFrame& frame, bool isShort) noexcept
     {
         frame.m_isShort = isShort || (frame.m_isShort && !frame.m_wasLong);
         frame.m_wasLong = !isShort;
     }
-    /// True if the object became due or was scheduled after it had left the queue.
+    /// Returns true if the object became due or was scheduled after it left the queue.
     static bool mustRunAgain(const VFrame& frame) noexcept { return frame.m_isDue || frame.m_hasPrecision; }
     static void setReturned(VFrame& frame, bool hasReturned) noexcept { frame.m_hasReturned = hasReturned; }
     static bool isDead(const VFrame& frame) noexcept { return frame.m_isDead; }
@@ -183,31 +186,33 @@ public:
     template<class Function>
     static void forEachKnownReader(VFrame& frame, std::uint32_t cell, Function&& function);
 
-    /// Appends the frames that read a value of \p frame now.
+    /// Appends the frames that currently read a value of \p frame.
     void collectReaders(const VFrame& frame, std::vector<VFrame*>& readers);
 
-    /// A view of the pool for one thread's updates.
+    /// Creates a view of the pool for one thread's updates.
     StrongPtr<ValuePool> makeView();
 
-    /// Queues the frames that wait for the next round of a loop.
+    /// Queues the frames that wait for the next round of a loop. Returns false if no frame
+    /// waits.
     bool startRound() noexcept;
 
-    /// The network's order changed: due frames are sorted again before the next one runs.
+    /// Called after the network's order has changed: due frames are sorted again before the
+    /// next one runs.
     void orderChanged() noexcept { m_isOutOfOrder = true; }
 
     void setPrecision(VFrame& frame, double precision);
     double precision(const VFrame& frame) noexcept;
     double takePrecision(VFrame& frame) noexcept;
 
-    /// Makes an object due that left the queue with \p precision and did not run.
+    /// Makes an object due again that left the queue with \p precision but did not run.
     void giveBack(VFrame& frame, double precision) noexcept;
 
-    /// An object that has run this often in one pass is part of a loop that does not
-    /// settle.
+    /// The number of runs of an object per pass after which its loop counts as not settling.
     static constexpr unsigned MaximalRuns = 100;
-    static constexpr std::uint32_t LastPass = 0x7FFFFF; // then the numbers of passes start again
+    static constexpr std::uint32_t LastPass = 0x7FFFFF; // then pass numbers start over
 
-    /// Calls \p function with the frames in the queue, roughly in their order.
+    /// Calls \p function with the frames in the queue, roughly in order, until it returns
+    /// false.
     template<class Function>
     void forEachDue(Function&& function)
     {
@@ -226,7 +231,7 @@ public:
                                       : State::NotRun;
     }
 
-    /// Starts a new pass, in which objects may run again as often as it takes.
+    /// Starts a new pass, in which the runs of each object are counted from zero.
     void beginPass() noexcept
     {
         if ((++pass & LastPass) == 0) {
@@ -235,7 +240,7 @@ public:
         }
     }
 
-    /// Counts a run of the object in this pass; false if it has run too often.
+    /// Counts a run of the object in this pass. Returns false if it has run too often.
     bool countRun(VFrame& frame) noexcept
     {
         if (frame.m_pass != pass) {
@@ -248,7 +253,7 @@ public:
         return true;
     }
 
-    /// Keeps an object from running again in this pass.
+    /// Prevents an object from running again in this pass.
     void stop(VFrame& frame) noexcept
     {
         frame.m_pass = pass & LastPass;
@@ -257,36 +262,38 @@ public:
 
     bool isStopped(const VFrame& frame) const noexcept { return frame.m_runs > MaximalRuns; }
 
-    /// Notes which member of a loop runs, if it is one.
+    /// Records which member of a loop is running, if any.
     void enterLoop(const VFrame& frame) noexcept { loopPosition = frame.m_isInLoop ? std::int64_t{frame.m_order} : -1; }
 
-    /// True if the frame must wait until the loop before it has settled.
+    /// Returns true if the frame must wait until the preceding loop has settled.
     bool isBehindRound(const VFrame& frame) const noexcept { return frame.m_order > roundEnd; }
 
     // Failures
 
-    /// The update of \p frame failed: frames that read its outputs wait from now on.
+    /// Called when the update of \p frame has failed. Makes the frames that read its outputs
+    /// wait.
     void fail(VFrame& frame) noexcept;
 
-    /// The update of \p frame succeeded after a failure, or the frame is going away.
+    /// Called when the update of \p frame has succeeded after a failure. Frames that wait only
+    /// for it stop waiting.
     void recover(VFrame& frame) noexcept;
 
-    /// Works out whether a frame whose connections changed has to wait.
+    /// Determines whether a frame whose connections changed has to wait.
     void updateWaiting(VFrame& frame) noexcept;
 
-    /// True if the value in the cell comes from an update that failed or is waiting.
+    /// Returns true if the value in the cell comes from an object that failed or waits.
     static bool isMissing(VFrame& frame, std::uint32_t cell) noexcept;
 
-    /// Notes in the cells of an object that accepts failed inputs which of them failed.
+    /// Marks the failed inputs in the cells of an object that accepts failed inputs.
     void markMissing(VFrame& frame) noexcept;
 
-    /// True if the value in the cell is another one than at the last successful update.
+    /// Returns true if the value in the cell has changed since the last successful update.
     static bool hasChanged(VFrame& frame, std::uint32_t cell) noexcept;
 
-    /// The objects that failed and that the frame's object waits for, nearest first.
+    /// Returns the failed objects that the frame's object waits for, nearest first.
     std::vector<VObject*> failedSources(VFrame& frame);
 
-    // What `FrameHooks` need
+    // For `FrameHooks`
 
     void dropFrame(VFrame& frame) noexcept;
     void unlinkCell(VFrame& frame, std::uint32_t cell) noexcept;
@@ -298,32 +305,32 @@ public:
     static void rewiredCell(VFrame& frame, std::uint32_t cell) noexcept;
     static PoolState& of(VFrame& frame) noexcept { return *frame.m_pool; }
 
-    /// Releases what was held while it was updated.
+    /// Releases the objects that were removed during their updates.
     void releaseHeldObjects() noexcept;
 
     /// Frees a dead frame that nothing refers to.
     void freeFrame(VFrame& frame) noexcept;
 
-    /// Announces again what could not be announced for lack of memory.
+    /// Announces the changes that could not be announced for lack of memory.
     void announcePending();
 
-    /// Keeps an object alive until its updates that run now, in any pool, have returned.
+    /// Keeps an object alive until its running updates, in all pools, have returned.
     static void holdWhileUpdating(const StrongPtr<VManagedObjectBase>& object);
 
     // Data that the scheduler uses
 
     DueQueue due;
-    // Members of loops that became due at or before the one that runs. They wait
-    // until those behind it had their turn, or two members could keep the others
-    // from ever running.
+    // Members of loops that became due at or before the running one. They wait until the
+    // members after it have run; otherwise two members could keep the others from ever
+    // running.
     DueQueue nextRound;
-    std::size_t dueCount = 0;                   // frames in either queue
-    std::int64_t loopPosition = -1;             // order of the member of a loop that runs
-    std::uint32_t roundEnd = ~std::uint32_t{0}; // what comes later must wait for the next round
+    std::size_t dueCount = 0;                   // living frames in both queues
+    std::int64_t loopPosition = -1;             // order of the running member of a loop, else -1
+    std::uint32_t roundEnd = ~std::uint32_t{0}; // frames of larger order must wait until the loop has settled
     std::uint32_t pass = 0;
     bool isRunning = false;
     bool hasListeners = false; // a value in a cell has, or had, listeners
-    bool hasPending = false;   // something could not be announced for lack of memory
+    bool hasPending = false;   // a change could not be announced for lack of memory
     std::size_t waitingCount = 0;
     VObserver* observer = nullptr;
     Recorder* recorder = nullptr; // while objects run concurrently
@@ -378,7 +385,7 @@ private:
 
     void setWaiting(VFrame& frame, bool isWaiting) noexcept;
 
-    /// Locks the tables if other updates of the pool run meanwhile.
+    /// Locks the tables if updates of the pool run concurrently.
     std::unique_lock<std::recursive_mutex> lockTables() const
     {
         return recorder ? std::unique_lock(recorder->mutex()) : std::unique_lock<std::recursive_mutex>();
@@ -393,7 +400,7 @@ private:
     StrongPtr<NetworkCore> m_network;
     std::vector<VFrame*> m_frames; // open addressing by the container's index; null where free
     std::size_t m_frameCount = 0;
-    IdTable<Variable> m_variables; // of parameters that have no cell, by address
+    IdTable<Variable> m_variables; // of parameters without a cell, by address
     std::vector<NamedVariable> m_names;
     std::unordered_map<std::string, std::size_t> m_nameIndex; // only for many variables
     IdTable<double> m_precisions;                             // by frame
@@ -402,7 +409,7 @@ private:
     bool m_isOutOfOrder = false;
 };
 
-/// The frames that read one value, where they are several; their pointers follow.
+/// The head of a list of several frames that read one value. The pointers follow it in memory.
 struct ReaderList {
     std::size_t count = 0;
     VFrame** frames() noexcept { return reinterpret_cast<VFrame**>(this + 1); }
@@ -422,7 +429,7 @@ void PoolState::forEachKnownReader(VFrame& frame, std::uint32_t cell, Function&&
     const std::size_t count = readers.count;
     for (std::size_t i = 0; i < count; ++i) {
 #if defined(__GNUC__)
-        // A clock may have a hundred thousand readers, each somewhere else in memory.
+        // A clock may have a hundred thousand readers, scattered in memory.
         constexpr std::size_t Ahead = 8;
         if (i + Ahead < count)
             __builtin_prefetch(frames[i + Ahead]);

@@ -5,11 +5,11 @@
 
 namespace Orla::Detail {
 
-/// The name of \p type and the library that brings its creator, for reports.
+/// Returns the name of \p type and the library of its creator, for reports.
 std::string ownerOf(const std::type_info& type, const std::type_info& creator);
 
-/// True if \p holder is empty. Otherwise warns that \p owner wanted \p name,
-/// which \p holder has, and returns false.
+/// Returns true if \p holder is empty. Otherwise warns that \p name is taken by \p holder and
+/// refused for \p owner, and returns false.
 bool acceptedOrReported(const char* kind, const std::string& name, const std::string& owner, const std::string& holder);
 
 } // namespace Orla::Detail

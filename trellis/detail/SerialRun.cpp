@@ -39,8 +39,7 @@ void SerialRun::updateOrder()
     m_pool.startRound();
 }
 
-// Members of a loop that wait for its next round have their turn now, unless others come
-// before them.
+// Starts the next round of a loop unless other objects come before it.
 void SerialRun::startRoundIfDue()
 {
     const VFrame* const first = m_pool.peekDue();
@@ -55,7 +54,7 @@ void SerialRun::reportEnd(const Update& update, Update::Result result)
                                                                                 : VObserver::Result::Cancelled);
 }
 
-// The loop as a whole ends here; its members that are still due are skipped.
+// Stops the whole loop; its members that are still due are skipped.
 void SerialRun::stopLoop(VFrame& frame)
 {
     if (m_pool.isStopped(frame))

@@ -6,8 +6,8 @@
 
 namespace Orla::Detail {
 
-/// One call of `VScheduler::run`: runs due objects one after the other. The caller uses
-/// the network meanwhile.
+/// One call of `VScheduler::run`: runs due objects one after the other. The caller holds a use
+/// of the network.
 class SerialRun {
 public:
     SerialRun(PoolState& pool, VRequest& request);
@@ -18,7 +18,7 @@ public:
     VScheduler::Summary run();
 
 protected:
-    /// Between two updates: lets other threads change the network, and brings the
+    /// Called between two updates. Lets other threads change the network, and brings the
     /// evaluation order up to date. Returns false if nothing is due or the request is
     /// cancelled.
     bool isThereMore()
@@ -35,7 +35,7 @@ protected:
         return true;
     }
 
-    /// The next object to run; null if nothing is due.
+    /// Returns the next object to run; null if nothing is due.
     VFrame* next()
     {
         if (!m_pool.nextRound.empty()) [[unlikely]]
@@ -52,7 +52,7 @@ protected:
         return runOne(frame, [](VFrame&) {});
     }
 
-    /// As above, and calls \p returned with the frame when the update has returned.
+    /// As above, but calls \p returned with the frame when the update has returned.
     template<class Function>
     bool runOne(VFrame& frame, Function&& returned)
     {
@@ -76,7 +76,7 @@ protected:
         return false;
     }
 
-    /// Counts what the update did, and concludes it. Returns false if the run ends.
+    /// Counts and concludes the update. Returns false if the run ends.
     bool finish(Update& update, Update::Result result)
     {
         if (result == Update::Result::Skipped)

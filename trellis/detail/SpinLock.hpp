@@ -5,7 +5,7 @@
 
 namespace Orla::Detail {
 
-/// Guards a few instructions in one byte.
+/// A one-byte lock for critical sections of a few instructions.
 class SpinLock {
 public:
     void lock() noexcept

@@ -13,7 +13,7 @@ void Update::release() noexcept
 {
     if (m_frame.m_isDead && !m_frame.m_isDue)
         m_pool.freeFrame(m_frame);
-    // Last, because these may be the last holders of the object.
+    // Released last, because these may be the last owners of the object.
     m_pool.releaseHeldObjects();
     if (m_hold)
         m_hold->releaseStrong();
@@ -47,7 +47,7 @@ bool Update::prepareCarefully()
     return true;
 }
 
-// Waits until the object does not run in another thread.
+// Waits until no other thread runs the object.
 bool Update::takeTurn()
 {
     static thread_local const char mark = 0;
@@ -55,7 +55,7 @@ bool Update::takeTurn()
     const void* expected = nullptr;
     while (!runner.compare_exchange_strong(expected, &mark)) {
         if (expected == &mark)
-            return true; // in an outer update of this thread, which gives the turn
+            return true; // an outer update of this thread has the turn
         m_pool.network()->gate.waitUntil([&runner] { return !runner.load(); });
         if (m_frame.m_isDead)
             return false;
@@ -100,7 +100,7 @@ void Update::concludeCarefully(Result result)
     case Result::Skipped:
         break;
     case Result::Cancelled:
-        // What it wrote may be half of the result.
+        // Its outputs may be incomplete.
         m_pool.setPrecision(m_frame, m_precision);
         m_pool.makeDue(m_frame, VObserver::Cause::Cancelled);
         break;

@@ -11,8 +11,8 @@
 
 namespace Orla::Detail {
 
-/// One update of one object in one pool, from the moment when its frame leaves the queue.
-/// The frame and the object stay alive as long as this exists.
+/// One update of one object in one pool, starting when its frame leaves the queue. Keeps the
+/// frame and the object alive.
 class Update {
 public:
     enum class Result { Succeeded, Failed, Cancelled, Skipped };
@@ -28,8 +28,8 @@ public:
             release();
     }
 
-    /// Works out the frame's cells and takes what the update needs. Returns false if the
-    /// object does not run: it waits for another one, or is being destroyed.
+    /// Resolves the frame's cells and takes what the update needs. Returns false if the object
+    /// does not run because it waits for another one or is being destroyed.
     /// \throw std::bad_alloc; the object is due again.
     bool prepare() { return !m_frame.needsPreparation() || prepareCarefully(); }
 
@@ -44,7 +44,7 @@ public:
         try {
             succeeded = m_frame.m_object->update(request, m_precision);
         } catch (...) {
-            // An object's mistake must not end the others' evaluation.
+            // A failing object must not end the evaluation of the others.
             m_thrown = std::current_exception();
         }
         pool.m_running = outer;
@@ -55,9 +55,8 @@ public:
         return succeeded ? Result::Succeeded : Result::Failed;
     }
 
-    /// Draws the conclusions in the pool: the object has failed, has succeeded, or is due
-    /// again.
-    /// \throw whatever an action notifier throws that is notified of a failure.
+    /// Applies the result to the pool: the object succeeded, failed, or is due again.
+    /// \throw anything that an action notifier throws when it is notified of a failure.
     void conclude(Result result)
     {
         if (result == Result::Succeeded && !m_frame.m_isDead && !m_frame.m_hasRewired && !m_frame.m_hasFailed)
@@ -67,7 +66,7 @@ public:
             concludeCarefully(result);
     }
 
-    /// The values that exist now are known to the object, if its update succeeds.
+    /// Marks the current values as seen by the object, if its update succeeds.
     void knowValuesOfNow() noexcept { m_startedAt = Ageable::now(); }
 
     VFrame& frame() const noexcept { return m_frame; }

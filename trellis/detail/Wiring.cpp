@@ -28,13 +28,13 @@ void Wiring::giveCellBack(VSlot& slot)
     wiring.freeCells->push_back(slot.m_cell);
 }
 
-// Strong guarantee: the list grows before the slot knows its place in it.
+// Strong guarantee: the list grows before the slot's index is set.
 void Wiring::join(VSlot& slot)
 {
     VParameter& parameter = *slot.m_parameter;
     parameter.m_readers.push_back(&slot);
     slot.m_readerIndex = static_cast<std::uint32_t>(parameter.m_readers.size() - 1);
-    // An object that reads an output of its own is a loop like any other.
+    // An object that reads its own output is a loop like any other.
     const StrongPtr<VSlotContainer> owner = parameter.owner();
     slot.m_readsOthers = owner && (owner.get() != slot.m_container || !parameter.source().expired());
 }
@@ -158,7 +158,7 @@ void Wiring::connect(VSlot& slot, const StrongPtr<VParameter>& parameter, const 
     NetworkCore& network = *slot.m_container->wiring().network;
     const ChangeScope change{network};
 
-    // First everything that may fail: the slots that change, each with its new link.
+    // First everything that may fail: collect the slots that change, each with its new link.
     struct Step {
         StrongPtr<VSlot> slot;
         std::string member;
@@ -173,7 +173,7 @@ void Wiring::connect(VSlot& slot, const StrongPtr<VParameter>& parameter, const 
         if (isUnchanged || !each->m_link)
             continue;
         for (VSlot* follower : each->m_link->followers) {
-            // Slots may follow each other in a ring, which ends where it began.
+            // Slots may follow each other in a ring; each is visited once.
             if (!follower->m_container || !known.insert(follower).second)
                 continue;
             steps.push_back(
@@ -237,7 +237,7 @@ void Wiring::destroy(VSlotContainer& container) noexcept
     NetworkCore& network = *container.wiring().network;
     const ChangeScope change{network};
     FrameHooks::containerGone(container);
-    // Before the slots leave, because the order asks who reads them.
+    // Before the slots are removed, because `forget` visits their readers.
     network.order.forget(container);
     network.remove(container);
     const VSlotSet inputs = std::move(container.m_inputs);

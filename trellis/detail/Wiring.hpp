@@ -10,12 +10,12 @@
 
 namespace Orla {
 
-/// What only a slot needs that is connected, or that passes its input on.
+/// Data of a slot that is connected, or that passes its input on.
 struct VSlot::Link {
     std::string member; ///< of the value that the slot reads; empty for the value itself
     VValueComponents::Accessor accessor;
-    /// Slots that were connected to this one, which reads for them, and the slot that
-    /// this one was connected to in that way.
+    /// Slots that are connected through this one and read what it reads, and the slot through
+    /// which this one is connected.
     std::vector<VSlot*> followers;
     VSlot* leader = nullptr;
     std::size_t followerIndex = 0;
@@ -23,8 +23,8 @@ struct VSlot::Link {
 
 namespace Detail {
 
-/// Makes, changes and cuts connections. All functions keep the network to this thread
-/// while they work, and leave everything as it was if they throw.
+/// Makes, changes and cuts connections. All functions take exclusive access to the network,
+/// and leave everything unchanged if they throw.
 class Wiring {
 public:
     static StrongPtr<VSlot> addInput(VSlotContainer& container, const std::string& name, int expertLevel,
@@ -33,25 +33,25 @@ public:
                                       const StrongPtr<VParameter>& parameter);
     static void removeInput(VSlotContainer& container, const StrongPtr<VSlot>& slot);
 
-    /// Lets \p slot read \p member of \p parameter and, with a \p leader, whatever that
-    /// slot reads from now on.
+    /// Connects \p slot to \p member of \p parameter. If \p leader is not null, the slot then
+    /// follows whatever that slot reads.
     static void connect(VSlot& slot, const StrongPtr<VParameter>& parameter, const std::string& member, VSlot* leader);
 
-    /// The slot through which \p parameter passes an input on, or null.
+    /// Returns the slot through which \p parameter passes an input on, or null.
     static VSlot* passingSlot(const VParameter& parameter) noexcept;
 
-    /// The network of the containers that write or read \p parameter; null if there are
-    /// none.
+    /// Returns the network of the containers that write or read \p parameter; null if no
+    /// container does.
     static NetworkCore* networkOf(const VParameter& parameter) noexcept;
 
-    /// Makes all inputs of a container read their own parameters. Allocates nothing;
-    /// the container must not have frames any more.
+    /// Reconnects all inputs of a container to their own parameters. Allocates nothing.
+    /// \pre The container has no frames.
     static void cut(VSlotContainer& container) noexcept;
 
     /// Removes a container that is about to be destroyed.
     static void destroy(VSlotContainer& container) noexcept;
 
-    /// Takes a slot that is about to be destroyed out of all lists.
+    /// Removes a slot that is about to be destroyed from all lists.
     static void release(VSlot& slot) noexcept;
 
 private:
