@@ -20,8 +20,8 @@ bool VAction::emitAction(const StrongPtr<ValuePool>& pool, const StrongPtr<VPara
     if (WeakPtrImpl<VParameter>(parameter).expired())
         return false;
 
-    // The announced objects among the readers, in the order in which they are traversed;
-    // each once, also if several of its inputs read the parameter.
+    // The announced objects among the readers, in traversal order; each once, even if several
+    // of its inputs read the parameter.
     std::vector<StrongPtr<VObject>> objects;
     for (const VSlot* reader : parameter->readers()) {
         VSlotContainer* const container = reader->container();

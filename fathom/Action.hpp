@@ -9,9 +9,9 @@
 
 namespace Orla {
 
-/// A trigger that goes once, like a button that is pressed: it travels through
-/// parameters as a `StrongPtr<VAction>` and, when emitted, changes no value but makes
-/// those objects due that listen to the parameter.
+/// A one-shot trigger, like a button press. It travels through parameters as a
+/// `StrongPtr<VAction>`. Emitting it changes no value, but makes the objects that read the
+/// parameter due.
 ///
 /// It has no text form, so actions are never saved.
 class FATHOM_API VAction : public Loam::ReferenceBase<VAction> {
@@ -19,10 +19,10 @@ public:
     explicit VAction(double theNumber = 0) noexcept;
     ~VAction() override;
 
-    /// Schedules in \p pool each announced object with an input that reads
-    /// \p parameter; its update gets the action's number as its precision. They run
-    /// when the scheduler is run next, in its order. False if there is no living
-    /// \p parameter; true otherwise, also if nobody listens.
+    /// Schedules in \p pool each announced object with an input that reads \p parameter; its
+    /// update receives the action's number as its precision. The objects run, in the
+    /// scheduler's order, when the scheduler next runs. Returns false if \p parameter is null
+    /// or destroyed; true otherwise, even if no object reads it.
     bool emitAction(const StrongPtr<ValuePool>& pool, const StrongPtr<VParameter>& parameter);
 
     double number;
@@ -30,7 +30,7 @@ public:
 
 template<>
 struct FATHOM_API VValueTrait<StrongPtr<VAction>> {
-    /// Empty, with and without an action.
+    /// Returns the empty text, with or without an action.
     static std::string Text(const StrongPtr<VAction>& action);
 
     /// Refuses every text.

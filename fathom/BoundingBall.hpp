@@ -15,9 +15,9 @@ template<>
 struct FATHOM_API VValueTrait<Gyre::BoundingBall> {
     static std::string Text(const Gyre::BoundingBall& ball);
 
-    /// Reads the radius behind the last "@" and the center before the first one,
-    /// each from the whole text if there is none. Refuses, and changes nothing,
-    /// without a radius; without a center it refuses too, but the new radius stays.
+    /// Reads the radius after the last "@" and the center before the first one, or each from
+    /// the whole text if there is no "@". Returns false and changes nothing if the radius
+    /// cannot be read. Returns false but keeps the new radius if the center cannot be read.
     static bool setValueFromText(Gyre::BoundingBall& ball, const std::string& text);
 };
 

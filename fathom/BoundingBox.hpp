@@ -9,26 +9,25 @@
 
 namespace Orla {
 
-/// Text form of a shared box: `[{X,Y,Z};{X,Y,Z}]`, minimum and maximum; `[?;?]` for
-/// no box.
+/// Text form of a shared box: `[{X,Y,Z};{X,Y,Z}]`, minimum and maximum; `[?;?]` for null.
 template<>
 struct FATHOM_API VValueTrait<StrongPtr<Gyre::BoundingBox, InterfaceBase>> {
     using Box = StrongPtr<Gyre::BoundingBox, InterfaceBase>;
 
     static std::string Text(const Box& box);
 
-    /// Reads the minimum before the first ";" and the maximum behind the last one,
-    /// and gives the box both and a new ball, in place: every holder of the same
-    /// box sees it. Where there is no box one is made. Refuses, and changes
-    /// nothing, if a corner cannot be read. "[?" in front or "?]" at the end empties
-    /// the pointer; the box itself and its other holders stay as they are.
+    /// Reads the minimum before the first ";" and the maximum after the last one. Sets both
+    /// corners and a new ball in place, so every holder of the same box sees the change;
+    /// creates a box if the pointer is null. Returns false and changes nothing if a corner
+    /// cannot be read. "[?" before the first ";" or "?]" after the last one resets the
+    /// pointer; the box and its other holders are unaffected.
     static bool setValueFromText(Box& box, const std::string& text);
 
     static bool TypenameInitialized;
 };
 
-/// Boxes are different when their corners are; a copied value has a box of its own,
-/// so that what one pool changes no other pool sees.
+/// Boxes differ if their corners differ. A copied value has its own box, so a change in one
+/// pool does not affect other pools.
 template<>
 struct FATHOM_API VValueOperations<StrongPtr<Gyre::BoundingBox, InterfaceBase>> {
     using Box = StrongPtr<Gyre::BoundingBox, InterfaceBase>;
@@ -37,7 +36,7 @@ struct FATHOM_API VValueOperations<StrongPtr<Gyre::BoundingBox, InterfaceBase>> 
     static Box copyOf(const Box& box);
 };
 
-/// Prints what the box says of itself, or that there is none, with \p name.
+/// Prints \p name and the box, or that it is empty if \p box is null.
 FATHOM_API void speak(const StrongPtr<Gyre::BoundingBox, InterfaceBase>& box, const char* name);
 
 } // namespace Orla

@@ -26,7 +26,7 @@ std::string Stringify(const StrongPtr<TypedChunk<T>>& array)
             place = Loam::writeNumber(place, block + sizeof block, *number);
             *place++ = ',';
         }
-        // The first numbers tell about how long the whole will be.
+        // Estimates the total length from the first block.
         if (text.empty())
             text.reserve((static_cast<std::size_t>(place - block) + 16) * (array->size() / BlockNumbers + 1));
         text.append(block, place);
@@ -44,7 +44,7 @@ bool ParseString(StrongPtr<TypedChunk<T>>& array, const std::string& text)
     const char* piece = text.data();
     const char* const end = text.data() + text.size();
     for (T& number : *numbers) {
-        // No number has a comma in it, so each ends before the next piece begins.
+        // A number contains no comma, so each ends before the next piece begins.
         if (const char* next = Loam::readNumber(piece, end, number)) {
             anyRead = true;
             piece = next;

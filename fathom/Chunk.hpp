@@ -13,18 +13,18 @@ namespace Orla {
 
 using Loam::TypedChunk;
 
-/// The numbers of \p array, each followed by a comma: `1,2,3,`. The empty text
-/// for an empty array and for none at all.
+/// Returns the numbers of \p array, each followed by a comma: `1,2,3,`. Returns the empty text
+/// for an empty or null array.
 template<class T>
 FATHOM_API std::string Stringify(const StrongPtr<TypedChunk<T>>& array);
 
-/// Reads numbers between commas into a new array, which replaces \p array
-/// whatever the result. A piece that cannot be read, also an empty one, becomes
-/// 0. A comma at the end has no piece behind it. False if no piece could be read.
+/// Reads comma-separated numbers into a new array, which replaces \p array whatever the
+/// result. A piece that cannot be read, including an empty one, becomes 0. A trailing comma
+/// adds no element. Returns false if no piece could be read.
 template<class T>
 FATHOM_API bool ParseString(StrongPtr<TypedChunk<T>>& array, const std::string& text);
 
-/// The text form of arrays: numbers between commas.
+/// Text form of arrays: comma-separated numbers.
 template<class T>
 struct VArrayTrait {
     using Array = StrongPtr<TypedChunk<T>, ChunkBase>;
@@ -54,8 +54,8 @@ struct FATHOM_API VValueTrait<StrongPtr<TypedChunk<long long>, ChunkBase>> : VAr
     static bool TypenameInitialized;
 };
 
-/// Arrays are different when their content is, bit by bit. Copies share the
-/// array: whoever changes numbers makes a new one.
+/// Arrays differ if their contents differ, bit by bit. Copies share the array; to change
+/// numbers, make a new one.
 template<class T>
     requires std::is_arithmetic_v<T>
 struct VValueOperations<StrongPtr<TypedChunk<T>, ChunkBase>> {

@@ -11,8 +11,8 @@ std::string VValueTrait<Gyre::rgba_float_t>::Text(const Gyre::rgba_float_t& colo
     return "(" + text(colour.r) + "," + text(colour.g) + "," + text(colour.b) + "," + text(colour.a) + ")";
 }
 
-// The scanf format " ( %g, %g, %g, %g )"; what follows the last number is not
-// looked at by scanf either.
+// Reads the scanf format " ( %g, %g, %g, %g )". Like scanf, ignores what follows the last
+// number.
 bool VValueTrait<Gyre::rgba_float_t>::setValueFromText(Gyre::rgba_float_t& colour, const std::string& text)
 {
     colour = {1, 1, 1, 1};

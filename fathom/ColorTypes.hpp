@@ -15,9 +15,9 @@ template<>
 struct FATHOM_API VValueTrait<Gyre::rgba_float_t> {
     static std::string Text(const Gyre::rgba_float_t& colour);
 
-    /// Sets all four to 1 and then reads as many as there are: one that is missing
-    /// stays 1, also in a refused text. True if red and green could be read. Blanks
-    /// may stand before each number and around the opening parenthesis.
+    /// Sets all four components to 1, then reads as many as the text has; missing ones stay 1,
+    /// even if the text is refused. Returns true if red and green could be read. Blanks may
+    /// precede each number and surround the opening parenthesis.
     static bool setValueFromText(Gyre::rgba_float_t& colour, const std::string& text);
 };
 

@@ -12,7 +12,7 @@ namespace Orla {
 
 namespace {
 
-// Not through printf: the texts come from outside, and may hold any byte.
+// Not printf: the texts come from outside and may contain any byte.
 void print(const std::string& text)
 {
     std::fwrite(text.data(), 1, text.size(), stdout);
@@ -34,8 +34,8 @@ std::list<std::string> findDataDirs()
 
 CommandLineParser::CommandLineParser()
 {
-    // Asked, not kept: a program has found its own directory once before any
-    // handler runs.
+    // The result is not kept: the program's directory is looked up once before any handler
+    // runs.
     static_cast<void>(Loam::getExecutableDir());
 }
 

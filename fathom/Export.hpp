@@ -1,9 +1,9 @@
 #pragma once
 
-// Three roles, because Windows and ELF want the attribute in different places:
-// FATHOM_API on classes and functions, FATHOM_EXTERN_TEMPLATE on the declaration of
-// an instantiation, FATHOM_TEMPLATE on its definition. FATHOM_VISIBLE stands on
-// class templates, so that an instantiation in two libraries is one on ELF.
+// Windows and ELF need the attribute in different places: FATHOM_API on classes and functions,
+// FATHOM_EXTERN_TEMPLATE on the declaration of an instantiation, FATHOM_TEMPLATE on its
+// definition. FATHOM_VISIBLE marks class templates; on ELF it merges the instantiations in
+// different libraries into one.
 #if defined(_WIN32)
 #    define FATHOM_VISIBLE
 #    if defined(fathom_EXPORTS)

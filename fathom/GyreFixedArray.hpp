@@ -10,20 +10,19 @@
 
 namespace Orla {
 
-/// Three numbers as `{X,Y,Z}`, without blanks.
+/// Returns three numbers as `{X,Y,Z}`, without blanks.
 FATHOM_API std::string Text3(const Gyre::FixedArray<double, 3>& numbers);
 
-/// Text form of three whole numbers: `[A,B,C]`.
+/// Text form of three integers: `[A,B,C]`.
 template<>
 struct FATHOM_API VValueTrait<Gyre::FixedArray<int, 3>> {
     static std::string Text(const Gyre::FixedArray<int, 3>& numbers);
 
-    /// Reads three pieces between commas, one after the other into the first
-    /// element; the other two keep what they were. So what `Text` wrote does not
-    /// read back: programs rely on the element that they get. The first character of
-    /// the text is dropped, whatever it is, in place of the bracket that `Text` writes.
-    /// Refuses, and changes nothing, unless there are three pieces, the first of them
-    /// not empty; ends at the first piece that cannot be read.
+    /// Reads three comma-separated pieces, each into the first element; the other two keep
+    /// their values. Text written by `Text` therefore does not read back. Drops the first
+    /// character of the text, whatever it is, in place of the opening bracket. Returns false
+    /// and changes nothing unless there are three pieces and the first is not empty.
+    /// Otherwise, returns false at the first piece that cannot be read.
     static bool setValueFromText(Gyre::FixedArray<int, 3>& numbers, const std::string& text);
 };
 

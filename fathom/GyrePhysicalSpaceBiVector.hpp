@@ -16,14 +16,13 @@ template<>
 struct FATHOM_API VValueTrait<Gyre::PhysicalSpace::bivector> {
     static std::string Text(const Gyre::PhysicalSpace::bivector& bivector);
 
-    /// Reads the numbers behind the first "<", where there is one, and behind the
-    /// commas; where a comma is missing the number before it is read again, so
-    /// that `<5>` is three times 5. True if at least one could be read; the
-    /// others keep what they were.
+    /// Reads the first number after the first "<", if any, and the others after the commas. If
+    /// a comma is missing, the previous number is read again: `<5>` gives 5 three times.
+    /// Returns true if at least one number could be read; the others keep their values.
     static bool setValueFromText(Gyre::PhysicalSpace::bivector& bivector, const std::string& text);
 };
 
-/// As an input: the same text, nothing to initialise.
+/// As an input: reads the same text and needs no initialisation.
 template<>
 struct FATHOM_API VInputValueTrait<Gyre::PhysicalSpace::bivector> {
     static bool setValueFromText(Gyre::PhysicalSpace::bivector& bivector, const std::string& text);

@@ -15,10 +15,9 @@ template<>
 struct FATHOM_API VValueTrait<Gyre::PhysicalSpace::point> {
     static std::string Text(const Gyre::PhysicalSpace::point& point);
 
-    /// Reads the numbers behind the first "{", where there is one, and behind the
-    /// commas; where a comma is missing the number before it is read again, so
-    /// that `{5}` is three times 5. True if at least one could be read; the
-    /// others keep what they were.
+    /// Reads the first number after the first "{", if any, and the others after the commas. If
+    /// a comma is missing, the previous number is read again: `{5}` gives 5 three times.
+    /// Returns true if at least one number could be read; the others keep their values.
     static bool setValueFromText(Gyre::PhysicalSpace::point& point, const std::string& text);
 };
 

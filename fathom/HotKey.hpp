@@ -7,31 +7,31 @@
 
 namespace Orla {
 
-/// Mix-in for processing objects that react to one key of the keyboard.
+/// Mix-in for processing objects that react to one key.
 ///
-/// Adds the input "hotkey" for the key's character to the input for events. On each
-/// update the object asks whether its key was pressed; a stroke is reported once,
-/// and the next one only after an event has armed the key again. The first stroke of
-/// all needs no arming.
+/// In addition to the input for events, adds the input "hotkey" for the key's character. On
+/// each update the object checks whether its key was pressed. A keystroke is reported once;
+/// the next one is reported only after an event has armed the key again. The first keystroke
+/// needs no arming.
 ///
-/// Whether the key is armed belongs to the object: a stroke that one pool reported is not
-/// reported in another one. The object therefore runs in one pool at a time.
+/// Whether the key is armed is state of the object: a keystroke that was reported in one pool
+/// is not reported in another. The object therefore runs in one pool at a time.
 class FATHOM_API HotKey : public Interactive {
 public:
-    /// One key and whether its next stroke counts.
+    /// A key, and whether its next stroke counts.
     struct FATHOM_API Key {
         char key = 0; ///< 0 means no key
         bool armed = false;
 
-        /// True if the event is a stroke of the key while that is armed, which
-        /// disarms it. Any other event that arms the key does so here.
+        /// Returns true if the event is a stroke of the armed key, and disarms the key.
+        /// Otherwise, arms the key if it begins the event's `armingKeyText`.
         bool isPressed(const VInteractionEvent& event);
 
-        /// True for each event of the key, armed or not.
+        /// Returns true for each stroke of the key, armed or not.
         bool isRepeatedlyPressed(const VInteractionEvent& event) const;
     };
 
-    /// Orders characters by their signed values, whatever `char` is by itself.
+    /// Orders characters by their signed values, whether or not `char` is signed.
     struct SignedLess {
         constexpr bool operator()(char a, char b) const noexcept
         {
@@ -39,18 +39,18 @@ public:
         }
     };
 
-    /// Which objects listen to a key.
+    /// Maps keys to the objects that listen to them.
     using Map = std::multimap<char, WeakPtrImpl<HotKey, VManagedObjectBase>, SignedLess>;
 
     /// \p slotName names the input for events; both inputs get \p expertLevel.
     HotKey(const char* slotName, int expertLevel);
 
-    /// The object's entries in the map stay, and have expired.
+    /// The object's entries stay in the map as expired pointers.
     ~HotKey() override;
 
-    /// The map of the process, for those who dispatch keys. Entries are made by
-    /// `setHotKey` and never removed; an object may have several, also equal ones,
-    /// and one whose object is gone has expired.
+    /// Returns the map of the process, for code that dispatches keys. `setHotKey` adds the
+    /// entries; they are never removed. An object may have several entries, even equal ones.
+    /// The entry of a destroyed object has expired.
     static Map& HotKeyMap();
 
     /// Applies `Key::isPressed` to the object's event in \p pool.
@@ -59,8 +59,8 @@ public:
     /// Applies `Key::isRepeatedlyPressed` to the object's event in \p pool.
     bool isRepeatedlyPressed(const Key& key, const StrongPtr<ValuePool>& pool) const;
 
-    /// Makes \p key the object's key in \p pool, where the pool holds one already,
-    /// and announces the change. Enters the object into the map in any case.
+    /// Sets the object's key in \p pool to \p key if the pool already holds one, and announces
+    /// the change. Enters the object into the map in any case.
     void setHotKey(char key, const StrongPtr<ValuePool>& pool);
 
     /// As `isPressed`, for the object's own key in \p pool.

@@ -17,26 +17,25 @@ namespace Orla {
 using Loam::ChunkBase;
 using Loam::StrongPtr;
 
-/// A piece of a frame buffer; its pixels are in two chunks of memory that tiles
-/// may share.
+/// A piece of a frame buffer. Its pixels are in two chunks of memory, which tiles may share.
 class FATHOM_API ImageTile {
 public:
-    /// Two counts of pixels.
+    /// A pair of pixel counts.
     using Size = Gyre::FixedArray<std::int32_t, 2>;
 
     ImageTile() = default;
     ImageTile(const Size& theSize, const StrongPtr<ChunkBase, ChunkBase>& primary,
               const StrongPtr<ChunkBase, ChunkBase>& secondary, const Size& theOffset, const Size& theSpan);
 
-    /// Everything but the span, which is (1,1) in the copy whatever it was.
+    /// Copies everything except the span; the span of the copy is (1,1).
     ImageTile(const ImageTile& other);
 
-    /// Everything, the span included.
+    /// Copies everything, including the span.
     ImageTile& operator=(const ImageTile& other);
 
     ~ImageTile();
 
-    /// Same sizes, same chunks; the pixels are not looked at.
+    /// Compares all members; compares chunks by identity, not by their pixels.
     friend bool operator==(const ImageTile&, const ImageTile&) = default;
 
     Size size{0, 0};
@@ -46,10 +45,10 @@ public:
     Size span{1, 1};
 };
 
-/// A tile is described, not written: its pixels do not go through text.
+/// The text of a tile is a fixed description; pixels have no text form.
 template<>
 struct FATHOM_API VValueTrait<ImageTile> {
-    /// The same for every tile.
+    /// Returns the same text for every tile.
     static std::string Text(const ImageTile& tile);
 
     /// Accepts every text and changes nothing.
@@ -58,7 +57,7 @@ struct FATHOM_API VValueTrait<ImageTile> {
 
 template<>
 struct FATHOM_API VInputValueTrait<ImageTile> {
-    /// Changes nothing.
+    /// Does nothing.
     static void init(ImageTile& tile);
 
     /// Accepts every text and changes nothing.

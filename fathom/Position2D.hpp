@@ -11,12 +11,12 @@
 
 namespace Orla {
 
-/// Text form of a pair of numbers: `AxB`, as a size is written.
+/// Text form of a pair of numbers: `AxB`, like a size.
 template<>
 struct FATHOM_API VValueTrait<Gyre::FixedArray<double, 2>> {
     static std::string Text(const Gyre::FixedArray<double, 2>& pair);
 
-    /// Refuses every text: pairs are shown, not typed.
+    /// Refuses every text: pairs are only displayed.
     static bool setValueFromText(Gyre::FixedArray<double, 2>& pair, const std::string& text);
 };
 

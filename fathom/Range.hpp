@@ -10,7 +10,7 @@ namespace Orla {
 
 /// An interval of numbers from `begin` to `end`.
 ///
-/// Nothing is enforced: an interval whose end lies before its begin stays as it is.
+/// Nothing is enforced: the end may lie before the begin.
 ///
 /// Text form: `BEGIN:END`, for example `4.5:10`; a comma is read as well.
 class FATHOM_API Range {
@@ -31,10 +31,9 @@ template<>
 struct FATHOM_API VValueTrait<Range> {
     static std::string Text(const Range& range);
 
-    /// Reads the begin up to the first separator and the end after the last one;
-    /// the separator is ":" if the text has one, else ",". Without a separator
-    /// both are read from the whole text. An end that cannot be read is refused
-    /// and leaves the new begin in place.
+    /// Reads the begin before the first separator and the end after the last one. The
+    /// separator is ":" if the text contains one, else ",". Without a separator, reads both
+    /// from the whole text. Returns false but keeps the new begin if the end cannot be read.
     static bool setValueFromText(Range& range, const std::string& text);
 };
 

@@ -7,7 +7,7 @@
 
 namespace Orla {
 
-/// Gives a type its name for people as long as the library that says so is loaded.
+/// Registers a type's display name while the library that defines this object is loaded.
 class RegisteredName {
 public:
     RegisteredName(const std::type_info& type, const std::string& name) : m_type{type}

@@ -6,7 +6,7 @@
 
 #include <string>
 
-// Texts as values and inputs.
+// Strings as values and inputs.
 namespace Orla {
 
 extern template class FATHOM_EXTERN_TEMPLATE VTypedValueBase<std::string>;

@@ -7,18 +7,17 @@
 
 namespace Orla {
 
-/// Three numbers between \p open and \p close, with commas and without blanks.
+/// Returns three numbers between \p open and \p close, separated by commas, without blanks.
 std::string writeTriple(char open, const Gyre::FixedArray<double, 3>& numbers, char close);
 
-/// Reads three numbers: the first behind the first \p open, each further one
-/// behind the next comma. Where the character is missing, what was there for the
-/// number before it is read again, so that `{5}` is three times 5. What comes
-/// behind the numbers is not looked at. True if at least one could be read; the
-/// others keep what they were.
+/// Reads three numbers: the first after the first \p open, each other one after the next
+/// comma. If that character is missing, reads again from where the previous number was read:
+/// `{5}` gives 5 three times. Ignores what follows the numbers. Returns true if at least one
+/// number could be read; the others keep their values.
 bool readTriple(Gyre::FixedArray<double, 3>& numbers, std::string_view text, char open);
 
-/// Calls \p action with each piece of \p text between separators. Empty pieces
-/// count, an empty last piece does not; an empty text has no piece.
+/// Calls \p action with each piece of \p text between separators. Empty pieces count, except
+/// for an empty last one; an empty text has no pieces.
 template<class Action>
 void forEachPiece(std::string_view text, char separator, Action&& action)
 {

@@ -57,11 +57,11 @@ void TimeDependent::TimeSetupFunction(VSlotContainer* container, const VSlotSet&
                 std::printf("      ... but no parameter available ...\n");
                 return true;
             }
-            // A provider may depend on time itself; it must not be connected to itself,
-            // nor to an object that passes its time on.
+            // A provider may itself depend on time. It must not be connected to itself, nor to
+            // an object that passes its time on.
             if (output->container() == input.container() || parameter == input.ownParameter())
                 return true;
-            // NaN has no place in an order.
+            // NaN cannot be ordered.
             if (!std::isnan(weight))
                 candidates[weight] = parameter;
             return true;
@@ -77,7 +77,7 @@ void TimeDependent::TimeSetupFunction(VSlotContainer* container, const VSlotSet&
         container->attachParameter(finder.candidates.begin()->second, slot, "");
         return;
     }
-    // A provider that depends on time keeps its own while it is the only one.
+    // A time-dependent provider keeps its own time while it is the only provider.
     if (container->object() && VObject::isBeingProvided(*container->object(), "GlobalTime"))
         return;
     std::puts("TimeDependent: scan for time providers, nothing found, thus creating one.");

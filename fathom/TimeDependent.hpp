@@ -11,34 +11,33 @@ namespace Orla {
 
 /// Mix-in for processing objects whose result depends on the current time.
 ///
-/// Adds a time input and a range input. Unless the user connects the time input,
-/// it is connected at set-up to the process's time provider: the object among
-/// those with a `VTime` output whose preferences contain "GlobalTime" that suits
-/// best. Without one, an object of the registered type "GlobalTime" is made. The
-/// time input is offered as an output too, so that objects pass their time on.
+/// Adds a time input and a range input. Unless the user connects the time input, set-up
+/// connects it to a time provider: the best match among the objects that have a `VTime` output
+/// and whose preferences contain "GlobalTime". If no provider exists, set-up creates an object
+/// of the registered type "GlobalTime". The time input is also offered as an output, so
+/// objects pass their time on.
 class FATHOM_API TimeDependent : public virtual VSkale {
 public:
-    /// \p defaultTime counts where there is no provider. An object whose
-    /// \p preferences contain "local" keeps its own time and never looks for one.
+    /// Without a provider, the time is \p defaultTime. An object whose \p preferences contain
+    /// "local" keeps its own time and never looks for a provider.
     TimeDependent(const char* timeSlotName, const char* rangeSlotName,
                   const StrongPtr<VCreationPreferences>& preferences, const VTime& defaultTime);
     TimeDependent(const StrongPtr<VCreationPreferences>& preferences, const VTime& defaultTime,
                   const char* timeSlotName, const char* rangeSlotName);
     ~TimeDependent() override;
 
-    /// Called by nobody here; a place for derived classes.
+    /// Does nothing; a hook for derived classes, which this library never calls.
     virtual void setupTime(const VSlotSet& slots, bool flag);
 
-    /// The time in \p pool, taken as a fraction of the range there: 0 is the
-    /// range's begin and 1 its end. Where the pool holds no time or range, the
-    /// arguments count.
+    /// Returns the time in \p pool, as a fraction of the range there: 0 gives the range's
+    /// begin, 1 its end. The arguments replace a time or range that the pool does not hold.
     double getTime(const StrongPtr<ValuePool>& pool, double defaultTime, const Range& defaultRange) const;
 
     const TypedSlot<VTime>& timeSlot() const noexcept { return m_time; }
     const TypedSlot<Range>& rangeSlot() const noexcept { return m_range; }
 
-    /// Connects the time input of \p container, as told above. Says so on standard
-    /// output if \p container is no time dependent object.
+    /// Connects the time input of \p container as described above. Prints a message to
+    /// standard output if \p container is not time-dependent.
     static void TimeSetupFunction(VSlotContainer* container, const VSlotSet& slots);
 
 private:

@@ -16,14 +16,14 @@
 
 namespace Orla {
 
-/// Declares an input of type \p T of a processing object: a member of the
-/// object's class, made in its constructor.
+/// Declares an input of type \p T of a processing object: a member of the object's class,
+/// initialised in its constructor.
 ///
 /// Copies share the framework's slot.
 template<class T>
 class FATHOM_VISIBLE TypedSlot {
 public:
-    /// Makes inputs of the type from text.
+    /// Creates inputs of the type from text.
     class SlotCreator : public TypedSlotCreator {
     public:
         StrongPtr<VSlot> newSlot(VSlotContainer* that, const std::string& name, const std::string& initialText,
@@ -35,7 +35,7 @@ public:
             return TypedSlot(that, name, value, preferences, expertLevel, true).slot();
         }
 
-        /// Registers the one creator of the type; true.
+        /// Registers the type's only creator. Always returns true.
         static bool registerCreator()
         {
             static const StrongPtr<SlotCreator> myLocalStaticCreator = [] {
@@ -47,9 +47,9 @@ public:
         }
     };
 
-    /// Adds an input \p name to \p that, which starts from \p initialValue.
-    /// \p expertLevel is the number that user interfaces file it under. Unless
-    /// \p triggers is set, a change of its value does not make the object due.
+    /// Adds an input \p name with the value \p initialValue to \p that. User interfaces file
+    /// it under the number \p expertLevel. Unless \p triggers is set, a change of its value
+    /// does not make the object due.
     ///
     /// A null \p that is reported; the input then always reads its initial value.
     TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue,
@@ -88,17 +88,17 @@ public:
             std::puts("Typeslot has a problem, its creators were not registered!?");
     }
 
-    /// The framework's slot; null if the container refused it.
+    /// Returns the framework's slot, or null if the container refused it.
     const StrongPtr<VSlot>& slot() const noexcept { return m_slot; }
     const std::string& name() const noexcept { return m_name; }
     const StrongPtr<VCreationPreferences, InterfaceBase>& preferences() const noexcept { return m_preferences; }
     const T& initialValue() const noexcept { return m_initialValue; }
 
-    /// The parameter that the slot refers to now; null without a slot.
+    /// Returns the parameter that the slot refers to now, or null without a slot.
     StrongPtr<VParameter, ValueNotifierList> parameter() const { return m_slot ? m_slot->parameter() : nullptr; }
 
-    /// Reads the input in \p pool into \p value. Returns false, and leaves \p value as it
-    /// was, if the pool holds no value.
+    /// Reads the input in \p pool into \p value. Returns false and leaves \p value unchanged
+    /// if the pool holds no value.
     bool read(const StrongPtr<ValuePool>& pool, T& value) const
     {
         if (const VRunningCell<T> cell{pool.get(), m_place}) {
@@ -112,7 +112,7 @@ public:
         return typed && typed->getValue(value);
     }
 
-    /// The input in \p pool, or the initial value where the pool holds no value.
+    /// Returns the input's value in \p pool, or the initial value if the pool holds no value.
     T value(const StrongPtr<ValuePool>& pool) const
     {
         if (const VRunningCell<T> cell{pool.get(), m_place}) {
@@ -125,8 +125,8 @@ public:
         return VValueOperations<T>::copyOf(m_initialValue);
     }
 
-    /// Writes \p value into the input in \p pool, creating the variable if it is missing,
-    /// and announces the change. Returns false without a slot or a pool.
+    /// Writes \p value to the input in \p pool, creating the variable if it is missing, and
+    /// announces the change. Returns false without a slot or a pool.
     bool set(const StrongPtr<ValuePool>& pool, const T& value) const
     {
         if (!m_slot)
@@ -139,18 +139,18 @@ public:
         return true;
     }
 
-    /// The slot together with the pool to write it in.
+    /// Returns the slot together with the pool to write to.
     std::pair<const TypedSlot, const StrongPtr<ValuePool>> operator()(const StrongPtr<ValuePool>& pool) const
     {
         return {*this, pool};
     }
 
-    /// True once the type's creator is registered, which happens when the library
-    /// that uses the type is loaded.
+    /// True once the type's creator is registered, which happens when the library that uses
+    /// the type is loaded.
     static bool isCreatorRegistered;
 
 protected:
-    /// Declares nothing; for derived slots that are assigned to later.
+    /// Declares no input; for derived slots that are assigned to later.
     TypedSlot() : m_initialValue{} {}
 
 private:

@@ -54,7 +54,7 @@ VChartSelector::VChartSelector(const std::string& name, int level,
     , m_atlas{this, "atlas", VChartList{}}
     , m_currentChart{this, "CurrentChart", VChart{}}
 {
-    // One object that fails must not keep the others from following the chart.
+    // A failing object must not keep the others from following the chart.
     acceptsFailedInputs();
 }
 
@@ -78,7 +78,7 @@ bool VChartSelector::selectChart(const WeakPtrImpl<ValuePool>& pool, const std::
     const StrongPtr<ValuePool> living{pool};
     if (!living || name.empty())
         return false;
-    // Only looks: a pick that is refused must not leave variables behind.
+    // Read only: a refused pick must not leave variables behind.
     StrongPtr<VValueBase> atlas = m_atlas.parameter()->getValueBase(living);
     if (!atlas)
         atlas = m_atlas.parameter()->DefaultValue();
@@ -88,8 +88,8 @@ bool VChartSelector::selectChart(const WeakPtrImpl<ValuePool>& pool, const std::
     if (!charts.find(name))
         return false;
 
-    // The assignments write to variables that exist, so that the first pick in a
-    // pool needs them made.
+    // The assignments write only to existing variables, so create them for the first pick in a
+    // pool.
     m_currentChart.parameter()->getLocalValue(living);
     m_currentChart(living) <<= VChart{name};
     if (const StrongPtr<VSlot>& slot = m_chartname.slot()) {
@@ -107,7 +107,7 @@ bool VChartSelector::update(VRequest& request, double)
     VChartList known;
     if (typed)
         typed->getValue(known);
-    std::vector<VChart> fresh; // merged at the end, which is linear however many there are
+    std::vector<VChart> fresh; // merged once, at the end
     forEachInput(
         [&](const StrongPtr<VSlot>& slot) {
             const StrongPtr<VValueBase> value = slot->getLocalValue(pool);
@@ -150,7 +150,7 @@ Atlas::~Atlas() = default;
 bool Atlas::publish(const StrongPtr<ValuePool>& pool, const VChartList& charts) const
 {
     const VOutputAssignmentContext<VChartList> out{output(), pool};
-    output()->getLocalValue(pool); // the assignment writes to a variable that exists
+    output()->getLocalValue(pool); // the assignment writes only to an existing variable
     return out <<= charts;
 }
 

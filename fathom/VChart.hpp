@@ -19,21 +19,21 @@
 
 namespace Orla {
 
-/// The name of a coordinate chart, that is, of a coordinate system in which a
-/// field is given. The empty name means that no chart was chosen.
+/// The name of a coordinate chart, i.e. of a coordinate system in which a field is given. The
+/// empty name means that no chart is chosen.
 ///
-/// Text form: the name as it stands.
+/// Text form: the name itself.
 class FATHOM_API VChart {
 public:
     VChart() = default;
 
-    /// Converts implicitly, because a chart is its name.
+    /// Implicit, because a chart is its name.
     VChart(const std::string& name) : m_name{name} {}
     VChart(const char* name) : m_name{name} {}
 
     const std::string& name() const noexcept { return m_name; }
 
-    /// By the bytes of the names.
+    /// Compares the names byte by byte.
     friend bool operator==(const VChart&, const VChart&) = default;
     friend bool operator<(const VChart& a, const VChart& b) noexcept { return a.m_name < b.m_name; }
 
@@ -41,25 +41,25 @@ private:
     std::string m_name;
 };
 
-/// A set of charts, ordered by their names.
+/// A set of charts, ordered by name.
 ///
-/// Has no text form: it is always gathered anew from the objects that know charts.
+/// It has no text form: it is always collected again from the objects that know charts.
 class FATHOM_API VChartList {
 public:
     using const_iterator = std::vector<VChart>::const_iterator;
 
     VChartList() = default;
 
-    /// The charts in any order, each as often as one likes.
+    /// Takes charts in any order and drops duplicates.
     explicit VChartList(std::vector<VChart> charts);
 
-    /// Whether there is a chart of that name.
+    /// Returns true if the list contains a chart of that name.
     bool find(const VChart& chart) const noexcept;
 
-    /// False if a chart of that name was there already.
+    /// Adds \p chart. Returns false if a chart of that name is already in the list.
     bool insert(const VChart& chart);
 
-    /// Adds what is not there yet; returns how many charts that were.
+    /// Adds the missing charts and returns how many were added.
     std::size_t insert(const VChartList& others);
 
     std::size_t size() const noexcept { return m_charts.size(); }
@@ -70,23 +70,23 @@ public:
     bool operator==(const VChartList&) const = default;
 
 private:
-    std::vector<VChart> m_charts; // sorted, no two of a name
+    std::vector<VChart> m_charts; // sorted, with unique names
 };
 
 template<>
 struct FATHOM_API VValueTrait<VChart> {
     static std::string Text(const VChart& chart) { return chart.name(); }
 
-    /// Takes the whole text as the name, nothing trimmed; always true.
+    /// Uses the whole text as the name, untrimmed. Always returns true.
     static bool setValueFromText(VChart& chart, const std::string& text);
 };
 
 template<>
 struct FATHOM_API VValueTrait<VChartList> {
-    /// Always the same mark, whatever the list holds.
+    /// Returns the same text for every list.
     static std::string Text(const VChartList&) { return "------CHART--------"; }
 
-    /// Always false; the list stays as it is.
+    /// Always returns false and leaves the list unchanged.
     static bool setValueFromText(VChartList&, const std::string&) { return false; }
 };
 
@@ -114,8 +114,8 @@ extern template class FATHOM_EXTERN_TEMPLATE TypedValueCreator<VChartList>;
 extern template class FATHOM_EXTERN_TEMPLATE VValueParameter<VChartList>;
 extern template class FATHOM_EXTERN_TEMPLATE VOutput<VChartList>;
 
-/// Gathers the charts that the objects of a network know, and publishes the one
-/// that the user picked. Which one that is belongs to each pool.
+/// Collects the charts that the objects of a network know, and publishes the one that the user
+/// picked. Each pool has its own pick.
 ///
 /// | slot           | kind   | value                                      |
 /// |----------------|--------|--------------------------------------------|
@@ -123,26 +123,26 @@ extern template class FATHOM_EXTERN_TEMPLATE VOutput<VChartList>;
 /// | `atlas`        | output | all charts that any object ever offered    |
 /// | `CurrentChart` | output | the chart that was picked; empty until then |
 ///
-/// Every `Atlas` adds an input of its own.
+/// Each `Atlas` adds an input.
 class FATHOM_API VChartSelector : public VObject {
 public:
     VChartSelector(const std::string& name, int level, const StrongPtr<VCreationPreferences, InterfaceBase>& prefs);
     ~VChartSelector() override;
 
-    /// The selector of the current network, named "ChartSelector". Made and announced on
-    /// first use; the registry keeps it alive, and once it is destroyed, the next call
-    /// makes another one.
+    /// Returns the selector of the current network, named "ChartSelector". Creates and
+    /// announces it on first use; the registry keeps it alive. Once it is destroyed, the next
+    /// call creates another one.
     static StrongPtr<VChartSelector> getChartSelector();
 
-    /// Makes the chart \p name the current one in \p pool and writes the name into
-    /// `chartname`. False, and nothing changed, for the empty name, for a chart
-    /// that the atlas does not have in that pool, and without a pool.
+    /// Makes \p name the current chart in \p pool and writes the name to `chartname`. Returns
+    /// false and changes nothing for the empty name, for a chart that is not in the atlas in
+    /// that pool, and without a pool.
     bool selectChart(const WeakPtrImpl<ValuePool>& pool, const std::string& name);
 
-    /// Adds the charts of all inputs to `atlas`, announces it, and picks the chart
-    /// that `chartname` names, if it is there. Charts are never taken out of the
-    /// atlas, also when nobody offers them any more: what was picked stays
-    /// selectable. Always true.
+    /// Adds the charts of all inputs to `atlas`, announces it, and picks the chart that
+    /// `chartname` names if the atlas contains it. Charts are never removed from the atlas,
+    /// even when no object offers them any more: a picked chart stays selectable. Always
+    /// returns true.
     bool update(VRequest& request, double precision) override;
 
 private:
@@ -155,12 +155,12 @@ private:
 /// reads the selector's current chart, unless the user connects it elsewhere.
 class FATHOM_API VChartDependent : public virtual VSkale {
 public:
-    /// Adds the input \p slotName and connects it to the selector, which is made
-    /// if there is none.
+    /// Adds the input \p slotName and connects it to the selector, creating the selector if it
+    /// is missing.
     VChartDependent(const std::string& slotName, int expertLevel);
     ~VChartDependent() override;
 
-    /// The chart in \p pool; the one with the empty name if none was picked.
+    /// Returns the chart in \p pool; its name is empty if no chart was picked.
     VChart getChart(const StrongPtr<ValuePool>& pool) const { return m_chart.value(pool); }
 
     const TypedSlot<VChart>& chartSlot() const noexcept { return m_chart; }
@@ -169,15 +169,14 @@ private:
     TypedSlot<VChart> m_chart;
 };
 
-/// Mix-in for objects that know charts: an output with their names, which every
-/// chart selector reads, those that exist and those that come later.
+/// Mix-in for objects that know charts. Adds an output with their names, which all chart
+/// selectors read, including those created later.
 class FATHOM_API Atlas : public VPolyOutput<VChartList, VChartSelector> {
 public:
     explicit Atlas(const std::string& outputName);
     ~Atlas() override;
 
-    /// Writes \p charts into the output, if it holds others in \p pool, and
-    /// returns whether that was so.
+    /// Writes \p charts to the output if it holds others in \p pool. Returns true if it did.
     bool publish(const StrongPtr<ValuePool>& pool, const VChartList& charts) const;
 };
 

@@ -8,8 +8,7 @@ namespace Orla {
 
 namespace {
 
-// Keyed by text, because a type's own description goes with the library that
-// brought it.
+// Keyed by text, because a `type_info` does not outlive the library that defines it.
 std::map<std::string, std::string>& table()
 {
     static std::map<std::string, std::string> colours;
@@ -36,7 +35,7 @@ std::string VConnectionTypeColors::get(const std::type_info& type)
 
 namespace Tarn {
 
-// Constant-initialised, so that they can be used while other libraries start up.
+// Constant-initialised, for use while other libraries start up.
 constinit const char* const renderobject_visibility = "visibility";
 constinit const char* const rendertime_contribution = "rendertimecontribution";
 

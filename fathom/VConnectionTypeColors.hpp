@@ -7,17 +7,17 @@
 
 namespace Orla {
 
-/// In which colour a user interface draws connections, by the type of the values
-/// that travel through them. One table for the process.
+/// The colours in which a user interface draws connections, by the type of the values that
+/// travel through them. One table per process.
 class FATHOM_API VConnectionTypeColors {
 public:
-    /// Sets the colour of \p type, any text that the user interface understands.
+    /// Sets the colour of \p type to any text that the user interface understands.
     static void set(const std::type_info& type, const std::string& colour);
 
-    /// The colour of \p type, empty if it has none.
+    /// Returns the colour of \p type, or the empty text if it has none.
     ///
-    /// `int` and `double` are always "green": each access gives them that colour
-    /// first, so that another one lasts only until the next access.
+    /// `int` and `double` are always "green": each access resets their colours, so another
+    /// colour lasts only until the next access.
     static std::string get(const std::type_info& type);
 };
 

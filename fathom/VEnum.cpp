@@ -8,7 +8,7 @@ namespace Orla {
 
 namespace {
 
-// Other than `tolower`, which follows the locale and takes no negative characters.
+// Unlike `tolower`, ignores the locale and accepts negative characters.
 constexpr char lowerCase(char c) noexcept
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -95,7 +95,7 @@ bool VEnumSelection::fromString(const std::string& text)
     const auto brace = text.find('{');
     if (brace == std::string::npos)
         return select(text);
-    // The text may be one of the names that go.
+    // The text may be one of the names that are removed.
     const std::string copy = text;
     clear();
     m_selected = 0;
@@ -147,7 +147,7 @@ unsigned Enum::Case(const char* c0, const char* c1, const char* c2, const char* 
 unsigned Enum::iCase(const char* c0, const char* c1, const char* c2, const char* c3, const char* c4, const char* c5,
                      const char* c6, const char* c7, const char* c8, const char* c9, const char* c10) const noexcept
 {
-    // Before any candidate is looked at: an empty one would match no choice at all.
+    // Checked before any candidate: an empty one would match even if nothing is chosen.
     if (!m_selection)
         return None;
     const char* const candidates[] = {c0, c1, c2, c3, c4, c5, c6, c7, c8, c9, c10};

@@ -12,58 +12,57 @@ namespace Orla {
 
 using Loam::StringList;
 
-/// True if one text is the beginning of the other, letter case apart: "Lin"
-/// matches "linear", and the empty text matches everything. Only A to Z have
-/// two cases, under every locale.
+/// Returns true if one text is a prefix of the other, ignoring letter case: "Lin" matches
+/// "linear", and the empty text matches everything. Only A to Z have two cases, in every
+/// locale.
 /// \pre Neither text is null.
 FATHOM_API bool isEqualCaseIndependent(const char* a, const char* b) noexcept;
 
-/// The names of the cases of an enumeration and which of them is chosen.
+/// The names of an enumeration's cases, and the chosen one.
 ///
-/// Text form: the chosen name, then all names in braces, `b{a}{b}{c}`. Nothing is
-/// escaped.
+/// Text form: the chosen name, then all names in braces, `b{a}{b}{c}`. Nothing is escaped.
 class FATHOM_API VEnumSelection : public StringList {
 public:
-    /// No names.
+    /// Creates a selection without names.
     VEnumSelection();
 
-    /// The names of \p names; the first is chosen.
+    /// Copies the names of \p names and chooses the first.
     explicit VEnumSelection(const StringList& names);
 
-    /// The pieces of \p text between separators; the first is chosen.
+    /// Takes the pieces of \p text between separators as names and chooses the first.
     VEnumSelection(const std::string& text, char separator);
 
     VEnumSelection(const VEnumSelection&) = default;
     VEnumSelection& operator=(const VEnumSelection&) = default;
     ~VEnumSelection() override;
 
-    /// Chooses the name at \p number; false, and nothing changed, past the end.
+    /// Chooses the name at \p number. Returns false and changes nothing if it is past the end.
     bool select(unsigned number) noexcept;
 
-    /// Chooses the first name equal to \p name; false, and nothing changed, if
-    /// there is none.
+    /// Chooses the first name equal to \p name. Returns false and changes nothing if no name
+    /// is equal.
     bool select(const std::string& name) noexcept;
 
-    /// Counted from 0. Names that are taken out of the list may leave it past the
-    /// end.
+    /// Returns the chosen number, counted from 0. It may be past the end after names were
+    /// removed.
     unsigned selectedNumber() const noexcept { return m_selected; }
 
-    /// The name at \p number; the empty text past the end.
+    /// Returns the name at \p number, or the empty text past the end.
     const std::string& operator[](std::size_t number) const noexcept;
 
-    /// The chosen name; the empty text if the number lies past the end.
+    /// Returns the chosen name, or the empty text if the number is past the end.
     const std::string& selectedName() const noexcept { return (*this)[m_selected]; }
 
     std::string toString() const;
 
-    /// Reads names and choice. A text without "{" is a choice among the names that
-    /// are there. Any other text replaces the names, which keep their closing
-    /// brace, and chooses the one equal to what stands before the first "{"; so
-    /// what `toString` wrote is refused, and leaves the new names behind with the
-    /// first one chosen. False, and nothing changed, for the empty text.
+    /// Reads names and choice. A text without "{" chooses one of the existing names. Any other
+    /// text replaces the names and chooses the one equal to the text before the first "{". The
+    /// new names keep their closing brace, so text written by `toString` is refused; it leaves
+    /// the new names with the first one chosen. Returns false and changes nothing for the
+    /// empty text.
     bool fromString(const std::string& text);
 
-    /// Same names in the same order, and the same number chosen.
+    /// Compares the names in order, and the chosen number.
     friend bool operator==(const VEnumSelection& a, const VEnumSelection& b) noexcept
     {
         return a.m_selected == b.m_selected && static_cast<const StringList&>(a) == static_cast<const StringList&>(b);
@@ -73,62 +72,61 @@ private:
     unsigned m_selected = 0;
 };
 
-/// A parameter that offers a fixed list of named cases, one of them chosen.
+/// The value of a parameter that offers a fixed list of named cases, one of them chosen.
 ///
-/// Copies share names and choice: what is chosen through one is chosen in all. Only
-/// values are independent of each other, so that a choice in one pool is not seen
-/// in another.
+/// Copies share names and choice: a choice made through one copy applies to all. Values do not
+/// share them, so a choice in one pool does not affect another.
 class FATHOM_API Enum {
 public:
-    /// What asking for a case answers where none fits.
+    /// The result of a query for a case if no case matches.
     static constexpr unsigned None = ~0u;
 
-    /// An empty enum: it offers no cases, and nothing is chosen.
+    /// Creates an empty enum: it offers no cases, and nothing is chosen.
     Enum() noexcept = default;
 
-    /// The first \p count names, the first one chosen. Null names are left out.
+    /// Takes the first \p count names and chooses the first. Skips null names.
     Enum(const char* const* names, unsigned count);
 
-    /// Shares \p selection; empty for null.
+    /// Shares \p selection; null makes an empty enum.
     explicit Enum(const StrongPtr<VEnumSelection, StringList>& selection) noexcept : m_selection{selection} {}
 
-    /// Adds a case at the end; the same name may be added twice. The first case of
-    /// an empty enum is chosen. False for an empty name and for null.
+    /// Appends a case; the same name may be added twice. The first case added to an empty enum
+    /// is chosen. Returns false for an empty or null name.
     bool addCase(const std::string& name);
     bool addCase(const char* name);
 
-    /// Chooses a case for all copies; false, and nothing changed, if there is none.
+    /// Chooses a case for all copies. Returns false and changes nothing if it does not exist.
     bool select(unsigned number) noexcept { return m_selection && m_selection->select(number); }
     bool select(const std::string& name) noexcept { return m_selection && m_selection->select(name); }
 
-    /// Names and choice, for reading; null for an empty enum.
+    /// Returns names and choice, for reading; null for an empty enum.
     const VEnumSelection* selection() const noexcept { return m_selection.get(); }
 
-    /// True if the chosen name is exactly \p name.
+    /// Returns true if the chosen name is exactly \p name.
     bool Equal(const std::string& name) const noexcept;
 
-    /// True if the chosen name matches \p name by `isEqualCaseIndependent`.
+    /// Returns true if the chosen name matches \p name by `isEqualCaseIndependent`.
     bool iEqual(const std::string& name) const noexcept;
 
-    /// Which of the candidates, counted from 0, is exactly the chosen name; `None`
-    /// if none is. Null candidates are skipped.
+    /// Returns the index of the candidate that is exactly the chosen name, counted from 0, or
+    /// `None` if no candidate is. Skips null candidates.
     unsigned Case(const char* c0, const char* c1 = nullptr, const char* c2 = nullptr, const char* c3 = nullptr,
                   const char* c4 = nullptr, const char* c5 = nullptr, const char* c6 = nullptr,
                   const char* c7 = nullptr, const char* c8 = nullptr, const char* c9 = nullptr,
                   const char* c10 = nullptr) const noexcept;
 
-    /// The same with `isEqualCaseIndependent`: the first candidate that matches
-    /// decides, so an empty one always does.
+    /// As `Case`, but compares with `isEqualCaseIndependent`. The first match decides, so an
+    /// empty candidate always matches.
     unsigned iCase(const char* c0, const char* c1 = nullptr, const char* c2 = nullptr, const char* c3 = nullptr,
                    const char* c4 = nullptr, const char* c5 = nullptr, const char* c6 = nullptr,
                    const char* c7 = nullptr, const char* c8 = nullptr, const char* c9 = nullptr,
                    const char* c10 = nullptr) const noexcept;
 
-    /// Where the chosen name stands first among \p names; `None` if it does not.
+    /// Returns the first index of the chosen name in \p names, or `None` if \p names lacks it.
     unsigned operator()(const char* const* names, unsigned count) const noexcept;
     unsigned operator()(const StrongPtr<StringList>& names) const noexcept;
 
-    /// Same names in the same order and the same choice, shared or not.
+    /// Compares the names in order and the choice, whether shared or not.
     friend bool operator==(const Enum& a, const Enum& b) noexcept
     {
         if (a.m_selection == b.m_selection)
@@ -142,17 +140,16 @@ private:
 
 template<>
 struct FATHOM_API VValueTrait<Enum> {
-    /// As `VEnumSelection::toString`; the empty text for an empty enum.
+    /// Returns the text of `VEnumSelection::toString`, or the empty text for an empty enum.
     static std::string Text(const Enum& value);
 
-    /// Chooses the name before the first "{", for all copies of \p value; the rest
-    /// of the text is ignored. False, and the former choice stays, if it is not
-    /// among the names, which no text changes.
+    /// Chooses the name before the first "{", for all copies of \p value; ignores the rest of
+    /// the text. Returns false and keeps the choice if the name does not exist. Text never
+    /// changes the names.
     static bool setValueFromText(Enum& value, const std::string& text);
 };
 
-/// The copy of a value has a selection of its own, so that what is chosen in one
-/// pool no other pool sees.
+/// A copied value has its own selection, so a choice in one pool does not affect other pools.
 template<>
 struct FATHOM_API VValueOperations<Enum> {
     static bool areDifferent(const Enum& a, const Enum& b) noexcept { return !(a == b); }

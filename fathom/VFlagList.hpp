@@ -13,8 +13,8 @@ namespace Orla {
 
 /// A set of named switches, each on or off.
 ///
-/// Text form: a blank, a sign and the name for each flag, ordered by name:
-/// ` +a -b`. Reading takes names without a sign as well, and those are on.
+/// Text form: a blank, a sign and the name per flag, ordered by name: ` +a -b`. Names without
+/// a sign are also accepted; those flags are on.
 class FATHOM_API FlagList {
     using Flags = std::map<std::string, bool, std::less<>>;
 
@@ -22,10 +22,10 @@ public:
     using value_type = Flags::value_type;
     using const_iterator = Flags::const_iterator;
 
-    /// No flags.
+    /// Creates a list without flags.
     FlagList();
 
-    /// The flags that the pieces of \p text between separators tell.
+    /// Sets the flags in the pieces of \p text between separators; see `addFlagsFromString`.
     FlagList(std::string_view text, char separator);
 
     FlagList(const FlagList&);
@@ -34,35 +34,35 @@ public:
     FlagList& operator=(FlagList&&) noexcept;
     ~FlagList();
 
-    /// Sets the flag named behind the first character: off for "-", on for "+".
-    /// Without a sign all of \p item is the name, and the flag is on. The name is
-    /// taken as it is, with blanks and further signs, and may be empty. False, and
-    /// nothing changed, for an empty \p item.
+    /// Sets the flag whose name follows the first character: off for "-", on for "+". Without
+    /// a sign, \p item is the name, and the flag is on. The name is not modified, may contain
+    /// blanks and further signs, and may be empty. Returns false and changes nothing for an
+    /// empty \p item.
     bool addFlag(std::string_view item);
 
-    /// Sets the flags that the pieces of \p text tell, in order, and keeps the
-    /// others. Returns how many pieces there are: empty ones count, except for one
-    /// at the end.
+    /// Sets the flags in the pieces of \p text, in order, and keeps the others; each piece is
+    /// read as by `addFlag`. Returns the number of pieces: empty ones count, except for an
+    /// empty last one.
     unsigned long long addFlagsFromString(std::string_view text, char separator);
 
-    /// True if the flag was ever set, on or off.
+    /// Returns true if the flag was ever set, on or off.
     bool contains(std::string_view name) const noexcept { return m_flags.find(name) != m_flags.end(); }
 
-    /// Whether the flag is on, with \p present set; false for a flag that was never
-    /// set, with \p present cleared.
+    /// Returns whether the flag is on, and sets \p present. For a flag that was never set,
+    /// returns false and clears \p present.
     bool operator()(std::string_view name, bool& present) const noexcept;
 
     std::size_t size() const noexcept { return m_flags.size(); }
     bool empty() const noexcept { return m_flags.empty(); }
 
-    /// Pairs of name and state, ordered by name byte by byte.
+    /// Iterates over pairs of name and state, ordered by name byte by byte.
     const_iterator begin() const noexcept { return m_flags.begin(); }
     const_iterator end() const noexcept { return m_flags.end(); }
 
     /// Prints each flag to standard output, as `a: true`.
     void speak() const;
 
-    /// Same names in the same states.
+    /// Compares names and states.
     friend bool operator==(const FlagList&, const FlagList&) = default;
 
 private:
@@ -76,8 +76,7 @@ template<>
 struct FATHOM_API VValueTrait<FlagList> {
     static std::string Text(const FlagList& flags);
 
-    /// Replaces all flags by those that \p text names, between blanks. Accepts
-    /// every text.
+    /// Replaces all flags by those in \p text, separated by blanks. Accepts every text.
     static bool setValueFromText(FlagList& flags, const std::string& text);
 };
 
@@ -91,20 +90,21 @@ extern template class FATHOM_EXTERN_TEMPLATE TypedSlot<FlagList>;
 template<>
 class FATHOM_API TypedSlot<bool[]> : public TypedSlot<FlagList> {
 public:
-    /// Declares nothing; to be assigned to.
+    /// Declares no input; for later assignment.
     TypedSlot();
 
-    /// \p flagNames are flags between blanks, on unless one begins with "-".
+    /// \p flagNames holds the flags, separated by blanks; each is on unless it begins with
+    /// "-".
     TypedSlot(VSlotContainer* that, const std::string& name, const std::string& flagNames, int expertLevel);
 };
 
-/// The same as a member of a slot container's class.
+/// The same input as a member of a slot container's class.
 template<>
 class FATHOM_API VSlotContainer::in<bool[], -32000> : public TypedSlot<bool[]> {
 public:
     in();
 
-    /// Implicit: the declaration of a member may begin with the slot itself.
+    /// Implicit, so that a slot can initialise the member directly.
     in(const TypedSlot<bool[]>& slot);
 
     in(VSlotContainer* that, const std::string& name, const std::string& flagNames, int expertLevel);

@@ -2,10 +2,10 @@
 
 namespace Orla {
 
-/// For types that serve as inputs but need not convert both ways through text: a
-/// specialisation supplies
+/// For types that serve as inputs but need not convert to and from text. A specialisation
+/// supplies
 ///
-///     static void init(T& value);  // brings a fresh value into its initial state
+///     static void init(T& value);  // initialises a new value
 ///     static bool setValueFromText(T& value, const std::string& text);
 template<class T>
 struct VInputValueTrait;

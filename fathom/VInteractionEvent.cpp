@@ -28,12 +28,12 @@ VInteractionEvent::VInteractionEvent(unsigned long long theKind, const StrongPtr
 
 VInteractionEvent::~VInteractionEvent() = default;
 
-// Calls `function` with the holder's entry, which is null if nothing that lives holds the
-// grab. Dead entries in front of it are dropped.
+// Calls `function` with the current holder's entry, or null if no living object holds the
+// grab. Drops dead entries in front of it.
 template<class Function>
 bool VInteractionEvent::InteractionGrabber::withHolder(Function&& function)
 {
-    // Destroyed without the lock, because the data of a grab may be anything.
+    // Destroyed after unlocking, because the data of a grab may be anything.
     std::list<GrabReason> dropped;
     const std::lock_guard lock{m_mutex};
     while (!m_stack.empty() && m_stack.front().object.expired())
@@ -46,7 +46,7 @@ void VInteractionEvent::grab(const WeakPtrImpl<VObject>& obj, GrabReason::Type t
 {
     if (obj.expired() || !grabber)
         return;
-    StrongPtr<ChunkBase> attached = data; // in the end what it replaces, released without the lock
+    StrongPtr<ChunkBase> attached = data; // becomes the replaced data, released after unlocking
     const std::lock_guard lock{grabber->m_mutex};
     std::list<GrabReason>& stack = grabber->m_stack;
     if (stack.empty() || !(stack.front().object == obj))

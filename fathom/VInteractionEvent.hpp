@@ -15,8 +15,8 @@
 
 namespace Orla {
 
-/// One event of a pointer or the keyboard. All copies of an event stream share
-/// its grabber, which says whose turn it is.
+/// One event of a pointer or the keyboard. All copies of an event stream share its grabber,
+/// which decides which object may use it.
 ///
 /// Text form: the position, `(X,Y)` and a line feed; it cannot be read back.
 class FATHOM_API VInteractionEvent {
@@ -26,26 +26,26 @@ public:
         /// Why a grab is held; passed through unchanged.
         enum Type { Unspecified, Pointer, Keyboard };
 
-        WeakPtrImpl<VObject, VManagedObjectBase> object; ///< who grabbed
+        WeakPtrImpl<VObject, VManagedObjectBase> object; ///< the object that grabbed
         Type type = Unspecified;
-        int value = 0;             ///< given with the grab
-        StrongPtr<ChunkBase> data; ///< whatever the grabber attaches; may be null
+        int value = 0;             ///< passed with the grab
+        StrongPtr<ChunkBase> data; ///< attached to the grab; may be null
     };
 
-    /// Who holds the pointer and the keyboard: a stack whose front is the current
-    /// holder. Events of one grabber may be used in several threads.
+    /// The holders of the pointer and the keyboard: a stack whose front is the current holder.
+    /// Events of one grabber may be used in several threads.
     class FATHOM_API InteractionGrabber : public Loam::ReferenceBase<InteractionGrabber> {
     public:
         explicit InteractionGrabber(const std::string& name);
 
-        /// Starts from a copy of the other's stack; objects and data are shared.
+        /// Starts with a copy of \p other's stack; objects and data are shared.
         InteractionGrabber(InteractionGrabber& other, const std::string& name);
         ~InteractionGrabber() override;
 
         const std::string& name() const noexcept { return m_name; }
 
-        /// Current holder first; entries may have died. Not while another thread uses an
-        /// event of the grabber.
+        /// Returns the stack, current holder first; objects of entries may have been
+        /// destroyed. Do not call it while another thread uses an event of the grabber.
         const std::list<GrabReason>& stack() const noexcept { return m_stack; }
 
     private:
@@ -59,11 +59,11 @@ public:
         std::mutex m_mutex; // guards the stack
     };
 
-    /// What happened, by the numbers of this system's interaction source; another
+    /// What happened. The numbers are those of this system's interaction source; another
     /// source may have more.
     enum Kind : unsigned long long {
         Nothing = 1,
-        Press = 2, ///< of a button of the pointer
+        Press = 2, ///< of a pointer button
         Move = 3,
         Release = 4,
         Wheel = 5,
@@ -71,13 +71,13 @@ public:
         KeyRelease = 7
     };
 
-    /// Bits of `modifiers`: keys that are held meanwhile.
+    /// Bits of `modifiers`: keys held during the event.
     enum Modifier : std::uint8_t { Shift = 1, Control = 2, Alt = 4 };
 
-    /// An event of kind `Nothing` without a grabber.
+    /// Creates an event of kind `Nothing` without a grabber.
     VInteractionEvent();
 
-    /// An event at (-1,-1) with everything else zero or empty; the device and the
+    /// Creates an event at (-1,-1) with everything else zero or empty. The device and the
     /// button are left unset, for the interaction source to fill in.
     VInteractionEvent(unsigned long long kind, const StrongPtr<InteractionGrabber>& grabber);
 
@@ -85,35 +85,34 @@ public:
     VInteractionEvent& operator=(const VInteractionEvent&) = default;
     ~VInteractionEvent();
 
-    /// Makes \p obj the current holder. One that holds already has its reason
-    /// replaced; another's grab stays below. Nothing happens for a dead \p obj or
-    /// without a grabber.
+    /// Makes \p obj the current holder. If it already is, its reason is replaced; another
+    /// object's grab stays below. Does nothing if \p obj was destroyed or without a grabber.
     void grab(const WeakPtrImpl<VObject>& obj, GrabReason::Type type, int value, const StrongPtr<ChunkBase>& data);
 
-    /// Ends the grab of \p obj if it is the current holder; a grab deeper in the
-    /// stack stays until it comes to the front.
+    /// Ends the grab of \p obj if it is the current holder. A grab deeper in the stack stays
+    /// until it reaches the front.
     void ungrab(const WeakPtrImpl<VObject>& obj);
 
-    /// True if \p obj may act on the event: it holds the grab, or nobody does.
-    /// Constant, although holders that died are dropped from the front of the
-    /// shared stack: they must never block the input.
+    /// Returns true if \p obj may act on the event: it holds the grab, or no object does.
+    /// Although `const`, drops destroyed holders from the front of the shared stack: they must
+    /// never block the input.
     bool mayuse(const WeakPtrImpl<VObject>& obj) const;
 
-    /// True if \p obj holds the grab; drops dead holders like `mayuse`.
+    /// Returns true if \p obj holds the grab. Drops destroyed holders like `mayuse`.
     bool isMine(const WeakPtrImpl<VObject>& obj) const;
 
-    /// Always false: every event that arrives counts as a change, also one that
-    /// repeats the one before.
+    /// Always returns false: every event counts as a change, even if it repeats the previous
+    /// one.
     bool operator==(const VInteractionEvent&) const noexcept { return false; }
 
     std::int32_t x; ///< pointer position in pixels from the left
-    std::int32_t y; ///< and from the top
+    std::int32_t y; ///< pointer position in pixels from the top
     double pressure;
     double wheel; ///< turns, positive away from the user
-    double time;  ///< grows with every event of the source, so that one that is seen again can be told
+    double time;  ///< grows with every event of the source, to detect an event seen before
     std::uint64_t device;
-    unsigned long long kind;   ///< which event this is, usually a `Kind`
-    std::uint8_t modifiers;    ///< of `Modifier`
+    unsigned long long kind;   ///< type of the event, usually a `Kind`
+    std::uint8_t modifiers;    ///< bits of `Modifier`
     std::uint16_t button;      ///< 1 left, 2 middle, 3 right, 0 none
     std::string keyText;       ///< characters of the key event; the first one fires hot keys
     std::string armingKeyText; ///< characters that arm a hot key
@@ -123,7 +122,7 @@ public:
 
 template<>
 struct FATHOM_API VValueTrait<VInteractionEvent> {
-    static constexpr bool sharesState = true; ///< the grabber
+    static constexpr bool sharesState = true; ///< copies share the grabber
 
     static std::string Text(const VInteractionEvent& event);
 
@@ -137,9 +136,9 @@ extern template class FATHOM_EXTERN_TEMPLATE TypedValueCreator<VInteractionEvent
 extern template class FATHOM_EXTERN_TEMPLATE VValueParameter<VInteractionEvent>;
 extern template class FATHOM_EXTERN_TEMPLATE TypedSlot<VInteractionEvent>;
 
-/// Mix-in for processing objects that react to the pointer and the keyboard: adds
-/// an input for events and connects it to the one interaction source of the
-/// process, so that all of them get the same stream.
+/// Mix-in for processing objects that react to the pointer and the keyboard. Adds an input for
+/// events and connects it to the only interaction source of the network, so all such objects
+/// receive the same stream.
 class FATHOM_API Interactive : public virtual VSkale {
 public:
     Interactive(const char* slotName, int expertLevel);

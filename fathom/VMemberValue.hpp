@@ -8,14 +8,14 @@
 
 namespace Orla {
 
-/// The data member \p Member of a value of type \p T, as a value of its own that
-/// reads from and writes to the one that it is part of.
+/// The data member \p Member of a value of type \p T, as a value that reads from and writes to
+/// the containing value.
 template<class T, class M, M T::*Member>
 class FATHOM_VISIBLE VMemberValue final : public VTypedValueBase<M> {
 public:
     explicit VMemberValue(const WeakPtrImpl<VValueBase>& container) { VMemberValue::setContainerValue(container); }
 
-    /// Entry of a component table.
+    /// Returns the entry for a component table.
     static VValueComponents::Component component(const char* name)
     {
         return {name, &typeid(M), [](VValueBase& container) -> StrongPtr<VValueBase> {
@@ -61,8 +61,8 @@ public:
 
     StrongPtr<VValueCreator> getValueCreator() const override { return VValue<M>().getValueCreator(); }
 
-    /// From here on the part belongs to \p container; if that is not a value of
-    /// type \p T, the part belongs to nothing and can be neither read nor written.
+    /// Attaches the part to \p container. If that is not a value of type \p T, the part is
+    /// detached and can be neither read nor written.
     void setContainerValue(const WeakPtrImpl<VValueBase>& container) override
     {
         const StrongPtr<VValueBase> alive = container.lock();

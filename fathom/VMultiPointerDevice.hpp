@@ -11,26 +11,26 @@
 
 namespace Orla {
 
-/// What touches a device of several pointers, such as a touch screen, at one moment.
+/// The pointers on a multi-pointer device, such as a touch screen, at one moment.
 ///
 /// It has no text form.
 class FATHOM_API VMultiPointerDevice {
 public:
     /// One finger or pen.
     struct Pointer {
-        std::int32_t identifier = 0; ///< the same as long as the pointer stays down
+        std::int32_t identifier = 0; ///< unchanged while the pointer stays down
         double x = 0;
         double y = 0;
 
-        /// A NaN coordinate, which is neither below nor above any other, equals
-        /// every coordinate: a pointer whose place is unknown is no change.
+        /// A NaN coordinate, which is neither below nor above any other, equals every
+        /// coordinate: a pointer at an unknown place does not count as a change.
         friend constexpr bool operator==(const Pointer& a, const Pointer& b) noexcept
         {
             return a.identifier == b.identifier && !(a.x < b.x || a.x > b.x) && !(a.y < b.y || a.y > b.y);
         }
     };
 
-    /// As many pointers, and each equals the one in its place.
+    /// Compares the number of pointers, and the pointers in order.
     friend bool operator==(const VMultiPointerDevice&, const VMultiPointerDevice&) = default;
 
     std::vector<Pointer> pointers;
@@ -38,7 +38,7 @@ public:
 
 template<>
 struct FATHOM_API VValueTrait<VMultiPointerDevice> {
-    /// Empty.
+    /// Returns the empty text.
     static std::string Text(const VMultiPointerDevice& device);
 
     /// Refuses every text.
@@ -47,7 +47,7 @@ struct FATHOM_API VValueTrait<VMultiPointerDevice> {
 
 template<>
 struct FATHOM_API VInputValueTrait<VMultiPointerDevice> {
-    /// Leaves no pointer.
+    /// Removes all pointers.
     static void init(VMultiPointerDevice& device);
 
     /// Refuses every text.

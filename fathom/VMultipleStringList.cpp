@@ -27,7 +27,7 @@ void write(std::string& text, const StringList& strings)
     }
 }
 
-// What stands behind the first "{"; empty where there is no string in braces.
+// Returns the text after the first "{", or the empty text if there is no string in braces.
 std::string_view inBraces(std::string_view text) noexcept
 {
     const auto first = text.find('{');
@@ -38,7 +38,7 @@ void read(StringList& strings, std::string_view text)
 {
     strings.clear();
     forEachPiece(inBraces(text), '{', [&strings](std::string_view piece) {
-        // The last brace closes the string; a brace in it may stand before that.
+        // The last brace closes the string, which may contain braces itself.
         strings.append(std::string(piece.substr(0, piece.rfind('}'))));
     });
 }
@@ -151,7 +151,7 @@ bool VValueTrait<Selection>::setValueFromText(Selection& selection, const std::s
 {
     if (!selection)
         return false;
-    // A copy: the text may be one of the strings that go.
+    // A copy: the text may be one of the strings that are replaced.
     const std::string copy = text;
     const std::string_view whole = copy;
     const auto at = whole.find('@');

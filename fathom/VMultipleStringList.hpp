@@ -11,27 +11,26 @@ namespace Orla {
 
 using Loam::StringList;
 
-/// Strings to choose from, the choices, together with any number of them that are
-/// selected, in the order in which they were.
+/// Strings to choose from (the choices), and any number of selected ones, in the order in
+/// which they were selected.
 class FATHOM_API MultipleStringSelection : public StringList {
 public:
-    /// No choices, nothing selected.
+    /// Creates a selection without choices; nothing is selected.
     MultipleStringSelection();
 
-    /// \p only to choose, and selected.
+    /// Makes \p only the only choice, and selects it.
     explicit MultipleStringSelection(const std::string& only);
 
-    /// The pieces of both texts between separators. What is selected need not be
-    /// among the choices.
+    /// Splits both texts at \p separator. Selected strings need not be among the choices.
     MultipleStringSelection(const std::string& selected, const std::string& choices, char separator);
 
-    /// The copy has a selection of its own.
+    /// The copy has its own selection.
     MultipleStringSelection(const MultipleStringSelection& other);
     MultipleStringSelection& operator=(const MultipleStringSelection& other);
     ~MultipleStringSelection() override;
 
-    /// Selects a choice, unless it is selected already; false, and nothing changed,
-    /// for what is no choice.
+    /// Selects a choice, unless it is selected already. Returns false and changes nothing if
+    /// \p string is not a choice.
     bool add(const std::string& string);
 
     /// Does nothing and returns false, intentionally.
@@ -43,36 +42,37 @@ public:
     /// Selects nothing.
     void removeAll() noexcept;
 
-    /// True for a choice that is selected.
+    /// Returns true if \p string is a choice and is selected.
     bool isInSelection(const std::string& string) const noexcept;
 
-    /// Selects the first choice, a second time if it is selected already; false if
+    /// Selects the first choice, a second time if it is selected already. Returns false if
     /// there are no choices.
     bool addFirst();
 
-    /// Takes every occurrence out of the selection; true, whether there was one or not.
+    /// Removes every occurrence of \p string from the selection. Always returns true.
     bool removeFromSelection(const std::string& string);
 
-    /// For each choice in turn: takes every occurrence out of the selection or, if
-    /// there is none, selects it. Selected strings that are no choices stay.
+    /// For each choice in turn: removes every occurrence from the selection or, if it is not
+    /// selected, selects it. Selected strings that are not choices stay.
     void invertAll();
 
-    /// As `invertAll` for one choice; false, and nothing changed, for what is no choice.
+    /// As `invertAll`, for one choice. Returns false and changes nothing if \p string is not a
+    /// choice.
     bool addOrRemove(const std::string& string);
 
-    /// Compares the choices alone, intentionally: a changed selection is not a
-    /// change by itself, and whoever makes one announces it.
+    /// Compares only the choices, intentionally: a changed selection alone is not a change,
+    /// and the code that changes it announces it.
     friend bool operator==(const MultipleStringSelection& a, const MultipleStringSelection& b) noexcept
     {
         return static_cast<const StringList&>(a) == static_cast<const StringList&>(b);
     }
 
-    /// The selected strings; never null, and of this object alone.
+    /// The selected strings; never null, never shared with another object.
     const StrongPtr<StringList> selection;
 };
 
-/// Compares the choices; nothing is equal to null but null. Whether two pointers
-/// share one object, `get()` tells.
+/// Compares the choices; null equals only null. To check whether two pointers share an object,
+/// compare `get()`.
 inline bool operator==(const StrongPtr<MultipleStringSelection, StringList>& a,
                        const StrongPtr<MultipleStringSelection, StringList>& b) noexcept
 {
@@ -87,16 +87,15 @@ struct FATHOM_API VValueTrait<StrongPtr<MultipleStringSelection, StringList>> {
 
     static std::string Text(const Selection& selection);
 
-    /// Reads the strings in braces, in place: every holder of the same object sees
-    /// it. With an "@", those before the first one replace the selection and those
-    /// behind it the choices; without, only the selection is replaced. False, and
-    /// nothing changed, for null and for a text with neither "@" nor a string in
-    /// braces.
+    /// Reads the strings in braces, in place: every holder of the same object sees the change.
+    /// With an "@", the strings before the first one replace the selection and those after it
+    /// the choices; without one, only the selection is replaced. Returns false and changes
+    /// nothing for null and for a text with neither "@" nor a string in braces.
     static bool setValueFromText(Selection& selection, const std::string& text);
 };
 
-/// Values are different when their choices are; a copied value has choices and a
-/// selection of its own, so that what is selected in one pool no other pool sees.
+/// Values differ if their choices differ. A copied value has its own choices and selection, so
+/// a selection in one pool does not affect other pools.
 template<>
 struct FATHOM_API VValueOperations<StrongPtr<MultipleStringSelection, StringList>> {
     using Selection = StrongPtr<MultipleStringSelection, StringList>;

@@ -27,7 +27,7 @@ constexpr char lowered(char c) noexcept
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// Behind the tag at the start of `text`, or 0 if that is no tag.
+// Returns the length of the tag at the start of `text`, or 0 if it is not a tag.
 std::size_t endOfTag(std::string_view text)
 {
     const std::size_t first = text.substr(0, 2) == "</" ? 2 : 1;
@@ -45,7 +45,7 @@ std::size_t endOfTag(std::string_view text)
             return i + 1;
         }
     }
-    return text.find('>') + 1; // a quote was never closed; 0 if there is no end at all
+    return text.find('>') + 1; // an unclosed quote; 0 without a ">"
 }
 
 bool breaksTheLine(std::string_view tag)
@@ -74,14 +74,15 @@ void appendUtf8(std::string& text, std::uint32_t code)
     }
 }
 
-// Control characters are left out: they would do things to a terminal.
+// Excludes control characters, which could affect a terminal.
 constexpr bool isPrintable(std::uint32_t code) noexcept
 {
     return code == '\t' || code == '\n' || (code >= 0x20 && code < 0x7F) || (code >= 0xA0 && code < 0xD800)
            || (code >= 0xE000 && code <= 0x10FFFF);
 }
 
-// The character of the entity `name`, which stood between "&" and ";"; 0 for none.
+// Returns the character of the entity `name`, the text between "&" and ";", or 0 if it is
+// unknown.
 std::uint32_t characterOf(std::string_view name)
 {
     constexpr struct {
@@ -126,7 +127,7 @@ VObjectStatus::Severity VObjectStatus::severity() const
 std::string VObjectStatus::plainText() const
 {
     std::string plain;
-    // Searched for once: a text of many "<" and no ">" behind them takes no longer.
+    // Found once, so a text of many "<" without a later ">" takes no longer.
     const std::size_t lastClosing = text.rfind('>');
     for (std::size_t i = 0; i < text.size();) {
         const std::string_view rest = std::string_view(text).substr(i);
@@ -204,7 +205,7 @@ StatusIndicator::StatusIndicator(VObject* object, const std::string& initialText
     if (!object)
         return;
     m_output->setSource(object);
-    // A status says why an update failed, so it must reach its readers then.
+    // A status reports why an update failed, so its readers must get it even then.
     if (const StrongPtr<VSlot> slot = object->registerOutput(m_output, outputName))
         slot->setFlag(VSlot::StaysValid);
 }
@@ -213,8 +214,7 @@ StatusIndicator::~StatusIndicator() = default;
 
 void StatusIndicator::show(const StrongPtr<ValuePool>& pool, const std::string& text) const
 {
-    // Without an owner the variable would stand in the pool itself, for everybody
-    // to find.
+    // Without an owner, the variable would be in the pool itself, visible to all.
     if (!m_output->owner())
         return;
     const VOutputAssignmentContext<VObjectStatus> output{m_output, pool};

@@ -10,8 +10,8 @@
 
 namespace Orla {
 
-/// What a processing object says of its state: a text with simple HTML markup, as
-/// user interfaces show it, and how to show it.
+/// The status of a processing object: a text with simple HTML markup, which user interfaces
+/// show, and how to show it.
 ///
 /// Text form: the text alone.
 class FATHOM_API VObjectStatus {
@@ -36,20 +36,20 @@ public:
 
     friend bool operator==(const VObjectStatus&, const VObjectStatus&) = default;
 
-    /// What \p severity the markup around the text stands for; an unmarked text is
-    /// an information.
+    /// Returns the severity that the markup around the text denotes; unmarked text is
+    /// `Information`.
     Severity severity() const;
 
-    /// The text for those who cannot show markup, such as terminals: without tags,
-    /// a line feed for each `<BR>`, and with characters in place of entities.
-    /// What looks like a tag or an entity but is none stays as it is.
+    /// Returns the text for output that cannot show markup, such as a terminal: without tags,
+    /// with a line feed for each `<BR>` and characters in place of entities. Text that only
+    /// resembles a tag or an entity is kept.
     std::string plainText() const;
 
-    /// \p plain with the markup of \p severity around it.
+    /// Returns \p plain with the markup of \p severity around it.
     static std::string marked(Severity severity, const std::string& plain);
 
-    /// \p plain with "<", ">" and "&" replaced by entities: for texts from elsewhere,
-    /// such as names of files, which are to be shown as they are.
+    /// Returns \p plain with "<", ">" and "&" replaced by entities. For external texts, such
+    /// as file names, that must be shown unchanged.
     static std::string escaped(const std::string& plain);
 
     std::string text;
@@ -62,7 +62,7 @@ template<>
 struct FATHOM_API VValueTrait<VObjectStatus> {
     static std::string Text(const VObjectStatus& status);
 
-    /// Takes any text, and leaves the rest of the status as it is.
+    /// Accepts every text, and leaves the rest of the status unchanged.
     static bool setValueFromText(VObjectStatus& status, const std::string& text);
 };
 
@@ -74,18 +74,17 @@ extern template FATHOM_EXTERN_TEMPLATE bool operator<<(const VOutputAssignmentCo
                                                        const VObjectStatus&);
 extern template FATHOM_EXTERN_TEMPLATE bool operator>>(const VOutputAssignmentContext<VObjectStatus>&, VObjectStatus&);
 
-/// Gives a processing object an output for its status. A message replaces the one
-/// before, whatever kind that was; repeating it announces no change.
+/// Adds an output for the status of a processing object. Each message replaces the previous
+/// one, whatever its kind; repeating a message announces no change.
 ///
 /// Texts may have markup; see `VObjectStatus::escaped` for those that must not.
 class FATHOM_API StatusIndicator {
 public:
-    /// What the output is usually called.
+    /// The usual name of the output.
     static constexpr char Slotname[] = "status";
 
-    /// Offers the output \p outputName of \p object, which starts from
-    /// \p initialText; the number is not used. Messages of an indicator without
-    /// an object show nowhere.
+    /// Adds the output \p outputName to \p object, with the text \p initialText; \p level is
+    /// not used. Without an object, messages are not shown.
     StatusIndicator(VObject* object, const std::string& initialText, int level, const std::string& outputName);
     virtual ~StatusIndicator();
 
@@ -95,8 +94,8 @@ public:
     /// Shows \p text as a warning.
     void setStatusWarning(const StrongPtr<ValuePool>& pool, const std::string& text) const;
 
-    /// Shows \p text as an error. With \p announce set, all action notifiers hear of
-    /// it each time: `CLASS{POOL} "OBJECT" Error: TEXT`.
+    /// Shows \p text as an error. With \p announce set, also notifies all action notifiers
+    /// each time: `CLASS{POOL} "OBJECT" Error: TEXT`.
     void setStatusError(const StrongPtr<ValuePool>& pool, const std::string& text, bool announce) const;
 
     const StrongPtr<VValueParameter<VObjectStatus>, ValueNotifierList>& statusOutput() const noexcept
@@ -110,19 +109,19 @@ private:
     StrongPtr<VValueParameter<VObjectStatus>, ValueNotifierList> m_output;
 };
 
-/// Base of processing objects whose update gives up by throwing a text, which
-/// becomes their status.
+/// Base class of processing objects whose update gives up by throwing a text, which becomes
+/// their status.
 class FATHOM_API CatchStatus : public VObject, public StatusIndicator {
 public:
-    /// The output is called `StatusIndicator::Slotname` and starts empty.
+    /// The output is named `StatusIndicator::Slotname` and starts empty.
     CatchStatus(const std::string& name, int level, const StrongPtr<VCreationPreferences, InterfaceBase>& preferences);
     ~CatchStatus() override;
 
-    /// As `update`. A `char const*` that it throws is shown as an information;
-    /// everything else that it throws goes on to the caller of `update`.
+    /// As `update`. A `const char*` that it throws is shown as information; any other
+    /// exception propagates to the caller of `update`.
     virtual void safeUpdate(VRequest& request, double precision) = 0;
 
-    /// Calls `safeUpdate`; true.
+    /// Calls `safeUpdate`. Always returns true.
     bool update(VRequest& request, double precision) override;
 };
 

@@ -11,17 +11,17 @@
 
 namespace Orla {
 
-/// An output's parameter and the pool of the current evaluation: what an update
-/// writes to and reads from with the operators below.
+/// An output's parameter and the pool of the current evaluation. An update writes and reads
+/// the output through it, with the operators below.
 template<class T>
 struct VOutputAssignmentContext {
     StrongPtr<VValueParameter<T>, ValueNotifierList> parameter;
     StrongPtr<ValuePool> pool;
 };
 
-/// An output in a pool, as `VOutput` returns it: converts to the context above, but shares
-/// in owning nothing, so that updates in several threads do not count references to the
-/// parameter that they share. Valid as long as both pointers that it was made from.
+/// An output in a pool, as `VOutput` returns it. Converts to the context above but owns
+/// nothing, so concurrent updates do not contend for the reference count of a shared
+/// parameter. Valid as long as both pointers that it was made from.
 template<class T>
 struct VOutputReference {
     const StrongPtr<VValueParameter<T>, ValueNotifierList>& parameter;
@@ -31,12 +31,12 @@ struct VOutputReference {
     operator VOutputAssignmentContext<T>() const { return {parameter, pool}; }
 };
 
-/// Declares an output of type \p T of a processing object: a member of the
-/// object's class, made in its constructor.
+/// Declares an output of type \p T of a processing object: a member of the object's class,
+/// initialised in its constructor.
 template<class T>
 class FATHOM_VISIBLE VOutput {
 public:
-    /// Offers an output \p name of \p that, which starts from \p initialValue.
+    /// Adds an output \p name with the value \p initialValue to \p that.
     VOutput(VSlotContainer* that, const std::string& name, const T& initialValue,
             const StrongPtr<VCreationPreferences, InterfaceBase>& preferences = {})
         : m_parameter{new VValueParameter<T>(initialValue, name, preferences)}
@@ -52,12 +52,12 @@ public:
 
     const StrongPtr<VValueParameter<T>, ValueNotifierList>& parameter() const noexcept { return m_parameter; }
 
-    /// The output in \p pool, to be written or read:
+    /// Returns the output in \p pool, for writing or reading:
     ///
     ///     total(request.valuePool()) << sum;
     VOutputReference<T> operator()(const StrongPtr<ValuePool>& pool) const { return {m_parameter, pool, m_place}; }
 
-    /// The output in \p pool, or the initial value where the pool holds no value.
+    /// Returns the output's value in \p pool, or the initial value if the pool holds no value.
     T value(const StrongPtr<ValuePool>& pool) const
     {
         const StrongPtr<VValueBase> found = m_parameter->getValueBase(pool);
@@ -84,15 +84,15 @@ bool areSame(const T& a, const T& b)
     return a == b;
 }
 
-// What pools share through a pointer is the same when its content is, or else an
-// update that makes its result anew would be a change each time.
+// Values behind pointers are the same if their contents are; otherwise an update that rebuilds
+// an equal result would always announce a change.
 template<class T>
 bool areSame(const StrongPtr<T>& a, const StrongPtr<T>& b)
 {
     return !VValueOperations<StrongPtr<T>>::areDifferent(a, b);
 }
 
-// Writes `value` where the pool holds a different one; see `operator<<=`.
+// Writes `value` if the pool holds a different one; see `operator<<=`.
 template<class T>
 bool assignIfDifferent(const StrongPtr<VParameter>& parameter, const StrongPtr<ValuePool>& pool,
                        const std::string& member, const T& value)
@@ -120,9 +120,9 @@ bool assignIfDifferent(const StrongPtr<VParameter>& parameter, const StrongPtr<V
 
 } // namespace Detail
 
-/// Writes \p value if the pool holds a different one, and announces it. False,
-/// and nobody is told, if the value is held already and also if the pool holds
-/// no value of the type yet: this operator never makes a variable.
+/// Writes \p value if the pool holds a different one, and announces the change. Returns false
+/// and announces nothing if the pool already holds \p value or holds no value of the type yet:
+/// this operator never creates a variable.
 template<class T>
 bool operator<<=(const VOutputAssignmentContext<T>& out, const T& value)
 {
@@ -137,8 +137,8 @@ bool operator<<=(const std::pair<const TypedSlot<T>, const StrongPtr<ValuePool>>
     return slot && Detail::assignIfDifferent<T>(slot->parameter(), in.second, slot->member(), value);
 }
 
-/// Writes \p value without comparing, makes the variable where the pool has none,
-/// and announces it. False if the parameter is switched off or refuses the value.
+/// Writes \p value without comparing, creates the variable if it is missing, and announces the
+/// change. Returns false if the parameter is switched off or refuses the value.
 template<class T>
 bool operator<<(const VOutputAssignmentContext<T>& out, const T& value)
 {
@@ -152,8 +152,8 @@ bool operator<<(const VOutputAssignmentContext<T>& out, const T& value)
     return true;
 }
 
-/// Reads the output's value in the pool, which is made where there is none.
-/// False, and \p value as it was, if the parameter is switched off.
+/// Reads the output's value in the pool, creating the variable if it is missing. Returns false
+/// and leaves \p value unchanged if the parameter is switched off.
 template<class T>
 bool operator>>(const VOutputAssignmentContext<T>& out, T& value)
 {
@@ -164,8 +164,8 @@ bool operator>>(const VOutputAssignmentContext<T>& out, T& value)
     return typed && typed->getValue(value);
 }
 
-/// The same for what `VOutput` returns. In the update of the output's object they reach
-/// the value directly.
+/// The same for a `VOutputReference`. In the update of the output's object, these operators
+/// access the value directly.
 template<class T>
 bool operator<<=(const VOutputReference<T>& out, const std::type_identity_t<T>& value)
 {

@@ -10,13 +10,13 @@
 
 namespace Orla {
 
-/// The cell of a slot of the object whose update runs. Typed slots and outputs reach their
-/// values through it without a look-up. The class of the value is determined once and
-/// noted in the cell.
+/// The cell of a slot of the object whose update runs. Typed slots and outputs access their
+/// values through it without a look-up. The class of the value is determined once and noted in
+/// the cell.
 template<class T>
 class VRunningCell {
 public:
-    /// The cell at \p place, if \p pool belongs to a running update of the place's
+    /// Finds the cell at \p place if \p pool belongs to a running update of the place's
     /// container.
     VRunningCell(const ValuePool* pool, const VSlotPlace& place) noexcept
         : m_frame{pool ? VFrame::of(pool->runningFrame(), place) : nullptr}, m_cell{place.cell}
@@ -25,7 +25,7 @@ public:
 
     explicit operator bool() const noexcept { return m_frame != nullptr; }
 
-    /// The value if it is held in the plain way, else null.
+    /// Returns the value if it is a `VValue<T>`, else null.
     VValue<T>* plain() const noexcept
     {
         std::uint16_t& flags = m_frame->flags(m_cell);
@@ -38,7 +38,8 @@ public:
         return static_cast<VValue<T>*>(value);
     }
 
-    /// The value, which may be a component of another one; null if the cell is empty.
+    /// Returns the value, which may be a component of another one; null if the cell has no
+    /// value of type \p T.
     VTypedValueBase<T>* typed() const noexcept
     {
         if (VValue<T>* const value = plain())
@@ -53,14 +54,14 @@ public:
         return typed;
     }
 
-    /// The plain value of an output that may be written, else null.
+    /// Returns the plain value of an output that may be written, else null.
     VValue<T>* writable() const noexcept
     {
         const std::uint16_t flags = m_frame->flags(m_cell);
         return (flags & (VFrame::Owned | VFrame::Off)) == VFrame::Owned ? plain() : nullptr;
     }
 
-    /// Assigns \p value to what `writable` returned, and announces the change.
+    /// Assigns \p value to \p to, the result of `writable`, and announces the change.
     void write(VValue<T>& to, const T& value) const
     {
         m_frame->prepareToAnnounce(m_cell);

@@ -12,14 +12,13 @@ namespace Orla {
 
 using Loam::StrongPtr;
 
-/// Carries a function between objects that computes one number. What its arguments
-/// are is up to those who give and take it: both know the class derived from
-/// `Functor` that declares the operation.
+/// Passes a function between objects; it computes one number. The objects agree on its
+/// arguments: both know the class derived from `Functor` that declares the operation.
 ///
 /// It has no text form.
 class FATHOM_API VScalarFunctor {
 public:
-    /// Base of the functions.
+    /// Base class of the functions.
     class FATHOM_API Functor : public Loam::ReferenceBase<Functor> {
     public:
         ~Functor() override = 0;
@@ -28,7 +27,7 @@ public:
         Functor();
     };
 
-    /// No function.
+    /// Holds no function.
     VScalarFunctor();
 
     explicit VScalarFunctor(const StrongPtr<Functor>& theFunctor);
@@ -36,7 +35,7 @@ public:
     VScalarFunctor& operator=(const VScalarFunctor&) = default;
     ~VScalarFunctor();
 
-    /// The same function object, or none on both sides.
+    /// True if both hold the same function object or none.
     friend bool operator==(const VScalarFunctor&, const VScalarFunctor&) = default;
 
     StrongPtr<Functor> functor; ///< may be null; copies share it
@@ -44,7 +43,7 @@ public:
 
 template<>
 struct FATHOM_API VValueTrait<VScalarFunctor> {
-    /// Empty.
+    /// Returns the empty text.
     static std::string Text(const VScalarFunctor& functor);
 
     /// Refuses every text.

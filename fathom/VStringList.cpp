@@ -11,8 +11,8 @@ namespace {
 
 using Selection = StrongPtr<StringSelection, StringList>;
 
-// The next piece between "@" that is not empty, which leaves the text; empty where
-// there is none.
+// Removes the next non-empty piece between "@" from the text and returns it, or the empty text
+// if no piece is left.
 std::string_view takePiece(std::string_view& text) noexcept
 {
     text.remove_prefix(std::min(text.find_first_not_of('@'), text.size()));
@@ -130,7 +130,7 @@ std::string updateSelection(const TypedSlot<Selection>& slot, const StrongPtr<Va
     Selection old;
     if (typed)
         typed->getValue(old);
-    // A copy: `fresh` may be the very selection that the pool holds.
+    // A copy: `fresh` may be the selection that the pool holds.
     const std::string choice = old ? old->selection : std::string();
 
     if (!fresh->select(choice) && choice.empty() && !fresh->selectFirst())

@@ -13,40 +13,40 @@ namespace Orla {
 
 using Loam::StringList;
 
-/// Strings to choose from together with the one that is chosen, by text, so that
-/// the choice survives when the list is made anew.
+/// Strings to choose from, and the chosen one. The choice is kept as text, so it survives when
+/// the list is rebuilt.
 class FATHOM_API StringSelection : public StringList {
 public:
-    /// Nothing to choose, nothing chosen.
+    /// Creates a selection without strings; nothing is chosen.
     StringSelection();
 
-    /// \p only to choose, and chosen.
+    /// Makes \p only the only string, and chooses it.
     explicit StringSelection(const std::string& only);
 
-    /// The pieces of \p text between separators; \p chosen need not be one of them.
+    /// Splits \p text at \p separator; \p chosen need not be one of the pieces.
     StringSelection(char separator, const std::string& text, const std::string& chosen);
 
-    /// The strings of \p list, none for null; \p chosen need not be one of them.
+    /// Copies the strings of \p list, if not null; \p chosen need not be one of them.
     StringSelection(const std::string& chosen, const StrongPtr<StringList>& list);
 
     StringSelection(const StringSelection&) = default;
     StringSelection& operator=(const StringSelection&) = default;
     ~StringSelection() override;
 
-    /// Chooses \p string; false, and nothing changed, if the list lacks it.
+    /// Chooses \p string. Returns false and changes nothing if the list lacks it.
     bool select(std::string_view string);
 
-    /// Chooses \p string or, if the list lacks it, the first entry; false, and
-    /// nothing changed, for an empty list.
+    /// Chooses \p string or, if the list lacks it, the first entry. Returns false and changes
+    /// nothing for an empty list.
     bool tryselect(std::string_view string);
 
-    /// Chooses the first entry; false, and nothing changed, for an empty list.
+    /// Chooses the first entry. Returns false and changes nothing for an empty list.
     bool selectFirst();
 
-    /// Same strings in the same order, and the same one chosen.
+    /// Compares the strings in order, and the choice.
     bool operator==(const StringSelection& other) const noexcept;
 
-    std::string selection; ///< the chosen string, in the list or not; empty for none
+    std::string selection; ///< the chosen string, in the list or not; empty if nothing is chosen
 };
 
 /// Text form of a shared selection: the chosen string, "@", and each entry of the
@@ -57,18 +57,17 @@ struct FATHOM_API VValueTrait<StrongPtr<StringSelection, StringList>> {
 
     static std::string Text(const Selection& selection);
 
-    /// Chooses the first piece of \p text between "@", in place: every holder of
-    /// the same selection sees it. False, and the choice as it was, if the list
-    /// lacks it. Pieces that are empty do not count, so `@a|b|` asks for "a|b|".
+    /// Chooses the first piece of \p text between "@", in place: every holder of the same
+    /// selection sees the change. Returns false and keeps the choice if the list lacks it.
+    /// Empty pieces do not count, so `@a|b|` asks for "a|b|".
     ///
-    /// Only an empty list takes the entries of the second piece, whatever comes of
-    /// the choice: what a program offers, no text changes. Refuses everything for
-    /// null.
+    /// Only an empty list takes its entries from the second piece, even if the choice fails;
+    /// text never changes the entries of another list. Returns false for null.
     static bool setValueFromText(Selection& selection, const std::string& text);
 };
 
-/// Selections are different when list or choice is; a copied value has a selection
-/// of its own, so that what is chosen in one pool no other pool sees.
+/// Selections differ if list or choice differs. A copied value has its own selection, so a
+/// choice in one pool does not affect other pools.
 template<>
 struct FATHOM_API VValueOperations<StrongPtr<StringSelection, StringList>> {
     using Selection = StrongPtr<StringSelection, StringList>;
@@ -83,13 +82,13 @@ extern template class FATHOM_EXTERN_TEMPLATE TypedValueCreator<StrongPtr<StringS
 extern template class FATHOM_EXTERN_TEMPLATE VValueParameter<StrongPtr<StringSelection, StringList>>;
 extern template class FATHOM_EXTERN_TEMPLATE TypedSlot<StrongPtr<StringSelection, StringList>>;
 
-/// Offers \p fresh, a list just made, in the input \p slot and keeps the user's
-/// choice in \p pool if \p fresh has it. Where nothing was chosen so far the first
-/// entry is; a choice that \p fresh lacks gives way to the one that \p fresh brings.
+/// Offers \p fresh, a newly made list, in the input \p slot and keeps the user's choice in the
+/// pool \p pool if \p fresh contains it. If nothing was chosen so far, chooses the first
+/// entry; a choice that \p fresh lacks is replaced by the choice in \p fresh.
 ///
-/// \p fresh itself becomes the pool's value, and the change is announced, if its
-/// list or choice is different; so each pool needs a \p fresh of its own. Returns
-/// the choice; the empty text for a null \p fresh, which is not offered.
+/// If its list or choice differs, \p fresh itself becomes the pool's value and the change is
+/// announced; so each pool needs its own \p fresh. Returns the choice. A null \p fresh is not
+/// offered and returns the empty text.
 FATHOM_API std::string updateSelection(const TypedSlot<StrongPtr<StringSelection, StringList>>& slot,
                                        const StrongPtr<ValuePool>& pool,
                                        const StrongPtr<StringSelection, StringList>& fresh);

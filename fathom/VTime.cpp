@@ -41,8 +41,8 @@ bool VTime::isContinuous() const noexcept
     return !(dt < 0 || dt > 0);
 }
 
-// Into [0, N) for the N valid steps. The multiple of N is added and rounded up,
-// so steps at and below -N stay negative; saved networks rely on these numbers.
+// Wraps into [0, N) for the N valid steps. The multiple of N is added and rounded up, so steps
+// at and below -N stay negative; a change here would change saved networks.
 double VTime::wrapped(double step) const noexcept
 {
     const double count = maxTsteps() + 1;

@@ -4,13 +4,13 @@ namespace Orla {
 
 VUrlSystemHandler::~VUrlSystemHandler() = default;
 
-// Constant, so that a handler installed by another file's start-up code stays.
+// Constant-initialised, so a handler installed by another file's start-up code stays.
 constinit StrongPtr<VUrlSystemHandler> VUrlSystemHandler::TheUrlSystemHandler;
 
 namespace {
 
-// Destroyed before the handler, as it is made later: whoever opens a URL from
-// then on meets no pointer that is gone.
+// Constructed after the handler, so destroyed before it: a later call of `Exec` does not touch
+// the destroyed pointer.
 struct AtExit {
     ~AtExit() { isOver = true; }
 
@@ -25,8 +25,8 @@ bool VUrlSystemHandler::Exec(const std::string& url)
 {
     if (AtExit::isOver)
         return false;
-    // Kept alive meanwhile, should it be replaced by what it does. A handler that no
-    // pointer owns may be gone.
+    // Keeps the handler alive in case `openUrl` replaces it. A handler that no pointer owns
+    // may have been destroyed.
     const auto handler = Loam::WeakPtrImpl<VUrlSystemHandler>(TheUrlSystemHandler).lock();
     return handler && handler->openUrl(url);
 }

@@ -23,8 +23,8 @@
 #include <typeinfo>
 #include <utility>
 
-// The classes through which the framework handles values of one type. A type
-// joins by supplying `VValueTrait<T>`; everything else comes from here.
+// The classes through which the framework handles values of one type. A type supplies only
+// `VValueTrait<T>`; these classes provide everything else.
 
 namespace Orla {
 
@@ -33,22 +33,22 @@ class TypedValueCreator;
 template<class T>
 class VValue;
 
-/// What a value does with the `T` that it holds, where the plain way is not
-/// right: specialise it for types with other ideas of "different" and "a copy".
+/// How a value compares and copies the `T` that it holds. Specialise it for types whose `==`
+/// or copy constructor is not suitable.
 template<class T>
 struct VValueOperations {
     static bool areDifferent(const T& a, const T& b) { return !(a == b); }
     static T copyOf(const T& value) { return value; }
 };
 
-/// NaN, which is unordered with everything, is not different from anything.
+/// NaN, which is unordered, does not differ from anything.
 template<>
 struct VValueOperations<double> {
     static bool areDifferent(double a, double b) noexcept { return a < b || a > b; }
     static double copyOf(double value) noexcept { return value; }
 };
 
-/// A value whose type is known: reading, writing and comparing it.
+/// A value whose type is known: reads, writes and compares it.
 template<class T>
 class FATHOM_VISIBLE VTypedValueBase : public VValueBase {
 public:
@@ -58,29 +58,29 @@ public:
 
     StrongPtr<ChunkBase> getChunk(unsigned long long count) const override { return getChunkOfValue(count); }
 
-    /// Assigns the held value to \p value; false if it cannot be had.
+    /// Assigns the held value to \p value. Returns false if it is not available.
     virtual bool getValue(T& value) const = 0;
 
-    /// Assigns \p value to the held one; false if it is refused. The age stays as
-    /// it is: announcing a change is the caller's business.
+    /// Assigns \p value to the held value. Returns false if it is refused. Does not change the
+    /// age: the caller announces the change.
     virtual bool setValue(const T& value) = 0;
 
-    /// A new array of \p count copies of the held value.
-    /// \throw std::bad_alloc or a class derived from it; nothing is counted then.
+    /// Returns a new array of \p count copies of the held value.
+    /// \throw std::bad_alloc or a class derived from it; the memory count is unchanged then.
     virtual StrongPtr<ChunkBase> getChunkOfValue(unsigned long long count) const = 0;
 
-    /// \p value as a value of type \p T, or null.
+    /// Returns \p value as a value of type \p T, or null if it has another type.
     static VTypedValueBase* cast(VValueBase* value) noexcept
     {
         if (!value)
             return nullptr;
-        // Nearly every value is a plain one; the general cast costs ten times as much.
+        // Nearly every value is plain; the general cast costs ten times as much.
         if (isPlain(*value))
             return static_cast<VValue<T>*>(value);
         return dynamic_cast<VTypedValueBase*>(value);
     }
 
-    /// The held value itself where it is held in the plain way, else null.
+    /// Returns the held value itself if this is a `VValue<T>`, else null.
     const T* held() const noexcept { return isPlain(*this) ? &static_cast<const VValue<T>*>(this)->m_value : nullptr; }
 
 protected:
@@ -89,9 +89,9 @@ protected:
     VTypedValueBase(const VTypedValueBase&) = default;
     VTypedValueBase& operator=(const VTypedValueBase&) = default;
 
-    // The content of the value that `other` refers to, if nothing can release that value
-    // before the content is read: the process has one thread, and reading calls no code. Null
-    // if that is not certain.
+    // Returns the content of the value that `other` refers to, if nothing can release that
+    // value before the content is read: the process has one thread, and reading calls no code.
+    // Returns null if that is not certain.
     static const T* contentAtOnce(const WeakPtrImpl<VValueBase>& other) noexcept
     {
         const VValueBase* const value = other.peek();
@@ -106,7 +106,7 @@ private:
     }
 };
 
-/// The value that holds one \p T.
+/// A value that holds one \p T.
 template<class T>
 class FATHOM_VISIBLE VValue : public VTypedValueBase<T>, public Ageable {
 public:
@@ -154,7 +154,7 @@ public:
 
     StrongPtr<VValueCreator> getValueCreator() const override
     {
-        // After the creator was destroyed at exit or unload there is none.
+        // Null after the creator was destroyed at exit or unload.
         return s_creatorIsGone ? nullptr : StrongPtr<VValueCreator>(&myTypedValueCreator());
     }
 
@@ -177,20 +177,20 @@ public:
         return Loam::makeStrong<Loam::Chunk<T>>(static_cast<std::size_t>(count), m_value);
     }
 
-    /// The held value itself.
+    /// Returns the held value itself.
     T& content() noexcept { return m_value; }
     const T& content() const noexcept { return m_value; }
 
-    /// The one creator of the type in the process, made and registered when it is
-    /// first asked for.
+    /// Returns the type's only creator in the process, creating and registering it on first
+    /// use.
     static TypedValueCreator<T>& myTypedValueCreator()
     {
         static TypedValueCreator<T> myStaticTypedValueCreator;
         return myStaticTypedValueCreator;
     }
 
-    /// Set when the library is loaded, so that the type is registered before
-    /// anybody asks; null again once the creator is gone.
+    /// Set when the library is loaded, so the type is registered before first use; null after
+    /// the creator is destroyed.
     static TypedValueCreator<T>* theTypedValueCreator;
 
 private:
@@ -199,8 +199,8 @@ private:
 
     static inline constinit bool s_creatorIsGone = false;
 
-    // Makes a value of what `content` returns, in its place: a type that is passed on would
-    // be copied twice.
+    // Creates a value in place from what `content` returns; passing a `T` on would copy it
+    // twice.
     template<class Content>
     static StrongPtr<VValue> create(Content&& content)
     {
@@ -227,7 +227,7 @@ private:
 template<class T>
 TypedValueCreator<T>* VValue<T>::theTypedValueCreator = &VValue<T>::myTypedValueCreator();
 
-/// Makes values of type \p T; registered under the type's name.
+/// Creates values of type \p T; registered under the type's name.
 template<class T>
 class FATHOM_VISIBLE TypedValueCreator : public VValueCreator {
 public:
@@ -236,8 +236,8 @@ public:
     ~TypedValueCreator() override
     {
         if (VValue<T>::theTypedValueCreator != this)
-            return; // not the one that the values know
-        // Values that live longer must not count here.
+            return; // not the creator that the values use
+        // Values that outlive the creator must not count here.
         VValue<T>::theTypedValueCreator = nullptr;
         VValue<T>::s_creatorIsGone = true;
     }
@@ -251,7 +251,7 @@ public:
 
     void countDestroyedValue() noexcept { Loam::countUp(m_destroyedValues); }
 
-    /// How many values of the type were destroyed so far.
+    /// Returns how many values of the type have been destroyed so far.
     std::uint32_t destroyedValues() const noexcept { return m_destroyedValues.load(std::memory_order_relaxed); }
 
 private:

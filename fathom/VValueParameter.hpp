@@ -24,7 +24,7 @@ public:
 
     ~VValueParameter() override = default;
 
-    /// The twin shares the prototype value: a change of the one is seen through
+    /// Returns a twin that shares the prototype value: a change through one is seen through
     /// the other.
     StrongPtr<VParameter, ValueNotifierList> copy() const override
     {
@@ -49,8 +49,8 @@ public:
 
     bool setGlobalValue(const StrongPtr<VValueBase>& value, const std::string& member) const override
     {
-        // Whether the component takes the value is not asked: what is announced
-        // is what the prototype holds now.
+        // Ignores whether the component accepts the value: announces what the prototype now
+        // holds.
         if (const StrongPtr<VValueBase> component = m_prototype->component(member))
             component->getValueFrom(value);
         if (isPrinted(50))

@@ -5,13 +5,13 @@
 
 namespace Orla {
 
-/// Turns a type that has its `VValueTrait` into a value and an input of saved
-/// networks, for as long as the library is loaded that has this one line:
+/// Makes a type with a `VValueTrait` available as a value and as an input of saved networks,
+/// while the library that contains this line is loaded:
 ///
 ///     const Orla::VValueType<Catalogue> catalogueType;
 ///
-/// Several libraries may do so for the same type: one of them answers, the
-/// others step in when it unloads.
+/// Several libraries may do so for the same type: one of them serves it, and the others take
+/// over when it is unloaded.
 template<class T>
 class VValueType {
 public:

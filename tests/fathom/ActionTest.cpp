@@ -1,4 +1,4 @@
-#include <fathom/Action.hpp> // first: proves that the header stands alone
+#include <fathom/Action.hpp> // first: the header must be self-contained
 
 #include "Recorders.hpp"
 
@@ -29,7 +29,7 @@ namespace {
 
 const VValueType<ActionPtr> actionType;
 
-// Does something when the action goes off that its input is connected to.
+// Records each update that the action connected to its input triggers.
 class Lamp final : public VObject {
 public:
     explicit Lamp(const std::string& name, int level = 0) : VObject{name, level, nullptr} {}
@@ -54,8 +54,8 @@ public:
     const VOutput<ActionPtr> pressed{this, "pressed", ActionPtr{}};
 };
 
-// A button and two lamps that are connected to it, far apart in their levels, and
-// one that is not.
+// A button, two lamps connected to it at the lowest and the highest level, and a lamp
+// that is not connected.
 class ActionTest : public testing::Test {
 protected:
     ActionTest()
@@ -87,13 +87,13 @@ protected:
 
 } // namespace
 
-TEST_F(ActionTest, carriesTheNumberThatItWasMadeWith)
+TEST_F(ActionTest, storesTheNumberItIsConstructedWith)
 {
     EXPECT_EQ(VAction(-3.5).number, -3.5);
     EXPECT_EQ(VAction().number, 0.0);
 }
 
-TEST_F(ActionTest, makesEveryObjectThatListensRunOnceWithItsNumberInThePool)
+TEST_F(ActionTest, runsEachConnectedObjectOnceWithItsNumberInThePool)
 {
     EXPECT_TRUE(m_action->emitAction(m_pool, parameter()));
     EXPECT_TRUE(VScheduler::isDue(m_low, m_pool));
@@ -107,7 +107,7 @@ TEST_F(ActionTest, makesEveryObjectThatListensRunOnceWithItsNumberInThePool)
     EXPECT_THAT(m_apart->numbers, IsEmpty());
 }
 
-TEST_F(ActionTest, goesOffAnewEachTimeItIsEmitted)
+TEST_F(ActionTest, triggersEachTimeItIsEmitted)
 {
     for (const double number : {1.0, 2.0, 2.0}) {
         m_action->number = number;
@@ -125,7 +125,7 @@ TEST_F(ActionTest, leavesOtherPoolsAlone)
     EXPECT_TRUE(VScheduler::isDue(m_low, other));
 }
 
-TEST_F(ActionTest, changesNoValueAndAnnouncesNone)
+TEST_F(ActionTest, neitherChangesNorAnnouncesAValue)
 {
     const StrongPtr<VValueBase> value = parameter()->getLocalValue(m_pool);
     VScheduler::run(m_pool);
@@ -143,7 +143,7 @@ TEST_F(ActionTest, schedulesNothingWithoutAParameter)
     EXPECT_FALSE(VScheduler::isDue(m_pool));
 }
 
-TEST_F(ActionTest, schedulesNothingForAParameterThatIsGone)
+TEST_F(ActionTest, schedulesNothingForADestroyedParameter)
 {
     std::optional<VValueParameter<ActionPtr>> owned(std::in_place, ActionPtr{}, "gone", nullptr);
     const StrongPtr<VParameter> gone(&*owned);
@@ -154,7 +154,7 @@ TEST_F(ActionTest, schedulesNothingForAParameterThatIsGone)
     EXPECT_FALSE(VScheduler::isDue(m_pool));
 }
 
-TEST_F(ActionTest, succeedsWhereNobodyListens)
+TEST_F(ActionTest, succeedsWhenNothingIsConnected)
 {
     EXPECT_TRUE(m_low->detach(m_low->trigger.slot()));
     EXPECT_TRUE(m_high->detach(m_high->trigger.slot()));
@@ -170,7 +170,7 @@ TEST_F(ActionTest, reachesAnObjectThroughItsOwnInput)
     EXPECT_FALSE(VScheduler::isDue(m_low, m_pool));
 }
 
-TEST_F(ActionTest, doesNotReachAnObjectThatWasRemoved)
+TEST_F(ActionTest, doesNotReachARemovedObject)
 {
     EXPECT_TRUE(VManagedObject::remove(m_low));
     EXPECT_TRUE(m_action->emitAction(m_pool, parameter()));
@@ -196,7 +196,7 @@ TEST_F(ActionTest, hasNoTextForm)
     EXPECT_EQ(action, m_action);
 }
 
-TEST_F(ActionTest, becomesAValueByOneLine)
+TEST_F(ActionTest, isMadeAValueTypeByASingleDeclaration)
 {
     bool ok = true;
     const StrongPtr<VValueBase> value = VValueCreator::createValue("StrongPtr<VAction>", "0.25", ok);
@@ -209,7 +209,7 @@ TEST_F(ActionTest, becomesAValueByOneLine)
     EXPECT_FALSE(value->isDifferentFrom(&other));
 }
 
-TEST_F(ActionTest, travelsThroughItsParameterToThoseWhoEmitIt)
+TEST_F(ActionTest, reachesConnectedInputsThroughItsParameter)
 {
     m_button->pressed(m_pool) << m_action;
     VScheduler::run(m_pool);

@@ -1,6 +1,6 @@
-// Loads fathom and client libraries as a host does that knows none of them: this
-// program links only what lies below fathom, and meets everything else through
-// the registries.
+// Loads fathom and client libraries like a host that knows none of them: this program
+// links only the libraries below fathom and reaches everything else through the
+// registries.
 
 #include "Recorders.hpp"
 
@@ -37,7 +37,7 @@ constexpr const char* fathom = FATHOM_LIBRARY;
 constexpr const char* first = FIRST_CLIENT;
 constexpr const char* second = SECOND_CLIENT;
 
-// A library for as long as this object lives.
+// Keeps a library loaded while this object exists.
 class Library {
 public:
     explicit Library(const char* path, int scope = RTLD_LOCAL) : m_handle{dlopen(path, RTLD_NOW | scope)}
@@ -67,7 +67,7 @@ bool isLoaded(const char* path)
     return handle != nullptr;
 }
 
-// A type as this program, which cannot name it, meets it.
+// A type that this program knows only by its mangled name.
 class ForeignType : public std::type_info {
 public:
     explicit ForeignType(const char* name) : std::type_info(name) {}
@@ -88,7 +88,7 @@ std::vector<std::string> components(const char* type)
     return VValueComponents::names(ForeignType(type));
 }
 
-// What the process knows.
+// A snapshot of the registries and counters of the process.
 struct Registries {
     std::vector<std::string> values = VValueCreator::names();
     std::vector<std::string> slots = TypedSlotCreator::typeKeys();
@@ -137,7 +137,7 @@ void useFathom()
     EXPECT_EQ(slot->parameter()->DefaultValue()->Text(), "2:3");
 }
 
-// Runs a counter of each library in turn, each of which reads the one before.
+// Runs one counter per type; each reads the previous one. Returns what they report.
 std::string runCounters(const std::vector<std::string>& types)
 {
     const StrongPtr<ValuePool> pool(new ValuePool);
@@ -145,7 +145,7 @@ std::string runCounters(const std::vector<std::string>& types)
     for (const std::string& type : types) {
         const StrongPtr<VObject> counter = VObject::createObject(type, type);
         if (!counter)
-            return "there is no " + type;
+            return "cannot create " + type;
         if (!counters.empty()
             && !counter->attachOutput(counters.back()->findOutput("counted"), counter->findSlot("tally"), ""))
             return "not connected";
@@ -169,8 +169,8 @@ std::string textOf(const char* type, const std::string& text)
     return ok && value ? value->Text() : "none";
 }
 
-// Holds things beyond the end of the libraries that they come from: made before
-// those are loaded, it is destroyed after their statics when the program ends.
+// Holds objects past the end of the libraries they come from: constructed before those
+// are loaded, the keeper is destroyed after their statics when the program exits.
 struct Keeper {
     ~Keeper()
     {
@@ -179,8 +179,8 @@ struct Keeper {
         value->setValueFromText("6[1,9]");
         const std::string text = "value " + value->Text() + ", copy " + value->copy()->Text() + ", component "
                                  + component->Text() + ", slot " + slot->parameter()->newValue()->Text() + ", creator "
-                                 + (value->getValueCreator() ? "there" : "gone") + " and "
-                                 + (*typedCreator ? "in use" : "forgotten");
+                                 + (value->getValueCreator() ? "present" : "absent") + ", pointer "
+                                 + (*typedCreator ? "set" : "null");
         std::fprintf(stderr, "%s\n", text.c_str());
     }
 
@@ -190,7 +190,7 @@ struct Keeper {
     StrongPtr<VSlotContainer> container;
     StrongPtr<VSlot> slot;
     StrongPtr<VValueCreator> creator;
-    void** typedCreator = nullptr; // where values of the type look for it
+    void** typedCreator = nullptr; // the pointer through which values of the type find it
     StrongPtr<TypedSlotCreator> slotCreator;
     StrongPtr<VObject> object;
     StrongPtr<ValuePool> pool;
@@ -198,7 +198,7 @@ struct Keeper {
 
 Keeper keeper;
 
-// Ends the program with everything in the keeper.
+// Fills the keeper and exits the program.
 [[noreturn]] void keepAndExit(const char* library, const char* objectType)
 {
     void* const handle = dlopen(library, RTLD_NOW);
@@ -227,7 +227,7 @@ protected:
 
     ~BoundariesTest() override
     {
-        EXPECT_FALSE(isLoaded(fathom) || isLoaded(first) || isLoaded(second)) << "a library is still there";
+        EXPECT_FALSE(isLoaded(fathom) || isLoaded(first) || isLoaded(second)) << "a library is still loaded";
         EXPECT_EQ(Registries(), m_before);
     }
 
@@ -243,14 +243,14 @@ protected:
 
 } // namespace
 
-TEST_F(BoundariesTest, nothingIsKnownBelowFathom)
+TEST_F(BoundariesTest, nothingIsRegisteredBelowFathom)
 {
     EXPECT_THAT(m_before.values, IsEmpty());
     EXPECT_THAT(m_before.slots, IsEmpty());
     EXPECT_THAT(m_before.objects, IsEmpty());
 }
 
-TEST_F(BoundariesTest, fathomRegistersItsCoreTypesAlone)
+TEST_F(BoundariesTest, fathomRegistersOnlyItsCoreTypes)
 {
     const Library library(fathom);
     const Registries now;
@@ -265,7 +265,7 @@ TEST_F(BoundariesTest, fathomRegistersItsCoreTypesAlone)
         EXPECT_TRUE(VValueCreator::find(name));
 }
 
-TEST_F(BoundariesTest, fathomUnloadsAndLoadsAgain)
+TEST_F(BoundariesTest, fathomCanBeUnloadedAndReloaded)
 {
     for (int i = 0; i < 3; ++i) {
         {
@@ -278,12 +278,12 @@ TEST_F(BoundariesTest, fathomUnloadsAndLoadsAgain)
     }
 }
 
-TEST_P(BoundariesInScope, aClientLibraryUnloadsAndLoadsAgain)
+TEST_P(BoundariesInScope, aClientLibraryCanBeUnloadedAndReloaded)
 {
     for (int i = 0; i < 3; ++i) {
         {
             const Library library(first, GetParam());
-            EXPECT_TRUE(isLoaded(fathom)) << "a library brings what it needs";
+            EXPECT_TRUE(isLoaded(fathom)) << "the client loads its dependencies";
             useFathom();
             EXPECT_EQ(textOf("FirstValue", "2.5"), "2.5m");
             EXPECT_THAT(components(firstValue), ElementsAre("metres"));
@@ -296,7 +296,7 @@ TEST_P(BoundariesInScope, aClientLibraryUnloadsAndLoadsAgain)
     }
 }
 
-TEST_P(BoundariesInScope, fathomStaysWhileAnybodyUsesIt)
+TEST_P(BoundariesInScope, fathomStaysLoadedWhileAClientUsesIt)
 {
     Library library(fathom, GetParam());
     const Library client(first, GetParam());
@@ -305,14 +305,14 @@ TEST_P(BoundariesInScope, fathomStaysWhileAnybodyUsesIt)
     useFathom();
 }
 
-TEST_P(BoundariesInScope, valuesOfOneLibraryAreReadInAnother)
+TEST_P(BoundariesInScope, valuesOfOneLibraryCanBeReadInAnother)
 {
     const Library one(first, GetParam());
     const Library two(second, GetParam());
     EXPECT_EQ(runCounters({"FirstCounter", "SecondCounter", "FirstCounter"}),
               "First sees 1.5 and counts 1; Second sees 1.5 and counts 2; First sees 1.5 and counts 3; ");
 
-    // Each value type of its own is a stranger to the other library.
+    // A library cannot use the value type that only the other one defines.
     const StrongPtr<VObject> counter = VObject::createObject("FirstCounter", "counter");
     bool ok = false;
     const StrongPtr<VValueBase> own = VValueCreator::createValue("FirstValue", "2", ok);
@@ -323,7 +323,7 @@ TEST_P(BoundariesInScope, valuesOfOneLibraryAreReadInAnother)
     VManagedObject::remove(counter);
 }
 
-TEST_P(BoundariesInScope, aSecondLibraryWithTheSameTypeStepsInWhenTheFirstGoes)
+TEST_P(BoundariesInScope, aSharedTypeStaysRegisteredWhenOneOfItsLibrariesIsUnloaded)
 {
     for (const bool inOrder : {true, false}) {
         SCOPED_TRACE(inOrder);
@@ -345,7 +345,7 @@ TEST_P(BoundariesInScope, aSecondLibraryWithTheSameTypeStepsInWhenTheFirstGoes)
     }
 }
 
-TEST_P(BoundariesInScope, aDifferentTypeUnderATakenNameIsRefusedAndReportedWithBothOwners)
+TEST_P(BoundariesInScope, aTakenNameIsRefusedForAnotherTypeAndReportedWithBothOwners)
 {
     Library one(first, GetParam());
     EXPECT_THAT(m_warnings.all(), IsEmpty());
@@ -367,13 +367,14 @@ TEST_P(BoundariesInScope, aDifferentTypeUnderATakenNameIsRefusedAndReportedWithB
 INSTANTIATE_TEST_SUITE_P(Local, BoundariesInScope, testing::Values(RTLD_LOCAL));
 INSTANTIATE_TEST_SUITE_P(Global, BoundariesInScope, testing::Values(RTLD_GLOBAL));
 
-TEST_F(BoundariesDeathTest, whatOutlivesFathomAtExitDoesNoHarm)
+TEST_F(BoundariesDeathTest, objectsThatOutliveFathomAtExitAreHarmless)
 {
     EXPECT_EXIT(keepAndExit(fathom, nullptr), testing::ExitedWithCode(0),
-                "value 6\\[1,9\\]@8, copy 6\\[1,9\\]@8, component 1:9, slot 2:3, creator gone and forgotten");
+                "value 6\\[1,9\\]@8, copy 6\\[1,9\\]@8, component 1:9, slot 2:3, creator absent, pointer null");
 }
 
-TEST_F(BoundariesDeathTest, whatOutlivesAClientLibraryAtExitDoesNoHarm)
+TEST_F(BoundariesDeathTest, objectsThatOutliveAClientLibraryAtExitAreHarmless)
 {
-    EXPECT_EXIT(keepAndExit(first, "FirstCounter"), testing::ExitedWithCode(0), "slot 2:3, creator gone and forgotten");
+    EXPECT_EXIT(keepAndExit(first, "FirstCounter"), testing::ExitedWithCode(0),
+                "slot 2:3, creator absent, pointer null");
 }

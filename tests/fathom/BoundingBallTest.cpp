@@ -1,4 +1,4 @@
-#include <fathom/BoundingBall.hpp> // first: proves that the header stands alone
+#include <fathom/BoundingBall.hpp> // first: the header must be self-contained
 
 #include <gtest/gtest.h>
 
@@ -12,14 +12,14 @@ TEST(BoundingBall, isWrittenAsCenterAndRadius)
     EXPECT_EQ(Trait::Text(BoundingBall({1, 2, 3}, 4.5)), "{1,2,3}@4.5");
 }
 
-TEST(BoundingBall, isReadFromAroundTheAtSign)
+TEST(BoundingBall, readsItsCenterBeforeAndItsRadiusAfterTheAtSign)
 {
     const struct {
         const char* text;
         BoundingBall ball;
     } cases[] = {
         {"{1,2,3}@4", BoundingBall({1, 2, 3}, 4)},
-        {"{1,2,3}@x@4", BoundingBall({1, 2, 3}, 4)}, // the center before the first, the radius behind the last
+        {"{1,2,3}@x@4", BoundingBall({1, 2, 3}, 4)}, // center before the first, radius after the last
         {"{1,2,3}@{4,5,6}@7", BoundingBall({1, 2, 3}, 7)},
         {"5", BoundingBall({5, 5, 5}, 5)},
         {"{5}@-1", BoundingBall({5, 5, 5}, -1)},
@@ -33,7 +33,7 @@ TEST(BoundingBall, isReadFromAroundTheAtSign)
     }
 }
 
-TEST(BoundingBall, keepsEverythingWithoutARadius)
+TEST(BoundingBall, keepsItsValueIfTheTextHasNoRadius)
 {
     for (const char* text : {"", "{1,2,3}@", "{1,2,3}@x", "{1,2,3}", "@"}) {
         SCOPED_TRACE(text);
@@ -43,7 +43,7 @@ TEST(BoundingBall, keepsEverythingWithoutARadius)
     }
 }
 
-TEST(BoundingBall, takesTheNewRadiusAlsoWhenTheCenterIsRefused)
+TEST(BoundingBall, takesTheNewRadiusEvenIfTheCenterIsRefused)
 {
     BoundingBall ball({9, 8, 7}, 3);
     EXPECT_FALSE(Trait::setValueFromText(ball, "x@4"));

@@ -1,4 +1,4 @@
-#include <fathom/BoundingBox.hpp> // first: proves that the header stands alone
+#include <fathom/BoundingBox.hpp> // first: the header must be self-contained
 
 #include <fathom/VConnectionTypeColors.hpp>
 
@@ -19,13 +19,13 @@ Box makeBox(const Point& minimum, const Point& maximum)
     return Loam::makeStrong<Gyre::BoundingBox>(minimum, maximum);
 }
 
-TEST(BoundingBox, isWrittenByItsCorners)
+TEST(BoundingBox, isWrittenAsItsCorners)
 {
     EXPECT_EQ(Trait::Text(makeBox({0, 0, 0}, {1, 2.5, 3})), "[{0,0,0};{1,2.5,3}]");
     EXPECT_EQ(Trait::Text(nullptr), "[?;?]");
 }
 
-TEST(BoundingBox, isMadeWhereThereIsNone)
+TEST(BoundingBox, isCreatedIfThePointerIsNull)
 {
     Box box;
     EXPECT_TRUE(Trait::setValueFromText(box, "[{0,0,0};{2,3,6}]"));
@@ -35,7 +35,7 @@ TEST(BoundingBox, isMadeWhereThereIsNone)
     EXPECT_EQ(box->ball().radius(), 3.5);
 }
 
-TEST(BoundingBox, isChangedInPlaceForAllItsHolders)
+TEST(BoundingBox, isChangedInPlaceForAllItsOwners)
 {
     Box box = makeBox({0, 0, 0}, {1, 1, 1});
     box->grow({5, 5, 5});
@@ -43,11 +43,11 @@ TEST(BoundingBox, isChangedInPlaceForAllItsHolders)
     EXPECT_TRUE(Trait::setValueFromText(box, "[{0,0,0};{2,3,6}]"));
     EXPECT_EQ(box, other);
     EXPECT_EQ(other->maximum(), Point(2, 3, 6));
-    EXPECT_EQ(other->ball().radius(), 3.5) << "the ball follows";
+    EXPECT_EQ(other->ball().radius(), 3.5) << "the ball is updated too";
     EXPECT_FALSE(other->isGrown());
 }
 
-TEST(BoundingBox, startsFromItsOldCornersWhereANumberIsMissing)
+TEST(BoundingBox, keepsACoordinateWhoseNumberIsMissing)
 {
     Box box = makeBox({1, 2, 3}, {4, 5, 6});
     EXPECT_TRUE(Trait::setValueFromText(box, "[{x,0,x};{x,9,x}]"));
@@ -57,7 +57,7 @@ TEST(BoundingBox, startsFromItsOldCornersWhereANumberIsMissing)
     EXPECT_EQ(Trait::Text(fresh), "[{0,1,0};{2,2,2}]");
 }
 
-TEST(BoundingBox, isLeftAloneUnlessBothCornersCanBeRead)
+TEST(BoundingBox, isUnchangedUnlessBothCornersCanBeRead)
 {
     for (const char* text : {"", "[;]", "[{x};{1,1,1}]", "[{1,1,1};{x}]", "[{1,1,1};", "x"}) {
         SCOPED_TRACE(text);
@@ -70,16 +70,16 @@ TEST(BoundingBox, isLeftAloneUnlessBothCornersCanBeRead)
     }
 }
 
-TEST(BoundingBox, takesItsCornersFromTheFirstAndTheLastPiece)
+TEST(BoundingBox, readsItsCornersFromTheFirstAndTheLastPiece)
 {
     Box box;
     EXPECT_TRUE(Trait::setValueFromText(box, "[{1,1,1};{5,5,5};{2,2,2}]"));
     EXPECT_EQ(Trait::Text(box), "[{1,1,1};{2,2,2}]");
-    EXPECT_TRUE(Trait::setValueFromText(box, "7")) << "without a separator both are the whole text";
+    EXPECT_TRUE(Trait::setValueFromText(box, "7")) << "without a separator, the whole text gives both";
     EXPECT_EQ(Trait::Text(box), "[{7,7,7};{7,7,7}]");
 }
 
-TEST(BoundingBox, isLetGoByTheMarkersButNotChanged)
+TEST(BoundingBox, isReleasedButNotChangedByAQuestionMark)
 {
     for (const char* text : {"[?;?]", "[?;{1,1,1}]", "[{1,1,1};?]"}) {
         SCOPED_TRACE(text);
@@ -91,7 +91,7 @@ TEST(BoundingBox, isLetGoByTheMarkersButNotChanged)
     }
 }
 
-TEST(BoundingBox, isCopiedWithItsValueSoThatPoolsDoNotShareIt)
+TEST(BoundingBox, isCopiedWithItsValueAndNotSharedBetweenPools)
 {
     const VValue<Box> value(makeBox({0, 0, 0}, {1, 1, 1}));
     const StrongPtr<VTypedValueBase<Box>> copy(value.copy());
@@ -106,7 +106,7 @@ TEST(BoundingBox, isCopiedWithItsValueSoThatPoolsDoNotShareIt)
     EXPECT_FALSE(VValueOperations<Box>::copyOf(nullptr));
 }
 
-TEST(BoundingBox, saysWhatItIs)
+TEST(BoundingBox, isPrintedBySpeak)
 {
     testing::internal::CaptureStdout();
     speak(Box(), "here");

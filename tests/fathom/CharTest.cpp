@@ -16,14 +16,14 @@ std::vector<char> samples<char>()
 INSTANTIATE_TYPED_TEST_SUITE_P(Char, ValueLaws, char);
 INSTANTIATE_TYPED_TEST_SUITE_P(Char, SlotLaws, char);
 
-TEST(Char, isNulAtFirst)
+TEST(Char, isNulByDefault)
 {
     char character = 'x';
     EXPECT_TRUE(VValue<char>().getValue(character));
     EXPECT_EQ(character, '\0');
 }
 
-TEST(Char, isOneCharacterOrTheEmptyTextForNul)
+TEST(Char, acceptsOneCharacterOrTheEmptyTextForNul)
 {
     VValue<char> value('x');
     EXPECT_FALSE(value.setValueFromText("ab"));

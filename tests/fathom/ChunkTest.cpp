@@ -1,4 +1,4 @@
-#include <fathom/Chunk.hpp> // first: proves that the header stands alone
+#include <fathom/Chunk.hpp> // first: the header must be self-contained
 
 #include "support/Locales.hpp"
 
@@ -35,7 +35,7 @@ std::vector<T> contentOf(const Array<T>& array)
     return {array->begin(), array->end()};
 }
 
-// The rule in its plain form: every piece by itself, through a string of its own.
+// Reference implementation: reads each piece from its own string.
 template<class T>
 bool readPiecewise(std::vector<T>& numbers, const std::string& text)
 {
@@ -76,7 +76,7 @@ class NumberArrays : public testing::Test {
 using NumberTypes = testing::Types<double, float, short, int, long long>;
 TYPED_TEST_SUITE(NumberArrays, NumberTypes);
 
-TYPED_TEST(NumberArrays, areWrittenWithACommaBehindEachNumber)
+TYPED_TEST(NumberArrays, areWrittenWithACommaAfterEachNumber)
 {
     using Trait = VValueTrait<Array<TypeParam>>;
     EXPECT_EQ(Trait::Text(arrayOf<TypeParam>({1, 2, 3})), "1,2,3,");
@@ -84,7 +84,7 @@ TYPED_TEST(NumberArrays, areWrittenWithACommaBehindEachNumber)
     EXPECT_EQ(Trait::Text(nullptr), "");
 }
 
-TYPED_TEST(NumberArrays, areReadWithOrWithoutTheLastComma)
+TYPED_TEST(NumberArrays, areReadWithOrWithoutATrailingComma)
 {
     using Trait = VValueTrait<Array<TypeParam>>;
     for (const char* text : {"1,2,3,", "1,2,3", " 1, 2,\n3 ,"}) {
@@ -95,7 +95,7 @@ TYPED_TEST(NumberArrays, areReadWithOrWithoutTheLastComma)
     }
 }
 
-TYPED_TEST(NumberArrays, haveAZeroWhereAPieceCannotBeRead)
+TYPED_TEST(NumberArrays, holdZeroWhereAPieceCannotBeRead)
 {
     const struct {
         std::string text;
@@ -120,16 +120,16 @@ TYPED_TEST(NumberArrays, haveAZeroWhereAPieceCannotBeRead)
     }
 }
 
-TYPED_TEST(NumberArrays, areReplacedAlsoByARefusedText)
+TYPED_TEST(NumberArrays, areReplacedEvenIfTheTextIsRefused)
 {
     const Array<TypeParam> old = arrayOf<TypeParam>({9});
     Array<TypeParam> array = old;
     EXPECT_FALSE(ParseString<TypeParam>(array, "x,y"));
     EXPECT_EQ(contentOf(array), (std::vector<TypeParam>{0, 0}));
-    EXPECT_EQ(contentOf(old), (std::vector<TypeParam>{9})) << "other holders keep theirs";
+    EXPECT_EQ(contentOf(old), (std::vector<TypeParam>{9})) << "other owners keep the old array";
 }
 
-TYPED_TEST(NumberArrays, areReadPieceByPieceWhateverTheText)
+TYPED_TEST(NumberArrays, matchThePieceByPieceReferenceForAnyText)
 {
     const std::string characters = "0123456789,,,,.eE+-xinfa \t\n@";
     std::mt19937 random(1);
@@ -146,7 +146,7 @@ TYPED_TEST(NumberArrays, areReadPieceByPieceWhateverTheText)
         expectPiecewise<TypeParam>(text);
 }
 
-TYPED_TEST(NumberArrays, readBackAsTheSameBits)
+TYPED_TEST(NumberArrays, areReadBackBitForBit)
 {
     std::mt19937_64 random(2);
     std::vector<TypeParam> numbers;
@@ -169,7 +169,7 @@ TYPED_TEST(NumberArrays, readBackAsTheSameBits)
     EXPECT_EQ(text, plain);
 }
 
-TYPED_TEST(NumberArrays, haveTheSameTextUnderADecimalComma)
+TYPED_TEST(NumberArrays, haveTheSameTextInALocaleWithADecimalComma)
 {
     const UnderDecimalComma comma;
     const Array<TypeParam> array = arrayOf<TypeParam>({TypeParam(5) / 2, 1000});
@@ -180,20 +180,20 @@ TYPED_TEST(NumberArrays, haveTheSameTextUnderADecimalComma)
     EXPECT_EQ(contentOf(read), contentOf(array));
 }
 
-TYPED_TEST(NumberArrays, areDifferentByTheirContent)
+TYPED_TEST(NumberArrays, areComparedByContent)
 {
     using Operations = VValueOperations<Array<TypeParam>>;
     const Array<TypeParam> none;
     const Array<TypeParam> empty = arrayOf<TypeParam>({});
     const Array<TypeParam> one = arrayOf<TypeParam>({1});
     EXPECT_FALSE(Operations::areDifferent(none, none));
-    EXPECT_TRUE(Operations::areDifferent(none, empty)) << "no array is not an empty one";
+    EXPECT_TRUE(Operations::areDifferent(none, empty)) << "null differs from an empty array";
     EXPECT_FALSE(Operations::areDifferent(one, arrayOf<TypeParam>({1})));
     EXPECT_TRUE(Operations::areDifferent(one, arrayOf<TypeParam>({2})));
     EXPECT_TRUE(Operations::areDifferent(one, arrayOf<TypeParam>({1, 1})));
 }
 
-TEST(Arrays, bearTheNamesThatUsersKnow)
+TEST(Arrays, haveUserVisibleTypeNames)
 {
     EXPECT_EQ(Loam::Typename(typeid(Array<double>)), "double[]");
     EXPECT_EQ(Loam::Typename(typeid(Array<float>)), "float[]");
@@ -205,7 +205,7 @@ TEST(Arrays, bearTheNamesThatUsersKnow)
                 && VValueTrait<Array<long long>>::TypenameInitialized);
 }
 
-TEST(Arrays, takeTheirMemoryBackFromTheTotal)
+TEST(Arrays, subtractTheirMemoryFromTheTotalWhenDestroyed)
 {
     const std::size_t before = ChunkBase::TotalMemsize;
     {

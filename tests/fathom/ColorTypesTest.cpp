@@ -1,4 +1,4 @@
-#include <fathom/ColorTypes.hpp> // first: proves that the header stands alone
+#include <fathom/ColorTypes.hpp> // first: the header must be self-contained
 
 #include "support/Locales.hpp"
 
@@ -23,7 +23,7 @@ TEST(Colour, isWrittenWithSixDigits)
               "(inf,-inf,nan,1.67772e+07)");
 }
 
-TEST(Colour, isReadWithBlanksAndWithoutItsEnd)
+TEST(Colour, isReadWithBlanksAndAMissingEnd)
 {
     const struct {
         const char* text;
@@ -47,11 +47,11 @@ TEST(Colour, isReadWithBlanksAndWithoutItsEnd)
         SCOPED_TRACE(text);
         Colour read{9, 9, 9, 9};
         EXPECT_EQ(Trait::setValueFromText(read, text), ok);
-        EXPECT_EQ(read, colour) << "what is missing is 1, never what was there before";
+        EXPECT_EQ(read, colour) << "missing components become 1 and do not keep their old value";
     }
 }
 
-TEST(Colour, isReadAsSscanfReadsIt)
+TEST(Colour, isReadLikeSscanf)
 {
     const InClassicLocale classic;
     const std::string characters = "0123456789.e+-xinfa (),,, \n";
@@ -69,7 +69,7 @@ TEST(Colour, isReadAsSscanfReadsIt)
     }
 }
 
-TEST(Colour, hasTheSameTextUnderADecimalComma)
+TEST(Colour, hasTheSameTextInALocaleWithADecimalComma)
 {
     const UnderDecimalComma comma;
     EXPECT_EQ(Trait::Text({0.5f, 1, 0, 1}), "(0.5,1,0,1)");

@@ -1,4 +1,4 @@
-#include <fathom/CommandLineParser.hpp> // first: proves that the header stands alone
+#include <fathom/CommandLineParser.hpp> // first: the header must be self-contained
 
 #include <loam/Environment.hpp>
 
@@ -27,7 +27,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Notes what it is handed, and refuses one of the texts.
+// Records its options and arguments and refuses one given text.
 class Recorder final : public CommandLineParser {
 public:
     explicit Recorder(std::string refused = "refuse me") : m_refused{std::move(refused)} {}
@@ -56,11 +56,11 @@ bool process(CommandLineParser& parser, std::vector<std::string> words)
     return parser.process(static_cast<int>(words.size()), pointers.data());
 }
 
-// The list of data directories is made once in a process, so each of these tests
-// asks for it in a child, which starts without.
+// The list of data directories is built once per process, so each of these tests
+// requests it in a child process, which starts without one.
 class DataDirsDeathTest : public testing::Test {
 protected:
-    // The child goes on from here, in the same folder.
+    // The child process continues from here, in the same folder.
     DataDirsDeathTest() { GTEST_FLAG_SET(death_test_style, "fast"); }
 
     void SetUp() override
@@ -81,13 +81,13 @@ protected:
 
     std::string path(const std::string& name) const { return (m_folder / name).string(); }
 
-    // Looks for data in the folder "here", which is the working directory.
+    // The working directory of the child process.
     std::string current() const { return path("here"); }
 
     static std::string builtIn() { return Loam::getExecutableDir() + "/../../data"; }
 
-    // Runs `body` and ends; says what it returned between marks.
-    void inAProcessOfItsOwn(const std::string& dataVariable, const std::function<std::string()>& body) const
+    // Runs `body`, prints its output and its result between marks, and exits.
+    void runInChildProcess(const std::string& dataVariable, const std::function<std::string()>& body) const
     {
         fs::current_path(current());
         ::setenv("TARN_DATA", dataVariable.c_str(), 1);
@@ -106,7 +106,7 @@ protected:
         return all;
     }
 
-    static auto said(const std::string& text) { return testing::HasSubstr("{{" + text + "}}"); }
+    static auto printed(const std::string& text) { return testing::HasSubstr("{{" + text + "}}"); }
 
 private:
     fs::path m_folder;
@@ -124,7 +124,7 @@ TEST(CommandLineParser, callsNoHandlerForAProgramWithoutArguments)
     EXPECT_THAT(parser.seen, IsEmpty());
 }
 
-TEST(CommandLineParser, tellsOptionsFromArgumentsByTheFirstCharacterAndTakesOnlyThatAway)
+TEST(CommandLineParser, distinguishesOptionsByTheFirstCharacterAndStripsOnlyThat)
 {
     const struct {
         const char* text;
@@ -152,14 +152,14 @@ TEST(CommandLineParser, tellsOptionsFromArgumentsByTheFirstCharacterAndTakesOnly
     }
 }
 
-TEST(CommandLineParser, handsTheArgumentsOnInTheirOrderAndNotTheProgramsName)
+TEST(CommandLineParser, passesArgumentsInOrderWithoutTheProgramName)
 {
     Recorder parser;
     EXPECT_TRUE(process(parser, {"-program", "b", "-a", "+c", "b"}));
     EXPECT_THAT(parser.seen, ElementsAre("argument b", "option a", "argument c", "argument b"));
 }
 
-TEST(CommandLineParser, looksAtNothingAfterAHandlerRefused)
+TEST(CommandLineParser, stopsAfterAHandlerRefuses)
 {
     for (const char* refused : {"two", "-two"}) {
         SCOPED_TRACE(refused);
@@ -171,7 +171,7 @@ TEST(CommandLineParser, looksAtNothingAfterAHandlerRefused)
     EXPECT_FALSE(process(parser, {"program", "one", "last"}));
 }
 
-TEST(CommandLineParser, skipsEntriesThatAreNull)
+TEST(CommandLineParser, skipsNullEntries)
 {
     char name[] = "program";
     char text[] = "-a";
@@ -181,7 +181,7 @@ TEST(CommandLineParser, skipsEntriesThatAreNull)
     EXPECT_THAT(parser.seen, ElementsAre("option a"));
 }
 
-TEST(CommandLineParser, saysWhatItIgnoredWhereNobodyHandlesIt)
+TEST(CommandLineParser, reportsWhatItIgnoresByDefault)
 {
     CommandLineParser parser;
     testing::internal::CaptureStdout();
@@ -192,7 +192,7 @@ TEST(CommandLineParser, saysWhatItIgnoredWhereNobodyHandlesIt)
                                                       "Ignored option '' -> define own overload to process\n");
 }
 
-TEST(CommandLineParser, saysAllOfATextThatHoldsAZeroByte)
+TEST(CommandLineParser, reportsTheWholeOfATextWithAZeroByte)
 {
     CommandLineParser parser;
     testing::internal::CaptureStdout();
@@ -201,40 +201,40 @@ TEST(CommandLineParser, saysAllOfATextThatHoldsAZeroByte)
               std::string("Ignored option 'a\0b' -> define own overload to process\n", 55));
 }
 
-TEST_F(DataDirsDeathTest, areTheWorkingDirectoryTheProgramsDataAndThoseOfTheVariable)
+TEST_F(DataDirsDeathTest, listTheWorkingDirectoryTheProgramsDataAndTheVariablesEntries)
 {
-    EXPECT_EXIT(inAProcessOfItsOwn("C:\\data;D:\\more", dataDirs), testing::ExitedWithCode(0),
-                said(current() + "\n" + builtIn() + "\nC:/data\nD:/more\n"));
+    EXPECT_EXIT(runInChildProcess("C:\\data;D:\\more", dataDirs), testing::ExitedWithCode(0),
+                printed(current() + "\n" + builtIn() + "\nC:/data\nD:/more\n"));
 }
 
-TEST_F(DataDirsDeathTest, areTwoWithoutTheVariable)
+TEST_F(DataDirsDeathTest, haveTwoEntriesWithoutTheVariable)
 {
-    EXPECT_EXIT(inAProcessOfItsOwn("", dataDirs), testing::ExitedWithCode(0),
-                said(current() + "\n" + builtIn() + "\n"));
+    EXPECT_EXIT(runInChildProcess("", dataDirs), testing::ExitedWithCode(0),
+                printed(current() + "\n" + builtIn() + "\n"));
     const auto unset = [] {
         ::unsetenv("TARN_DATA");
         return dataDirs();
     };
-    EXPECT_EXIT(inAProcessOfItsOwn("/gone", unset), testing::ExitedWithCode(0),
-                said(current() + "\n" + builtIn() + "\n"));
+    EXPECT_EXIT(runInChildProcess("/gone", unset), testing::ExitedWithCode(0),
+                printed(current() + "\n" + builtIn() + "\n"));
 }
 
-TEST_F(DataDirsDeathTest, keepEmptyPiecesOfTheVariable)
+TEST_F(DataDirsDeathTest, keepEmptyEntriesOfTheVariable)
 {
-    EXPECT_EXIT(inAProcessOfItsOwn(";/a;;/b c", dataDirs), testing::ExitedWithCode(0),
-                said(current() + "\n" + builtIn() + "\n\n/a\n\n/b c\n"));
+    EXPECT_EXIT(runInChildProcess(";/a;;/b c", dataDirs), testing::ExitedWithCode(0),
+                printed(current() + "\n" + builtIn() + "\n\n/a\n\n/b c\n"));
 }
 
-TEST_F(DataDirsDeathTest, areWithoutAWorkingDirectoryThatWasDeleted)
+TEST_F(DataDirsDeathTest, omitADeletedWorkingDirectory)
 {
     const auto deleted = [this] {
         fs::remove(current());
         return dataDirs();
     };
-    EXPECT_EXIT(inAProcessOfItsOwn("/a", deleted), testing::ExitedWithCode(0), said(builtIn() + "\n/a\n"));
+    EXPECT_EXIT(runInChildProcess("/a", deleted), testing::ExitedWithCode(0), printed(builtIn() + "\n/a\n"));
 }
 
-TEST_F(DataDirsDeathTest, stayWhatTheyWereWhenFirstAskedFor)
+TEST_F(DataDirsDeathTest, areFixedByTheFirstCall)
 {
     const auto askedTwice = [] {
         const std::list<std::string>* const first = &CommandLineParser::getDataDirs();
@@ -242,22 +242,22 @@ TEST_F(DataDirsDeathTest, stayWhatTheyWereWhenFirstAskedFor)
         fs::current_path("/");
         return dataDirs() + (first == &CommandLineParser::getDataDirs() ? "same" : "another");
     };
-    EXPECT_EXIT(inAProcessOfItsOwn("/early", askedTwice), testing::ExitedWithCode(0),
-                said(current() + "\n" + builtIn() + "\n/early\nsame"));
+    EXPECT_EXIT(runInChildProcess("/early", askedTwice), testing::ExitedWithCode(0),
+                printed(current() + "\n" + builtIn() + "\n/early\nsame"));
 }
 
-TEST_F(DataDirsDeathTest, areNotFixedByMakingAParser)
+TEST_F(DataDirsDeathTest, areNotFixedByConstructingAParser)
 {
     const auto parserFirst = [] {
         const CommandLineParser parser;
         ::setenv("TARN_DATA", "/later", 1);
         return dataDirs();
     };
-    EXPECT_EXIT(inAProcessOfItsOwn("/early", parserFirst), testing::ExitedWithCode(0),
-                said(current() + "\n" + builtIn() + "\n/later\n"));
+    EXPECT_EXIT(runInChildProcess("/early", parserFirst), testing::ExitedWithCode(0),
+                printed(current() + "\n" + builtIn() + "\n/later\n"));
 }
 
-TEST_F(DataDirsDeathTest, areMadeOnceWhoeverAsksFirst)
+TEST_F(DataDirsDeathTest, areBuiltOnceForConcurrentCallers)
 {
     const auto manyThreads = [] {
         std::vector<std::future<const std::list<std::string>*>> lists;
@@ -268,45 +268,46 @@ TEST_F(DataDirsDeathTest, areMadeOnceWhoeverAsksFirst)
             same = list.get() == &CommandLineParser::getDataDirs() && same;
         return dataDirs() + (same ? "same" : "another");
     };
-    EXPECT_EXIT(inAProcessOfItsOwn("/a", manyThreads), testing::ExitedWithCode(0),
-                said(current() + "\n" + builtIn() + "\n/a\nsame"));
+    EXPECT_EXIT(runInChildProcess("/a", manyThreads), testing::ExitedWithCode(0),
+                printed(current() + "\n" + builtIn() + "\n/a\nsame"));
 }
 
-TEST_F(DataDirsDeathTest, giveTheFirstFileOfTheNameThatIsLookedFor)
+TEST_F(DataDirsDeathTest, resolveANameToTheFirstMatchingFile)
 {
     fs::create_directories(path("a"));
     fs::create_directories(path("b"));
     write("a/100%s.txt");
     write("b/100%s.txt");
     EXPECT_EXIT(
-        inAProcessOfItsOwn(path("a") + ";" + path("b"), [] { return CommandLineParser().resolvePath("100%s.txt"); }),
+        runInChildProcess(path("a") + ";" + path("b"), [] { return CommandLineParser().resolvePath("100%s.txt"); }),
         testing::ExitedWithCode(0),
-        said("Checking file '" + current() + "/100%s.txt'... invalid\nChecking file '" + builtIn()
-             + "/100%s.txt'... invalid\nChecking file '" + path("a/100%s.txt") + "'... valid\n" + path("a/100%s.txt")));
+        printed("Checking file '" + current() + "/100%s.txt'... invalid\nChecking file '" + builtIn()
+                + "/100%s.txt'... invalid\nChecking file '" + path("a/100%s.txt") + "'... valid\n"
+                + path("a/100%s.txt")));
     write("here/100%s.txt");
-    EXPECT_EXIT(inAProcessOfItsOwn(path("a"), [] { return CommandLineParser().resolvePath("100%s.txt"); }),
+    EXPECT_EXIT(runInChildProcess(path("a"), [] { return CommandLineParser().resolvePath("100%s.txt"); }),
                 testing::ExitedWithCode(0),
-                said("Checking file '" + path("here/100%s.txt") + "'... valid\n" + path("here/100%s.txt")));
+                printed("Checking file '" + path("here/100%s.txt") + "'... valid\n" + path("here/100%s.txt")));
 }
 
-TEST_F(DataDirsDeathTest, giveTheNameItselfForAFileThatIsNowhere)
+TEST_F(DataDirsDeathTest, resolveTheNameOfAMissingFileToItself)
 {
     fs::create_directories(path("a/file"));
-    EXPECT_EXIT(inAProcessOfItsOwn(path("a"), [] { return CommandLineParser().resolvePath("file"); }),
+    EXPECT_EXIT(runInChildProcess(path("a"), [] { return CommandLineParser().resolvePath("file"); }),
                 testing::ExitedWithCode(0),
-                said("Checking file '" + current() + "/file'... invalid\nChecking file '" + builtIn()
-                     + "/file'... invalid\nChecking file '" + path("a/file") + "'... invalid\nfile"))
-        << "a directory of the name is no file";
+                printed("Checking file '" + current() + "/file'... invalid\nChecking file '" + builtIn()
+                        + "/file'... invalid\nChecking file '" + path("a/file") + "'... invalid\nfile"))
+        << "a directory with that name is not a file";
 }
 
-TEST_F(DataDirsDeathTest, areLookedThroughForAbsoluteNamesToo)
+TEST_F(DataDirsDeathTest, areSearchedForAbsoluteNamesToo)
 {
     write("here/file");
-    EXPECT_EXIT(inAProcessOfItsOwn("", [this] { return CommandLineParser().resolvePath(path("here/file")); }),
+    EXPECT_EXIT(runInChildProcess("", [this] { return CommandLineParser().resolvePath(path("here/file")); }),
                 testing::ExitedWithCode(0),
-                said("Checking file '" + current() + "/" + path("here/file") + "'... invalid\nChecking file '"
-                     + builtIn() + "/" + path("here/file") + "'... invalid\n" + path("here/file")));
-    EXPECT_EXIT(inAProcessOfItsOwn("", [] { return CommandLineParser().resolvePath("/file"); }),
+                printed("Checking file '" + current() + "/" + path("here/file") + "'... invalid\nChecking file '"
+                        + builtIn() + "/" + path("here/file") + "'... invalid\n" + path("here/file")));
+    EXPECT_EXIT(runInChildProcess("", [] { return CommandLineParser().resolvePath("/file"); }),
                 testing::ExitedWithCode(0),
-                said("Checking file '" + current() + "//file'... valid\n" + current() + "//file"));
+                printed("Checking file '" + current() + "//file'... valid\n" + current() + "//file"));
 }

@@ -32,7 +32,7 @@ TEST(Double, writesTheShortestTextThatReadsBack)
         EXPECT_EQ(VValue<double>(number).Text(), text);
 }
 
-TEST(Double, keepsTheSignOfZeroAndNotANumberThroughItsText)
+TEST(Double, keepsNaNAndTheSignOfZeroThroughItsText)
 {
     double number = 1;
     VValue<double> value(1);
@@ -57,7 +57,7 @@ TEST(Double, readsTheLeadingNumberAndRefusesTextWithoutOne)
     EXPECT_EQ(value.Text(), "0");
 }
 
-TEST(Double, isIntentionallyNeverDifferentFromNotANumber)
+TEST(Double, isIntentionallyNeverDifferentFromNaN)
 {
     const struct {
         double a, b;

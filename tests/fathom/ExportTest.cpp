@@ -33,20 +33,20 @@ using namespace Orla;
 
 namespace {
 
-// The library's own file, by a function that is compiled there alone.
+// The path of fathom's file, found through a function that only fathom compiles.
 std::string library()
 {
     std::string (*function)(const ImageTile&) = &VValueTrait<ImageTile>::Text;
     return Loam::getLibraryPath(reinterpret_cast<const void*>(function));
 }
 
-// All that makes a class of the library one class for everybody who links it.
+// The symbols that every client must share so that a class is the same everywhere.
 template<class... Classes>
 std::vector<std::string> symbolsOf()
 {
     std::vector<std::string> symbols;
     for (const std::type_info* type : {&typeid(Classes)...}) {
-        for (const char* kind : {"_ZTV", "_ZTI", "_ZTS"}) // table, type description, type name
+        for (const char* kind : {"_ZTV", "_ZTI", "_ZTS"}) // vtable, type info, type name
             symbols.push_back(kind + std::string(type->name()));
     }
     return symbols;
@@ -66,7 +66,7 @@ std::vector<std::string> inputSymbols()
 
 } // namespace
 
-TEST(Export, givesEveryPromisedInstantiationToThoseWhoLinkTheLibrary)
+TEST(Export, providesEveryPromisedInstantiation)
 {
     const std::string path = library();
     ASSERT_NE(path.find("libfathom"), std::string::npos);

@@ -1,4 +1,4 @@
-#include <fathom/GyreFixedArray.hpp> // first: proves that the header stands alone
+#include <fathom/GyreFixedArray.hpp> // first: the header must be self-contained
 
 #include <gtest/gtest.h>
 
@@ -12,14 +12,14 @@ TEST(IntegerTriple, isWrittenInBrackets)
     EXPECT_EQ(Trait::Text({{1, -2, 3}}), "[1,-2,3]");
 }
 
-TEST(IntegerTriple, readsAllThreeIntoItsFirstElementAsProgramsRelyOn)
+TEST(IntegerTriple, intentionallyReadsAllThreeNumbersIntoItsFirstElement)
 {
     Triple triple{{7, 8, 9}};
     EXPECT_TRUE(Trait::setValueFromText(triple, "[1,2,3]"));
     EXPECT_EQ(triple, (Triple{{3, 8, 9}}));
 }
 
-TEST(IntegerTriple, refusesWhatIsNotThreePieces)
+TEST(IntegerTriple, refusesTextThatIsNotThreeNumbers)
 {
     const struct {
         const char* text;
@@ -36,7 +36,7 @@ TEST(IntegerTriple, refusesWhatIsNotThreePieces)
     }
 }
 
-TEST(IntegerTriple, losesTheFirstCharacterWhateverItIs)
+TEST(IntegerTriple, skipsTheFirstCharacterWhateverItIs)
 {
     Triple triple{{7, 8, 9}};
     EXPECT_TRUE(Trait::setValueFromText(triple, "12,2,4"));

@@ -1,4 +1,4 @@
-#include <fathom/GyrePhysicalSpaceBiVector.hpp> // first: proves that the header stands alone
+#include <fathom/GyrePhysicalSpaceBiVector.hpp> // first: the header must be self-contained
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ TEST(BiVector, isWrittenWithoutBlanks)
     EXPECT_EQ(Trait::Text(bivector(1, -2.5, 1e-9)), "<1,-2.5,1e-09>");
 }
 
-TEST(BiVector, isReadFromBehindItsOpeningCharacter)
+TEST(BiVector, isReadAfterItsOpeningCharacter)
 {
     const struct {
         const char* text;
@@ -32,7 +32,7 @@ TEST(BiVector, isReadFromBehindItsOpeningCharacter)
     }
 }
 
-TEST(BiVector, readsTheSameTextAgainWhereACommaIsMissing)
+TEST(BiVector, readsTheSameTextAgainIfACommaIsMissing)
 {
     bivector value(9, 9, 9);
     EXPECT_TRUE(Trait::setValueFromText(value, "<5>"));
@@ -41,7 +41,7 @@ TEST(BiVector, readsTheSameTextAgainWhereACommaIsMissing)
     EXPECT_EQ(value, bivector(1, 2, 2));
 }
 
-TEST(BiVector, isReadIfAnyOfTheThreeIs)
+TEST(BiVector, acceptsTextWithAtLeastOneReadableNumber)
 {
     bivector value(9, 8, 7);
     EXPECT_TRUE(Trait::setValueFromText(value, "<x,2,x>"));
@@ -61,7 +61,7 @@ TEST(BiVector, keepsItsValueWhenNothingCanBeRead)
     }
 }
 
-TEST(BiVector, isTheSameAsAnInput)
+TEST(BiVector, isReadInTheSameWayAsAnInput)
 {
     bivector value;
     EXPECT_TRUE(VInputValueTrait<bivector>::setValueFromText(value, "<1,2,3>"));

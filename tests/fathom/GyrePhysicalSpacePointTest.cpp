@@ -1,4 +1,4 @@
-#include <fathom/GyrePhysicalSpacePoint.hpp> // first: proves that the header stands alone
+#include <fathom/GyrePhysicalSpacePoint.hpp> // first: the header must be self-contained
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ TEST(Point, isWrittenWithoutBlanks)
     EXPECT_EQ(Trait::Text(point(1, -2.5, 1e-9)), "{1,-2.5,1e-09}");
 }
 
-TEST(Point, isReadFromBehindItsOpeningCharacter)
+TEST(Point, isReadAfterItsOpeningCharacter)
 {
     const struct {
         const char* text;
@@ -32,7 +32,7 @@ TEST(Point, isReadFromBehindItsOpeningCharacter)
     }
 }
 
-TEST(Point, readsTheSameTextAgainWhereACommaIsMissing)
+TEST(Point, readsTheSameTextAgainIfACommaIsMissing)
 {
     point value(9, 9, 9);
     EXPECT_TRUE(Trait::setValueFromText(value, "{5}"));
@@ -41,7 +41,7 @@ TEST(Point, readsTheSameTextAgainWhereACommaIsMissing)
     EXPECT_EQ(value, point(1, 2, 2));
 }
 
-TEST(Point, isReadIfAnyOfTheThreeIs)
+TEST(Point, acceptsTextWithAtLeastOneReadableNumber)
 {
     point value(9, 8, 7);
     EXPECT_TRUE(Trait::setValueFromText(value, "{x,2,x}"));

@@ -1,4 +1,4 @@
-#include <fathom/HotKey.hpp> // first: proves that the header stands alone
+#include <fathom/HotKey.hpp> // first: the header must be self-contained
 
 #include "Recorders.hpp"
 
@@ -23,7 +23,7 @@ using Key = HotKey::Key;
 static_assert(sizeof(Key) == 2 && offsetof(Key, key) == 0 && offsetof(Key, armed) == 1);
 static_assert(std::has_virtual_destructor_v<HotKey>);
 static_assert(HotKey::SignedLess{}('\xE9', 'a') && !HotKey::SignedLess{}('a', '\xE9'),
-              "characters beyond ASCII come first, also where char is unsigned");
+              "characters beyond ASCII come first, even where char is unsigned");
 
 namespace {
 
@@ -35,7 +35,7 @@ VInteractionEvent keyEvent(const std::string& keyText, const std::string& arming
     return event;
 }
 
-// Counts the strokes of its own key and those of a second one.
+// Counts the presses of its own key and of a second one.
 class Shutter final : public VObject, public HotKey {
 public:
     explicit Shutter(const std::string& name) : VObject{name, 0, nullptr}, HotKey{"events", 4}
@@ -61,7 +61,7 @@ public:
     int secondRepeated = 0;
 };
 
-// Joins the mix-in virtually.
+// Inherits the mix-in virtually.
 class Remote final : public VObject, public virtual HotKey {
 public:
     explicit Remote(const std::string& name) : HotKey{"events", 0}, VObject{name, 0, nullptr} {}
@@ -86,7 +86,7 @@ protected:
         EXPECT_TRUE(VManagedObject::remove(m_keyboard));
     }
 
-    // Evaluates the object, which gives it its variables.
+    // Evaluates the object, which creates its variables.
     void evaluate() const
     {
         VScheduler::schedule(m_shutter, 0, m_pool);
@@ -122,7 +122,7 @@ protected:
 
 } // namespace
 
-TEST(HotKeyKey, isNoneAndNotArmedAtFirst)
+TEST(HotKeyKey, isUnsetAndNotArmedByDefault)
 {
     const Key key;
     EXPECT_EQ(key.key, 0);
@@ -135,22 +135,22 @@ TEST(HotKeyKey, firesOncePerArming)
     EXPECT_TRUE(key.isPressed(keyEvent("a")));
     EXPECT_FALSE(key.armed);
     EXPECT_FALSE(key.isPressed(keyEvent("a")));
-    EXPECT_FALSE(key.isPressed(keyEvent("", "a"))) << "arming is no stroke";
+    EXPECT_FALSE(key.isPressed(keyEvent("", "a"))) << "arming is not a press";
     EXPECT_TRUE(key.armed);
     EXPECT_TRUE(key.isPressed(keyEvent("a")));
     EXPECT_FALSE(key.isPressed(keyEvent("a")));
 }
 
-TEST(HotKeyKey, isArmedByAnEventThatBothStrikesAndArmsWithoutFiring)
+TEST(HotKeyKey, isArmedWithoutFiringByAnEventThatBothPressesAndArms)
 {
     Key key{'a', false};
     EXPECT_FALSE(key.isPressed(keyEvent("a", "a")));
     EXPECT_TRUE(key.armed);
     EXPECT_TRUE(key.isPressed(keyEvent("a", "a"))) << "the next one fires";
-    EXPECT_FALSE(key.armed) << "and arms nothing";
+    EXPECT_FALSE(key.armed) << "and does not arm the key again";
 }
 
-TEST(HotKeyKey, looksAtTheFirstCharacterAlone)
+TEST(HotKeyKey, comparesOnlyTheFirstCharacter)
 {
     Key key{'a', true};
     EXPECT_FALSE(key.isPressed(keyEvent("ba")));
@@ -166,7 +166,7 @@ TEST(HotKeyKey, looksAtTheFirstCharacterAlone)
     EXPECT_FALSE(key.isRepeatedlyPressed(keyEvent("", "a")));
 }
 
-TEST(HotKeyKey, isRepeatedWhetherArmedOrNotAndStaysAsItIs)
+TEST(HotKeyKey, isRepeatedWhetherArmedOrNotWithoutChangingThat)
 {
     for (const bool armed : {true, false}) {
         const Key key{'a', armed};
@@ -189,7 +189,7 @@ TEST(HotKeyKey, doesNothingWithoutACharacter)
     EXPECT_FALSE(key.armed);
 }
 
-TEST_F(HotKeyTest, addsAnInputForTheKeyToTheOneForEvents)
+TEST_F(HotKeyTest, addsAKeyInputToTheEventInput)
 {
     const TypedSlot<char>& slot = m_shutter->hotKeySlot();
     EXPECT_EQ(slot.name(), "hotkey");
@@ -203,7 +203,7 @@ TEST_F(HotKeyTest, addsAnInputForTheKeyToTheOneForEvents)
     EXPECT_THAT(m_warnings.all(), IsEmpty());
 }
 
-TEST_F(HotKeyTest, firesAtTheFirstStrokeAndThenOncePerArming)
+TEST_F(HotKeyTest, firesOnTheFirstPressAndThenOncePerArming)
 {
     evaluate();
     m_shutter->setHotKey('a', m_pool);
@@ -220,7 +220,7 @@ TEST_F(HotKeyTest, firesAtTheFirstStrokeAndThenOncePerArming)
         {keyEvent("a"), 1, 2},                                  // held
         {keyEvent("b", "b"), 1, 2},                             // another key
         {keyEvent("a"), 1, 3},      {keyEvent("", "a"), 1, 3},  // armed
-        {keyEvent("a"), 2, 4},      {keyEvent("a", "a"), 2, 5}, // armed by the stroke itself
+        {keyEvent("a"), 2, 4},      {keyEvent("a", "a"), 2, 5}, // armed by the press itself
         {keyEvent("a"), 3, 6},
     };
     int runs = 0;
@@ -233,7 +233,7 @@ TEST_F(HotKeyTest, firesAtTheFirstStrokeAndThenOncePerArming)
     }
 }
 
-TEST_F(HotKeyTest, servesFurtherKeysEachWithAnArmingOfItsOwn)
+TEST_F(HotKeyTest, armsEachFurtherKeySeparately)
 {
     evaluate();
     m_shutter->setHotKey('a', m_pool);
@@ -270,7 +270,7 @@ TEST_F(HotKeyTest, doesNotFireInAPoolThatHoldsNeitherKeyNorEvent)
     }
 }
 
-TEST_F(HotKeyTest, readsItsKeyFromTheOutputThatItsInputIsConnectedTo)
+TEST_F(HotKeyTest, readsItsKeyFromAConnectedOutput)
 {
     const StrongPtr<VSlotContainer> settings(new VSlotContainer);
     const VOutput<char> output(settings.get(), "key", 'x');
@@ -284,7 +284,7 @@ TEST_F(HotKeyTest, readsItsKeyFromTheOutputThatItsInputIsConnectedTo)
     EXPECT_EQ(key, 'y');
 }
 
-TEST_F(HotKeyTest, announcesAKeyThatIsSet)
+TEST_F(HotKeyTest, announcesANewKey)
 {
     evaluate();
     const Changes changes{m_shutter->hotKeySlot().parameter()};
@@ -295,18 +295,18 @@ TEST_F(HotKeyTest, announcesAKeyThatIsSet)
     EXPECT_TRUE(VScheduler::isDue(m_shutter, m_pool));
 }
 
-TEST_F(HotKeyTest, entersAKeyIntoTheMapAlsoWhereThePoolHoldsNone)
+TEST_F(HotKeyTest, entersAKeyIntoTheMapEvenIfThePoolHoldsNone)
 {
     const Changes changes{m_shutter->hotKeySlot().parameter()};
     m_shutter->setHotKey('a', m_pool);
     m_shutter->setHotKey('b', nullptr);
-    EXPECT_FALSE(m_shutter->hotKeySlot().slot()->getValueBase(m_pool)) << "it only looks";
+    EXPECT_FALSE(m_shutter->hotKeySlot().slot()->getValueBase(m_pool)) << "no variable is created";
     EXPECT_EQ(changes.count(), 0);
     EXPECT_THAT(namesUnder('a'), ElementsAre("shutter"));
     EXPECT_THAT(namesUnder('b'), ElementsAre("shutter"));
 }
 
-TEST_F(HotKeyTest, entersAnObjectAsOftenAsItsKeyIsSet)
+TEST_F(HotKeyTest, entersAnObjectEachTimeItsKeyIsSet)
 {
     const StrongPtr<Shutter> other(new Shutter("other"));
     m_shutter->setHotKey('a', m_pool);
@@ -325,7 +325,7 @@ TEST_F(HotKeyTest, ordersTheMapBySignedCharacters)
     EXPECT_THAT(keys, ElementsAre('\x80', '\xFF', '\0', 'a', '\x7F'));
 }
 
-TEST_F(HotKeyTest, leavesEntriesThatHaveExpiredWhenItGoes)
+TEST_F(HotKeyTest, leavesExpiredEntriesWhenItIsDestroyed)
 {
     StrongPtr<Remote> remote(new Remote("remote"));
     remote->setHotKey('a', m_pool);

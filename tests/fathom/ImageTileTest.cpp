@@ -14,8 +14,8 @@ namespace {
 
 using Size = ImageTile::Size;
 
-// One line makes it a value and an input, although fathom does not: the laws of
-// values with a text form are not for it, because its text tells nothing.
+// This declaration makes tiles values and inputs, which fathom does not. ValueLaws do
+// not apply: the text is the same for all tiles.
 const VValueType<ImageTile> tileType;
 
 class ImageTileTest : public testing::Test {
@@ -28,7 +28,7 @@ protected:
 
 } // namespace
 
-TEST_F(ImageTileTest, isEmptyAndSpansOneByOneAtFirst)
+TEST_F(ImageTileTest, isEmptyAndSpansOneByOneByDefault)
 {
     const ImageTile tile;
     EXPECT_EQ(tile.size, (Size{0, 0}));
@@ -38,7 +38,7 @@ TEST_F(ImageTileTest, isEmptyAndSpansOneByOneAtFirst)
     EXPECT_EQ(tile.span, (Size{1, 1}));
 }
 
-TEST_F(ImageTileTest, holdsWhatItWasMadeOf)
+TEST_F(ImageTileTest, storesItsConstructorArguments)
 {
     EXPECT_EQ(m_tile.size, (Size{8, 6}));
     EXPECT_EQ(m_tile.primaryChunk, m_primary);
@@ -67,7 +67,7 @@ TEST_F(ImageTileTest, keepsTheSpanWhenItIsAssigned)
     EXPECT_EQ(assigned.span, (Size{4, 5}));
 }
 
-TEST_F(ImageTileTest, isEqualOnlyIfAllFieldsAre)
+TEST_F(ImageTileTest, isEqualOnlyIfAllFieldsAreEqual)
 {
     ImageTile tiles[6];
     for (ImageTile& tile : tiles)
@@ -81,7 +81,7 @@ TEST_F(ImageTileTest, isEqualOnlyIfAllFieldsAre)
         EXPECT_EQ(tile == m_tile, &tile == tiles);
 }
 
-TEST_F(ImageTileTest, letsItsChunksGo)
+TEST_F(ImageTileTest, releasesItsChunks)
 {
     EXPECT_GT(Loam::ChunkBase::TotalMemsize, m_before);
     {
@@ -93,13 +93,13 @@ TEST_F(ImageTileTest, letsItsChunksGo)
     EXPECT_EQ(Loam::ChunkBase::TotalMemsize, m_before + 100 * sizeof(float) + 50);
 }
 
-TEST_F(ImageTileTest, hasOneTextForAllTiles)
+TEST_F(ImageTileTest, hasTheSameTextForAllTiles)
 {
     EXPECT_EQ(VValueTrait<ImageTile>::Text(m_tile), "A Frame buffer.");
     EXPECT_EQ(VValueTrait<ImageTile>::Text(ImageTile()), "A Frame buffer.");
 }
 
-TEST_F(ImageTileTest, acceptsEveryTextAndStaysAsItIs)
+TEST_F(ImageTileTest, acceptsEveryTextAndStaysUnchanged)
 {
     ImageTile tile;
     tile = m_tile;
@@ -112,7 +112,7 @@ TEST_F(ImageTileTest, acceptsEveryTextAndStaysAsItIs)
     EXPECT_EQ(tile, m_tile);
 }
 
-TEST_F(ImageTileTest, travelsAsAValue)
+TEST_F(ImageTileTest, canBeHeldByAValue)
 {
     const StrongPtr<VTypedValueBase<ImageTile>> value(Loam::makeStrong<VValue<ImageTile>>(m_tile));
     ImageTile read;

@@ -1,4 +1,4 @@
-#include <fathom/MultiRange.hpp> // first: proves that the header stands alone
+#include <fathom/MultiRange.hpp> // first: the header must be self-contained
 
 #include "support/Locales.hpp"
 
@@ -20,14 +20,14 @@ using Trait = VValueTrait<MultiRange>;
 
 namespace {
 
-TEST(MultiRange, isWrittenByItsFirstAndLastBound)
+TEST(MultiRange, isWrittenAsItsFirstAndLastBound)
 {
     EXPECT_EQ(Trait::Text(MultiRange()), "");
     EXPECT_EQ(Trait::Text(MultiRange(std::vector<double>{1, 2, 3, 4.5})), "[1.000000;4.500000]");
     EXPECT_EQ(Trait::Text(MultiRange(std::vector<double>{7})), "[7.000000;7.000000]");
 }
 
-TEST(MultiRange, isNotCutOffWhereItsNumbersAreLong)
+TEST(MultiRange, isNotTruncatedIfItsNumbersAreLong)
 {
     constexpr double huge = std::numeric_limits<double>::max();
     char text[400];
@@ -43,7 +43,7 @@ TEST(MultiRange, readsBackItsFirstAndLastBound)
     EXPECT_EQ(range, MultiRange(std::vector<double>{1, 4.5}));
 }
 
-TEST(MultiRange, acceptsEveryTextAndForgetsWhatItHeld)
+TEST(MultiRange, acceptsUnreadableTextAndBecomesEmpty)
 {
     for (const char* text : {"", "x", "[", "nothing to read"}) {
         MultiRange range(std::vector<double>{1, 2});
@@ -52,7 +52,7 @@ TEST(MultiRange, acceptsEveryTextAndForgetsWhatItHeld)
     }
 }
 
-TEST(MultiRange, hasTheSameTextUnderADecimalComma)
+TEST(MultiRange, hasTheSameTextInALocaleWithADecimalComma)
 {
     const UnderDecimalComma comma;
     EXPECT_EQ(Trait::Text(MultiRange(std::vector<double>{1.5, 2})), "[1.500000;2.000000]");
@@ -61,7 +61,7 @@ TEST(MultiRange, hasTheSameTextUnderADecimalComma)
     EXPECT_EQ(range, MultiRange(std::vector<double>{1.5, 2}));
 }
 
-TEST(MultiRange, saysTheOppositeOfWhatItIsAsProgramsExpect)
+TEST(MultiRange, isIntentionallyPrintedAsTheOppositeOfItsState)
 {
     testing::internal::CaptureStdout();
     speak(MultiRange(), "a");

@@ -1,4 +1,4 @@
-#include <fathom/Position2D.hpp> // first: proves that the header stands alone
+#include <fathom/Position2D.hpp> // first: the header must be self-contained
 
 #include <gtest/gtest.h>
 

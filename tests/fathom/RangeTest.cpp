@@ -20,22 +20,22 @@ std::vector<Range> samples<Range>()
 INSTANTIATE_TYPED_TEST_SUITE_P(Range, ValueLaws, Range);
 INSTANTIATE_TYPED_TEST_SUITE_P(Range, SlotLaws, Range);
 
-TEST(Range, isFromZeroToOneAtFirst)
+TEST(Range, spansZeroToOneByDefault)
 {
     EXPECT_EQ(Range().begin, 0);
     EXPECT_EQ(Range().end, 1);
 }
 
-TEST(Range, isEqualOnlyIfBothBoundsAre)
+TEST(Range, isEqualOnlyIfBothBoundsAreEqual)
 {
     EXPECT_EQ((Range{2, 3}), (Range{2, 3}));
     EXPECT_NE((Range{2, 3}), (Range{2, 4}));
     EXPECT_NE((Range{2, 3}), (Range{1, 3}));
 }
 
-TEST(Range, isDifferentFromEverythingWithNotANumberInIt)
+TEST(Range, isDifferentFromItselfIfItContainsNaN)
 {
-    // Only a plain number is never different from it.
+    // A plain number, in contrast, never differs from NaN.
     const Range none{std::numeric_limits<double>::quiet_NaN(), 0};
     EXPECT_TRUE(VValue<Range>(none).isDifferentFrom(Loam::makeStrong<VValue<Range>>(none)));
 }
@@ -46,7 +46,7 @@ TEST(Range, writesBothBoundsWithAColon)
     EXPECT_EQ(VValueTrait<Range>::Text(Range{0, -0.1}), "0:-0.1");
 }
 
-TEST(Range, readsTheBeginUpToTheFirstSeparatorAndTheEndAfterTheLast)
+TEST(Range, readsItsBeginBeforeTheFirstSeparatorAndItsEndAfterTheLast)
 {
     const struct {
         const char* text;
@@ -59,7 +59,7 @@ TEST(Range, readsTheBeginUpToTheFirstSeparatorAndTheEndAfterTheLast)
         {" 4.5 : 10 km", {4.5, 10}},
         {"5", {5, 5}},
         {"5 or so", {5, 5}},
-        {"0,5:1", {0, 1}}, // with a colon, a comma separates nothing and ends the number
+        {"0,5:1", {0, 1}}, // if there is a colon, a comma only ends the number
         {"0:1,5", {0, 1}},
         {"-inf:1e300", {-std::numeric_limits<double>::infinity(), 1e300}},
     };
@@ -71,7 +71,7 @@ TEST(Range, readsTheBeginUpToTheFirstSeparatorAndTheEndAfterTheLast)
     }
 }
 
-TEST(Range, isIntentionallyLeftWithTheNewBeginWhenTheEndIsRefused)
+TEST(Range, intentionallyKeepsTheNewBeginIfTheEndIsRefused)
 {
     const struct {
         const char* text;

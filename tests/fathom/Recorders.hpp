@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// Keeps the warnings of the framework from standard error and shows them to a test.
+/// Records the framework's warnings instead of printing them to standard error.
 class Warnings {
 public:
     Warnings() { Orla::VActionNotifier::add(m_recorder); }

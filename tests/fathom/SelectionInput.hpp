@@ -10,8 +10,8 @@
 
 #include <string>
 
-/// An object of class \p Object, which declares the input `field` of a selection, and
-/// two pools in which it is evaluated.
+/// An object of class \p Object with a selection input `field`, and two pools to evaluate
+/// it in.
 template<class Object>
 class SelectionInput : public testing::Test {
 protected:

@@ -14,7 +14,7 @@ std::vector<std::string> samples<std::string>()
 INSTANTIATE_TYPED_TEST_SUITE_P(String, ValueLaws, std::string);
 INSTANTIATE_TYPED_TEST_SUITE_P(String, SlotLaws, std::string);
 
-TEST(String, isRegisteredUnderTheNameThatUsersRead)
+TEST(String, isRegisteredUnderItsUserVisibleName)
 {
     EXPECT_TRUE(VValueCreator::find("string"));
 }

@@ -34,7 +34,7 @@ public:
     const VOutput<VTime> time{this, "now", VTime{0.5, 0, 1}};
 };
 
-// Provides something else.
+// Provides a value of another type.
 class Meter : public VObject {
 public:
     using VObject::VObject;
@@ -44,7 +44,7 @@ public:
     const VOutput<double> height{this, "height", 0.0};
 };
 
-// Writes the time that it sees.
+// Writes the time that it reads.
 class Reader : public VObject, public TimeDependent {
 public:
     Reader(const std::string& name, const Preferences& own, const Preferences& wanted,
@@ -61,7 +61,7 @@ public:
     const VOutput<double> seen{this, "seen", 0.0};
 };
 
-// Has used the name of its time slot already.
+// Already uses the name of the time slot.
 class Earlier : public virtual VSkale {
     const TypedSlot<char> m_slot{this, "time", 'x', 0};
 };
@@ -93,7 +93,7 @@ protected:
         return object;
     }
 
-    // A provider of the given weight: zero fits, and a handicap is added to that.
+    // A provider that matches all preferences, so its weight is the handicap.
     static StrongPtr<Clock> createClock(double handicap, int level = 0)
     {
         const Preferences preferences(new VCreationPreferences("default", "GlobalTime"));
@@ -124,7 +124,7 @@ constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 } // namespace
 
-TEST_F(TimeDependentTest, hasATimeInputThatItPassesOnAndARangeInput)
+TEST_F(TimeDependentTest, hasATimeInputThatIsAlsoAnOutputAndARangeInput)
 {
     const Preferences wanted(new VCreationPreferences("a", "b"));
     struct Either final : TimeDependent {
@@ -158,7 +158,7 @@ TEST_F(TimeDependentTest, hasATimeInputThatItPassesOnAndARangeInput)
     }
 }
 
-TEST_F(TimeDependentTest, looksForTimeOncePerContainer)
+TEST_F(TimeDependentTest, searchesForTimeOncePerContainer)
 {
     struct Twice final : TimeDependent {
         Twice() : TimeDependent{"time", "range", nullptr, VTime{}} { setupFunctions().insert(TimeSetupFunction); }
@@ -166,7 +166,7 @@ TEST_F(TimeDependentTest, looksForTimeOncePerContainer)
     EXPECT_EQ(Loam::makeStrong<Twice>()->setupFunctions().size(), 1u);
 }
 
-TEST_F(TimeDependentTest, makesAProviderWhereThereIsNoneAndSharesItFromThenOn)
+TEST_F(TimeDependentTest, createsAMissingProviderOnceAndThenSharesIt)
 {
     const VObjectType<Clock> clockType("GlobalTime");
     StrongPtr<Reader> first;
@@ -187,7 +187,7 @@ TEST_F(TimeDependentTest, makesAProviderWhereThereIsNoneAndSharesItFromThenOn)
     EXPECT_THAT(m_warnings.all(), ElementsAre());
 }
 
-TEST_F(TimeDependentTest, takesTheProviderOfTheSmallestWeight)
+TEST_F(TimeDependentTest, choosesTheProviderWithTheSmallestWeight)
 {
     createClock(2);
     const auto best = createClock(0.5);
@@ -198,9 +198,9 @@ TEST_F(TimeDependentTest, takesTheProviderOfTheSmallestWeight)
     EXPECT_EQ(timeOf(*createReader()), better->time.parameter());
 }
 
-TEST_F(TimeDependentTest, weighsWhatItWantsAgainstWhatIsOffered)
+TEST_F(TimeDependentTest, countsUnmetPreferencesInTheWeight)
 {
-    // Half of what is wanted is missing: one more than its handicap.
+    // One of the two wanted preferences is missing, which adds one to the handicap.
     const Preferences half(new VCreationPreferences("GlobalTime", "of another purpose"));
     create<Clock>("half", 0, half);
     const auto whole = createClock(0.9);
@@ -209,18 +209,18 @@ TEST_F(TimeDependentTest, weighsWhatItWantsAgainstWhatIsOffered)
     EXPECT_NE(timeOf(*createReader()), whole->time.parameter());
 }
 
-TEST_F(TimeDependentTest, intentionallyTakesTheLastVisitedAmongEqualWeights)
+TEST_F(TimeDependentTest, intentionallyChoosesTheLastVisitedAmongEqualWeights)
 {
     createClock(1);
     const auto last = createClock(1);
     EXPECT_EQ(timeOf(*createReader()), last->time.parameter());
 
-    const auto later = createClock(1, 7); // visits go by level
+    const auto later = createClock(1, 7); // objects are visited by level
     createClock(1, 3);
     EXPECT_EQ(timeOf(*createReader()), later->time.parameter());
 }
 
-TEST_F(TimeDependentTest, skipsProvidersWhoseWeightIsNotANumber)
+TEST_F(TimeDependentTest, skipsProvidersWhoseWeightIsNaN)
 {
     createClock(NaN);
     const auto clock = createClock(5);
@@ -234,7 +234,7 @@ TEST_F(TimeDependentTest, skipsProvidersWhoseWeightIsNotANumber)
     EXPECT_EQ(timeOf(*reader), StrongPtr<Clock>(VManagedObject::find("GlobalTime"))->time.parameter());
 }
 
-TEST_F(TimeDependentTest, skipsObjectsThatAreNoGlobalTimeSource)
+TEST_F(TimeDependentTest, skipsObjectsThatAreNotGlobalTimeSources)
 {
     create<Clock>("private", 0, nullptr);
     create<Clock>("other", 0, Preferences(new VCreationPreferences("default", "OtherTime")));
@@ -254,7 +254,7 @@ TEST_F(TimeDependentTest, keepsItsOwnTimeIfItIsLocal)
     EXPECT_FALSE(reader->timeSlot().slot()->isConnected());
 }
 
-TEST_F(TimeDependentTest, leavesAConnectionOfTheUserAlone)
+TEST_F(TimeDependentTest, keepsAConnectionMadeByTheUser)
 {
     createClock(0);
     const auto mine = create<Clock>("mine", 0, nullptr);
@@ -266,7 +266,7 @@ TEST_F(TimeDependentTest, leavesAConnectionOfTheUserAlone)
 
 TEST_F(TimeDependentTest, isNeverConnectedToItself)
 {
-    // Offers its time to all others and is found by its own search.
+    // It offers its time to all objects, so its own search finds it.
     const Preferences provider(new VCreationPreferences("default", "GlobalTime"));
     const VObjectType<Clock> clockType("GlobalTime");
     StrongPtr<Reader> reader;
@@ -279,7 +279,7 @@ TEST_F(TimeDependentTest, isNeverConnectedToItself)
     EXPECT_EQ(timeOf(*reader), StrongPtr<Clock>(VManagedObject::find("GlobalTime"))->time.parameter());
 }
 
-TEST_F(TimeDependentTest, passesItsTimeOn)
+TEST_F(TimeDependentTest, passesItsTimeOnToItsFollowers)
 {
     const auto clock = createClock(0);
     const auto reader = createReader();
@@ -294,7 +294,7 @@ TEST_F(TimeDependentTest, passesItsTimeOn)
     EXPECT_EQ(timeOf(*follower), other->time.parameter());
 }
 
-TEST_F(TimeDependentTest, staysOnItsPrototypeIfNobodyHasRegisteredAProvider)
+TEST_F(TimeDependentTest, keepsItsPrototypeIfNoProviderIsRegistered)
 {
     StrongPtr<Reader> reader;
     EXPECT_EQ(printedBy([&] { reader = createReader(nullptr, VTime{5, 0, 10}); }), creating);
@@ -304,7 +304,7 @@ TEST_F(TimeDependentTest, staysOnItsPrototypeIfNobodyHasRegisteredAProvider)
     EXPECT_THAT(m_warnings.all(), ElementsAre(HasSubstr("\"GlobalTime\"")));
 }
 
-TEST_F(TimeDependentTest, staysOnItsPrototypeIfTheProviderHasNoTime)
+TEST_F(TimeDependentTest, keepsItsPrototypeIfTheProviderHasNoTime)
 {
     const VObjectType<Meter> noClock("GlobalTime");
     StrongPtr<Reader> reader;
@@ -314,7 +314,7 @@ TEST_F(TimeDependentTest, staysOnItsPrototypeIfTheProviderHasNoTime)
     EXPECT_THAT(m_warnings.all(), ElementsAre(HasSubstr("VTime")));
 }
 
-TEST_F(TimeDependentTest, looksForNothingIfItHasNoTimeSlot)
+TEST_F(TimeDependentTest, doesNotSearchWithoutATimeSlot)
 {
     createClock(0);
     StrongPtr<Crowded> crowded;
@@ -325,7 +325,7 @@ TEST_F(TimeDependentTest, looksForNothingIfItHasNoTimeSlot)
     EXPECT_EQ(crowded->getTime(m_pool, 0.25, Range{10, 20}), 12.5);
 }
 
-TEST_F(TimeDependentTest, saysThatAContainerIsNotTimeDependent)
+TEST_F(TimeDependentTest, reportsAContainerThatIsNotTimeDependent)
 {
     const auto clock = createClock(0);
     const StrongPtr<VSlotContainer> container(new VSlotContainer);
@@ -338,7 +338,7 @@ TEST_F(TimeDependentTest, saysThatAContainerIsNotTimeDependent)
     EXPECT_EQ(VManagedObject::count(), 1u);
 }
 
-TEST_F(TimeDependentTest, hasAnEmptyHook)
+TEST_F(TimeDependentTest, hasASetupHookThatDoesNothing)
 {
     const auto clock = createClock(0);
     const auto reader = createReader();
@@ -398,7 +398,7 @@ TEST_F(TimeDependentTest, isEvaluatedWhenTheTimeChanges)
 
 namespace {
 
-// Provides time, and asks for it, too.
+// Provides time and depends on it.
 class TimedClock : public VObject, public TimeDependent {
 public:
     TimedClock(const std::string& name, int level, const Preferences& preferences)
@@ -411,7 +411,7 @@ public:
 
 } // namespace
 
-TEST_F(TimeDependentTest, createsOneProviderThoughThatDependsOnTimeItself)
+TEST_F(TimeDependentTest, createsOneProviderEvenIfItDependsOnTime)
 {
     const VObjectType<TimedClock> type{"GlobalTime"};
     StrongPtr<Reader> reader;

@@ -56,7 +56,7 @@ TEST_F(TypedSlotTest, addsAnInputToItsContainer)
     EXPECT_EQ(initialText(slot.slot()), "2:3");
 }
 
-TEST_F(TypedSlotTest, isDeclaredByTheObjectItselfAndNotAddedLater)
+TEST_F(TypedSlotTest, isFlaggedAsDeclaredAndNotAsAddedLater)
 {
     const TypedSlot<Range> slot(m_container.get(), "limits", Range{}, m_preferences, 0, true);
     const TypedSlot<Range> passive(m_container.get(), "passive", Range{}, m_preferences, 0, false);
@@ -78,7 +78,7 @@ TEST_F(TypedSlotTest, triggersAndHasNoPreferencesInTheShortForm)
     EXPECT_EQ(initialText(slot.slot()), "2:3");
 }
 
-TEST_F(TypedSlotTest, readsItsPoolAndElseItsInitialValue)
+TEST_F(TypedSlotTest, readsItsPoolOrElseItsInitialValue)
 {
     const TypedSlot<Range> slot(m_container.get(), "limits", Range{2, 3}, 0);
     Range range{-1, -2};
@@ -95,7 +95,7 @@ TEST_F(TypedSlotTest, readsItsPoolAndElseItsInitialValue)
     EXPECT_EQ(slot.value(Loam::makeStrong<ValuePool>()), (Range{2, 3})) << "another pool does not see it";
 }
 
-TEST_F(TypedSlotTest, readsTheComponentThatItIsConnectedTo)
+TEST_F(TypedSlotTest, readsTheComponentItIsConnectedTo)
 {
     const TypedSlot<Range> slot(m_container.get(), "limits", Range{2, 3}, 0);
     const StrongPtr<VParameter> times(new VValueParameter<VTime>(VTime{5, 0, 10}, "time", nullptr));
@@ -107,10 +107,10 @@ TEST_F(TypedSlotTest, readsTheComponentThatItIsConnectedTo)
 
     std::string reason;
     EXPECT_FALSE(m_container->attachParameter(times, slot.slot(), "dt", &reason));
-    EXPECT_EQ(slot.value(m_pool), (Range{0, 10})) << "a refused connection leaves the former one";
+    EXPECT_EQ(slot.value(m_pool), (Range{0, 10})) << "a refused connection keeps the existing one";
 }
 
-TEST_F(TypedSlotTest, reportsAMissingContainerAndGoesOn)
+TEST_F(TypedSlotTest, reportsAMissingContainerAndStillWorks)
 {
     const TypedSlot<Range> slot(nullptr, "limits", Range{2, 3}, m_preferences, 7, true);
     const TypedSlot<Range> shortForm(nullptr, "others", Range{4, 5}, 7);
@@ -122,7 +122,7 @@ TEST_F(TypedSlotTest, reportsAMissingContainerAndGoesOn)
     EXPECT_EQ(shortForm.value(nullptr), (Range{4, 5}));
 }
 
-TEST_F(TypedSlotTest, hasNoSlotUnderANameThatIsTaken)
+TEST_F(TypedSlotTest, hasNoSlotIfItsNameIsTaken)
 {
     const TypedSlot<Range> first(m_container.get(), "limits", Range{2, 3}, 0);
     const TypedSlot<char> second(m_container.get(), "limits", 'x', 0);
@@ -150,7 +150,7 @@ TEST_F(TypedSlotTest, sharesTheFrameworksSlotWithItsCopies)
     EXPECT_EQ(copy.initialValue(), (Range{4, 5}));
 }
 
-TEST_F(TypedSlotTest, leavesItsInputInTheContainerWhenItGoes)
+TEST_F(TypedSlotTest, leavesItsInputInTheContainerWhenItIsDestroyed)
 {
     StrongPtr<VSlot> input;
     {
@@ -170,7 +170,7 @@ TEST_F(TypedSlotTest, outlivesItsContainer)
     EXPECT_TRUE(slot.parameter()->owner() == nullptr);
 }
 
-TEST_F(TypedSlotTest, isCountedWhenItGoes)
+TEST_F(TypedSlotTest, isCountedWhenItIsDestroyed)
 {
     const int before = destroyedSlots();
     {
@@ -182,7 +182,7 @@ TEST_F(TypedSlotTest, isCountedWhenItGoes)
     EXPECT_EQ(destroyedSlots(), before + 3);
 }
 
-TEST_F(TypedSlotTest, complainsWhenItGoesWhileItsTypeIsNotRegistered)
+TEST_F(TypedSlotTest, complainsIfItIsDestroyedWhileItsTypeIsNotRegistered)
 {
     EXPECT_TRUE(TypedSlot<Range>::isCreatorRegistered);
     const int before = destroyedSlots();
@@ -196,12 +196,12 @@ TEST_F(TypedSlotTest, complainsWhenItGoesWhileItsTypeIsNotRegistered)
     EXPECT_EQ(destroyedSlots(), before);
 }
 
-TEST_F(TypedSlotTest, isNotMadeOfTextForNumbers)
+TEST_F(TypedSlotTest, cannotBeCreatedFromTextForNumbers)
 {
-    EXPECT_EQ(TypedSlotCreator::find(typeid(double)), nullptr) << "a double is a value, but no input";
+    EXPECT_EQ(TypedSlotCreator::find(typeid(double)), nullptr) << "double is a value type but not an input type";
 }
 
-TEST_F(TypedSlotTest, isMadeEvenIfItsTextIsRefusedAndStartsFromWhatThatLeft)
+TEST_F(TypedSlotTest, isCreatedFromRefusedTextWithTheValueItLeft)
 {
     const struct {
         const std::type_info& type;
@@ -224,7 +224,7 @@ TEST_F(TypedSlotTest, isMadeEvenIfItsTextIsRefusedAndStartsFromWhatThatLeft)
         bool ok = !accepted;
         const int before = destroyedSlots();
         const StrongPtr<VSlot> slot = creator->newSlot(m_container.get(), name, text, ok, m_preferences, 7);
-        EXPECT_EQ(destroyedSlots(), before + 1) << "the typed slot itself was only needed to make it";
+        EXPECT_EQ(destroyedSlots(), before + 1) << "the typed slot is only a temporary";
         EXPECT_EQ(ok, accepted);
         ASSERT_TRUE(slot);
         EXPECT_EQ(m_container->findSlot(name), slot);
@@ -236,7 +236,7 @@ TEST_F(TypedSlotTest, isMadeEvenIfItsTextIsRefusedAndStartsFromWhatThatLeft)
     EXPECT_THAT(m_warnings.all(), IsEmpty());
 }
 
-TEST_F(TypedSlotTest, isNotMadeInNoContainerNorTwice)
+TEST_F(TypedSlotTest, isCreatedNeitherWithoutAContainerNorTwice)
 {
     const StrongPtr<TypedSlotCreator> creator = TypedSlotCreator::find(typeid(Range));
     bool ok = false;
@@ -248,7 +248,7 @@ TEST_F(TypedSlotTest, isNotMadeInNoContainerNorTwice)
     EXPECT_EQ(initialText(m_container->findSlot("limits")), "1:2");
 }
 
-TEST_F(TypedSlotTest, hasOneCreatorHoweverOftenItIsRegistered)
+TEST_F(TypedSlotTest, keepsItsCreatorOnRepeatedRegistration)
 {
     const StrongPtr<TypedSlotCreator> creator = TypedSlotCreator::find(typeid(Range));
     EXPECT_TRUE(TypedSlot<Range>::SlotCreator::registerCreator());

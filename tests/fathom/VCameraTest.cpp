@@ -1,4 +1,4 @@
-#include <fathom/VCamera.hpp> // first: proves that the header stands alone
+#include <fathom/VCamera.hpp> // first: the header must be self-contained
 
 #include "support/Locales.hpp"
 
@@ -47,9 +47,9 @@ TEST(VCamera, looksFromOneUnitAlongYWithZUp)
     EXPECT_EQ(other, camera);
 }
 
-// The numbers come from a Python program that does the same operations in the
-// same order on its own doubles.
-TEST(VCamera, hasTheLookAtMatrixToTheLastBit)
+// The numbers come from a Python program that performs the same operations on doubles
+// in the same order.
+TEST(VCamera, hasABitExactLookAtMatrix)
 {
     const struct {
         Point position;
@@ -97,7 +97,7 @@ TEST(VCamera, hasTheLookAtMatrixToTheLastBit)
         camera.untranslatedLookAt(written.data());
         using Bits = std::array<std::uint64_t, 16>;
         EXPECT_EQ(std::bit_cast<Bits>(written), std::bit_cast<Bits>(matrix))
-            << "both forms give the same, and nothing of what was there stays";
+            << "both overloads give the same matrix and overwrite every element";
 
         camera.translate(matrix);
         expectSameNumbers(matrix.data(), expected.data(), 16);
@@ -123,7 +123,7 @@ TEST(VCamera, putsItsPositionAtTheOriginAndItsFocusOnTheNegativeZAxis)
     }
 }
 
-TEST(VCamera, translatesMatricesThatAreNoRotationsToo)
+TEST(VCamera, translatesMatricesThatAreNotRotationsToo)
 {
     Matrix M;
     for (std::size_t i = 0; i < 16; ++i)
@@ -134,7 +134,7 @@ TEST(VCamera, translatesMatricesThatAreNoRotationsToo)
               (std::vector<double>{13 - 45 - 17, 14 - 50 - 22, 15 - 55 - 27, 16 - 60 - 32}));
 }
 
-TEST(VCamera, doesNotCareForTheLengthOfUp)
+TEST(VCamera, ignoresTheLengthOfUp)
 {
     const Matrix a = VCamera({0, 5, 0}, {0, 0, 0}, {0, 1, 1}, 45).untranslatedLookAt();
     const Matrix b = VCamera({0, 5, 0}, {0, 0, 0}, {0, 1e10, 1e10}, 45).untranslatedLookAt();
@@ -142,7 +142,7 @@ TEST(VCamera, doesNotCareForTheLengthOfUp)
         EXPECT_NEAR(a[i], b[i], 1e-15);
 }
 
-TEST(VCamera, givesNoNumbersForADegenerateView)
+TEST(VCamera, givesNaNForADegenerateView)
 {
     EXPECT_TRUE(std::isnan(VCamera({1, 1, 1}, {1, 1, 1}, {0, 0, 1}, 45).untranslatedLookAt()[2]));
     EXPECT_TRUE(std::isnan(VCamera({0, 0, 1}, {0, 0, 0}, {0, 0, 1}, 45).untranslatedLookAt()[0]));
@@ -165,7 +165,7 @@ TEST(VCamera, readsBackWhatItWrote)
     }
 }
 
-TEST(VCamera, keepsWhatWasReadBeforeTheFirstFault)
+TEST(VCamera, keepsWhatWasReadBeforeTheFirstError)
 {
     const struct {
         const char* text;
@@ -192,7 +192,7 @@ TEST(VCamera, keepsWhatWasReadBeforeTheFirstFault)
     }
 }
 
-TEST(VCamera, readsAsSscanfReads)
+TEST(VCamera, readsLikeSscanf)
 {
     const InClassicLocale classic;
     const std::string characters = "0123456789.e+-xinfa {},, \n";
@@ -219,8 +219,8 @@ Frustum frustumOf(const VCamera& camera, double aspect, double nearDistance, dou
     return frustum;
 }
 
-// From the same Python program as the look-at matrices.
-TEST(Frustum, hasItsPlanesToTheLastBit)
+// Computed by the same Python program as the look-at matrices.
+TEST(Frustum, hasBitExactPlanes)
 {
     const struct {
         VCamera camera;
@@ -296,7 +296,7 @@ TEST(Frustum, hasItsPlanesToTheLastBit)
     }
 }
 
-// The default camera looks along -y; half a right angle is seen in height.
+// The default camera looks along -y with a vertical field of view of 45 degrees.
 class Visibility : public testing::Test {
 protected:
     int isVisible(const Point& minimum, const Point& maximum) const
@@ -307,10 +307,10 @@ protected:
     Frustum frustum = frustumOf(VCamera(), 1, 1, 11); // from y = 0 to y = -10
 };
 
-TEST_F(Visibility, tellsInsideStraddlingAndOutside)
+TEST_F(Visibility, distinguishesInsideStraddlingAndOutside)
 {
     EXPECT_EQ(isVisible({-0.1, -5, -0.1}, {0.1, -4, 0.1}), 1);
-    EXPECT_EQ(isVisible({-0.1, -5, -0.1}, {0.1, 0.5, 0.1}), -1) << "through the near plane";
+    EXPECT_EQ(isVisible({-0.1, -5, -0.1}, {0.1, 0.5, 0.1}), -1) << "crosses the near plane";
     EXPECT_EQ(isVisible({-0.1, 2, -0.1}, {0.1, 3, 0.1}), 0) << "behind";
     EXPECT_EQ(isVisible({-0.1, -12, -0.1}, {0.1, -11, 0.1}), 0) << "too far";
     EXPECT_EQ(isVisible({-100, -5, -0.1}, {-99, -4, 0.1}), 0);
@@ -326,21 +326,21 @@ TEST_F(Visibility, countsABoxAroundEverythingAsStraddling)
 
 TEST_F(Visibility, countsTouchingAPlaneAsInside)
 {
-    // The near and the far plane stand exactly at y = 0 and y = -10.
+    // The near and the far plane are exactly at y = 0 and y = -10.
     EXPECT_EQ(isVisible({-0.1, -10, -0.1}, {0.1, -9, 0.1}), 1);
     EXPECT_EQ(isVisible({-0.1, std::nextafter(-10.0, -11.0), -0.1}, {0.1, -9, 0.1}), -1);
     EXPECT_EQ(isVisible({-0.1, -12, -0.1}, {0.1, -10, 0.1}), -1) << "touches from outside";
     EXPECT_EQ(isVisible({-0.1, -1, -0.1}, {0.1, 0, 0.1}), 1);
 }
 
-TEST_F(Visibility, takesInvertedBoxesAsTheyAre)
+TEST_F(Visibility, doesNotNormalizeInvertedBoxes)
 {
     EXPECT_EQ(isVisible({0.1, -4, 0.1}, {-0.1, -5, -0.1}), 1);
     EXPECT_EQ(isVisible({0.1, 5, 0.1}, {-0.1, -25, -0.1}), 0)
-        << "its furthest corner along the normal is the nearer one";
+        << "the corner taken as the farthest along the normal is the nearest";
 }
 
-TEST(Frustum, hidesNothingByPlanesWithoutADirection)
+TEST(Frustum, ignoresPlanesWithoutADirection)
 {
     const BoundingBox box({50, 50, 50}, {51, 51, 51});
     EXPECT_EQ(Frustum().isVisible(box), 1) << "before the first compute";
@@ -350,7 +350,7 @@ TEST(Frustum, hidesNothingByPlanesWithoutADirection)
     EXPECT_EQ(frustumOf(VCamera(), nan, 1, 2).isVisible(box), 1);
 }
 
-TEST(Frustum, withItsDistancesSwappedHasNoInside)
+TEST(Frustum, hasNoInsideIfItsDistancesAreSwapped)
 {
     const Frustum frustum = frustumOf(VCamera(), 1, 11, 1);
     std::mt19937_64 random(3);
@@ -361,8 +361,8 @@ TEST(Frustum, withItsDistancesSwappedHasNoInside)
     }
 }
 
-// One box after the other, as it is written down: everything worked out anew.
-int isVisibleByTheBook(const Frustum& frustum, const double* minimum, const double* maximum)
+// Reference implementation: handles one box and recomputes everything.
+int isVisibleReference(const Frustum& frustum, const double* minimum, const double* maximum)
 {
     int result = 1;
     for (int i = 0; i < 6; ++i) {
@@ -397,19 +397,19 @@ public:
 
     std::size_t size() const { return m_corners[0].size(); }
 
-    void expectTheSameForEach(const Frustum& frustum) const
+    void expectSingleBoxResults(const Frustum& frustum) const
     {
         const Frustum::Boxes boxes{{m_corners[0].data(), m_corners[1].data(), m_corners[2].data()},
                                    {m_corners[3].data(), m_corners[4].data(), m_corners[5].data()}};
         std::vector<std::int8_t> results(size() + 1, 99);
         frustum.classify(boxes, size(), results.data());
-        EXPECT_EQ(results.back(), 99) << "wrote behind the end";
+        EXPECT_EQ(results.back(), 99) << "wrote past the end";
         for (std::size_t i = 0; i < size(); ++i) {
             const double minimum[3] = {m_corners[0][i], m_corners[1][i], m_corners[2][i]};
             const double maximum[3] = {m_corners[3][i], m_corners[4][i], m_corners[5][i]};
             const int one = frustum.isVisible(
                 BoundingBox(Point(minimum[0], minimum[1], minimum[2]), Point(maximum[0], maximum[1], maximum[2])));
-            ASSERT_EQ(one, isVisibleByTheBook(frustum, minimum, maximum)) << i;
+            ASSERT_EQ(one, isVisibleReference(frustum, minimum, maximum)) << i;
             ASSERT_EQ(results[i], one) << i;
         }
     }
@@ -427,7 +427,7 @@ std::vector<Frustum> frusta()
         frustumOf(VCamera({1, 2, 3}, {4, -5, 6}, {0, 1, 1}, 60), 0.75, 0.5, 20),
         frustumOf(VCamera({20, 30, -10}, {0, 0, 0}, {1, 2, 3}, 170), 2, 1, 60),
         frustumOf(VCamera(), 1, 11, 1),  // swapped
-        frustumOf(VCamera(), 1, 0, 10),  // a pyramid with its top: the near plane has no direction
+        frustumOf(VCamera(), 1, 0, 10),  // the near plane is only the apex and has no direction
         frustumOf(VCamera(), 0, 1, 10),  // no width
         frustumOf(VCamera(), -1, 1, 10), // mirrored
         frustumOf(VCamera(), nan, 1, 10),
@@ -440,22 +440,22 @@ std::vector<Frustum> frusta()
     };
 }
 
-TEST(Frustum, classifiesManyBoxesExactlyAsOneByOne)
+TEST(Frustum, classifiesManyBoxesExactlyLikeSingleOnes)
 {
     for (const Frustum& frustum : frusta()) {
         std::mt19937_64 random(4);
         std::uniform_real_distribution<double> place(-40, 40);
         std::uniform_real_distribution<double> size(-1, 20);
         BoxArrays boxes;
-        for (int i = 0; i < 3001; ++i) { // no multiple of any register's width
+        for (int i = 0; i < 3001; ++i) { // not a multiple of any register's width
             const double minimum[3] = {place(random), place(random), place(random)};
             boxes.add(minimum, {minimum[0] + size(random), minimum[1] + size(random), minimum[2] + size(random)});
         }
-        boxes.expectTheSameForEach(frustum);
+        boxes.expectSingleBoxResults(frustum);
     }
 }
 
-TEST(Frustum, classifiesBoxesOnItsPlanesAndWithoutNumbersExactlyAsOneByOne)
+TEST(Frustum, classifiesBoxesOnItsPlanesAndWithNaNExactlyLikeSingleOnes)
 {
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
     constexpr double inf = std::numeric_limits<double>::infinity();
@@ -478,7 +478,7 @@ TEST(Frustum, classifiesBoxesOnItsPlanesAndWithoutNumbersExactlyAsOneByOne)
             for (const double size : {0.0, 1.0, -1.0, 1e-16})
                 boxes.add({p.x(), p.y(), p.z()}, {p.x() + size, p.y() + size, p.z() + size});
         }
-        boxes.expectTheSameForEach(frustum);
+        boxes.expectSingleBoxResults(frustum);
     }
 }
 
@@ -489,7 +489,7 @@ TEST(Frustum, classifiesAnyNumberOfBoxes)
         BoxArrays boxes;
         for (int i = 0; i < count; ++i)
             boxes.add({-0.1, -5.0 + i, -0.1}, {0.1, -4.0 + i, 0.1});
-        boxes.expectTheSameForEach(frustum);
+        boxes.expectSingleBoxResults(frustum);
     }
 }
 

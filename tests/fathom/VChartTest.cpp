@@ -23,7 +23,7 @@ static_assert(std::has_virtual_destructor_v<VChartDependent>);
 
 namespace {
 
-// A value with a chart list in it.
+// A value that contains a chart list.
 struct Survey {
     VChartList charts;
     bool operator==(const Survey&) const = default;
@@ -66,7 +66,7 @@ std::vector<std::string> namesIn(const VChartList& list)
 
 } // namespace
 
-TEST(VChart, takesAnyTextAsItsNameAndTrimsNothing)
+TEST(VChart, takesAnyTextAsItsNameWithoutTrimming)
 {
     for (const char* text : {"", " ", "geographic", " a b\t"}) {
         VChart chart{"before"};
@@ -96,7 +96,7 @@ TEST(VChart, canBeAnElementOfAnArray)
     EXPECT_TRUE((*lists)[0].empty());
 }
 
-TEST(VChartList, holdsEachChartOnceInTheOrderOfTheNames)
+TEST(VChartList, holdsEachChartOnceOrderedByName)
 {
     VChartList list;
     EXPECT_TRUE(list.insert("b"));
@@ -107,7 +107,7 @@ TEST(VChartList, holdsEachChartOnceInTheOrderOfTheNames)
     EXPECT_THAT(namesIn(listOf({"c", "a", "c", "b", "a"})), ElementsAre("a", "b", "c"));
 }
 
-TEST(VChartList, findsByTheWholeName)
+TEST(VChartList, findsAChartByItsWholeName)
 {
     const VChartList list = listOf({"geographic", "", "plate carree"});
     EXPECT_TRUE(list.find("geographic"));
@@ -117,7 +117,7 @@ TEST(VChartList, findsByTheWholeName)
     EXPECT_FALSE(VChartList().find(""));
 }
 
-TEST(VChartList, takesTheChartsOfAnotherListThatItDoesNotHave)
+TEST(VChartList, insertsTheMissingChartsOfAnotherList)
 {
     VChartList list = listOf({"b", "d"});
     EXPECT_EQ(list.insert(listOf({"e", "b", "a", "c"})), 3u);
@@ -127,7 +127,7 @@ TEST(VChartList, takesTheChartsOfAnotherListThatItDoesNotHave)
     EXPECT_EQ(list.size(), 5u);
 }
 
-TEST(VChartList, isEqualWhateverTheOrderOfInsertion)
+TEST(VChartList, isEqualRegardlessOfTheOrderOfInsertion)
 {
     EXPECT_EQ(listOf({"a", "b"}), listOf({"b", "a"}));
     EXPECT_NE(listOf({"a", "b"}), listOf({"a"}));
@@ -135,9 +135,9 @@ TEST(VChartList, isEqualWhateverTheOrderOfInsertion)
     EXPECT_EQ(VChartList{}, VChartList{});
 }
 
-TEST(VChartList, isMarkedInTextAndNeverReadFromIt)
+TEST(VChartList, isWrittenAsAMarkerAndNeverRead)
 {
-    // A list is gathered anew in every run, so that a saved one would be out of date.
+    // Every run gathers the list again, so a saved one would be out of date.
     const std::string mark = "------CHART--------";
     VChartList list = listOf({"a"});
     EXPECT_EQ(VValueTrait<VChartList>::Text(list), mark);
@@ -148,7 +148,7 @@ TEST(VChartList, isMarkedInTextAndNeverReadFromIt)
     }
 }
 
-TEST(VChartList, isMadeEmptyByNameAndSaysThatTheTextWasRefused)
+TEST(VChartList, isCreatedEmptyByNameAndRefusesItsText)
 {
     bool ok = true;
     const auto value = VValueCreator::createValue(Loam::Typename(typeid(VChartList)), "a", ok);
@@ -161,7 +161,7 @@ TEST(VChartList, isMadeEmptyByNameAndSaysThatTheTextWasRefused)
     EXPECT_EQ(value->Text(), "------CHART--------");
 }
 
-TEST(VChartList, canBeNoInputMadeFromText)
+TEST(VChartList, cannotBeAnInputCreatedFromText)
 {
     EXPECT_TRUE(TypedSlotCreator::find(typeid(VChart)));
     EXPECT_FALSE(TypedSlotCreator::find(typeid(VChartList)));
@@ -169,7 +169,7 @@ TEST(VChartList, canBeNoInputMadeFromText)
 
 namespace {
 
-// Offers charts, those of the list or those that its input names.
+// Publishes its charts and counts its updates.
 class Chartmaker : public VObject, public Atlas {
 public:
     explicit Chartmaker(const std::string& name, VChartList theCharts = {})
@@ -188,7 +188,7 @@ public:
     unsigned runs = 0;
 };
 
-// Notes the charts that it was run with.
+// Records the chart of each update.
 class Follower : public VObject, public VChartDependent {
 public:
     explicit Follower(const std::string& name) : VObject{name, 0, nullptr}, VChartDependent{"chart", 3} {}
@@ -202,7 +202,7 @@ public:
     std::vector<std::string> seen;
 };
 
-// Depends on the chart and offers charts: together with the selector, a loop.
+// Depends on the chart and publishes charts, which forms a loop with the selector.
 class Field : public VObject, public VChartDependent, public Atlas {
 public:
     explicit Field(const std::string& name, VChartList theCharts)
@@ -303,7 +303,7 @@ using AtlasTest = VChartSelectorTest;
 
 } // namespace
 
-TEST_F(VChartSelectorTest, isMadeOnceAndAnnounced)
+TEST_F(VChartSelectorTest, isCreatedOnceAndRegistered)
 {
     const auto first = selector();
     EXPECT_EQ(first->Name(), "ChartSelector");
@@ -315,7 +315,7 @@ TEST_F(VChartSelectorTest, isMadeOnceAndAnnounced)
     EXPECT_EQ(VManagedObject::count(), 1u);
 }
 
-TEST_F(VChartSelectorTest, isMadeAnewAfterTheRegistryLetItGo)
+TEST_F(VChartSelectorTest, isCreatedAgainAfterItsRemoval)
 {
     const WeakPtrImpl<VChartSelector> first = selector();
     VManagedObject::remove(selector());
@@ -324,7 +324,7 @@ TEST_F(VChartSelectorTest, isMadeAnewAfterTheRegistryLetItGo)
     EXPECT_EQ(VManagedObject::count(), 1u);
 }
 
-TEST_F(VChartSelectorTest, stillIsTheOneWhileSomebodyElseHoldsIt)
+TEST_F(VChartSelectorTest, isKeptAfterItsRemovalWhileItHasAnOwner)
 {
     const auto held = selector();
     VManagedObject::remove(held);
@@ -347,7 +347,7 @@ TEST_F(VChartSelectorTest, hasANameInputAndTwoOutputs)
     EXPECT_EQ(object->outputs()[1]->parameter()->DefaultValue()->Text(), "");
 }
 
-TEST_F(VChartSelectorTest, picksAChartOfTheAtlasAndWritesItsNameIntoTheInput)
+TEST_F(VChartSelectorTest, selectsAChartOfTheAtlasAndWritesItsNameIntoTheInput)
 {
     announce<Chartmaker>("land", listOf({"geographic", "geocentric"}));
     selector();
@@ -358,7 +358,7 @@ TEST_F(VChartSelectorTest, picksAChartOfTheAtlasAndWritesItsNameIntoTheInput)
     EXPECT_EQ(wanted(), "geocentric");
 }
 
-TEST_F(VChartSelectorTest, refusesUnknownAndEmptyNamesAndThenChangesNothing)
+TEST_F(VChartSelectorTest, refusesUnknownAndEmptyNamesAndStaysUnchanged)
 {
     announce<Chartmaker>("land", listOf({"geographic", ""}));
     selector();
@@ -372,7 +372,7 @@ TEST_F(VChartSelectorTest, refusesUnknownAndEmptyNamesAndThenChangesNothing)
     }
 }
 
-TEST_F(VChartSelectorTest, leavesNoVariableBehindWhereItRefuses)
+TEST_F(VChartSelectorTest, createsNoVariableIfItRefuses)
 {
     const auto fresh = Loam::makeStrong<ValuePool>();
     EXPECT_FALSE(selector()->selectChart(fresh, "geographic"));
@@ -387,7 +387,7 @@ TEST_F(VChartSelectorTest, refusesWithoutAPool)
     EXPECT_FALSE(selector()->selectChart(Loam::makeStrong<ValuePool>(), "geographic"));
 }
 
-TEST_F(VChartSelectorTest, picksInAPoolThatHoldsNothingYet)
+TEST_F(VChartSelectorTest, selectsInAPoolThatHoldsNoneOfItsValuesYet)
 {
     const auto land = announce<Chartmaker>("land", listOf({"geographic"}));
     const StrongPtr<VSlot> name = selector()->findSlot("chartname");
@@ -398,7 +398,7 @@ TEST_F(VChartSelectorTest, picksInAPoolThatHoldsNothingYet)
     EXPECT_EQ(wanted(), "geographic");
 }
 
-TEST_F(VChartSelectorTest, keepsThePicksOfDifferentPoolsApart)
+TEST_F(VChartSelectorTest, keepsOneSelectionPerPool)
 {
     announce<Chartmaker>("land", listOf({"geographic", "geocentric"}));
     selector();
@@ -421,9 +421,9 @@ TEST_F(VChartSelectorTest, gathersTheUnionOfAllAtlases)
     EXPECT_THAT(namesIn(atlas()), ElementsAre("geocentric", "geographic", "plate carree"));
 }
 
-TEST_F(VChartSelectorTest, keepsChartsThatNobodyOffersAnyMore)
+TEST_F(VChartSelectorTest, keepsChartsThatAreNoLongerOffered)
 {
-    // So that what a user picked stays selectable while the objects change.
+    // A chart that a user selected stays selectable while the objects change.
     const auto land = announce<Chartmaker>("land", listOf({"geographic", "geocentric"}));
     selector();
     runEverything();
@@ -433,7 +433,7 @@ TEST_F(VChartSelectorTest, keepsChartsThatNobodyOffersAnyMore)
     EXPECT_TRUE(selector()->selectChart(pool, "geocentric"));
 }
 
-TEST_F(VChartSelectorTest, refreshesTheAtlasAndLeavesTheCurrentChartWithoutAName)
+TEST_F(VChartSelectorTest, refreshesTheAtlasAndKeepsTheCurrentChartIfNoNameIsGiven)
 {
     const auto land = announce<Chartmaker>("land", listOf({"geographic"}));
     selector();
@@ -446,7 +446,7 @@ TEST_F(VChartSelectorTest, refreshesTheAtlasAndLeavesTheCurrentChartWithoutAName
     EXPECT_THAT(namesIn(atlas()), ElementsAre("geocentric", "geographic"));
 }
 
-TEST_F(VChartSelectorTest, followsItsNameInputAsSoonAsTheChartIsThere)
+TEST_F(VChartSelectorTest, followsItsNameInputAsSoonAsTheChartExists)
 {
     const auto land = announce<Chartmaker>("land", listOf({"geographic"}));
     selector();
@@ -459,7 +459,7 @@ TEST_F(VChartSelectorTest, followsItsNameInputAsSoonAsTheChartIsThere)
     EXPECT_EQ(current(), "geocentric");
 }
 
-TEST_F(VChartSelectorTest, announcesItsAtlasAtEveryUpdate)
+TEST_F(VChartSelectorTest, announcesItsAtlasOnEveryUpdate)
 {
     announce<Chartmaker>("land", listOf({"geographic"}));
     const Changes changes(selector()->findOutput("atlas")->parameter());
@@ -477,7 +477,7 @@ TEST_F(VChartSelectorTest, ignoresInputsOfOtherTypes)
     EXPECT_THAT(namesIn(atlas()), ElementsAre("geographic"));
 }
 
-TEST_F(VChartSelectorTest, readsTheComponentWhereAnInputNamesOne)
+TEST_F(VChartSelectorTest, readsTheComponentThatAnInputNames)
 {
     const auto follower = announce<Follower>("follower");
     const VOutput<Survey> survey(follower.get(), "survey", Survey{listOf({"local"})});
@@ -504,7 +504,7 @@ TEST_F(VChartDependentTest, readsTheSelectorsCurrentChart)
     EXPECT_EQ(slot->member(), "");
 }
 
-TEST_F(VChartDependentTest, allFollowOnePick)
+TEST_F(VChartDependentTest, allFollowTheSameSelection)
 {
     const auto land = announce<Chartmaker>("land", listOf({"geographic", "geocentric"}));
     const auto first = announce<Follower>("first");
@@ -517,7 +517,7 @@ TEST_F(VChartDependentTest, allFollowOnePick)
     EXPECT_EQ(land->runs, 1u) << "it does not depend on the chart";
 }
 
-TEST_F(VChartDependentTest, followsAnotherChartWhereTheUserConnectsIt)
+TEST_F(VChartDependentTest, followsAnotherChartThatTheUserConnects)
 {
     class Fixed : public VObject {
     public:
@@ -532,7 +532,7 @@ TEST_F(VChartDependentTest, followsAnotherChartWhereTheUserConnectsIt)
     EXPECT_THAT(follower->seen, ElementsAre("own"));
 }
 
-TEST_F(VChartDependentTest, goesWithoutATrace)
+TEST_F(VChartDependentTest, leavesNothingBehindWhenItIsDestroyed)
 {
     announce<Chartmaker>("land", listOf({"geographic"}));
     {
@@ -556,7 +556,7 @@ TEST_F(AtlasTest, joinsTheSelectorUnderTheNamesOfItsOwnerAndOutput)
     EXPECT_EQ(land->output()->DefaultValue()->Text(), "------CHART--------");
 }
 
-TEST_F(AtlasTest, joinsASelectorThatIsMadeLater)
+TEST_F(AtlasTest, joinsASelectorThatIsCreatedLater)
 {
     const auto land = announce<Chartmaker>("land", listOf({"geographic"}));
     EXPECT_EQ(land->requesterCount(), 0);
@@ -567,7 +567,7 @@ TEST_F(AtlasTest, joinsASelectorThatIsMadeLater)
     EXPECT_TRUE(atlas().find("geographic"));
 }
 
-TEST_F(AtlasTest, contributesAlsoWhereAnotherBearsTheSameNames)
+TEST_F(AtlasTest, contributesEvenIfAnotherHasTheSameNames)
 {
     selector();
     announce<Chartmaker>("land", listOf({"geographic"}));
@@ -578,7 +578,7 @@ TEST_F(AtlasTest, contributesAlsoWhereAnotherBearsTheSameNames)
     EXPECT_TRUE(selector()->findSlot("land.charts #2"));
 }
 
-TEST_F(AtlasTest, leavesItsChartsBehindWhenItGoes)
+TEST_F(AtlasTest, leavesItsChartsInTheSelectorWhenItIsRemoved)
 {
     selector();
     {
@@ -591,7 +591,7 @@ TEST_F(AtlasTest, leavesItsChartsBehindWhenItGoes)
     EXPECT_TRUE(selector()->selectChart(pool, "geographic"));
 }
 
-TEST_F(AtlasTest, publishesOnlyWhatDiffers)
+TEST_F(AtlasTest, publishesOnlyChanges)
 {
     const auto land = announce<Chartmaker>("land");
     const Changes changes(StrongPtr<ValueNotifierList>(land->output()));
@@ -601,7 +601,7 @@ TEST_F(AtlasTest, publishesOnlyWhatDiffers)
     EXPECT_EQ(changes.count(), 1);
 }
 
-TEST_F(AtlasTest, settlesInALoopWithTheSelectorAndRunsNobodyInVain)
+TEST_F(AtlasTest, settlesInALoopWithTheSelectorWithoutNeedlessRuns)
 {
     const auto first = announce<Field>("first", listOf({"geographic"}));
     const auto second = announce<Field>("second", listOf({"geocentric"}));
@@ -612,11 +612,11 @@ TEST_F(AtlasTest, settlesInALoopWithTheSelectorAndRunsNobodyInVain)
     EXPECT_EQ(done.stopped, 0u);
     EXPECT_EQ(first->seen, VChart{"geocentric"});
     EXPECT_EQ(second->seen, VChart{"geocentric"});
-    // Once for the charts that they offer and once for the one that was picked.
+    // Once to publish their charts and once for the selected chart.
     EXPECT_EQ(first->runs, 2u);
     EXPECT_EQ(second->runs, 2u);
 
-    // A pick by hand runs each field once, and the selector for its name.
+    // A manual selection runs each field once, and the selector for its name.
     selector()->selectChart(pool, "geographic");
     EXPECT_EQ(VScheduler::run(pool).updates, 3u);
     EXPECT_EQ(first->runs, 3u);

@@ -1,4 +1,4 @@
-#include <fathom/VConnectionTypeColors.hpp> // first: proves that the header stands alone
+#include <fathom/VConnectionTypeColors.hpp> // first: the header must be self-contained
 
 #include <gtest/gtest.h>
 
@@ -8,13 +8,13 @@ using namespace Orla;
 
 namespace {
 
-// Read while this program starts up.
+// Read during static initialization.
 const std::string visibilityAtStart = Tarn::renderobject_visibility;
 
 struct Coloured {};
 struct Uncoloured {};
 
-TEST(VConnectionTypeColors, drawNumbersGreenWhateverIsSet)
+TEST(VConnectionTypeColors, alwaysDrawNumbersGreen)
 {
     EXPECT_EQ(VConnectionTypeColors::get(typeid(int)), "green");
     VConnectionTypeColors::set(typeid(double), "red");
@@ -32,7 +32,7 @@ TEST(VConnectionTypeColors, keepTheLastColourOfAType)
     EXPECT_EQ(VConnectionTypeColors::get(typeid(Uncoloured)), "");
 }
 
-TEST(RenderProperties, haveTheirNamesFromTheStart)
+TEST(RenderProperties, haveTheirNamesDuringStaticInitialization)
 {
     EXPECT_EQ(visibilityAtStart, "visibility");
     EXPECT_STREQ(Tarn::renderobject_visibility, "visibility");

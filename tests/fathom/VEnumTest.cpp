@@ -1,4 +1,4 @@
-#include <fathom/VEnum.hpp> // first: proves that the header stands alone
+#include <fathom/VEnum.hpp> // first: the header must be self-contained
 
 #include "Recorders.hpp"
 
@@ -50,7 +50,7 @@ Names namesOf(const StringList& list)
     return {list.begin(), list.end()};
 }
 
-// An enum whose number lies past the end of its names.
+// An enum whose selected number is past the end of its names.
 Enum withoutAChosenName()
 {
     const auto selection = Loam::makeStrong<VEnumSelection>("a,b", ',');
@@ -76,7 +76,7 @@ TEST(VEnumSelection, startsAtTheFirstName)
     EXPECT_TRUE(chosen.select("y"));
     EXPECT_EQ(VEnumSelection(static_cast<const StringList&>(chosen)).selectedNumber(), 0u);
     EXPECT_EQ(namesOf(VEnumSelection(StringList("x,y", ','))), (Names{"x", "y"}));
-    EXPECT_EQ(VEnumSelection(chosen).selectedNumber(), 1u) << "a copy of a selection has its choice";
+    EXPECT_EQ(VEnumSelection(chosen).selectedNumber(), 1u) << "a copy of a selection keeps its choice";
 }
 
 TEST(VEnumSelection, choosesByNumberWithinItsBounds)
@@ -118,7 +118,7 @@ TEST(VEnumSelection, hasEmptyNamesPastItsEnd)
     EXPECT_EQ(selection.toString(), "{b}");
 }
 
-TEST(VEnumSelection, isEqualIfNamesAndNumberAre)
+TEST(VEnumSelection, isEqualIfNamesAndNumberAreEqual)
 {
     VEnumSelection a("a,b", ',');
     VEnumSelection b(a);
@@ -141,7 +141,7 @@ TEST(VEnumSelection, isWrittenAsTheChoiceAndAllNamesInBraces)
     EXPECT_EQ(VEnumSelection("{x},", ',').toString(), "{x}{{x}}") << "nothing is escaped";
 }
 
-TEST(VEnumSelection, choosesAmongItsNamesByATextWithoutBraces)
+TEST(VEnumSelection, choosesAmongItsNamesIfTheTextHasNoBraces)
 {
     VEnumSelection selection("a,b", ',');
     EXPECT_TRUE(selection.fromString("b"));
@@ -180,7 +180,7 @@ TEST(VEnumSelection, intentionallyReadsNamesWithTheirClosingBrace)
     }
 }
 
-TEST(VEnumSelection, readsATextThatIsOneOfItsOwnNames)
+TEST(VEnumSelection, canBeReadFromOneOfItsOwnNames)
 {
     VEnumSelection selection("a rather long name of a case that holds a { inside,b", ',');
     EXPECT_FALSE(selection.fromString(selection[0]));
@@ -189,7 +189,7 @@ TEST(VEnumSelection, readsATextThatIsOneOfItsOwnNames)
 
 // Comparing names
 
-TEST(IsEqualCaseIndependent, holdsWhereOneTextBeginsWithTheOther)
+TEST(IsEqualCaseIndependent, holdsIfOneTextBeginsWithTheOther)
 {
     const struct {
         const char* a;
@@ -222,20 +222,20 @@ TEST(IsEqualCaseIndependent, holdsWhereOneTextBeginsWithTheOther)
     }
 }
 
-TEST(Enum, offersTheNamesGivenAndChoosesTheFirst)
+TEST(Enum, offersTheGivenNamesAndChoosesTheFirst)
 {
     const Enum made(letters, 2);
     ASSERT_TRUE(made.selection());
     EXPECT_EQ(namesOf(*made.selection()), (Names{"a", "b"}));
     EXPECT_EQ(made.selection()->selectedNumber(), 0u);
 
-    const char* names[] = {"x", nullptr, "", "y"}; // pointers that may change are fine too
+    const char* names[] = {"x", nullptr, "", "y"}; // non-const pointers work too
     EXPECT_EQ(namesOf(*Enum(names, 4).selection()), (Names{"x", "", "y"}));
     ASSERT_TRUE(Enum(nullptr, 3).selection());
     EXPECT_TRUE(Enum(nullptr, 3).selection()->empty());
 }
 
-TEST(Enum, isAskedForTheExactName)
+TEST(Enum, comparesItsExactName)
 {
     EXPECT_TRUE(cubic().Equal("cubic"));
     for (const char* name : {"", "Cubic", "cub", "cubic ", "linear"})
@@ -243,7 +243,7 @@ TEST(Enum, isAskedForTheExactName)
     EXPECT_FALSE(cubic().Equal(std::string("cubic\0", 6)));
 }
 
-TEST(Enum, isAskedForTheBeginningOfTheNameInAnyCase)
+TEST(Enum, comparesTheBeginningOfItsNameIgnoringCase)
 {
     for (const char* name : {"", "Cubic", "cub", "CUBICAL"})
         EXPECT_TRUE(cubic().iEqual(name)) << name;
@@ -251,7 +251,7 @@ TEST(Enum, isAskedForTheBeginningOfTheNameInAnyCase)
         EXPECT_FALSE(cubic().iEqual(name)) << name;
 }
 
-TEST(Enum, tellsWhichCandidateIsChosen)
+TEST(Enum, findsTheChosenCandidate)
 {
     EXPECT_EQ(cubic().Case("linear", "cubic"), 1u);
     EXPECT_EQ(cubic().Case(nullptr, "cubic"), 1u);
@@ -262,17 +262,17 @@ TEST(Enum, tellsWhichCandidateIsChosen)
     EXPECT_EQ(Enum::None, ~0u);
 }
 
-TEST(Enum, tellsWhichCandidateIsABeginningOfTheChosenName)
+TEST(Enum, findsACandidateThatTheChosenNameBeginsWith)
 {
     EXPECT_EQ(cubic().iCase("lin", "CUB"), 1u);
     EXPECT_EQ(cubic().iCase("", "cubic"), 0u) << "the empty candidate matches any choice";
-    EXPECT_EQ(cubic().iCase("c", "cubic"), 0u) << "the first one that matches decides";
+    EXPECT_EQ(cubic().iCase("c", "cubic"), 0u) << "the first match wins";
     EXPECT_EQ(cubic().iCase(nullptr, "cubic", "c"), 1u);
     EXPECT_EQ(cubic().iCase("lin"), Enum::None);
     EXPECT_EQ(cubic().iCase("0", "1", "2", "3", nullptr, "5", "6", "7", "8", "9", "CUBIC"), 10u);
 }
 
-TEST(Enum, tellsWhereItsNameStandsAmongOthers)
+TEST(Enum, findsItsNameInAList)
 {
     const char* names[] = {"linear", nullptr, "Cubic", "cubic", "cubic"};
     EXPECT_EQ(cubic()(names, 5), 3u);
@@ -284,7 +284,7 @@ TEST(Enum, tellsWhereItsNameStandsAmongOthers)
     EXPECT_EQ(cubic()(StrongPtr<StringList>()), Enum::None);
 }
 
-TEST(Enum, hasAnEmptyNameWhereItsNumberLiesPastTheEnd)
+TEST(Enum, hasAnEmptyNameIfItsNumberIsPastTheEnd)
 {
     const Enum nameless = withoutAChosenName();
     EXPECT_TRUE(nameless.Equal(""));
@@ -294,12 +294,12 @@ TEST(Enum, hasAnEmptyNameWhereItsNumberLiesPastTheEnd)
     EXPECT_EQ(Trait::Text(nameless), "{b}");
 }
 
-TEST(Enum, thatIsEmptyHasNothingChosen)
+TEST(Enum, hasNothingChosenIfItIsEmpty)
 {
     Enum empty;
     EXPECT_FALSE(empty.selection());
     EXPECT_FALSE(empty.Equal(""));
-    EXPECT_FALSE(empty.iEqual("")) << "not even what matches everything";
+    EXPECT_FALSE(empty.iEqual("")) << "not even the text that matches everything";
     EXPECT_EQ(empty.Case(""), Enum::None);
     EXPECT_EQ(empty.iCase(""), Enum::None);
     EXPECT_EQ(empty(letters, 3), Enum::None);
@@ -311,7 +311,7 @@ TEST(Enum, thatIsEmptyHasNothingChosen)
     EXPECT_FALSE(empty.selection());
 }
 
-TEST(Enum, takesFurtherCasesAlsoTwice)
+TEST(Enum, acceptsFurtherCasesEvenTwice)
 {
     Enum made(letters, 1);
     EXPECT_TRUE(made.addCase("x"));
@@ -322,7 +322,7 @@ TEST(Enum, takesFurtherCasesAlsoTwice)
     EXPECT_EQ(Trait::Text(made), "a{a}{x}{x}");
 }
 
-TEST(Enum, thatIsEmptyBeginsWithTheFirstCaseThatIsAdded)
+TEST(Enum, startsWithTheFirstAddedCaseIfItIsEmpty)
 {
     Enum made;
     EXPECT_FALSE(made.addCase(""));
@@ -344,10 +344,10 @@ TEST(Enum, sharesNamesAndChoiceWithItsCopies)
     EXPECT_TRUE(copy.Equal("c"));
 }
 
-TEST(Enum, isEqualToOneWithTheSameNamesAndTheSameChoice)
+TEST(Enum, isEqualIfNamesAndChoiceAreEqual)
 {
     EXPECT_EQ(Enum(), Enum());
-    EXPECT_NE(Enum(), Enum(nullptr, 0)) << "empty is not the same as without names";
+    EXPECT_NE(Enum(), Enum(nullptr, 0)) << "an empty enum differs from one without names";
     EXPECT_NE(Enum(nullptr, 0), Enum());
     EXPECT_EQ(lettersWith("b"), lettersWith("b"));
     EXPECT_NE(lettersWith("b"), lettersWith("c"));
@@ -365,7 +365,7 @@ TEST(Enum, isWrittenAsTheChoiceAndAllNames)
     EXPECT_EQ(Trait::Text(lettersWith("b")), "b{a}{b}{c}");
 }
 
-TEST(Enum, readsAChoiceAndNeverNames)
+TEST(Enum, readsAChoiceButNeverNames)
 {
     const struct {
         const char* text;
@@ -384,7 +384,7 @@ TEST(Enum, readsAChoiceAndNeverNames)
     }
 }
 
-TEST(Enum, readsBackWhatItWroteAmongTheSameNames)
+TEST(Enum, readsBackWhatItWroteIfTheNamesAreTheSame)
 {
     for (const char* name : letters) {
         Enum read(letters, 3);
@@ -395,7 +395,7 @@ TEST(Enum, readsBackWhatItWroteAmongTheSameNames)
 
 // As a value and an input
 
-TEST(EnumValue, hasCopiesOfItsOwn)
+TEST(EnumValue, isCopiedIndependently)
 {
     const VValue<Enum> value(lettersWith("b"));
     const StrongPtr<VValueBase> copy = value.copy();
@@ -407,7 +407,7 @@ TEST(EnumValue, hasCopiesOfItsOwn)
     EXPECT_EQ(VValue<Enum>().copy()->Text(), "");
 }
 
-TEST(EnumValue, isNotMadeFromTextAloneWhichOffersNoNames)
+TEST(EnumValue, isEmptyIfItIsCreatedFromText)
 {
     bool ok = true;
     const StrongPtr<VValueBase> value = VValueCreator::createValue("Enum", "a{a}{b}", ok);
@@ -431,7 +431,7 @@ protected:
 
 } // namespace
 
-TEST_F(EnumInput, choosesForOnePoolAlone)
+TEST_F(EnumInput, choosesForEachPoolSeparately)
 {
     const StrongPtr<VValueBase> first = m_rule.slot()->getLocalValue(m_first);
     m_rule.slot()->getLocalValue(m_second);
@@ -442,7 +442,7 @@ TEST_F(EnumInput, choosesForOnePoolAlone)
     EXPECT_EQ(m_rule.initialValue(), lettersWith("b"));
 }
 
-TEST_F(EnumInput, takesItsInitialChoiceFromTextAmongTheNamesThatItsObjectOffers)
+TEST_F(EnumInput, takesItsInitialChoiceFromTextAmongTheNamesOffered)
 {
     m_rule.slot()->getLocalValue(m_first);
     EXPECT_TRUE(m_rule.slot()->setInitialText("c"));
@@ -450,17 +450,17 @@ TEST_F(EnumInput, takesItsInitialChoiceFromTextAmongTheNamesThatItsObjectOffers)
     EXPECT_EQ(m_rule.parameter()->DefaultValue()->Text(), "c{a}{b}{c}");
     m_rule.slot()->getLocalValue(m_second);
     EXPECT_EQ(textIn(m_second), "c{a}{b}{c}");
-    EXPECT_EQ(textIn(m_first), "b{a}{b}{c}") << "a variable that exists keeps its choice";
+    EXPECT_EQ(textIn(m_first), "b{a}{b}{c}") << "an existing variable keeps its choice";
 }
 
-TEST_F(EnumInput, isNotChangedByAChoiceInWhatAPoolWithoutItAnswers)
+TEST_F(EnumInput, isNotChangedThroughTheValueOfAPoolWithoutAVariable)
 {
     m_rule.value(m_first).select("a");
     EXPECT_EQ(textIn(m_first), "b{a}{b}{c}");
     EXPECT_EQ(m_rule.parameter()->DefaultValue()->Text(), "b{a}{b}{c}");
 }
 
-TEST_F(EnumInput, isWrittenIfTheChoiceIsAnotherOne)
+TEST_F(EnumInput, isWrittenOnlyIfTheChoiceDiffers)
 {
     m_rule.slot()->getLocalValue(m_first);
     const Changes changes(m_rule.parameter());
@@ -470,7 +470,7 @@ TEST_F(EnumInput, isWrittenIfTheChoiceIsAnotherOne)
     EXPECT_EQ(textIn(m_first), "c{a}{b}{c}");
 }
 
-TEST_F(EnumInput, madeFromTextIsThereButOffersNothing)
+TEST_F(EnumInput, existsButOffersNothingIfItIsCreatedFromText)
 {
     const StrongPtr<TypedSlotCreator> creator = TypedSlotCreator::find(typeid(Enum));
     ASSERT_TRUE(creator);

@@ -1,4 +1,4 @@
-#include <fathom/VFlagList.hpp> // first: proves that the header stands alone
+#include <fathom/VFlagList.hpp> // first: the header must be self-contained
 
 #include "Recorders.hpp"
 #include "support/SlotLaws.hpp"
@@ -24,7 +24,7 @@ using BoolInput = VSlotContainer::in<bool[], -32000>;
 static_assert(std::is_base_of_v<TypedSlot<FlagList>, TypedSlot<bool[]>>);
 static_assert(std::is_base_of_v<TypedSlot<bool[]>, BoolInput>);
 static_assert(std::is_default_constructible_v<BoolInput> && std::is_copy_assignable_v<BoolInput>);
-static_assert(!std::is_default_constructible_v<TypedSlot<FlagList>>, "only flag names may be declared later");
+static_assert(!std::is_default_constructible_v<TypedSlot<FlagList>>, "only TypedSlot<bool[]> may be declared later");
 static_assert(!std::is_convertible_v<std::string, FlagList>);
 
 template<>
@@ -37,7 +37,7 @@ std::vector<FlagList> samples<FlagList>()
 INSTANTIATE_TYPED_TEST_SUITE_P(FlagList, ValueLaws, FlagList);
 INSTANTIATE_TYPED_TEST_SUITE_P(FlagList, SlotLaws, FlagList);
 
-TEST(FlagList, takesASignForTheStateAndTheRestForTheName)
+TEST(FlagList, readsTheStateFromASignAndTheNameFromTheRest)
 {
     const struct {
         const char* item;
@@ -83,7 +83,7 @@ TEST(FlagList, keepsTheLastStateOfAName)
     EXPECT_THAT(flags, ElementsAre(Pair("verbose", false)));
 }
 
-TEST(FlagList, tellsWhatIsOffFromWhatWasNeverSet)
+TEST(FlagList, distinguishesOffFromNeverSet)
 {
     const FlagList flags("on -off", ' ');
     bool present = false;
@@ -99,19 +99,19 @@ TEST(FlagList, tellsWhatIsOffFromWhatWasNeverSet)
     EXPECT_FALSE(flags.contains("On"));
 }
 
-TEST(FlagList, addsThePiecesOfATextAndCountsThemAll)
+TEST(FlagList, addsThePiecesOfATextAndReturnsTheirNumber)
 {
     FlagList flags("a -z", ' ');
     EXPECT_EQ(flags.addFlagsFromString("-a,,b", ','), 3u);
     EXPECT_THAT(flags, ElementsAre(Pair("a", false), Pair("b", true), Pair("z", false)));
     EXPECT_EQ(flags.addFlagsFromString("", ','), 0u);
-    EXPECT_EQ(flags.addFlagsFromString("c,", ','), 1u) << "an empty last piece is none";
+    EXPECT_EQ(flags.addFlagsFromString("c,", ','), 1u) << "an empty last piece does not count";
     EXPECT_EQ(flags.addFlagsFromString(",,", ','), 2u);
     EXPECT_EQ(flags.addFlagsFromString("x -x", ','), 1u);
     EXPECT_TRUE(flags.contains("x -x"));
 }
 
-TEST(FlagList, isMadeOfAText)
+TEST(FlagList, canBeConstructedFromText)
 {
     EXPECT_THAT(FlagList("b;-a;", ';'), ElementsAre(Pair("a", false), Pair("b", true)));
     EXPECT_THAT(FlagList("", ';'), IsEmpty());
@@ -122,7 +122,7 @@ TEST(FlagList, isOrderedByBytes)
     EXPECT_EQ(Trait::Text(FlagList("b \xc3\xa4 B a 1 ab", ' ')), " +1 +B +a +ab +b +\xc3\xa4");
 }
 
-TEST(FlagList, isEqualIfNamesAndStatesAre)
+TEST(FlagList, isEqualIfNamesAndStatesAreEqual)
 {
     EXPECT_EQ(FlagList("a -b", ' '), FlagList("-b +a", ' '));
     EXPECT_NE(FlagList("a", ' '), FlagList("-a", ' '));
@@ -136,7 +136,7 @@ TEST(FlagList, intentionallyWritesABlankBeforeEachFlag)
     EXPECT_EQ(Trait::Text(FlagList()), "");
 }
 
-TEST(FlagList, isReplacedByWhatATextNames)
+TEST(FlagList, isReplacedByTheFlagsOfAText)
 {
     const struct {
         const char* text;
@@ -153,14 +153,14 @@ TEST(FlagList, isReplacedByWhatATextNames)
     }
 }
 
-TEST(FlagList, isPrintedLineByLine)
+TEST(FlagList, isPrintedOneFlagPerLine)
 {
     testing::internal::CaptureStdout();
     FlagList("b -a +", ' ').speak();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), ": true\na: false\nb: true\n");
 }
 
-TEST(FlagList, isWrittenToAnInputIfItIsAnotherOne)
+TEST(FlagList, isWrittenToAnInputOnlyIfItDiffers)
 {
     const StrongPtr<VSlotContainer> container(new VSlotContainer);
     const TypedSlot<FlagList> slot(container.get(), "switches", FlagList("a", ' '), 0);
@@ -175,7 +175,7 @@ TEST(FlagList, isWrittenToAnInputIfItIsAnotherOne)
     EXPECT_EQ(slot.value(other), FlagList("a", ' ')) << "another pool does not see it";
 }
 
-// Inputs that are declared by the names of their flags
+// Inputs declared by the names of their flags
 
 namespace {
 
@@ -187,7 +187,7 @@ protected:
 
 } // namespace
 
-TEST_F(FlagInput, startsFromTheFlagsNamed)
+TEST_F(FlagInput, startsWithTheGivenFlags)
 {
     const TypedSlot<bool[]> slot(m_container.get(), "switches", "a b c", 7);
     EXPECT_THAT(slot.initialValue(), ElementsAre(Pair("a", true), Pair("b", true), Pair("c", true)));
@@ -200,7 +200,7 @@ TEST_F(FlagInput, startsFromTheFlagsNamed)
     EXPECT_EQ(slot.parameter()->DefaultValue()->Text(), " +a +b +c");
 }
 
-TEST_F(FlagInput, takesItsFlagNamesInOrder)
+TEST_F(FlagInput, appliesItsFlagNamesInOrder)
 {
     const TypedSlot<bool[]> twice(m_container.get(), "twice", "-a  a b -b", 0);
     EXPECT_EQ(twice.initialValue(), FlagList("a -b", ' '));
@@ -225,7 +225,7 @@ TEST_F(FlagInput, declaresNothingUntilItIsAssignedTo)
     EXPECT_EQ(copy.initialValue(), slot.initialValue());
 }
 
-TEST_F(FlagInput, isAMemberOfTheClassOfItsObject)
+TEST_F(FlagInput, canBeAMemberOfItsObjectsClass)
 {
     struct Painter : VSlotContainer {
         BoolInput switches{this, "switches", "axes -grid", 3};

@@ -1,4 +1,4 @@
-#include <fathom/VInteractionEvent.hpp> // first: proves that the header stands alone
+#include <fathom/VInteractionEvent.hpp> // first: the header must be self-contained
 
 #include "support/Threads.hpp"
 
@@ -114,7 +114,7 @@ TEST(VInteractionEvent, isWrittenAsItsPositionAndNeverRead)
     EXPECT_EQ(event.x, 2147483647);
 }
 
-TEST(VInteractionEvent, isNeverEqualSoThatARepeatedEventIsDelivered)
+TEST(VInteractionEvent, isNeverEqualSoRepeatedEventsAreDelivered)
 {
     const VInteractionEvent event;
     EXPECT_FALSE(event == event);
@@ -133,7 +133,7 @@ TEST(VInteractionEvent, isRegisteredAsValueAndInput)
     EXPECT_TRUE(TypedSlotCreator::find(typeid(VInteractionEvent)));
 }
 
-TEST(VInteractionEvent, withoutAGrabberMayBeUsedByEverybodyAndIsNobodys)
+TEST(VInteractionEvent, isFreeForAllAndHasNoHolderWithoutAGrabber)
 {
     const StrongPtr<Player> player = Loam::makeStrong<Player>("player");
     VInteractionEvent event;
@@ -153,7 +153,7 @@ TEST_F(GrabStack, isFreeForAllWhileItIsEmpty)
     EXPECT_EQ(holders(), Names{});
 }
 
-TEST_F(GrabStack, letsASecondGrabStackOnTopOfTheFirst)
+TEST_F(GrabStack, putsASecondGrabOnTopOfTheFirst)
 {
     grab(a);
     grab(b);
@@ -164,14 +164,14 @@ TEST_F(GrabStack, letsASecondGrabStackOnTopOfTheFirst)
     EXPECT_FALSE(event.mayuse(a));
 
     event.ungrab(a);
-    EXPECT_EQ(holders(), (Names{"b", "a"})) << "only the current holder can let go";
+    EXPECT_EQ(holders(), (Names{"b", "a"})) << "only the current holder can release the grab";
     event.ungrab(b);
     EXPECT_TRUE(event.isMine(a));
     event.ungrab(a);
     EXPECT_EQ(holders(), Names{});
 }
 
-TEST_F(GrabStack, replacesTheReasonOfOneThatHoldsAlready)
+TEST_F(GrabStack, replacesTheReasonOfTheCurrentHolder)
 {
     const StrongPtr<ChunkBase> first = Loam::makeStrong<Loam::Chunk<double>>(1u, 1.0);
     const StrongPtr<ChunkBase> second = Loam::makeStrong<Loam::Chunk<double>>(1u, 2.0);
@@ -183,7 +183,7 @@ TEST_F(GrabStack, replacesTheReasonOfOneThatHoldsAlready)
     EXPECT_EQ(grabber->stack().front().data, second);
 }
 
-TEST_F(GrabStack, takesAGrabAnewFromOneThatHoldsFurtherDown)
+TEST_F(GrabStack, acceptsAnotherGrabByAHolderFurtherDown)
 {
     grab(a);
     grab(b);
@@ -191,7 +191,7 @@ TEST_F(GrabStack, takesAGrabAnewFromOneThatHoldsFurtherDown)
     EXPECT_EQ(holders(), (Names{"a", "b", "a"}));
 }
 
-TEST_F(GrabStack, ignoresGrabsOfNobodyAndOfTheDead)
+TEST_F(GrabStack, ignoresGrabsByNullOrDestroyedObjects)
 {
     grab(a);
     event.grab(nullptr, GrabReason::Pointer, 0, nullptr);
@@ -203,7 +203,7 @@ TEST_F(GrabStack, ignoresGrabsOfNobodyAndOfTheDead)
     EXPECT_EQ(holders(), Names{"a"});
 }
 
-TEST_F(GrabStack, isFreeAgainWhenItsHolderDies)
+TEST_F(GrabStack, isFreeAgainWhenItsHolderIsDestroyed)
 {
     grab(a);
     a.reset();
@@ -212,7 +212,7 @@ TEST_F(GrabStack, isFreeAgainWhenItsHolderDies)
     EXPECT_FALSE(event.isMine(b));
 }
 
-TEST_F(GrabStack, dropsDeadEntriesAtItsFrontOnly)
+TEST_F(GrabStack, dropsDeadEntriesOnlyAtItsFront)
 {
     const StrongPtr<Player> c = Loam::makeStrong<Player>("c");
     grab(a);
@@ -222,12 +222,12 @@ TEST_F(GrabStack, dropsDeadEntriesAtItsFrontOnly)
     EXPECT_TRUE(event.isMine(c));
     EXPECT_EQ(holders(), (Names{"c", "dead", "a"}));
     event.ungrab(c);
-    EXPECT_EQ(holders(), (Names{"dead", "a"})) << "letting go drops nothing else";
+    EXPECT_EQ(holders(), (Names{"dead", "a"})) << "a release drops nothing else";
     EXPECT_TRUE(event.isMine(a));
     EXPECT_EQ(holders(), Names{"a"});
 }
 
-TEST_F(GrabStack, doesNotDropAnythingForAGrab)
+TEST_F(GrabStack, dropsNothingOnAGrab)
 {
     grab(a);
     a.reset();
@@ -235,7 +235,7 @@ TEST_F(GrabStack, doesNotDropAnythingForAGrab)
     EXPECT_EQ(holders(), (Names{"b", "dead"}));
 }
 
-TEST_F(GrabStack, canBeAskedForTheHolderOfAnEntryThatTheQuestionDrops)
+TEST_F(GrabStack, acceptsAQueryForAnEntryThatTheQueryDrops)
 {
     grab(a);
     grab(b);
@@ -245,7 +245,7 @@ TEST_F(GrabStack, canBeAskedForTheHolderOfAnEntryThatTheQuestionDrops)
     grab(b = Loam::makeStrong<Player>("b"));
     b.reset();
     EXPECT_FALSE(event.isMine(grabber->stack().front().object));
-    EXPECT_TRUE(event.isMine(grabber->stack().front().object)) << "the front is that of a again";
+    EXPECT_TRUE(event.isMine(grabber->stack().front().object)) << "the front entry is a's again";
 }
 
 TEST_F(GrabStack, isSharedByAllCopiesOfTheStream)
@@ -255,7 +255,7 @@ TEST_F(GrabStack, isSharedByAllCopiesOfTheStream)
     EXPECT_TRUE(copy.isMine(a));
 }
 
-TEST_F(GrabStack, canBeCopiedIntoAStreamOfItsOwn)
+TEST_F(GrabStack, canBeCopiedIntoAnotherStream)
 {
     grab(a);
     grab(b);
@@ -293,7 +293,7 @@ public:
     VOutput<VInteractionEvent> events{this, "events", VInteractionEvent{}};
 };
 
-TEST(Interactive, waitsWithAnEventOfKindOneWhereThereIsNoSource)
+TEST(Interactive, startsWithAnEventOfKindOneWithoutASource)
 {
     const auto listener = Loam::makeStrong<Listener>("alone");
     const TypedSlot<VInteractionEvent>& slot = listener->interactionSlot();
@@ -304,7 +304,7 @@ TEST(Interactive, waitsWithAnEventOfKindOneWhereThereIsNoSource)
     EXPECT_FALSE(slot.initialValue().grabber);
 }
 
-TEST(Interactive, objectsAllGetTheStreamOfTheOneSourceWhichIsMadeWhenMissing)
+TEST(Interactive, objectsShareOneSourceWhichIsCreatedIfMissing)
 {
     const VObjectType<Source> sourceType{"TestSource",
                                          StrongPtr<VCreationPreferences>(new VCreationPreferences("default", "unique")),
@@ -331,7 +331,7 @@ TEST(Interactive, objectsAllGetTheStreamOfTheOneSourceWhichIsMadeWhenMissing)
     EXPECT_TRUE(VManagedObject::remove(source));
 }
 
-// Grabs what it can, and notes whether it could.
+// Grabs the event if it may, and records whether it did.
 class Grabbing final : public VObject {
 public:
     Grabbing(const std::string& name, std::chrono::milliseconds duration)
@@ -359,13 +359,13 @@ private:
     TypedSlot<VInteractionEvent> m_event{this, "event", VInteractionEvent{}, 0};
 };
 
-TEST(VInteractionEvent, isSeenByItsReadersInTurnAlsoWhereObjectsRunConcurrently)
+TEST(VInteractionEvent, isSeenByItsReadersInTurnEvenIfObjectsRunConcurrently)
 {
     const StrongPtr<ValuePool> pool(new ValuePool);
     const VInteractionEvent event{VInteractionEvent::Press, Loam::makeStrong<Grabber>("stream")};
     std::vector<StrongPtr<Grabbing>> objects;
     for (int i = 0; i < 8; ++i) {
-        // The later ones would be the first to grab.
+        // If the objects did not take turns, the later ones would grab first.
         objects.push_back(Loam::makeStrong<Grabbing>(std::to_string(i), std::chrono::milliseconds(3 * (8 - i))));
         objects.back()->enableRequestProcessing();
         objects.back()->eventSlot()->set(pool, event);
@@ -379,7 +379,7 @@ TEST(VInteractionEvent, isSeenByItsReadersInTurnAlsoWhereObjectsRunConcurrently)
 
 } // namespace
 
-TEST(VInteractionEvent, isNothingInParticularAtFirst)
+TEST(VInteractionEvent, isOfKindNothingByDefault)
 {
     EXPECT_EQ(VInteractionEvent().kind, VInteractionEvent::Nothing);
     static_assert(VInteractionEvent::Nothing == 1);

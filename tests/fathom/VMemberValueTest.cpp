@@ -72,7 +72,7 @@ TEST_F(VMemberValueTest, isWrittenThroughToTheWhole)
     }
     VTime time;
     m_time->getValue(time);
-    EXPECT_EQ(time.info1 + time.info2 + time.info3, "abc") << "the other parts stay";
+    EXPECT_EQ(time.info1 + time.info2 + time.info3, "abc") << "the other parts are unchanged";
 }
 
 TEST_F(VMemberValueTest, followsTheWhole)
@@ -102,14 +102,14 @@ TEST_F(VMemberValueTest, takesItsContentFromAValueOfItsType)
     EXPECT_EQ(m_time->Text(), "4[3,4]@0.5");
 }
 
-TEST_F(VMemberValueTest, leavesTheWholeAloneWhenItsTextIsRefused)
+TEST_F(VMemberValueTest, leavesTheWholeUnchangedIfItsTextIsRefused)
 {
     EXPECT_FALSE(component("time")->setValueFromText("x"));
     EXPECT_FALSE(component("range")->setValueFromText("7:x"));
     EXPECT_EQ(m_time->Text(), "5[0,10]@0.5");
 }
 
-TEST_F(VMemberValueTest, isAPlainValueInACopy)
+TEST_F(VMemberValueTest, becomesAPlainValueWhenItIsCopied)
 {
     const StrongPtr<VValueBase> copy = component("range")->copy();
     ASSERT_TRUE(StrongPtr<VValue<Range>>(copy));
@@ -138,7 +138,7 @@ TEST_F(VMemberValueTest, hasTheSourceOfTheWhole)
     EXPECT_FALSE(m_orphan->source());
 }
 
-TEST_F(VMemberValueTest, isMadeOnItsOwnByTheCreatorOfItsType)
+TEST_F(VMemberValueTest, hasTheCreatorOfItsType)
 {
     EXPECT_EQ(component("time")->getValueCreator(), VValueCreator::find("double"));
     EXPECT_EQ(component("range")->getValueCreator(), VValueCreator::find("Range"));
@@ -163,7 +163,7 @@ TEST_F(VMemberValueTest, keepsTheWholeAlive)
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(VMemberValueTest, movesToAnotherWhole)
+TEST_F(VMemberValueTest, canBeMovedToAnotherWhole)
 {
     m_orphan->setContainerValue(Loam::makeStrong<VValue<Range>>(Range{8, 9}));
     EXPECT_EQ(m_orphan->Text(), "8");
@@ -174,7 +174,7 @@ TEST_F(VMemberValueTest, movesToAnotherWhole)
 
 TEST_F(VMemberValueTest, canBeNeitherReadNorWrittenWithoutAWholeOfTheRightType)
 {
-    const StrongPtr<Begin> stray(new Begin(m_time)); // a VTime is no Range
+    const StrongPtr<Begin> stray(new Begin(m_time)); // a VTime is not a Range
     for (const StrongPtr<Begin>& part : {m_orphan, stray}) {
         double number = 7;
         EXPECT_FALSE(part->getValue(number));
@@ -188,7 +188,7 @@ TEST_F(VMemberValueTest, canBeNeitherReadNorWrittenWithoutAWholeOfTheRightType)
     EXPECT_EQ(m_time->Text(), "5[0,10]@0.5");
 }
 
-TEST_F(VMemberValueTest, isListedByTheTypeThatItIsPartOf)
+TEST_F(VMemberValueTest, isListedByTheTypeItIsPartOf)
 {
     EXPECT_THAT(VValueComponents::names(typeid(Range)), testing::ElementsAre("begin", "end"));
     EXPECT_THAT(VValueComponents::names(typeid(VTime)), testing::ElementsAre("time", "range", "dt"));

@@ -1,4 +1,4 @@
-#include <fathom/VMultiPointerDevice.hpp> // first: proves that the header stands alone
+#include <fathom/VMultiPointerDevice.hpp> // first: the header must be self-contained
 
 #include <fathom/VValueType.hpp>
 
@@ -29,13 +29,13 @@ VMultiPointerDevice device(std::vector<Pointer> pointers)
 
 } // namespace
 
-TEST(VMultiPointerDevice, startsWithoutPointersAndEqualsAnotherWithout)
+TEST(VMultiPointerDevice, startsWithoutPointersAndEqualsAnotherEmptyDevice)
 {
     EXPECT_TRUE(VMultiPointerDevice().pointers.empty());
     EXPECT_EQ(VMultiPointerDevice(), VMultiPointerDevice());
 }
 
-TEST(VMultiPointerDevice, equalsOneWithTheSamePointersInTheSamePlaces)
+TEST(VMultiPointerDevice, equalsADeviceWithTheSamePointersInTheSameOrder)
 {
     const VMultiPointerDevice two = device({{1, 10, 20}, {2, 30, 40}});
     EXPECT_EQ(two, device({{1, 10, 20}, {2, 30, 40}}));
@@ -50,7 +50,7 @@ TEST(VMultiPointerDevice, equalsOneWithTheSamePointersInTheSamePlaces)
     EXPECT_EQ(device({{1, 0.0, 0.0}}), device({{1, -0.0, 0.0}}));
 }
 
-TEST(VMultiPointerDevice, takesANanCoordinateForEqualToEveryOther)
+TEST(VMultiPointerDevice, treatsANaNCoordinateAsEqualToAnyOther)
 {
     EXPECT_EQ(device({{1, notANumber, 20}}), device({{1, 10, 20}}));
     EXPECT_EQ(device({{1, 10, 20}}), device({{1, 10, notANumber}}));
@@ -72,14 +72,14 @@ TEST(VMultiPointerDevice, hasNoTextForm)
     }
 }
 
-TEST(VMultiPointerDevice, isEmptyWhereItStartsAsAnInput)
+TEST(VMultiPointerDevice, startsEmptyAsAnInput)
 {
     VMultiPointerDevice one = device({{1, 10, 20}});
     VInputValueTrait<VMultiPointerDevice>::init(one);
     EXPECT_TRUE(one.pointers.empty());
 }
 
-TEST(VMultiPointerDevice, becomesAValueAndAnInputByOneLine)
+TEST(VMultiPointerDevice, isMadeAValueAndInputTypeByASingleDeclaration)
 {
     bool ok = true;
     const StrongPtr<VValueBase> value = VValueCreator::createValue("VMultiPointerDevice", "", ok);

@@ -1,4 +1,4 @@
-#include <fathom/VMultipleStringList.hpp> // first: proves that the header stands alone
+#include <fathom/VMultipleStringList.hpp> // first: the header must be self-contained
 
 #include "SelectionInput.hpp"
 
@@ -45,7 +45,7 @@ Selection heldBy(const StrongPtr<VValueBase>& value)
 
 // The selection
 
-TEST(MultipleStringSelection, isMadeInThreeWays)
+TEST(MultipleStringSelection, canBeConstructedInThreeWays)
 {
     const MultipleStringSelection empty;
     EXPECT_THAT(empty, IsEmpty());
@@ -58,10 +58,10 @@ TEST(MultipleStringSelection, isMadeInThreeWays)
 
     const MultipleStringSelection split("c;x", "a;;c", ';');
     EXPECT_THAT(split, ElementsAre("a", "", "c"));
-    EXPECT_THAT(*split.selection, ElementsAre("c", "x")) << "what is selected is not checked";
+    EXPECT_THAT(*split.selection, ElementsAre("c", "x")) << "the selection is not checked";
 }
 
-TEST(MultipleStringSelection, hasASelectionOfItsOwnInEachCopy)
+TEST(MultipleStringSelection, hasASeparateSelectionInEachCopy)
 {
     const Selection original = make("a", "a,b");
     MultipleStringSelection copy(*original);
@@ -109,7 +109,7 @@ TEST(MultipleStringSelection, selectsAllChoicesOrNone)
     EXPECT_THAT(*selection, ElementsAre("a", "b", "c"));
 }
 
-TEST(MultipleStringSelection, hasSelectedOnlyWhatIsAChoiceToo)
+TEST(MultipleStringSelection, countsOnlyChoicesAsSelected)
 {
     const Selection selection = make("a,x", "a,b");
     EXPECT_TRUE(selection->isInSelection("a"));
@@ -117,7 +117,7 @@ TEST(MultipleStringSelection, hasSelectedOnlyWhatIsAChoiceToo)
     EXPECT_FALSE(selection->isInSelection("x"));
 }
 
-TEST(MultipleStringSelection, selectsTheFirstChoiceAgainEachTime)
+TEST(MultipleStringSelection, addsTheFirstChoiceEachTime)
 {
     const Selection selection = make("b", "a,b");
     EXPECT_TRUE(selection->addFirst());
@@ -126,7 +126,7 @@ TEST(MultipleStringSelection, selectsTheFirstChoiceAgainEachTime)
     EXPECT_FALSE(MultipleStringSelection().addFirst());
 }
 
-TEST(MultipleStringSelection, takesEveryOccurrenceOutOfItsSelection)
+TEST(MultipleStringSelection, removesEveryOccurrenceFromItsSelection)
 {
     const Selection selection = make("a,b,a,x", "a,b");
     EXPECT_TRUE(selection->removeFromSelection("a"));
@@ -138,7 +138,7 @@ TEST(MultipleStringSelection, takesEveryOccurrenceOutOfItsSelection)
     EXPECT_THAT(*selection->selection, IsEmpty());
 }
 
-TEST(MultipleStringSelection, isInverted)
+TEST(MultipleStringSelection, canBeInverted)
 {
     const Selection two = make("a", "a,b");
     two->invertAll();
@@ -148,10 +148,10 @@ TEST(MultipleStringSelection, isInverted)
 
     const Selection more = make("b,x,b", "a,b,c");
     more->invertAll();
-    EXPECT_THAT(*more->selection, ElementsAre("x", "a", "c")) << "what is no choice stays";
+    EXPECT_THAT(*more->selection, ElementsAre("x", "a", "c")) << "a string that is not a choice stays";
 }
 
-TEST(MultipleStringSelection, takesAChoiceInOrOut)
+TEST(MultipleStringSelection, togglesAChoice)
 {
     const Selection selection = make("b,a,b", "a,b,c");
     EXPECT_TRUE(selection->addOrRemove("c"));
@@ -163,14 +163,14 @@ TEST(MultipleStringSelection, takesAChoiceInOrOut)
     EXPECT_THAT(*selection->selection, ElementsAre("c"));
 }
 
-TEST(MultipleStringSelection, doesNotTakeOutWhatIsNoChoiceByAddOrRemove)
+TEST(MultipleStringSelection, doesNotToggleAStringThatIsNotAChoice)
 {
     const Selection selection = make("x", "a");
     EXPECT_FALSE(selection->addOrRemove("x"));
     EXPECT_THAT(*selection->selection, ElementsAre("x"));
 }
 
-TEST(MultipleStringSelection, isIntentionallyEqualWhateverIsSelected)
+TEST(MultipleStringSelection, isIntentionallyEqualRegardlessOfTheSelection)
 {
     EXPECT_TRUE(*make("a", "a,b") == *make("b", "a,b"));
     EXPECT_FALSE(*make("a", "a,b") == *make("a", "b,a"));
@@ -186,7 +186,7 @@ TEST(MultipleStringSelection, isIntentionallyEqualWhateverIsSelected)
 
 // The text
 
-TEST(MultipleStringSelection, isWrittenAsWhatIsSelectedAndTheChoices)
+TEST(MultipleStringSelection, isWrittenAsTheSelectionAndTheChoices)
 {
     EXPECT_EQ(Trait::Text(make("c,a", "a,b,c")), "{c}{a}@{a}{b}{c}");
     EXPECT_EQ(Trait::Text(make("", "a,b")), "@{a}{b}");
@@ -210,14 +210,14 @@ TEST(MultipleStringSelection, readsBackWhatItWrote)
     }
 }
 
-TEST(MultipleStringSelection, readsWhatPeopleWrite)
+TEST(MultipleStringSelection, readsHandwrittenText)
 {
     const struct {
         const char* text;
         bool isAccepted;
         const char* written;
     } cases[] = {
-        {"{b}", true, "{b}@{a}{b}"}, // without "@" the choices stay
+        {"{b}", true, "{b}@{a}{b}"}, // without "@" the choices are unchanged
         {"{b}{a}", true, "{b}{a}@{a}{b}"},
         {" {b} {a} ", true, "{b}{a}@{a}{b}"},
         {"{b", true, "{b}@{a}{b}"},
@@ -226,7 +226,7 @@ TEST(MultipleStringSelection, readsWhatPeopleWrite)
         {"@", true, "@"},
         {"{b}@", true, "{b}@"},
         {"@{c}", true, "@{c}"},
-        {"{b}@{b}@{c}", true, "{b}@{b}{c}"}, // the first "@" divides
+        {"{b}@{b}@{c}", true, "{b}@{b}{c}"}, // the first "@" is the separator
         {"", false, "{a}@{a}{b}"},
         {"b", false, "{a}@{a}{b}"},
         {"{", false, "{a}@{a}{b}"},
@@ -240,7 +240,7 @@ TEST(MultipleStringSelection, readsWhatPeopleWrite)
     }
 }
 
-TEST(MultipleStringSelection, isReadInPlaceForAllItsHolders)
+TEST(MultipleStringSelection, isReadInPlaceForAllItsOwners)
 {
     Selection selection = make("a", "a,b");
     const StrongPtr<StringList> list = selection->selection;
@@ -251,7 +251,7 @@ TEST(MultipleStringSelection, isReadInPlaceForAllItsHolders)
     EXPECT_EQ(Trait::Text(other), "{b}@{b}");
 }
 
-TEST(MultipleStringSelection, readsATextThatIsOneOfItsOwnStrings)
+TEST(MultipleStringSelection, canBeReadFromOneOfItsOwnStrings)
 {
     const std::string text = "{one string that is longer than a short one}@{another string of that length}";
     Selection selection = make("a", text + ",b");
@@ -259,7 +259,7 @@ TEST(MultipleStringSelection, readsATextThatIsOneOfItsOwnStrings)
     EXPECT_EQ(Trait::Text(selection), text);
 }
 
-TEST(MultipleStringSelection, isNotMadeWhereThereIsNone)
+TEST(MultipleStringSelection, isNotCreatedIfThePointerIsNull)
 {
     Selection none;
     EXPECT_FALSE(Trait::setValueFromText(none, "{a}@{a}"));
@@ -268,7 +268,7 @@ TEST(MultipleStringSelection, isNotMadeWhereThereIsNone)
 
 // As a value
 
-TEST(MultipleStringSelectionValue, isRegisteredButNotMadeFromText)
+TEST(MultipleStringSelectionValue, isRegisteredButNotCreatedFromText)
 {
     bool ok = true;
     const StrongPtr<VValueBase> value = VValueCreator::createValue(Loam::Typename(typeid(Selection)), "{a}@{a}", ok);
@@ -278,7 +278,7 @@ TEST(MultipleStringSelectionValue, isRegisteredButNotMadeFromText)
     EXPECT_EQ(value->Text(), "");
 }
 
-TEST(MultipleStringSelectionValue, hasCopiesOfItsOwnWithTheSelection)
+TEST(MultipleStringSelectionValue, isCopiedIndependentlyWithTheSelection)
 {
     const StrongPtr<VValueBase> value(new Value(make("b", "a,b")));
     const StrongPtr<VValueBase> copy = value->copy();
@@ -289,7 +289,7 @@ TEST(MultipleStringSelectionValue, hasCopiesOfItsOwnWithTheSelection)
     EXPECT_FALSE(heldBy(Value().copy()).get());
 }
 
-TEST(MultipleStringSelectionValue, takesASelectionAlsoFromAValueThatIsNotDifferent)
+TEST(MultipleStringSelectionValue, takesASelectionEvenFromAValueThatIsNotDifferent)
 {
     const StrongPtr<Value> one(new Value(make("a", "a,b")));
     const StrongPtr<Value> other(new Value(make("b", "a,b")));
@@ -300,7 +300,7 @@ TEST(MultipleStringSelectionValue, takesASelectionAlsoFromAValueThatIsNotDiffere
     EXPECT_EQ(one->Text(), "@{a}{b}");
 }
 
-TEST(MultipleStringSelectionValue, isDifferentIfTheChoicesAre)
+TEST(MultipleStringSelectionValue, isDifferentIfTheChoicesDiffer)
 {
     const Value value(make("a", "a,b"));
     EXPECT_TRUE(value.isDifferentFrom(Loam::makeStrong<Value>(make("a", "a"))));
@@ -330,7 +330,7 @@ using MultipleStringSelectionInput = SelectionInput<Picker>;
 
 } // namespace
 
-TEST_F(MultipleStringSelectionInput, selectsForOnePoolAlone)
+TEST_F(MultipleStringSelectionInput, selectsForEachPoolSeparately)
 {
     valueIn(m_second);
     EXPECT_TRUE(heldBy(valueIn(m_first))->add("c"));
@@ -339,18 +339,18 @@ TEST_F(MultipleStringSelectionInput, selectsForOnePoolAlone)
     EXPECT_EQ(initialText(), "{b}@{a}{b}{c}");
 }
 
-TEST_F(MultipleStringSelectionInput, takesItsInitialSelectionFromTextAlthoughThatIsNoDifference)
+TEST_F(MultipleStringSelectionInput, takesItsInitialSelectionFromTextEvenIfTheChoicesAreEqual)
 {
     valueIn(m_first);
     EXPECT_TRUE(slot().slot()->setInitialText("{c}{a}"));
     EXPECT_EQ(initialText(), "{c}{a}@{a}{b}{c}");
     EXPECT_FALSE(slot().slot()->setInitialText("c"));
     EXPECT_EQ(initialText(), "{c}{a}@{a}{b}{c}");
-    EXPECT_EQ(valueIn(m_first)->Text(), "{b}@{a}{b}{c}") << "a variable that exists keeps its selection";
+    EXPECT_EQ(valueIn(m_first)->Text(), "{b}@{a}{b}{c}") << "an existing variable keeps its selection";
     EXPECT_EQ(valueIn(m_second)->Text(), "{c}{a}@{a}{b}{c}");
 }
 
-TEST_F(MultipleStringSelectionInput, madeFromTextIsThereButHoldsNothing)
+TEST_F(MultipleStringSelectionInput, existsButHoldsNothingIfItIsCreatedFromText)
 {
     const StrongPtr<TypedSlotCreator> creator = TypedSlotCreator::find(typeid(Selection));
     ASSERT_TRUE(creator);
@@ -362,7 +362,7 @@ TEST_F(MultipleStringSelectionInput, madeFromTextIsThereButHoldsNothing)
     EXPECT_FALSE(added->setInitialText("{a}@{a}"));
 }
 
-TEST_F(MultipleStringSelectionInput, isIntentionallyNotWrittenWhereOnlyTheSelectionIsAnotherOne)
+TEST_F(MultipleStringSelectionInput, isIntentionallyNotWrittenIfOnlyTheSelectionDiffers)
 {
     valueIn(m_first);
     EXPECT_FALSE(slot()(m_first) <<= make("c", "a,b,c"));
@@ -373,7 +373,7 @@ TEST_F(MultipleStringSelectionInput, isIntentionallyNotWrittenWhereOnlyTheSelect
     EXPECT_EQ(m_changes.count(), 1);
 }
 
-TEST_F(MultipleStringSelectionInput, tellsItsReadersOfASelectionThatIsAnnounced)
+TEST_F(MultipleStringSelectionInput, runsItsReadersWhenASelectionIsAnnounced)
 {
     VScheduler::schedule(m_object, 0, m_first);
     VScheduler::run(m_first);

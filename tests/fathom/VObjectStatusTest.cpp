@@ -1,4 +1,4 @@
-#include <fathom/VObjectStatus.hpp> // first: proves that the header stands alone
+#include <fathom/VObjectStatus.hpp> // first: the header must be self-contained
 
 #include "Recorders.hpp"
 #include "support/ValueLaws.hpp"
@@ -65,7 +65,7 @@ protected:
 
 struct Odd {};
 
-// Throws what it is told.
+// Throws a given value.
 class Thrower final : public CatchStatus {
 public:
     using Thrown = std::variant<std::monostate, const char*, std::runtime_error, std::string, Odd>;
@@ -121,7 +121,7 @@ TEST(VObjectStatus, startsEmptyTransparentAndLightGrey)
     EXPECT_EQ(VObjectStatus{"ready"}.foreground, status.foreground);
 }
 
-TEST(VObjectStatus, equalsOneThatIsTheSameInEveryField)
+TEST(VObjectStatus, isEqualOnlyIfAllFieldsAreEqual)
 {
     const VObjectStatus status{"ready"};
     EXPECT_EQ(status, VObjectStatus{"ready"});
@@ -137,7 +137,7 @@ TEST(VObjectStatus, equalsOneThatIsTheSameInEveryField)
     EXPECT_NE(status, other);
 }
 
-TEST(VObjectStatus, takesEveryTextForItsMessageAndKeepsTheRest)
+TEST(VObjectStatus, takesAnyTextAsItsMessageAndKeepsTheRest)
 {
     VObjectStatus status{"ready"};
     status.background = {1, 2, 3, 4};
@@ -151,7 +151,7 @@ TEST(VObjectStatus, takesEveryTextForItsMessageAndKeepsTheRest)
     }
 }
 
-TEST(VObjectStatus, isMadeOfAnyTextByItsTypeName)
+TEST(VObjectStatus, canBeCreatedFromAnyTextByItsTypeName)
 {
     for (const char* text : {"", "all is well", "<FONT COLOR=red>x</FONT>"}) {
         bool ok = false;
@@ -166,12 +166,12 @@ TEST(VObjectStatus, isMadeOfAnyTextByItsTypeName)
     }
 }
 
-TEST(VObjectStatus, isNoInputByItself)
+TEST(VObjectStatus, isNotRegisteredAsAnInput)
 {
     EXPECT_FALSE(TypedSlotCreator::find(typeid(VObjectStatus)));
 }
 
-TEST(VObjectStatus, tellsItsSeverityByTheMarkupAroundItsText)
+TEST(VObjectStatus, derivesItsSeverityFromTheMarkupAroundItsText)
 {
     const struct {
         const char* text;
@@ -196,7 +196,7 @@ TEST(VObjectStatus, tellsItsSeverityByTheMarkupAroundItsText)
         EXPECT_EQ(VObjectStatus{VObjectStatus::marked(severity, "a")}.severity(), severity);
 }
 
-TEST(VObjectStatus, showsTerminalsItsTextWithoutMarkup)
+TEST(VObjectStatus, hasPlainTextWithoutMarkup)
 {
     const struct {
         const char* text;
@@ -234,7 +234,7 @@ TEST(VObjectStatus, showsTerminalsItsTextWithoutMarkup)
     }
 }
 
-TEST(VObjectStatus, showsForeignTextsAsTheyAreOnceTheyAreEscaped)
+TEST(VObjectStatus, showsEscapedTextLiterally)
 {
     EXPECT_EQ(VObjectStatus::escaped("<b> & \"c\""), "&lt;b&gt; &amp; \"c\"");
     EXPECT_EQ(VObjectStatus::escaped(""), "");
@@ -246,7 +246,7 @@ TEST(VObjectStatus, showsForeignTextsAsTheyAreOnceTheyAreEscaped)
     }
 }
 
-TEST_F(StatusIndicatorTest, offersAnOutputOfTheNameGiven)
+TEST_F(StatusIndicatorTest, offersAnOutputOfTheGivenName)
 {
     EXPECT_STREQ(StatusIndicator::Slotname, "status");
     const StrongPtr<VSlot> slot = m_station->findOutput("report");
@@ -259,7 +259,7 @@ TEST_F(StatusIndicatorTest, offersAnOutputOfTheNameGiven)
     EXPECT_EQ(shown(), "waiting");
 }
 
-TEST_F(StatusIndicatorTest, marksItsMessagesByKind)
+TEST_F(StatusIndicatorTest, marksItsMessagesBySeverity)
 {
     m_station->setStatusInfo(m_pool, "abc");
     EXPECT_EQ(shown(), "abc");
@@ -272,21 +272,21 @@ TEST_F(StatusIndicatorTest, marksItsMessagesByKind)
     m_station->setStatusWarning(m_pool, "");
     EXPECT_EQ(shown(), "<FONT COLOR=magenta></FONT>");
     m_station->setStatusInfo(m_pool, "");
-    EXPECT_EQ(shown(), "") << "an information clears an error";
+    EXPECT_EQ(shown(), "") << "an information message clears an error";
     EXPECT_THAT(m_warnings.all(), IsEmpty());
 }
 
-TEST_F(StatusIndicatorTest, showsATextAsItIsMarkupIncluded)
+TEST_F(StatusIndicatorTest, showsATextUnchangedIncludingItsMarkup)
 {
     m_station->setStatusWarning(m_pool, "50% of <b>a & b</b>");
     EXPECT_EQ(shown(), "<FONT COLOR=magenta>50% of <b>a & b</b></FONT>");
 }
 
-TEST_F(StatusIndicatorTest, announcesAMessageOnceHoweverOftenItIsRepeated)
+TEST_F(StatusIndicatorTest, announcesARepeatedMessageOnce)
 {
     const Changes changes{m_station->statusOutput()};
     m_station->setStatusInfo(m_pool, "waiting");
-    EXPECT_EQ(changes.count(), 0) << "what it starts from is shown already";
+    EXPECT_EQ(changes.count(), 0) << "the initial text is already shown";
     m_station->setStatusInfo(m_pool, "abc");
     m_station->setStatusInfo(m_pool, "abc");
     EXPECT_EQ(changes.count(), 1);
@@ -294,10 +294,10 @@ TEST_F(StatusIndicatorTest, announcesAMessageOnceHoweverOftenItIsRepeated)
     m_station->setStatusError(m_pool, "abc", false);
     EXPECT_EQ(changes.count(), 2);
     m_station->setStatusInfo(m_pool, "abd");
-    EXPECT_EQ(changes.count(), 3) << "of the same length";
+    EXPECT_EQ(changes.count(), 3) << "even if the length is the same";
 }
 
-TEST_F(StatusIndicatorTest, keepsEverythingButTheText)
+TEST_F(StatusIndicatorTest, changesOnlyTheText)
 {
     VObjectStatus status{"before"};
     status.background = {1, 2, 3, 4};
@@ -312,23 +312,23 @@ TEST_F(StatusIndicatorTest, keepsEverythingButTheText)
     EXPECT_EQ(read, status);
 }
 
-TEST_F(StatusIndicatorTest, speaksInOnePoolAtATime)
+TEST_F(StatusIndicatorTest, writesOnlyToTheGivenPool)
 {
     const StrongPtr<ValuePool> other(new ValuePool("other"));
     m_station->setStatusInfo(other, "elsewhere");
     EXPECT_EQ(shown(), "waiting");
 }
 
-TEST_F(StatusIndicatorTest, tellsTheNotifiersOfAnErrorWhereAndWhoseItIs)
+TEST_F(StatusIndicatorTest, notifiesAboutAnErrorWithItsObjectAndPool)
 {
     m_station->setStatusError(m_pool, "no <data> at 50%", true);
     EXPECT_EQ(shown(), "<FONT COLOR=red>no <data> at 50%</FONT>");
     EXPECT_THAT(m_warnings.all(), ElementsAre("Station{tuesday} \"north\" Error: no <data> at 50%"));
     m_station->setStatusError(m_pool, "no <data> at 50%", true);
-    EXPECT_EQ(m_warnings.all().size(), 2u) << "also when it is repeated";
+    EXPECT_EQ(m_warnings.all().size(), 2u) << "even if it is repeated";
 }
 
-TEST_F(StatusIndicatorTest, leavesOutWhatTheAnnouncementHasNoNameFor)
+TEST_F(StatusIndicatorTest, omitsMissingNamesFromANotification)
 {
     m_station->setStatusError(nullptr, "e", true);
     const Lost lost;
@@ -356,7 +356,7 @@ TEST_F(StatusIndicatorTest, showsNothingWithoutAPoolOrAnObject)
     EXPECT_THAT(m_warnings.all(), IsEmpty());
 }
 
-TEST_F(StatusIndicatorTest, isSilentWhileItsOutputIsSwitchedOff)
+TEST_F(StatusIndicatorTest, isSilentWhileItsOutputIsDisabled)
 {
     m_station->statusOutput()->setEnabled(false);
     m_station->setStatusInfo(m_pool, "abc");
@@ -374,7 +374,7 @@ TEST_F(CatchStatusTest, offersAStatusThatStartsEmpty)
     EXPECT_EQ(m_thrower->level(), 3);
 }
 
-TEST_F(CatchStatusTest, updatesInTheRequestsPoolWithItsNumber)
+TEST_F(CatchStatusTest, updatesWithTheRequestsPoolAndThePrecision)
 {
     EXPECT_TRUE(update());
     EXPECT_EQ(m_thrower->pool, m_pool);
@@ -401,7 +401,7 @@ TEST_F(CatchStatusTest, showsNothingForANullText)
     EXPECT_EQ(shown().text, "");
 }
 
-TEST_F(CatchStatusTest, passesEverythingElseOn)
+TEST_F(CatchStatusTest, propagatesOtherExceptions)
 {
     m_thrower->thrown = std::runtime_error{"failure"};
     EXPECT_THROW(update(), std::runtime_error);
@@ -412,7 +412,7 @@ TEST_F(CatchStatusTest, passesEverythingElseOn)
     EXPECT_EQ(shown().text, "");
 }
 
-TEST_F(CatchStatusTest, countsAsUpToDateForTheSchedulerUnlessSomethingElseIsThrown)
+TEST_F(CatchStatusTest, succeedsForTheSchedulerUnlessAnotherExceptionIsThrown)
 {
     m_thrower->thrown = "no data";
     VScheduler::schedule(m_thrower, 2, m_pool);

@@ -14,7 +14,7 @@ using testing::HasSubstr;
 
 namespace {
 
-// Holds a string in its own way, and may refuse to give or take it.
+// Overrides access to its string and can refuse reading or writing.
 class Guarded final : public VValue<std::string> {
 public:
     explicit Guarded(const std::string& text) : VValue{text} {}
@@ -67,7 +67,7 @@ TEST_F(VOutputTest, isOfferedByItsContainer)
     EXPECT_TRUE(m_container->inputs().empty());
 }
 
-TEST_F(VOutputTest, reportsAMissingContainerAndGoesOn)
+TEST_F(VOutputTest, reportsAMissingContainerAndStillWorks)
 {
     const VOutput<Range> nowhere(nullptr, "limits", Range{});
     EXPECT_THAT(m_warnings.all(), ElementsAre(testing::AllOf(HasSubstr("\"limits\""), HasSubstr("Range"))));
@@ -77,7 +77,7 @@ TEST_F(VOutputTest, reportsAMissingContainerAndGoesOn)
     EXPECT_EQ(range, Range(3, 4));
 }
 
-// Assignment: writes what is different.
+// Assignment: writes only a value that differs.
 
 TEST_F(VOutputTest, isAssignedADifferentValueAndAnnouncesItOnce)
 {
@@ -91,7 +91,7 @@ TEST_F(VOutputTest, isAssignedADifferentValueAndAnnouncesItOnce)
     EXPECT_EQ(m_output.parameter()->DefaultValue()->Text(), "initial");
 }
 
-TEST_F(VOutputTest, isNotAssignedTheValueThatItHas)
+TEST_F(VOutputTest, isNotAssignedTheValueItAlreadyHas)
 {
     m_output.parameter()->getLocalValue(m_pool);
     const Ageable before = held()->age();
@@ -100,7 +100,7 @@ TEST_F(VOutputTest, isNotAssignedTheValueThatItHas)
     EXPECT_EQ(m_changes.count(), 0);
 }
 
-TEST_F(VOutputTest, isIntentionallyNotAssignedWhereThePoolHoldsNoValueYet)
+TEST_F(VOutputTest, isIntentionallyNotAssignedIfThePoolHoldsNoValueYet)
 {
     EXPECT_FALSE(here() <<= other);
     EXPECT_EQ(held(), nullptr);
@@ -116,7 +116,7 @@ TEST_F(VOutputTest, isNotAssignedWithoutAParameterOrAPool)
     EXPECT_EQ(m_changes.count(), 0);
 }
 
-TEST_F(VOutputTest, isNotAssignedWhileItIsSwitchedOff)
+TEST_F(VOutputTest, isNotAssignedWhileItIsDisabled)
 {
     m_output.parameter()->getLocalValue(m_pool);
     m_output.parameter()->setEnabled(false);
@@ -133,7 +133,7 @@ TEST_F(VOutputTest, isNotAssignedOverAValueOfAnotherType)
     EXPECT_EQ(m_changes.count(), 0);
 }
 
-TEST_F(VOutputTest, isNotAssignedWhatItsValueRefuses)
+TEST_F(VOutputTest, isNotAssignedIfItsValueRefuses)
 {
     enterGuarded("guarded")->takes = false;
     EXPECT_FALSE(here() <<= other);
@@ -141,7 +141,7 @@ TEST_F(VOutputTest, isNotAssignedWhatItsValueRefuses)
     EXPECT_EQ(m_changes.count(), 0);
 }
 
-TEST_F(VOutputTest, comparesThroughValuesThatHoldTheirContentInTheirOwnWay)
+TEST_F(VOutputTest, comparesThroughOverriddenAccessors)
 {
     const auto guarded = enterGuarded("guarded");
     EXPECT_FALSE(here() <<= std::string("guarded"));
@@ -150,11 +150,11 @@ TEST_F(VOutputTest, comparesThroughValuesThatHoldTheirContentInTheirOwnWay)
     EXPECT_EQ(m_changes.count(), 1);
 
     guarded->gives = false;
-    EXPECT_FALSE(here() <<= std::string("third")) << "nothing differs from what cannot be had";
+    EXPECT_FALSE(here() <<= std::string("third")) << "a value that cannot be read never differs";
     EXPECT_EQ(m_changes.count(), 1);
 }
 
-TEST_F(VOutputTest, isAssignedForEachPoolOfItsOwn)
+TEST_F(VOutputTest, isAssignedForEachPoolSeparately)
 {
     const StrongPtr<ValuePool> second(new ValuePool);
     m_output.parameter()->getLocalValue(m_pool);
@@ -164,7 +164,7 @@ TEST_F(VOutputTest, isAssignedForEachPoolOfItsOwn)
     EXPECT_EQ(m_output.parameter()->getValueBase(second)->Text(), "other");
 }
 
-TEST_F(VOutputTest, isAssignedAlsoThroughAnInputByTheSameRules)
+TEST_F(VOutputTest, isAssignedThroughAnInputByTheSameRules)
 {
     const TypedSlot<std::string> input(m_container.get(), "text", "initial", 0);
     const Changes changes(input.parameter());
@@ -189,7 +189,7 @@ TEST_F(VOutputTest, isAssignedAlsoThroughAnInputByTheSameRules)
     EXPECT_EQ(changes.count(), 2);
 }
 
-TEST_F(VOutputTest, isAssignedThroughAnInputToTheParameterThatThatIsConnectedTo)
+TEST_F(VOutputTest, isAssignedThroughAnInputConnectedToIt)
 {
     const TypedSlot<std::string> input(m_container.get(), "text", "unused", 0);
     ASSERT_TRUE(m_container->attachParameter(m_output.parameter(), input.slot(), ""));
@@ -199,7 +199,7 @@ TEST_F(VOutputTest, isAssignedThroughAnInputToTheParameterThatThatIsConnectedTo)
     EXPECT_EQ(m_changes.count(), 1);
 }
 
-TEST_F(VOutputTest, isAssignedThroughAnInputToTheComponentThatThatIsConnectedTo)
+TEST_F(VOutputTest, isAssignedThroughAnInputConnectedToItsComponent)
 {
     const TypedSlot<Range> input(m_container.get(), "limits", Range{}, 0);
     const VOutput<VTime> time(m_container.get(), "time", VTime{5, 0, 10});
@@ -212,9 +212,9 @@ TEST_F(VOutputTest, isAssignedThroughAnInputToTheComponentThatThatIsConnectedTo)
     EXPECT_EQ(changes.count(), 1);
 }
 
-// Writing: without a comparison, and into a new variable if need be.
+// Writing: does not compare, and creates the variable if necessary.
 
-TEST_F(VOutputTest, isWrittenAndAnnouncedWithoutBeingCompared)
+TEST_F(VOutputTest, isWrittenAndAnnouncedWithoutAComparison)
 {
     EXPECT_TRUE(here() << other);
     EXPECT_EQ(heldText(), "other");
@@ -228,7 +228,7 @@ TEST_F(VOutputTest, isWrittenAndAnnouncedWithoutBeingCompared)
     EXPECT_EQ(m_output.parameter()->DefaultValue()->Text(), "initial");
 }
 
-TEST_F(VOutputTest, isNotWrittenWhileItIsSwitchedOff)
+TEST_F(VOutputTest, isNotWrittenWhileItIsDisabled)
 {
     m_output.parameter()->setEnabled(false);
     EXPECT_FALSE(here() << other);
@@ -243,7 +243,7 @@ TEST_F(VOutputTest, isNotWrittenWithoutAParameterOrAPool)
     EXPECT_EQ(m_changes.count(), 0);
 }
 
-TEST_F(VOutputTest, isNotWrittenWhatItsValueRefuses)
+TEST_F(VOutputTest, isNotWrittenIfItsValueRefuses)
 {
     const auto guarded = enterGuarded("guarded");
     guarded->takes = false;
@@ -255,7 +255,7 @@ TEST_F(VOutputTest, isNotWrittenWhatItsValueRefuses)
     EXPECT_EQ(m_changes.count(), 0);
 }
 
-TEST_F(VOutputTest, isReadAndMadeWhereThePoolHasNone)
+TEST_F(VOutputTest, isCreatedOnReadingIfThePoolHoldsNoValueYet)
 {
     EXPECT_TRUE(here() >> m_text);
     EXPECT_EQ(m_text, "initial");
@@ -263,10 +263,10 @@ TEST_F(VOutputTest, isReadAndMadeWhereThePoolHasNone)
     here() << other;
     EXPECT_TRUE(here() >> m_text);
     EXPECT_EQ(m_text, "other");
-    EXPECT_EQ(m_changes.count(), 1) << "reading is no change";
+    EXPECT_EQ(m_changes.count(), 1) << "reading is not a change";
 }
 
-TEST_F(VOutputTest, isNotReadWhileItIsSwitchedOffNorWithoutAParameterAPoolOrAReadableValue)
+TEST_F(VOutputTest, isNotReadWhileDisabledOrWithoutAParameterAPoolOrAReadableValue)
 {
     EXPECT_FALSE(VOutputAssignmentContext<std::string>({nullptr, m_pool}) >> m_text);
     EXPECT_FALSE(m_output(nullptr) >> m_text);

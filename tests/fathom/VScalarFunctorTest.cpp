@@ -1,4 +1,4 @@
-#include <fathom/VScalarFunctor.hpp> // first: proves that the header stands alone
+#include <fathom/VScalarFunctor.hpp> // first: the header must be self-contained
 
 #include <fathom/VValueType.hpp>
 
@@ -18,7 +18,7 @@ namespace {
 
 const VValueType<VScalarFunctor> functorType;
 
-// A function as an object library brings it, known to those who include its header.
+// A function as an object library defines it, for code that includes its header.
 class Scaling final : public Functor {
 public:
     explicit Scaling(double factor) : m_factor{factor} { ++living; }
@@ -34,7 +34,7 @@ private:
 
 } // namespace
 
-TEST(VScalarFunctor, carriesAFunctionToThoseWhoKnowItsClass)
+TEST(VScalarFunctor, carriesAFunctionThatCanBeCastToItsClass)
 {
     const VScalarFunctor functor{StrongPtr<Functor>(new Scaling(2.5))};
     const StrongPtr<Scaling> scaling(functor.functor);
@@ -43,7 +43,7 @@ TEST(VScalarFunctor, carriesAFunctionToThoseWhoKnowItsClass)
     EXPECT_FALSE(VScalarFunctor().functor);
 }
 
-TEST(VScalarFunctor, lettingGoOfTheLastOneDestroysTheFunction)
+TEST(VScalarFunctor, destroysItsFunctionWithItsLastOwner)
 {
     {
         const VScalarFunctor first{StrongPtr<Functor>(new Scaling(1))};
@@ -57,7 +57,7 @@ TEST(VScalarFunctor, lettingGoOfTheLastOneDestroysTheFunction)
     EXPECT_EQ(Scaling::living, 0);
 }
 
-TEST(VScalarFunctor, equalsThoseThatShareItsFunction)
+TEST(VScalarFunctor, equalsFunctorsThatShareItsFunction)
 {
     const VScalarFunctor one{StrongPtr<Functor>(new Scaling(1))};
     const VScalarFunctor sameFactor{StrongPtr<Functor>(new Scaling(1))};
@@ -78,7 +78,7 @@ TEST(VScalarFunctor, hasNoTextForm)
     EXPECT_EQ(functor.functor, before);
 }
 
-TEST(VScalarFunctor, becomesAValueAndAnInputByOneLine)
+TEST(VScalarFunctor, isMadeAValueAndInputTypeByASingleDeclaration)
 {
     bool ok = true;
     const StrongPtr<VValueBase> value = VValueCreator::createValue("VScalarFunctor", "Scaling", ok);

@@ -1,4 +1,4 @@
-#include <fathom/VStringList.hpp> // first: proves that the header stands alone
+#include <fathom/VStringList.hpp> // first: the header must be self-contained
 
 #include "SelectionInput.hpp"
 
@@ -40,7 +40,7 @@ Selection heldBy(const StrongPtr<VValueBase>& value)
 
 // The selection
 
-TEST(StringSelection, isMadeInFourWays)
+TEST(StringSelection, canBeConstructedInFourWays)
 {
     EXPECT_THAT(StringSelection(), IsEmpty());
     EXPECT_EQ(StringSelection().selection, "");
@@ -61,7 +61,7 @@ TEST(StringSelection, isMadeInFourWays)
     EXPECT_THAT(StringSelection("b", nullptr), IsEmpty());
 }
 
-TEST(StringSelection, choosesWhatItsListHas)
+TEST(StringSelection, choosesOnlyEntriesOfItsList)
 {
     const Selection selection = make("a,b", "a");
     EXPECT_TRUE(selection->select("b"));
@@ -72,7 +72,7 @@ TEST(StringSelection, choosesWhatItsListHas)
     }
 }
 
-TEST(StringSelection, choosesTheFirstEntryWhereItLacksTheOneWanted)
+TEST(StringSelection, fallsBackToTheFirstEntryIfTheWantedOneIsMissing)
 {
     const Selection selection = make("a,b", "x");
     EXPECT_TRUE(selection->tryselect("b"));
@@ -93,7 +93,7 @@ TEST(StringSelection, choosesTheFirstEntryIfThereIsOne)
     EXPECT_EQ(empty->selection, "x");
 }
 
-TEST(StringSelection, isEqualIfListAndChoiceAre)
+TEST(StringSelection, isEqualIfListAndChoiceAreEqual)
 {
     EXPECT_TRUE(*make("a,b", "a") == *make("a,b", "a"));
     EXPECT_FALSE(*make("a,b", "a") == *make("a,b", "b"));
@@ -103,7 +103,7 @@ TEST(StringSelection, isEqualIfListAndChoiceAre)
 
 // The text
 
-TEST(StringSelection, isWrittenAsTheChoiceAndTheListBehindIt)
+TEST(StringSelection, isWrittenAsTheChoiceFollowedByTheList)
 {
     EXPECT_EQ(Trait::Text(make("a,b", "b")), "b@a|b|");
     EXPECT_EQ(Trait::Text(make("", "")), "@");
@@ -141,7 +141,7 @@ TEST(StringSelection, takesItsListFromTextOnlyWhileItIsEmpty)
     }
 }
 
-TEST(StringSelection, keepsItsChoiceWhereATextAsksForWhatItLacks)
+TEST(StringSelection, keepsItsChoiceIfATextNamesAMissingEntry)
 {
     Selection selection = make("a,b", "b");
     for (const char* text : {"x", "x@a|", "", "@", "B"}) {
@@ -150,7 +150,7 @@ TEST(StringSelection, keepsItsChoiceWhereATextAsksForWhatItLacks)
     }
 }
 
-TEST(StringSelection, intentionallyTakesTheListForAChoiceWhereNothingWasChosen)
+TEST(StringSelection, intentionallyReadsTheListAsTheChoiceIfNothingWasChosen)
 {
     Selection selection = make("", "");
     EXPECT_FALSE(Trait::setValueFromText(selection, "@a|b|"));
@@ -161,7 +161,7 @@ TEST(StringSelection, intentionallyTakesTheListForAChoiceWhereNothingWasChosen)
     EXPECT_EQ(odd->selection, "a|b|");
 }
 
-TEST(StringSelection, isNotMadeWhereThereIsNone)
+TEST(StringSelection, isNotCreatedIfThePointerIsNull)
 {
     Selection none;
     EXPECT_FALSE(Trait::setValueFromText(none, "b@a|b|"));
@@ -170,7 +170,7 @@ TEST(StringSelection, isNotMadeWhereThereIsNone)
 
 // As a value
 
-TEST(StringSelectionValue, isRegisteredButNotMadeFromText)
+TEST(StringSelectionValue, isRegisteredButNotCreatedFromText)
 {
     bool ok = true;
     const StrongPtr<VValueBase> value = VValueCreator::createValue(Loam::Typename(typeid(Selection)), "b@a|b|", ok);
@@ -181,7 +181,7 @@ TEST(StringSelectionValue, isRegisteredButNotMadeFromText)
     EXPECT_FALSE(heldBy(value));
 }
 
-TEST(StringSelectionValue, hasCopiesOfItsOwn)
+TEST(StringSelectionValue, isCopiedIndependently)
 {
     const StrongPtr<VValueBase> value(new Value(make("a,b", "b")));
     const StrongPtr<VValueBase> copy = value->copy();
@@ -192,7 +192,7 @@ TEST(StringSelectionValue, hasCopiesOfItsOwn)
     EXPECT_EQ(heldBy(Value().copy()), nullptr);
 }
 
-TEST(StringSelectionValue, sharesTheSelectionThatItIsGivenAndGives)
+TEST(StringSelectionValue, sharesTheSelectionOnReadingAndWriting)
 {
     const Selection selection = make("a,b", "b");
     const StrongPtr<Value> value(new Value);
@@ -204,7 +204,7 @@ TEST(StringSelectionValue, sharesTheSelectionThatItIsGivenAndGives)
     EXPECT_EQ(heldBy(taker).get(), selection.get());
 }
 
-TEST(StringSelectionValue, isDifferentIfItsContentIs)
+TEST(StringSelectionValue, isDifferentIfItsContentDiffers)
 {
     const Value value(make("a,b", "b"));
     EXPECT_FALSE(value.isDifferentFrom(Loam::makeStrong<Value>(make("a,b", "b"))));
@@ -237,7 +237,7 @@ using StringSelectionInput = SelectionInput<Chooser>;
 
 } // namespace
 
-TEST_F(StringSelectionInput, choosesForOnePoolAlone)
+TEST_F(StringSelectionInput, choosesForEachPoolSeparately)
 {
     valueIn(m_second);
     EXPECT_TRUE(heldBy(valueIn(m_first))->select("c"));
@@ -247,26 +247,26 @@ TEST_F(StringSelectionInput, choosesForOnePoolAlone)
     EXPECT_EQ(slot().initialValue()->selection, "b");
 }
 
-TEST_F(StringSelectionInput, takesItsInitialChoiceFromTextAmongWhatItsObjectOffers)
+TEST_F(StringSelectionInput, takesItsInitialChoiceFromTextAmongTheEntriesOffered)
 {
     valueIn(m_first);
     EXPECT_TRUE(slot().slot()->setInitialText("c@x|"));
     EXPECT_EQ(initialText(), "c@a|b|c|");
     EXPECT_FALSE(slot().slot()->setInitialText("x@x|"));
     EXPECT_EQ(initialText(), "c@a|b|c|");
-    EXPECT_EQ(valueIn(m_first)->Text(), "b@a|b|c|") << "a variable that exists keeps its choice";
+    EXPECT_EQ(valueIn(m_first)->Text(), "b@a|b|c|") << "an existing variable keeps its choice";
     EXPECT_EQ(valueIn(m_second)->Text(), "c@a|b|c|");
     EXPECT_EQ(slot().initialValue()->selection, "b");
 }
 
-TEST_F(StringSelectionInput, isNotChangedByAChoiceInWhatAPoolWithoutItAnswers)
+TEST_F(StringSelectionInput, isNotChangedThroughTheValueOfAPoolWithoutAVariable)
 {
     slot().value(m_first)->selection = "a";
     EXPECT_EQ(slot().value(m_first)->selection, "b");
     EXPECT_EQ(initialText(), "b@a|b|c|");
 }
 
-TEST_F(StringSelectionInput, madeFromTextIsThereButHoldsNothing)
+TEST_F(StringSelectionInput, existsButHoldsNothingIfItIsCreatedFromText)
 {
     const StrongPtr<TypedSlotCreator> creator = TypedSlotCreator::find(typeid(Selection));
     ASSERT_TRUE(creator);
@@ -281,7 +281,7 @@ TEST_F(StringSelectionInput, madeFromTextIsThereButHoldsNothing)
     EXPECT_FALSE(added->setInitialText("b@a|b|"));
 }
 
-TEST_F(StringSelectionInput, isWrittenIfTheContentIsAnotherOne)
+TEST_F(StringSelectionInput, isWrittenOnlyIfTheContentDiffers)
 {
     valueIn(m_first);
     EXPECT_FALSE(slot()(m_first) <<= make("a,b,c", "b"));
@@ -293,28 +293,28 @@ TEST_F(StringSelectionInput, isWrittenIfTheContentIsAnotherOne)
 
 // Offering a new list
 
-TEST_F(StringSelectionInput, keepsTheChoiceThatANewListHas)
+TEST_F(StringSelectionInput, keepsAChoiceThatTheNewListContains)
 {
     const Selection fresh = make("b,d", "d");
     EXPECT_EQ(updateSelection(slot(), m_first, fresh), "b");
     EXPECT_EQ(fresh->selection, "b");
-    EXPECT_EQ(heldBy(valueIn(m_first)).get(), fresh.get()) << "the new selection itself is the value";
+    EXPECT_EQ(heldBy(valueIn(m_first)).get(), fresh.get()) << "the value holds the new selection itself";
     EXPECT_EQ(valueIn(m_first)->Text(), "b@b|d|");
     EXPECT_EQ(m_changes.count(), 1);
     EXPECT_EQ(m_changes.lastPool(), m_first);
     EXPECT_EQ(valueIn(m_second)->Text(), "b@a|b|c|") << "another pool does not see it";
 }
 
-TEST_F(StringSelectionInput, takesTheChoiceOfANewListThatLacksTheOldOne)
+TEST_F(StringSelectionInput, takesTheNewListsChoiceIfTheOldOneIsMissing)
 {
     EXPECT_EQ(updateSelection(slot(), m_first, make("d,e", "e")), "e");
     EXPECT_EQ(valueIn(m_first)->Text(), "e@d|e|");
-    EXPECT_EQ(updateSelection(slot(), m_first, make("f,g", "")), "") << "also if it has none";
+    EXPECT_EQ(updateSelection(slot(), m_first, make("f,g", "")), "") << "even if that is empty";
     EXPECT_EQ(valueIn(m_first)->Text(), "@f|g|");
     EXPECT_EQ(m_changes.count(), 2);
 }
 
-TEST_F(StringSelectionInput, choosesTheFirstEntryOfANewListWhereNothingWasChosen)
+TEST_F(StringSelectionInput, choosesTheFirstEntryOfANewListIfNothingWasChosen)
 {
     heldBy(valueIn(m_first))->selection.clear();
     EXPECT_EQ(updateSelection(slot(), m_first, make("a,c", "c")), "a");
@@ -322,7 +322,7 @@ TEST_F(StringSelectionInput, choosesTheFirstEntryOfANewListWhereNothingWasChosen
     EXPECT_EQ(m_changes.count(), 1);
 }
 
-TEST_F(StringSelectionInput, saysThatThereIsNothingToChoose)
+TEST_F(StringSelectionInput, reportsThatThereIsNothingToChoose)
 {
     heldBy(valueIn(m_first))->selection.clear();
     testing::internal::CaptureStdout();
@@ -332,10 +332,10 @@ TEST_F(StringSelectionInput, saysThatThereIsNothingToChoose)
 
     testing::internal::CaptureStdout();
     EXPECT_EQ(updateSelection(slot(), m_first, make("", "y")), "y");
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << "there was a choice, which is lost";
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << "a former choice is lost silently";
 }
 
-TEST_F(StringSelectionInput, isNotAnnouncedWhileListAndChoiceStayTheSame)
+TEST_F(StringSelectionInput, isNotAnnouncedIfListAndChoiceAreUnchanged)
 {
     const Selection held = heldBy(valueIn(m_first));
     const Ageable before = valueIn(m_first)->age();
@@ -347,10 +347,10 @@ TEST_F(StringSelectionInput, isNotAnnouncedWhileListAndChoiceStayTheSame)
     EXPECT_EQ(valueIn(m_first)->age(), before);
 
     EXPECT_EQ(updateSelection(slot(), m_first, make("a,c,b", "")), "b");
-    EXPECT_EQ(m_changes.count(), 1) << "another order is another list";
+    EXPECT_EQ(m_changes.count(), 1) << "a list in another order differs";
 }
 
-TEST_F(StringSelectionInput, isAnnouncedAlsoWhereTheSelectionThatItHoldsIsHandedBack)
+TEST_F(StringSelectionInput, isAnnouncedEvenIfTheHeldSelectionIsPassedBack)
 {
     const Selection held = heldBy(valueIn(m_first));
     EXPECT_EQ(updateSelection(slot(), m_first, held), "b");
@@ -360,7 +360,7 @@ TEST_F(StringSelectionInput, isAnnouncedAlsoWhereTheSelectionThatItHoldsIsHanded
     EXPECT_EQ(m_changes.count(), 1);
 }
 
-TEST_F(StringSelectionInput, countsAsWithoutAChoiceWhereItHoldsNothing)
+TEST_F(StringSelectionInput, hasNoChoiceIfItHoldsNull)
 {
     const TypedSlot<Selection> empty(m_object.get(), "empty", nullptr, nullptr, 0, true);
     const Changes changes(empty.parameter());
@@ -369,14 +369,14 @@ TEST_F(StringSelectionInput, countsAsWithoutAChoiceWhereItHoldsNothing)
     EXPECT_EQ(changes.count(), 1);
 }
 
-TEST_F(StringSelectionInput, offersNothingWithoutANewList)
+TEST_F(StringSelectionInput, isUnchangedWithoutANewList)
 {
     EXPECT_EQ(updateSelection(slot(), m_first, nullptr), "");
     EXPECT_EQ(m_changes.count(), 0);
     EXPECT_EQ(valueIn(m_first)->Text(), "b@a|b|c|");
 }
 
-TEST_F(StringSelectionInput, onlyChoosesWithoutASlotOrAPool)
+TEST_F(StringSelectionInput, onlyReturnsTheChoiceWithoutASlotOrAPool)
 {
     const Warnings warnings;
     const TypedSlot<Selection> nowhere(nullptr, "nowhere", nullptr, nullptr, 0, true);
@@ -385,7 +385,7 @@ TEST_F(StringSelectionInput, onlyChoosesWithoutASlotOrAPool)
     EXPECT_EQ(m_changes.count(), 0);
 }
 
-TEST_F(StringSelectionInput, offersInTheParameterThatItIsConnectedTo)
+TEST_F(StringSelectionInput, offersTheNewListInTheConnectedParameter)
 {
     const StrongPtr<VSlotContainer> source(new VSlotContainer);
     const VOutput<Selection> output(source.get(), "names", make("x,y", "y"));
@@ -394,7 +394,7 @@ TEST_F(StringSelectionInput, offersInTheParameterThatItIsConnectedTo)
     EXPECT_EQ(output.parameter()->getValueBase(m_first)->Text(), "y@y|z|");
 }
 
-TEST_F(StringSelectionInput, tellsItsReadersInThePoolOfTheChange)
+TEST_F(StringSelectionInput, runsItsReadersOnlyInTheChangedPool)
 {
     for (const auto& pool : {m_first, m_second}) {
         VScheduler::schedule(m_object, 0, pool);

@@ -40,18 +40,17 @@ testing::AssertionResult same(double a, double b)
 {
     if (a == b || (std::isnan(a) && std::isnan(b)))
         return testing::AssertionSuccess();
-    return testing::AssertionFailure() << VValueTrait<double>::Text(a) << " where " << VValueTrait<double>::Text(b)
-                                       << " is expected";
+    return testing::AssertionFailure() << VValueTrait<double>::Text(a) << " is not " << VValueTrait<double>::Text(b);
 }
 
 } // namespace
 
-TEST(VTime, isZeroAndContinuousAtFirst)
+TEST(VTime, isZeroAndContinuousByDefault)
 {
     EXPECT_EQ(VTime{}, VTime{0});
 }
 
-TEST(VTime, isAnIntervalOfItselfWithoutSteps)
+TEST(VTime, spansOnlyItselfWithoutSteps)
 {
     const VTime time{3};
     EXPECT_EQ(time.time, 3);
@@ -62,7 +61,7 @@ TEST(VTime, isAnIntervalOfItselfWithoutSteps)
     EXPECT_TRUE(time.flagB);
 }
 
-TEST(VTime, takesOneStepOverAnIntervalWithoutAStep)
+TEST(VTime, coversAnIntervalInOneStepByDefault)
 {
     const VTime time{0, 2, 4};
     EXPECT_EQ(time.time, 0);
@@ -73,7 +72,7 @@ TEST(VTime, takesOneStepOverAnIntervalWithoutAStep)
     EXPECT_EQ(time.maxTsteps(), 1);
 }
 
-TEST(VTime, takesEveryFieldFromItsArgument)
+TEST(VTime, takesEveryFieldFromItsArguments)
 {
     const VTime time{1, 2, 3, 4, "a", "b", "c"};
     EXPECT_EQ(time.time, 1);
@@ -86,7 +85,7 @@ TEST(VTime, takesEveryFieldFromItsArgument)
     EXPECT_TRUE(time.flagB);
 }
 
-TEST(VTime, copiesTheFlagsButTakesNewOnesInALikeTime)
+TEST(VTime, copiesItsFlagsButResetsThemInALikeTime)
 {
     VTime time{1, 0, 10, 2, "a", "b", "c"};
     time.flagA = true;
@@ -104,7 +103,7 @@ TEST(VTime, copiesTheFlagsButTakesNewOnesInALikeTime)
     EXPECT_TRUE(like.flagB);
 }
 
-TEST(VTime, isBroughtIntoTheIntervalOfALikeTime)
+TEST(VTime, isLimitedOrWrappedToTheIntervalOfALikeTime)
 {
     const struct {
         double begin, end, t, limited, cyclic;
@@ -120,7 +119,7 @@ TEST(VTime, isBroughtIntoTheIntervalOfALikeTime)
     }
 }
 
-TEST(VTime, isEqualOnlyIfAllFieldsAre)
+TEST(VTime, isEqualOnlyIfAllFieldsAreEqual)
 {
     const VTime time{1, 2, 3, 4, "a", "b", "c"};
     VTime others[] = {time, time, time, time, time, time, time, time, time, time};
@@ -141,10 +140,10 @@ TEST(VTime, isEqualOnlyIfAllFieldsAre)
     EXPECT_NE(VTime{NaN}, VTime{NaN});
 }
 
-// What the tables below expect was worked out apart from this code: by hand, and
-// where digits matter with the doubles of another language.
+// The expected values below were computed independently of this code: by hand or, where
+// digits matter, with the doubles of another language.
 
-TEST(VTime, numbersStepsFromTheBeginAndRoundsHalvesUp)
+TEST(VTime, numbersStepsFromItsBeginAndRoundsHalvesUp)
 {
     const struct {
         VTime time;
@@ -226,7 +225,7 @@ TEST(VTime, wrapsStepNumbersIntoTheValidSteps)
         // Whole turns are added before the remainder is taken, and that rounds.
         {stepped(0, 2, 1), 0.1, 0.09999999999999964},
         {stepped(0, 10, 1), 1e17, 9},
-        // No steps at all: the remainder of a division by zero.
+        // No steps: the remainder of a division by zero.
         {stepped(0, -1, 1), 3, NaN},
         {stepped(0, 10, 1), NaN, NaN},
         {stepped(0, 10, 1), infinity, NaN},
@@ -238,7 +237,7 @@ TEST(VTime, wrapsStepNumbersIntoTheValidSteps)
         EXPECT_TRUE(same(time.Tdiscrete(step), t)) << step << " of " << VValueTrait<VTime>::Text(time);
 }
 
-TEST(VTime, intentionallyLeavesStepsNegativeFromTheFirstWholeTurnBackOn)
+TEST(VTime, intentionallyLeavesStepsNegativeBeyondOneTurnBack)
 {
     const struct {
         VTime time;
@@ -281,7 +280,7 @@ TEST(VTime, snapsTimesToTheNearestStepAndWrapsThem)
         EXPECT_TRUE(same(time.Tdiscretized(t), snapped)) << t << " in " << VValueTrait<VTime>::Text(time);
 }
 
-TEST(VTime, stepsOnAndBackAndWrapsAround)
+TEST(VTime, stepsForwardAndBackAndWrapsAround)
 {
     const struct {
         VTime time;
@@ -320,7 +319,7 @@ TEST(VTime, stepsOnAndBackAndWrapsAround)
     }
 }
 
-TEST(VTime, visitsEveryStepOnceATurn)
+TEST(VTime, visitsEveryStepOncePerTurn)
 {
     VTime time = stepped(0, 1, 0.015625);
     for (int turn = 0; turn < 2; ++turn) {
@@ -335,11 +334,11 @@ TEST(VTime, visitsEveryStepOnceATurn)
     }
 }
 
-TEST(VTime, writesTheTimeTheIntervalAndTheStepAlone)
+TEST(VTime, writesOnlyItsTimeIntervalAndStep)
 {
     EXPECT_EQ(VValueTrait<VTime>::Text(VTime{3}), "3[3,3]@0");
     EXPECT_EQ(VValueTrait<VTime>::Text(VTime(0.5, -1, 1e300, 0.015625, "a", "b", "c")), "0.5[-1,1e+300]@0.015625");
-    // The longest numbers that there are.
+    // The longest possible numbers.
     const double longest = -std::numeric_limits<double>::min();
     const std::string text = "-2.2250738585072014e-308";
     EXPECT_EQ(VValueTrait<VTime>::Text(stepped(longest, longest, longest, longest)),
@@ -357,7 +356,7 @@ TEST(VTime, readsItsTextForm)
         {"-0.5[-1e3,nan]@0.25", -0.5, -1000, NaN, 0.25},
         {"5[0,10]", 5, 0, 10, 10},
         {"5[0,10]@", 5, 0, 10, 10},
-        {"5[2,]", 5, 2, 7, 5}, // nothing readable behind the comma: the end stays
+        {"5[2,]", 5, 2, 7, 5}, // no number after the comma: the end is unchanged
     };
     for (const auto& [text, time, begin, end, dt] : cases) {
         SCOPED_TRACE(text);
@@ -373,7 +372,7 @@ TEST(VTime, readsItsTextForm)
     }
 }
 
-TEST(VTime, intentionallyReadsBehindTheSeparatorBeforeWhereOneIsMissing)
+TEST(VTime, intentionallyReadsAfterThePreviousSeparatorIfOneIsMissing)
 {
     const struct {
         const char* text;
@@ -394,7 +393,7 @@ TEST(VTime, intentionallyReadsBehindTheSeparatorBeforeWhereOneIsMissing)
         {"5[0,10", 5, 0, 10, 10},
         {"5[2,10]7", 5, 2, 10, 7},
         {"5[0,10@3", 5, 0, 10, 3},
-        {"5,1[0,10]@1", 5, 0, 10, 1}, // the comma before the bracket is part of no number
+        {"5,1[0,10]@1", 5, 0, 10, 1}, // the comma before the bracket does not belong to a number
         {"5[0,10]@1]@2", 5, 0, 10, 1},
         {"5[1[2,3]@4", 5, 1, 3, 4},
     };
@@ -406,7 +405,7 @@ TEST(VTime, intentionallyReadsBehindTheSeparatorBeforeWhereOneIsMissing)
     }
 }
 
-TEST(VTime, intentionallyKeepsWhatCannotBeReadBehindTheTime)
+TEST(VTime, intentionallyKeepsFieldsAfterTheTimeThatCannotBeRead)
 {
     const struct {
         const char* text;

@@ -1,4 +1,4 @@
-#include <fathom/VUrlSystemHandler.hpp> // first: proves that the header stands alone
+#include <fathom/VUrlSystemHandler.hpp> // first: the header must be self-contained
 
 #include <gmock/gmock.h>
 
@@ -33,8 +33,8 @@ private:
     bool m_accepts;
 };
 
-// Lets go of itself in the middle of its work.
-class Leaving final : public VUrlSystemHandler {
+// Removes itself while it opens a URL.
+class SelfRemoving final : public VUrlSystemHandler {
 public:
     bool openUrl(const std::string& url) override
     {
@@ -54,39 +54,39 @@ protected:
 
 using VUrlSystemHandlerDeathTest = VUrlSystemHandlerTest;
 
-bool asksAtTheVeryEnd = false;
+bool opensUrlAtExit = false;
 
-void askAtTheVeryEnd(int, void*)
+void openUrlAtExit(int, void*)
 {
-    if (asksAtTheVeryEnd)
+    if (opensUrlAtExit)
         std::_Exit(VUrlSystemHandler::Exec("too late") ? 3 : 0);
 }
 
-// Registered before the libraries make their static objects, and so called after
-// these are gone.
+// Registered before the libraries construct their static objects, so called after those
+// are destroyed.
 void registerFirst()
 {
-    ::on_exit(askAtTheVeryEnd, nullptr);
+    ::on_exit(openUrlAtExit, nullptr);
 }
 
 [[gnu::section(".preinit_array"), gnu::used]] void (*const registersFirst)() = registerFirst;
 
-// Asks for another URL when it is released, and ends the process with the answer.
-class AskingAtTheEnd final : public VUrlSystemHandler {
+// Opens another URL when it is destroyed and exits with the result.
+class OpeningWhenDestroyed final : public VUrlSystemHandler {
 public:
-    ~AskingAtTheEnd() override { std::_Exit(Exec("too late") ? 3 : 0); }
+    ~OpeningWhenDestroyed() override { std::_Exit(Exec("too late") ? 3 : 0); }
     bool openUrl(const std::string&) override { return true; }
 };
 
 } // namespace
 
-TEST_F(VUrlSystemHandlerTest, opensNothingBeforeOneIsInstalled)
+TEST_F(VUrlSystemHandlerTest, opensNothingBeforeAHandlerIsInstalled)
 {
     EXPECT_FALSE(VUrlSystemHandler::TheUrlSystemHandler);
     EXPECT_FALSE(VUrlSystemHandler::Exec("https://example.org/"));
 }
 
-TEST_F(VUrlSystemHandlerTest, opensWhatItIsGivenAndSaysWhetherThatWorked)
+TEST_F(VUrlSystemHandlerTest, opensTheUrlAndReturnsTheResult)
 {
     for (const bool accepts : {true, false}) {
         const StrongPtr<Recorder> recorder(new Recorder(accepts));
@@ -97,7 +97,7 @@ TEST_F(VUrlSystemHandlerTest, opensWhatItIsGivenAndSaysWhetherThatWorked)
     }
 }
 
-TEST_F(VUrlSystemHandlerTest, opensNothingAfterOneWasTakenOut)
+TEST_F(VUrlSystemHandlerTest, opensNothingAfterTheHandlerIsRemoved)
 {
     const StrongPtr<Recorder> recorder(new Recorder(true));
     VUrlSystemHandler::TheUrlSystemHandler = recorder;
@@ -106,7 +106,7 @@ TEST_F(VUrlSystemHandlerTest, opensNothingAfterOneWasTakenOut)
     EXPECT_THAT(recorder->seen, IsEmpty());
 }
 
-TEST_F(VUrlSystemHandlerTest, opensNothingThroughOneThatIsGone)
+TEST_F(VUrlSystemHandlerTest, opensNothingThroughADestroyedHandler)
 {
     std::optional<Recorder> owned(std::in_place, true);
     VUrlSystemHandler::TheUrlSystemHandler = StrongPtr<Recorder>(&*owned);
@@ -116,30 +116,30 @@ TEST_F(VUrlSystemHandlerTest, opensNothingThroughOneThatIsGone)
     EXPECT_FALSE(VUrlSystemHandler::Exec("https://example.org/"));
 }
 
-TEST_F(VUrlSystemHandlerTest, mayTakeItselfOutWhileItWorks)
+TEST_F(VUrlSystemHandlerTest, canRemoveItselfWhileItOpensAUrl)
 {
-    VUrlSystemHandler::TheUrlSystemHandler = StrongPtr<Leaving>(new Leaving);
+    VUrlSystemHandler::TheUrlSystemHandler = StrongPtr<SelfRemoving>(new SelfRemoving);
     EXPECT_TRUE(VUrlSystemHandler::Exec("https://example.org/"));
     EXPECT_FALSE(VUrlSystemHandler::TheUrlSystemHandler);
 }
 
-TEST_F(VUrlSystemHandlerDeathTest, opensNothingAfterTheEndOfTheProcessAlsoIfItStaysAlive)
+TEST_F(VUrlSystemHandlerDeathTest, opensNothingAfterStaticDestructionEvenIfItIsAlive)
 {
     EXPECT_EXIT(
         {
             static const auto* const alive = new StrongPtr<Recorder>(new Recorder(true));
             VUrlSystemHandler::TheUrlSystemHandler = *alive;
-            asksAtTheVeryEnd = VUrlSystemHandler::Exec("in time");
+            opensUrlAtExit = VUrlSystemHandler::Exec("in time");
             std::exit(1);
         },
         testing::ExitedWithCode(0), "");
 }
 
-TEST_F(VUrlSystemHandlerDeathTest, isReleasedAtTheEndOfTheProcessAndOpensNothingMore)
+TEST_F(VUrlSystemHandlerDeathTest, isReleasedAtProcessExitAndThenOpensNothing)
 {
     EXPECT_EXIT(
         {
-            VUrlSystemHandler::TheUrlSystemHandler = StrongPtr<AskingAtTheEnd>(new AskingAtTheEnd);
+            VUrlSystemHandler::TheUrlSystemHandler = StrongPtr<OpeningWhenDestroyed>(new OpeningWhenDestroyed);
             std::exit(1);
         },
         testing::ExitedWithCode(0), "");

@@ -65,7 +65,7 @@ TEST_F(VValueParameterTest, sharesItsPrototypeAndItsPoolsWithACopy)
     EXPECT_EQ(textOf(copy->newValue()), "5:6");
 }
 
-TEST_F(VValueParameterTest, isSurvivedByACopy)
+TEST_F(VValueParameterTest, canBeOutlivedByItsCopy)
 {
     StrongPtr<VParameter> parameter(new VValueParameter<Range>(Range{2, 3}, "limits", nullptr));
     const StrongPtr<VParameter> copy = parameter->copy();
@@ -75,7 +75,7 @@ TEST_F(VValueParameterTest, isSurvivedByACopy)
     EXPECT_EQ(textOf(copy->DefaultValue()), "7:8");
 }
 
-TEST_F(VValueParameterTest, makesIndependentNewValues)
+TEST_F(VValueParameterTest, createsIndependentValues)
 {
     Ageable().touch();
     const StrongPtr<VValueBase> value = m_parameter->newValue();
@@ -85,7 +85,7 @@ TEST_F(VValueParameterTest, makesIndependentNewValues)
     EXPECT_EQ(textOf(m_parameter->newValue()), "2:3");
 }
 
-TEST_F(VValueParameterTest, hasNoVariableWithoutAPool)
+TEST_F(VValueParameterTest, createsNoVariableWithoutAPool)
 {
     EXPECT_EQ(m_parameter->createLocalVariable(nullptr), nullptr);
     StrongPtr<ValuePool> pool(new ValuePool);
@@ -139,8 +139,8 @@ TEST_F(VValueParameterTest, announcesANewGlobalValueOnce)
     EXPECT_EQ(textOf(m_parameter->DefaultValue()), "7:8");
     EXPECT_TRUE(m_parameter->DefaultValue()->age().isYoungerThan(before));
     EXPECT_EQ(changes.count(), 1);
-    EXPECT_EQ(changes.lastPool(), nullptr) << "it is no pool's change";
-    EXPECT_EQ(textOf(variable), "2:3") << "variables that exist keep theirs";
+    EXPECT_EQ(changes.lastPool(), nullptr) << "the change belongs to no pool";
+    EXPECT_EQ(textOf(variable), "2:3") << "existing variables keep their value";
 }
 
 TEST_F(VValueParameterTest, setsAComponentOfItsGlobalValue)
@@ -149,7 +149,7 @@ TEST_F(VValueParameterTest, setsAComponentOfItsGlobalValue)
     EXPECT_EQ(textOf(m_parameter->DefaultValue()), "2:9");
 }
 
-TEST_F(VValueParameterTest, intentionallyAnnouncesAGlobalValueThatItDidNotTake)
+TEST_F(VValueParameterTest, intentionallyAnnouncesARefusedGlobalValue)
 {
     const Changes changes(m_parameter);
     const auto number = Loam::makeStrong<VValue<double>>(9.0);
@@ -160,7 +160,7 @@ TEST_F(VValueParameterTest, intentionallyAnnouncesAGlobalValueThatItDidNotTake)
     EXPECT_EQ(changes.count(), 3);
 }
 
-TEST_F(VValueParameterTest, printsItsGlobalValueToThoseWhoWantDetails)
+TEST_F(VValueParameterTest, printsItsGlobalValueAtHighVerbosity)
 {
     const int before = verbosity();
     for (const int level : {49, 50}) {

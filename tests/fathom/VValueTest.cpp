@@ -30,7 +30,7 @@ static_assert(std::is_same_v<WeakPtrImpl<VManagedObject>, WeakPtrImpl<VManagedOb
 
 namespace {
 
-// Counts its copies and fails when it is told to.
+// Counts its operations and throws on request.
 struct Brittle {
     Brittle()
     {
@@ -71,7 +71,7 @@ struct Brittle {
     static inline int living = 0;
 };
 
-// A pointer, where a copy of the value must not share what it points to.
+// A pointer; a copy of its value must not share the object it points to.
 using Shared = std::shared_ptr<int>;
 
 } // namespace
@@ -125,7 +125,7 @@ constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 } // namespace
 
-TEST(VValue, ofOneTypeRefusesTheContentOfAnotherEvenWhereItsTextWouldDo)
+TEST(VValue, refusesTheContentOfAnotherTypeEvenIfItsTextWouldFit)
 {
     const auto number = make(2.5);
     EXPECT_FALSE(number->getValueFrom(make<std::string>("7")));
@@ -134,21 +134,21 @@ TEST(VValue, ofOneTypeRefusesTheContentOfAnotherEvenWhereItsTextWouldDo)
     EXPECT_FALSE(make<std::string>("")->getValueFrom(number));
 }
 
-TEST(VValue, takesItsContentFromAnyValueOfTheTypeThatGivesIt)
+TEST(VValue, takesItsContentFromAnyReadableValueOfItsType)
 {
-    // A component is no VValue, but a value of its type all the same.
+    // A component is not a VValue, but it is a value of its type.
     const auto range = make(Range{4, 5});
     const auto number = make(2.5);
     EXPECT_TRUE(number->getValueFrom(range->component("end")));
     EXPECT_EQ(number->Text(), "5");
 
-    // One that belongs to nothing has no content to give.
+    // A component without a container has no content.
     const auto orphan = Loam::makeStrong<VMemberValue<Range, double, &Range::end>>(nullptr);
     EXPECT_FALSE(number->getValueFrom(orphan));
     EXPECT_EQ(number->Text(), "5");
 }
 
-TEST(VValue, isComparedWithAnyValueOfTheType)
+TEST(VValue, canBeComparedWithAnyValueOfItsType)
 {
     const auto range = make(Range{4, NaN});
     const auto four = make(4.0);
@@ -165,15 +165,15 @@ TEST(VValue, isComparedWithAnyValueOfTheType)
     const auto orphan = Loam::makeStrong<VMemberValue<Range, double, &Range::end>>(nullptr);
     const StrongPtr<VValueBase> others[] = {four, make(0.0), begin, orphan};
     for (const StrongPtr<VValueBase>& other : others) {
-        EXPECT_TRUE(other->isDifferentFrom(orphan)) << "its content cannot be had";
+        EXPECT_TRUE(other->isDifferentFrom(orphan)) << "its content cannot be read";
         EXPECT_TRUE(orphan->isDifferentFrom(other));
     }
 }
 
-// Numbers are read without owning their value while the process has one thread.
-TEST(VValue, isComparedAndAssignedInTheSameWayBesideOtherThreads)
+// While the process has one thread, numbers are read without owning their value.
+TEST(VValue, isComparedAndAssignedTheSameWayWithOtherThreads)
 {
-    const auto expectTheUsual = [] {
+    const auto expectTheSameResults = [] {
         const auto four = make(4.0);
         const auto five = make(5.0);
         const auto text = make(std::string("4"));
@@ -194,15 +194,15 @@ TEST(VValue, isComparedAndAssignedInTheSameWayBesideOtherThreads)
         EXPECT_TRUE(four->isDifferentFrom(destroyed));
         EXPECT_EQ(four->Text(), "5");
     };
-    expectTheUsual();
+    expectTheSameResults();
     std::promise<void> end;
     std::thread other([&] { end.get_future().wait(); });
-    expectTheUsual();
+    expectTheSameResults();
     end.set_value();
     other.join();
 }
 
-TEST(VValue, comparesNotANumberAsUsualWhereItIsPartOfAnotherType)
+TEST(VValue, comparesNaNAsUsualInsideOtherTypes)
 {
     EXPECT_FALSE(make(NaN)->isDifferentFrom(make(1.0)));
     EXPECT_TRUE(make(Range{NaN, 0})->isDifferentFrom(make(Range{NaN, 0})));
@@ -220,7 +220,7 @@ TEST(VValue, isExportedAsCopiesInAContiguousArray)
     EXPECT_EQ(Loam::ChunkBase::TotalMemsize, before + 24);
 }
 
-TEST(VValue, sharesTheOneCreatorOfItsType)
+TEST(VValue, sharesTheSingleCreatorOfItsType)
 {
     EXPECT_EQ(VValue<double>::theTypedValueCreator, &VValue<double>::myTypedValueCreator());
     EXPECT_EQ(make(1.0)->getValueCreator().get(), &VValue<double>::myTypedValueCreator());
@@ -228,7 +228,7 @@ TEST(VValue, sharesTheOneCreatorOfItsType)
     EXPECT_NE(make('c')->getValueCreator(), VValueCreator::find("double"));
 }
 
-TEST(VValue, canBeACopyThatSharesNothing)
+TEST(VValue, canBeCopiedWithoutSharing)
 {
     const auto held = std::make_shared<int>(5);
     const auto value = make(held);
@@ -245,7 +245,7 @@ TEST(VValue, canBeACopyThatSharesNothing)
     EXPECT_FALSE(value->isDifferentFrom(copy));
 }
 
-TEST(TypedValueCreator, returnsTheValueAlsoWhenTheTextIsRefused)
+TEST(TypedValueCreator, returnsTheValueEvenIfTheTextIsRefused)
 {
     bool ok = true;
     StrongPtr<VValueBase> value = VValue<double>::myTypedValueCreator().create("x", ok);
@@ -257,14 +257,14 @@ TEST(TypedValueCreator, returnsTheValueAlsoWhenTheTextIsRefused)
     value = VValue<Range>::myTypedValueCreator().create("3:x", ok);
     EXPECT_FALSE(ok);
     ASSERT_TRUE(value);
-    EXPECT_EQ(value->Text(), "3:1") << "whatever the refused text left";
+    EXPECT_EQ(value->Text(), "3:1") << "the value that the refused text left";
 
     value = VValue<Range>::myTypedValueCreator().create("3:4", ok);
     EXPECT_TRUE(ok);
     EXPECT_EQ(value->Text(), "3:4");
 }
 
-TEST(TypedValueCreator, countsTheValuesOfItsTypeThatWereDestroyed)
+TEST(TypedValueCreator, countsDestroyedValuesOfItsType)
 {
     const TypedValueCreator<Range>& ranges = VValue<Range>::myTypedValueCreator();
     const TypedValueCreator<VTime>& times = VValue<VTime>::myTypedValueCreator();
@@ -280,7 +280,7 @@ TEST(TypedValueCreator, countsTheValuesOfItsTypeThatWereDestroyed)
     EXPECT_EQ(times.destroyedValues(), destroyedTimes);
 }
 
-TEST(TypedValueCreator, leavesTheFirstOneOfItsTypeAlone)
+TEST(TypedValueCreator, doesNotReplaceTheFirstOneOfItsType)
 {
     const StrongPtr<VValueCreator> first = VValueCreator::find("Range");
     const auto value = make(Range{});
@@ -293,7 +293,7 @@ TEST(TypedValueCreator, leavesTheFirstOneOfItsTypeAlone)
     EXPECT_EQ(VValue<Range>::theTypedValueCreator, first.get());
 }
 
-TEST_F(VValueOfBrittle, copiesWhatItHoldsOnce)
+TEST_F(VValueOfBrittle, copiesItsContentOnce)
 {
     const auto value = make(Brittle());
     Brittle::copies = 0;
@@ -314,7 +314,7 @@ TEST_F(VValueOfBrittle, comparesAndAssignsWithoutCopies)
     EXPECT_EQ(Brittle::copies, 0);
 }
 
-TEST_F(VValueOfBrittle, isDestroyedHalfMadeWhenItsTextTraitThrows)
+TEST_F(VValueOfBrittle, isDestroyedIfItsTextTraitThrows)
 {
     const int living = Brittle::living;
     const std::uint32_t before = destroyed();
@@ -325,7 +325,7 @@ TEST_F(VValueOfBrittle, isDestroyedHalfMadeWhenItsTextTraitThrows)
     EXPECT_EQ(destroyed(), before + 1);
 }
 
-TEST_F(VValueOfBrittle, leavesNothingBehindWhenItCannotBeConstructed)
+TEST_F(VValueOfBrittle, leavesNothingBehindIfItCannotBeConstructed)
 {
     const int living = Brittle::living;
     const std::uint32_t before = destroyed();
@@ -336,7 +336,7 @@ TEST_F(VValueOfBrittle, leavesNothingBehindWhenItCannotBeConstructed)
     EXPECT_EQ(destroyed(), before) << "there was no value yet";
 }
 
-TEST_F(VValueOfBrittle, staysWholeWhenItCannotBeCopied)
+TEST_F(VValueOfBrittle, isUnchangedIfItCannotBeCopied)
 {
     const auto value = make(Brittle());
     value->setValueFromText("7");
@@ -347,7 +347,7 @@ TEST_F(VValueOfBrittle, staysWholeWhenItCannotBeCopied)
     EXPECT_EQ(value->Text(), "7");
 }
 
-TEST_F(VValueOfBrittle, countsNoMemoryForAnArrayThatFailsHalfWay)
+TEST_F(VValueOfBrittle, countsNoMemoryForAnArrayThatFailsHalfway)
 {
     const auto value = make(Brittle());
     const int living = Brittle::living;
@@ -359,7 +359,7 @@ TEST_F(VValueOfBrittle, countsNoMemoryForAnArrayThatFailsHalfWay)
     EXPECT_EQ(Loam::ChunkBase::TotalMemsize, before);
 }
 
-TEST_F(VValueOfBrittle, passesOnWhatAssignmentThrows)
+TEST_F(VValueOfBrittle, propagatesExceptionsOfAssignment)
 {
     const auto a = make(Brittle());
     const auto b = make(Brittle());

@@ -7,14 +7,14 @@
 
 namespace {
 
-// A type as a client library brings it: a plain value, its text, one line.
+// A type as a client library defines it: a plain value, its text form and one declaration.
 struct Depth {
     double metres = 0;
 
     friend bool operator==(const Depth&, const Depth&) = default;
 };
 
-// One that nothing else here uses.
+// A type that nothing else here uses.
 struct Unused {
     friend bool operator==(const Unused&, const Unused&) = default;
 };
@@ -53,13 +53,13 @@ std::vector<Depth> samples<Depth>()
 INSTANTIATE_TYPED_TEST_SUITE_P(VValueType, ValueLaws, Depth);
 INSTANTIATE_TYPED_TEST_SUITE_P(VValueType, SlotLaws, Depth);
 
-TEST(VValueType, isEnoughToMakeATypeKnown)
+TEST(VValueType, sufficesToRegisterAType)
 {
     EXPECT_TRUE(Orla::VValueCreator::find("Unused"));
     EXPECT_TRUE(Orla::TypedSlotCreator::find(typeid(Unused)));
 }
 
-TEST(VValueType, maySayTheSameTypeTwice)
+TEST(VValueType, canBeDeclaredTwiceForTheSameType)
 {
     using namespace Orla;
     const auto value = VValueCreator::find("Depth");

@@ -1,6 +1,5 @@
-// The order of the virtual operations is part of the binary interface: client
-// libraries are compiled against it and loaded years later. These tests read it
-// from the tables that the compiler made.
+// The order of virtual functions is part of the binary interface: client libraries are
+// compiled against it and loaded years later. These tests read it from the vtables.
 
 #include <fathom/CommandLineParser.hpp>
 #include <fathom/Double.hpp>
@@ -38,28 +37,28 @@ using Table = const Operation*;
 template<class Object>
 Table tableOf(const Object& object)
 {
-    const void* const start = &object; // where the pointer to the table is
+    const void* const start = &object; // the vtable pointer is here
     Table table;
     std::memcpy(&table, start, sizeof table);
     return table;
 }
 
-// Where an operation stands in the table of its class, counted from 0.
+// The index of a virtual function in the vtable of its class.
 template<class Member>
 std::size_t placeOf(Member operation)
 {
     std::uintptr_t word;
     std::memcpy(&word, &operation, sizeof word);
-    // Some platforms mark virtual operations with the low bit.
+    // Some platforms mark virtual functions with the low bit.
     return (word & ~std::uintptr_t{1}) / sizeof(Operation);
 }
 
-// Functions that write different numbers here stay apart: an optimizer merges
-// those that do the same.
+// Functions that write different numbers here stay distinct; an optimizer may merge
+// functions that do the same.
 volatile int mark = 0;
 
-// Finds the places of the operations of `Class` by what changes in the table of
-// a class that overrides one of them.
+// Finds the vtable index of each virtual function of `Class`: an override changes the
+// entry at that index.
 template<class Class, class... Arguments>
 class Order {
 public:
@@ -77,12 +76,12 @@ public:
         };
         find<Destroyed>("destructor");
 
-        // The table of the class itself, which another library may have made. An
-        // inline operation without an exported address has one in each library.
+        // The vtable of the class itself may come from another library. An inline function
+        // without an exported address has one address per library.
         withBoth<Class>([this](Table own, Table unchanged) {
             for (std::size_t place = 0; place < m_names.size(); ++place) {
                 if (own[place] != unchanged[place])
-                    m_ofItsOwn.insert(place);
+                    m_ownEntries.insert(place);
             }
         });
     }
@@ -99,12 +98,12 @@ public:
         });
     }
 
-    /// All operations in the order of the table; empty for one that was not found.
+    /// The functions in vtable order; an empty name where none was found.
     const std::vector<std::string>& names() const { return m_names; }
 
-    /// Where the table of the class itself differs from that of a class derived
-    /// here that overrides nothing.
-    const std::set<std::size_t>& ofItsOwn() const { return m_ofItsOwn; }
+    /// The indices where the vtable of the class differs from that of a class derived here
+    /// that overrides only the destructor.
+    const std::set<std::size_t>& ownEntries() const { return m_ownEntries; }
 
 private:
     struct Unchanged : Class {
@@ -126,10 +125,10 @@ private:
 
     std::tuple<Arguments...> m_arguments;
     std::vector<std::string> m_names;
-    std::set<std::size_t> m_ofItsOwn;
+    std::set<std::size_t> m_ownEntries;
 };
 
-// Each overrides one operation and does nothing useful.
+// Each overrides one virtual function.
 
 using Value = VValue<double>;
 using WeakValue = WeakPtrImpl<VValueBase>;
@@ -195,7 +194,7 @@ struct ValueChunkOf : Value {
 constexpr std::size_t unctionAndDestructor[] = {0, 1, 2};
 
 const char* const valueOperations[] = {"extremeUnction", "destructor",
-                                       "destructor", // a destructor has two entries: with and without the memory
+                                       "destructor", // a destructor has two entries: with and without freeing memory
                                        "getType",        "copy",
                                        "getValueFrom",   "setValueFromText",
                                        "Text",           "isDifferentFrom",
@@ -208,7 +207,7 @@ const char* const valueOperations[] = {"extremeUnction", "destructor",
 
 } // namespace
 
-TEST(VirtualOrder, ofValues)
+TEST(VirtualOrder, matchesTheDocumentedOrderOfValues)
 {
     Order<Value> order;
     order.find<ValueUnction>("extremeUnction");
@@ -230,12 +229,12 @@ TEST(VirtualOrder, ofValues)
     order.find<ValueSet>("setValue");
     order.find<ValueChunkOf>("getChunkOfValue");
     EXPECT_THAT(order.names(), ElementsAreArray(valueOperations));
-    EXPECT_THAT(order.ofItsOwn(), IsSubsetOf(unctionAndDestructor));
+    EXPECT_THAT(order.ownEntries(), IsSubsetOf(unctionAndDestructor));
 }
 
-TEST(VirtualOrder, ofTypedValueBasesIsThatOfValuesWithTheRestPure)
+TEST(VirtualOrder, isTheSameForTypedValueBasesWithPureEntries)
 {
-    // Nobody can make one, but its table is exported.
+    // The class is abstract, but its vtable is exported.
     const std::string symbol = std::string("_ZTV") + typeid(VTypedValueBase<double>).name();
     const auto* const description = static_cast<const Operation*>(dlsym(RTLD_DEFAULT, symbol.c_str()));
     ASSERT_TRUE(description);
@@ -258,7 +257,7 @@ TEST(VirtualOrder, ofTypedValueBasesIsThatOfValuesWithTheRestPure)
                                {"isDifferentFrom", "setSource", "getInterface", "getChunk", "setContainerValue"}));
 }
 
-TEST(VirtualOrder, ofValueCreators)
+TEST(VirtualOrder, matchesTheDocumentedOrderOfValueCreators)
 {
     using Creator = TypedValueCreator<double>;
     struct Unction : Creator {
@@ -271,10 +270,10 @@ TEST(VirtualOrder, ofValueCreators)
     order.find<Unction>("extremeUnction");
     order.find<Create>("create");
     EXPECT_THAT(order.names(), ElementsAre("extremeUnction", "destructor", "destructor", "create"));
-    EXPECT_THAT(order.ofItsOwn(), IsSubsetOf(unctionAndDestructor));
+    EXPECT_THAT(order.ownEntries(), IsSubsetOf(unctionAndDestructor));
 }
 
-TEST(VirtualOrder, ofParameters)
+TEST(VirtualOrder, matchesTheDocumentedOrderOfParameters)
 {
     using Parameter = VValueParameter<Range>;
     using Preferences = StrongPtr<VCreationPreferences, InterfaceBase>;
@@ -316,10 +315,10 @@ TEST(VirtualOrder, ofParameters)
     order.find<New>("newValue");
     EXPECT_THAT(order.names(), ElementsAre("extremeUnction", "destructor", "destructor", "touch", "DefaultValue",
                                            "copy", "createLocalVariable", "setGlobalValue", "newValue"));
-    EXPECT_THAT(order.ofItsOwn(), IsSubsetOf(unctionAndDestructor));
+    EXPECT_THAT(order.ownEntries(), IsSubsetOf(unctionAndDestructor));
 }
 
-TEST(VirtualOrder, ofSlotCreators)
+TEST(VirtualOrder, matchesTheDocumentedOrderOfSlotCreators)
 {
     using Creator = TypedSlot<Range>::SlotCreator;
     struct Unction : Creator {
@@ -336,10 +335,10 @@ TEST(VirtualOrder, ofSlotCreators)
     order.find<Unction>("extremeUnction");
     order.find<NewSlot>("newSlot");
     EXPECT_THAT(order.names(), ElementsAre("extremeUnction", "destructor", "destructor", "newSlot"));
-    EXPECT_THAT(order.ofItsOwn(), IsSubsetOf(unctionAndDestructor));
+    EXPECT_THAT(order.ownEntries(), IsSubsetOf(unctionAndDestructor));
 }
 
-TEST(VirtualOrder, ofCommandLineParsers)
+TEST(VirtualOrder, matchesTheDocumentedOrderOfCommandLineParsers)
 {
     using Parser = CommandLineParser;
     struct Option : Parser {
@@ -352,10 +351,10 @@ TEST(VirtualOrder, ofCommandLineParsers)
     order.find<Option>("processOption");
     order.find<Argument>("processArgument");
     EXPECT_THAT(order.names(), ElementsAre("destructor", "destructor", "processOption", "processArgument"));
-    EXPECT_THAT(order.ofItsOwn(), IsSubsetOf({std::size_t{0}, std::size_t{1}}));
+    EXPECT_THAT(order.ownEntries(), IsSubsetOf({std::size_t{0}, std::size_t{1}}));
 }
 
-TEST(VirtualOrder, ofUrlHandlers)
+TEST(VirtualOrder, matchesTheDocumentedOrderOfUrlHandlers)
 {
     struct Handler : VUrlSystemHandler {
         bool openUrl(const std::string&) override { return true; }
@@ -370,5 +369,5 @@ TEST(VirtualOrder, ofUrlHandlers)
     order.find<Unction>("extremeUnction");
     order.find<Open>("openUrl");
     EXPECT_THAT(order.names(), ElementsAre("extremeUnction", "destructor", "destructor", "openUrl"));
-    EXPECT_THAT(order.ofItsOwn(), IsSubsetOf(unctionAndDestructor));
+    EXPECT_THAT(order.ownEntries(), IsSubsetOf(unctionAndDestructor));
 }

@@ -1,6 +1,6 @@
-// A client library, built several times under the name CLIENT: with a value type
-// and an object type of its own, a type that every client brings, and names that
-// every client wants for types of its own.
+// A client library, built once per name CLIENT. It defines its own value and object
+// types, a type that every client defines, and different types under names that every
+// client claims.
 
 #include <fathom/Double.hpp>
 #include <fathom/TimeDependent.hpp>
@@ -19,7 +19,7 @@
 
 namespace Shared {
 
-/// Comes from a header that all clients include.
+/// Represents a type from a header that all clients include.
 struct __attribute__((visibility("default"))) Tally {
     int count = 0;
 
@@ -66,7 +66,7 @@ namespace {
 
 using Preferences = Orla::StrongPtr<Orla::VCreationPreferences, Orla::InterfaceBase>;
 
-/// Counts its updates on top of what it reads, and reports what it sees.
+/// Writes the count that it reads plus one, and reports the number that it sees.
 class Counter : public Orla::VObject, public Orla::TimeDependent {
 public:
     Counter(const std::string& name, int level, const Preferences& preferences)
@@ -91,7 +91,7 @@ private:
     Orla::VOutput<std::string> m_report{this, "report", ""};
 };
 
-/// An object type under the name that every client wants.
+/// An object type under a name that every client claims.
 class Disputed : public Orla::VObject {
 public:
     using VObject::VObject;
@@ -99,7 +99,7 @@ public:
     bool update(Orla::VRequest&, double) override { return true; }
 };
 
-/// A value type under the name that every client wants.
+/// A value type under a name that every client claims.
 class DisputedCreator : public Orla::VValueCreator {
 public:
     DisputedCreator() : VValueCreator{typeid(Disputed)} { registerCreator(this, "disputed"); }
