@@ -1,5 +1,5 @@
-# The target api-docs: the reference of everything that the libraries' headers offer,
-# in api/html of the build folder. Warnings are errors.
+# The target api-docs builds the reference of the libraries' headers in api/html of the
+# build folder. Warnings are errors.
 
 find_package(Doxygen QUIET)
 if(NOT DOXYGEN_FOUND)

@@ -1,13 +1,13 @@
-# Defaults of a build that says nothing else.
+# Default settings of a build.
 
-# Libraries, host and tests find each other inside the build tree as they do once installed.
+# The build tree has the layout of an installation, so its files find each other.
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 set(CMAKE_CXX_EXTENSIONS OFF)
 
-# How to compile is up to the project that embeds this one.
+# A project that embeds this one decides how to compile.
 if(NOT PROJECT_IS_TOP_LEVEL)
     return()
 endif()
@@ -17,7 +17,7 @@ if(NOT CMAKE_BUILD_TYPE AND NOT is_multi_config)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
 endif()
 
-find_program(FATHOM_CCACHE ccache DOC "Compiler cache, used when there is one")
+find_program(FATHOM_CCACHE ccache DOC "Compiler cache, used if found")
 mark_as_advanced(FATHOM_CCACHE)
 if(FATHOM_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${FATHOM_CCACHE}")

@@ -1,4 +1,4 @@
-# What outside projects find with find_package(fathom CONFIG REQUIRED).
+# Installs the package that find_package(fathom CONFIG REQUIRED) finds.
 
 include(CMakePackageConfigHelpers)
 
@@ -26,7 +26,7 @@ install(EXPORT fathomTargets
     NAMESPACE fathom::
     DESTINATION "${package_dir}"
     COMPONENT fathom_development)
-# Apart from the libraries', which must be found where the program is not installed.
+# A separate file: the libraries' targets must load if the program is not installed.
 if(FATHOM_BUILD_HOST)
     install(EXPORT fathomHostTargets
         NAMESPACE fathom::
@@ -50,7 +50,8 @@ if(FATHOM_BUILD_HOST)
         COMPONENT fathom_host)
 endif()
 
-# With its sources: users start from a copy. Left out is what trying it leaves behind.
+# With its sources: users start from a copy. Files that running or building it creates are
+# excluded.
 if(FATHOM_BUILD_EXAMPLES)
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/quakes"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/fathom/examples"

@@ -1,10 +1,10 @@
-# Building libraries of processing objects. Part of the installed package:
-# find_package(fathom) brings these functions to projects outside this one.
+# Functions for building libraries of processing objects. Part of the installed package:
+# find_package(fathom) defines them.
 
 include_guard(GLOBAL)
 
 # Makes <target> a library that the host loads at run time by its plain name:
-# "quakes" is the file quakes.so.
+# "quakes" loads the file quakes.so.
 function(fathom_object_library target)
     target_compile_features(${target} PRIVATE cxx_std_20)
     set_target_properties(${target} PROPERTIES
@@ -16,8 +16,8 @@ function(fathom_object_library target)
         INSTALL_RPATH "$ORIGIN/..")
 endfunction()
 
-# Installs <target> where the host that is installed under the same prefix looks
-# for object libraries.
+# Installs <target> where a host under the same prefix searches for object
+# libraries.
 function(fathom_install_object_library target)
     install(TARGETS ${target} LIBRARY DESTINATION lib/fathom)
 endfunction()

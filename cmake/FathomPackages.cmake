@@ -1,8 +1,8 @@
-# Packages: run cpack in the build folder. DEB makes three, TGZ one of everything
-# that can be unpacked anywhere.
+# Packages: run cpack in the build folder. DEB makes three packages, TGZ one archive of
+# everything, which can be unpacked anywhere.
 
 set(FATHOM_PACKAGE_CONTACT "fathom developers <fathom@example.org>" CACHE STRING
-    "Who is named as the maintainer of packages")
+    "Maintainer of the packages")
 mark_as_advanced(FATHOM_PACKAGE_CONTACT)
 
 set(runtime "libfathom${FATHOM_ABI_VERSION}")
@@ -12,11 +12,11 @@ set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_PACKAGE_NAME fathom)
 set(CPACK_PACKAGE_VENDOR fathom)
 set(CPACK_PACKAGE_CONTACT "${FATHOM_PACKAGE_CONTACT}")
-# CPack's default, the one that it does not put before the packages' own descriptions.
+# CPack's default. CPack prepends any other text to the packages' own descriptions.
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${CMAKE_PROJECT_NAME} built using CMake")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
-# Whatever the umask of who makes them.
+# Independent of the umask.
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
@@ -33,7 +33,7 @@ set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The program finds the libraries of its own build; a package for them there is not yet.
+# The program is linked with the libraries of this build, which no package has yet.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 set(CPACK_DEBIAN_PACKAGE_SOURCE fathom)
 
@@ -41,15 +41,15 @@ set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_NAME "${runtime}")
 set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/shlibs")
 set(CPACK_DEBIAN_FATHOM_RUNTIME_DESCRIPTION "data-flow visualization framework - libraries
-Value types and bases of processing objects, and the libraries below them:
+Value types and base classes of processing objects, and the underlying libraries:
 objects and their evaluation, geometry, references and arrays.")
 
 set(CPACK_DEBIAN_FATHOM_DEVELOPMENT_PACKAGE_NAME libfathom-dev)
 set(CPACK_DEBIAN_FATHOM_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_FATHOM_DEVELOPMENT_PACKAGE_SUGGESTS "cmake (>= 3.25) | pkg-config")
 set(CPACK_DEBIAN_FATHOM_DEVELOPMENT_DESCRIPTION "data-flow visualization framework - headers
-What is needed to write libraries of processing objects, and programs that use
-them: headers, the CMake package and files for pkg-config.")
+Headers, the CMake package and files for pkg-config, for writing libraries of
+processing objects and programs that use them.")
 
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_NAME tarn)
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SECTION science)
@@ -58,8 +58,8 @@ set(CPACK_DEBIAN_FATHOM_HOST_DESCRIPTION "data-flow visualization framework - pr
 Loads saved networks of processing objects and evaluates them, with an example:
 a week of earthquakes as a table and as pictures.")
 
-# What packages built with these libraries depend on. CPack could write it, but for all
-# packages only, and would warn of object libraries, which have no version.
+# Declares the package that dependents of these libraries need. CPack could write this file,
+# but only for all packages, and would warn about object libraries, which have no version.
 set(shlibs "")
 foreach(library IN ITEMS fathom gable loam trellis)
     string(APPEND shlibs "lib${library} ${FATHOM_ABI_VERSION} ${runtime} (>= ${PROJECT_VERSION})\n")

@@ -1,24 +1,24 @@
-# What the targets of this project have in common.
+# Settings that the targets of this project share.
 
 include_guard(GLOBAL)
 
 include(GNUInstallDirs)
 include(FathomObjectLibrary)
 
-# Properties of a library that other people link against.
+# Sets the properties of a library that users link against.
 #
 # The two compile options are part of the contract, so users of the installed
-# package inherit them (those of pkg-config from cmake/library.pc.in): without
-# -fno-gnu-unique GCC marks the statics of templates in a way that keeps a loaded
-# library in memory for ever, and several formulas fix their grouping to the last
-# bit, which a contraction into fused multiply-adds would change.
+# package inherit them (with pkg-config from cmake/library.pc.in). Without
+# -fno-gnu-unique GCC marks the statics of templates so that a loaded library is
+# never unloaded. Several formulas define their results to the last bit, which
+# contraction into fused multiply-adds would change.
 function(fathom_shared_library target)
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_compile_options(${target} PUBLIC
         $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
         $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off>)
-    # Templates of the standard library that the compiler instantiates on the way are
-    # visible whatever the compile options say; the linker hides them.
+    # Instantiated templates of the standard library are visible whatever the compile
+    # options; the linker hides them.
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         set(hidden "${PROJECT_SOURCE_DIR}/cmake/hidden-symbols.map")
         target_link_options(${target} PRIVATE "LINKER:--version-script=${hidden}")
@@ -34,8 +34,8 @@ function(fathom_shared_library target)
         INSTALL_RPATH "$ORIGIN")
 endfunction()
 
-# Installs a library and its header set and makes it known to CMake as
-# fathom::<target> and to pkg-config as <target>.
+# Installs a library and its header set, for CMake as fathom::<target> and for
+# pkg-config as <target>.
 function(fathom_install_library target description)
     install(TARGETS ${target} EXPORT fathomTargets
         LIBRARY COMPONENT fathom_runtime NAMELINK_COMPONENT fathom_development
@@ -58,8 +58,8 @@ function(fathom_install_library target description)
         COMPONENT fathom_development)
 endfunction()
 
-# Installs a program so that it finds the libraries wherever the prefix is moved,
-# and makes it known to CMake as fathom::<target>.
+# Installs a program, for CMake as fathom::<target>. It finds the libraries even if the
+# prefix is moved.
 function(fathom_install_program target)
     file(RELATIVE_PATH lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")

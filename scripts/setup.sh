@@ -6,7 +6,7 @@ fail() {
     exit 1
 }
 
-# Shows what a command printed only if it fails.
+# Runs a command and shows its output only if it fails.
 quietly() {
     local log status=0
     log=$(mktemp)
@@ -18,7 +18,7 @@ quietly() {
     return "$status"
 }
 
-# Runs a command as root, or stops and says what the command was needed for.
+# Runs a command as root. If that is impossible, reports the purpose and stops.
 as_root() {
     local purpose=$1
     shift
@@ -27,14 +27,14 @@ as_root() {
     elif command -v sudo >/dev/null; then
         quietly sudo "$@"
     else
-        fail "cannot $purpose: you are not root, and there is no sudo"
+        fail "cannot $purpose: you are not root, and sudo was not found"
     fi
 }
 
-# Installs those of the named Debian packages that are missing.
+# Installs the missing ones of the named Debian packages.
 install_packages() {
     if ! command -v dpkg-query >/dev/null; then
-        echo "Not a Debian system; the build needs what these Debian packages hold: $*" >&2
+        echo "Not a Debian system; the build needs the contents of these Debian packages: $*" >&2
         return
     fi
     local known package missing=()
@@ -50,28 +50,28 @@ install_packages() {
     echo "Installing ${missing[*]}"
     local purpose="install the packages ${missing[*]}"
     local apt_get=(env DEBIAN_FRONTEND=noninteractive apt-get --yes -o DPkg::Lock::Timeout=120)
-    # One package source out of reach does not matter if the others have what is needed.
+    # An unreachable package source does not matter if the others have the packages.
     as_root "$purpose" "${apt_get[@]}" update || echo "warning: the package lists are not up to date" >&2
     as_root "$purpose" "${apt_get[@]}" install --no-install-recommends "${missing[@]}" ||
         fail "could not $purpose"
 }
 
-# Makes the named UTF-8 locale, for example de_DE, unless the system has it.
+# Creates the named UTF-8 locale, for example de_DE, unless it exists.
 install_locale() {
     local name=$1
     if grep -qix "$name\.utf-\?8" <<<"$(locale -a 2>/dev/null)"; then
         return
     fi
-    echo "Making the locale $name.UTF-8"
-    as_root "make the locale $name.UTF-8, which the tests need" \
-        localedef -i "$name" -f UTF-8 "$name.UTF-8" || fail "could not make the locale $name.UTF-8"
+    echo "Creating the locale $name.UTF-8"
+    as_root "create the locale $name.UTF-8, which the tests need" \
+        localedef -i "$name" -f UTF-8 "$name.UTF-8" || fail "could not create the locale $name.UTF-8"
 }
 
-# Configures and builds a preset; further arguments go to the configuration.
+# Configures and builds a preset. Further arguments are passed to the configuration.
 build() {
     local preset=$1 cache=build/$1/CMakeCache.txt fresh=()
     shift
-    # The tree was moved or copied together with its build folder.
+    # The tree may have been moved or copied together with its build folder.
     if [[ -f $cache ]] && ! grep -qFx "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$cache"; then
         fresh=(--fresh)
     fi
@@ -83,8 +83,8 @@ passed=0
 failed=0
 launcher=()
 
-# Runs ctest, through $launcher, with the arguments after the first, which names
-# the report to write. Adds to $passed and $failed; what did not run, failed.
+# Runs ctest through $launcher. The first argument names the report to write; the rest
+# are passed to ctest. Adds to $passed and $failed; a test that did not run has failed.
 run_tests() {
     local report=$1 status=0 all=0 good=0
     shift

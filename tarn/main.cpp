@@ -41,7 +41,7 @@ int performSafely(int argc, char** argv, const StandardStreams& streams)
         say(error.what());
         return FileFailed;
     } catch (const std::exception& error) {
-        say(std::string("cannot go on: ") + error.what());
+        say(std::string("cannot continue: ") + error.what());
         return ObjectFailed;
     }
 }

@@ -7,11 +7,11 @@
 
 #include <iostream>
 
-// Writes the manual page to the file that is named; part of the build, not installed.
+// Writes the manual page to the given file; part of the build, not installed.
 int main(int argc, char** argv)
 {
     if (argc != 2) {
-        std::cerr << "tarn-manual: expected the file to write\n";
+        std::cerr << "tarn-manual: expected the name of the output file\n";
         return Tarn::WrongUsage;
     }
     try {

@@ -36,10 +36,10 @@ const Command& checkCommand()
         .fewestNames = 1,
         .mostNames = 1,
         .summary = "Loads a network and lists its faults.",
-        .help = R"(Loads the network and its libraries, makes and connects its objects, and lists all
-faults, each with its place. Evaluates nothing. The exit status is 2 if there are any.
+        .help = R"(Loads the network and its libraries, creates and connects its objects, and lists all
+faults with their places. Evaluates nothing. The exit status is 2 if there are faults.
 
-Keys of the keyboard to which several objects listen are no fault, but are listed.
+Keys that are the hot key of several objects are listed too, but are not faults.
 )",
         .libraryFolders = NetworkFolders,
         .perform = &perform,

@@ -11,27 +11,27 @@
 
 namespace Tarn {
 
-/// The command line asks for something that the program does not know.
+/// The command line is wrong.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// What stands behind the name of a command.
+/// The arguments after the name of a command.
 struct Arguments {
     std::vector<std::string> names;
-    std::map<std::string, std::vector<std::string>> options; ///< switches without a text
+    std::map<std::string, std::vector<std::string>> options; ///< by name; a switch has an empty text
 
     bool has(const std::string& option) const { return options.contains(option); }
 
-    /// The text of an option that is given once at most; nothing if it is not given.
+    /// Returns the text of an option that may not be repeated; nothing if it is not given.
     std::optional<std::string> text(const std::string& option) const
     {
         const auto found = options.find(option);
         return found == options.end() ? std::nullopt : std::optional(found->second.front());
     }
 
-    /// The texts of an option that may be repeated, in their order.
+    /// Returns the texts of an option that may be repeated, in order.
     std::vector<std::string> texts(const std::string& option) const
     {
         const auto found = options.find(option);
@@ -42,34 +42,34 @@ struct Arguments {
 /// An option `--NAME=SHAPE` of a command, or a switch `--NAME`.
 struct Option {
     std::string name;
-    std::string shape; ///< what its text looks like; empty for a switch
+    std::string shape; ///< placeholder for its text; empty for a switch
     std::string help;  ///< one or more lines
     bool repeats = false;
 };
 
-/// One thing that the program does. There is a file for each in `tarn/commands`.
+/// A command of the program. Each has a file in `tarn/commands`.
 struct Command {
     std::string name;
-    std::string nameShape = {}; ///< what its names look like, for example "NETWORK.toml"; empty for none
+    std::string nameShape = {}; ///< placeholder for its names, such as "NETWORK.toml"; empty for none
     std::size_t fewestNames = 0;
     std::size_t mostNames = 0;
-    std::string summary = {}; ///< half a line
+    std::string summary = {}; ///< one short sentence
     std::string help = {};    ///< paragraphs that follow the summary
     std::vector<Option> options = {};
-    std::string libraryFolders = {}; ///< where it looks for libraries beside the usual places; empty if it loads none
+    std::string libraryFolders = {}; ///< searched for libraries besides the usual folders; empty if it loads none
 
-    /// Does it and returns the exit status.
+    /// Runs the command and returns the exit status.
     /// \throw UsageError, Loam::FileError
     int (*perform)(const Arguments& arguments, const StandardStreams& streams) = nullptr;
 };
 
-/// "tarn run NETWORK.toml [--steps=N] ...", in lines that fit.
+/// Returns the synopsis, such as "tarn run NETWORK.toml [--steps=N] ...", wrapped to fit.
 std::string synopsisOf(const Command& command);
 
-/// What the help on it says below the options; empty if it says no more.
+/// Returns the paragraphs of the help below the options; empty if there are none.
 std::string paragraphsOn(const Command& command);
 
-/// What `tarn COMMAND --help` prints.
+/// Returns the output of `tarn COMMAND --help`.
 std::string helpOn(const Command& command);
 
 } // namespace Tarn

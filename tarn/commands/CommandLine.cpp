@@ -15,10 +15,10 @@ constexpr char GeneralHelp[] = R"(Loads networks of processing objects and evalu
 
 )";
 
-constexpr char FilesHelp[] = R"(Results go to the files that are asked for, or to standard output where a file is
-called "-"; messages go to standard error. Networks and data that are not where their
-names say are looked for in the folders of the environment variable TARN_DATA, which
-are separated by semicolons.
+constexpr char FilesHelp[] = R"(Results are written to the given files, or to standard output if the file is "-";
+messages are written to standard error. Networks and data that are not found under
+their names are looked for in the folders in the environment variable TARN_DATA,
+separated by semicolons.
 )";
 
 constexpr char StatusHelp[] = R"(  0  everything is fine
@@ -146,7 +146,7 @@ std::string CommandLine::generalHelp(const std::vector<const Command*>& commands
     for (const Command* command : commands)
         lines.emplace_back(command->name + (command->nameShape.empty() ? "" : " " + command->nameShape),
                            command->summary);
-    lines.emplace_back("COMMAND --help", "Tells more about a command.");
+    lines.emplace_back("COMMAND --help", "Describes a command and its options.");
     std::size_t width = 0;
     for (const auto& [lead, summary] : lines)
         width = std::max(width, lead.size());

@@ -7,23 +7,23 @@
 
 namespace Tarn {
 
-/// What the program was asked to do.
+/// The parsed command line.
 struct CommandLine {
     enum class Request { Perform, Help, Version };
 
     Request request = Request::Help;
-    const Command* command = nullptr; ///< with `Help` null for help on everything
+    const Command* command = nullptr; ///< null with `Help` for the general help
     Arguments arguments;
 
-    /// Reads the arguments of `main`; \p commands are those there are.
+    /// Parses the arguments of `main`; \p commands are the available commands.
     /// \throw UsageError
     static CommandLine parse(int argc, char** argv, const std::vector<const Command*>& commands);
 
-    /// What `tarn --help` prints.
+    /// Returns the output of `tarn --help`.
     static std::string generalHelp(const std::vector<const Command*>& commands);
 
-    /// The parts of it that are not about one command: where results go and data are
-    /// looked for, and a line for each exit status.
+    /// Return the parts of the general help that are not about one command: where results are
+    /// written and data are looked for, and one line per exit status.
     static std::string filesHelp();
     static std::string statusHelp();
 

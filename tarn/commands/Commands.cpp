@@ -47,7 +47,7 @@ Option setOption()
 {
     return {.name = "set",
             .shape = "OBJECT.SLOT=TEXT",
-            .help = "Sets an input, whatever the file says. Of several\ntexts for one input the last one counts.",
+            .help = "Sets an input, overriding the file. If an input is\nset several times, the last text counts.",
             .repeats = true};
 }
 

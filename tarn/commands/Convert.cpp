@@ -26,7 +26,7 @@ int perform(const Arguments& arguments, const StandardStreams& streams)
     if (!conversion.faults().empty())
         return reportFaults(conversion.faults(), "; nothing was written");
     const auto output = openResult(path, streams);
-    // Where a stream ends is not known; names in it count from the old folder.
+    // The destination of a stream is unknown; its names stay relative to the old folder.
     if (!output->isStream() && !arguments.has("keep-names")) {
         for (const std::string& message : conversion.moveTo(std::filesystem::path(path).parent_path().string()))
             printLine(message);
@@ -36,7 +36,7 @@ int perform(const Arguments& arguments, const StandardStreams& streams)
     output->write(conversion.text());
     output->commit();
     if (!conversion.unknown().empty())
-        return reportFaults(conversion.unknown(), "; what is not known was written as it stood");
+        return reportFaults(conversion.unknown(), "; unknown parts were written unchanged");
     printLine(conversion.faults().file() + ": " + counted(conversion.objectCount(), "object") + ", "
               + counted(conversion.connectionCount(), "connection") + ", written to "
               + (isFile ? printable(target) : "standard output"));
@@ -53,22 +53,22 @@ const Command& convertCommand()
         .fewestNames = 2,
         .mostNames = 2,
         .summary = "Writes a network in its canonical form.",
-        .help = R"(Loads the network and its libraries, makes and sets its objects, and writes them with
-everything in one order and one spelling: once written so, a network is written the
-same again. Comments are not kept. Values are kept bit by bit. OUT.toml may be IN.toml;
-"-" is standard output. Until the new file is complete OUT.toml is what it was before.
+        .help = R"(Loads the network and its libraries, creates and sets its objects, and writes them in
+canonical order and spelling; converting the result again does not change it.
+Comments are not kept. Values are preserved bit for bit. OUT.toml may be IN.toml; "-"
+is standard output. OUT.toml stays unchanged until the new file is complete.
 
-Objects of unknown types are written as they stood; the exit status is then 2. With any
-other fault nothing is written.
+Objects of unknown types are written unchanged; the exit status is then 2. If there are
+other faults, nothing is written.
 
-File names count from the folder of the network. If OUT.toml lies in another folder,
-texts that name a file beside IN.toml are changed so that they still find it, and are
-listed; names of folders are listed only.
+File names are relative to the folder of the network. If OUT.toml is in another folder,
+texts that name a file beside IN.toml are adapted to name the same file from there, and
+listed; names of folders are only listed.
 )",
         .options =
             {
                 setOption(),
-                {.name = "keep-names", .shape = "", .help = "Leaves texts that name files as they are."},
+                {.name = "keep-names", .shape = "", .help = "Leaves texts that name files unchanged."},
             },
         .libraryFolders = NetworkFolders,
         .perform = &perform,

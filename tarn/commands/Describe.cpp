@@ -25,7 +25,7 @@ void reportUnknown(const std::string& name)
     suggest("the object type ", Orla::VObjectCreator::names());
     suggest("the value type ", Orla::VValueCreator::names());
     say("no library has a type " + inQuotes(name)
-        + (suggestions.empty() ? "; tarn types lists those there are" : suggestions + "?"));
+        + (suggestions.empty() ? "; tarn types lists the known types" : suggestions + "?"));
 }
 
 int perform(const Arguments& arguments, const StandardStreams& streams)
@@ -58,8 +58,8 @@ const Command& describeCommand()
         .mostNames = 1,
         .summary = "Describes a type of values or objects.",
         .help = R"(Describes the object type NAME with its inputs and outputs, or the value type NAME, or
-both if there are two. To learn of its inputs and outputs, an object is made and let go
-again; the exit status is 1 if none can be made, and 2 if there is no such type.
+both if both exist. To read its inputs and outputs, an object is created and destroyed;
+the exit status is 1 if that fails, and 2 if there is no such type.
 )",
         .options = {libraryOption(), levelOption(), jsonOption()},
         .libraryFolders = WorkingFolders,

@@ -2,8 +2,8 @@
 
 namespace Tarn {
 
-/// What the program answers to the shell. An interrupted run answers 128 and the
-/// number of the signal instead.
+/// The exit status of the program. An interrupted run returns 128 plus the number of the
+/// signal instead.
 enum ExitStatus : int {
     Fine = 0,
     ObjectFailed = 1,  ///< an object reported an error, or a loop did not settle

@@ -72,15 +72,15 @@ const Command& graphCommand()
         .summary = "Draws a network.",
         .help = R"(Loads the network as "tarn check" does and draws its objects as boxes, inputs on the
 left and outputs on the right, with the connections in the colours of their types.
-Dashed ones are not in the file: the objects found each other. With faults nothing is
-drawn.
+Dashed connections are not in the file but were made automatically. If there are
+faults, nothing is drawn.
 )",
         .options =
             {
                 {.name = "output",
                  .shape = Shape,
-                 .help = "Where the drawing goes; the ending says in which form.\n"
-                         "\"-\" is the text for Graphviz on standard output."},
+                 .help = "The file to write; its ending selects the form. \"-\"\n"
+                         "writes the text for Graphviz to standard output."},
             },
         .libraryFolders = NetworkFolders,
         .perform = &perform,

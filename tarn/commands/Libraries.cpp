@@ -17,7 +17,7 @@ int perform(const Arguments& arguments, const StandardStreams& streams)
 {
     const auto files = findLibraryFiles(Libraries::searchPath(Loam::getCurrentDir()), arguments.names);
     print(streams, arguments.has("json") ? libraryListJson(files) : libraryListText(files));
-    // Whoever names none cannot help what lies around.
+    // Files that the user did not name do not affect the exit status.
     const bool failed = std::ranges::any_of(files, [](const LibraryFile& file) { return !file.refusal.empty(); });
     return failed && !arguments.names.empty() ? NotUnderstood : Fine;
 }
@@ -30,10 +30,10 @@ const Command& librariesCommand()
         .name = "libraries",
         .nameShape = "LIBRARY",
         .mostNames = ~std::size_t{0},
-        .summary = "Lists object libraries and what they bring.",
-        .help = R"(Loads each library that is found, or each that is named, and lists its file and its
-types of objects and values. A file that cannot be loaded is listed with the reason; if
-it was named, the exit status is 2.
+        .summary = "Lists object libraries and their types.",
+        .help = R"(Loads each library found, or each library named, and lists its file, object types and
+value types. A file that cannot be loaded is listed with the reason; if it was named,
+the exit status is 2.
 )",
         .options = {jsonOption()},
         .libraryFolders = WorkingFolders,

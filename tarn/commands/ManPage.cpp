@@ -36,7 +36,7 @@ tarn run network.toml \-\-table=\- \-\-steps=10
 .RE
 )";
 
-// What the formatter must not take for markup or replace by a typographic sign.
+// Escapes what the formatter would take for markup or replace by a typographic sign.
 std::string escaped(std::string_view text)
 {
     std::string result = text.starts_with('.') ? "\\&" : "";
@@ -102,7 +102,7 @@ std::string section(const Command& command)
     return text + manText(paragraphsOn(command));
 }
 
-// Takes a text line by line; knows what the line before was.
+// Formats a text line by line, depending on the kind of the previous line.
 class TextWriter {
 public:
     void add(std::string_view line)

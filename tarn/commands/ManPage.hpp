@@ -8,13 +8,13 @@
 
 namespace Tarn {
 
-/// The manual page of the program with \p commands, in the markup of man(7). It says
-/// what the help says, so it lacks nothing that the help has.
+/// Returns the manual page of the program with \p commands, in the markup of man(7). It
+/// contains all of the help.
 std::string manPage(const std::vector<const Command*>& commands);
 
-/// A text of the help in that markup. Indented lines with a gap of two blanks or
-/// more are items of a list, with what stands before the gap as their tag; other
-/// indented lines stay as they are; everything else is filled.
+/// Returns a text of the help in that markup. Indented lines with a gap of two or more blanks
+/// become list items, tagged with the text before the gap. Other indented lines are kept
+/// unchanged; everything else is filled.
 std::string manText(std::string_view help);
 
 } // namespace Tarn

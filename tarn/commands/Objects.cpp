@@ -28,11 +28,11 @@ const Command& objectsCommand()
         .nameShape = "LIBRARY",
         .mostNames = ~std::size_t{0},
         .summary = "Lists object types with their inputs and outputs.",
-        .help = R"(Describes all object types that the standard library and the libraries named bring. To
-learn of its inputs and outputs, an object of each type is made and let go again. A type
-of which none can be made is listed with the reason.
+        .help = R"(Describes all object types of the standard library and the libraries named. To read the
+inputs and outputs, an object of each type is created and destroyed. A type for which
+that fails is listed with the reason.
 
-Inputs with a partner that is found by itself need no connection: the time comes from the
+Inputs marked as connected automatically need no connection: the time comes from the
 network's clock, events come from the interaction source, and so on.
 )",
         .options = {libraryOption(), levelOption(), jsonOption()},

@@ -38,7 +38,7 @@ std::optional<std::uint64_t> readSteps(const std::optional<std::string>& text)
     return steps;
 }
 
-// Where a result goes, from the root on; empty if it is not wanted.
+// Returns the absolute path of a result, or a name of standard output; empty if not wanted.
 std::string placeOf(const Arguments& arguments, const std::string& option, const std::string& network)
 {
     const std::optional<std::string> name = arguments.text(option);
@@ -56,7 +56,7 @@ std::vector<ScriptedEvent> readEvents(const std::optional<std::string>& path, Fa
     return path ? parseEvents(readFile(*path), faults) : std::vector<ScriptedEvent>{};
 }
 
-// Events that would never be played.
+// Reports events that would never be played.
 void checkEvents(const std::vector<ScriptedEvent>& events, const Session& session, Faults& faults)
 {
     if (events.empty())
@@ -125,7 +125,7 @@ int reportInterruption(const Session& session, const EvaluationSummary& summary,
     std::string message = signal != 0 ? "interrupted" : "an object cancelled the evaluation";
     message += " in step " + std::to_string(summary.steps);
     if (table)
-        message += table->isStream() ? "; the table ends before" : "; no table was written";
+        message += table->isStream() ? "; the table ends before that step" : "; no table was written";
     say(message);
     printReport(StatusReport{session.pool()});
     return signal != 0 ? 128 + signal : ObjectFailed;
@@ -169,7 +169,7 @@ int perform(const Arguments& arguments, const StandardStreams& streams)
         tracer = std::make_unique<Tracer>(*traceOutput, session.pool(), "tarn run " + arguments.names[0]);
     task.tracer = tracer.get();
     EvaluationSummary summary = evaluate(session, task, interruption.cancellation());
-    // Whole also where the evaluation ended early: then it is wanted most.
+    // Completed even if the evaluation ended early, when a trace is most useful.
     if (tracer) {
         tracer->finish();
         traceOutput->commit();
@@ -194,37 +194,37 @@ const Command& runCommand()
         .fewestNames = 1,
         .mostNames = 1,
         .summary = "Evaluates a network.",
-        .help = R"(Evaluates the network, once for each step of its global time; without an object
-that provides the time, once.
+        .help = R"(Evaluates the network once per step of its global time, or once if no object provides
+the time.
 
-Relative names in the texts of inputs start at the folder of the network.
+Relative names in the texts of inputs are resolved in the folder of the network.
 
-A table appears when it is complete: until then, and if something fails on the way,
-FILE.csv is what it was before. Objects that report an error do not end the run, and
-the table shows their last good values; the exit status is then 1.
+FILE.csv is replaced only when the table is complete; if something fails before, it
+stays unchanged. An object that reports an error does not end the run: the table shows
+its last good values, and the exit status is 1.
 
-At the end every object that has something to say is listed with its status, errors
-first. An error makes the exit status 1.
+At the end, every object that reports a status is listed with it, errors first. An
+error makes the exit status 1.
 
 SIGINT and SIGTERM end the run within a second, with exit status 130 or 143. FILE.csv
-is then as before; standard output has got the rows of the steps before.
+then stays unchanged; standard output has the rows of the steps before.
 )",
         .options =
             {
                 setOption(),
-                {.name = "steps", .shape = "N", .help = "Evaluates the first N steps only."},
+                {.name = "steps", .shape = "N", .help = "Evaluates only the first N steps."},
                 {.name = "chart",
                  .shape = "NAME",
                  .help = "Makes all objects that depend on a coordinate chart\n"
-                         "follow this one, whatever the file says."},
+                         "follow this one, overriding the file."},
                 {.name = "events",
                  .shape = "FILE",
-                 .help = "Plays events of pointer and keyboard from a file; lines\n"
-                         "such as \"3 press 100 200 left\" or \"3 key r\", where 3 is\n"
-                         "the step after whose evaluation the event comes."},
+                 .help = "Plays pointer and keyboard events from a file of lines\n"
+                         "such as \"3 press 100 200 left\" or \"3 key r\"; these events\n"
+                         "follow the evaluation of step 3."},
                 {.name = "table",
                  .shape = "FILE.csv",
-                 .help = "Writes the columns that the network lists, one row a\n"
+                 .help = "Writes the columns that the network lists, one row per\n"
                          "step, as comma-separated values; \"-\" is standard output."},
                 {.name = "print",
                  .shape = "OBJECT.OUTPUT",

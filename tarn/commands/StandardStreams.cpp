@@ -13,18 +13,18 @@ StandardStreams::StandardStreams()
 {
     const bool hasOutput = ::fcntl(STDOUT_FILENO, F_GETFD) != -1;
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        // The lowest free number is the one that is missing.
+        // open() takes the lowest free descriptor, which is the missing one.
         if (::fcntl(stream, F_GETFD) == -1 && ::open("/dev/null", O_RDWR) != stream)
             break;
     }
     if (hasOutput)
         m_results = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
-    // So that what libraries print and what the program says stay in order.
+    // Keeps the output of libraries and the program's messages in order.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 
-    // Writing then fails with a reason instead of ending the process, which would
-    // leave temporary files behind.
+    // Writing then fails with an error instead of ending the process, which would leave
+    // temporary files behind.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 }

@@ -2,11 +2,11 @@
 
 namespace Tarn {
 
-/// Keeps standard output for results alone: libraries print diagnostics there,
-/// which from now on go to standard error.
+/// Reserves standard output for results: diagnostics that libraries print there are
+/// redirected to standard error.
 ///
-/// Standard streams that were closed lead to nowhere from now on, so that no file
-/// that is opened later is taken for one of them.
+/// Closed standard streams are redirected to /dev/null, so no file that is opened later is
+/// taken for one of them.
 class StandardStreams {
 public:
     StandardStreams();
@@ -14,7 +14,7 @@ public:
     StandardStreams(const StandardStreams&) = delete;
     StandardStreams& operator=(const StandardStreams&) = delete;
 
-    /// Descriptor of the real standard output; -1 if it was closed.
+    /// Returns the descriptor of the real standard output; -1 if it was closed.
     int results() const noexcept { return m_results; }
 
 private:

@@ -15,18 +15,18 @@ Option libraryOption()
 {
     return {.name = "library",
             .shape = "NAME",
-            .help = "Loads an object library beside the standard one.",
+            .help = "Loads an object library besides the standard one.",
             .repeats = true};
 }
 
 Option levelOption()
 {
-    return {.name = "level", .shape = "N", .help = "Hides the inputs above expert level N."};
+    return {.name = "level", .shape = "N", .help = "Hides inputs above expert level N."};
 }
 
 Option jsonOption()
 {
-    return {.name = "json", .shape = "", .help = "Prints JSON, for programs."};
+    return {.name = "json", .shape = "", .help = "Prints JSON for programs."};
 }
 
 std::vector<std::string> librariesOf(const Arguments& arguments)

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-// What the commands that tell of types have in common.
+// Options shared by the commands that describe types.
 
 namespace Tarn {
 
@@ -15,14 +15,14 @@ Option libraryOption();
 Option levelOption();
 Option jsonOption();
 
-/// The libraries that --library names.
+/// Returns the libraries named with --library.
 std::vector<std::string> librariesOf(const Arguments& arguments);
 
-/// The number of --level; all levels without.
+/// Returns the number of --level, or all levels without it.
 /// \throw UsageError
 int levelOf(const Arguments& arguments);
 
-/// Says why libraries could not be loaded, and returns the exit status.
+/// Prints why libraries could not be loaded, and returns the exit status.
 int reportRefusals(const TypeCatalogue& catalogue);
 
 } // namespace Tarn

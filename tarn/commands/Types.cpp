@@ -28,9 +28,9 @@ const Command& typesCommand()
         .nameShape = "LIBRARY",
         .mostNames = ~std::size_t{0},
         .summary = "Lists the types of values and objects.",
-        .help = R"(Lists the value types, with a note which of them can be inputs, the colour in which
-their connections are drawn and the text of a value that nobody has set; and the object
-types that the standard library and the libraries named bring, with their files.
+        .help = R"(Lists the value types, with their use as values or inputs, the colour of their
+connections and their default text; and the object types of the standard library and the
+libraries named, with their files.
 )",
         .options = {libraryOption(), jsonOption()},
         .libraryFolders = WorkingFolders,

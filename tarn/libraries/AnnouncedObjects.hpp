@@ -6,10 +6,10 @@
 
 namespace Tarn {
 
-/// The objects of all levels in the registry of the process, in its order.
+/// Returns the registered objects of the current network, of all levels, in registry order.
 std::vector<Orla::StrongPtr<Orla::VManagedObject>> announcedObjects();
 
-/// Takes them all out, the last one first.
+/// Removes all of them, last one first.
 void removeAnnouncedObjects();
 
 } // namespace Tarn

@@ -5,7 +5,8 @@
 
 namespace Tarn {
 
-/// Runs what client libraries wrote. The reason why it failed, empty if it did not.
+/// Calls \p function, which may run code of client libraries. Returns why it threw, or an
+/// empty string if it did not.
 template<class Function>
 std::string failureOf(Function&& function)
 {
@@ -13,9 +14,9 @@ std::string failureOf(Function&& function)
         function();
         return {};
     } catch (const std::exception& error) {
-        return error.what()[0] ? error.what() : "an exception without a text";
+        return error.what()[0] ? error.what() : "an exception without a message";
     } catch (...) {
-        return "something was thrown that is no std::exception";
+        return "something other than a std::exception was thrown";
     }
 }
 

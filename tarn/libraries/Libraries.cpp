@@ -62,7 +62,7 @@ std::string Libraries::load(const std::string& name)
         m_libraries.push_back({name, handle});
         if (!reasons.empty())
             Orla::VActionNotifier::Warning(title + " was loaded from " + printable(path)
-                                           + ", after others could not be: " + join(reasons, "; "));
+                                           + " after other files failed to load: " + join(reasons, "; "));
         return {};
     }
     return reasons.empty() ? title + " was not found: no file " + printable(name) + ".so in " + join(m_folders, ", ")

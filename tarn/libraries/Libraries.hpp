@@ -5,32 +5,30 @@
 
 namespace Tarn {
 
-/// The library of standard objects, which every network can use.
+/// The library of standard objects, available to every network.
 inline constexpr char StandardLibrary[] = "standard";
 
-/// The object libraries of a run. They stay in memory until the process ends
-/// unless they are unloaded: nothing that came from them may be alive then.
+/// The object libraries of a run. They stay in memory until `unload` is called or the
+/// process ends.
 class Libraries {
 public:
-    /// Libraries are looked for in \p folders, absolute paths, in this order.
+    /// Searches for libraries in \p folders, absolute paths, in this order.
     explicit Libraries(std::vector<std::string> folders);
     Libraries(const Libraries&) = delete;
     Libraries& operator=(const Libraries&) = delete;
 
-    /// Loads the library \p name, the file NAME.so in the first folder that has
-    /// one which can be loaded. Returns the empty text, or why there is none: the
-    /// loader's reason for each file that was there. A library that is loaded
-    /// already counts as loaded.
+    /// Loads the library \p name: the file NAME.so in the first folder that has a loadable
+    /// one. Returns an empty string on success and if the library is already loaded, otherwise
+    /// the loader's reason for each file found.
     std::string load(const std::string& name);
 
-    /// Unloads them, the last one first.
-    /// \pre All that came from the libraries is gone.
+    /// Unloads all libraries, last one first.
+    /// \pre Everything that came from the libraries is destroyed.
     void unload();
 
-    /// Where the libraries of a network in \p networkFolder are looked for: beside
-    /// the program's install, in the folders of the environment variable
-    /// TARN_LIBRARIES (separated by colons), and in \p networkFolder and its
-    /// subfolder "lib".
+    /// Returns the folders to search for libraries of a network in \p networkFolder:
+    /// ../lib/fathom beside the program, the folders in the environment variable
+    /// TARN_LIBRARIES (separated by colons), \p networkFolder and its subfolder "lib".
     static std::vector<std::string> searchPath(const std::string& networkFolder);
 
 private:

@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 
 constexpr char Ending[] = ".so";
 
-// Names of the libraries in the folder, in alphabetic order.
+// Returns the names of the libraries in the folder, in alphabetical order.
 std::vector<std::string> namesIn(const std::string& folder)
 {
     std::vector<std::string> names;
@@ -54,7 +54,7 @@ void lookInto(LibraryFile& file, const std::string& folder)
     file.refusal = libraries.load(file.name);
     file.objectTypes = added(objectTypes, Orla::VObjectCreator::names());
     file.valueTypes = added(valueTypes, Orla::VValueCreator::names());
-    // Nothing was made.
+    // No objects were created.
     libraries.unload();
 }
 

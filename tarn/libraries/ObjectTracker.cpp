@@ -15,7 +15,7 @@ namespace {
 
 using Orla::StrongPtr;
 
-// The first of the creators named that somebody else holds.
+// Returns the first registered creator that is still referenced elsewhere.
 template<class Creator>
 std::string heldCreator()
 {

@@ -9,8 +9,8 @@
 
 namespace Tarn {
 
-/// Knows all objects that were announced since it was added as a notifier, and
-/// finds those that outlive their network: their code must stay in memory.
+/// Tracks all objects announced since it was added as a notifier, and finds those that
+/// outlive their network: their code must stay in memory.
 class ObjectTracker final : public Orla::VActionNotifier {
 public:
     ~ObjectTracker() override;
@@ -18,12 +18,12 @@ public:
     void objectCreated(const Orla::StrongPtr<Orla::VManagedObject>& object, const Loam::InterfaceContainer& interfaces,
                        const Orla::StrongPtr<Orla::VObjectCreator>& creator) override;
 
-    /// Notes the parameters and values of the objects alive, those in \p pool too;
-    /// to be called before the network is let go.
+    /// Records the parameters and values of the live objects, including values in \p pool.
+    /// Call this before the network is destroyed.
     void countValues(const Orla::StrongPtr<Orla::ValuePool>& pool);
 
-    /// Something noted that is still alive, or a creator that somebody still
-    /// holds; the empty text if there is nothing of the kind.
+    /// Describes a recorded item that is still alive, or a creator that is still referenced.
+    /// Returns an empty string if there is none.
     std::string survivor() const;
 
 private:

@@ -22,7 +22,7 @@ T read(const Orla::VChartSelector& selector, const char* output, const StrongPtr
 
 ChartChoice ChartChoice::find()
 {
-    // Asking for the selector of the network would make one.
+    // Asking for the network's selector would create one.
     ChartChoice choice;
     Orla::VManagedObject::forEachObject<Orla::VChartSelector>([&](const StrongPtr<Orla::VChartSelector>& selector) {
         choice.m_selector = selector;

@@ -11,23 +11,22 @@ class VChartSelector;
 
 namespace Tarn {
 
-/// Picks the chart that a whole network follows.
+/// Selects the chart that a whole network follows.
 class ChartChoice {
 public:
-    /// For the network's chart selector; a network whose objects do not depend on
-    /// charts has none.
+    /// Finds the network's chart selector. The result is empty if no object depends on charts.
     static ChartChoice find();
 
     explicit operator bool() const noexcept { return bool(m_selector); }
 
-    /// From now on the selector wants the chart \p name in every new pool and picks
-    /// it as soon as an object offers it.
+    /// Makes the selector request the chart \p name in every new pool and select it as soon as
+    /// an object offers it.
     void want(const std::string& name) const;
 
-    /// The chart that was picked in \p pool; empty if none was.
+    /// Returns the name of the chart selected in \p pool; empty if none is.
     std::string current(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
-    /// The names of the charts that there are in \p pool.
+    /// Returns the names of the charts available in \p pool.
     std::vector<std::string> names(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
 private:

@@ -59,15 +59,15 @@ Conversion::Conversion(const std::string& path, const std::vector<std::string>& 
     const std::string text = readFile(path);
     if (::chdir(m_folder.c_str()) != 0)
         throw Loam::FileError{"cannot enter " + printable(m_folder), errno};
-    // Which types are known shows when the libraries are loaded.
-    Faults toldLater{path};
-    const std::vector<std::string> missing = loadLibraries(parseNetwork(text, toldLater).libraries);
+    // Which types are known depends on the libraries; the second pass reports the faults.
+    Faults ignored{path};
+    const std::vector<std::string> missing = loadLibraries(parseNetwork(text, ignored).libraries);
     m_file = parseNetwork(text, m_faults, &isKnownType);
     const NetworkInputs inputs = readInputs(m_file, overrides, missing, m_faults, m_unknown);
     m_connectionCount = inputs.connectionCount;
     if (m_faults.empty())
         makeCanonical(inputs);
-    // Those that constructors made for themselves.
+    // Removes the objects that constructors announced.
     removeAnnouncedObjects();
 }
 
@@ -115,13 +115,13 @@ void Conversion::keepValue(std::size_t number, const NetworkInputs::Input& input
     if (!form) {
         if (why.empty())
             why = std::ranges::all_of(input.texts, isUtf8) ? "no text that a file can hold restores it"
-                                                           : "the text is no UTF-8";
+                                                           : "the text is not valid UTF-8";
         m_faults.add(input.place, input.description + ": the value cannot be kept: " + why);
         return;
     }
     std::vector<NetworkFile::InputText>& texts = m_file.objects[number].texts;
     NetworkFile::InputText& text = texts.emplace_back(NetworkFile::InputText{{input.name, {}}, {}});
-    // Whatever is written stands somewhere.
+    // A place marks a text as present.
     constexpr Place Somewhere{1, 1};
     if (form->text)
         text.value = {*form->text, Somewhere};
@@ -151,10 +151,10 @@ std::vector<std::string> Conversion::moveTo(const std::string& folder)
                                    + ", which is the same file from the new folder");
                 text.value.text = *moved;
             } else {
-                m_faults.add(start(object, text) + " names a file whose name from the new folder is no UTF-8");
+                m_faults.add(start(object, text) + " names a file whose name from the new folder is not valid UTF-8");
             }
         } else if (rewriter.concerns(text.value.text)) {
-            messages.push_back(start(object, text) + " is also the name of a folder, and is left as it is");
+            messages.push_back(start(object, text) + " is also the name of a folder and is left unchanged");
         }
     }
     for (const NetworkFile::Object& object : m_file.objects) {
@@ -163,14 +163,13 @@ std::vector<std::string> Conversion::moveTo(const std::string& folder)
         for (const NetworkFile::InputText& text : object.texts) {
             if (rewriter.concerns(text.value.text))
                 messages.push_back(start(object, text)
-                                   + " names a file and is left as it is, because the type of the "
-                                     "object is not known");
+                                   + " names a file and is left unchanged because its object type is unknown");
         }
     }
     for (const PlacedText& library : m_file.libraries) {
         if (hasLibrary(m_folder, library.text) && !hasLibrary(folder, library.text))
             messages.push_back(m_faults.file() + ": library " + inQuotes(library.text)
-                               + " is not found from the new folder; it lies beside the old network");
+                               + " is not found from the new folder; it is beside the old network");
     }
     return messages;
 }
@@ -178,10 +177,10 @@ std::vector<std::string> Conversion::moveTo(const std::string& folder)
 std::string Conversion::text() const
 {
     std::string text = networkText(m_file);
-    // What does not read back must not replace what did.
+    // A text that does not read back must not replace a file that does.
     Faults faults{m_faults.file()};
     if (networkText(parseNetwork(text, faults, &isKnownType)) != text || !faults.empty())
-        throw std::logic_error(m_faults.file() + " would not be read back as it is"
+        throw std::logic_error(m_faults.file() + " would not read back unchanged"
                                + (faults.empty() ? "" : ": " + faults.lines().front()));
     return text;
 }

@@ -11,30 +11,28 @@
 
 namespace Tarn {
 
-/// A saved network that is read to be written again in its canonical form.
+/// Reads a saved network and returns it in its canonical form.
 ///
-/// The folder of the file becomes the working directory, as when the network is
-/// run. Libraries stay in memory.
+/// The folder of the file becomes the working directory, as in a run. Libraries stay in
+/// memory.
 class Conversion {
 public:
-    /// Reads the file \p path, makes its objects, sets \p overrides and lets the
-    /// objects go.
+    /// Reads the file \p path, creates its objects, applies \p overrides and destroys the
+    /// objects.
     /// \throw Loam::FileError if the file cannot be read.
     Conversion(const std::string& path, const std::vector<std::string>& overrides);
 
-    /// The network must not be written if there are any.
+    /// If there are any faults, the network must not be written.
     const Faults& faults() const noexcept { return m_faults; }
 
-    /// Libraries and types that are not there. Objects of these types are written as
-    /// they stood.
+    /// Missing libraries and types. Objects of these types are written unchanged.
     const Faults& unknown() const noexcept { return m_unknown; }
 
-    /// Adapts names of files to the folder \p folder, where the network will stand.
-    /// Returns what a user should know of it, one text a line. A name that cannot be
-    /// adapted is a fault.
+    /// Adapts file names to \p folder, in which the network will be saved. Returns messages
+    /// for the user, one per line. A name that cannot be adapted is a fault.
     std::vector<std::string> moveTo(const std::string& folder);
 
-    /// The network as TOML.
+    /// Returns the network as TOML.
     /// \pre There are no faults.
     std::string text() const;
 
@@ -42,7 +40,7 @@ public:
     std::size_t connectionCount() const noexcept { return m_connectionCount; }
 
 private:
-    // Which of the texts of which object are texts for the object too.
+    // A text for an input of type `string`: the index of its object and its own index there.
     struct HeldText {
         std::size_t object;
         std::size_t text;

@@ -13,7 +13,7 @@ namespace Tarn {
 
 namespace {
 
-// Graphviz says a complaint in pieces.
+// Graphviz reports a complaint in pieces.
 std::string& complaints()
 {
     static std::string text;
@@ -46,8 +46,8 @@ struct Closer {
     void operator()(GVC_t* context) const { ::gvFreeContext(context); }
 };
 
-// One for the whole process: what writes texts remembers the name of its last font,
-// which would be gone with the context of the picture before.
+// One context for the whole process: the text renderer keeps the name of its last font,
+// which would be destroyed with the context of the previous picture.
 GVC_t* theContext()
 {
     static const std::unique_ptr<GVC_t, Closer> context(::gvContext());
@@ -75,7 +75,7 @@ std::string drawGraph(const std::string& dot, PictureFormat format)
         ::gvFreeRenderData(bytes);
     }
     ::gvFreeLayout(context, graph.get());
-    // After an error there may be a picture, with something missing.
+    // An error may leave an incomplete picture.
     if (status != 0 || picture.empty() || ::agerrors() >= AGERR)
         fail();
     if (const std::string warning = takeComplaints(); !warning.empty())

@@ -6,10 +6,10 @@ namespace Tarn {
 
 enum class PictureFormat { Svg, Png };
 
-/// The picture that Graphviz makes of \p dot, a graph in its language: the same on
-/// every run and under every locale. What Graphviz complains of is said through
+/// Returns the picture that Graphviz draws of \p dot, a graph in its language. It is the same
+/// on every run and under every locale. Complaints of Graphviz are passed to
 /// `VActionNotifier::Warning`.
-/// \throw std::runtime_error if there is no picture.
+/// \throw std::runtime_error if the graph cannot be drawn.
 std::string drawGraph(const std::string& dot, PictureFormat format);
 
 } // namespace Tarn

@@ -22,8 +22,8 @@ using Orla::StrongPtr;
 using Orla::VObject;
 using Orla::VSlot;
 
-// More than so many faults of a kind are one mistake; guessing what each may have
-// meant would take longer than everything else.
+// Maximum number of suggestions. More faults of a kind are usually one mistake, and guessing
+// the intended name for each would take longer than everything else.
 constexpr std::size_t MostGuesses = 100;
 
 std::string placeText(const Faults& faults, Place place)
@@ -33,8 +33,8 @@ std::string placeText(const Faults& faults, Place place)
 
 class Builder {
 public:
-    /// Objects of unknown type go to \p unknown in a network that is written again,
-    /// and are faults for null.
+    /// For a network that is written again, \p unknown collects the objects of unknown type.
+    /// If it is null, they are faults.
     Builder(const NetworkFile& file, const std::vector<std::string>& missingLibraries, Faults& faults, Faults* unknown)
         : m_file{file}
         , m_missingLibraries{missingLibraries}
@@ -55,7 +55,7 @@ public:
 
 private:
     struct Made {
-        StrongPtr<VObject> object; // null if it could not be made
+        StrongPtr<VObject> object; // null if it could not be created
         StrongPtr<Orla::VObjectCreator> creator;
         std::map<std::string, NetworkInputs::Input> set; // by name, if the network is written again
     };
@@ -79,7 +79,7 @@ private:
     const std::vector<std::string>& m_missingLibraries;
     Faults& m_faults;
     Faults* m_unknown;
-    std::vector<Made> m_objects; // as in the file
+    std::vector<Made> m_objects; // in file order
     ObjectNames m_names;
     std::size_t m_guesses = 0;
     Network m_network;
@@ -119,7 +119,7 @@ void Builder::make(std::size_t number)
     }
     std::string why = failureOf([&] { made.object = made.creator->create(entry.name.text, 0, nullptr); });
     if (why.empty() && !made.object)
-        why = "its creator made nothing";
+        why = "its creator returned null";
     if (!why.empty())
         m_faults.add(entry.type.place, entry.description + ": an object of type " + inQuotes(entry.type.text)
                                            + " cannot be made: " + why);
@@ -150,12 +150,12 @@ void Builder::setExactly(std::size_t number, const StrongPtr<VSlot>& input, cons
     }
     if (!setting.value.place)
         return;
-    // Somebody may have changed the text by hand and not seen that it does not count.
+    // The user may have edited the text, unaware that only the exact text counts.
     const std::string shown = input->ownParameter()->DefaultValue()->Text();
     if (shown != setting.value.text)
         m_faults.add(setting.value.place, description + ", input " + inQuotes(input->name()) + ": the text "
-                                              + inQuotes(setting.value.text) + " is not what the exact text gives, "
-                                              + inQuotes(shown) + "; leave one of the two out");
+                                              + inQuotes(setting.value.text) + " does not match " + inQuotes(shown)
+                                              + ", which the exact text gives; remove one of the two");
 }
 
 void Builder::setInput(const std::string& override)
@@ -171,10 +171,10 @@ void Builder::setInput(const std::string& override)
     }
     const StrongPtr<VObject>& object = m_objects[number].object;
     if (!object) {
-        // Where that is no fault, the text is none that could be kept.
+        // If the unknown type itself is not a fault, the text is: it cannot be kept.
         if (m_unknown)
             m_faults.add(description + ": object " + inQuotes(m_file.objects[number].name.text)
-                         + " has no inputs, because its type is not known");
+                         + " has no inputs because its type is unknown");
         return;
     }
     const StrongPtr<VSlot> input = findSlotAtStart(object->inputs(), rest, '=');
@@ -189,7 +189,7 @@ void Builder::setInput(const std::string& override)
                                               [](const NetworkFile::Setting& entry) { return entry.input.text; });
     if (connection != connections.end()) {
         m_faults.add(description + ": the input reads " + inQuotes(connection->value.text)
-                     + ", so that a text would have no effect");
+                     + ", so a text would have no effect");
         return;
     }
     setText(number, {}, description, input, std::string(rest.substr(input->name().size() + 1)));
@@ -238,7 +238,7 @@ StrongPtr<VSlot> Builder::findInput(std::size_t number, const PlacedText& name)
 {
     const StrongPtr<VObject>& object = m_objects[number].object;
     if (!object)
-        return nullptr; // told already
+        return nullptr; // already reported
     StrongPtr<VSlot> input = object->findSlot(name.text);
     if (!input)
         m_faults.add(name.place,
@@ -292,7 +292,7 @@ void Builder::addColumns()
     }
 }
 
-// False, and a fault unless there is one already, if there is no such output.
+// Returns false if there is no such output; adds a fault unless there already is one.
 bool Builder::findOutput(Place place, const std::string& description, const std::string& text, Reference& found)
 {
     if (text.find('.') == std::string::npos) {
@@ -308,7 +308,7 @@ bool Builder::findOutput(Place place, const std::string& description, const std:
     }
     const StrongPtr<VObject>& object = m_objects[number].object;
     if (!object)
-        return false; // told already
+        return false; // already reported
     found.output = findSlotAtStart(object->outputs(), rest, '.');
     if (!found.output) {
         const std::string name(rest.substr(0, rest.find('.')));
@@ -328,13 +328,13 @@ bool Builder::findOutput(Place place, const std::string& description, const std:
     return true;
 }
 
-// The end of a message about a reference whose object is unknown.
+// Returns the end of a message about a reference whose object is unknown.
 std::string Builder::nearestObject(std::string_view text)
 {
     if (++m_guesses > MostGuesses)
         return {};
     const std::vector<std::string> names = m_names.names();
-    // Any of the dots may be the one behind the name.
+    // Any of the dots may be the one after the name.
     std::size_t end = text.find('.');
     for (int tries = 0; tries < 4; ++tries) {
         if (const std::string near = nearest(text.substr(0, end), names); !near.empty())
@@ -348,8 +348,8 @@ std::string Builder::nearestObject(std::string_view text)
 
 void Builder::finish()
 {
-    // Those that look for partners come last, so that a provider is found also
-    // if the file names it behind its users.
+    // Objects that look for partners are finished last, so they find providers that come
+    // after them in the file.
     for (const bool seeking : {false, true}) {
         for (std::size_t number = 0; number < m_objects.size(); ++number) {
             Made& made = m_objects[number];
@@ -359,7 +359,7 @@ void Builder::finish()
             if (!why.empty())
                 m_faults.add(m_file.objects[number].place,
                              m_file.objects[number].description + " cannot be set up: " + why);
-            // From here on the registry decides how long it lives.
+            // From now on the registry owns the object.
             made = {};
         }
     }

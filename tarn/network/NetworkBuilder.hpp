@@ -12,13 +12,13 @@
 
 namespace Tarn {
 
-/// What a saved network became.
+/// A network built from its file.
 struct Network {
-    /// A value that goes into the table of results.
+    /// A column of the table of results.
     struct Column {
         std::string title;
         Orla::StrongPtr<Orla::VSlot> output;
-        std::string member; ///< a component of the value, or empty for all of it
+        std::string member; ///< a component of the value, or empty for the whole value
     };
 
     std::size_t objectCount = 0;
@@ -27,41 +27,41 @@ struct Network {
     std::vector<Column> columns;
 };
 
-/// Makes the objects of \p file in its order, sets their inputs, then those that
-/// \p overrides name (`OBJECT.SLOT=TEXT`), makes the connections and finishes the
-/// objects. \p missingLibraries are named where a type is unknown.
+/// Creates the objects of \p file in file order, sets their inputs, applies \p overrides
+/// (`OBJECT.SLOT=TEXT`), connects the objects and finishes them. Faults about unknown types
+/// list \p missingLibraries.
 ///
-/// If there are any \p faults, also from before, no object is finished and all
-/// are gone on return. What set-up functions throw is a fault too, found last;
+/// If there are any \p faults, including earlier ones, no object is finished and all are
+/// destroyed on return. An exception from a set-up function is a fault too, found last;
 /// finished objects then stay in the registry. In both cases the network is empty.
 Network buildNetwork(const NetworkFile& file, const std::vector<std::string>& overrides,
                      const std::vector<std::string>& missingLibraries, Faults& faults);
 
-/// What the inputs of a network hold, for those who write it again.
+/// The values of a network's inputs, for writing the network again.
 struct NetworkInputs {
     /// An input that is set by texts.
     struct Input {
         std::string name;
         const std::type_info* type;
-        Place place;                             ///< of the last text; nowhere for one of the command line
-        std::string description;                 ///< how messages call it
-        Orla::StrongPtr<Orla::VValueBase> given; ///< what the object gives it
-        Orla::StrongPtr<Orla::VValueBase> value; ///< what it holds
-        std::vector<std::string> texts;          ///< read one after the other into \p given, they make \p value
+        Place place;                             ///< of the last text; empty for one from the command line
+        std::string description;                 ///< its name in messages
+        Orla::StrongPtr<Orla::VValueBase> given; ///< the value that the object gives it
+        Orla::StrongPtr<Orla::VValueBase> value; ///< its current value
+        std::vector<std::string> texts;          ///< read in order into \p given, they produce \p value
     };
 
     struct Object {
-        bool isKnown = false;           ///< false: no library has its type
-        std::vector<std::string> names; ///< of its inputs, in their order
+        bool isKnown = false;           ///< false if no library has its type
+        std::vector<std::string> names; ///< of its inputs, in order
         std::vector<Input> set;         ///< in the same order
     };
 
-    std::vector<Object> objects; ///< as in the file
+    std::vector<Object> objects; ///< in file order
     std::size_t connectionCount = 0;
 };
 
-/// Makes, sets and connects the objects as `buildNetwork` does, and lets them go
-/// unfinished. An object of unknown type is no fault but goes to \p unknown.
+/// Creates, sets and connects the objects as `buildNetwork` does, then destroys them
+/// unfinished. Objects of unknown type are added to \p unknown instead of \p faults.
 NetworkInputs readInputs(const NetworkFile& file, const std::vector<std::string>& overrides,
                          const std::vector<std::string>& missingLibraries, Faults& faults, Faults& unknown);
 

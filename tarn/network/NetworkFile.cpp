@@ -27,7 +27,7 @@ namespace Tarn {
 
 namespace {
 
-// No network is that large; what is has no end, as some devices.
+// No network is this large; a larger input is probably endless, such as a device.
 constexpr std::size_t LargestFile = std::size_t{256} << 20;
 
 const char* kindOf(const toml::node& node)
@@ -56,7 +56,7 @@ const char* kindOf(const toml::node& node)
     }
 }
 
-// The text form of what an input may be set to.
+// Returns the text form of a value that an input may be set to.
 std::optional<std::string> textOf(const toml::node& node)
 {
     if (const auto text = node.value_exact<std::string>())
@@ -91,7 +91,8 @@ private:
     std::vector<NetworkFile::Setting> readConnections(const std::string& owner, const toml::node& node);
     NetworkFile::Column readColumn(const toml::table& table);
 
-    /// A text that must be there. Nowhere, and a fault, if it is not.
+    /// Reads a mandatory text. If it is missing or has another type, adds a fault and returns
+    /// an empty text without a place.
     PlacedText readText(const std::string& owner, const toml::table& table, const char* key);
 
     template<class Function>
@@ -108,7 +109,7 @@ private:
 
 NetworkFile Parser::parse(const toml::table& root)
 {
-    // What a later format means by its keys is not known here.
+    // The keys of a later format may have other meanings.
     if (!formatIsKnown(root))
         return {};
     const Keys known{"format", "libraries", "chart", "object", "column"};
@@ -147,8 +148,8 @@ bool Parser::formatIsKnown(const toml::table& root)
         return true;
     m_faults.add(placeOf(*node),
                  "format " + std::to_string(*format)
-                     + (*format > NetworkFile::Format ? ": saved by a newer version" : ": there is none of that number")
-                     + "; this one reads format " + current);
+                     + (*format > NetworkFile::Format ? ": saved by a newer version" : ": no such format")
+                     + "; this version reads format " + current);
     return false;
 }
 
@@ -228,7 +229,7 @@ void Parser::keep(NetworkFile::Object& object, const toml::table& table)
             object.kept += tomlKey(key.text) + " = " + tomlValue(*node) + '\n';
             continue;
         }
-        // A line for each, as for objects whose type is known.
+        // One line per input, as for objects of known type.
         for (const auto& [innerKey, value] : entriesOf(*inner)) {
             object.kept += tomlKey(key.text) + '.' + tomlKey(innerKey.text) + " = " + tomlValue(*value) + '\n';
             if (const auto text = value->value_exact<std::string>(); text && key.text == "set")
@@ -260,7 +261,7 @@ std::vector<NetworkFile::InputText> Parser::readTexts(const std::string& owner, 
     return texts;
 }
 
-// As { text = "...", exact = "..." }, or a list of texts in place of one.
+// Reads { text = "...", exact = "..." }, where `exact` may also be an array of texts.
 bool Parser::readExact(const std::string& owner, const toml::table& table, NetworkFile::InputText& setting)
 {
     const std::size_t faultsBefore = m_faults.size();
@@ -372,9 +373,9 @@ NetworkFile parseNetwork(std::string_view text, Faults& faults)
 NetworkFile parseNetwork(std::string_view text, Faults& faults,
                          const std::function<bool(const std::string& type)>& isKnown)
 {
-    // The TOML reader refuses it too, but does not know the place as exactly.
+    // The TOML reader rejects it too, but reports the place less precisely.
     if (const std::size_t invalid = findInvalidUtf8(text); invalid != std::string_view::npos) {
-        faults.add(placeAt(text, invalid), "the text is no UTF-8 from here on");
+        faults.add(placeAt(text, invalid), "invalid UTF-8 from here on");
         return {};
     }
     if (const Place deep = findDeepKey(text)) {

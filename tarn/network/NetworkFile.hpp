@@ -10,10 +10,10 @@
 
 namespace Tarn {
 
-/// What a saved network says, before anybody looks whether such libraries, types
-/// and slots exist. Everything is in the order of the file.
+/// The content of a saved network, in file order. Whether its libraries, types and slots
+/// exist has not been checked.
 struct NetworkFile {
-    /// The version of the format that is read here.
+    /// The supported version of the format.
     static constexpr std::int64_t Format = 1;
 
     /// An input and the output that it reads.
@@ -25,57 +25,57 @@ struct NetworkFile {
     /// An input and its text.
     struct InputText {
         PlacedText input;
-        PlacedText value; ///< nowhere if there are only exact texts
+        PlacedText value; ///< without a place if there are only exact texts
 
-        /// Read one after the other in place of the value, which then only shows what
-        /// comes of it; for values that their text form does not restore.
+        /// Read in order instead of the value, which then only shows the result; for values
+        /// that their text form does not restore.
         std::vector<PlacedText> exact = {};
 
-        bool isNumber = false; ///< stands in the file without quotes
+        bool isNumber = false; ///< written without quotes
     };
 
     struct Object {
         Place place;
-        PlacedText name; ///< nowhere if it is missing
-        PlacedText type; ///< nowhere if it is missing
+        PlacedText name; ///< without a place if missing
+        PlacedText type; ///< without a place if missing
         std::vector<InputText> texts;
         std::vector<Setting> connections;
 
-        /// Of an object whose type is not known: everything but name and type, as it
-        /// is written again. Its texts are then listed where they are such, its
-        /// connections are not.
+        /// For an object of unknown type: everything but name and type, in the form in which
+        /// it is written again. `texts` then holds only settings that are strings, and
+        /// `connections` is empty.
         std::string kept;
 
-        /// How messages call it: by its name or, without one, by its number.
+        /// Identifies the object in messages, by its name or, without one, by its number.
         std::string description;
     };
 
     /// A column of the table of results.
     struct Column {
         PlacedText title;
-        PlacedText value; ///< nowhere if it is missing
+        PlacedText value; ///< without a place if missing
     };
 
     std::vector<PlacedText> libraries;
-    PlacedText chart; ///< that the whole network follows; nowhere if none is named
+    PlacedText chart; ///< the chart for the whole network; without a place if none is named
     std::vector<Object> objects;
     std::vector<Column> columns;
 };
 
-/// Reads the TOML text \p text. What cannot be understood is added to \p faults
-/// and left out; TOML that is no TOML gives one fault and an empty network.
+/// Parses the TOML text \p text. Anything that cannot be understood is left out and added to
+/// \p faults; invalid TOML gives one fault and an empty network.
 NetworkFile parseNetwork(std::string_view text, Faults& faults);
 
-/// The same for a network that is written again: what objects say whose types
-/// \p isKnown refuses is kept, and no fault, whatever it is.
+/// The same for a network that is written again. If \p isKnown returns false for the type of
+/// an object, its content is kept unchecked; it is a fault only if nested too deeply.
 NetworkFile parseNetwork(std::string_view text, Faults& faults,
                          const std::function<bool(const std::string& type)>& isKnown);
 
-/// The content of the file \p path.
+/// Returns the content of the file \p path.
 /// \throw Loam::FileError
 std::string readFile(const std::string& path);
 
-/// The folder in which the file \p path stands, from the root on.
+/// Returns the absolute path of the folder that contains the file \p path.
 /// \throw Loam::FileError
 std::string folderOf(const std::string& path);
 

@@ -30,11 +30,11 @@ using Orla::VSlotContainer;
 constexpr char Uncoloured[] = "black";
 constexpr char Font[] = "sans-serif";
 
-// The layout of larger tangles would take minutes to become a little better.
+// Polishing the layout of larger graphs takes minutes for little improvement.
 constexpr std::size_t MostPolished = 100;
 constexpr char FewerRounds[] = ", nslimit=1, nslimit1=1, mclimit=0.1";
 
-// Names under which object types are registered; none for a class that has several.
+// Returns the registered names of object types; empty for a class that has several.
 std::map<std::type_index, std::string> registeredNames()
 {
     std::map<std::type_index, std::string> names;
@@ -62,7 +62,7 @@ public:
             if (const StrongPtr<Orla::VObject> object{managed})
                 numberOf(object);
         }
-        // Containers that were not announced join on the way.
+        // Unannounced containers are appended on the way.
         for (std::size_t number = 0; number < m_containers.size(); ++number) {
             const StrongPtr<VSlotContainer> container = m_containers[number];
             for (std::size_t slot = 0; slot < container->inputs().size(); ++slot)
@@ -95,7 +95,7 @@ private:
         const StrongPtr<Orla::VParameter>& parameter = slot.parameter();
         const StrongPtr<VSlotContainer> source = parameter->owner();
         if (!source)
-            return; // has gone, and left its last value
+            return; // destroyed; only its last value remains
         const auto isIt = [&](const StrongPtr<VSlot>& each) { return each->parameter() == parameter; };
         NetworkGraph::Connection connection{.output = {numberOf(source), 0},
                                             .passesInputOn = false,
@@ -111,7 +111,7 @@ private:
             slots = &source->inputs();
             found = std::find_if(slots->begin(), slots->end(), isIt);
             if (found == slots->end())
-                return; // is offered no more
+                return; // no longer offered
         }
         connection.output.slot = static_cast<std::size_t>(found - slots->begin());
         m_graph.connections.push_back(std::move(connection));
@@ -130,21 +130,21 @@ bool isPlainLetter(char letter) noexcept
            || (letter >= 'A' && letter <= 'Z');
 }
 
-// How many letters behind an ampersand make it look like an entity; 0 for none.
+// Returns how many letters after an ampersand make it look like an entity, or 0.
 std::size_t entityLength(std::string_view rest) noexcept
 {
     const auto end = static_cast<std::size_t>(std::ranges::find_if_not(rest, isPlainLetter) - rest.begin());
     return end > 0 && end < rest.size() && rest[end] == ';' ? end + 1 : 0;
 }
 
-// A piece of text that is not joined with the one before.
+// Returns a piece of text that is not joined with the preceding one.
 std::string apart(std::string_view piece)
 {
     return "<FONT FACE=\"" + std::string(Font) + "\">" + std::string(piece) + "</FONT>";
 }
 
-// The text inside of a label in Graphviz's HTML-like language, where it is drawn as
-// it is: line breaks break lines, and other control characters show as pictures.
+// Returns the text for a label in Graphviz's HTML-like language. It is drawn literally: line
+// breaks break lines, and other control characters appear as control pictures.
 std::string inLabel(const std::string& raw)
 {
     const std::string text = validUtf8(raw);
@@ -153,15 +153,15 @@ std::string inLabel(const std::string& raw)
         const auto code = static_cast<unsigned char>(text[i]);
         if (text[i] == '&') {
             label += "&amp;";
-            // What looks like an entity after this one was read would be read as one
-            // again on the way to the picture, unless it comes in two pieces.
+            // Text that looks like an entity once this one is decoded would be decoded again
+            // on the way to the picture, unless it is split into two pieces.
             if (const std::size_t length = entityLength(std::string_view(text).substr(i + 1))) {
                 label += apart(std::string_view(text).substr(i + 1, length));
                 i += length;
             }
         } else if (text[i] == '\\') {
             label += '\\';
-            // "\N" in one piece would become the name of the node, and so on.
+            // Escapes in one piece would be replaced, such as "\N" by the name of the node.
             if (i + 1 < text.size() && (isPlainLetter(text[i + 1]) || text[i + 1] == '\\')) {
                 label += apart(std::string_view(text).substr(i + 1, 1));
                 ++i;
@@ -175,7 +175,7 @@ std::string inLabel(const std::string& raw)
         } else if (text[i] == '\n') {
             label += "<BR/>";
         } else if (code < 0x20) {
-            label += {'\xE2', '\x90', static_cast<char>(0x80 + code)}; // U+2400 and on
+            label += {'\xE2', '\x90', static_cast<char>(0x80 + code)}; // U+2400 and following
         } else if (code == 0x7F) {
             label += "\u2421";
         } else {
@@ -190,7 +190,7 @@ bool isHexDigit(char letter) noexcept
     return (letter >= '0' && letter <= '9') || (letter >= 'a' && letter <= 'f') || (letter >= 'A' && letter <= 'F');
 }
 
-// A colour that Graphviz may understand; whether it knows a name it says itself.
+// Returns a colour that Graphviz may understand; Graphviz itself reports unknown names.
 std::string drawnColour(const std::string& colour)
 {
     const std::string_view digits = std::string_view(colour).substr(colour.starts_with('#') ? 1 : 0);
@@ -247,7 +247,7 @@ std::string legendOf(const NetworkGraph& graph)
         rows +=
             "<TR><TD BGCOLOR=\"" + colour + "\" WIDTH=\"24\"></TD><TD ALIGN=\"LEFT\">" + inLabel(type) + "</TD></TR>";
     if (hasImplicit)
-        rows += "<TR><TD COLSPAN=\"2\" ALIGN=\"LEFT\">dashed: found by itself</TD></TR>";
+        rows += "<TR><TD COLSPAN=\"2\" ALIGN=\"LEFT\">dashed: connected automatically</TD></TR>";
     return "<TABLE BORDER=\"0\" CELLBORDER=\"0\" CELLSPACING=\"4\">" + rows + "</TABLE>";
 }
 

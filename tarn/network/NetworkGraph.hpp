@@ -8,7 +8,7 @@ namespace Tarn {
 
 struct Network;
 
-/// Who reads whom in the network of the process, as a drawing shows it.
+/// The objects of the current network and their connections, for a drawing.
 struct NetworkGraph {
     struct Object {
         std::string name;
@@ -25,26 +25,25 @@ struct NetworkGraph {
 
     struct Connection {
         End output;
-        bool passesInputOn = false; ///< `output` is an input that another object owns
+        bool passesInputOn = false; ///< `output` refers to an input of its object
         End input;
-        std::string member;      ///< the component of the value that is read; empty for all of it
-        std::string type;        ///< of what travels
+        std::string member;      ///< the component of the value that is read; empty for the whole value
+        std::string type;        ///< of the value that is read
         std::string colour;      ///< of that type; empty if it has none
-        bool isImplicit = false; ///< not in the network's file: the objects found each other
+        bool isImplicit = false; ///< not in the network's file; connected automatically
     };
 
-    std::vector<Object> objects; ///< in the order in which they were announced
+    std::vector<Object> objects; ///< in the order of announcement
     std::vector<Connection> connections;
 
-    /// The graph of all announced objects, of which \p network has the connections
-    /// that its file names. What an object reads from one that was not announced is
-    /// in it with that object.
+    /// Returns the graph of all announced objects. \p network lists the connections named in
+    /// its file. An unannounced object is included if another object reads from it.
     static NetworkGraph of(const Network& network);
 };
 
-/// The graph in the language of Graphviz: objects as boxes with their inputs and
-/// outputs, implicit connections dashed, and a legend of the types. UTF-8 whatever
-/// names hold; the same graph gives the same text.
+/// Returns the graph in the language of Graphviz: objects as boxes with their inputs and
+/// outputs, implicit connections dashed, and a legend of the types. The text is valid UTF-8
+/// even if names are not; the same graph gives the same text.
 std::string dotText(const NetworkGraph& graph);
 
 } // namespace Tarn

@@ -6,8 +6,8 @@
 
 namespace Tarn {
 
-/// The network \p file as TOML, everything in one order and one spelling. Reading
-/// it gives \p file again, places apart.
+/// Returns the network \p file as TOML in canonical order and spelling. Reading it restores
+/// \p file except for places.
 /// \pre All texts are UTF-8.
 std::string networkText(const NetworkFile& file);
 

@@ -31,7 +31,7 @@ RelativePathRewriter::RelativePathRewriter(const std::string& from, const std::s
 
 bool RelativePathRewriter::concerns(const std::string& text) const
 {
-    // The system would read a name only up to the first zero.
+    // The system reads a name only up to the first null character.
     if (!isNeeded() || text.empty() || text.find('\0') != std::string::npos || fs::path(text).is_absolute())
         return false;
     const fs::path file = fs::path(m_from) / text;
@@ -47,7 +47,7 @@ std::optional<std::string> RelativePathRewriter::moved(const std::string& text) 
     std::error_code error;
     if (fs::is_directory(file, error))
         return std::nullopt;
-    // Behind a link, ".." leads elsewhere than the look of the name says.
+    // After a symbolic link, ".." does not lead where the name suggests.
     const fs::path shortName = file.lexically_normal().lexically_relative(m_to);
     return areSame(file, fs::path(m_to) / shortName) ? shortName.string()
                                                      : (fs::path(m_from).lexically_relative(m_to) / text).string();

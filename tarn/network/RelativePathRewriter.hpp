@@ -5,26 +5,26 @@
 
 namespace Tarn {
 
-/// Names of files, which count from the folder of the network that holds them, for
-/// a network that is written to another folder.
+/// Rewrites file names, which are relative to the folder of their network, for a network
+/// that is written to another folder.
 class RelativePathRewriter {
 public:
-    /// No other folder: nothing changes.
+    /// Rewrites nothing: the folder stays the same.
     RelativePathRewriter() = default;
 
-    /// \p from and \p to are folders. Nothing changes if they are the same one, or
-    /// if one of them cannot be found.
+    /// \p from and \p to are folders. Rewrites nothing if they are the same or if one of them
+    /// cannot be found.
     RelativePathRewriter(const std::string& from, const std::string& to);
 
-    /// Whether the folders differ.
+    /// Returns true if the folders differ.
     bool isNeeded() const noexcept { return !m_from.empty(); }
 
-    /// Whether \p text is the name of a file or folder that is found from the old
-    /// folder, and from the new one is not, or is another one.
+    /// Returns true if \p text names a file or folder when resolved in the old folder, but not
+    /// the same one when resolved in the new folder.
     bool concerns(const std::string& text) const;
 
-    /// The name that \p text needs in the new folder. Nothing if it does not concern
-    /// \p text, and for a folder: short texts that name one are rarely meant so.
+    /// Returns the name that \p text needs in the new folder. Returns nothing if `concerns` is
+    /// false, and for a folder: short texts that match a folder are rarely meant as its name.
     std::optional<std::string> moved(const std::string& text) const;
 
 private:

@@ -11,8 +11,8 @@ namespace {
 
 using Value = Orla::StrongPtr<Orla::VValueBase>;
 
-// What the texts make of a copy of `given`, each starting from a copy of what the
-// one before left, as in an input; null if one is refused.
+// Reads the texts in order, the first into a copy of `given` and each later one into a copy
+// of the previous result, as in an input. Returns null if a text is refused.
 Value readInto(const Value& given, const std::vector<std::string>& texts)
 {
     Value value = given->copy();
@@ -31,8 +31,8 @@ std::optional<RestorableText> restorableText(const Value& given, const Value& va
 {
     RestorableText form;
     const std::string written = value->Text();
-    // The text tells what a comparison does not look at, such as the sign of zero,
-    // and the comparison what the text leaves out.
+    // The text shows differences that a comparison ignores, such as the sign of zero; the
+    // comparison finds those that the text omits.
     const auto restores = [&](const std::vector<std::string>& candidate, bool isCompared) {
         const Value read = readInto(given, candidate);
         return read && read->Text() == written && (!isCompared || !read->isDifferentFrom(value));
@@ -46,8 +46,8 @@ std::optional<RestorableText> restorableText(const Value& given, const Value& va
         --first;
         if (!isUtf8(*first))
             break;
-        // One that holds NaN may differ from its own copy, so that comparing tells
-        // nothing; what was read before is then read again.
+        // A value with NaN may differ from its own copy, which makes comparing useless. All
+        // texts are then read again.
         const bool isCompared = first != texts.begin() || !value->isDifferentFrom(value->copy());
         form.exact.assign(first, texts.end());
         if (!restores(form.exact, isCompared))

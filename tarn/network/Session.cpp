@@ -18,7 +18,7 @@ namespace Tarn {
 
 namespace {
 
-// Where the input of the object is set, else where the object stands.
+// Returns the place where the object's input is set, else the place of the object.
 Place placeOfSetting(const NetworkFile& file, const std::string& object, const std::string& input)
 {
     const auto entry = std::ranges::find(file.objects, object, [](const auto& each) { return each.name.text; });
@@ -71,7 +71,7 @@ Session::~Session()
     if (survivor.empty())
         m_libraries.unload();
     else
-        Orla::VActionNotifier::Warning("The libraries stay in memory, because somebody still holds " + survivor);
+        Orla::VActionNotifier::Warning("The libraries stay in memory because " + survivor + " is still in use");
 }
 
 void Session::loadLibraries(const NetworkFile& file, std::vector<std::string>& missing)
@@ -111,7 +111,7 @@ void Session::countSteps(const NetworkFile& file, std::optional<std::uint64_t> l
                          + ": the time " + Orla::VValueTrait<Orla::VTime>::Text(time) + " has "
                          + Loam::numberText(count) + " steps, " + expected);
     };
-    // Written so that NaN, which compares false with everything, is refused too.
+    // Negated to refuse NaN too, which compares false with everything.
     if (!(count >= 1 && count <= MostCountedSteps)) {
         report("expected 1 or more, " + Loam::numberText(MostCountedSteps) + " at most");
         return;

@@ -17,44 +17,44 @@
 
 namespace Tarn {
 
-/// Steps that a network may have to be run from begin to end. Larger numbers are
-/// mistakes in its time more often than patience.
+/// Maximum number of steps of a network that is run from beginning to end. Larger numbers are
+/// usually mistakes in its time.
 inline constexpr double MostSteps = 1e9;
 
-/// Steps whose numbers are exact in all that is computed with them.
+/// Maximum number of steps whose numbers stay exact in all computations.
 inline constexpr double MostCountedSteps = 1e15;
 
-/// A saved network from its file to the end of its last object.
+/// A saved network, from reading its file to destroying its last object.
 ///
-/// The folder of the file becomes the working directory: relative names in the
-/// texts of inputs start there. There may be one session at a time.
+/// The folder of the file becomes the working directory: relative names in the texts of
+/// inputs are resolved there. Only one session may exist at a time.
 class Session {
 public:
-    /// Reads the file \p path, loads its libraries and makes its objects;
-    /// \p overrides as in `buildNetwork`. There will be \p stepLimit steps at most,
-    /// and \p chart is wanted instead of the one that the file names.
+    /// Reads the file \p path, loads its libraries and creates its objects; \p overrides as in
+    /// `buildNetwork`. \p stepLimit limits the number of steps. \p chart replaces the chart
+    /// named in the file.
     /// \throw Loam::FileError if the file cannot be read.
     Session(const std::string& path, const std::vector<std::string>& overrides, std::optional<std::uint64_t> stepLimit,
             const std::optional<std::string>& chart = {});
 
-    /// Lets the network go, then its libraries. If something of theirs is still
-    /// in use they stay in memory, and a warning says so.
+    /// Destroys the network, then unloads its libraries. If something from them is still in
+    /// use, they stay in memory and a warning is issued.
     ~Session();
 
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Nothing may be evaluated if there are any.
+    /// If there are any faults, nothing may be evaluated.
     const Faults& faults() const noexcept { return m_faults; }
 
     const Network& network() const noexcept { return m_network; }
     const Orla::StrongPtr<Orla::ValuePool>& pool() const noexcept { return m_pool; }
     const TimeProvider& timeProvider() const noexcept { return m_timeProvider; }
 
-    /// The chart that all objects are to follow; empty if that is left to them.
+    /// The chart that all objects must follow; empty if the choice is theirs.
     const PlacedText& wantedChart() const noexcept { return m_chart; }
 
-    /// Steps to run; one for a network without time.
+    /// Number of steps to run; 1 for a network without time.
     std::uint64_t stepCount() const noexcept { return m_stepCount; }
 
 private:

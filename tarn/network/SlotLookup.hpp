@@ -9,34 +9,34 @@
 #include <string_view>
 #include <vector>
 
-// Finding objects and slots by the names that people write with a dot between.
-// Names may hold dots themselves: of several that fit, the longest one is meant.
+// Finds objects and slots by names separated by dots. Names may contain dots themselves; the
+// longest match wins.
 
 namespace Tarn {
 
-/// The slot of \p slots that \p text begins with, up to the end of the text or
-/// a \p separator; null if there is none.
+/// Returns the slot of \p slots whose name \p text begins with, followed by the end of the
+/// text or by \p separator; null if there is none.
 Orla::StrongPtr<Orla::VSlot> findSlotAtStart(const Orla::VSlotSet& slots, std::string_view text, char separator);
 
 std::vector<std::string> namesOf(const Orla::VSlotSet& slots);
 
-/// Numbers of objects by their names.
+/// Maps the names of objects to their numbers.
 class ObjectNames {
 public:
     static constexpr std::size_t npos = ~std::size_t{0};
 
-    /// False if the name is taken.
+    /// Returns false if the name is taken.
     bool add(const std::string& name, std::size_t number);
 
-    /// `npos` if there is none.
+    /// Returns the number of the object \p name, or `npos`.
     std::size_t find(std::string_view name) const;
 
-    /// The number of the object with the longest name that \p text begins with
-    /// and that a dot follows; \p rest becomes what stands behind the dot. `npos`
-    /// if there is none.
+    /// Returns the number of the object with the longest name that \p text begins with,
+    /// followed by a dot, and sets \p rest to the text after the dot. Returns `npos` if no
+    /// name matches.
     std::size_t findAtStart(std::string_view text, std::string_view& rest) const;
 
-    /// In alphabetic order.
+    /// Returns all names in alphabetical order.
     std::vector<std::string> names() const;
 
 private:

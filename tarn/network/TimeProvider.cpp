@@ -28,7 +28,7 @@ TimeProvider TimeProvider::find()
 {
     const Orla::VCreationPreferences wanted{"default", "GlobalTime"};
     double weight = std::numeric_limits<double>::infinity();
-    std::size_t equals = 0;
+    std::size_t bestCount = 0;
     TimeProvider provider;
     Orla::VManagedObject::forEachObject<Orla::VObject>([&](const StrongPtr<Orla::VObject>& object) {
         const auto& preferences = object->creationPreferences();
@@ -36,16 +36,16 @@ TimeProvider TimeProvider::find()
             return;
         const StrongPtr<Orla::VSlot> input = freeTimeInput(*object);
         const double candidate = preferences->weight(wanted);
-        // Written so that NaN, which has no place in an order, is skipped.
+        // Negated to skip NaN, which has no order.
         if (!input || !(candidate <= weight))
             return;
-        equals = candidate < weight ? 1 : equals + 1;
+        bestCount = candidate < weight ? 1 : bestCount + 1;
         weight = candidate;
         provider.m_name = object->Name();
         provider.m_input = input;
     });
-    if (equals > 1)
-        Orla::VActionNotifier::Warning(counted(equals, "object") + " provide the global time; "
+    if (bestCount > 1)
+        Orla::VActionNotifier::Warning(counted(bestCount, "object") + " provide the global time; "
                                        + inQuotes(provider.m_name) + " is stepped");
     return provider;
 }

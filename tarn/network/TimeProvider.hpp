@@ -9,15 +9,13 @@
 
 namespace Tarn {
 
-/// The object that gives all others their time, and which the program steps: it
-/// has the preference "GlobalTime" and a `VTime` input that nothing is connected
-/// to.
+/// The object that provides the time to all others and whose time the program steps. It has
+/// the preference "GlobalTime" and an unconnected `VTime` input.
 class TimeProvider {
 public:
-    /// The announced object that suits best. Of several that suit equally well it
-    /// is the one announced last, as objects that look for their time choose it;
-    /// that there are several is said through `VActionNotifier::Warning`. A
-    /// network may have none.
+    /// Returns the best match among the announced objects; a network may have none. Of several
+    /// equally good matches it returns the one announced last, which time-dependent objects
+    /// choose too, and issues a warning through `VActionNotifier::Warning`.
     static TimeProvider find();
 
     explicit operator bool() const noexcept { return bool(m_input); }
@@ -25,18 +23,18 @@ public:
     const std::string& name() const noexcept { return m_name; }
     const std::string& inputName() const { return m_input->name(); }
 
-    /// False once the object is gone.
+    /// Returns false once the object is destroyed.
     bool exists() const noexcept { return m_input && m_input->container(); }
 
-    /// The time in \p pool with the interval and the step of all times.
+    /// Returns the time in \p pool, with its interval and step.
     Orla::VTime time(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
-    /// Writes the time of step \p step into \p pool and announces it; everything
-    /// but the time itself stays as in \p like.
+    /// Writes the time of step \p step into \p pool and announces it. Everything but the time
+    /// itself is copied from \p like.
     void setStep(const Orla::StrongPtr<Orla::ValuePool>& pool, const Orla::VTime& like, std::uint64_t step) const;
 
-    /// Number of steps from the begin of the interval to its end; may be negative,
-    /// infinite or NaN, as the interval and the step may.
+    /// Returns the number of steps from the beginning to the end of the interval. It may be
+    /// negative, infinite or NaN, depending on the interval and the step.
     static double stepCount(const Orla::VTime& time) noexcept;
 
 private:

@@ -32,7 +32,7 @@ std::vector<std::string> titlesOf(const Network& network)
     return titles;
 }
 
-// Empty, and counted as a failure, where the value has no text.
+// Returns an empty text and counts a failure if the value has no text.
 std::string textOf(const Network::Column& column, const StrongPtr<Orla::ValuePool>& pool, EvaluationSummary& summary)
 {
     std::string why = "it has no value";
@@ -96,7 +96,7 @@ public:
     }
 
 private:
-    // False if the evaluation ends here.
+    // Returns false if the evaluation ends here.
     bool performStep(std::uint64_t step)
     {
         if (!runDue() || (step == 0 && !hasChart()))
@@ -120,7 +120,7 @@ private:
     bool runDue()
     {
         Orla::VRequest request{m_pool, {}, m_cancellation};
-        // A trace shows how long each object takes, so they run one after the other.
+        // A trace shows how long each object takes, so objects run one at a time.
         const Orla::VScheduler::Summary done =
             m_task.tracer ? Orla::VScheduler::run(request) : Orla::VScheduler::run(request, m_executor);
         m_summary.failures += done.failures;

@@ -13,15 +13,15 @@ class Session;
 class TableWriter;
 class Tracer;
 
-/// How an evaluation went.
+/// The outcome of an evaluation.
 struct EvaluationSummary {
-    std::uint64_t steps = 0;        ///< those that were evaluated to the end
-    std::uint64_t failures = 0;     ///< updates that failed, and columns without a text
+    std::uint64_t steps = 0;        ///< steps that were evaluated completely
+    std::uint64_t failures = 0;     ///< failed updates, and outputs without a text
     std::uint64_t stopped = 0;      ///< loops that did not settle
-    std::uint64_t firstTrouble = 0; ///< the first step with either of them
-    bool cancelled = false;         ///< what was done last is not in the table
-    bool timeIsLost = false;        ///< the time provider went before the last step
-    bool chartIsMissing = false;    ///< nobody offers the chart that is wanted
+    std::uint64_t firstTrouble = 0; ///< the first step with a failure or a stopped loop
+    bool cancelled = false;         ///< the step in progress is not in the table
+    bool timeIsLost = false;        ///< the time provider was removed before the last step
+    bool chartIsMissing = false;    ///< no object offers the wanted chart
 
     bool isFine() const noexcept
     {
@@ -29,18 +29,17 @@ struct EvaluationSummary {
     }
 };
 
-/// What an evaluation is to do beside running what is due.
+/// What an evaluation does besides running due objects.
 struct EvaluationTask {
-    TableWriter* table = nullptr;      ///< gets a row with the session's columns for each step
-    std::vector<ScriptedEvent> events; ///< by step
-    Tracer* tracer = nullptr;          ///< learns which step it is
-    bool showsProgress = false;        ///< where standard error is a terminal
+    TableWriter* table = nullptr;      ///< receives one row with the session's columns per step
+    std::vector<ScriptedEvent> events; ///< sorted by step
+    Tracer* tracer = nullptr;          ///< is notified of each step
+    bool showsProgress = false;        ///< only if standard error is a terminal
 };
 
-/// Steps the time of \p session from begin to end. Each step runs what is due, plays
-/// its events one by one, and emits the actions that tell of it; the table gets what
-/// came out. If the chart that the session wants is not there after the first step,
-/// that is all.
+/// Steps the time of \p session from beginning to end. Each step runs due objects, plays its
+/// events one by one, emits the actions that report the step, and writes a row of the table.
+/// If no object offers the wanted chart in the first step, the evaluation ends there.
 /// \pre The session has no faults.
 /// \throw Loam::FileError if the table cannot be written.
 EvaluationSummary evaluate(const Session& session, const EvaluationTask& task, const Orla::VCancellation& cancellation);

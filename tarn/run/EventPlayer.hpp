@@ -8,17 +8,16 @@
 
 namespace Tarn {
 
-/// Writes events into the interaction source of the network, where every
-/// interactive object reads them.
+/// Writes events to the interaction source of the network, from which all interactive objects
+/// read them.
 class EventPlayer {
 public:
-    /// For the announced object that provides events to everybody; there may be none.
+    /// Finds the announced object that provides events to all others; there may be none.
     static EventPlayer find();
 
     explicit operator bool() const noexcept { return bool(m_output); }
 
-    /// Writes \p event into \p pool and announces it. The grabber stays the one that
-    /// the pool's event has.
+    /// Writes \p event into \p pool and announces it. Keeps the grabber of the pool's event.
     void play(const ScriptedEvent& event, const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
 private:

@@ -91,7 +91,7 @@ public:
             return;
         if (!events.empty() && event.step < events.back().step) {
             m_faults.add(event.place, "step " + std::to_string(event.step) + " comes after step "
-                                          + std::to_string(events.back().step) + ", expected no smaller one");
+                                          + std::to_string(events.back().step) + "; steps must not decrease");
             return;
         }
         const Word kind = next();
@@ -207,7 +207,7 @@ std::vector<ScriptedEvent> parseEvents(std::string_view text, Faults& faults)
 {
     std::vector<ScriptedEvent> events;
     if (const std::size_t invalid = findInvalidUtf8(text); invalid != std::string_view::npos) {
-        faults.add(placeAt(text, invalid), "the text is no UTF-8 from here on");
+        faults.add(placeAt(text, invalid), "invalid UTF-8 from here on");
         return events;
     }
     for (std::uint32_t number = 1; !text.empty(); ++number) {

@@ -11,7 +11,7 @@ namespace Tarn {
 
 /// A recorded event of the pointer or the keyboard.
 struct ScriptedEvent {
-    std::uint64_t step = 0; ///< of the run, after whose evaluation the event comes
+    std::uint64_t step = 0; ///< of the run; the event follows its evaluation
     Place place;            ///< in the file
     std::uint64_t kind = 0; ///< a `VInteractionEvent::Kind`
     std::int32_t x = -1;
@@ -19,11 +19,11 @@ struct ScriptedEvent {
     double wheel = 0;
     std::uint16_t button = 0;
     std::uint8_t modifiers = 0;
-    std::string keyText;       ///< of a key that goes down
-    std::string armingKeyText; ///< of a key that comes up
+    std::string keyText;       ///< of a pressed key
+    std::string armingKeyText; ///< of a released key
 };
 
-/// Reads a script of events, a line each:
+/// Parses a script of events, one per line:
 ///
 ///     # after step 0: drag with the left button, then press a key
 ///     0 press 100 200 left
@@ -34,12 +34,12 @@ struct ScriptedEvent {
 ///     3 keydown space
 ///     3 keyup space
 ///
-/// Steps count from 0 and do not decrease. Buttons are left (if none is given),
-/// middle and right; `move` has none unless it is given. A key is one character or
-/// one of the names space, tab, enter, escape and hash; `key` is down and up. Blank
-/// lines and what follows a "#" are left out.
+/// Steps count from 0 and must not decrease. Buttons are left (the default), middle and
+/// right; `move` has no button by default. A key is one character or one of the names space,
+/// tab, enter, escape and hash; `key` presses and releases it. Blank lines and text after a
+/// "#" are ignored.
 ///
-/// What cannot be understood is added to \p faults and left out.
+/// Lines that cannot be understood are added to \p faults and left out.
 std::vector<ScriptedEvent> parseEvents(std::string_view text, Faults& faults);
 
 } // namespace Tarn

@@ -13,7 +13,7 @@ namespace {
 
 using Orla::StrongPtr;
 
-// The key that an object starts with in a new pool.
+// Returns the key of an object in a new pool.
 char initialKey(const Orla::HotKey& object)
 {
     char key = 0;

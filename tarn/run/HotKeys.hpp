@@ -5,17 +5,17 @@
 
 namespace Tarn {
 
-/// A key and those who listen to it.
+/// A key and the objects that listen to it.
 struct SharedHotKey {
     char key = 0;
     std::vector<std::string> objects;
 };
 
-/// The keys to which more than one announced object listens at first, by signed
-/// character; the objects in the order of the registry.
+/// Returns the keys to which more than one announced object listens in a new pool, sorted by
+/// signed character, each with its objects in registry order.
 std::vector<SharedHotKey> sharedHotKeys();
 
-/// How messages show a key.
+/// Returns the name of a key for messages.
 std::string nameOfKey(char key);
 
 } // namespace Tarn

@@ -14,7 +14,7 @@ namespace Tarn {
 
 namespace {
 
-// Time to wind up, in nanoseconds; well within the second that people wait.
+// Time to finish, in nanoseconds; well within the promised second.
 constexpr long Grace = 800'000'000;
 
 constexpr int Signals[] = {SIGINT, SIGTERM, SIGHUP};
@@ -25,7 +25,7 @@ timer_t theTimer;
 bool theTimerExists = false;
 struct sigaction theFormerActions[std::size(Signals)];
 
-static_assert(std::atomic<int>::is_always_lock_free, "a signal handler may not wait for a lock");
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler must not wait for a lock");
 
 // Everything from here to the class runs in signal handlers.
 
@@ -65,7 +65,7 @@ Interruption::Interruption()
     theSignal = 0;
     theCancellation = &m_cancellation;
 
-    // The signal of the timer is one that libraries are unlikely to use themselves.
+    // Libraries are unlikely to use the timer's signal themselves.
     struct sigaction action {};
     sigfillset(&action.sa_mask);
     action.sa_flags = SA_RESTART;

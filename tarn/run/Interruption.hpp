@@ -4,12 +4,11 @@
 
 namespace Tarn {
 
-/// While it lives, SIGINT, SIGTERM and SIGHUP end the evaluation instead of the
-/// process: they cancel it, and the program winds up. If it does not within a
-/// second, because an object does not listen, or if there is a second signal,
-/// the process ends at once and takes unfinished files with it.
+/// While it exists, SIGINT, SIGTERM and SIGHUP cancel the evaluation instead of ending the
+/// process. If an object ignores the cancellation for a second, or if a second signal
+/// arrives, the process removes unfinished files and exits immediately.
 ///
-/// Signals that were ignored before stay so. There may be one at a time.
+/// Ignored signals stay ignored. Only one instance may exist at a time.
 class Interruption {
 public:
     Interruption();
@@ -19,7 +18,7 @@ public:
 
     const Orla::VCancellation& cancellation() const noexcept { return m_cancellation; }
 
-    /// The signal that came first, 0 if none did.
+    /// Returns the first signal received, or 0.
     static int signal() noexcept;
 
 private:

@@ -21,7 +21,7 @@ namespace {
 using Orla::StrongPtr;
 using Orla::VSlot;
 
-// The announced objects by name; of several of one name the first one counts.
+// The announced objects by name; of several with the same name, the first one counts.
 class Objects {
 public:
     Objects()
@@ -33,8 +33,8 @@ public:
         }
     }
 
-    /// Why \p reference names no output; empty, with \p output and \p member set, if
-    /// it does.
+    /// Sets \p output and \p member to the output that \p reference names. Returns an empty
+    /// string, or why there is no such output.
     std::string find(const std::string& reference, StrongPtr<VSlot>& output, std::string& member) const
     {
         if (reference.find('.') == std::string::npos)

@@ -10,18 +10,18 @@ namespace Tarn {
 
 class Faults;
 
-/// Outputs of announced objects whose values are printed as lines.
+/// Outputs of announced objects, whose values are printed one per line.
 class PrintedOutputs {
 public:
-    /// Finds what \p references name, each "OBJECT.OUTPUT" or "OBJECT.OUTPUT.MEMBER";
-    /// adds a fault for each that names nothing.
+    /// Finds the outputs named by \p references, each "OBJECT.OUTPUT" or
+    /// "OBJECT.OUTPUT.MEMBER". Adds a fault for each reference that names nothing.
     PrintedOutputs(const std::vector<std::string>& references, Faults& faults);
 
     bool empty() const noexcept { return m_outputs.empty(); }
 
-    /// One line a reference, in their order, with the text form of its value in
-    /// \p pool: `OBJECT.OUTPUT: TEXT`. Control characters are escaped, so that a
-    /// line stays one. A value that has no text has no line, and \p failures says why.
+    /// Returns one line per reference, in order, with the text form of its value in \p pool:
+    /// `OBJECT.OUTPUT: TEXT`. Control characters, including line breaks, are escaped. A value
+    /// without a text gets no line; the reason is added to \p failures.
     std::string lines(const Orla::StrongPtr<Orla::ValuePool>& pool, std::vector<std::string>& failures) const;
 
 private:

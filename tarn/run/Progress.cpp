@@ -68,7 +68,7 @@ void Progress::show(std::uint64_t done)
     m_last = now;
     isShown = true;
     const double seconds = std::chrono::duration<double>(now - m_begin).count();
-    // The last column stays free: some terminals break the line there.
+    // The last column stays free: some terminals wrap the line there.
     std::fprintf(stderr, "\r\x1b[K%s", line(done, m_steps, seconds, terminalWidth() - 1).c_str());
     std::fflush(stderr);
 }

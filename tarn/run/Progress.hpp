@@ -6,8 +6,7 @@
 
 namespace Tarn {
 
-/// A line on standard error that says how far a run is: nothing unless that is a
-/// terminal.
+/// Shows the progress of a run in a line on standard error, if that is a terminal.
 class Progress {
 public:
     using Clock = std::chrono::steady_clock;
@@ -15,20 +14,20 @@ public:
     /// For a run of \p steps.
     explicit Progress(std::uint64_t steps);
 
-    /// Takes the line away.
+    /// Removes the line.
     ~Progress();
 
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// \p done steps are over. Draws some times a second at most.
+    /// Shows that \p done steps are complete. Draws at most ten times per second.
     void show(std::uint64_t done);
 
-    /// Takes the line away for now, so that a message can be printed.
+    /// Removes the line until it is next shown, to make room for a message.
     static void hide();
 
-    /// The line for \p done of \p steps after \p seconds, in \p width columns at
-    /// most: bar, steps, steps a second, time left; what has no room is left out.
+    /// Returns the line for \p done of \p steps after \p seconds, at most \p width columns:
+    /// bar, steps, steps per second, time left. Parts that do not fit are left out.
     static std::string line(std::uint64_t done, std::uint64_t steps, double seconds, std::size_t width);
 
 private:

@@ -6,17 +6,17 @@
 
 namespace Tarn {
 
-/// The actions that tell objects how far a run is: outputs of the announced objects
+/// The actions that notify objects of a run's progress: outputs of the announced objects
 /// whose preferences contain "run".
 class RunActions {
 public:
-    /// A network may have none.
+    /// Finds these outputs; a network may have none.
     static RunActions find();
 
-    /// Emits what goes after each step; true if somebody may have become due.
+    /// Emits the actions for a completed step. Returns true if objects may have become due.
     bool emitStepped(const Orla::StrongPtr<Orla::ValuePool>& pool) const { return emit(m_stepped, pool); }
 
-    /// Emits what goes once, after the last step.
+    /// Emits the actions for the end of the run, once, after the last step. Returns the same.
     bool emitFinished(const Orla::StrongPtr<Orla::ValuePool>& pool) const { return emit(m_finished, pool); }
 
 private:

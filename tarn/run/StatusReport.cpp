@@ -50,7 +50,7 @@ std::vector<std::string> StatusReport::lines() const
         const char* kind = entry.severity == VObjectStatus::Severity::Error     ? "error: "
                            : entry.severity == VObjectStatus::Severity::Warning ? "warning: "
                                                                                 : "";
-        // The lines of a text stay lines.
+        // One line per line of the text.
         std::size_t start = 0;
         while (true) {
             const auto end = entry.text.find('\n', start);

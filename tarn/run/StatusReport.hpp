@@ -9,7 +9,7 @@
 
 namespace Tarn {
 
-/// What the objects of a network say of their state, as plain text.
+/// The status of the objects of a network, as plain text.
 class StatusReport {
 public:
     struct Entry {
@@ -18,15 +18,15 @@ public:
         std::string text;
     };
 
-    /// The states in \p pool of all announced objects that say something: errors,
-    /// then warnings, then the rest, each in the order of the objects.
+    /// Collects the status in \p pool of all announced objects that report one: errors, then
+    /// warnings, then the rest, each in the order of the objects.
     explicit StatusReport(const Orla::StrongPtr<Orla::ValuePool>& pool);
 
     const std::vector<Entry>& entries() const noexcept { return m_entries; }
 
     bool hasErrors() const noexcept;
 
-    /// One line an entry, `OBJECT: error: TEXT`.
+    /// Returns the entries as lines, `OBJECT: error: TEXT`, one per line of a text.
     std::vector<std::string> lines() const;
 
 private:

@@ -11,8 +11,8 @@ namespace Tarn {
 
 namespace {
 
-// The tasks wait here for oneTBB's threads, and not in oneTBB, because ThreadSanitizer
-// sees how this lock orders two threads and cannot look into oneTBB's library.
+// Tasks wait for oneTBB's threads here rather than in oneTBB: ThreadSanitizer sees how this
+// lock orders two threads, but cannot look into oneTBB's library.
 struct Waiting {
     std::mutex mutex;
     std::deque<std::function<void()>> tasks;
@@ -20,7 +20,7 @@ struct Waiting {
 
 Waiting& waiting()
 {
-    static Waiting& theWaiting = *new Waiting; // a thread may take its task while the program ends
+    static Waiting& theWaiting = *new Waiting; // a thread may take its task while the program exits
     return theWaiting;
 }
 
@@ -44,7 +44,7 @@ unsigned TaskExecutor::concurrency() const noexcept
 
 void TaskExecutor::execute(std::function<void()> task)
 {
-    // An arena of its own, without a place for the thread that evaluates.
+    // A separate arena, without a slot for the thread that evaluates.
     static tbb::task_arena arena{tbb::info::default_concurrency() - 1, 0};
     const std::lock_guard lock{waiting().mutex};
     waiting().tasks.push_back(std::move(task));

@@ -6,7 +6,8 @@
 
 namespace Tarn {
 
-/// Runs tasks in the threads of oneTBB, which has as many as the machine has cores.
+/// Runs tasks in oneTBB's worker threads: one per core, except one for the thread that
+/// evaluates.
 class TaskExecutor final : public Orla::VExecutor {
 public:
     unsigned concurrency() const noexcept override;

@@ -113,7 +113,7 @@ void Tracer::becameDue(const Orla::VObject& object, Cause cause, const Orla::VPa
         Due& due = m_due[&object];
         due.cause = cause;
         due.precision = precision;
-        // Kept until the object runs: an update before that may let go of it.
+        // Kept alive until the object runs: an earlier update may release it.
         due.changed = changed ? Loam::WeakPtrImpl<Orla::VParameter>(const_cast<Orla::VParameter*>(changed)).lock()
                               : StrongPtr<Orla::VParameter>{};
     });
@@ -151,9 +151,9 @@ std::string Tracer::reasonOf(const Due& due) const
             const Orla::VObject* const object = owner ? owner->object() : nullptr;
             return (object ? object->Name() + '.' : std::string()) + due.changed->Name() + " changed";
         }
-        return "something that it reads changed";
+        return "something it reads changed";
     case Cause::Connected:
-        return "its inputs were connected anew";
+        return "its inputs were reconnected";
     case Cause::Cancelled:
         return "its last update was cancelled";
     case Cause::Scheduled:
@@ -162,7 +162,7 @@ std::string Tracer::reasonOf(const Due& due) const
     return "scheduled with " + Loam::numberText(due.precision);
 }
 
-// Nothing may be thrown through the objects that run.
+// Exceptions must not propagate through the running objects.
 template<class Function>
 void Tracer::guarded(Function&& function) noexcept
 {

@@ -14,24 +14,24 @@ class OutputFile;
 
 namespace Tarn {
 
-/// Writes down which objects run in a pool: when, for how long, and why they were due.
+/// Records which objects run in a pool: when, for how long, and why they were due.
 ///
-/// The text is in the trace event format that the tracing pages of web browsers open:
-/// an event an update and one a step, each with its start and length in microseconds.
+/// The text is in the trace event format that the tracing pages of web browsers open: one
+/// event per update and one per step, each with its start and duration in microseconds.
 class Tracer final : public Orla::VScheduler::Observer {
 public:
-    /// Starts the trace of \p pool in \p output; \p title is what the trace is called.
-    /// Both must stay until the tracer goes.
+    /// Starts the trace of \p pool in \p output; \p title is the name of the trace. \p output
+    /// must outlive the tracer.
     Tracer(Loam::OutputFile& output, const Orla::StrongPtr<Orla::ValuePool>& pool, const std::string& title);
     ~Tracer() override;
     Tracer(const Tracer&) = delete;
     Tracer& operator=(const Tracer&) = delete;
 
-    /// What comes from now on belongs to \p step.
+    /// All further events belong to \p step.
     void beginStep(std::uint64_t step);
 
-    /// Ends the trace: nothing is observed any more, and the text is complete.
-    /// \throw Loam::FileError if it could not be written, also at an earlier time.
+    /// Ends the trace: stops observing and completes the text.
+    /// \throw Loam::FileError if this write or an earlier one failed.
     void finish();
 
     void becameDue(const Orla::VObject& object, Cause cause, const Orla::VParameter* changed,

@@ -27,7 +27,7 @@ bool isSafe(const std::string& url)
            });
 }
 
-// True unless the process ends with a failure before the time is over.
+// Returns true unless the process fails before the time is over.
 bool seemsToWork(pid_t process)
 {
     const int handle = static_cast<int>(::syscall(SYS_pidfd_open, process, 0));

@@ -8,7 +8,7 @@ namespace Tarn {
 
 namespace {
 
-// Warnings that differ each time are not worth remembering without end.
+// Bounds the memory for warnings that differ each time.
 constexpr std::size_t MostRemembered = 10000;
 
 } // namespace
@@ -16,7 +16,7 @@ constexpr std::size_t MostRemembered = 10000;
 void printLine(const std::string& line)
 {
     Progress::hide();
-    // In one piece, because libraries may write at the same time.
+    // Written in one piece because libraries may write at the same time.
     const std::string whole = line + '\n';
     std::fwrite(whole.data(), 1, whole.size(), stderr);
 }

@@ -8,15 +8,15 @@
 
 namespace Tarn {
 
-/// Prints warnings to standard error, each once: an object that complains in
-/// every step does not bury what the others say.
+/// Prints each warning to standard error once, so an object that warns in every step does not
+/// bury the warnings of others.
 class WarningPrinter final : public Orla::VActionNotifier {
 public:
     ~WarningPrinter() override;
 
     bool warned(const std::string& message) override;
 
-    /// Prints how often each warning came that came more than once.
+    /// Prints the number of occurrences of each repeated warning.
     void printRepeats() const;
 
 private:

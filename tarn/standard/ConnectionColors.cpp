@@ -14,8 +14,8 @@
 
 #include <typeinfo>
 
-// What people see of the types that most networks have. Colours that differ in
-// lightness too, on white.
+// Connection colours of the most common types, for a white background. They differ in
+// lightness too.
 
 namespace {
 

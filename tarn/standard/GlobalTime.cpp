@@ -12,8 +12,8 @@ namespace {
 
 using Orla::StrongPtr;
 
-/// Provides the time to every object that does not keep its own. Whoever runs
-/// the network writes the input; all that depends on time reads the output.
+/// Provides the time to every object that does not keep its own. The host writes the
+/// input; time-dependent objects read the output.
 class GlobalTime final : public Orla::VObject {
 public:
     GlobalTime(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
@@ -25,7 +25,7 @@ public:
 
     bool update(Orla::VRequest& request, double) override
     {
-        // "No difference" is as good an end as "written".
+        // Succeeds whether or not the value changed.
         m_globalTime(request.valuePool()) <<= m_time.value(request.valuePool());
         return true;
     }

@@ -10,9 +10,9 @@ namespace {
 using Orla::StrongPtr;
 using Orla::VInteractionEvent;
 
-/// Hands the pointer's and the keyboard's events to every interactive object of
-/// the process. Whoever has the devices writes the output; all events share one
-/// grabber, so that the objects can agree whose turn it is.
+/// Provides pointer and keyboard events to all interactive objects of its network. The host
+/// writes the output. All events share one grabber, through which the objects agree on the
+/// receiver.
 class InteractionSource final : public Orla::VObject {
 public:
     using VObject::VObject;

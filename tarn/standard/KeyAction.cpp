@@ -12,9 +12,9 @@ namespace {
 using Orla::StrongPtr;
 using Action = StrongPtr<Orla::VAction>;
 
-/// Emits an action with the number 3 when its key is pressed, and passes on, with
-/// their numbers, the actions that reach its input "forward": so what a key sets off
-/// can be set off by something else too.
+/// Emits an action with the number 3 when its key is pressed. Forwards the actions that
+/// reach its input "forward", with their numbers, so other objects can trigger the same
+/// effect as the key.
 class KeyAction final : public Orla::VObject, public Orla::HotKey {
 public:
     KeyAction(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)

@@ -10,8 +10,8 @@ namespace {
 using Orla::StrongPtr;
 using Action = StrongPtr<Orla::VAction>;
 
-/// Tells other objects how far a run is: who runs the network emits "stepped", with the
-/// number 1, after each step and "finished", with the number 2, once after the last.
+/// Notifies other objects of a run's progress: the host emits "stepped", with the number 1,
+/// after each step and "finished", with the number 2, once after the last.
 class Run final : public Orla::VObject {
 public:
     using VObject::VObject;

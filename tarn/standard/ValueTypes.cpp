@@ -18,8 +18,8 @@
 #include <fathom/VScalarFunctor.hpp>
 #include <fathom/VValueType.hpp>
 
-// Types that have a text form but are no values or inputs by themselves: each
-// becomes both, so that every network can use it.
+// Registers types that have a text form, but are not registered elsewhere, as values and as
+// inputs for every network.
 
 namespace {
 

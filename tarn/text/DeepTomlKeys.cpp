@@ -8,9 +8,9 @@ namespace Tarn {
 
 namespace {
 
-// The position behind the string that begins at `begin`. One that is not closed
-// ends where the reader gives up on it: with the line or with the text.
-std::size_t behindString(std::string_view text, std::size_t begin) noexcept
+// Returns the position after the string that begins at `begin`. An unclosed string ends
+// where the reader gives up: at the end of the line or of the text.
+std::size_t endOfString(std::string_view text, std::size_t begin) noexcept
 {
     const char quote = text[begin];
     const bool escapes = quote == '"';
@@ -23,7 +23,7 @@ std::size_t behindString(std::string_view text, std::size_t begin) noexcept
             return at + 1;
         } else if (multiLine && text.substr(at, 3) == std::string_view(text.data() + begin, 3)) {
             at += 3;
-            // Up to two more quotes belong to the content before the end.
+            // Up to two more quotes belong to the content.
             for (int more = 0; more < 2 && at < text.size() && text[at] == quote; ++more)
                 ++at;
             return at;
@@ -39,12 +39,12 @@ std::size_t behindString(std::string_view text, std::size_t begin) noexcept
 Place findDeepKey(std::string_view text) noexcept
 {
     std::size_t parts = 1;
-    std::size_t key = 0; // where the present one begins, blanks before it included
+    std::size_t key = 0; // start of the current key, including leading blanks
     for (std::size_t at = 0; at < text.size();) {
         switch (text[at]) {
         case '"':
         case '\'':
-            at = behindString(text, at);
+            at = endOfString(text, at);
             continue;
         case '#':
             at = std::min(text.find('\n', at), text.size());

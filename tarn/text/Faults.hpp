@@ -8,7 +8,7 @@
 
 namespace Tarn {
 
-/// Where something stands in a file, counted from 1; 0 for nowhere.
+/// A position in a file, counted from 1; empty if the line is 0.
 struct Place {
     std::uint32_t line = 0;
     std::uint32_t column = 0;
@@ -17,31 +17,31 @@ struct Place {
     friend auto operator<=>(const Place&, const Place&) = default;
 };
 
-/// A piece of text and where it stands in the file.
+/// A piece of text and its position in the file.
 struct PlacedText {
     std::string text;
     Place place;
 };
 
-/// What is wrong with a saved network: everything, not just the first fault.
+/// Collects all faults of a saved network, not just the first.
 class Faults {
 public:
-    /// \p file is what messages call the network's file.
+    /// \p file is the name of the network's file in messages.
     explicit Faults(std::string file);
 
     const std::string& file() const noexcept { return m_file; }
 
-    /// A fault in the file.
+    /// Adds a fault in the file.
     void add(Place place, const std::string& message);
 
-    /// A fault that has no place in the file, as one of the command line.
+    /// Adds a fault without a place in the file, such as one on the command line.
     void add(const std::string& message) { add(Place{}, message); }
 
     bool empty() const noexcept { return m_faults.empty(); }
     std::size_t size() const noexcept { return m_faults.size(); }
 
-    /// One text a fault, `FILE:LINE:COLUMN: MESSAGE`, by place; those without a
-    /// place come last.
+    /// Returns one line per fault, `FILE:LINE:COLUMN: MESSAGE`, sorted by place. Faults
+    /// without a place are bare messages and come last.
     std::vector<std::string> lines() const;
 
 private:

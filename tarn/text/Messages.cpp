@@ -16,15 +16,14 @@ char lowered(char letter) noexcept
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-// Mistakes in a name of that length that still look like a misspelling.
+// Returns the number of mistakes up to which a name of that length counts as misspelt.
 std::size_t toleranceFor(std::size_t length) noexcept
 {
     return length < 3 ? 0 : std::min<std::size_t>(length / 3, 3);
 }
 
-// How many letters must be inserted, removed, replaced or swapped with their
-// neighbour to make `b` of `a`, regardless of case; anything above `limit` is
-// given as `limit` + 1.
+// Returns how many letters must be inserted, removed, replaced or swapped with their
+// neighbour to turn `a` into `b`, ignoring case; at most `limit` + 1.
 std::size_t mistakes(std::string_view a, std::string_view b, std::size_t limit)
 {
     const std::size_t longer = std::max(a.size(), b.size());
@@ -71,7 +70,7 @@ std::string counted(std::size_t count, const std::string& noun)
 
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates)
 {
-    // Long texts are no misspelt names, and comparing them takes its time.
+    // Long texts are not misspelt names, and comparing them is slow.
     if (name.size() > LongestShown)
         return {};
     std::string best;

@@ -7,26 +7,25 @@
 #include <string_view>
 #include <vector>
 
-// Pieces of messages.
+// Building blocks of messages.
 
 namespace Tarn {
 
 using Loam::StringUtil::escaped;
 using Loam::StringUtil::printable;
 
-/// As `printable`, between double quotes.
+/// Returns \p text as `printable`, in double quotes.
 std::string inQuotes(std::string_view text);
 
-/// "1 fault", "2 faults".
+/// Returns, for example, "1 fault" or "2 faults".
 std::string counted(std::size_t count, const std::string& noun);
 
-/// The one of \p candidates that \p name is probably a misspelling of: few
-/// letters wrong, missing, too many or swapped, or another case. Empty if there
-/// is none.
+/// Returns the candidate that \p name probably misspells: a few letters wrong, missing,
+/// extra or swapped, or a difference in case. Returns an empty string if there is none.
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates);
 
-/// The end of a message about an unknown \p name: `; did you mean "X"?`, or the
-/// candidates if there are only a few, or nothing.
+/// Returns the end of a message about an unknown \p name: `; did you mean "X"?`, or the list
+/// of candidates if there are only a few, or an empty string.
 std::string insteadOf(std::string_view name, const std::vector<std::string>& candidates);
 
 } // namespace Tarn

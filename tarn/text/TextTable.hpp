@@ -5,13 +5,13 @@
 
 namespace Tarn {
 
-/// Rows of texts in columns that line up, for people to read.
+/// A table of texts with aligned columns.
 class TextTable {
 public:
-    /// Adds a row; it may have fewer cells than others.
+    /// Adds a row, which may have fewer cells than others.
     void add(std::vector<std::string> cells);
 
-    /// One line a row, each with \p indent in front and no blanks at its end.
+    /// Returns one line per row, prefixed with \p indent and without trailing blanks.
     std::string text(const std::string& indent) const;
 
 private:

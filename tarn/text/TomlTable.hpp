@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-// What was read from TOML, in the order of the file.
+// Access to parsed TOML in file order.
 
 namespace Tarn {
 
@@ -20,17 +20,16 @@ struct TomlEntry {
     const toml::node* value;
 };
 
-/// The entries of \p table in the order of the file; the table itself has them
-/// sorted by key.
+/// Returns the entries of \p table in file order; the table itself sorts them by key.
 std::vector<TomlEntry> entriesOf(const toml::table& table);
 
-/// The value \p node as TOML, on one line.
+/// Returns the value \p node as TOML on one line.
 std::string tomlValue(const toml::node& node);
 
-/// How many tables and arrays stand in each other; 0 for a plain value.
+/// Returns the nesting depth of tables and arrays; 0 for a plain value.
 std::size_t nestingOf(const toml::node& node);
 
-/// Nested deeper, the reader does not take what `tomlValue` spells.
+/// Maximum nesting depth at which the reader accepts the output of `tomlValue`.
 inline constexpr std::size_t MostNested = 200;
 
 } // namespace Tarn

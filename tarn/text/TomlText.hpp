@@ -4,23 +4,23 @@
 #include <string>
 #include <string_view>
 
-// Spelling TOML in one way only, the same under every locale.
+// Writes TOML in a single canonical form, independent of the locale.
 
 namespace Tarn {
 
-/// As it stands if TOML needs no quotes around it.
+/// Returns \p key, in quotes only if TOML needs them.
 /// \pre \p key is UTF-8.
 std::string tomlKey(std::string_view key);
 
-/// On one line, between double quotes.
+/// Returns \p text on one line, in double quotes.
 /// \pre \p text is UTF-8.
 std::string tomlString(std::string_view text);
 
-/// So that it is read as the same number, and as no integer.
+/// Returns a spelling that reads back as the same number, never as an integer.
 std::string tomlNumber(double number);
 
-/// The spelling of the number \p text; nothing if \p text is no number or would be
-/// read as another one, or as the same one with other digits.
+/// Returns the spelling of the number \p text. Returns nothing if \p text is not a number,
+/// or if TOML would read back another number or the same one with different digits.
 std::optional<std::string> tomlNumber(const std::string& text);
 
 } // namespace Tarn

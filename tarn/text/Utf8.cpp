@@ -11,7 +11,7 @@ bool isContinuation(char byte) noexcept
     return (static_cast<unsigned char>(byte) & 0xC0u) == 0x80u;
 }
 
-// Bytes of the well-formed character at the start of `text`; 0 if there is none.
+// Returns the length in bytes of the well-formed character at the start of `text`, or 0.
 std::size_t characterLength(std::string_view text) noexcept
 {
     const auto first = static_cast<unsigned char>(text[0]);
@@ -20,7 +20,7 @@ std::size_t characterLength(std::string_view text) noexcept
     const std::size_t length = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
     if (length == 0 || text.size() < length || !std::ranges::all_of(text.substr(1, length - 1), isContinuation))
         return 0;
-    // Longer than necessary, a surrogate, or beyond the last code point.
+    // Overlong, a surrogate, or beyond the last code point.
     const auto second = static_cast<unsigned char>(text[1]);
     if ((first == 0xE0 && second < 0xA0) || (first == 0xED && second >= 0xA0) || (first == 0xF0 && second < 0x90)
         || (first == 0xF4 && second >= 0x90))

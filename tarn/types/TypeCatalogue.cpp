@@ -39,7 +39,7 @@ ObjectTypeDescription::Input describeInput(const VSlot& slot)
                                        .initialText = slot.ownParameter()->DefaultValue()->Text(),
                                        .findsPartner = slot.hasFlag(VSlot::AutoConnected),
                                        .partner = {}};
-    // What is connected so early was connected by the constructor.
+    // Only the constructor can have connected it this early.
     if (slot.isConnected() || !slot.ownsParameter()) {
         input.findsPartner = true;
         const StrongPtr<Orla::VSlotContainer> owner = slot.parameter()->owner();
@@ -82,7 +82,7 @@ TypeCatalogue::~TypeCatalogue()
     if (survivor.empty())
         m_libraries.unload();
     else
-        Orla::VActionNotifier::Warning("The libraries stay in memory, because somebody still holds " + survivor);
+        Orla::VActionNotifier::Warning("The libraries stay in memory because " + survivor + " is still in use");
 }
 
 std::vector<ValueTypeDescription> TypeCatalogue::valueTypes() const
@@ -108,11 +108,11 @@ std::vector<ValueTypeDescription> TypeCatalogue::valueTypes(const std::string& n
                                      .isInput = bool(Orla::TypedSlotCreator::find(type)),
                                      .components = Orla::VValueComponents::names(type)};
     description.failure = failureOf([&] {
-        // The text may be refused; the value is made in either case.
+        // The empty text may be refused; the value is created anyway.
         bool ok = false;
         const StrongPtr<Orla::VValueBase> value = creator->create({}, ok);
         if (!value)
-            throw std::runtime_error("its creator made nothing");
+            throw std::runtime_error("its creator returned null");
         description.defaultText = value->Text();
     });
     return {description};
@@ -147,7 +147,7 @@ std::vector<ObjectTypeDescription> TypeCatalogue::objectTypes(const std::string&
     description.failure = failureOf([&] {
         const StrongPtr<Orla::VObject> object = creator->create(name, 0, nullptr);
         if (!object)
-            throw std::runtime_error("its creator made nothing");
+            throw std::runtime_error("its creator returned null");
         m_tracker->objectCreated(object, {}, creator);
         m_tracker->countValues(nullptr);
         readSlots(*object, highestLevel, description);

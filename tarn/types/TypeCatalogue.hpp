@@ -10,25 +10,25 @@
 
 namespace Tarn {
 
-/// A registered value type as users meet it.
+/// A registered value type as shown to users.
 struct ValueTypeDescription {
     std::string name;
     std::string colour;                  ///< of connections; empty if the type has none
-    std::string defaultText;             ///< of a value that nobody has set
-    std::string failure;                 ///< why no value can be made; empty if one can
-    bool isInput = false;                ///< whether inputs of the type can be made by its name
-    std::vector<std::string> components; ///< what stands behind OBJECT.OUTPUT in a reference
+    std::string defaultText;             ///< of an unset value
+    std::string failure;                 ///< why no value can be created; empty if one can
+    bool isInput = false;                ///< whether inputs of the type can be created by name
+    std::vector<std::string> components; ///< names that may follow OBJECT.OUTPUT in a reference
 };
 
-/// A registered object type, read off an object of it.
+/// A registered object type, as read from an instance.
 struct ObjectTypeDescription {
     struct Input {
         std::string name;
         std::string type;
         int level = 0; ///< the expert level
         std::string initialText;
-        bool findsPartner = false; ///< connected by itself where the user does not
-        std::string partner;       ///< "OBJECT.OUTPUT" if it is known before there is a network
+        bool findsPartner = false; ///< connected automatically unless the user connects it
+        std::string partner;       ///< "OBJECT.OUTPUT" if known without a network
     };
 
     struct Output {
@@ -37,43 +37,42 @@ struct ObjectTypeDescription {
     };
 
     std::string name;
-    std::string library; ///< its file
-    std::string failure; ///< why no object can be made; empty if one can
+    std::string library; ///< path of its file
+    std::string failure; ///< why no object can be created; empty if one can
     std::vector<Input> inputs;
     std::vector<Output> outputs;
-    std::size_t hiddenInputs = 0; ///< those above the expert level that was asked for
+    std::size_t hiddenInputs = 0; ///< inputs above the requested expert level
 };
 
-/// The types that there are with some libraries in memory. What it makes to look at
-/// them is gone after each answer, and the libraries with it; if something of theirs
-/// is still in use then, they stay in memory and a warning says so.
+/// The types registered while some libraries are loaded. Objects created for inspection are
+/// destroyed before each call returns. The destructor unloads the libraries; if something
+/// from them is still in use, they stay in memory and a warning is issued.
 class TypeCatalogue {
 public:
     static constexpr int AllLevels = std::numeric_limits<int>::max();
 
-    /// Loads the standard library and \p libraries, which are looked for from the
-    /// working folder.
+    /// Loads the standard library and \p libraries, searching from the working folder.
     explicit TypeCatalogue(const std::vector<std::string>& libraries);
     ~TypeCatalogue();
     TypeCatalogue(const TypeCatalogue&) = delete;
     TypeCatalogue& operator=(const TypeCatalogue&) = delete;
 
-    /// Why libraries could not be loaded, a text each.
+    /// Returns why libraries could not be loaded, one text per library.
     const std::vector<std::string>& refusals() const noexcept { return m_refusals; }
 
-    /// All registered types, in alphabetic order.
+    /// Returns all registered types, in alphabetical order.
     std::vector<ValueTypeDescription> valueTypes() const;
     std::vector<ObjectTypeDescription> objectTypes(int highestLevel = AllLevels) const;
 
-    /// All object types with their names and files alone; nothing is made.
+    /// Returns all object types, with names and files only. Creates no objects.
     std::vector<ObjectTypeDescription> objectTypeFiles() const;
 
-    /// The registered type \p name; one or none.
+    /// Returns the registered type \p name, or an empty list.
     std::vector<ValueTypeDescription> valueTypes(const std::string& name) const;
 
-    /// The same, as an object that is made for it shows it: its constructor runs,
-    /// and it is let go unannounced with all that the constructor announced. Inputs
-    /// above \p highestLevel are counted only.
+    /// The same for object types. Creates an object, so its constructor runs, and destroys it
+    /// unannounced, along with everything the constructor announced. Inputs above
+    /// \p highestLevel are only counted.
     std::vector<ObjectTypeDescription> objectTypes(const std::string& name, int highestLevel = AllLevels) const;
 
 private:

@@ -22,7 +22,7 @@ std::string orBlank(const std::string& text)
     return text.empty() ? Blank : printable(text);
 }
 
-// "TITLE: one, two, ..." in lines that fit, the later ones indented.
+// Returns "TITLE: one, two, ..." wrapped to fit, with continuation lines indented.
 std::string listing(const std::string& title, const std::vector<std::string>& names)
 {
     const std::string indent(title.size() < 24 ? title.size() : 4, ' ');
@@ -65,7 +65,7 @@ std::string partnerOf(const ObjectTypeDescription::Input& input)
 {
     if (!input.findsPartner)
         return {};
-    return input.partner.empty() ? "found by itself" : "found by itself: " + printable(input.partner);
+    return input.partner.empty() ? "connected automatically" : "connected automatically: " + printable(input.partner);
 }
 
 std::string textOf(const ObjectTypeDescription& type)
@@ -197,9 +197,9 @@ std::string libraryListText(const std::vector<LibraryFile>& files)
         if (!file.shadowedBy.empty())
             text += "  not used, because " + printable(file.shadowedBy) + " comes first\n";
         if (!file.refusal.empty())
-            text += "  refused: " + file.refusal + '\n'; // was made printable where it was made
+            text += "  refused: " + file.refusal + '\n'; // already printable
         else if (file.objectTypes.empty() && file.valueTypes.empty())
-            text += "  brings no types\n";
+            text += "  registers no types\n";
         if (!file.objectTypes.empty())
             text += listing("  object types  ", file.objectTypes);
         if (!file.valueTypes.empty())

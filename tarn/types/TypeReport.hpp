@@ -6,26 +6,26 @@
 #include <string>
 #include <vector>
 
-// What there is to know of types and libraries, for people and, as JSON, for programs.
-// The JSON is UTF-8 whatever names hold, has its keys in one order, and ends with a
-// newline.
+// Reports on types and libraries: text for people, JSON for programs. The JSON is valid
+// UTF-8 even if names are not, has a fixed key order, and ends with a newline.
 
 namespace Tarn {
 
-/// A line a type: what `tarn types` prints.
+/// Returns the output of `tarn types`: one line per type.
 std::string typeListText(const std::vector<ValueTypeDescription>& values,
                          const std::vector<ObjectTypeDescription>& objects);
 std::string typeListJson(const std::vector<ValueTypeDescription>& values,
                          const std::vector<ObjectTypeDescription>& objects);
 
-/// A piece a type, with all of it: what `tarn objects` and `tarn describe` print.
+/// Returns the output of `tarn objects` and `tarn describe`: one section per type, with all
+/// details.
 std::string descriptionText(const std::vector<ValueTypeDescription>& values,
                             const std::vector<ObjectTypeDescription>& objects);
 std::string descriptionJson(const std::vector<ValueTypeDescription>& values,
                             const std::vector<ObjectTypeDescription>& objects);
 std::string objectListJson(const std::vector<ObjectTypeDescription>& objects);
 
-/// What `tarn libraries` prints.
+/// Returns the output of `tarn libraries`.
 std::string libraryListText(const std::vector<LibraryFile>& files);
 std::string libraryListJson(const std::vector<LibraryFile>& files);
 

@@ -10,14 +10,14 @@
 
 namespace Harbour {
 
-/// Height of the zero of a gauge above the sea chart's, in metres.
+/// The zero of a gauge, in metres above chart datum.
 struct Gauge {
     double zero = 0;
 
     friend bool operator==(const Gauge&, const Gauge&) = default;
 };
 
-/// Rises by 2 metres a unit of time, counted from the begin of the interval.
+/// Rises by 2 metres per unit of time, starting at the beginning of the interval.
 class Tide : public Orla::VObject {
 public:
     Tide(const std::string& name, int level,

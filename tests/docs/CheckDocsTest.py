@@ -1,4 +1,4 @@
-"""Tries scripts/check-docs on small pages: it accepts what it should, and refuses each of
+"""Runs scripts/check-docs on small pages: it accepts a valid page and reports each of
 several mistakes with its place. The argument is the script."""
 
 import subprocess
@@ -9,7 +9,7 @@ from pathlib import Path
 
 CHECK = sys.argv.pop(1)
 
-# Stands in for the program: it repeats its arguments, and fails for "fail".
+# Replaces the program: prints its arguments, and fails for "fail".
 TARN = """#!/bin/sh
 echo "$@"
 test "$1" != fail
@@ -56,41 +56,41 @@ class CheckDocsTest(unittest.TestCase):
         )
         self.assertEqual(self.blocks(text), (0, ""))
 
-    def test_refusesWhatNoTestWouldNotice(self):
+    def test_refusesBlocksThatNoTestCovers(self):
         for text, line, message in (
             ("```cpp\nint a;\n```\n", 2, "C++ that no test builds"),
             ("\n```c++\nint a;\n```\n", 3, "C++ that no test builds"),
             ("<!-- file: A.cpp -->\nText between them.\n```cpp\nint a;\n```\n", 4, "C++ that no test builds"),
             ("- A list:\n\n  ```cpp\n  int a;\n  ```\n", 4, "C++ that no test builds"),
             ("```toml\nname = 1\n```\n", 2, "TOML that no test loads"),
-            ("```sh\ncd data && tarn check a.toml\n```\n", 2, "not at its beginning"),
-            ("```sh\n/opt/bin/tarn types\n```\n", 2, "not at its beginning"),
-            ("<!-- fragmnt -->\n```sh\n./run\n```\n", 3, "no mark that is known"),
-            ("<!-- file: -->\n```toml\nformat = 1\n```\n", 3, "no mark that is known"),
+            ("```sh\ncd data && tarn check a.toml\n```\n", 2, "not at the start of the line"),
+            ("```sh\n/opt/bin/tarn types\n```\n", 2, "not at the start of the line"),
+            ("<!-- fragmnt -->\n```sh\n./run\n```\n", 3, "unknown or incomplete mark"),
+            ("<!-- file: -->\n```toml\nformat = 1\n```\n", 3, "unknown or incomplete mark"),
             ("See\n[there](nowhere.md).\n", 2, "there is no nowhere.md"),
             ('<img src="nowhere.png" alt="">\n', 1, "there is no nowhere.png"),
-            ("![A drawing](broken.svg)\n", 1, "broken.svg is no drawing"),
+            ("![A drawing](broken.svg)\n", 1, "broken.svg is not a valid drawing"),
             ("See [there](other.md#nothing).\n", 1, "other.md has no heading for #nothing"),
         ):
             with self.subTest(text):
-                status, said = self.blocks(text)
+                status, messages = self.blocks(text)
                 self.assertEqual(status, 1)
-                self.assertIn(f"page.md:{line}: ", said)
-                self.assertIn(message, said)
+                self.assertIn(f"page.md:{line}: ", messages)
+                self.assertIn(message, messages)
         for text, message in (
-            ("<!-- file: A.cpp -->\n```cpp\nint a;\n```\n", "its CMakeLists.txt does not have A.cpp"),
+            ("<!-- file: A.cpp -->\n```cpp\nint a;\n```\n", "its CMakeLists.txt does not list A.cpp"),
             ("<!-- file: A.hpp -->\n```cpp\nint a;\n```\n", "nothing includes A.hpp"),
             ("<!-- output -->\n```\none\n```\n```sh\ntarn one\n```\n", "no command before this output"),
         ):
             with self.subTest(text):
-                status, said = self.blocks(text)
+                status, messages = self.blocks(text)
                 self.assertEqual(status, 1)
-                self.assertIn(message, said)
+                self.assertIn(message, messages)
         self.assertIn("no test Time.stops", self.blocks("It stops. <!-- test: Time.stops -->\n")[1])
         self.assertNotEqual(self.blocks("```cpp\nint a;\n")[0], 0)
         self.assertNotEqual(self.blocks("<!-- file: A.cpp\nint a;\n")[0], 0)
 
-    def test_putsTheShownAndTheHiddenPartsOfAFileTogether(self):
+    def test_joinsTheShownAndTheHiddenPartsOfAFile(self):
         self.page.write_text(
             "<!-- file: A.cpp\nclass A {\n-->\n\n1. A member:\n   <!-- file: A.cpp -->\n   ```cpp\n   int a;\n   ```\n"
             "<!-- file: A.cpp\n};\n-->\n"
@@ -105,18 +105,18 @@ class CheckDocsTest(unittest.TestCase):
         self.page.write_text("<!-- file: CMakeLists.txt -->\n```cmake\nproject(a)\n```\n")
         self.assertEqual(self.check("extract", self.shown, self.page), (0, "build page\n"))
 
-    def test_comparesWhatCommandsPrint(self):
+    def test_comparesTheOutputOfCommands(self):
         commands = "```sh\n./run\ntarn one\nNAME=x tarn two \\\n    three\n```\n\n<!-- output -->\n"
         for output in ("one\ntwo three", "...", "...\ntwo three", "one\n...", "one\n...\ntwo three"):
             with self.subTest(output):
                 self.assertEqual(self.run_page(f"{commands}```\n{output}\n```\n"), (0, ""))
         for output in ("one", "two three", "one\ntwo\nthree", "...\none", "on.\ntwo three"):
             with self.subTest(output):
-                status, said = self.run_page(f"{commands}```\n{output}\n```\n")
+                status, messages = self.run_page(f"{commands}```\n{output}\n```\n")
                 self.assertEqual(status, 1)
-                self.assertIn("page.md:10: what is printed is not this, but\none\ntwo three", said)
+                self.assertIn("page.md:10: the commands print instead:\none\ntwo three", messages)
 
-    def test_refusesCommandsThatEndWithAnotherStatus(self):
+    def test_refusesCommandsWithAnUnexpectedStatus(self):
         self.assertEqual(self.run_page("```sh\ntarn fail\n```\n")[0], 1)
         self.assertEqual(self.run_page("<!-- status: 1 -->\n```sh\ntarn fail\n```\n"), (0, ""))
         self.assertEqual(self.run_page("<!-- status: 1 -->\n```sh\ntarn types\n```\n")[0], 1)

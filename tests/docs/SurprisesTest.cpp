@@ -1,6 +1,6 @@
-// Reads the table of texts in docs/surprises.md and holds each row against what the
-// types do. The rows of the other tables name the tests that guard them;
-// scripts/check-docs sees to it that these are there.
+// Compares each row of the table of texts in docs/surprises.md with the behaviour of the
+// types. The rows of the other tables name the tests that guard them; scripts/check-docs
+// checks that these exist.
 
 #include <trellis/VValueCreator.hpp>
 
@@ -22,7 +22,7 @@ struct Row {
     std::string type;
     std::string text;
     bool isRefused;
-    std::string value; ///< what is held then; of refused texts only where the page says so
+    std::string value; ///< text of the resulting value; given for a refused text only if the page shows it
     bool hasValue;
 };
 
@@ -39,7 +39,7 @@ std::vector<std::string> cellsOf(const std::string& line)
     return cells;
 }
 
-// What stands between the backticks of a cell; false if there is nothing.
+// Reads the text between the backticks of a cell. Returns false if there is none.
 bool readCode(const std::string& cell, std::string& code)
 {
     const std::size_t begin = cell.find('`');
@@ -63,11 +63,11 @@ std::vector<Row> rowsOfTheTable()
         const std::vector<std::string> cells = cellsOf(line);
         Row row{line, {}, {}, false, {}, false};
         if (cells.size() != 4 || !readCode(cells[0], row.type) || !readCode(cells[1], row.text))
-            throw std::runtime_error{"not understood: " + line};
+            throw std::runtime_error{"invalid row: " + line};
         row.isRefused = cells[2].starts_with("refused");
         row.hasValue = readCode(cells[2], row.value) || cells[2] == "the empty text";
         if (!row.isRefused && !row.hasValue)
-            throw std::runtime_error{"not understood: " + line};
+            throw std::runtime_error{"invalid row: " + line};
         rows.push_back(row);
     }
     return rows;
@@ -75,9 +75,9 @@ std::vector<Row> rowsOfTheTable()
 
 } // namespace
 
-TEST(Surprises, areAsTheTableOfTextsTells)
+TEST(Surprises, matchTheTableOfTexts)
 {
-    // What networks have at hand without naming a library.
+    // The types that networks can use without naming a library.
     void* const standard = dlopen(STANDARD_LIBRARY, RTLD_NOW | RTLD_LOCAL);
     ASSERT_TRUE(standard) << dlerror();
     const std::vector<Row> rows = rowsOfTheTable();
@@ -86,7 +86,7 @@ TEST(Surprises, areAsTheTableOfTextsTells)
         SCOPED_TRACE(row.line);
         bool ok = false;
         const StrongPtr<VValueBase> value = VValueCreator::createValue(row.type, row.text, ok);
-        EXPECT_TRUE(value) << "there is no such type";
+        EXPECT_TRUE(value) << "no such type";
         EXPECT_EQ(ok, !row.isRefused);
         if (value && row.hasValue) {
             EXPECT_EQ(value->Text(), row.value);
@@ -102,7 +102,7 @@ TEST(Surprises, nameTheTestThatGuardsThem)
     bool isText = false;
     for (std::string line; std::getline(page, line);) {
         isText = line == "<!-- texts -->" || (isText && !line.empty());
-        if (isText || !line.starts_with("| ") || line.starts_with("| what happens |"))
+        if (isText || !line.starts_with("| ") || line.starts_with("| behaviour |"))
             continue;
         ++rows;
         EXPECT_THAT(line, testing::HasSubstr("<!-- test: "));

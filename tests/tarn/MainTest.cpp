@@ -1,4 +1,4 @@
-// The program as a whole: what it answers to the shell, and what it leaves behind.
+// The whole program: its exit status, its output and the files it leaves.
 
 #include <tarn/commands/ExitStatus.hpp>
 
@@ -24,7 +24,7 @@ const std::string network = "format = 1\nlibraries = ['testobjects']\n"
 
 } // namespace
 
-TEST(Main, printsHelpAndVersionAsResults)
+TEST(Main, printsHelpAndVersionToStandardOutput)
 {
     const ProcessResult help = runTarn({"--help"});
     EXPECT_EQ(help.status, 0);
@@ -35,7 +35,7 @@ TEST(Main, printsHelpAndVersionAsResults)
     EXPECT_THAT(version.out, testing::MatchesRegex("tarn [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
-TEST(Main, answersWrongUsageWithThree)
+TEST(Main, exitsWithStatus3OnWrongUsage)
 {
     const ProcessResult result = runTarn({"run"});
     EXPECT_EQ(result.status, 3);
@@ -45,7 +45,7 @@ TEST(Main, answersWrongUsageWithThree)
         testing::MatchesRegex("tarn: no NETWORK.toml, expected tarn run NETWORK.toml (.|\n)*tarn: see tarn --help\n"));
 }
 
-TEST(Main, answersAnUnreadableNetworkWithFour)
+TEST(Main, exitsWithStatus4WhenTheNetworkCannotBeRead)
 {
     const TestFolder folder;
     for (const std::string command : {"run", "check"}) {
@@ -59,7 +59,7 @@ TEST(Main, answersAnUnreadableNetworkWithFour)
     }
 }
 
-TEST(Main, looksForNetworksInTheDataFolders)
+TEST(Main, searchesTheDataFoldersForNetworks)
 {
     const TestFolder folder;
     folder.write("nets/one/net.toml", network);
@@ -73,7 +73,7 @@ TEST(Main, looksForNetworksInTheDataFolders)
     EXPECT_EQ(runTarn({"run", "two/net.toml"}, options).status, 4);
 }
 
-TEST(Main, answersFaultsWithTwoAndEvaluatesNothing)
+TEST(Main, exitsWithStatus2AndEvaluatesNothingOnFaults)
 {
     const TestFolder folder;
     const std::string file = folder.write("net.toml", network + "[[object]]\nname = 't'\ntype = 'Talker'\nset = 5\n");
@@ -107,7 +107,7 @@ TEST(Main, writesTheTableAndNothingElse)
     EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv"));
 }
 
-TEST(Main, answersATableThatCannotBeWrittenWithFour)
+TEST(Main, exitsWithStatus4WhenTheTableCannotBeWritten)
 {
     ASSERT_TRUE(isSafeToWriteDevices());
     const TestFolder folder;
@@ -123,14 +123,14 @@ TEST(Main, answersATableThatCannotBeWrittenWithFour)
     EXPECT_THAT(folder.names(), ElementsAre("net.toml"));
 }
 
-TEST(Main, leavesTheOldTableWhenThereIsNoRoomForTheNew)
+TEST(Main, leavesTheOldTableWhenTheNewOneDoesNotFit)
 {
     const TestFolder folder;
     folder.write("table.csv", "old");
     const std::string file =
         folder.write("net.toml", network + "[[object]]\nname = 'long'\ntype = 'Echo'\nset = { text = '"
                                      + std::string(100000, 'x') + "' }\n[[column]]\ntitle = 'x'\nvalue = 'long.out'\n");
-    // In blocks; a part of the table fits.
+    // The limit is in blocks; only a part of the table fits.
     const ProcessResult result = runTarn({"run", file, "--table=" + folder.file("table.csv")}, {{}, "ulimit -f 8"});
     EXPECT_EQ(result.status, 4);
     EXPECT_THAT(result.err, HasSubstr("tarn: cannot write " + folder.file("table.csv") + ": File too large\n"));
@@ -138,7 +138,7 @@ TEST(Main, leavesTheOldTableWhenThereIsNoRoomForTheNew)
     EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv"));
 }
 
-TEST(Main, doesNotWriteTheTableOverTheNetwork)
+TEST(Main, doesNotOverwriteTheNetworkWithTheTable)
 {
     const TestFolder folder;
     const std::string file = folder.write("net.toml", network);
@@ -148,7 +148,7 @@ TEST(Main, doesNotWriteTheTableOverTheNetwork)
     EXPECT_EQ(contentOf(file), network);
 }
 
-TEST(Main, writesTheTableIntoAPipe)
+TEST(Main, writesTheTableToAPipe)
 {
     const TestFolder folder;
     const std::string pipe = folder.file("pipe");
@@ -159,7 +159,7 @@ TEST(Main, writesTheTableIntoAPipe)
     EXPECT_TRUE(std::filesystem::is_fifo(pipe));
 }
 
-TEST(Main, worksWhenThePlaceHasStrangeNames)
+TEST(Main, acceptsUnusualCharactersInPaths)
 {
     const TestFolder folder;
     const std::string name = "two\nlines 'ä' \"x\"/net %s.toml";

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-// Pieces of networks, and running them.
+// Fragments of network files, and a function to run them.
 
 inline const std::string networkHead = "format = 1\nlibraries = ['testobjects']\n";
 
@@ -19,11 +19,11 @@ inline std::string column(const std::string& title, const std::string& value)
     return "[[column]]\ntitle = '" + title + "'\nvalue = '" + value + "'\n";
 }
 
-/// Time from 0 to 1 in steps of a quarter.
+/// A clock that runs from 0 to 1 in steps of 0.25.
 inline const std::string clockInQuarters = object("clock", "GlobalTime", "set = { time = '0[0,1]@0.25' }\n");
 
-/// Runs a network and gives what became of its table on standard output. Messages
-/// call the network net.toml.
+/// Runs a network and returns the result, with the table in `out`. Messages name the
+/// network net.toml.
 inline ProcessResult evaluate(const std::string& network, std::vector<std::string> options = {},
                               const std::vector<std::string>& environment = {})
 {

@@ -7,38 +7,37 @@
 
 #include <sys/types.h>
 
-/// How a program ended and what it printed.
+/// The exit status and the output of a program.
 struct ProcessResult {
-    int status = -1; ///< exit status; 1000 and the number of the signal that killed it
+    int status = -1; ///< exit status, or 1000 plus the number of the signal that killed it
     std::string out;
     std::string err;
 };
 
-/// The host program, running. Finds the test object library through its
-/// environment.
+/// A running host program. It finds the test object library through its environment.
 class TarnProcess {
 public:
     struct Options {
-        std::vector<std::string> environment; ///< NAME=VALUE, over the test's own
-        std::string shell;                    ///< commands to run in the shell that becomes the program
+        std::vector<std::string> environment; ///< NAME=VALUE; overrides the test's own
+        std::string shell;                    ///< commands to run in the shell before it becomes the program
     };
 
     explicit TarnProcess(const std::vector<std::string>& arguments) : TarnProcess{arguments, Options{}} {}
     TarnProcess(const std::vector<std::string>& arguments, const Options& options);
 
-    /// Ends it if it was not waited for.
+    /// Kills the program unless wait() was called.
     ~TarnProcess();
 
     TarnProcess(const TarnProcess&) = delete;
     TarnProcess& operator=(const TarnProcess&) = delete;
 
-    /// Waits until it has printed \p text to standard error; false if it ends, or
-    /// prints nothing for a minute, without.
+    /// Waits until the program has printed \p text to standard error. Returns false if it
+    /// ends without it, or prints nothing for a minute.
     bool waitForMessage(const std::string& text);
 
     void send(int signal) const;
 
-    /// Waits for its end; kills it if it prints nothing for a minute.
+    /// Waits until the program ends. Kills it if it prints nothing for a minute.
     ProcessResult wait();
 
 private:
@@ -50,5 +49,5 @@ private:
     std::string m_error;
 };
 
-/// Runs the host program to its end.
+/// Runs the host program until it ends.
 ProcessResult runTarn(const std::vector<std::string>& arguments, const TarnProcess::Options& options = {});

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-/// Names of the types that inputs of the program may have; tests register types of their
-/// own, which the program does not know.
+/// Returns the names of the types that inputs of the program may have. Asks the program,
+/// because the tests register types that it does not have.
 inline std::vector<std::string> inputTypes()
 {
     std::vector<std::string> types;
@@ -19,8 +19,8 @@ inline std::vector<std::string> inputTypes()
     return types;
 }
 
-/// Texts that some value types accept and others refuse, odd ones among them. A test
-/// that tries them all with every type needs no list of types.
+/// Returns texts, some of them unusual, that some value types accept and others refuse. A
+/// test that tries them all with every type needs no list of types.
 inline std::vector<std::string> valueTexts()
 {
     return {

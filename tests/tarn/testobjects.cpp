@@ -1,4 +1,4 @@
-// Objects with all the habits that a host has to cope with.
+// Objects that show every behaviour a host has to handle.
 
 #include <fathom/Action.hpp>
 #include <fathom/Double.hpp>
@@ -33,7 +33,7 @@
 
 #include <unistd.h>
 
-// A value that no text restores: whoever reads one gets a number of his own.
+// A value that no text restores: every read sets a new number.
 struct Ticket {
     int number = 0;
 
@@ -80,7 +80,7 @@ private:
     VOutput<double> m_sum;
 };
 
-// Adds 1 up to a limit, so that it settles when it reads itself.
+// Adds 1 up to a limit. A loop through it settles at the limit.
 class Counter final : public Orla::VObject {
 public:
     Counter(const std::string& name, int level, const Preferences& preferences)
@@ -122,7 +122,7 @@ private:
     VOutput<std::string> m_out;
 };
 
-// Slots whose names have dots and an equals sign.
+// Has slots whose names contain dots and an equals sign.
 class Dotted final : public Orla::VObject {
 public:
     Dotted(const std::string& name, int level, const Preferences& preferences)
@@ -160,7 +160,7 @@ private:
     VOutput<double> m_out;
 };
 
-// Fails in each step behind the first, in the way that its input says.
+// Fails at every time above 0: throws if `how` is "throw", otherwise returns false.
 class Failing final : public Orla::VObject, public Orla::TimeDependent {
 public:
     Failing(const std::string& name, int level, const Preferences& preferences)
@@ -188,7 +188,7 @@ private:
     VOutput<double> m_out;
 };
 
-// Works until it is told to stop; says when it has begun.
+// Prints a message and works until it is cancelled. If `listens` is 0, it never stops.
 class Slow final : public Orla::VObject {
 public:
     Slow(const std::string& name, int level, const Preferences& preferences)
@@ -219,7 +219,7 @@ public:
     }
 };
 
-// Takes the object that its input names out of the network.
+// Removes the object that its input names from the network, at any time above 0.
 class Remover final : public Orla::VObject, public Orla::TimeDependent {
 public:
     Remover(const std::string& name, int level, const Preferences& preferences)
@@ -240,7 +240,7 @@ private:
     TypedSlot<std::string> m_victim;
 };
 
-// Prints on all ways that lead to standard output.
+// Prints to standard output through stdio, iostream and the file descriptor.
 class Talker final : public Orla::VObject {
 public:
     Talker(const std::string& name, int level, const Preferences& preferences) : VObject{name, level, preferences}
@@ -257,7 +257,7 @@ public:
     }
 };
 
-// As a library does that brings a graphical toolkit.
+// Sets the global locale, as a library with a graphical toolkit does.
 class LocaleSetter final : public Orla::VObject {
 public:
     LocaleSetter(const std::string& name, int level, const Preferences& preferences)
@@ -325,7 +325,7 @@ public:
     bool update(Orla::VRequest&, double) override { return true; }
 };
 
-// Is held by its own library for ever.
+// Its own library holds it forever.
 class Clinging final : public Orla::VObject {
 public:
     using VObject::VObject;
@@ -338,7 +338,7 @@ public:
     }
 };
 
-// Offers the charts that its input names, separated by commas.
+// Offers the charts that its input lists, separated by commas.
 class Chartmaker final : public Orla::VObject, public Orla::Atlas {
 public:
     Chartmaker(const std::string& name, int level, const Preferences& preferences)
@@ -360,7 +360,7 @@ private:
     TypedSlot<std::string> m_charts;
 };
 
-// Writes the name of the chart that it follows.
+// Outputs the name of the chart that it follows.
 class Follower final : public Orla::VObject, public Orla::VChartDependent {
 public:
     Follower(const std::string& name, int level, const Preferences& preferences)
@@ -378,7 +378,7 @@ private:
     VOutput<std::string> m_out;
 };
 
-// Writes down all events, and holds the grab between a press and a release.
+// Logs all events, and holds the grab from a press to the release.
 class Listener final : public Orla::VObject, public Orla::Interactive {
 public:
     Listener(const std::string& name, int level, const Preferences& preferences)
@@ -413,7 +413,7 @@ private:
     VOutput<std::string> m_log;
 };
 
-// Counts the actions that reach it and adds up their numbers.
+// Adds up the numbers of the actions that reach it.
 class ActionCounter final : public Orla::VObject {
 public:
     ActionCounter(const std::string& name, int level, const Preferences& preferences)
@@ -444,7 +444,7 @@ private:
     TypedSlot<StrongPtr<Orla::VAction>> m_trigger{this, "trigger", nullptr, 0};
 };
 
-// Tells what its inputs say.
+// Reports the status that its inputs give.
 class Teller final : public Orla::VObject, public Orla::StatusIndicator {
 public:
     Teller(const std::string& name, int level, const Preferences& preferences)
@@ -493,7 +493,7 @@ private:
     VOutput<std::string> m_opened;
 };
 
-// An input of every type that is registered, named like it.
+// Has one input per type that inputs may have, named after the type.
 class Everything final : public Orla::VObject {
 public:
     Everything(const std::string& name, int level, const Preferences& preferences) : VObject{name, level, preferences}
@@ -509,7 +509,7 @@ public:
     bool update(Orla::VRequest&, double) override { return true; }
 };
 
-// Offers names that the text forms of choices take for their own signs.
+// Offers choices whose names contain the separators of the text forms.
 class Chooser final : public Orla::VObject {
 public:
     using One = StrongPtr<Orla::StringSelection, Orla::StringList>;
@@ -555,7 +555,7 @@ private:
     TypedSlot<Ticket> m_ticket;
 };
 
-// Has names that other languages take for their own signs, and bytes that are no text.
+// Has names that contain markup and bytes that are not UTF-8.
 class Misnamed final : public Orla::VObject {
 public:
     Misnamed(const std::string& name, int level, const Preferences& preferences)
@@ -572,7 +572,7 @@ private:
     VOutput<std::string> m_out;
 };
 
-// Fails when a partner was made for it already.
+// Throws after a partner has been created for it.
 class HalfMade final : public Orla::VObject, public Orla::Interactive {
 public:
     HalfMade(const std::string& name, int level, const Preferences& preferences)
@@ -584,7 +584,7 @@ public:
     bool update(Orla::VRequest&, double) override { return true; }
 };
 
-// Makes another object and holds it for ever.
+// Creates another object and holds it forever.
 class Hoarder final : public Orla::VObject {
 public:
     Hoarder(const std::string& name, int level, const Preferences& preferences) : VObject{name, level, preferences}

@@ -11,7 +11,7 @@ using testing::HasSubstr;
 
 namespace {
 
-int nothing(const Arguments&, const StandardStreams&)
+int doNothing(const Arguments&, const StandardStreams&)
 {
     return 0;
 }
@@ -24,10 +24,10 @@ const Command cook{
     .summary = "Cooks.",
     .options = {{.name = "add", .shape = "SPICE", .help = "Adds a spice.", .repeats = true},
                 {.name = "minutes", .shape = "N", .help = "How long."},
-                {.name = "quietly", .shape = "", .help = "Says nothing."}},
-    .perform = &nothing,
+                {.name = "quietly", .shape = "", .help = "Prints nothing."}},
+    .perform = &doNothing,
 };
-const Command list{.name = "list", .nameShape = "SHELF", .mostNames = 9, .summary = "Lists.", .perform = &nothing};
+const Command list{.name = "list", .nameShape = "SHELF", .mostNames = 9, .summary = "Lists.", .perform = &doNothing};
 const std::vector<const Command*> all{&cook, &list};
 
 CommandLine parse(std::vector<std::string> words)
@@ -72,18 +72,18 @@ TEST(CommandLine, hasNoOptionsUnlessTheyAreGiven)
     EXPECT_FALSE(line.arguments.has("quietly"));
 }
 
-TEST(CommandLine, takesANameThatBeginsWithADashBehindTwoDashes)
+TEST(CommandLine, acceptsNamesThatBeginWithADashAfterTwoDashes)
 {
     EXPECT_THAT(parse({"list", "--", "--steps", "-x", "-"}).arguments.names, ElementsAre("--steps", "-x", "-"));
     EXPECT_THAT(parse({"list", "-"}).arguments.names, ElementsAre("-"));
 }
 
-TEST(CommandLine, takesThePlusFromANameThatBeginsWithOne)
+TEST(CommandLine, removesALeadingPlusFromAName)
 {
     EXPECT_THAT(parse({"list", "+--steps", "++a"}).arguments.names, ElementsAre("--steps", "+a"));
 }
 
-TEST(CommandLine, saysWhatIsWrong)
+TEST(CommandLine, reportsWrongUsage)
 {
     const struct {
         std::vector<std::string> words;
@@ -111,7 +111,7 @@ TEST(CommandLine, saysWhatIsWrong)
     }
 }
 
-TEST(CommandLine, helpsWithEachCommandAndWithAllWhateverElseIsWrong)
+TEST(CommandLine, offersHelpEvenIfOtherArgumentsAreWrong)
 {
     const struct {
         std::vector<std::string> words;
@@ -137,7 +137,7 @@ TEST(CommandLine, listsAllCommandsAndExitStatusesInTheGeneralHelp)
     const std::string help = CommandLine::generalHelp(all);
     EXPECT_THAT(help, HasSubstr("  tarn cook RECIPE     Cooks.\n"));
     EXPECT_THAT(help, HasSubstr("  tarn list SHELF      Lists.\n"));
-    EXPECT_THAT(help, HasSubstr("  tarn COMMAND --help  Tells more about a command.\n"));
+    EXPECT_THAT(help, HasSubstr("  tarn COMMAND --help  Describes a command and its options.\n"));
     for (const char* status : {"\n  0  ", "\n  1  ", "\n  2  ", "\n  3  ", "\n  4  ", "129, 130, 143"})
         EXPECT_THAT(help, HasSubstr(status));
 }

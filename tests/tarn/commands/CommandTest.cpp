@@ -11,7 +11,7 @@
 using namespace Tarn;
 using testing::HasSubstr;
 
-TEST(Command, showsWhatMayBeRepeatedAndLeftOut)
+TEST(Command, showsWhatMayBeRepeatedOrOmitted)
 {
     const Command command{
         .name = "list",
@@ -30,7 +30,7 @@ TEST(Command, showsWhatMayBeRepeatedAndLeftOut)
                                "\nMore.\n");
 }
 
-TEST(Command, breaksALongSynopsisBetweenItsWords)
+TEST(Command, breaksALongSynopsisBetweenWords)
 {
     Command command{.name = "run", .nameShape = "NETWORK", .fewestNames = 1, .mostNames = 1};
     for (int i = 0; i < 9; ++i)
@@ -44,7 +44,7 @@ TEST(Command, breaksALongSynopsisBetweenItsWords)
     EXPECT_EQ(count, 3u);
 }
 
-TEST(Command, tellsOfEachCommandWhatItDoes)
+TEST(Command, describesEachCommand)
 {
     std::set<std::string> names;
     for (const Command* command : commands()) {

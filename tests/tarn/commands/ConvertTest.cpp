@@ -1,4 +1,4 @@
-// Writing networks again, with the program as a whole.
+// Converting networks with the whole program.
 
 #include <tarn/network/Conversion.hpp>
 
@@ -41,8 +41,8 @@ struct Converted {
     std::string err;
 };
 
-/// Converts \p network and, if there are no faults, checks that what was written is
-/// written in the same way again.
+/// Converts \p network. If a file was written, checks that a second conversion gives the same
+/// text.
 Converted convert(const std::string& network, const std::vector<std::string>& options = {},
                   const TarnProcess::Options& process = {})
 {
@@ -66,7 +66,7 @@ Converted convert(const std::string& network, const std::vector<std::string>& op
 
 } // namespace
 
-TEST(Convert, writesEveryExampleTheSameFromThenOn)
+TEST(Convert, writesEveryExampleTheSameAgain)
 {
     const TestFolder folder;
     std::size_t networks = 0;
@@ -83,7 +83,7 @@ TEST(Convert, writesEveryExampleTheSameFromThenOn)
         EXPECT_EQ(second.status, 0) << second.err;
         EXPECT_EQ(contentOf(twice), contentOf(once));
         EXPECT_EQ(runTarn({"check", once}).status, 0);
-        // In their own folder they would be the same but for the names of files.
+        // Both keep the names of files.
         const ProcessResult printed = runTarn({"convert", entry.path().string(), "-"});
         const ProcessResult kept = runTarn({"convert", "--keep-names", entry.path().string(), twice});
         EXPECT_EQ(kept.status, 0) << kept.err;
@@ -92,8 +92,8 @@ TEST(Convert, writesEveryExampleTheSameFromThenOn)
     EXPECT_GE(networks, 1u);
 }
 
-// What the file holds is compared with what the texts make, type by type: a type that
-// joins later is tried too.
+// Compares the values in the file with the values that the texts make, for every type,
+// including types added later.
 TEST(Convert, keepsEveryValueOfEveryType)
 {
     Tarn::Libraries libraries{{STANDARD_FOLDER}};
@@ -131,7 +131,7 @@ TEST(Convert, keepsEveryValueOfEveryType)
 
     const Converted result = convert(Tarn::networkText(network));
     ASSERT_EQ(result.status, 0) << result.err;
-    // And the same bytes where a library has set a locale with a decimal comma.
+    // The bytes are the same if a library has set a locale with a decimal comma.
     const std::string locale = object("locale", "LocaleSetter");
     const Converted comma = convert(Tarn::networkText(network) + locale, {}, {{"LC_ALL=de_DE.UTF-8"}, ""});
     EXPECT_EQ(comma.text, result.text + locale);
@@ -162,7 +162,7 @@ TEST(Convert, keepsEveryValueOfEveryType)
     libraries.unload();
 }
 
-TEST(Convert, keepsChoicesWithNamesOfEveryKind)
+TEST(Convert, keepsChoicesWithAnyNames)
 {
     const auto chooser = [](const std::string& one, const std::string& sets) {
         return head + object(one, "Chooser", sets);
@@ -174,7 +174,7 @@ TEST(Convert, keepsChoicesWithNamesOfEveryKind)
               chooser("b", "set.one = { text = \"@@@plain|a|b|a@b|@@|two words ä\\\"\\n{}||\", exact = \"@@\" }\n"
                            "set.many = { text = \"{plain}@{plain}{pi{e}ces}{ä\\\"\\n}\", exact = \"{plain}\" }\n"));
     EXPECT_EQ(convert(chooser("c", "set.case = \"two words ä\\\"\\n\"\nset.one = \"\"\n")).status, 0);
-    // A choice that its text cannot make is refused and not replaced by another one.
+    // A choice that its text cannot select is refused, not replaced by another.
     const Converted refused = convert(chooser("d", "set.one = \"a@b\"\n"));
     EXPECT_EQ(refused.status, 2);
     EXPECT_EQ(refused.text, "");
@@ -193,7 +193,7 @@ TEST(Convert, writesInputsInTheOrderOfTheObjectWithTheirValues)
                   + "\n[[column]]\ntitle = \"sum\"\nvalue = \"b.sum\"\n");
 }
 
-TEST(Convert, takesNamesOfEveryKind)
+TEST(Convert, acceptsAnyNames)
 {
     const std::string network = head + "chart = \"a \\\"chart\\\" ä\"\n"
                                 + object("say \\\"ä\\\"\\n{}'\\t\\\\", "Dotted", "set.\"in.a=b\" = 5\n")
@@ -204,7 +204,7 @@ TEST(Convert, takesNamesOfEveryKind)
     EXPECT_EQ(result.text, network);
 }
 
-TEST(Convert, savesWhatTheCommandLineSets)
+TEST(Convert, savesValuesFromTheCommandLine)
 {
     const Converted result = convert(head + object("a", "Adder", "set.a = 1\n") + object("e", "Echo"),
                                      {"--set=a.a=1", "--set=a.a=40", "--set=a.b=2.50", "--set=e.text=x\n=\"ä\""});
@@ -214,7 +214,7 @@ TEST(Convert, savesWhatTheCommandLineSets)
     EXPECT_EQ(result.err, "net.toml: 2 objects, 0 connections, written to once.toml\n");
 }
 
-TEST(Convert, refusesWhatCannotBeKeptWithItsPlace)
+TEST(Convert, reportsThePlaceOfWhateverCannotBeKept)
 {
     const struct {
         std::string network;
@@ -227,10 +227,10 @@ TEST(Convert, refusesWhatCannotBeKeptWithItsPlace)
          "restores it\n"},
         {head + object("e", "Echo"),
          {"--set=e.text=\xFF"},
-         "--set=e.text=\xFF: the value cannot be kept: the text is no UTF-8\n"},
+         "--set=e.text=\xFF: the value cannot be kept: the text is not valid UTF-8\n"},
         {head + object("t", "Strange"),
          {"--set=t.x=1"},
-         "--set=t.x=1: object \"t\" has no inputs, because its type is not known\n"},
+         "--set=t.x=1: object \"t\" has no inputs because its type is unknown\n"},
         {head + object("a", "Adder", "set.c = 1\n"),
          {},
          "net.toml:7:5: object \"a\": Adder has no input \"c\"; there are a, b\n"},
@@ -241,7 +241,7 @@ TEST(Convert, refusesWhatCannotBeKeptWithItsPlace)
          {},
          "net.toml:7:13: object \"a\", input \"a\": no object is named \"b\"\n"},
         {head + object("a", "Adder", "set.a = 1\nset.a = 2\n"), {}, "net.toml:8:"},
-        {"format = 2\n", {}, "net.toml:1:10: format 2: saved by a newer version; this one reads format 1\n"},
+        {"format = 2\n", {}, "net.toml:1:10: format 2: saved by a newer version; this version reads format 1\n"},
     };
     for (const auto& [network, options, fault] : cases) {
         SCOPED_TRACE(network);
@@ -252,7 +252,7 @@ TEST(Convert, refusesWhatCannotBeKeptWithItsPlace)
     }
 }
 
-TEST(Convert, readsTheExactTextAndNotTheOneThatIsShown)
+TEST(Convert, readsTheExactTextInsteadOfTheDisplayedOne)
 {
     const auto network = [](const std::string& value) {
         return head + object("all", "Everything", "set.MultiRange = " + value + "\n");
@@ -268,10 +268,11 @@ TEST(Convert, readsTheExactTextAndNotTheOneThatIsShown)
     EXPECT_EQ(edited.status, 2);
     EXPECT_THAT(edited.err,
                 HasSubstr("net.toml:7:27: object \"all\", input \"MultiRange\": the text \"[1.000000;5.000000]\" "
-                          "is not what the exact text gives, \"[1.000000;4.000000]\"; leave one of the two out\n"));
+                          "does not match \"[1.000000;4.000000]\", which the exact text gives; remove one of the "
+                          "two\n"));
 }
 
-TEST(Convert, keepsObjectsOfUnknownTypeInTheirPlaceAndSaysSo)
+TEST(Convert, keepsObjectsOfUnknownTypeInPlaceAndReportsThem)
 {
     const std::string network = "format = 1\nlibraries = [\"testobjects\", \"none\"]\n"
                                 + object("a", "Adder", "set.a = 1\n")
@@ -287,10 +288,10 @@ TEST(Convert, keepsObjectsOfUnknownTypeInTheirPlaceAndSaysSo)
     EXPECT_THAT(
         result.err,
         HasSubstr("net.toml:11:8: object \"odd\": no library has an object type \"Strange\" (not loaded: \"none\")\n"));
-    EXPECT_THAT(result.err, HasSubstr("net.toml: 2 faults; what is not known was written as it stood\n"));
+    EXPECT_THAT(result.err, HasSubstr("net.toml: 2 faults; unknown parts were written unchanged\n"));
 }
 
-TEST(Convert, refusesWhatIsNestedTooDeeplyToBeWritten)
+TEST(Convert, refusesTablesNestedTooDeeplyToBeWritten)
 {
     std::string inner = "1";
     for (int i = 0; i < 30; ++i)
@@ -302,7 +303,7 @@ TEST(Convert, refusesWhatIsNestedTooDeeplyToBeWritten)
                 HasSubstr("net.toml:7:8: object \"odd\": \"deep\" is nested too deeply to be written again\n"));
 }
 
-TEST(Convert, writesOntoItselfAndToStandardOutput)
+TEST(Convert, overwritesItsInputAndWritesToStandardOutput)
 {
     const TestFolder folder;
     const std::string canonical = head + object("a", "Adder", "set.a = 1\n");
@@ -321,7 +322,7 @@ TEST(Convert, doesNotRunTheNetwork)
     EXPECT_EQ(result.status, 0) << result.err;
 }
 
-TEST(Convert, replacesTheFileBehindALink)
+TEST(Convert, replacesTheTargetOfALink)
 {
     const TestFolder folder;
     const std::string file = folder.write("net.toml", head + object("a", "Adder"));
@@ -359,7 +360,7 @@ TEST(Convert, leavesTheOldFileInAReadOnlyFolder)
     const std::string file = folder.write("net.toml", head + object("a", "Adder"));
     const std::string target = folder.write("locked/target.toml", "old");
     ASSERT_EQ(::chmod(folder.file("locked").c_str(), 0555), 0);
-    // The administrator may write everywhere, unless that right is given up.
+    // Root may write everywhere unless it gives up that capability.
     const std::string plain = ::geteuid() == 0 ? "set -- setpriv --bounding-set=-dac_override \"$@\"" : "true";
     const ProcessResult result = runTarn({"convert", file, target}, {{}, plain});
     EXPECT_EQ(result.status, 4);
@@ -368,7 +369,7 @@ TEST(Convert, leavesTheOldFileInAReadOnlyFolder)
     ASSERT_EQ(::chmod(folder.file("locked").c_str(), 0755), 0);
 }
 
-TEST(Convert, keepsNamesOfFilesValidInAnotherFolder)
+TEST(Convert, keepsFileNamesValidInAnotherFolder)
 {
     const TestFolder folder;
     folder.write("old/data/greeting.txt", "hello\n");
@@ -385,7 +386,7 @@ TEST(Convert, keepsNamesOfFilesValidInAnotherFolder)
     const std::string moved = folder.file("new/net.toml");
 
     const ProcessResult result = runTarn({"convert", old, moved});
-    EXPECT_EQ(result.status, 2); // because of the strange object
+    EXPECT_EQ(result.status, 2); // because of the object of unknown type
     EXPECT_EQ(contentOf(moved), network("../old/data/greeting.txt", "../old/word"));
     const std::string start = old + ": object ";
     EXPECT_THAT(result.err, HasSubstr(start
@@ -394,15 +395,15 @@ TEST(Convert, keepsNamesOfFilesValidInAnotherFolder)
     EXPECT_THAT(result.err, HasSubstr(start + "\"e\", input \"text\": \"word\" is written as \"../old/word\""));
     EXPECT_THAT(
         result.err,
-        HasSubstr(start + "\"f\", input \"text\": \"folder\" is also the name of a folder, and is left as it is\n"));
+        HasSubstr(start + "\"f\", input \"text\": \"folder\" is also the name of a folder and is left unchanged\n"));
     EXPECT_THAT(result.err, HasSubstr(start
-                                      + "\"odd\", input \"file\": \"data/greeting.txt\" names a file and is left as it "
-                                        "is, because the type of the object is not known\n"));
+                                      + "\"odd\", input \"file\": \"data/greeting.txt\" names a file and is left "
+                                        "unchanged because its object type is unknown\n"));
     EXPECT_THAT(result.err, Not(HasSubstr("none")));
 
     EXPECT_EQ(runTarn({"convert", "--keep-names", old, moved}).status, 2);
     EXPECT_EQ(contentOf(moved), contentOf(old));
-    // Where a stream ends is not known.
+    // The destination of a stream is unknown.
     const ProcessResult printed = runTarn({"convert", old, "-"});
     EXPECT_EQ(printed.out, contentOf(old));
     EXPECT_THAT(printed.err, Not(HasSubstr("is written as")));
@@ -422,7 +423,7 @@ TEST(Convert, writesNetworksThatRunAsBefore)
     EXPECT_EQ(result.out, "step,line\n0,hello\n");
 }
 
-TEST(Convert, saysWhichLibrariesStayBehind)
+TEST(Convert, reportsLibrariesNotFoundFromTheNewFolder)
 {
     const TestFolder folder;
     folder.write("old/lib/testobjects.so", contentOf(TEST_OBJECTS_FOLDER "/testobjects.so"));
@@ -431,14 +432,13 @@ TEST(Convert, saysWhichLibrariesStayBehind)
     const std::string elsewhere = "export TARN_LIBRARIES=";
     const ProcessResult result = runTarn({"convert", old, folder.file("new/net.toml")}, {{}, elsewhere});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.err,
-                HasSubstr(old
-                          + ": library \"testobjects\" is not found from the new folder; it lies beside the "
-                            "old network\n"));
+    EXPECT_THAT(result.err, HasSubstr(old
+                                      + ": library \"testobjects\" is not found from the new folder; it is beside the "
+                                        "old network\n"));
     EXPECT_THAT(runTarn({"convert", old, old}, {{}, elsewhere}).err, Not(HasSubstr("beside the old network")));
 }
 
-TEST(Convert, asksForTwoNamesAndWholeSettings)
+TEST(Convert, requiresTwoNamesAndCompleteSettings)
 {
     EXPECT_EQ(runTarn({"convert", "net.toml"}).status, 3);
     EXPECT_EQ(runTarn({"convert", "a.toml", "b.toml", "--set=a"}).status, 3);

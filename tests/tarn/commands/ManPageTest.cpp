@@ -23,7 +23,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
-// What a reader sees: the page without its markup, with single blanks.
+// Returns the page as a reader sees it: without markup, with single blanks.
 std::string plain(std::string page)
 {
     page = std::regex_replace(page, std::regex(R"((^|\n)\.([A-Z]+|ad .) ?)"), "\n");
@@ -74,7 +74,7 @@ TEST(ManPage, hasASectionForEachCommandWithItsOptions)
     EXPECT_THAT(page, HasSubstr("\nin the kitchen.\n.SH \"EXIT STATUS\"\n.TP\n\\fB0\\fR\neverything is fine\n"));
 }
 
-TEST(ManPage, saysEverythingThatTheHelpOnTheCommandsSays)
+TEST(ManPage, containsTheHelpOnEveryCommand)
 {
     const std::string page = plain(manPage(commands()));
     for (const Command* command : commands()) {
@@ -89,7 +89,7 @@ TEST(ManPage, saysEverythingThatTheHelpOnTheCommandsSays)
     }
 }
 
-TEST(ManPage, breaksNoLineOfTheSynopsisAndIndentsNone)
+TEST(ManPage, neitherBreaksNorIndentsSynopsisLines)
 {
     const std::string page = manPage(commands());
     EXPECT_THAT(page, Not(HasSubstr("\n ")));
@@ -107,7 +107,7 @@ TEST(ManPage, listsEveryEnvironmentVariableThatTheHelpNames)
     EXPECT_GE(count, 4u);
 }
 
-TEST(ManPage, keepsTheFormatterFromReadingTextAsMarkup)
+TEST(ManPage, escapesTextThatLooksLikeMarkup)
 {
     EXPECT_EQ(manText(".profile\n'quoted' a\\b `c` ^~ x-y\n"),
               ".PP\n\\&.profile\n\\(aqquoted\\(aq a\\(rsb \\(gac\\(ga \\(ha\\(ti x\\-y\n");
@@ -120,13 +120,13 @@ TEST(ManPage, fillsParagraphsAndSeparatesThemAtEmptyLines)
     EXPECT_EQ(manText(""), "");
 }
 
-TEST(ManPage, makesAListOfIndentedLinesWithAGap)
+TEST(ManPage, turnsIndentedLinesWithAGapIntoAList)
 {
     EXPECT_EQ(manText("Status:\n  0        fine\n  128 + n  ended\n           by n\nMore.\n"),
               ".PP\nStatus:\n.TP\n\\fB0\\fR\nfine\n.TP\n\\fB128 + n\\fR\nended\nby n\n.PP\nMore.\n");
 }
 
-TEST(ManPage, leavesOtherIndentedLinesAsTheyAre)
+TEST(ManPage, leavesOtherIndentedLinesUnchanged)
 {
     EXPECT_EQ(manText("Like:\n    a = 1\n    .b\n\nMore.\n"),
               ".PP\nLike:\n.PP\n.RS 4\n.EX\n\\&    a = 1\n\\&    .b\n.EE\n.RE\n.PP\nMore.\n");

@@ -18,7 +18,7 @@ const std::string network = "format = 1\nlibraries = ['testobjects']\n[[object]]
 
 } // namespace
 
-TEST(StandardStreams, keepStandardOutputForResults)
+TEST(StandardStreams, reserveStandardOutputForResults)
 {
     const TestFolder folder;
     const ProcessResult result = runTarn({"run", folder.write("net.toml", network), "--table=-"});
@@ -29,7 +29,7 @@ TEST(StandardStreams, keepStandardOutputForResults)
         EXPECT_THAT(result.err, HasSubstr(text));
 }
 
-TEST(StandardStreams, getNothingWhereNobodyAskedForAResult)
+TEST(StandardStreams, leaveStandardOutputEmptyIfNoResultIsRequested)
 {
     const TestFolder folder;
     const std::string file = folder.write("net.toml", network);
@@ -39,7 +39,7 @@ TEST(StandardStreams, getNothingWhereNobodyAskedForAResult)
     EXPECT_EQ(runTarn({"nonsense"}).out, "");
 }
 
-TEST(StandardStreams, areStandardOutputUnderItsOtherNamesToo)
+TEST(StandardStreams, recogniseOtherNamesOfStandardOutput)
 {
     const TestFolder folder;
     const std::string file = folder.write("net.toml", network);
@@ -55,7 +55,7 @@ TEST(StandardStreams, mayBeClosed)
     const std::string file = folder.write("net.toml", network);
     const std::string table = folder.file("table.csv");
     EXPECT_EQ(runTarn({"run", file, "--table=" + table}, {{}, "exec <&- >&- 2>&-"}).status, 0);
-    // With all three closed the table's file would be the first to be opened.
+    // With all three closed, the table could get the descriptor of a standard stream.
     EXPECT_EQ(contentOf(table), "step,text\n0,result\n");
 
     const ProcessResult result = runTarn({"run", file, "--table=-"}, {{}, "exec >&-"});
@@ -63,7 +63,7 @@ TEST(StandardStreams, mayBeClosed)
     EXPECT_THAT(result.err, HasSubstr("tarn: cannot write standard output: it is closed\n"));
 }
 
-TEST(StandardStreams, fullAreAnError)
+TEST(StandardStreams, reportAnErrorWhenFull)
 {
     const TestFolder folder;
     const std::string file = folder.write("net.toml", network);
@@ -76,12 +76,12 @@ TEST(StandardStreams, fullAreAnError)
     }
 }
 
-TEST(StandardStreams, thatNobodyReadsAnyMoreAreAnError)
+TEST(StandardStreams, reportAnErrorWhenTheReaderIsClosed)
 {
     const TestFolder folder;
     const std::string file = folder.write("net.toml", network);
     const std::string pipe = folder.file("pipe");
-    // A pipe whose reader is gone.
+    // A pipe whose reader has closed it.
     const std::string shell = "mkfifo " + pipe + "; exec 3<>" + pipe + " >" + pipe + " 3<&-";
     const ProcessResult result = runTarn({"run", file, "--table=-"}, {{}, shell});
     EXPECT_EQ(result.status, 4);

@@ -24,7 +24,7 @@ std::vector<std::string> names()
 
 } // namespace
 
-TEST(AnnouncedObjects, areThoseOfAllLevelsInOrder)
+TEST(AnnouncedObjects, includeAllLevelsInOrder)
 {
     ASSERT_THAT(announcedObjects(), IsEmpty());
     const StrongPtr<VManagedObject> late = Loam::makeStrong<VManagedObject>("late", 2147483647);
@@ -38,7 +38,7 @@ TEST(AnnouncedObjects, areThoseOfAllLevelsInOrder)
     EXPECT_FALSE(late->isRegistered());
 }
 
-TEST(AnnouncedObjects, goTheLastOneFirst)
+TEST(AnnouncedObjects, areRemovedInReverseOrder)
 {
     struct Log final : Orla::VActionNotifier {
         void objectRemoved(const StrongPtr<VManagedObject>& object) override { removed.push_back(object->Name()); }

@@ -6,10 +6,10 @@
 
 using Tarn::failureOf;
 
-TEST(FailureOf, failsWithAReasonInEveryCase)
+TEST(FailureOf, returnsAReasonForEveryFailure)
 {
     EXPECT_EQ(failureOf([] {}), "");
     EXPECT_EQ(failureOf([] { throw std::runtime_error("out of paint"); }), "out of paint");
-    EXPECT_EQ(failureOf([] { throw std::runtime_error(""); }), "an exception without a text");
-    EXPECT_EQ(failureOf([] { throw 5; }), "something was thrown that is no std::exception");
+    EXPECT_EQ(failureOf([] { throw std::runtime_error(""); }), "an exception without a message");
+    EXPECT_EQ(failureOf([] { throw 5; }), "something other than a std::exception was thrown");
 }

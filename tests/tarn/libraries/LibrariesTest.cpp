@@ -42,7 +42,7 @@ public:
     std::string last;
 };
 
-// An environment variable for the time of a test.
+// Sets an environment variable for the duration of a test.
 class Setting {
 public:
     Setting(const char* name, const std::string& value) : m_name{name}, m_former{Loam::getEnvString(name)}
@@ -60,7 +60,7 @@ private:
 
 } // namespace
 
-TEST(Libraries, bringTheirTypesAndTakeThemAway)
+TEST(Libraries, registerTheirTypesAndRemoveThemWhenUnloaded)
 {
     const auto values = Orla::VValueCreator::names();
     const auto objects = Orla::VObjectCreator::names();
@@ -93,12 +93,12 @@ TEST(Libraries, stayLoadedUnlessTheyAreUnloaded)
     }
     void* handle = ::dlopen(objectsFile.c_str(), RTLD_NOW | RTLD_NOLOAD);
     ASSERT_TRUE(handle);
-    ::dlclose(handle); // what was taken just now
-    ::dlclose(handle); // what was left
+    ::dlclose(handle); // the reference taken above
+    ::dlclose(handle); // the reference left behind
     EXPECT_FALSE(isLoaded(objectsFile));
 }
 
-TEST(Libraries, sayWhereTheyLookedForOneThatIsMissing)
+TEST(Libraries, listTheFoldersSearchedForAMissingLibrary)
 {
     const TestFolder folder;
     Libraries libraries{{folder.path(), "/nowhere"}};
@@ -106,10 +106,10 @@ TEST(Libraries, sayWhereTheyLookedForOneThatIsMissing)
               "library \"none\" was not found: no file none.so in " + folder.path() + ", /nowhere");
 }
 
-TEST(Libraries, giveTheLoadersReasonForEachFileThatCannotBeLoaded)
+TEST(Libraries, reportTheLoadersReasonForEachFileThatCannotBeLoaded)
 {
     const TestFolder folder;
-    folder.write("a/broken.so", "this is a text and longer than the head of a library needs to be, to be one\n");
+    folder.write("a/broken.so", "This is not a library, but a text that is longer than the header of a library.\n");
     folder.write("b/broken.so", "");
     Libraries libraries{{folder.file("a"), folder.file("none"), folder.file("b")}};
     EXPECT_THAT(libraries.load("broken"),
@@ -130,7 +130,7 @@ TEST(Libraries, areLoadedFromTheNextFolderWhenTheFirstFileIsBroken)
     libraries.unload();
 }
 
-TEST(Libraries, areFoundBesideTheInstallInTheListAndBesideTheNetwork)
+TEST(Libraries, areSearchedInTheInstallationTheVariableAndTheNetworkFolder)
 {
     const Setting setting{"TARN_LIBRARIES", "/a/b:relative::/a/b/"};
     const std::string beside = std::filesystem::path(Loam::getExecutableDir()).parent_path().string() + "/lib/fathom";

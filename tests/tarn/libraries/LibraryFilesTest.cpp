@@ -24,7 +24,7 @@ const std::string testObjects = TEST_OBJECTS_FOLDER "/testobjects.so";
 
 } // namespace
 
-TEST(LibraryFiles, areFoundByFolderAndName)
+TEST(LibraryFiles, areFoundInOrderOfFolderAndName)
 {
     const TestFolder folder;
     for (const char* name : {"b.so", "a.so", "a.txt", ".so", "so"})
@@ -42,10 +42,10 @@ TEST(LibraryFiles, areFoundByFolderAndName)
     EXPECT_THAT(files[1].refusal, HasSubstr("library \"a\" cannot be loaded: " + folder.file("second/a.so") + ": "));
     EXPECT_THAT(files[1].objectTypes, IsEmpty());
     EXPECT_EQ(files[2].path, folder.file("second/b.so"));
-    EXPECT_FALSE(Orla::VObjectCreator::find("Adder")) << "it was unloaded";
+    EXPECT_FALSE(Orla::VObjectCreator::find("Adder")) << "the library is still loaded";
 }
 
-TEST(LibraryFiles, sayWhichFileOfANameCounts)
+TEST(LibraryFiles, reportWhichFileShadowsOthersOfTheSameName)
 {
     const TestFolder folder;
     folder.write("bad/testobjects.so", "This is a text.");
@@ -56,16 +56,16 @@ TEST(LibraryFiles, sayWhichFileOfANameCounts)
     ASSERT_EQ(files.size(), 4u);
     EXPECT_NE(files[0].refusal, "");
     EXPECT_EQ(files[1].path, testObjects);
-    EXPECT_EQ(files[1].shadowedBy, "") << "what comes first cannot be loaded";
+    EXPECT_EQ(files[1].shadowedBy, "") << "the earlier file cannot be loaded";
     EXPECT_EQ(files[2].path, folder.file("copy/testobjects.so"));
     EXPECT_EQ(files[2].shadowedBy, testObjects);
-    EXPECT_THAT(files[2].objectTypes, Contains("Adder")) << "each is looked at alone";
+    EXPECT_THAT(files[2].objectTypes, Contains("Adder")) << "each file is examined separately";
     EXPECT_EQ(files[3].name, "none");
     EXPECT_EQ(files[3].path, "");
     EXPECT_THAT(files[3].refusal, HasSubstr("library \"none\" was not found"));
 }
 
-TEST(LibraryFiles, areListedWithWhatTheyBring)
+TEST(LibraryFiles, areListedWithTheirTypes)
 {
     const ProcessResult result = runTarn({"libraries"});
     EXPECT_EQ(result.status, 0);
@@ -74,7 +74,7 @@ TEST(LibraryFiles, areListedWithWhatTheyBring)
     EXPECT_THAT(result.out, HasSubstr("testobjects, " + testObjects + "\n  object types  ActionCounter, Adder,"));
 }
 
-TEST(LibraryFiles, failTheCommandOnlyIfTheyWereNamed)
+TEST(LibraryFiles, failTheCommandOnlyIfTheyAreNamed)
 {
     const TestFolder folder;
     folder.write("broken.so", "This is a text.");

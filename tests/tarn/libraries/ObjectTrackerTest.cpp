@@ -25,7 +25,7 @@ private:
     Orla::VOutput<double> m_out;
 };
 
-// A network of one object that the tracker has seen.
+// A network with one object, which the tracker has counted.
 struct CountedNetwork {
     CountedNetwork()
     {
@@ -52,14 +52,14 @@ struct CountedNetwork {
 
 } // namespace
 
-TEST(ObjectTracker, findsNothingWhenEverythingIsGone)
+TEST(ObjectTracker, findsNothingWhenEverythingIsDestroyed)
 {
     CountedNetwork network;
     network.close();
     EXPECT_EQ(network.tracker->survivor(), "");
 }
 
-TEST(ObjectTracker, findsAnObjectThatSomebodyHolds)
+TEST(ObjectTracker, findsAnObjectThatIsStillHeld)
 {
     CountedNetwork network;
     const StrongPtr<Orla::VObject> held = network.object;
@@ -67,7 +67,7 @@ TEST(ObjectTracker, findsAnObjectThatSomebodyHolds)
     EXPECT_EQ(network.tracker->survivor(), "object \"source\"");
 }
 
-TEST(ObjectTracker, findsAParameterThatSomebodyHolds)
+TEST(ObjectTracker, findsAParameterThatIsStillHeld)
 {
     CountedNetwork network;
     const StrongPtr<Orla::VParameter> held = network.object->findOutput("out")->parameter();
@@ -75,7 +75,7 @@ TEST(ObjectTracker, findsAParameterThatSomebodyHolds)
     EXPECT_EQ(network.tracker->survivor(), "a parameter \"out\"");
 }
 
-TEST(ObjectTracker, findsAValueThatSomebodyHolds)
+TEST(ObjectTracker, findsAValueThatIsStillHeld)
 {
     CountedNetwork network;
     const StrongPtr<Orla::VValueBase> held = network.value;
@@ -83,7 +83,7 @@ TEST(ObjectTracker, findsAValueThatSomebodyHolds)
     EXPECT_EQ(network.tracker->survivor(), "a value of type double");
 }
 
-TEST(ObjectTracker, findsACreatorThatSomebodyHolds)
+TEST(ObjectTracker, findsACreatorThatIsStillHeld)
 {
     const Orla::VObjectType<Source> type{"CensusTestSource"};
     const StrongPtr<Orla::VObjectCreator> held = Orla::VObjectCreator::find("CensusTestSource");
@@ -91,7 +91,7 @@ TEST(ObjectTracker, findsACreatorThatSomebodyHolds)
     EXPECT_EQ(ObjectTracker{}.survivor(), "the creator of \"CensusTestSource\"");
 }
 
-TEST(ObjectTracker, countsObjectsThatLeftTheRegistryLongAgo)
+TEST(ObjectTracker, findsObjectsThatWereRemovedEarlier)
 {
     CountedNetwork network;
     const StrongPtr<Orla::VObject> held = Loam::makeStrong<Source>("removed", 0, nullptr);
@@ -101,7 +101,7 @@ TEST(ObjectTracker, countsObjectsThatLeftTheRegistryLongAgo)
     EXPECT_EQ(network.tracker->survivor(), "object \"removed\"");
 }
 
-TEST(ObjectTracker, staysSmallWhileObjectsComeAndGo)
+TEST(ObjectTracker, staysSmallAsObjectsComeAndGo)
 {
     CountedNetwork network;
     const auto makeAndRemove = [] {

@@ -14,7 +14,7 @@ const std::string charted = object("land", "Chartmaker", "set = { charts = 'geog
 
 } // namespace
 
-TEST(ChartChoice, isLeftToTheObjectsUnlessOneIsNamed)
+TEST(ChartChoice, isLeftToTheObjectsUnlessAChartIsNamed)
 {
     EXPECT_FALSE(Tarn::ChartChoice::find());
     const ProcessResult result = evaluate(charted);
@@ -22,7 +22,7 @@ TEST(ChartChoice, isLeftToTheObjectsUnlessOneIsNamed)
     EXPECT_EQ(result.out, "step,chart\n0,\n");
 }
 
-TEST(ChartChoice, makesTheWholeNetworkFollowOneChart)
+TEST(ChartChoice, appliesToTheWholeNetwork)
 {
     const ProcessResult result =
         evaluate(charted + object("second", "Follower") + column("also", "second.out"), {"--chart=plate carree"});
@@ -30,14 +30,14 @@ TEST(ChartChoice, makesTheWholeNetworkFollowOneChart)
     EXPECT_EQ(result.out, "step,chart,also\n0,plate carree,plate carree\n");
 }
 
-TEST(ChartChoice, mayStandInTheNetworkAndGivesWayToTheCommandLine)
+TEST(ChartChoice, isReadFromTheNetworkUnlessTheCommandLineOverridesIt)
 {
     const std::string network = "chart = 'geocentric'\n" + charted;
     EXPECT_EQ(evaluate(network).out, "step,chart\n0,geocentric\n");
     EXPECT_EQ(evaluate(network, {"--chart=geographic"}).out, "step,chart\n0,geographic\n");
 }
 
-TEST(ChartChoice, listsTheChartsThereAreWhenTheNameIsUnknown)
+TEST(ChartChoice, listsTheAvailableChartsWhenTheNameIsUnknown)
 {
     const ProcessResult result = evaluate(charted, {"--chart=mercator"});
     EXPECT_EQ(result.status, 2);
@@ -48,7 +48,7 @@ TEST(ChartChoice, listsTheChartsThereAreWhenTheNameIsUnknown)
     EXPECT_THAT(placed.err, HasSubstr("net.toml:3:9: chart: no object offers the chart \"x\"; there are none\n"));
 }
 
-TEST(ChartChoice, isAFaultWhereNoObjectDependsOnCharts)
+TEST(ChartChoice, isAFaultIfNoObjectDependsOnCharts)
 {
     const ProcessResult result = evaluate("chart = 'x'\n" + object("a", "Adder"));
     EXPECT_EQ(result.status, 2);

@@ -23,7 +23,7 @@ std::string unescaped(std::string text)
 {
     const std::pair<const char*, const char*> entities[] = {{"&lt;", "<"},  {"&gt;", ">"},  {"&quot;", "\""},
                                                             {"&#39;", "'"}, {"&#45;", "-"}, {"&#160;", " "},
-                                                            {"&amp;", "&"}}; // last
+                                                            {"&amp;", "&"}}; // must be last
     for (const auto& [entity, letter] : entities) {
         for (std::size_t at = 0; (at = text.find(entity, at)) != std::string::npos; ++at)
             text.replace(at, std::string(entity).size(), letter);
@@ -31,14 +31,14 @@ std::string unescaped(std::string text)
     return text;
 }
 
-// The value of an attribute of the element that starts the text.
+// Returns the value of an attribute of the element at the start of the text.
 std::string attribute(const std::string& element, const std::string& name)
 {
     const std::size_t start = element.find(' ' + name + "=\"") + name.size() + 3;
     return element.substr(start, element.find('"', start) - start);
 }
 
-// The lines of text that the group of the picture called `title` shows.
+// Returns the lines of text in the group of the picture called `title`.
 std::vector<std::string> linesOf(const std::string& svg, const std::string& title)
 {
     const std::size_t begin = svg.find("<title>" + title + "</title>");
@@ -51,7 +51,7 @@ std::vector<std::string> linesOf(const std::string& svg, const std::string& titl
         const std::string text = unescaped(group.substr(start, group.find("</text>", at) - start));
         const std::string place = attribute(group.substr(at), "y");
         const double x = std::stod(attribute(group.substr(at), "x"));
-        // Pieces of one line in one cell follow each other closely.
+        // Bold pieces further right at the same height continue the line.
         if (place == lastPlace && x > lastX && group.substr(at, start - at).find("bold") != std::string::npos)
             lines.back() += text;
         else
@@ -69,7 +69,7 @@ NetworkGraph named(const std::string& name)
 
 } // namespace
 
-TEST(GraphPicture, showsNamesAsTheyAre)
+TEST(GraphPicture, showsNamesUnchanged)
 {
     for (const std::string name :
          {"plain", "Größe 日本 😀", "<b>bold</b>", "\"quotes\"", "{x|y}", "&amp; &lt; &#65; &nope; &", "\\N \\G \\\\ \\",
@@ -84,7 +84,7 @@ TEST(GraphPicture, showsNamesAsTheyAre)
                 ElementsAre("␁\uFFFD", "Type", "in", "out"));
 }
 
-TEST(GraphPicture, canBeDrawnWhateverIsEmpty)
+TEST(GraphPicture, canBeDrawnWithEmptyParts)
 {
     for (const std::string name : {"", " ", "\n", "\n\n"}) {
         SCOPED_TRACE(testing::PrintToString(name));
@@ -94,7 +94,7 @@ TEST(GraphPicture, canBeDrawnWhateverIsEmpty)
     EXPECT_THAT(drawGraph(dotText({}), PictureFormat::Svg), HasSubstr("</svg>"));
 }
 
-TEST(GraphPicture, hasConnectionsInTheirColours)
+TEST(GraphPicture, showsConnectionsInTheirColours)
 {
     NetworkGraph graph{.objects = {{"a", "A", {"in"}, {"out"}}}, .connections = {}};
     graph.connections.push_back({.output = {0, 0},
@@ -107,10 +107,10 @@ TEST(GraphPicture, hasConnectionsInTheirColours)
     const std::string svg = drawGraph(dotText(graph), PictureFormat::Svg);
     EXPECT_THAT(svg, testing::ContainsRegex("<path fill=\"none\" stroke=\"#8080ff\" stroke-dasharray=\"5,2\""));
     EXPECT_THAT(svg, HasSubstr(">x &amp; &quot;y&quot;</text>"));
-    EXPECT_THAT(linesOf(svg, "legend"), ElementsAre("T", "dashed: found by itself"));
+    EXPECT_THAT(linesOf(svg, "legend"), ElementsAre("T", "dashed: connected automatically"));
 }
 
-TEST(GraphPicture, warnsOfColoursThatNobodyKnows)
+TEST(GraphPicture, warnsAboutUnknownColours)
 {
     struct Log final : Orla::VActionNotifier {
         bool warned(const std::string& message) override
@@ -134,20 +134,20 @@ TEST(GraphPicture, warnsOfColoursThatNobodyKnows)
     EXPECT_THAT(log->messages, ElementsAre(HasSubstr("blurple is not a known color")));
 }
 
-TEST(GraphPicture, failsWithAReasonRatherThanLeaveSomethingOut)
+TEST(GraphPicture, throwsWithAReasonInsteadOfOmittingAnything)
 {
     try {
         drawGraph("digraph { a [label=<<B>>] }", PictureFormat::Svg);
-        FAIL() << "the label is broken";
+        FAIL() << "the broken label was accepted";
     } catch (const std::runtime_error& error) {
         EXPECT_THAT(error.what(), HasSubstr("in label of node a"));
     }
     EXPECT_THROW(drawGraph("digraph {", PictureFormat::Png), std::runtime_error);
-    // What failed before has no part in it.
+    // Earlier failures do not affect it.
     EXPECT_THAT(drawGraph("digraph { a }", PictureFormat::Svg), HasSubstr("</svg>"));
 }
 
-TEST(GraphPicture, isTheSameOnEveryRunAndUnderEveryLocale)
+TEST(GraphPicture, isTheSameOnEveryRunAndInEveryLocale)
 {
     const std::string dot = dotText(named("a"));
     const std::string svg = drawGraph(dot, PictureFormat::Svg);
@@ -161,7 +161,7 @@ TEST(GraphPicture, isTheSameOnEveryRunAndUnderEveryLocale)
     std::setlocale(LC_ALL, before.c_str());
 }
 
-TEST(GraphPicture, isMadeOfWholeNetworksWithoutADisplay)
+TEST(GraphPicture, isDrawnFromWholeNetworksWithoutADisplay)
 {
     const TestFolder folder;
     folder.write("net.toml", networkHead + clockInQuarters + object("reader", "TimeReader") + object("odd", "Misnamed")

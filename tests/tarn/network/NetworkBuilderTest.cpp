@@ -31,7 +31,7 @@ protected:
         m_libraries.unload();
     }
 
-    /// What is wrong with the network of these objects and columns.
+    /// Builds the network of these objects and columns, and returns its faults.
     std::vector<std::string> faultsOf(const std::string& text, const std::vector<std::string>& overrides = {},
                                       const std::vector<std::string>& missingLibraries = {})
     {
@@ -69,7 +69,7 @@ private:
 
 } // namespace
 
-TEST_F(NetworkBuilder, makesSetsConnectsAndFinishesObjects)
+TEST_F(NetworkBuilder, createsSetsConnectsAndFinishesObjects)
 {
     EXPECT_THAT(faultsOf(R"(
 [[object]]
@@ -102,7 +102,7 @@ value = "clock.GlobalTime.range"
     EXPECT_EQ(textOf("s", "b"), "2.5");
 }
 
-TEST_F(NetworkBuilder, findsTheProviderThatTheFileNamesLast)
+TEST_F(NetworkBuilder, findsAProviderThatTheFileListsLast)
 {
     EXPECT_THAT(faultsOf("[[object]]\nname = 'reader'\ntype = 'TimeReader'\n"
                          "[[object]]\nname = 'clock'\ntype = 'GlobalTime'\n"),
@@ -114,7 +114,7 @@ TEST_F(NetworkBuilder, findsTheProviderThatTheFileNamesLast)
     EXPECT_EQ(Orla::VManagedObject::count(), 2u);
 }
 
-TEST_F(NetworkBuilder, takesNamesWithDotsQuotesLineBreaksAndUmlauts)
+TEST_F(NetworkBuilder, acceptsNamesWithDotsQuotesLineBreaksAndUmlauts)
 {
     EXPECT_THAT(faultsOf(R"(
 [[object]]
@@ -147,7 +147,7 @@ value = "say \"ä\"\n.sum"
     EXPECT_EQ(textOf("a.b", "in.a=b"), "7");
 }
 
-TEST_F(NetworkBuilder, letsTheLastOverrideCount)
+TEST_F(NetworkBuilder, appliesTheLastOverride)
 {
     EXPECT_THAT(
         faultsOf("[[object]]\nname = 'a'\ntype = 'Echo'\nset = { text = 'file' }\n", {"a.text=first", "a.text=b.c=d"}),
@@ -155,7 +155,7 @@ TEST_F(NetworkBuilder, letsTheLastOverrideCount)
     EXPECT_EQ(textOf("a", "text"), "b.c=d");
 }
 
-TEST_F(NetworkBuilder, namesEveryFaultWithObjectAndSlot)
+TEST_F(NetworkBuilder, reportsEveryFaultWithObjectAndSlot)
 {
     const std::string a = "[[object]]\nname = 'a'\ntype = 'Adder'\n";              // lines 2 to 4
     const std::string clock = "[[object]]\nname = 'clock'\ntype = 'GlobalTime'\n"; // lines 5 to 7
@@ -183,7 +183,7 @@ TEST_F(NetworkBuilder, namesEveryFaultWithObjectAndSlot)
           "expected"}},
         {a + "connect = { a = 'clock.GlobalTime.dim' }\n" + clock,
          {"net:5:17: object \"a\", input \"a\": \"clock.GlobalTime.dim\" does not fit: values of type VTime have no "
-          "component \"dim\" (but time, range, dt)"}},
+          "component \"dim\" (available: time, range, dt)"}},
         {a + "connect = { a = 'clock.GlobalTime.range' }\n" + clock,
          {"net:5:17: object \"a\", input \"a\": \"clock.GlobalTime.range\" does not fit: it gives Range where double "
           "is expected"}},
@@ -221,7 +221,7 @@ TEST_F(NetworkBuilder, namesEveryFaultWithObjectAndSlot)
     }
 }
 
-TEST_F(NetworkBuilder, doesNotBlameThoseWhoReadAnObjectThatCouldNotBeMade)
+TEST_F(NetworkBuilder, doesNotReportConnectionsToAnObjectThatCannotBeCreated)
 {
     EXPECT_THAT(faultsOf("[[object]]\nname = 'a'\ntype = 'Volume'\nset = { x = 1 }\n"
                          "[[object]]\nname = 'b'\ntype = 'Adder'\nconnect = { a = 'a.sum', c = 'a.sum' }\n"
@@ -232,7 +232,7 @@ TEST_F(NetworkBuilder, doesNotBlameThoseWhoReadAnObjectThatCouldNotBeMade)
                             "net:9:26: object \"b\": Adder has no input \"c\"; there are a, b"));
 }
 
-TEST_F(NetworkBuilder, refusesOverridesThatDoNotFit)
+TEST_F(NetworkBuilder, refusesInvalidOverrides)
 {
     EXPECT_THAT(
         faultsOf("[[object]]\nname = 'first'\ntype = 'Adder'\n"
@@ -243,16 +243,16 @@ TEST_F(NetworkBuilder, refusesOverridesThatDoNotFit)
                     "--set=first.c=1: Adder has no input \"c\"; there are a, b",
                     "--set=first.sum=1: Adder has no input \"sum\"; there are a, b",
                     "--set=first.a=x: the text \"x\" is refused, expected a value of type double",
-                    "--set=second.a=1: the input reads \"first.sum\", so that a text would have no effect"));
+                    "--set=second.a=1: the input reads \"first.sum\", so a text would have no effect"));
 }
 
-TEST_F(NetworkBuilder, finishesNoObjectOfANetworkWithFaults)
+TEST_F(NetworkBuilder, finishesNoObjectIfThereAreFaults)
 {
     EXPECT_EQ(faultsOf("[[object]]\nname = 'a'\ntype = 'Adder'\n[[object]]\nname = 'b'\ntype = 'Volume'\n").size(), 1u);
     EXPECT_EQ(Orla::VManagedObject::count(), 0u);
 }
 
-TEST_F(NetworkBuilder, listsTenThousandFaultsToo)
+TEST_F(NetworkBuilder, listsTenThousandFaults)
 {
     std::string text;
     for (int i = 0; i < 10000; ++i)

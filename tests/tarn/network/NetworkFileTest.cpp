@@ -18,7 +18,7 @@ using testing::IsEmpty;
 
 namespace {
 
-NetworkFile parseFine(const std::string& text)
+NetworkFile parseValid(const std::string& text)
 {
     Faults faults{"net"};
     NetworkFile file = parseNetwork(text, faults);
@@ -44,9 +44,9 @@ std::vector<std::string> textsOf(const std::vector<Setting>& settings)
 
 } // namespace
 
-TEST(NetworkFile, isReadInTheOrderOfTheFileWithAllPlaces)
+TEST(NetworkFile, isReadInFileOrderWithAllPlaces)
 {
-    const NetworkFile file = parseFine(R"(format = 1
+    const NetworkFile file = parseValid(R"(format = 1
 libraries = ["quakes", "land"]
 
 [[object]]
@@ -83,9 +83,9 @@ value = "instant.utc"
     EXPECT_EQ(file.columns[0].value.place, (Place{16, 9}));
 }
 
-TEST(NetworkFile, turnsNumbersAndTruthValuesIntoTexts)
+TEST(NetworkFile, convertsNumbersAndTruthValuesToTexts)
 {
-    const NetworkFile file = parseFine(R"(format = 1
+    const NetworkFile file = parseValid(R"(format = 1
 [[object]]
 name = "a"
 type = "T"
@@ -106,10 +106,10 @@ set.lines = "a\nb"
                             "yes=true", "no=false", "text=C:\\dir \"x\"", "lines=a\nb"));
 }
 
-TEST(NetworkFile, mayHoldExactTextsBesideTheOneThatIsShown)
+TEST(NetworkFile, mayHoldExactTextsBesideTheDisplayedText)
 {
-    const NetworkFile file = parseFine("format = 1\n[[object]]\nname = 'a'\ntype = 'T'\n"
-                                       "set.x = { text = 'shown', exact = 'x' }\nset.y = { exact = ['y', 'z'] }\n");
+    const NetworkFile file = parseValid("format = 1\n[[object]]\nname = 'a'\ntype = 'T'\n"
+                                        "set.x = { text = 'shown', exact = 'x' }\nset.y = { exact = ['y', 'z'] }\n");
     ASSERT_EQ(file.objects.size(), 1u);
     ASSERT_EQ(file.objects[0].texts.size(), 2u);
     const NetworkFile::InputText& x = file.objects[0].texts[0];
@@ -123,7 +123,7 @@ TEST(NetworkFile, mayHoldExactTextsBesideTheOneThatIsShown)
     EXPECT_EQ(y.exact[1].text, "z");
 }
 
-TEST(NetworkFile, findsNoFaultInObjectsOfUnknownTypeThatAreKept)
+TEST(NetworkFile, reportsNoFaultsInKeptObjectsOfUnknownType)
 {
     Faults faults{"net"};
     const auto isKnown = [](const std::string& type) { return type == "Known"; };
@@ -139,16 +139,16 @@ TEST(NetworkFile, findsNoFaultInObjectsOfUnknownTypeThatAreKept)
     EXPECT_EQ(file.objects[1].kept, "");
 }
 
-TEST(NetworkFile, mayBeWrittenInOtherWaysThatTomlKnows)
+TEST(NetworkFile, mayUseOtherTomlSpellings)
 {
-    const NetworkFile file = parseFine("\xEF\xBB\xBF"
-                                       "format = 1\r\nobject = [ { name = \"a\", type = \"T\" } ]\r\n"
-                                       "column = []\r\n");
+    const NetworkFile file = parseValid("\xEF\xBB\xBF"
+                                        "format = 1\r\nobject = [ { name = \"a\", type = \"T\" } ]\r\n"
+                                        "column = []\r\n");
     ASSERT_EQ(file.objects.size(), 1u);
     EXPECT_EQ(file.objects[0].name.text, "a");
 }
 
-TEST(NetworkFile, namesEveryFaultAndItsPlace)
+TEST(NetworkFile, reportsEveryFaultWithItsPlace)
 {
     const struct {
         const char* text;
@@ -157,12 +157,12 @@ TEST(NetworkFile, namesEveryFaultAndItsPlace)
         {"", {"net:1:1: the file holds no network, expected format = 1"}},
         {"# nothing\n", {"net:1:1: the file holds no network, expected format = 1"}},
         {"libraries = []", {"net:1:1: missing key \"format\", expected format = 1"}},
-        {"format = 7", {"net:1:10: format 7: saved by a newer version; this one reads format 1"}},
-        {"format = 0", {"net:1:10: format 0: there is none of that number; this one reads format 1"}},
+        {"format = 7", {"net:1:10: format 7: saved by a newer version; this version reads format 1"}},
+        {"format = 0", {"net:1:10: format 0: no such format; this version reads format 1"}},
         {"format = '1'", {"net:1:10: format is a text, expected the integer 1"}},
         {"format = 1.0", {"net:1:10: format is a number, expected the integer 1"}},
-        // What the keys of a later format mean is not known.
-        {"format = 2\nlibraries = 5", {"net:1:10: format 2: saved by a newer version; this one reads format 1"}},
+        // The meaning of keys in a later format is unknown.
+        {"format = 2\nlibraries = 5", {"net:1:10: format 2: saved by a newer version; this version reads format 1"}},
         {"format = 1\nlibrary = []",
          {"net:2:1: unknown key \"library\"; there are format, libraries, chart, object, column"}},
         {"format = 1\nlibrarys = []", {"net:2:1: unknown key \"librarys\"; did you mean \"libraries\"?"}},
@@ -219,7 +219,7 @@ TEST(NetworkFile, namesEveryFaultAndItsPlace)
     }
 }
 
-TEST(NetworkFile, thatIsNoTomlGivesOneFaultWithItsPlace)
+TEST(NetworkFile, reportsOneFaultWithItsPlaceIfItIsNotToml)
 {
     const struct {
         std::string text;
@@ -230,7 +230,7 @@ TEST(NetworkFile, thatIsNoTomlGivesOneFaultWithItsPlace)
         {"format = 1\nformat = 1", "net:2:"},
         {"format = 1\nset = { a = ", "net:2:"},
         {"format = 1 = 2", "net:1:12:"},
-        {"format = 1\n# \xC3\xA4\xff\xfe", "net:2:4: the text is no UTF-8 from here on"},
+        {"format = 1\n# \xC3\xA4\xff\xfe", "net:2:4: invalid UTF-8 from here on"},
         {std::string("format = 1\n\0\0\0", 14), "net:2:"},
         {"x = " + std::string(100000, '['), "net:1:"},
         {"x = " + std::string(100000, '{'), "net:1:"},
@@ -241,8 +241,8 @@ TEST(NetworkFile, thatIsNoTomlGivesOneFaultWithItsPlace)
     }
 }
 
-// The reader would destroy the nested tables recursively.
-TEST(NetworkFile, mayHaveEndlessKeysWithoutOverflowingTheStack)
+// The parser would destroy the nested tables recursively.
+TEST(NetworkFile, mayHaveVeryLongKeysWithoutOverflowingTheStack)
 {
     std::string key = "a";
     for (int i = 0; i < 1'000'000; ++i)
@@ -251,8 +251,8 @@ TEST(NetworkFile, mayHaveEndlessKeysWithoutOverflowingTheStack)
     EXPECT_THAT(faultsOf("[" + key + "]\n= broken"), ElementsAre("net:1:2: a key of more than 16 parts"));
 }
 
-// Cut off at any byte, a file is read as far as it goes or refused with a place.
-TEST(NetworkFile, mayBeCutOffAnywhere)
+// A file truncated at any byte is read up to there or refused with a place.
+TEST(NetworkFile, mayBeTruncatedAnywhere)
 {
     const std::string whole = "format = 1\nlibraries = [\"a\"]\n[[object]]\nname = \"ä\"\ntype = 'T'\n"
                               "set = { x = \"\"\"y\nz\"\"\", v = 1.5 }\nconnect.w = \"a.b\"\n[[column]]\n"
@@ -265,7 +265,7 @@ TEST(NetworkFile, mayBeCutOffAnywhere)
     EXPECT_THAT(faultsOf(whole), IsEmpty());
 }
 
-TEST(ReadFile, givesEveryByte)
+TEST(ReadFile, returnsEveryByte)
 {
     const TestFolder folder;
     const std::string content = std::string("a\0b\r\n", 5) + std::string(200000, 'x');
@@ -273,7 +273,7 @@ TEST(ReadFile, givesEveryByte)
     EXPECT_EQ(readFile(folder.write("empty", "")), "");
 }
 
-TEST(ReadFile, saysWhichFileCannotBeReadAndWhy)
+TEST(ReadFile, reportsWhichFileCannotBeReadAndWhy)
 {
     const TestFolder folder;
     const auto failure = [](const std::string& path) -> std::string {

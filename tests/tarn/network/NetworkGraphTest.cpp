@@ -33,8 +33,8 @@ NetworkGraph pair(const std::vector<NetworkGraph::Connection>& connections)
     return {.objects = {{"one", "Source", {}, {"out"}}, {"two", "Drain", {"in"}, {}}}, .connections = connections};
 }
 
-// The lines of the text that draw connections, with the numbers of objects replaced
-// by their names.
+// Returns the lines that draw connections, with the numbers of objects replaced by their
+// names.
 std::vector<std::string> connectionsOf(const std::string& dot)
 {
     std::vector<std::string> names;
@@ -66,7 +66,7 @@ ProcessResult graph(const std::string& network, const std::string& output = "-")
 
 } // namespace
 
-TEST(NetworkGraph, drawsWhatTheFileConnectsInFullLines)
+TEST(NetworkGraph, drawsConnectionsOfTheFileAsSolidLines)
 {
     const ProcessResult result =
         graph(clockInQuarters + object("a", "Adder", "connect = { a = 'clock.GlobalTime.time' }\n")
@@ -78,33 +78,33 @@ TEST(NetworkGraph, drawsWhatTheFileConnectsInFullLines)
                                      "a:out0:e -> b:in1:w [color=\"green\"]", "b:out0:e -> b:in0:w [color=\"green\"]"));
 }
 
-TEST(NetworkGraph, drawsWhatObjectsFindByThemselvesDashed)
+TEST(NetworkGraph, drawsAutomaticConnectionsAsDashedLines)
 {
     const std::string dot =
         graph(clockInQuarters + object("reader", "TimeReader")
-              + object("told", "TimeReader", "connect = { time = 'clock.GlobalTime' }\n")
+              + object("linked", "TimeReader", "connect = { time = 'clock.GlobalTime' }\n")
               + object("maker", "Chartmaker") + object("follower", "Follower") + object("listener", "Listener"))
             .out;
     EXPECT_THAT(connectionsOf(dot),
                 UnorderedElementsAre("clock:out0:e -> reader:in0:w [color=\"#B8860B\", style=dashed]",
-                                     "clock:out0:e -> told:in0:w [color=\"#B8860B\"]",
+                                     "clock:out0:e -> linked:in0:w [color=\"#B8860B\"]",
                                      "maker:out0:e -> ChartSelector:in1:w [color=\"#C39BD3\", style=dashed]",
                                      "ChartSelector:out1:e -> follower:in0:w [color=\"#8E44AD\", style=dashed]",
                                      "InteractionSource:out0:e -> listener:in0:w [color=\"#E67E22\", style=dashed]"));
     EXPECT_THAT(dot, HasSubstr("<B>ChartSelector</B><BR/>VChartSelector</TD>"));
     EXPECT_THAT(dot, HasSubstr("<B>reader</B><BR/>TimeReader</TD>"));
     EXPECT_THAT(dot, HasSubstr(">maker.atlas</TD>"));
-    EXPECT_THAT(dot, HasSubstr("dashed: found by itself"));
+    EXPECT_THAT(dot, HasSubstr("dashed: connected automatically"));
 }
 
-TEST(NetworkGraph, makesTheProviderThatNobodyNamed)
+TEST(NetworkGraph, drawsAProviderThatTheFileDoesNotName)
 {
     const ProcessResult result = graph(object("reader", "TimeReader"));
     EXPECT_THAT(connectionsOf(result.out),
                 ElementsAre("GlobalTime:out0:e -> reader:in0:w [color=\"#B8860B\", style=dashed]"));
 }
 
-TEST(NetworkGraph, hasALegendLineForEachType)
+TEST(NetworkGraph, hasOneLegendLinePerType)
 {
     const std::string dot = dotText(pair({connection("double", "green"), connection("VTime", ""),
                                           connection("double", "green"), connection("Grid", "#abc")}));
@@ -118,7 +118,7 @@ TEST(NetworkGraph, hasALegendLineForEachType)
     EXPECT_THAT(dotText(pair({})), Not(HasSubstr("legend")));
 }
 
-TEST(NetworkGraph, drawsInBlackWhatIsNoColour)
+TEST(NetworkGraph, drawsInvalidColoursInBlack)
 {
     const struct {
         const char* colour;
@@ -169,7 +169,7 @@ TEST(NetworkGraph, escapesNamesInLabels)
     }
 }
 
-TEST(NetworkGraph, asksForFewerRoundsWhereALayoutTakesLong)
+TEST(NetworkGraph, requestsAFasterLayoutForLargeNetworks)
 {
     NetworkGraph graph;
     graph.objects.resize(100, {"a", "A", {}, {}});
@@ -178,7 +178,7 @@ TEST(NetworkGraph, asksForFewerRoundsWhereALayoutTakesLong)
     EXPECT_THAT(dotText(graph), HasSubstr("graph [rankdir=LR, nslimit=1, nslimit1=1, mclimit=0.1]\n"));
 }
 
-TEST(NetworkGraph, isNotDrawnWithFaults)
+TEST(NetworkGraph, isNotDrawnIfThereAreFaults)
 {
     const TestFolder folder;
     folder.write("net.toml", networkHead + object("a", "Addder"));
@@ -191,7 +191,7 @@ TEST(NetworkGraph, isNotDrawnWithFaults)
     EXPECT_THAT(folder.names(), ElementsAre("net.toml"));
 }
 
-TEST(NetworkGraph, isWrittenInTheFormOfTheEnding)
+TEST(NetworkGraph, isWrittenInTheFormatOfTheExtension)
 {
     for (const std::string output : {"x.pdf", "x", "svg", "x.svg.gz"}) {
         SCOPED_TRACE(output);
@@ -202,7 +202,7 @@ TEST(NetworkGraph, isWrittenInTheFormOfTheEnding)
     EXPECT_EQ(runTarn({"graph", "net.toml"}).status, 3);
     const TestFolder folder;
     folder.write("sub/net.toml", networkHead + object("a", "Adder"));
-    // The name counts from where the program was started.
+    // The name is relative to the folder in which the program was started.
     const ProcessResult result = runTarn({"graph", "sub/net.toml", "--output=net.dot"},
                                          {.environment = {}, .shell = "cd '" + folder.path() + "'"});
     EXPECT_EQ(result.status, 0);

@@ -9,7 +9,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Read and written again, with the type "Known" alone known.
+/// Reads a network and writes it again. Only the type "Known" is known.
 std::string again(const std::string& text)
 {
     Faults faults{"net"};
@@ -20,7 +20,7 @@ std::string again(const std::string& text)
 
 } // namespace
 
-TEST(NetworkWriter, writesEverythingInOneOrderAndOneSpelling)
+TEST(NetworkWriter, writesEverythingInAFixedOrderAndSpelling)
 {
     const std::string written = R"toml(format = 1
 libraries = ["b", "a"]
@@ -75,12 +75,12 @@ name = 'bare'
     EXPECT_EQ(again(written), written);
 }
 
-TEST(NetworkWriter, writesTheEmptyNetwork)
+TEST(NetworkWriter, writesAnEmptyNetwork)
 {
     EXPECT_EQ(again("format = 1\nlibraries = []\nobject = []\ncolumn = []\n"), "format = 1\n");
 }
 
-TEST(NetworkWriter, writesObjectsOfUnknownTypeAsTheyStoodAndInTheirPlace)
+TEST(NetworkWriter, keepsObjectsOfUnknownTypeUnchangedAndInPlace)
 {
     const std::string written = R"toml(format = 1
 
@@ -138,7 +138,7 @@ type = "Known"
     EXPECT_EQ(again(written), written);
 }
 
-TEST(NetworkWriter, doesNotCareWhetherATypeIsKnownWhereNothingIsOdd)
+TEST(NetworkWriter, writesOrdinaryObjectsTheSameForKnownAndUnknownTypes)
 {
     const auto network = [](const std::string& type) {
         return "format = 1\n\n[[object]]\nname = \"a\"\ntype = \"" + type

@@ -12,9 +12,9 @@ using namespace Tarn;
 
 namespace {
 
-class RelocationTest : public testing::Test {
+class RelativePathRewriterTest : public testing::Test {
 protected:
-    RelocationTest()
+    RelativePathRewriterTest()
     {
         m_folder.write("old/net.toml", "");
         m_folder.write("old/data/quakes.json", "old");
@@ -30,7 +30,7 @@ private:
 
 } // namespace
 
-TEST_F(RelocationTest, leadsToTheSameFileFromTheNewFolder)
+TEST_F(RelativePathRewriterTest, leadsToTheSameFileFromTheNewFolder)
 {
     const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
     EXPECT_TRUE(rewriter.isNeeded());
@@ -43,7 +43,7 @@ TEST_F(RelocationTest, leadsToTheSameFileFromTheNewFolder)
               "quakes.json");
 }
 
-TEST_F(RelocationTest, leavesWhatIsNoNameOfAFile)
+TEST_F(RelativePathRewriterTest, leavesTextsThatAreNotFileNames)
 {
     const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
     for (const std::string& text :
@@ -55,7 +55,7 @@ TEST_F(RelocationTest, leavesWhatIsNoNameOfAFile)
     }
 }
 
-TEST_F(RelocationTest, leavesNamesOfFoldersButKnowsThem)
+TEST_F(RelativePathRewriterTest, leavesFolderNamesButRecognisesThem)
 {
     const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
     for (const char* text : {"data", "."}) {
@@ -64,7 +64,7 @@ TEST_F(RelocationTest, leavesNamesOfFoldersButKnowsThem)
     }
 }
 
-TEST_F(RelocationTest, changesNothingWhereTheFoldersAreTheSame)
+TEST_F(RelativePathRewriterTest, changesNothingIfTheFoldersAreTheSame)
 {
     std::filesystem::create_directory_symlink(folder().file("old"), folder().file("link"));
     for (const char* name : {"old", "old/.", "link", "none"}) {
@@ -76,7 +76,7 @@ TEST_F(RelocationTest, changesNothingWhereTheFoldersAreTheSame)
     EXPECT_FALSE(RelativePathRewriter{}.isNeeded());
 }
 
-TEST_F(RelocationTest, tellsTheSameFileFromAnotherOneOfItsName)
+TEST_F(RelativePathRewriterTest, distinguishesTheSameFileFromAnotherOfTheSameName)
 {
     std::filesystem::create_directory_symlink(folder().file("old/data"), folder().file("new/deep/data"));
     const RelativePathRewriter rewriter{folder().file("old"), folder().file("new/deep")};
@@ -84,9 +84,9 @@ TEST_F(RelocationTest, tellsTheSameFileFromAnotherOneOfItsName)
     EXPECT_EQ(rewriter.moved("net.toml"), "../../old/net.toml");
 }
 
-TEST_F(RelocationTest, followsLinksWhereTheLookOfANameMisleads)
+TEST_F(RelativePathRewriterTest, followsSymbolicLinks)
 {
-    // The folder behind the link lies elsewhere, and so do those above it.
+    // "link/.." is the parent of the target of the link, not the folder of the link.
     folder().write("far/away/inner/x.json", "");
     folder().write("far/away/y.json", "");
     std::filesystem::create_directory_symlink(folder().file("far/away/inner"), folder().file("old/link"));

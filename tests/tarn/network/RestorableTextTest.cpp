@@ -21,8 +21,8 @@ using namespace Tarn;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Two numbers of which each text sets those that it has, `1/2` or `1`; writes them in a
-// form that is not read, and is compared by the first one alone.
+// Two numbers. A text sets both, `1/2`, or only the first, `1`. The text form cannot be read
+// back, and comparisons ignore the second number.
 struct Loose {
     int first = 0;
     int second = 0;
@@ -51,13 +51,13 @@ namespace {
 using Value = Orla::StrongPtr<Orla::VValueBase>;
 using Texts = std::vector<std::string>;
 
-class SavedFormTest : public testing::Test {
+class RestorableTextTest : public testing::Test {
 protected:
-    SavedFormTest() : m_libraries{{STANDARD_FOLDER, TEST_OBJECTS_FOLDER}}
+    RestorableTextTest() : m_libraries{{STANDARD_FOLDER, TEST_OBJECTS_FOLDER}}
     {
         EXPECT_EQ(m_libraries.load("standard"), "");
     }
-    ~SavedFormTest() override { m_libraries.unload(); }
+    ~RestorableTextTest() override { m_libraries.unload(); }
 
     Libraries& libraries() noexcept { return m_libraries; }
 
@@ -71,7 +71,7 @@ private:
     Libraries m_libraries;
 };
 
-/// Null if a text is refused.
+/// Returns a copy of \p given that has read \p texts, or null if a text is refused.
 Value readInto(const Value& given, const Texts& texts)
 {
     const Value value = given->copy();
@@ -82,7 +82,7 @@ Value readInto(const Value& given, const Texts& texts)
     return value;
 }
 
-// NaN makes many types differ from themselves.
+// A value that contains NaN may differ from itself.
 bool areSame(const Value& a, const Value& b)
 {
     return a->Text() == b->Text() && (!a->isDifferentFrom(b) || a->isDifferentFrom(a->copy()));
@@ -94,7 +94,7 @@ std::optional<RestorableText> formOf(const Value& given, const Texts& texts)
     return value ? restorableText(given, value, texts) : std::nullopt;
 }
 
-/// As it would stand in a file: the text, or what is read in its place.
+/// Returns the texts that are read from a file: the exact ones, or the text if there are none.
 Texts savedTexts(const RestorableText& form)
 {
     return form.exact.empty() ? Texts{form.text.value()} : form.exact;
@@ -102,9 +102,9 @@ Texts savedTexts(const RestorableText& form)
 
 } // namespace
 
-// The law that every type keeps, also one that joins later: what a text made of a
-// value, the saved form makes again, and is then saved in the same way.
-TEST_F(SavedFormTest, restoresWhateverATextMakesOfAValueOfAnyType)
+// Holds for every type, including types added later: the saved form restores the value that
+// the texts made, and that value is saved in the same form.
+TEST_F(RestorableTextTest, restoresEveryValueOfEveryType)
 {
     std::size_t typesWithText = 0;
     for (const std::string& type : inputTypes()) {
@@ -141,7 +141,7 @@ TEST_F(SavedFormTest, restoresWhateverATextMakesOfAValueOfAnyType)
     EXPECT_GE(typesWithText, 25u);
 }
 
-TEST_F(SavedFormTest, hasExactTextsOnlyWhereTheTextFormRestoresLess)
+TEST_F(RestorableTextTest, hasExactTextsOnlyIfTheTextFormRestoresLess)
 {
     const struct {
         const char* type;
@@ -166,16 +166,16 @@ TEST_F(SavedFormTest, hasExactTextsOnlyWhereTheTextFormRestoresLess)
         {"Bounding Box", {"[{1,2,3};{4,5,6}]"}, "[{1,2,3};{4,5,6}]", {}},
         {"double[]", {"1,,-0"}, "1,0,-0,", {}},
         {"FlagList", {"b -a"}, " -a +b", {}},
-        // Six digits.
+        // The text form has six digits.
         {"rgba_float_t", {"(0.5,0.25,-0,1)"}, "(0.5,0.25,-0,1)", {}},
         {"rgba_float_t", {"(0.123456789,0,0,1)"}, "(0.123457,0,0,1)", {"(0.123456789,0,0,1)"}},
-        // The first and the last number.
+        // The text form has only the first and the last number.
         {"MultiRange", {"[1;2]"}, "[1.000000;2.000000]", {}},
         {"MultiRange", {"[1;2;3;4]"}, "[1.000000;4.000000]", {"[1;2;3;4]"}},
         {"MultiRange", {"[1;nan;3]"}, "[1.000000;3.000000]", {"[1;nan;3]"}},
-        // All three are read into the first.
+        // All three numbers are read into the first element.
         {"FixedArray<int,3>", {"[1,2,3]"}, "[3,0,0]", {"[1,2,3]"}},
-        // What a later text leaves alone, an earlier one has set.
+        // The second text leaves the numbers unchanged that it cannot read.
         {"point", {"{1,2,3}", "{9,x,y}"}, "{9,2,3}", {}},
         {"VObjectStatus", {"<B>a</B>"}, "<B>a</B>", {}},
         {"ImageTile", {"anything"}, "A Frame buffer.", {}},
@@ -189,7 +189,7 @@ TEST_F(SavedFormTest, hasExactTextsOnlyWhereTheTextFormRestoresLess)
     }
 }
 
-TEST_F(SavedFormTest, keepsAllTextsOfWhichEachMakesAPart)
+TEST_F(RestorableTextTest, keepsEveryTextThatContributesToTheValue)
 {
     const Value loose = Loam::makeStrong<Orla::VValue<Loose>>();
     const struct {
@@ -216,13 +216,13 @@ TEST_F(SavedFormTest, keepsAllTextsOfWhichEachMakesAPart)
     const std::optional<RestorableText> last = formOf(given, {"[1;2;3]", "[4;5;6]"});
     ASSERT_TRUE(last);
     EXPECT_THAT(last->exact, ElementsAre("[4;5;6]"));
-    // NaN differs from itself, so that only all texts are sure to make the same.
+    // NaN differs from itself, so only all texts together are sure to restore the value.
     const std::optional<RestorableText> all = formOf(given, {"[1;2;3]", "[4;nan;6]"});
     ASSERT_TRUE(all);
     EXPECT_THAT(all->exact, ElementsAre("[1;2;3]", "[4;nan;6]"));
 }
 
-TEST_F(SavedFormTest, restoresChoicesWhateverTheNamesAre)
+TEST_F(RestorableTextTest, restoresChoicesWithAnyNames)
 {
     using One = Orla::StrongPtr<Orla::StringSelection, Orla::StringList>;
     using Many = Orla::StrongPtr<Orla::MultipleStringSelection, Orla::StringList>;
@@ -238,7 +238,7 @@ TEST_F(SavedFormTest, restoresChoicesWhateverTheNamesAre)
         {"a|b", {}},
         {"{x}@anything", {}},
         {"two words \xC3\xA4\"\n", {}},
-        // Read back, the text would begin with the list.
+        // A text form that begins with "@" is read as one name.
         {"@@", {"@@"}},
         {"", {""}},
     };
@@ -250,14 +250,14 @@ TEST_F(SavedFormTest, restoresChoicesWhateverTheNamesAre)
         EXPECT_TRUE(areSame(readInto(one, savedTexts(*form)), readInto(one, {text})));
     }
 
-    const char* const cases4[] = {"linear", "cubic", "a{b}", "\xC3\xA4\n"};
-    const Value choice = Loam::makeStrong<Orla::VValue<Orla::Enum>>(Orla::Enum{cases4, 4});
+    const char* const choices[] = {"linear", "cubic", "a{b}", "\xC3\xA4\n"};
+    const Value choice = Loam::makeStrong<Orla::VValue<Orla::Enum>>(Orla::Enum{choices, 4});
     const std::optional<RestorableText> cubic = formOf(choice, {"cubic"});
     ASSERT_TRUE(cubic);
     EXPECT_EQ(cubic->text, "cubic{linear}{cubic}{a{b}}{\xC3\xA4\n}");
     EXPECT_THAT(cubic->exact, IsEmpty());
 
-    // The choices are the program's; written with braces in them they would fall apart.
+    // The program sets the choices. Names with braces would be split when read back.
     const Value many =
         Loam::makeStrong<Orla::VValue<Many>>(Loam::makeStrong<Orla::MultipleStringSelection>("", "p;pi{e}ces", ';'));
     const std::optional<RestorableText> pieces = formOf(many, {"{p}"});
@@ -266,11 +266,11 @@ TEST_F(SavedFormTest, restoresChoicesWhateverTheNamesAre)
     EXPECT_THAT(pieces->exact, ElementsAre("{p}"));
 }
 
-TEST_F(SavedFormTest, isNoneForWhatAFileCannotHold)
+TEST_F(RestorableTextTest, doesNotExistForValuesThatAFileCannotHold)
 {
     EXPECT_FALSE(formOf(fresh("string"), {"\xFF"}));
     EXPECT_FALSE(formOf(fresh("char"), {"\xE4"}));
-    EXPECT_TRUE(formOf(fresh("string"), {"\xFF", "fine"})) << "what counts is what became of it";
+    EXPECT_TRUE(formOf(fresh("string"), {"\xFF", "fine"})) << "only the final value counts";
     ASSERT_EQ(libraries().load("testobjects"), "");
     EXPECT_FALSE(formOf(fresh("Ticket"), {"please"}));
 }

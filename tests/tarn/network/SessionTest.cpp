@@ -24,7 +24,7 @@ ProcessResult check(const std::string& network)
 {
     const TestFolder folder;
     ProcessResult result = runTarn({"check", folder.write("net.toml", network)});
-    // Messages begin with the file's path, which differs each time.
+    // Messages contain the path of the folder, which differs each time.
     for (auto found = result.err.find(folder.path() + '/'); found != std::string::npos;
          found = result.err.find(folder.path() + '/'))
         result.err.erase(found, folder.path().size() + 1);
@@ -33,7 +33,7 @@ ProcessResult check(const std::string& network)
 
 } // namespace
 
-TEST(Session, findsRelativeNamesInTheFolderOfTheNetwork)
+TEST(Session, resolvesRelativeNamesInTheFolderOfTheNetwork)
 {
     const TestFolder folder;
     folder.write("project/data/greeting.txt", "hello\n");
@@ -42,7 +42,7 @@ TEST(Session, findsRelativeNamesInTheFolderOfTheNetwork)
                                   "set = { file = 'data/greeting.txt' }\n"
                                   "[[column]]\ntitle = 'line'\nvalue = 'file.line'\n";
     folder.write("project/net.toml", network);
-    // The table's name, however, counts from where the program was started.
+    // The name of the table is relative to the folder in which the program was started.
     const ProcessResult result = runTarn({"run", "project/net.toml", "--table=table.csv"}, {{}, "cd " + folder.path()});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "project/net.toml: 1 object, 1 step\n");
@@ -63,7 +63,7 @@ TEST(Session, findsLibrariesBesideTheNetwork)
     }
 }
 
-TEST(Session, reportsLibrariesAndGoesOn)
+TEST(Session, reportsLibrariesThatCannotBeLoadedAndContinues)
 {
     const TestFolder folder;
     folder.write("broken.so", "This is a text.");
@@ -79,7 +79,7 @@ TEST(Session, reportsLibrariesAndGoesOn)
     EXPECT_THAT(result.err, HasSubstr(file + ": 3 faults\n"));
 }
 
-TEST(Session, countsWhatIsInOrder)
+TEST(Session, countsObjectsAndConnections)
 {
     const ProcessResult result = check(head
                                        + "[[object]]\nname = 'a'\ntype = 'Adder'\n"
@@ -100,14 +100,14 @@ TEST(Session, listsAllFaultsByPlace)
                           "net.toml: 3 faults\n");
 }
 
-TEST(Session, takesNoPartOfAFileForAnEmptyNetwork)
+TEST(Session, refusesEmptyAndTruncatedFiles)
 {
     EXPECT_EQ(check("").err, "net.toml:1:1: the file holds no network, expected format = 1\nnet.toml: 1 fault\n");
     EXPECT_EQ(check("").status, 2);
     EXPECT_EQ(check("format = 1\n[[object]]\nname = 'a'\ntype = 'Ad").status, 2);
 }
 
-TEST(Session, refusesATimeWithoutAnEnd)
+TEST(Session, refusesATimeWithAnInvalidNumberOfSteps)
 {
     const struct {
         const char* time;
@@ -141,13 +141,13 @@ TEST(Session, countsTheStepsOfALongTimeExactly)
     EXPECT_EQ(runTarn({"run", file, "--steps=3", "--table=-"}).out, "step,time\n0,0\n1,1\n2,2\n");
 }
 
-TEST(Session, keepsALibraryInMemoryWhoseObjectSomebodyHolds)
+TEST(Session, keepsLibrariesInMemoryWhileAnObjectIsHeld)
 {
     const TestFolder folder;
     const std::string file = folder.write("net.toml", head + "[[object]]\nname = 'vine'\ntype = 'Clinging'\n");
     const ProcessResult result = runTarn({"run", file});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.err, HasSubstr("The libraries stay in memory, because somebody still holds object \"vine\"\n"));
+    EXPECT_THAT(result.err, HasSubstr("The libraries stay in memory because object \"vine\" is still in use\n"));
     EXPECT_THAT(runTarn({"check", file}).err, Not(HasSubstr("stay in memory")));
 }
 

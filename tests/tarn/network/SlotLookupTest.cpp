@@ -36,7 +36,7 @@ std::string found(const Orla::VSlotSet& slots, std::string_view text, char separ
 
 } // namespace
 
-TEST(SlotLookup, findTheSlotWithTheLongestNameThatFits)
+TEST(SlotLookup, findsTheSlotWithTheLongestMatchingName)
 {
     const auto object = Loam::makeStrong<Inputs>();
     const struct {
@@ -89,7 +89,7 @@ TEST(ObjectNames, findTheLongestNameBeforeADot)
     }
 }
 
-TEST(ObjectNames, ofWhichThereAreNoneFindNothing)
+TEST(ObjectNames, findNothingWhenEmpty)
 {
     std::string_view rest;
     EXPECT_EQ(ObjectNames{}.findAtStart(".x", rest), ObjectNames::npos);

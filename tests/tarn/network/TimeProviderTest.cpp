@@ -32,7 +32,8 @@ private:
     Orla::TypedSlot<VTime> m_time;
 };
 
-StrongPtr<Orla::VCreationPreferences> wishes(const std::string& purpose, const std::string& wish, double handicap = 0)
+StrongPtr<Orla::VCreationPreferences> makePreferences(const std::string& purpose, const std::string& wish,
+                                                      double handicap = 0)
 {
     const auto preferences = Loam::makeStrong<Orla::VCreationPreferences>(purpose, wish);
     preferences->setHandicap(handicap);
@@ -77,20 +78,20 @@ private:
 
 } // namespace
 
-TEST_F(TimeProviderTest, needNotExist)
+TEST_F(TimeProviderTest, isOptional)
 {
-    announce("local", wishes("local", "time"));
+    announce("local", makePreferences("local", "time"));
     announce("indifferent", nullptr);
     EXPECT_FALSE(TimeProvider::find());
     EXPECT_FALSE(TimeProvider{}.exists());
 }
 
-TEST_F(TimeProviderTest, isTheOneThatSuitsBest)
+TEST_F(TimeProviderTest, isTheObjectThatFitsBest)
 {
-    announce("special", wishes("special", "GlobalTime"));
-    announce("best", wishes("default", "GlobalTime"));
-    announce("reserve", wishes("default", "GlobalTime", 0.5));
-    announce("broken", wishes("default", "GlobalTime", std::numeric_limits<double>::quiet_NaN()));
+    announce("special", makePreferences("special", "GlobalTime"));
+    announce("best", makePreferences("default", "GlobalTime"));
+    announce("reserve", makePreferences("default", "GlobalTime", 0.5));
+    announce("broken", makePreferences("default", "GlobalTime", std::numeric_limits<double>::quiet_NaN()));
     const TimeProvider provider = TimeProvider::find();
     ASSERT_TRUE(provider);
     EXPECT_EQ(provider.name(), "best");
@@ -98,25 +99,25 @@ TEST_F(TimeProviderTest, isTheOneThatSuitsBest)
     EXPECT_THAT(warnings->messages, testing::IsEmpty());
 }
 
-TEST_F(TimeProviderTest, isTheLastOfEqualOnesAndThatIsSaid)
+TEST_F(TimeProviderTest, isTheLastOfEqualCandidatesWithAWarning)
 {
-    announce("first", wishes("default", "GlobalTime"));
-    announce("last", wishes("default", "GlobalTime"));
+    announce("first", makePreferences("default", "GlobalTime"));
+    announce("last", makePreferences("default", "GlobalTime"));
     EXPECT_EQ(TimeProvider::find().name(), "last");
     EXPECT_THAT(warnings->messages, testing::ElementsAre("2 objects provide the global time; \"last\" is stepped"));
 }
 
-TEST_F(TimeProviderTest, isNoneThatGetsItsTimeFromAnother)
+TEST_F(TimeProviderTest, isNotAnObjectThatReadsItsTimeFromAnother)
 {
-    const auto free = announce("free", wishes("special", "GlobalTime"));
-    const auto led = announce("led", wishes("default", "GlobalTime"));
+    const auto free = announce("free", makePreferences("special", "GlobalTime"));
+    const auto led = announce("led", makePreferences("default", "GlobalTime"));
     ASSERT_TRUE(led->attachOutput(free->findOutput("time"), led->findSlot("time"), ""));
     EXPECT_EQ(TimeProvider::find().name(), "free");
 }
 
-TEST_F(TimeProviderTest, stepsTheTimeAndKeepsTheRest)
+TEST_F(TimeProviderTest, stepsTheTimeAndKeepsTheOtherFields)
 {
-    const auto clock = announce("clock", wishes("default", "GlobalTime"));
+    const auto clock = announce("clock", makePreferences("default", "GlobalTime"));
     const TimeProvider provider = TimeProvider::find();
     VTime time{0.25, 0, 1, 0.25, "one", "two", "three"};
     time.flagA = true;
@@ -127,9 +128,9 @@ TEST_F(TimeProviderTest, stepsTheTimeAndKeepsTheRest)
     EXPECT_TRUE(Orla::VScheduler::isDue(clock, pool));
 }
 
-TEST_F(TimeProviderTest, noticesThatItsObjectIsGone)
+TEST_F(TimeProviderTest, detectsThatItsObjectIsDestroyed)
 {
-    StrongPtr<Orla::VObject> clock = Loam::makeStrong<Clock>("clock", wishes("default", "GlobalTime"));
+    StrongPtr<Orla::VObject> clock = Loam::makeStrong<Clock>("clock", makePreferences("default", "GlobalTime"));
     Orla::VObject::finishCreation(clock);
     const TimeProvider provider = TimeProvider::find();
     EXPECT_TRUE(provider.exists());
@@ -138,7 +139,7 @@ TEST_F(TimeProviderTest, noticesThatItsObjectIsGone)
     EXPECT_FALSE(provider.exists());
 }
 
-TEST(StepCount, countsBothEnds)
+TEST(StepCount, includesBothEnds)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const struct {

@@ -10,7 +10,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-TEST(EvaluationSummary, isFineUnlessSomethingHappened)
+TEST(EvaluationSummary, isFineUnlessSomethingFailed)
 {
     EXPECT_TRUE((Tarn::EvaluationSummary{.steps = 3}.isFine()));
     EXPECT_FALSE((Tarn::EvaluationSummary{.failures = 1}.isFine()));
@@ -29,7 +29,7 @@ TEST(Evaluation, runsOnceWithoutTime)
     EXPECT_THAT(result.err, HasSubstr("net.toml: 2 objects, 1 step\n"));
 }
 
-TEST(Evaluation, stepsTheTimeFromBeginToEnd)
+TEST(Evaluation, stepsTheTimeFromBeginningToEnd)
 {
     const ProcessResult result = evaluate(clockInQuarters + object("reader", "TimeReader")
                                           + column("time", "reader.out") + column("whole", "clock.GlobalTime"));
@@ -42,14 +42,14 @@ TEST(Evaluation, stepsTheTimeFromBeginToEnd)
                           "4,1,\"1[0,1]@0.25\"\n");
 }
 
-TEST(Evaluation, beginsAtTheBeginWhateverTimeIsSaved)
+TEST(Evaluation, startsAtTheBeginningWhateverTimeIsSaved)
 {
     const ProcessResult result = evaluate(object("clock", "GlobalTime", "set = { time = '3.5[3,4]@0.5' }\n")
                                           + column("time", "clock.GlobalTime.time"));
     EXPECT_EQ(result.out, "step,time\n0,3\n1,3.5\n2,4\n");
 }
 
-TEST(Evaluation, endsAfterTheStepsThatWereAskedFor)
+TEST(Evaluation, endsAfterTheRequestedNumberOfSteps)
 {
     const std::string network = clockInQuarters + column("time", "clock.GlobalTime.time");
     EXPECT_EQ(evaluate(network, {"--steps=2"}).out, "step,time\n0,0\n1,0.25\n");
@@ -57,7 +57,7 @@ TEST(Evaluation, endsAfterTheStepsThatWereAskedFor)
     EXPECT_EQ(evaluate(object("a", "Adder"), {"--steps=100"}).out, "step\n0\n");
 }
 
-TEST(Evaluation, usesTheProviderThatTimeDependentObjectsMake)
+TEST(Evaluation, usesTheProviderThatTimeDependentObjectsCreate)
 {
     const ProcessResult result = evaluate(object("reader", "TimeReader") + column("time", "reader.out"));
     EXPECT_EQ(result.status, 0);
@@ -81,7 +81,7 @@ TEST(Evaluation, keepsInputsOfTheSameNameApart)
     EXPECT_EQ(result.out, "step,one,two\n0,11,22\n");
 }
 
-TEST(Evaluation, goesOnWhenAnObjectThrowsAndSaysSo)
+TEST(Evaluation, continuesWithAWarningWhenAnObjectThrows)
 {
     const ProcessResult result =
         evaluate(clockInQuarters + object("painter", "Failing") + object("reader", "TimeReader")
@@ -93,7 +93,7 @@ TEST(Evaluation, goesOnWhenAnObjectThrowsAndSaysSo)
     EXPECT_THAT(result.err, HasSubstr("net.toml: 3 objects, 5 steps, 4 failures, the first in step 1\n"));
 }
 
-TEST(Evaluation, countsUpdatesThatReturnFalse)
+TEST(Evaluation, countsUpdatesThatReturnFalseAsFailures)
 {
     const ProcessResult result = evaluate(clockInQuarters + object("painter", "Failing", "set = { how = 'return' }\n"));
     EXPECT_EQ(result.status, 1);
@@ -121,14 +121,14 @@ TEST(Evaluation, stopsALoopThatDoesNotSettleAndNamesItsObjects)
                                   HasSubstr("net.toml: 3 objects, 1 step, 1 loop stopped, the first in step 0\n")));
 }
 
-TEST(Evaluation, keepsTheLastValueOfAnObjectThatIsRemoved)
+TEST(Evaluation, keepsTheLastValueOfARemovedObject)
 {
     const ProcessResult result = evaluate(clockInQuarters + object("victim", "TimeReader")
                                           + object("reader", "Adder", "connect = { a = 'victim.out' }\n")
                                           + object("killer", "Remover", "set = { victim = 'victim' }\n")
                                           + column("victim", "victim.out") + column("reader", "reader.sum"));
     EXPECT_EQ(result.status, 0);
-    // The victim is removed in step 1: before or after its own turn, then no more.
+    // The victim is removed in step 1, after its update, and is not updated again.
     EXPECT_THAT(result.out,
                 HasSubstr("step,victim,reader\n0,0,0\n1,0.25,0.25\n2,0.25,0.25\n3,0.25,0.25\n4,0.25,0.25\n"));
 }
@@ -153,7 +153,7 @@ TEST(Evaluation, endsWhenAnObjectCancelsIt)
     EXPECT_THAT(folder.names(), testing::ElementsAre("net.toml"));
 }
 
-TEST(Evaluation, writesNumbersTheSameUnderEveryLocale)
+TEST(Evaluation, writesNumbersTheSameInEveryLocale)
 {
     const TestFolder folder;
     const std::string file = folder.write(

@@ -18,7 +18,7 @@ const std::string listening = object("ear", "Listener") + column("log", "ear.log
 
 } // namespace
 
-TEST(EventPlayer, showsEachEventToWhoListens)
+TEST(EventPlayer, sendsEachEventToListeners)
 {
     EXPECT_FALSE(Tarn::EventPlayer::find());
     const ProcessResult result = play("0 press 10 20 right shift\n0 move 11 21\n0 wheel 11 21 2\n0 key k\n", listening);
@@ -35,9 +35,9 @@ TEST(EventPlayer, playsEventsAfterTheirStep)
                           "3,\"6@-1,-1:0:0:a::0;6@-1,-1:0:0:b::0;\"\n4,\"6@-1,-1:0:0:a::0;6@-1,-1:0:0:b::0;\"\n");
 }
 
-TEST(EventPlayer, leavesTheGrabToWhoHoldsIt)
+TEST(EventPlayer, leavesTheGrabToItsHolder)
 {
-    // The second one comes later, and is shut out until the first lets go.
+    // The second listener comes later, and is shut out until the first releases the grab.
     const ProcessResult result = play("0 press 1 1\n0 move 2 2\n0 release 3 3\n0 move 4 4\n",
                                       object("first", "Listener") + object("second", "Listener")
                                           + column("first", "first.log") + column("second", "second.log"));
@@ -47,7 +47,7 @@ TEST(EventPlayer, leavesTheGrabToWhoHoldsIt)
                           "\"(not mine)(not mine)4@3,3:1:0:::0;3@4,4:0:0:::0;\"\n");
 }
 
-TEST(EventPlayer, refusesEventsThatNobodyWouldSee)
+TEST(EventPlayer, refusesEventsThatNoObjectWouldReceive)
 {
     const ProcessResult deaf = play("0 key a\n", object("a", "Adder"));
     EXPECT_EQ(deaf.status, 2);

@@ -31,7 +31,7 @@ std::vector<std::string> faultsOf(const std::string& text)
 
 } // namespace
 
-TEST(EventScript, readsThePointer)
+TEST(EventScript, readsPointerEvents)
 {
     const auto events = eventsOf("0 press 100 -200 middle control+shift\n"
                                  "0 move 160 200\n"
@@ -57,7 +57,7 @@ TEST(EventScript, readsThePointer)
     EXPECT_EQ(events[3].modifiers, VInteractionEvent::Alt);
 }
 
-TEST(EventScript, makesTwoEventsOfAKeyStroke)
+TEST(EventScript, makesTwoEventsFromAKeyStroke)
 {
     const auto events = eventsOf("1 key r");
     ASSERT_EQ(events.size(), 2u);
@@ -69,7 +69,7 @@ TEST(EventScript, makesTwoEventsOfAKeyStroke)
     EXPECT_EQ(events[1].armingKeyText, "r");
 }
 
-TEST(EventScript, knowsKeysThatAreDownOrUpAloneAndThoseWithNames)
+TEST(EventScript, readsSingleKeyPressesAndReleasesAndNamedKeys)
 {
     const struct {
         const char* line;
@@ -91,14 +91,14 @@ TEST(EventScript, knowsKeysThatAreDownOrUpAloneAndThoseWithNames)
     }
 }
 
-TEST(EventScript, leavesOutCommentsAndBlankLines)
+TEST(EventScript, ignoresCommentsAndBlankLines)
 {
     EXPECT_THAT(eventsOf(""), IsEmpty());
     EXPECT_THAT(eventsOf("# nothing\n\n  \t\n#\n"), IsEmpty());
     EXPECT_EQ(eventsOf("\n  3\tkeydown  x# the key\r\n# end").size(), 1u);
 }
 
-TEST(EventScript, namesEveryFaultAndItsPlace)
+TEST(EventScript, reportsEveryFaultWithItsPlace)
 {
     const struct {
         const char* text;
@@ -127,9 +127,9 @@ TEST(EventScript, namesEveryFaultAndItsPlace)
         {"1 key ab", {"events:1:7: found \"ab\", expected one character, or space, tab, enter, escape or hash"}},
         {"1 key a b", {"events:1:9: found \"b\", expected keys such as shift+control"}},
         {"2 key a\n1 key b\n3 kye c",
-         {"events:2:1: step 1 comes after step 2, expected no smaller one",
+         {"events:2:1: step 1 comes after step 2; steps must not decrease",
           "events:3:3: found \"kye\", expected press, move, release, wheel, key, keydown or keyup"}},
-        {"1 key a\n2 key \xff", {"events:2:7: the text is no UTF-8 from here on"}},
+        {"1 key a\n2 key \xff", {"events:2:7: invalid UTF-8 from here on"}},
         {"1 key \xc3\xa4\xc3\xb6 x",
          {"events:1:7: found \"\xc3\xa4\xc3\xb6\", expected one character, or space, tab, enter, escape or hash"}},
     };
@@ -139,7 +139,7 @@ TEST(EventScript, namesEveryFaultAndItsPlace)
     }
 }
 
-TEST(EventScript, keepsWhatItUnderstands)
+TEST(EventScript, keepsTheValidEvents)
 {
     Faults faults{"events"};
     EXPECT_EQ(parseEvents("0 press 1 2\n0 oops\n1 release 1 2\n", faults).size(), 2u);

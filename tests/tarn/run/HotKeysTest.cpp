@@ -23,7 +23,7 @@ std::string keyed(const std::string& name, const std::string& key)
 
 } // namespace
 
-TEST(HotKeys, areListedWhereSeveralObjectsListenToOne)
+TEST(HotKeys, areListedIfSeveralObjectsShareOne)
 {
     const ProcessResult result =
         check(keyed("a", "w") + keyed("b", "x") + keyed("c", "w") + keyed("d", " ") + keyed("e", " "));
@@ -33,7 +33,7 @@ TEST(HotKeys, areListedWhereSeveralObjectsListenToOne)
                           "net.toml: 5 objects, 0 connections, no faults\n");
 }
 
-TEST(HotKeys, areNotSharedByThoseThatHaveNone)
+TEST(HotKeys, areNotSharedByObjectsWithoutOne)
 {
     EXPECT_THAT(check(object("a", "KeyAction") + object("b", "KeyAction")).err, Not(HasSubstr("note")));
     EXPECT_TRUE(Tarn::sharedHotKeys().empty());

@@ -30,7 +30,7 @@ TEST(Interruption, cancelsTheEvaluation)
     EXPECT_TRUE(interruption.cancellation().isCancelled());
 }
 
-TEST(Interruption, givesTheSignalsBack)
+TEST(Interruption, restoresTheSignalHandlers)
 {
     struct sigaction before {};
     ::sigaction(SIGINT, nullptr, &before);
@@ -74,7 +74,7 @@ TEST(Interruption, endsTheRunAndLeavesTheOldTable)
     }
 }
 
-TEST(Interruption, leavesWholeRowsOnStandardOutput)
+TEST(Interruption, leavesCompleteRowsOnStandardOutput)
 {
     const TestFolder folder;
     TarnProcess process{{"run", folder.write("net.toml", slowNetwork("1")), "--table=-"}};
@@ -83,10 +83,10 @@ TEST(Interruption, leavesWholeRowsOnStandardOutput)
     const ProcessResult result = process.wait();
     EXPECT_EQ(result.status, 130);
     EXPECT_EQ(result.out, "step\n");
-    EXPECT_THAT(result.err, HasSubstr("tarn: interrupted in step 0; the table ends before\n"));
+    EXPECT_THAT(result.err, HasSubstr("tarn: interrupted in step 0; the table ends before that step\n"));
 }
 
-TEST(Interruption, endsAlsoWhatDoesNotListen)
+TEST(Interruption, endsObjectsThatIgnoreIt)
 {
     const TestFolder folder;
     folder.write("table.csv", "old");
@@ -100,7 +100,7 @@ TEST(Interruption, endsAlsoWhatDoesNotListen)
     EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv"));
 }
 
-TEST(Interruption, endsAtOnceAtTheSecondSignal)
+TEST(Interruption, endsImmediatelyOnTheSecondSignal)
 {
     const TestFolder folder;
     TarnProcess process{{"run", folder.write("net.toml", slowNetwork("0"))}};
@@ -108,7 +108,7 @@ TEST(Interruption, endsAtOnceAtTheSecondSignal)
     process.send(SIGTERM);
     process.send(SIGINT);
     const ProcessResult result = process.wait();
-    // Which of two signals that wait is handed out first is the system's business.
+    // The system chooses which of two pending signals it delivers first.
     EXPECT_TRUE(result.status == 143 || result.status == 130) << result.status;
     EXPECT_THAT(result.err, HasSubstr("tarn: interrupted a second time\n"));
 }

@@ -27,7 +27,7 @@ ProcessResult run(const std::string& text, const std::vector<std::string>& optio
 
 } // namespace
 
-TEST(PrintedOutputs, areTheLastValuesInTheOrderAskedFor)
+TEST(PrintedOutputs, areTheLastValuesInTheRequestedOrder)
 {
     const ProcessResult result = run(network, {"--print=e.out", "--print=a.b.sum", "--print=clock.GlobalTime",
                                                "--print=clock.GlobalTime.range.end", "--print=d.out.range.time"});
@@ -39,7 +39,7 @@ TEST(PrintedOutputs, areTheLastValuesInTheOrderAskedFor)
                           "d.out.range.time: 0\n");
 }
 
-TEST(PrintedOutputs, areNotCut)
+TEST(PrintedOutputs, areNotTruncated)
 {
     const std::string text(100000, 'x');
     EXPECT_EQ(run(object("e", "Echo", "set = { text = '" + text + "' }\n"), {"--print=e.out"}).out,
@@ -85,7 +85,7 @@ TEST(PrintedOutputs, showTheLastGoodValuesAfterAFailure)
     EXPECT_EQ(result.out, "f.out: 42\n");
 }
 
-TEST(PrintedOutputs, areNotMixedIntoATrace)
+TEST(PrintedOutputs, areNotMixedWithATrace)
 {
     const ProcessResult result = run(network, {"--print=a.b.sum", "--trace=-"});
     EXPECT_EQ(result.status, 3);

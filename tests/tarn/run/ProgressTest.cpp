@@ -22,7 +22,7 @@ TEST(Progress, showsABarTheStepsTheRateAndTheTimeLeft)
     EXPECT_EQ(Progress::line(100, 100, 5, 79), "[########################################] 100/100, 20/s, 0s left");
 }
 
-TEST(Progress, leavesOutWhatIsNotKnownYet)
+TEST(Progress, omitsUnknownValues)
 {
     EXPECT_EQ(Progress::line(0, 8, 0, 79), "[........................................] 0/8");
     EXPECT_EQ(Progress::line(0, 0, 0, 30), "[########################] 0/0");
@@ -35,7 +35,7 @@ TEST(Progress, writesLongTimesInMinutesAndHours)
     EXPECT_THAT(Progress::line(1, 1'000'000'000'000, 1, 79), HasSubstr("long left"));
 }
 
-TEST(Progress, fitsIntoNarrowTerminals)
+TEST(Progress, fitsNarrowTerminals)
 {
     EXPECT_EQ(Progress::line(123, 4567, 61.5, 24), "[......] 123/4567, 2.0/s");
     EXPECT_EQ(Progress::line(123, 4567, 61.5, 19), "123/4567, 2.0/s");
@@ -49,7 +49,7 @@ TEST(Progress, fitsIntoNarrowTerminals)
 
 namespace {
 
-// What the host program shows on a terminal of that many columns.
+// Runs a network on a terminal with this many columns. Returns the output of the program.
 std::string shownOnATerminal(const std::string& network, unsigned short columns)
 {
     const TestFolder folder;
@@ -66,7 +66,7 @@ std::string shownOnATerminal(const std::string& network, unsigned short columns)
     }
     std::string shown;
     char buffer[4096];
-    // A terminal whose other end was closed is an error and no end of file.
+    // When the other end of a terminal is closed, read() reports an error, not end of file.
     for (ssize_t got = 0; (got = ::read(terminal, buffer, sizeof buffer)) > 0;)
         shown.append(buffer, static_cast<std::size_t>(got));
     ::close(terminal);
@@ -76,21 +76,21 @@ std::string shownOnATerminal(const std::string& network, unsigned short columns)
     return shown;
 }
 
-// Long enough for the line to be drawn some times.
+// Long enough for the line to be drawn several times.
 const std::string longRun =
     object("clock", "GlobalTime", "set = { time = '0[0,1]@0.0000005' }\n") + object("reader", "TimeReader");
 
 } // namespace
 
-TEST(Progress, isShownOnATerminalAndTakenAwayAtTheEnd)
+TEST(Progress, isShownOnATerminalAndErasedAtTheEnd)
 {
     const std::string shown = shownOnATerminal(longRun, 100);
     EXPECT_THAT(shown, testing::ContainsRegex("\\[[#.]+\\] [0-9]+/2000001, [0-9]+/s, [0-9]+s left"));
     const std::string before = shown.substr(0, shown.find("2 objects, 2000001 steps"));
-    EXPECT_LT(before.rfind("/s, "), before.rfind("\r\x1b[K")) << "the line goes before the message comes";
+    EXPECT_LT(before.rfind("/s, "), before.rfind("\r\x1b[K")) << "the line is erased before the message";
 }
 
-TEST(Progress, fitsIntoATerminalOfTwentyColumns)
+TEST(Progress, fitsATerminalOfTwentyColumns)
 {
     const std::string shown = shownOnATerminal(longRun, 20);
     const std::string erase = "\r\x1b[K";
@@ -106,7 +106,7 @@ TEST(Progress, fitsIntoATerminalOfTwentyColumns)
     EXPECT_GT(lines, 0u);
 }
 
-TEST(Progress, isNotShownWhereNobodyWatches)
+TEST(Progress, isNotShownWithoutATerminal)
 {
     const ProcessResult result = evaluate(clockInQuarters + object("a", "TimeReader"));
     EXPECT_THAT(result.err, Not(HasSubstr("\x1b")));

@@ -11,17 +11,17 @@ TEST(RunActions, areEmittedAfterEachStepAndAtTheEnd)
                                           + object("ends", "ActionCounter", "connect = { trigger = 'run.finished' }\n")
                                           + column("steps", "steps.count") + column("ends", "ends.count"));
     EXPECT_EQ(result.status, 0) << result.err;
-    // The end comes after the last row.
+    // The action `finished` is emitted after the last row.
     EXPECT_EQ(result.out, "step,steps,ends\n0,1,0\n1,2,0\n2,3,0\n3,4,0\n4,5,0\n");
 }
 
-TEST(RunActions, needNobodyWhoListens)
+TEST(RunActions, needNoListener)
 {
     EXPECT_EQ(evaluate(object("run", "Run") + object("a", "Adder")).status, 0);
     EXPECT_FALSE(Tarn::RunActions::find().emitFinished(Loam::makeStrong<Orla::ValuePool>()));
 }
 
-TEST(RunActions, comeFromAKeyAsWell)
+TEST(RunActions, areAlsoEmittedByAKey)
 {
     const TestFolder folder;
     const std::string events =
@@ -32,10 +32,10 @@ TEST(RunActions, comeFromAKeyAsWell)
                      + column("count", "counter.count"),
                  {"--events=" + events});
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(result.out, "step,count\n0,9\n") << "a key that is held counts once";
+    EXPECT_EQ(result.out, "step,count\n0,9\n") << "a held key counts once";
 }
 
-TEST(RunActions, arePassedOnByAKeyWithTheirNumbers)
+TEST(RunActions, areForwardedByAKeyWithTheirNumbers)
 {
     const ProcessResult result = evaluate(clockInQuarters + object("run", "Run")
                                           + object("key", "KeyAction", "connect = { forward = 'run.stepped' }\n")
@@ -44,7 +44,7 @@ TEST(RunActions, arePassedOnByAKeyWithTheirNumbers)
     EXPECT_EQ(result.out, "step,count\n0,1\n1,2\n2,3\n3,4\n4,5\n") << result.err;
 }
 
-TEST(RunActions, countWhatFailsAtTheEndToTheLastStep)
+TEST(RunActions, attributeFailuresAtTheEndToTheLastStep)
 {
     const ProcessResult result = evaluate(clockInQuarters + object("run", "Run")
                                           + object("touchy", "Touchy", "connect = { trigger = 'run.finished' }\n"));

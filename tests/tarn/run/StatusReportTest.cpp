@@ -30,12 +30,12 @@ TEST(StatusReport, listsErrorsThenWarningsThenTheRest)
                                      "  d: done\n"));
 }
 
-TEST(StatusReport, makesErrorsDecideTheExitStatusAndNothingElse)
+TEST(StatusReport, changesTheExitStatusOnlyForErrors)
 {
     EXPECT_EQ(evaluate(teller("a", "info", "fine")).status, 0);
     EXPECT_EQ(evaluate(teller("a", "warning", "odd")).status, 0);
     EXPECT_EQ(evaluate(teller("a", "error", "bad")).status, 1);
-    EXPECT_EQ(evaluate(teller("a", "error", "")).status, 1) << "an error without words is one";
+    EXPECT_EQ(evaluate(teller("a", "error", "")).status, 1) << "an error without a text is an error";
 }
 
 TEST(StatusReport, isPlainTextWithoutControlCharacters)
@@ -44,7 +44,7 @@ TEST(StatusReport, isPlainTextWithoutControlCharacters)
     EXPECT_THAT(result.err, EndsWith("  a: 2 < 3\n  a: next\\x1b[31m\n"));
 }
 
-TEST(StatusReport, leavesOutWhoHasNothingToSay)
+TEST(StatusReport, omitsObjectsWithoutAMessage)
 {
     const ProcessResult result = evaluate(teller("a", "info", "") + teller("b", "info", " \\n"));
     EXPECT_THAT(result.err, EndsWith("net.toml: 2 objects, 1 step\n"));

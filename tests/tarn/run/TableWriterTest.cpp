@@ -34,7 +34,7 @@ TEST(TableWriter, quotesFieldsThatWouldBreakTheTable)
     }
 }
 
-TEST(TableWriter, endsRowsInALineFeed)
+TEST(TableWriter, endsRowsWithALineFeed)
 {
     const TestFolder folder;
     Loam::OutputFile output{folder.file("table.csv")};
@@ -45,7 +45,7 @@ TEST(TableWriter, endsRowsInALineFeed)
     EXPECT_EQ(contentOf(folder.file("table.csv")), "step,a\n0,\"b,c\"\n");
 }
 
-TEST(TableWriter, handsEachRowToAStreamAtOnce)
+TEST(TableWriter, writesEachRowToAStreamImmediately)
 {
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_NONBLOCK), 0);

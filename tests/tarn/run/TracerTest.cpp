@@ -40,7 +40,7 @@ private:
     Orla::TypedSlot<double> m_in{this, "in", 0, 0};
 };
 
-// The updates of a trace: "NAME STEP: REASON, OUTCOME".
+// Returns the updates of a trace, each as "NAME STEP: REASON, OUTCOME".
 std::vector<std::string> updatesOf(const json& trace)
 {
     std::vector<std::string> updates;
@@ -77,7 +77,7 @@ TEST(Tracer, writesCompleteEventsInMicroseconds)
         Orla::VScheduler::run(pool);
         tracer.finish();
         output.commit();
-        // Nobody hears of this one.
+        // This update is not traced.
         Orla::VScheduler::schedule(sleeper, 0, pool);
         Orla::VScheduler::run(pool);
     }
@@ -100,7 +100,7 @@ TEST(Tracer, writesCompleteEventsInMicroseconds)
               update["ts"].get<double>() + update["dur"].get<double>());
 }
 
-TEST(Tracer, saysAtTheEndThatItCouldNotWrite)
+TEST(Tracer, throwsAtTheEndIfItCouldNotWrite)
 {
     ASSERT_TRUE(isSafeToWriteDevices());
     const auto pool = Loam::makeStrong<Orla::ValuePool>("pool");
@@ -113,7 +113,7 @@ TEST(Tracer, saysAtTheEndThatItCouldNotWrite)
     EXPECT_THROW(tracer.finish(), Loam::FileError);
 }
 
-TEST(Tracer, observesNoMoreWhenItIsGone)
+TEST(Tracer, stopsObservingWhenItIsDestroyed)
 {
     const TestFolder folder;
     const auto pool = Loam::makeStrong<Orla::ValuePool>("pool");
@@ -128,7 +128,7 @@ TEST(Tracer, observesNoMoreWhenItIsGone)
     EXPECT_THAT(folder.names(), IsEmpty());
 }
 
-TEST(Tracer, tellsOfARunWhyEachObjectRan)
+TEST(Tracer, recordsWhyEachObjectRan)
 {
     const TestFolder folder;
     const std::string network = clockInQuarters + object("a", "Adder", "connect = { a = 'clock.GlobalTime.time' }\n")
@@ -145,7 +145,7 @@ TEST(Tracer, tellsOfARunWhyEachObjectRan)
                             "f 1: clock.GlobalTime changed, failed"));
 }
 
-TEST(Tracer, isNoReasonForOtherResults)
+TEST(Tracer, doesNotChangeTheResults)
 {
     const TestFolder folder;
     const std::string network =
@@ -157,7 +157,7 @@ TEST(Tracer, isNoReasonForOtherResults)
     EXPECT_EQ(traced.err, plain.err);
 }
 
-TEST(Tracer, goesToStandardOutputToo)
+TEST(Tracer, writesToStandardOutput)
 {
     const TestFolder folder;
     const ProcessResult result = run(folder, object("a", "Adder"), {"--trace=-"});
@@ -165,7 +165,7 @@ TEST(Tracer, goesToStandardOutputToo)
     EXPECT_THAT(updatesOf(json::parse(result.out)), ElementsAre("a 0: scheduled with 0, done"));
 }
 
-TEST(Tracer, isWholeWhenTheRunIsCancelled)
+TEST(Tracer, writesACompleteTraceWhenTheRunIsCancelled)
 {
     const TestFolder folder;
     const ProcessResult result =
@@ -176,7 +176,7 @@ TEST(Tracer, isWholeWhenTheRunIsCancelled)
                 ElementsAre("a 0: scheduled with 0, done", "c 0: scheduled with 0, cancelled"));
 }
 
-TEST(Tracer, isWholeAfterASignal)
+TEST(Tracer, writesACompleteTraceAfterASignal)
 {
     const TestFolder folder;
     const std::string trace = folder.file("trace.json");

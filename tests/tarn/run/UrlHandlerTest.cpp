@@ -8,7 +8,7 @@
 
 namespace {
 
-// A browser that notes what it was asked to show.
+// Creates a browser that records the addresses it gets. Returns the variable that selects it.
 std::string makeBrowser(const TestFolder& folder, const std::string& after)
 {
     const std::string path =
@@ -25,7 +25,7 @@ ProcessResult open(const std::string& url, const std::string& browser)
 
 } // namespace
 
-TEST(UrlHandler, startsTheBrowserThatTheUserChose)
+TEST(UrlHandler, startsTheBrowserChosenByTheUser)
 {
     const TestFolder folder;
     const std::string browser = makeBrowser(folder, "exit 0");
@@ -33,7 +33,7 @@ TEST(UrlHandler, startsTheBrowserThatTheUserChose)
     EXPECT_EQ(contentOf(folder.file("shown")), "https://example.org/a?b=c&d|");
 }
 
-TEST(UrlHandler, tellsWhenTheBrowserFailsOrIsMissing)
+TEST(UrlHandler, reportsABrowserThatFailsOrIsMissing)
 {
     const TestFolder folder;
     EXPECT_EQ(open("https://example.org", makeBrowser(folder, "exit 3")).out, "step,opened\n0,no\n");
@@ -47,7 +47,7 @@ TEST(UrlHandler, doesNotWaitForABrowserThatStaysOpen)
     EXPECT_EQ(result.out, "step,opened\n0,yes\n");
 }
 
-TEST(UrlHandler, refusesWhatIsNoAddressOfAPage)
+TEST(UrlHandler, refusesUnsafeAndInvalidUrls)
 {
     const TestFolder folder;
     const std::string browser = makeBrowser(folder, "exit 0");

@@ -7,7 +7,7 @@
 
 using namespace Tarn;
 
-TEST(WarningPrinter, printsEachWarningOnceAndAtTheEndHowOftenItCame)
+TEST(WarningPrinter, printsEachWarningOnceAndCountsRepeatsAtTheEnd)
 {
     const auto printer = Loam::makeStrong<WarningPrinter>();
     testing::internal::CaptureStderr();
@@ -21,7 +21,7 @@ TEST(WarningPrinter, printsEachWarningOnceAndAtTheEndHowOftenItCame)
                                                       "tarn: warning: too hot (3 times in all)\n");
 }
 
-TEST(WarningPrinter, losesNoWarningHoweverManyThereAre)
+TEST(WarningPrinter, losesNoWarnings)
 {
     const auto printer = Loam::makeStrong<WarningPrinter>();
     testing::internal::CaptureStderr();

@@ -8,7 +8,7 @@ using namespace Tarn;
 
 namespace {
 
-// A key of that many parts.
+// Returns a key with this many parts.
 std::string key(std::size_t parts, const std::string& part = "a", const std::string& dot = ".")
 {
     std::string text = part;
@@ -19,7 +19,7 @@ std::string key(std::size_t parts, const std::string& part = "a", const std::str
 
 } // namespace
 
-TEST(DeepTomlKeys, allowsAsManyPartsAsAnyNetworkNeeds)
+TEST(DeepTomlKeys, allowsKeysWithTheMaximalNumberOfParts)
 {
     EXPECT_FALSE(findDeepKey(""));
     EXPECT_FALSE(findDeepKey(key(MaximalKeyParts) + " = 1\n[" + key(MaximalKeyParts) + "]\n"));
@@ -50,7 +50,7 @@ TEST(DeepTomlKeys, findsTheKeyWithTooManyParts)
     }
 }
 
-TEST(DeepTomlKeys, takesNoTextAndNoCommentForAKey)
+TEST(DeepTomlKeys, ignoresStringsAndComments)
 {
     const std::string dots(100, '.');
     for (const std::string& text : {
@@ -68,7 +68,7 @@ TEST(DeepTomlKeys, takesNoTextAndNoCommentForAKey)
     }
 }
 
-TEST(DeepTomlKeys, looksOnBehindATextThatIsClosed)
+TEST(DeepTomlKeys, findsDeepKeysAfterStringsAndComments)
 {
     const std::string deep = "\n" + key(MaximalKeyParts + 1) + " = 1";
     for (const std::string start : {"x = \"\"", "x = 'a'", "x = \"a\\\\\"", "x = \"\"\"a\"\"\"", "x = '''a'''''",

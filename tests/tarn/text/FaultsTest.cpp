@@ -5,7 +5,7 @@
 using namespace Tarn;
 using testing::ElementsAre;
 
-TEST(Faults, areListedByPlaceWithThoseOfTheCommandLineLast)
+TEST(Faults, areListedByPlaceWithCommandLineFaultsLast)
 {
     Faults faults{"net.toml"};
     faults.add("--set=a.b=c: wrong");
@@ -19,7 +19,7 @@ TEST(Faults, areListedByPlaceWithThoseOfTheCommandLineLast)
                             "net.toml:10:2: late", "--set=a.b=c: wrong"));
 }
 
-TEST(Faults, stayOnOneLineWhateverTheFileIsCalled)
+TEST(Faults, stayOnOneLineForAnyFileName)
 {
     Faults faults{"two\nlines"};
     faults.add({1, 1}, "wrong");

@@ -7,19 +7,19 @@
 
 using namespace Tarn;
 
-TEST(Messages, quotesNamesSoThatTheirEndShows)
+TEST(Messages, quoteAndEscapeNames)
 {
     EXPECT_EQ(inQuotes("say \"so\"\n"), "\"say \\\"so\\\"\\n\"");
 }
 
-TEST(Messages, countsInSingularAndPlural)
+TEST(Messages, countInSingularAndPlural)
 {
     EXPECT_EQ(counted(0, "fault"), "0 faults");
     EXPECT_EQ(counted(1, "fault"), "1 fault");
     EXPECT_EQ(counted(2, "fault"), "2 faults");
 }
 
-TEST(Messages, findsTheNameThatWasMisspelt)
+TEST(Messages, findTheNameThatWasMisspelt)
 {
     const std::vector<std::string> names{"catalog", "magnitude", "time"};
     const struct {
@@ -27,10 +27,10 @@ TEST(Messages, findsTheNameThatWasMisspelt)
         const char* found;
     } cases[] = {
         {"magnitud", "magnitude"},   // a letter is missing
-        {"magnnitude", "magnitude"}, // one too many
-        {"mognitude", "magnitude"},  // another one
-        {"cataolg", "catalog"},      // two are swapped
-        {"Time", "time"},            // another case
+        {"magnnitude", "magnitude"}, // an extra letter
+        {"mognitude", "magnitude"},  // a wrong letter
+        {"cataolg", "catalog"},      // two letters are swapped
+        {"Time", "time"},            // the wrong case
         {"TIME", "time"},
         {"tiem", "time"},
         {"depth", ""},
@@ -43,17 +43,17 @@ TEST(Messages, findsTheNameThatWasMisspelt)
     }
 }
 
-TEST(Messages, prefersTheNameWithTheFewestMistakes)
+TEST(Messages, preferTheNameWithTheFewestMistakes)
 {
     EXPECT_EQ(nearest("magnitud", {"magnetude", "magnitude", "megnitudo"}), "magnitude");
 }
 
-TEST(Messages, doesNotGuessAtEndlessNames)
+TEST(Messages, suggestNothingForVeryLongNames)
 {
     EXPECT_EQ(nearest(std::string(100000, 'a'), {std::string(100000, 'a')}), "");
 }
 
-TEST(Messages, offersWhatThereIsInstead)
+TEST(Messages, suggestOrListTheAvailableNames)
 {
     EXPECT_EQ(insteadOf("tme", {"time", "range"}), "; did you mean \"time\"?");
     EXPECT_EQ(insteadOf("depth", {"time", "range"}), "; there are time, range");

@@ -4,7 +4,7 @@
 
 using Tarn::TextTable;
 
-TEST(TextTable, linesUpItsColumnsByCharacters)
+TEST(TextTable, alignsItsColumnsByCharacters)
 {
     TextTable table;
     table.add({"Größe", "1"});
@@ -15,7 +15,7 @@ TEST(TextTable, linesUpItsColumnsByCharacters)
                                 "         3\n");
 }
 
-TEST(TextTable, hasNoBlanksAtTheEndOfALine)
+TEST(TextTable, hasNoTrailingBlanks)
 {
     TextTable table;
     table.add({"long", "one"});

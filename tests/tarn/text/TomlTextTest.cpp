@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 namespace {
 
-// What is read where `value` stands behind the key `key`.
+// Returns the input text that is read from `key = value`.
 NetworkFile::InputText read(const std::string& key, const std::string& value)
 {
     Faults faults{"net"};
@@ -31,7 +31,7 @@ NetworkFile::InputText read(const std::string& key, const std::string& value)
                                                                          : NetworkFile::InputText{};
 }
 
-// All characters there are, as UTF-8.
+// Returns all Unicode characters as UTF-8.
 std::string allCharacters()
 {
     std::string text;
@@ -97,7 +97,7 @@ TEST(TomlText, keepsEveryCharacter)
     EXPECT_EQ(read(tomlKey(all.substr(0, 0x900)), "''").input.text, all.substr(0, 0x900));
 }
 
-TEST(TomlText, writesNumbersBareIfTheyAreReadWithTheSameDigits)
+TEST(TomlText, writesNumbersUnquotedIfTheyAreReadWithTheSameDigits)
 {
     const struct {
         const char* text;
@@ -129,7 +129,7 @@ TEST(TomlText, writesNumbersBareIfTheyAreReadWithTheSameDigits)
         EXPECT_FALSE(tomlNumber(std::string(text))) << text;
 }
 
-TEST(TomlText, keepsEveryBitOfANumberUnderEveryLocale)
+TEST(TomlText, keepsEveryBitOfANumberInEveryLocale)
 {
     const UnderDecimalComma comma;
     std::mt19937_64 random{1};
@@ -162,7 +162,7 @@ TEST(TomlText, keepsEveryBitOfANumberUnderEveryLocale)
         double again = 0;
         ASSERT_TRUE(Loam::readNumber(again, text));
         EXPECT_EQ(std::bit_cast<std::uint64_t>(again), std::bit_cast<std::uint64_t>(number));
-        ASSERT_TRUE(tomlNumber(text)); // the text of the number is a number again
+        ASSERT_TRUE(tomlNumber(text)); // the text of the number is a number itself
         EXPECT_EQ(read("x", *tomlNumber(text)).value.text, text);
     }
 }

@@ -6,7 +6,7 @@
 
 using namespace Tarn;
 
-TEST(Utf8, isAnythingThatEncodesAUnicodeCharacterInTheShortestWay)
+TEST(Utf8, isValidIfEveryCharacterHasItsShortestEncoding)
 {
     for (const std::string text : {"", "plain\n", "\x7f", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF",
                                    "\xEE\x80\x80", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
@@ -15,10 +15,10 @@ TEST(Utf8, isAnythingThatEncodesAUnicodeCharacterInTheShortestWay)
     }
 }
 
-TEST(Utf8, isNothingElse)
+TEST(Utf8, isInvalidOtherwise)
 {
     for (const std::string text : {
-             "\x80", // continues nothing
+             "\x80", // continuation without a first byte
              "\xBF",
              "\xC0\x80", // longer than necessary
              "\xC1\xBF",
@@ -29,10 +29,10 @@ TEST(Utf8, isNothingElse)
              "\xF4\x90\x80\x80", // beyond the last character
              "\xF5\x80\x80\x80",
              "\xFF",
-             "\xC3", // cut off
+             "\xC3", // truncated
              "\xE2\x82",
              "\xF0\x9F\x98",
-             "\xC3(", // not continued
+             "\xC3(", // continuation missing
              "\xE2\x82(",
          }) {
         SCOPED_TRACE(testing::PrintToString(text));
@@ -41,7 +41,7 @@ TEST(Utf8, isNothingElse)
     }
 }
 
-TEST(Utf8, isCountedInCharacters)
+TEST(Utf8, hasPlacesCountedInCharacters)
 {
     const std::string text = "a\nöäb\n";
     EXPECT_EQ(placeAt(text, 0), (Place{1, 1}));
@@ -51,13 +51,13 @@ TEST(Utf8, isCountedInCharacters)
     EXPECT_EQ(placeAt(text, text.size()), (Place{3, 1}));
 }
 
-TEST(Utf8, countsCharacters)
+TEST(Utf8, isCountedInCharacters)
 {
     EXPECT_EQ(countCharacters(""), 0u);
     EXPECT_EQ(countCharacters("aä€😀"), 4u);
 }
 
-TEST(Utf8, isMadeValidByteByByte)
+TEST(Utf8, isMadeValidByReplacingEachInvalidByte)
 {
     EXPECT_EQ(validUtf8(""), "");
     EXPECT_EQ(validUtf8("Größe 😀"), "Größe 😀");

@@ -50,7 +50,7 @@ private:
 
 const Orla::VObjectType<Pendulum> pendulumType{"Pendulum"};
 
-// Has a value but no input, and its text cannot be had.
+// A value type that no input has and whose text form throws.
 struct Secret {
     friend bool operator==(const Secret&, const Secret&) = default;
 };
@@ -63,7 +63,7 @@ struct Orla::VValueTrait<Secret> {
     static bool setValueFromText(Secret&, const std::string&) { return true; }
 };
 
-TEST(TypeCatalogue, readsAnObjectTypeOffAnObjectAndLeavesNothing)
+TEST(TypeCatalogue, describesAnObjectTypeAndLeavesNoObject)
 {
     const TypeCatalogue catalogue{{}};
     const auto found = catalogue.objectTypes("Pendulum");
@@ -97,7 +97,7 @@ TEST(TypeCatalogue, readsAnObjectTypeOffAnObjectAndLeavesNothing)
     EXPECT_EQ(Orla::VManagedObject::count(), 0u);
 }
 
-TEST(TypeCatalogue, countsTheInputsThatItHides)
+TEST(TypeCatalogue, countsTheInputsItHides)
 {
     const TypeCatalogue catalogue{{}};
     const auto found = catalogue.objectTypes("Pendulum", 5);
@@ -109,7 +109,7 @@ TEST(TypeCatalogue, countsTheInputsThatItHides)
     EXPECT_EQ(found[0].outputs.size(), 2u);
 }
 
-TEST(TypeCatalogue, knowsValueTypesWithTheirColours)
+TEST(TypeCatalogue, describesValueTypesWithTheirColours)
 {
     Orla::VValue<Secret>::myTypedValueCreator();
     Orla::VConnectionTypeColors::set(typeid(Secret), "#123456");
@@ -135,7 +135,7 @@ TEST(TypeCatalogue, knowsValueTypesWithTheirColours)
     EXPECT_THAT(catalogue.objectTypes("double"), IsEmpty());
 }
 
-TEST(TypeCatalogue, describesTypesWhoseObjectsCannotBeMade)
+TEST(TypeCatalogue, describesTypesWhoseObjectsCannotBeCreated)
 {
     const ProcessResult alone = runTarn({"describe", "HalfMade", "--library=testobjects"});
     EXPECT_EQ(alone.status, 1);
@@ -148,20 +148,19 @@ TEST(TypeCatalogue, describesTypesWhoseObjectsCannotBeMade)
     EXPECT_THAT(all.out, HasSubstr("Object type Adder, "));
 }
 
-TEST(TypeCatalogue, letsGoOfPartnersAndOfTheLibraries)
+TEST(TypeCatalogue, releasesPartnersAndLibraries)
 {
-    // Would say that the libraries stay in memory if anything were left.
+    // If anything were left, the program would warn that the libraries stay in memory.
     for (const std::string type : {"Listener", "Follower", "Chartmaker", "TimeReader", "HalfMade", "Everything"}) {
         SCOPED_TRACE(type);
         EXPECT_EQ(runTarn({"describe", type, "--library=testobjects"}).err, "");
     }
     const ProcessResult hoarder = runTarn({"describe", "Hoarder", "--library=testobjects"});
     EXPECT_EQ(hoarder.status, 0);
-    EXPECT_EQ(hoarder.err,
-              "tarn: warning: The libraries stay in memory, because somebody still holds object \"hoard\"\n");
+    EXPECT_EQ(hoarder.err, "tarn: warning: The libraries stay in memory because object \"hoard\" is still in use\n");
 }
 
-TEST(TypeCatalogue, saysWhichLibrariesAreRefused)
+TEST(TypeCatalogue, reportsRefusedLibraries)
 {
     const TypeCatalogue catalogue{{"none"}};
     EXPECT_THAT(catalogue.refusals(), testing::Contains(HasSubstr("library \"none\" was not found")));

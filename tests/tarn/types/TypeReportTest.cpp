@@ -62,13 +62,13 @@ TEST(TypeReport, describesAnObjectTypeInTables)
               "Object type Pendulum, /lib/swing.so\n"
               "\n"
               "  Input   Type    Level  Initial text  Partner\n"
-              "  time    VTime   5      \"0[0,1]@1\"    found by itself\n"
-              "  chart   VChart  0      \"a\\nb\"        found by itself: Selector.Chart\n"
+              "  time    VTime   5      \"0[0,1]@1\"    connected automatically\n"
+              "  chart   VChart  0      \"a\\nb\"        connected automatically: Selector.Chart\n"
               "  Output  Type\n"
               "  angle   double\n");
 }
 
-TEST(TypeReport, saysHowManyInputsAreHidden)
+TEST(TypeReport, countsTheHiddenInputs)
 {
     ObjectTypeDescription type = pendulum();
     type.hiddenInputs = 2;
@@ -76,13 +76,13 @@ TEST(TypeReport, saysHowManyInputsAreHidden)
     EXPECT_THAT(descriptionText({}, {pendulum()}), Not(HasSubstr("not shown")));
 }
 
-TEST(TypeReport, describesBothTypesOfAName)
+TEST(TypeReport, describesBothTypesWithTheSameName)
 {
     const std::string text = descriptionText({valueType("Pendulum")}, {pendulum()});
     EXPECT_THAT(text, MatchesRegex("Object type Pendulum, (.|\n)*\n\nValue type Pendulum\n(.|\n)*"));
 }
 
-TEST(TypeReport, hasItsJsonInOneOrderAndOneSpelling)
+TEST(TypeReport, writesJsonWithAFixedOrderAndFormat)
 {
     EXPECT_EQ(objectListJson({pendulum()}), R"({
   "objectTypes": [
@@ -146,18 +146,18 @@ TEST(TypeReport, hasItsJsonInOneOrderAndOneSpelling)
 )");
 }
 
-TEST(TypeReport, isValidJsonWhateverNamesHold)
+TEST(TypeReport, isValidJsonForAnyName)
 {
     ObjectTypeDescription type = pendulum();
     type.name = "\xFF\"\\\n\x01";
     const json read = json::parse(objectListJson({type}));
     EXPECT_EQ(read["objectTypes"][0]["name"], "\uFFFD\"\\\n\x01");
-    const json of = json::parse(runTarn({"describe", "Misnamed", "--library=testobjects", "--json"}).out);
-    EXPECT_EQ(of["objectTypes"][0]["inputs"][0]["name"], "\uFFFD<b>&amp;\"{in|x}\\N");
-    EXPECT_EQ(of["objectTypes"][0]["outputs"][0]["name"], "</TABLE>\n\x01&#65;\\");
+    const json described = json::parse(runTarn({"describe", "Misnamed", "--library=testobjects", "--json"}).out);
+    EXPECT_EQ(described["objectTypes"][0]["inputs"][0]["name"], "\uFFFD<b>&amp;\"{in|x}\\N");
+    EXPECT_EQ(described["objectTypes"][0]["outputs"][0]["name"], "</TABLE>\n\x01&#65;\\");
 }
 
-TEST(TypeReport, breaksLongListsOfNames)
+TEST(TypeReport, wrapsLongListsOfNames)
 {
     const std::vector<std::string> names(20, "SomeTypeName");
     std::string list = libraryListText({{"swing", "/lib/swing.so", "", "", names, {}}});
@@ -169,7 +169,7 @@ TEST(TypeReport, breaksLongListsOfNames)
         EXPECT_LE(end, 88u);
 }
 
-TEST(TypeReport, hasTheStandardTypes)
+TEST(TypeReport, listsTheStandardTypes)
 {
     const ProcessResult result = runTarn({"types"});
     EXPECT_EQ(result.status, 0);
@@ -204,7 +204,7 @@ TEST(TypeReport, hasTheStandardTypes)
     EXPECT_THAT(result.out, ContainsRegex("\n  GlobalTime +" STANDARD_FOLDER "/standard.so\n"));
 }
 
-TEST(TypeReport, hasTheTypesOfTheLibrariesNamedEitherWay)
+TEST(TypeReport, listsTypesOfLibrariesGivenAsNameOrOption)
 {
     for (const std::string library : {"testobjects", "--library=testobjects"}) {
         SCOPED_TRACE(library);
@@ -216,7 +216,7 @@ TEST(TypeReport, hasTheTypesOfTheLibrariesNamedEitherWay)
     EXPECT_THAT(runTarn({"objects"}).out, Not(HasSubstr("Adder")));
 }
 
-TEST(TypeReport, isPrintedWithoutTheLibraryThatIsMissing)
+TEST(TypeReport, isPrintedEvenIfALibraryIsMissing)
 {
     for (const std::string command : {"types", "objects"}) {
         SCOPED_TRACE(command);
@@ -231,7 +231,7 @@ TEST(TypeReport, hidesInputsAboveALevel)
 {
     const ProcessResult shown = runTarn({"describe", "TimeReader", "--library=testobjects", "--level=5"});
     EXPECT_EQ(shown.status, 0);
-    EXPECT_THAT(shown.out, ContainsRegex("\n  time +VTime +5 +\".*\" +found by itself\n"));
+    EXPECT_THAT(shown.out, ContainsRegex("\n  time +VTime +5 +\".*\" +connected automatically\n"));
     EXPECT_THAT(shown.out, Not(ContainsRegex("\n  range ")));
     EXPECT_THAT(shown.out, HasSubstr("\n  1 input of a higher expert level not shown\n"));
     const json objects = json::parse(runTarn({"objects", "--json", "--level=-1"}).out);
@@ -252,11 +252,11 @@ TEST(TypeReport, suggestsTypesOfBothKindsForAnUnknownName)
     EXPECT_THAT(runTarn({"describe", "duoble"}).err, HasSubstr("; did you mean the value type \"double\"?\n"));
     const ProcessResult far = runTarn({"describe", "Zanzibar"});
     EXPECT_EQ(far.status, 2);
-    EXPECT_EQ(far.err, "tarn: no library has a type \"Zanzibar\"; tarn types lists those there are\n");
+    EXPECT_EQ(far.err, "tarn: no library has a type \"Zanzibar\"; tarn types lists the known types\n");
     EXPECT_EQ(runTarn({"describe"}).status, 3);
 }
 
-TEST(TypeReport, isTheSameUnderEveryLocale)
+TEST(TypeReport, isTheSameInEveryLocale)
 {
     for (const std::vector<std::string>& arguments :
          {std::vector<std::string>{"types", "--json"}, {"objects", "testobjects", "--json"}, {"describe", "VTime"}}) {
