@@ -6,25 +6,25 @@
 
 namespace Quakes {
 
-/// A part of a ring that was cut by the boundary of a region: it runs inside of
-/// the region and begins and ends on the boundary.
+/// A part of a ring that the boundary of a region cuts. It lies inside the region and
+/// begins and ends on the boundary.
 template<class Point>
 struct RingPiece {
-    double entry = 0; ///< where on the boundary the piece begins
-    double exit = 0;  ///< where it ends
+    double entry = 0; ///< place on the boundary where the piece begins
+    double exit = 0;  ///< place where it ends
     std::vector<Point> points;
 };
 
-/// Makes closed rings of the pieces of one ring that keeps its inside on its left.
+/// Joins the pieces of one ring, whose inside is on its left, to closed rings.
 ///
-/// Places on the boundary are numbers that grow counterclockwise from 0 to
-/// \p period: from its exit each piece is continued counterclockwise along the
-/// boundary to the nearest entry. `walk(ring, from, distance)` adds what the ring
-/// needs of the boundary strictly between the two.
+/// Places on the boundary are numbers that increase counterclockwise from 0 to
+/// \p period. Each piece continues from its exit counterclockwise along the boundary
+/// to the nearest entry. `walk(ring, from, distance)` appends the points of the
+/// boundary strictly between the two.
 template<class Point, class Walk>
 std::vector<std::vector<Point>> joinAlongBoundary(std::vector<RingPiece<Point>> pieces, double period, Walk walk)
 {
-    // Ends that are one place of the ring may differ by rounding.
+    // Two ends at the same place of the ring may differ by rounding.
     const double rounding = period * 1e-12;
     const auto distance = [&](double from, double to) {
         const double ahead = to < from ? to - from + period : to - from;

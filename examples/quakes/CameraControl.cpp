@@ -19,12 +19,12 @@ namespace Quakes {
 using Orla::StrongPtr;
 using Orla::VInteractionEvent;
 
-/// Lets the user move a camera round what it looks at: dragging with the left button
-/// turns it, as if the globe were held, the wheel brings it nearer, and the hot key,
-/// "r" unless another is set, puts it back to the input `camera`.
+/// Lets the user move a camera around its focus: dragging with the left button turns
+/// the globe, the wheel zooms, and the hot key, "r" by default, resets the camera to the
+/// input `camera`.
 ///
-/// It holds the grab from the press to the release, so that nobody else acts on
-/// the same movement; while another object holds it, the camera stays.
+/// Holds the grab from the press to the release, which keeps other objects from acting on
+/// the same movement. While another object holds the grab, the camera does not move.
 class CameraControl : public Orla::VObject, public Orla::HotKey {
 public:
     CameraControl(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
@@ -41,7 +41,7 @@ public:
         Orla::VCamera start;
         memory >> start;
         if (HotKeyIsPressed(pool) || !(start == initial)) {
-            // The user wants it back, or the input is another one.
+            // The user resets the camera, or the input has changed.
             memory <<= initial;
             m_camera(pool) <<= initial;
             return true;
@@ -74,7 +74,7 @@ private:
             }
             break;
         case VInteractionEvent::Wheel:
-            // An event that was seen already comes again when another input changes.
+            // The same event is read again when another input changes.
             if ((m_turned(pool) <<= event.time) && event.mayuse(self) && std::isfinite(event.wheel))
                 m_camera(pool) <<= zoomed(now, std::pow(WheelFactor, std::clamp(event.wheel, -MostTurns, MostTurns)));
             break;
@@ -87,8 +87,8 @@ private:
     static constexpr double WheelFactor = 0.9;
     static constexpr double MostTurns = 20;
 
-    /// Where a drag began. Every movement is counted from there, so that an event
-    /// that comes twice moves the camera once.
+    /// The start of a drag. Movements are relative to it, so reading an event twice moves
+    /// the camera once.
     struct Drag {
         double x = 0;
         double y = 0;
@@ -108,7 +108,7 @@ private:
         return Loam::makeStrong<DragChunk>(std::size_t{1}, drag);
     }
 
-    // Null unless this object holds the grab.
+    // Returns null unless this object holds the grab.
     const Drag* dragOf(const VInteractionEvent& event) const
     {
         const Orla::WeakPtrImpl<VObject> self = const_cast<CameraControl*>(this);
@@ -120,7 +120,7 @@ private:
 
     Orla::TypedSlot<Orla::VCamera> m_initial{this, "camera", Orla::VCamera{}, 0};
     Orla::VOutput<Orla::VCamera> m_camera{this, "camera", Orla::VCamera{}};
-    // What this object remembers of a pool stands in the pool.
+    // State of the object that belongs to a pool is stored in the pool.
     Orla::VOutput<Orla::VCamera> m_start{this, "start", Orla::VCamera{}};
     Orla::VOutput<double> m_turned{this, "turned", -1.0};
 };

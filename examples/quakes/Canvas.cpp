@@ -19,9 +19,8 @@ namespace Quakes {
 
 namespace {
 
-// cairo and the libraries below it keep caches for as long as the process lives.
-// If they left memory together with this library, they would lose those, each time
-// that it is loaded and unloaded again.
+// cairo and its dependencies keep caches until the process ends. If they were unloaded
+// with this library, every reload would leak the caches.
 [[maybe_unused]] const bool cairoStays = [] {
     Dl_info cairo{};
     return dladdr(reinterpret_cast<void*>(&cairo_create), &cairo) != 0
@@ -30,10 +29,10 @@ namespace {
 
 [[noreturn]] void fail(cairo_status_t status)
 {
-    throw std::runtime_error{std::string("the picture cannot be drawn: ") + cairo_status_to_string(status)};
+    throw std::runtime_error{std::string("cannot draw the picture: ") + cairo_status_to_string(status)};
 }
 
-// cairo calls this from C, which no exception may cross.
+// cairo calls this from C code, which must not see exceptions.
 cairo_status_t append(void* bytes, const unsigned char* data, unsigned int length) noexcept
 {
     try {
@@ -44,12 +43,12 @@ cairo_status_t append(void* bytes, const unsigned char* data, unsigned int lengt
     }
 }
 
-// The length of the UTF-8 character that a text begins with; 0 if it is none.
+// Returns the length of the UTF-8 character at the start of a text, or 0 if it is invalid.
 std::size_t characterLength(std::string_view text)
 {
     const auto byte = [&](std::size_t i) { return static_cast<std::uint32_t>(static_cast<unsigned char>(text[i])); };
     const std::uint32_t first = byte(0);
-    std::size_t length = 0; // for a byte that begins no character
+    std::size_t length = 0; // for a byte that does not begin a character
     if (first < 0x80)
         length = 1;
     else if (first >= 0xc2 && first < 0xf5)
@@ -67,7 +66,7 @@ std::size_t characterLength(std::string_view text)
     return isOverlong || isSurrogate || code > 0x10ffff ? 0 : length;
 }
 
-// cairo stops drawing at all after a text that is no UTF-8.
+// Replaces invalid bytes: after invalid UTF-8, cairo stops drawing.
 std::string drawable(std::string_view text)
 {
     std::string result;
@@ -90,8 +89,8 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-// cairo numbers the surfaces of the whole process, so that a second picture would
-// differ from the first: numbers them anew, in the order in which they appear.
+// Renumbers surfaces in the order in which they appear. cairo numbers them throughout the
+// process, so a second equal picture would differ from the first.
 std::string withOwnSurfaceNumbers(const std::string& svg)
 {
     constexpr std::string_view word = "surface";
@@ -136,13 +135,13 @@ void setPath(cairo_t* cairo, const std::vector<Canvas::Path>& paths, bool isClos
     }
 }
 
-// On which side of the line from a to b a place lies, and how far away.
+// Returns the signed distance of a place from the line from a to b.
 double aside(const Pixel& a, const Pixel& b, const Pixel& place)
 {
     return ((b.x - a.x) * (place.y - a.y) - (b.y - a.y) * (place.x - a.x)) / std::hypot(b.x - a.x, b.y - a.y);
 }
 
-// What a convex path, inside of a circle, has in common with another one.
+// Returns the intersection of two convex paths. The first lies inside the given circle.
 Canvas::Path intersection(Canvas::Path path, const Pixel& center, double radius, const Canvas::Path& with)
 {
     double doubledArea = 0;
@@ -194,7 +193,7 @@ PictureFormat pictureFormat(const std::string& file)
         return PictureFormat::Png;
     if (ending == ".svg")
         return PictureFormat::Svg;
-    throw std::runtime_error{file + ": found " + (found.empty() ? "no ending" : "the ending \"" + found + '"')
+    throw std::runtime_error{file + ": found " + (found.empty() ? "no extension" : "the extension \"" + found + '"')
                              + ", expected \".png\" or \".svg\""};
 }
 
@@ -231,7 +230,7 @@ Canvas::Canvas(PictureFormat format, int width, int height)
     cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
 
-    // Both formats place letters alike, whatever the user's settings ask for.
+    // Both formats place letters alike, independently of the user's settings.
     cairo_font_options_t* const options = cairo_font_options_create();
     cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
     cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
@@ -326,7 +325,7 @@ void Canvas::circle(const Pixel& center, double radius, const Color& color, cons
         const double angle = 2 * std::numbers::pi * i / corners;
         circlePath.push_back({center.x + radius * std::cos(angle), center.y + radius * std::sin(angle)});
     }
-    // A cut at a clip of cairo would repeat that in an SVG for each circle.
+    // cairo's clipping would repeat the clip path in an SVG for each circle.
     const Path part = intersection(circlePath, center, radius, within);
     if (part == circlePath) {
         circle(center, radius, color, outline, lineWidth);

@@ -14,27 +14,27 @@ namespace Quakes {
 
 enum class PictureFormat { Png, Svg };
 
-/// The format that a file's ending asks for: ".png" or ".svg", in any case.
-/// \throw std::runtime_error with the ending found for any other.
+/// Returns the format for the extension of \p file, ".png" or ".svg" in any case.
+/// \throw std::runtime_error with the extension for any other.
 PictureFormat pictureFormat(const std::string& file);
 
-/// A picture to draw on, in memory: the same calls give a PNG or an SVG, and the
-/// same calls in the same order give the same bytes. No display is needed.
+/// Draws a picture in memory, as PNG or SVG, without a display. The same calls in the
+/// same order produce the same bytes.
 ///
-/// Coordinates are pixels from the top left corner, y downwards. A drawing call
-/// for which there is no memory makes `finished` throw.
+/// Coordinates are pixels from the top left corner, y downwards. If a drawing call
+/// runs out of memory, `finished` throws.
 class Canvas {
 public:
     using Color = Gyre::rgba_float_t;
     using Path = std::vector<Pixel>;
 
-    /// The longest side that a picture can have, in pixels.
+    /// The largest width and height in pixels.
     static constexpr int largestSize = 16384;
 
     enum class Align { Left, Center, Right };
 
-    /// \throw std::runtime_error for a size that is not between 1 and
-    /// `largestSize`, or for which there is no memory.
+    /// \throw std::runtime_error if a side is not between 1 and `largestSize`, or if
+    /// memory runs out.
     Canvas(PictureFormat format, int width, int height);
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
@@ -46,11 +46,11 @@ public:
     /// Fills the whole picture.
     void clear(const Color& color);
 
-    /// Fills what an odd number of the closed paths encloses.
+    /// Fills the area that an odd number of the closed paths encloses.
     void fill(const std::vector<Path>& paths, const Color& color);
 
-    /// Colours that change from \p inner, inside of the inner circle, to \p outer,
-    /// outside of the outer one.
+    /// A gradient from `inner`, inside the inner circle, to `outer`, outside the outer
+    /// circle.
     struct RadialColors {
         Pixel innerCenter;
         double innerRadius = 0;
@@ -60,44 +60,40 @@ public:
         Color outer;
     };
 
-    /// The same with colours that change.
+    /// As above, with a gradient.
     void fill(const std::vector<Path>& paths, const RadialColors& colors);
 
-    /// Fills a rectangle with colours from its left to its right side, equally
-    /// spaced.
+    /// Fills a rectangle with a gradient of equally spaced colours from left to right.
     void fill(const Rectangle& rectangle, const std::vector<Color>& leftToRight);
     void fill(const Rectangle& rectangle, const Color& color);
 
-    /// Draws open or closed paths; the joins are round.
+    /// Draws open or closed paths with round joins.
     void stroke(const std::vector<Path>& paths, const Color& color, double lineWidth, bool isClosed = false);
     void stroke(const Rectangle& rectangle, const Color& color, double lineWidth);
 
-    /// A filled circle with an outline around it. The outline stands outside of
-    /// \p radius.
+    /// Draws a filled circle with an outline. The outline lies outside \p radius.
     void circle(const Pixel& center, double radius, const Color& color, const Color& outline, double lineWidth);
 
-    /// The part of a circle inside of a convex path, with an outline around it.
+    /// Draws the part of a circle inside a convex path, with an outline.
     void circle(const Pixel& center, double radius, const Color& color, const Color& outline, double lineWidth,
                 const Path& within);
 
-    /// What is drawn from `beginClip` to `endClip` appears inside of the rectangle
-    /// alone.
+    /// Restricts all drawing until `endClip` to the rectangle.
     void beginClip(const Rectangle& rectangle);
     void endClip();
 
-    /// Writes a line of text, whose baseline is at the height of \p place. Bytes
-    /// that are no UTF-8 are drawn as replacement characters and control characters
-    /// as blanks.
-    /// \p size is the height of the font in pixels.
+    /// Draws a line of text with its baseline at \p place. \p size is the height of the
+    /// font in pixels. Invalid UTF-8 is drawn as replacement characters, control
+    /// characters as blanks.
     void text(const Pixel& place, std::string_view text, double size, const Color& color, Align align = Align::Left,
               bool isBold = false);
 
-    /// The width that `text` takes.
+    /// Returns the width of \p text in pixels.
     double textWidth(std::string_view text, double size, bool isBold = false);
 
-    /// Ends the picture and returns the bytes of its file. To be called once; nothing
-    /// is drawn thereafter.
-    /// \throw std::runtime_error if there was no memory.
+    /// Finishes the picture and returns the bytes of its file. Call it once; draw nothing
+    /// afterwards.
+    /// \throw std::runtime_error if memory ran out.
     std::string finished();
 
 private:

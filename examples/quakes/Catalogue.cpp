@@ -113,8 +113,8 @@ void write(std::string& text, const std::string& part)
     text += '"';
 }
 
-// Takes events off the front of a catalogue's text. Each function returns false
-// where the text is not as it must be.
+// Reads events from the front of a catalogue's text. Each function returns false if
+// the text is invalid.
 class Reader {
 public:
     explicit Reader(std::string_view text) : m_rest{text} {}
@@ -156,7 +156,7 @@ private:
             const auto quote = m_rest.find('"');
             if (quote == std::string_view::npos)
                 return false;
-            // Of two quotes in a row the first is part of the text.
+            // A doubled quote is a quote in the text.
             const bool isDoubled = m_rest.substr(quote + 1).starts_with('"');
             part += m_rest.substr(0, quote + (isDoubled ? 1 : 0));
             m_rest.remove_prefix(quote + 1);
@@ -219,7 +219,7 @@ namespace {
 
 const Orla::VValueType<Quakes::Catalogue> catalogueType;
 
-// What people see of connections that carry one.
+// Sets the colour of connections that carry a catalogue.
 const bool hasColor = [] {
     Orla::VConnectionTypeColors::set(typeid(Quakes::Catalogue), "#D35400");
     return true;

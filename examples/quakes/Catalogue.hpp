@@ -19,32 +19,32 @@ struct Quake {
     double latitude = 0;         ///< degrees, positive to the north
     std::optional<double> depth; ///< kilometres below the surface
     std::optional<double> magnitude;
-    std::string magnitudeType; ///< how the magnitude was measured: "ml", "mww"
-    std::string net;           ///< the network of stations that reported it
+    std::string magnitudeType; ///< method of measurement: "ml", "mww"
+    std::string net;           ///< network of stations that reported the event
     std::string id;
-    std::string place; ///< for people: "4km W of Castaic, CA"
+    std::string place; ///< readable description: "4km W of Castaic, CA"
     std::string type;  ///< "earthquake", "quarry blast", ...
-    std::string url;   ///< of a page that tells more
+    std::string url;   ///< web page about the event
 
     friend bool operator==(const Quake&, const Quake&) = default;
 };
 
-/// A list of events, the earliest first.
+/// A list of events, earliest first.
 ///
-/// Events never change and are shared: copies and selections refer to those of
-/// the catalogue that they come from.
+/// Events never change. Copies and selections share the events of the original
+/// catalogue.
 ///
-/// Text form: a line for each event, ended by LF or CR LF, with its eleven parts
-/// in the order of `Quake`, separated by commas. An unknown number is empty. A part
-/// may stand in quotes and must if it contains a comma, a quote or a line break;
-/// quotes inside are doubled. The empty text is the empty catalogue.
+/// Text form: one line per event, ended by LF or CR LF, with its eleven parts in the
+/// order of `Quake`, separated by commas. An unknown number is empty. A part may be
+/// quoted, and must be if it contains a comma, a quote or a line break; quotes inside
+/// are doubled. The empty text is the empty catalogue.
 ///
 ///     1517363399.65,-122.197,46.2035,3.28,0.31,ml,uw,uw61345682,"37km NNE of Amboy",earthquake,
 class Catalogue {
 public:
     Catalogue() = default;
 
-    /// Takes events in any order; those of the same time stay in the order given.
+    /// Takes events in any order. Events with the same time keep their order.
     /// \pre All numbers are finite.
     explicit Catalogue(std::vector<Quake> events);
 
@@ -57,15 +57,15 @@ public:
         return m_selection ? *(*m_selection)[index] : (*m_events)[index];
     }
 
-    /// The events at or before \p time; none for NaN. Cost grows with the
-    /// logarithm of the size.
+    /// Returns the events at or before \p time; no events for NaN. Takes time
+    /// logarithmic in the size.
     Catalogue until(double time) const noexcept;
 
-    /// The events whose magnitude lies in \p range, both ends included. An event
-    /// of unknown magnitude belongs to the range `-inf:inf` alone.
+    /// Returns the events with a magnitude in \p range, both ends inclusive. Events of
+    /// unknown magnitude are in the range `-inf:inf` only.
     Catalogue withMagnitude(const Orla::Range& range) const;
 
-    /// The events for which \p isWanted is true.
+    /// Returns the events for which \p isWanted returns true.
     template<class Predicate>
     Catalogue where(Predicate&& isWanted) const
     {
@@ -84,7 +84,7 @@ private:
 
     std::shared_ptr<const std::vector<Quake>> m_events;
     std::shared_ptr<const std::vector<const Quake*>> m_selection; // null: all of them
-    std::size_t m_size = 0;                                       // as many from the start on
+    std::size_t m_size = 0;                                       // only that many from the start
 };
 
 } // namespace Quakes
@@ -93,7 +93,7 @@ template<>
 struct Orla::VValueTrait<Quakes::Catalogue> {
     static std::string Text(const Quakes::Catalogue& catalogue);
 
-    /// Reads lines in any order of time. Returns false and leaves \p catalogue as
-    /// it was unless every line has its eleven parts and all numbers are finite.
+    /// Reads lines in any order of time. Returns false and leaves \p catalogue unchanged
+    /// if a line does not have eleven parts or a number is not finite.
     static bool setValueFromText(Quakes::Catalogue& catalogue, const std::string& text);
 };

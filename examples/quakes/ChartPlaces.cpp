@@ -23,13 +23,14 @@ Chart ChartPlaces::chartIn(const StrongPtr<Orla::ValuePool>& pool) const
         return Chart::Geographic;
     const std::optional<Chart> chart = chartOfName(name);
     if (!chart)
-        throw std::runtime_error{"the chart \"" + name + "\" is none of geographic, geocentric and plate carree"};
+        throw std::runtime_error{"the chart \"" + name
+                                 + "\" is not supported, expected geographic, geocentric or plate carree"};
     return *chart;
 }
 
 void ChartPlaces::give(const StrongPtr<Orla::ValuePool>& pool, const std::vector<point>& places) const
 {
-    // Before anything else, so that another chart can be picked where this fails.
+    // First, so another chart can be picked if the rest fails.
     publish(pool, Orla::VChartList(
                       {chartName(Chart::Geographic), chartName(Chart::Geocentric), chartName(Chart::PlateCarree)}));
     const Chart chart = chartIn(pool);

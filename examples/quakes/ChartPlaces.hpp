@@ -14,27 +14,27 @@
 
 namespace Quakes {
 
-/// Mix-in for objects that give places in whichever chart the network follows:
-/// "geographic", "geocentric" or "plate carree", and the first of them as long as
-/// none was picked. It adds the input `chart` and the outputs
+/// Mix-in for objects that publish places in the chart of the network: "geographic"
+/// (the default), "geocentric" or "plate carree". Adds the input `chart` and the outputs
 ///
 /// - `atlas`: these three charts;
-/// - `places`: the coordinates of all places one after the other, three each;
-/// - `box`: the smallest box around them, empty of extent where there are none.
+/// - `places`: the coordinates of all places in sequence, three per place;
+/// - `box`: the smallest box around them, with no extent if there are no places.
 class ChartPlaces : public Orla::VChartDependent, public Orla::Atlas {
 public:
-    /// The longitude and latitude in degrees, and the height in metres.
+    /// Longitude and latitude in degrees, and height in metres.
     using point = Gyre::PhysicalSpace::point;
 
     ChartPlaces();
 
 protected:
-    /// The chart to use in \p pool.
-    /// \throw std::runtime_error if it is none of the three.
+    /// Returns the chart to use in \p pool.
+    /// \throw std::runtime_error if it is not one of the three.
     Chart chartIn(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
-    /// Publishes the charts, and \p places in the chart of \p pool. A place that is
-    /// not finite separates those before it from those behind and is kept.
+    /// Publishes the charts, and \p places converted to the chart of \p pool. Places that
+    /// are not finite separate groups of places; they are kept.
+    /// \throw std::runtime_error as `chartIn`, after publishing the charts.
     void give(const Orla::StrongPtr<Orla::ValuePool>& pool, const std::vector<point>& places) const;
 
 private:

@@ -19,13 +19,13 @@ namespace Quakes {
 
 using Orla::StrongPtr;
 
-/// Reads the land of a TopoJSON file: `land` has its polygons, `places` its coast
-/// lines in the chart that the network follows, cut at the date line, with a place
-/// of NaN behind each line.
+/// Reads the land of a TopoJSON file. `land` has its polygons; `places` has its coast
+/// lines in the chart of the network, cut at the date line, with a place of NaN after each
+/// line.
 ///
-/// A name that is no file is looked for in the data folders of the program. The
-/// file is read once; of several objects in it, `object` names the one to read,
-/// and all are read if it is empty.
+/// If the file does not exist, it is searched for in the data folders of the program. It
+/// is read again only when its name changes. `object` names the object to read; if it is
+/// empty, all objects are read.
 class CoastLines : public Orla::VObject, public ChartPlaces {
 public:
     using VObject::VObject;

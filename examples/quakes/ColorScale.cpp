@@ -11,8 +11,8 @@ namespace Quakes {
 
 namespace {
 
-// Seven colours whose lightness in Oklab falls from 0.88 to 0.27 in equal steps,
-// while the hue turns from yellow over red to violet.
+// Seven colours whose lightness in Oklab decreases from 0.88 to 0.27 in equal steps,
+// while the hue changes from yellow through red to violet.
 constexpr std::uint32_t table[] = {0xf6d56b, 0xf8a03e, 0xec6a41, 0xcd395d, 0x9b1d74, 0x601476, 0x29135b};
 
 using Triple = std::array<double, 3>;
@@ -35,7 +35,7 @@ Triple product(const Triple (&matrix)[3], const Triple& v)
     return result;
 }
 
-// From sRGB to lightness and two opponent colours that are perceptually even.
+// Converts sRGB to Oklab: lightness and two perceptually uniform opponent colours.
 Triple oklab(std::uint32_t color)
 {
     constexpr Triple conesOfRgb[] = {{0.4122214708, 0.5363325363, 0.0514459929},

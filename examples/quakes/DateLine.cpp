@@ -15,7 +15,7 @@ namespace {
 
 constexpr double degree = std::numbers::pi / 180;
 
-// The same longitude between -180 and 180; both ends stay as they are.
+// Returns the same longitude between -180 and 180. Both ends stay unchanged.
 double principal(double longitude)
 {
     return std::abs(longitude) <= 180 ? longitude : std::remainder(longitude, 360);
@@ -26,15 +26,15 @@ bool isOnDateLine(const LonLat& place)
     return std::abs(place.longitude) == 180;
 }
 
-// Longitudes from one place to the next, the shorter way round.
+// Returns the longitudes from one place to the next, the shorter way around.
 double eastward(const LonLat& from, const LonLat& to)
 {
     const double difference = to.longitude - from.longitude;
     return std::abs(difference) <= 180 ? difference : std::remainder(difference, 360);
 }
 
-// The places of a line with principal longitudes, and one more on the date line
-// wherever it is crossed between two of them.
+// Returns the places of a line with principal longitudes. Adds a place wherever a segment
+// crosses the date line.
 Line withPlacesOnDateLine(const Line& line, bool isClosed)
 {
     Line result;
@@ -44,8 +44,8 @@ Line withPlacesOnDateLine(const Line& line, bool isClosed)
         result.push_back(place);
         if (i + 1 == line.size() && !isClosed)
             break;
-        const LonLat& behind = line[(i + 1) % line.size()];
-        const LonLat next{principal(behind.longitude), behind.latitude};
+        const LonLat& following = line[(i + 1) % line.size()];
+        const LonLat next{principal(following.longitude), following.latitude};
         if (std::abs(next.longitude - place.longitude) <= 180 || isOnDateLine(place) || isOnDateLine(next))
             continue;
         const double before = 180 - std::abs(place.longitude);
@@ -56,15 +56,15 @@ Line withPlacesOnDateLine(const Line& line, bool isClosed)
     return result;
 }
 
-// The longitude, -180 or 180, of a place on the date line for a line that goes on
-// to \p neighbour or comes from there.
+// Returns the longitude, -180 or 180, of a place on the date line for a line to or from
+// the given neighbour.
 double sideTowards(const LonLat& neighbour, const LonLat& onDateLine)
 {
     return std::copysign(180, neighbour.longitude == 0 ? onDateLine.longitude : neighbour.longitude);
 }
 
-// The frame of the plane counterclockwise: up the east side, along the north pole
-// to the west, down the west side, along the south pole to the east.
+// The frame of the plane, counterclockwise: up the east side, west along the north pole,
+// down the west side, east along the south pole.
 constexpr double frameLength = 1080;
 
 double placeOnFrame(const LonLat& place)
@@ -72,8 +72,8 @@ double placeOnFrame(const LonLat& place)
     return place.longitude > 0 ? place.latitude + 90 : 630 - place.latitude;
 }
 
-// Adds the frame's corners and, so that no segment is longer than half a turn,
-// three places along each pole.
+// Adds the frame's corners, and three places along each pole to keep segments shorter
+// than half a turn.
 void walkAlongFrame(Ring& ring, double from, double distance)
 {
     constexpr LonLat stops[] = {{180, 90},   {90, 90},   {0, 90},  {-90, 90}, {-180, 90},
@@ -96,7 +96,7 @@ std::vector<RingPiece<LonLat>> piecesOf(const Ring& nodes)
     for (std::size_t i = 1; i <= nodes.size(); ++i) {
         if (!isOnDateLine(node(i)))
             continue;
-        // What runs along the date line is part of the frame already.
+        // Segments along the date line are already part of the frame.
         if (i > begin + 1) {
             RingPiece<LonLat> piece;
             for (std::size_t k = begin; k <= i; ++k)
@@ -130,7 +130,7 @@ double areaOnTheLeft(const Ring& ring)
         turn += longitudes;
         sum += longitudes * std::sin(middle) * (half == 0 ? 1 : std::sin(half) / half);
     }
-    // Going round the axis once, either way, there is a pole on the left.
+    // A ring that goes around the axis once, in either direction, has a pole on its left.
     const double area = std::round(turn / (2 * std::numbers::pi)) == 0 ? -sum : wholeSphere / 2 - sum;
     return area < 0 ? area + wholeSphere : area;
 }
@@ -176,7 +176,7 @@ std::vector<Line> cutLineAtDateLine(const Line& line)
             current.push_back(node);
             continue;
         }
-        // On which side the line comes here and on which it goes on.
+        // The sides of the date line before and after this node.
         const bool isFirst = current.empty();
         const bool isLast = i + 1 == nodes.size();
         double before = node.longitude;
@@ -203,7 +203,7 @@ bool encloses(const Ring& ring, const LonLat& place)
 {
     bool isInside = false;
     const double longitude = principal(place.longitude);
-    // The east side of the plane does not count as inside of it; the west side does.
+    // The west side of the plane counts as inside, the east side does not.
     const LonLat sought{longitude == 180 ? -180 : longitude, place.latitude};
     for (const Ring& cut : cutAtDateLine(ring)) {
         for (std::size_t i = 0; i < cut.size(); ++i) {

@@ -13,7 +13,7 @@ std::string frameName(const std::string& pattern, double step)
     constexpr double MostSteps = 1e15;
     if (!(step >= 0 && step <= MostSteps && step == std::floor(step)))
         throw std::runtime_error{"the step is " + Orla::VValueTrait<double>::Text(step)
-                                 + ", expected a whole number from 0 on"};
+                                 + ", expected a whole number, 0 or more"};
     const auto last = pattern.rfind('#');
     if (last == std::string::npos)
         throw std::runtime_error{"the name \"" + pattern + "\" has no \"#\" for the number of the step"};

@@ -4,11 +4,11 @@
 
 namespace Quakes {
 
-/// The name of the picture of step \p step: \p pattern with its last row of "#"
-/// replaced by the number, filled up with zeros to the length of the row.
+/// Returns the name of the picture of step \p step: \p pattern with its last sequence
+/// of "#" replaced by the number, padded with zeros to the length of the sequence.
 ///
-/// \throw std::runtime_error if there is no "#", because then each picture would
-/// replace the one before, and for a step that is no whole number from 0 on.
+/// \throw std::runtime_error if \p pattern has no "#", because each picture would
+/// replace the previous one, or if \p step is not a whole number from 0 to 1e15.
 std::string frameName(const std::string& pattern, double step);
 
 } // namespace Quakes

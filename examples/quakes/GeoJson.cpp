@@ -22,7 +22,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// The part of a document that is not as it must be.
+// A fault in a document.
 struct Fault {
     std::string member; // "properties.time"; empty for the document or event itself
     std::string found;
@@ -36,8 +36,8 @@ struct Stopped {};
     throw Fault{member, described(found), expected};
 }
 
-// Looks up the members of one object. What is null counts as missing; messages
-// name a member with the prefix put before its key.
+// Looks up the members of one object. A null member counts as missing. Messages put the
+// prefix before the key of a member.
 class Members {
 public:
     Members(const Json& object, const char* prefix) : m_object{object}, m_prefix{prefix} {}
@@ -97,7 +97,7 @@ public:
 
     [[noreturn]] void refuseMember(const char* key, const char* expected) const
     {
-        // Said of a null as it stands in the file, though it counts as missing.
+        // The message distinguishes null from missing.
         const auto found = m_object.find(key);
         refuse(m_prefix + std::string(key), found == m_object.end() ? nullptr : &*found, expected);
     }
@@ -136,7 +136,7 @@ Quake quakeOf(const Json& event)
     const Members properties = feature.object("properties", "properties.");
     constexpr const char* timeExpected = "milliseconds since 1970 UTC, at most 8.64e15 before or after";
     const double milliseconds = properties.number("time", timeExpected);
-    // Up to here seconds tell the millisecond.
+    // Beyond this, seconds as a double do not resolve milliseconds.
     if (std::abs(milliseconds) > 8.64e15)
         properties.refuseMember("time", timeExpected);
     quake.time = milliseconds / 1000;
@@ -153,11 +153,11 @@ Quake quakeOf(const Json& event)
     return quake;
 }
 
-// Listens to the parser and takes each event out of the document as soon as it
-// was read, so that the document never stands in memory as a whole.
+// Listens to the parser and extracts each event as soon as it was read. The document is
+// never in memory as a whole.
 class EventTaker {
 public:
-    // To be called for what the parser meets; returns whether it keeps it.
+    // The callback of the parser. Returns true if the parser must keep the value.
     bool operator()(int depth, Json::parse_event_t event, const Json& parsed)
     {
         using Event = Json::parse_event_t;
@@ -185,7 +185,7 @@ private:
             events.push_back(quakeOf(event));
         } catch (Fault& fault) {
             std::string place = "features[" + std::to_string(events.size()) + "]";
-            // The event is not copied: that would recurse as deeply as it is nested.
+            // Does not copy the event: a copy would recurse as deeply as the event is nested.
             if (const auto id = event.find("id"); id != event.end() && id->is_string())
                 place += " (id " + shortened(id->dump(-1, ' ', true)) + ")";
             fault.member = place + (fault.member.empty() ? "" : ", ") + fault.member;
@@ -197,7 +197,7 @@ private:
     bool m_isInside = false;
 };
 
-// The parser's message without its number and without what it read last, which
+// Returns the parser's message without its number and without the last text read, which
 // may be very long.
 std::string reason(const Json::exception& error)
 {
@@ -211,7 +211,7 @@ std::ifstream open(const std::string& file)
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(file, ignored);
     if (status.type() == std::filesystem::file_type::not_found)
-        throw std::runtime_error{file + ": found nothing of that name, expected a GeoJSON file"};
+        throw std::runtime_error{file + ": file not found, expected a GeoJSON file"};
     if (is_directory(status))
         throw std::runtime_error{file + ": found a folder, expected a GeoJSON file"};
     errno = 0;
@@ -252,7 +252,7 @@ std::optional<Catalogue> readGeoJson(const std::string& file, const ReadingProgr
         throw std::runtime_error{file + ": " + fault.member + (fault.member.empty() ? "" : ": ") + "found "
                                  + fault.found + ", expected " + fault.expected};
     } catch (const Json::exception& error) {
-        throw std::runtime_error{file + ": is no valid JSON: " + reason(error)};
+        throw std::runtime_error{file + ": invalid JSON: " + reason(error)};
     } catch (const std::ios_base::failure& error) {
         throw std::runtime_error{file + ": cannot be read: " + error.code().message()};
     }

@@ -49,8 +49,8 @@ point sphere(const LonLat& place) noexcept
     return onUnitSphere(geocentric(place.longitude, place.latitude, 0));
 }
 
-// The places of a line on the unit sphere. Between distant ones there are others,
-// so that lines that are straight in longitude and latitude are curved on the globe.
+// Returns the places of a line on the unit sphere. Adds places between distant ones:
+// lines that are straight in longitude and latitude are curved on the globe.
 std::vector<point> spherical(const Line& line, bool isClosed)
 {
     constexpr double longest = 2; // degrees
@@ -93,19 +93,18 @@ void check(const Orla::VCamera& camera)
         return true;
     }();
     if (!isFinite)
-        refuse("a coordinate that is not finite", "finite ones");
+        refuse("a coordinate that is not finite", "finite coordinates");
     if (!(camera.fieldOfView > 0 && camera.fieldOfView < 180))
         refuse("an angle of " + Loam::numberText(camera.fieldOfView) + " degrees", "one between 0 and 180");
     const double fromCenterToEye = length(fromCenter(onUnitSphere(camera.position)));
     if (!(fromCenterToEye > 1))
         refuse("the position " + text(camera.position) + " inside the Earth",
-               "one outside of it, in metres from its centre");
+               "one outside it, in metres from its centre");
     if (!std::isfinite(fromCenterToEye) || !(fromCenterToEye < 1e9))
         refuse("the position " + text(camera.position), "one within 6e15 metres of the Earth");
     for (const double element : camera.untranslatedLookAt()) {
         if (!std::isfinite(element))
-            refuse("no direction of view with an upward one across it",
-                   "a focus away from the position and an up direction not along the view");
+            refuse("a degenerate orientation", "a focus away from the position and an up direction not along the view");
     }
 }
 
@@ -131,8 +130,8 @@ GlobeProjection::GlobeProjection(const Orla::VCamera& camera, const Rectangle& v
     m_radius = std::sqrt((1 - m_distance) * (1 + m_distance));
 }
 
-// On the unit sphere the outward normal is the point itself: positive where the
-// direction to the eye makes less than 90 degrees with it.
+// On the unit sphere, the outward normal is the point itself. The result is positive if
+// the normal and the direction to the eye form an angle of less than 90 degrees.
 double GlobeProjection::aboveHorizon(const point& onSphere) const noexcept
 {
     return dot(fromCenter(onSphere), m_eye) - 1;
@@ -150,7 +149,7 @@ point GlobeProjection::onHorizon(double angle) const noexcept
     return {v.x(), v.y(), v.z()};
 }
 
-// From 0 to a whole turn, counterclockwise as seen from the eye.
+// Returns an angle from 0 to a whole turn, counterclockwise as seen from the eye.
 double GlobeProjection::angleOnHorizon(const point& onSphere) const noexcept
 {
     const vector v = fromCenter(onSphere);
@@ -252,7 +251,7 @@ std::vector<std::vector<Pixel>> GlobeProjection::seen(const Ring& given) const
 
     std::vector<std::vector<point>> rings;
     if (std::none_of(above.begin(), above.end(), isAbove)) {
-        // Either all of what is seen lies inside of the ring or nothing.
+        // The visible part of the Earth lies entirely inside or outside the ring.
         const point below = fromUnitSphere({m_axis.x(), m_axis.y(), m_axis.z()});
         const point nearest = geographic(below);
         if (encloses(ring, {nearest.x(), nearest.y()}))

@@ -13,43 +13,43 @@
 
 namespace Quakes {
 
-/// The Earth's surface, the ellipsoid WGS 84, as a camera sees it in perspective.
+/// Projects the Earth's surface, the ellipsoid WGS 84, in a camera's perspective.
 ///
-/// A place is seen if its direction to the camera makes less than 90 degrees with
-/// the outward normal of the ellipsoid, and if it lies in the view. Of shapes, what
-/// lies a little outside of the view is returned too, so that no outline runs along
-/// its edge.
+/// A place is visible if its direction to the camera and the outward normal of the
+/// ellipsoid form an angle of less than 90 degrees, and if it lies in the view. Shapes
+/// extend slightly beyond the view, to keep outlines off its edge.
 class GlobeProjection {
 public:
-    /// The camera's coordinates are geocentric metres; its angle fills \p view from
-    /// top to bottom.
-    /// \throw std::invalid_argument for a camera that cannot see the Earth from
-    /// outside: not finite, inside the ellipsoid, standing in its focus, with its up
+    /// The camera's coordinates are geocentric metres. Its field of view spans the height
+    /// of \p view.
+    /// \throw std::invalid_argument for a camera that cannot see the Earth from outside:
+    /// not finite, inside or too far from the ellipsoid, at its own focus, with an up
     /// direction along the view, or with an angle not between 0 and 180 degrees.
     GlobeProjection(const Orla::VCamera& camera, const Rectangle& view);
 
-    /// Whether the Earth itself hides a place of its surface.
+    /// Returns true if the Earth hides a place on its surface.
     bool isHidden(const LonLat& place) const noexcept;
 
-    /// Where a place is seen; nothing if it is not.
+    /// Returns the pixel of a place, or nothing if the place is not visible.
     std::optional<Pixel> seen(const LonLat& place) const noexcept;
 
-    /// The part of a ring's inside that is seen, cut at the horizon and closed along
+    /// Returns the visible part of a ring's inside, cut at the horizon and closed along
     /// it.
     std::vector<std::vector<Pixel>> seen(const Ring& ring) const;
 
-    /// The parts of a line that are seen.
+    /// Returns the visible parts of a line.
     std::vector<std::vector<Pixel>> seenLine(const Line& line) const;
 
-    /// The horizon: the outline of the Earth's disc. Empty if it is not in the view.
+    /// Returns the horizon, the outline of the Earth's disc; empty if it is not in the view.
     std::vector<Pixel> disc() const;
 
-    /// The circle around the horizon's centre that touches the disc from outside;
-    /// nothing where the horizon is not wholly in front of the camera.
     struct Circle {
         Pixel center;
         double radius = 0;
     };
+
+    /// Returns the smallest circle around the horizon's centre that contains the disc.
+    /// Returns nothing if the horizon is not entirely in front of the camera.
     std::optional<Circle> circleAroundDisc() const;
 
 private:
@@ -57,7 +57,7 @@ private:
     using vector = Gyre::PhysicalSpace::vector;
 
     struct Plane {
-        vector normal; // in the camera's axes; the view is where its product is not negative
+        vector normal; // in the camera's axes; the dot product is not negative in the view
     };
 
     double aboveHorizon(const point& onSphere) const noexcept;
@@ -74,7 +74,7 @@ private:
     Orla::VCamera m_camera;
     std::array<double, 16> m_lookAt;
     Rectangle m_view;
-    double m_scale; // pixels for each unit of the tangent
+    double m_scale; // pixels per unit of the tangent
     std::array<Plane, 4> m_sides;
 
     // On the unit sphere the horizon is a circle.

@@ -17,7 +17,7 @@ void append(std::vector<Canvas::Path>& to, std::vector<Canvas::Path> paths)
 std::vector<Canvas::Path> graticule(const GlobeProjection& globe)
 {
     constexpr double step = 15;
-    constexpr double lastParallel = 75; // up to there go all meridians but each sixth
+    constexpr double lastParallel = 75; // end of all meridians except every sixth
     std::vector<Canvas::Path> lines;
     for (double longitude = -180; longitude < 180; longitude += step) {
         const double end = std::fmod(longitude, 6 * step) == 0 ? 90 : lastParallel;
@@ -34,7 +34,7 @@ GlobeProjection drawGlobe(Canvas& canvas, const QuakePicture& picture, const std
                           const Orla::VCamera& camera)
 {
     const double point = pixelsOfPoint(canvas);
-    // The camera is looked at before anything is drawn.
+    // Checks the camera before drawing anything.
     const Rectangle view = pictureSpace(canvas);
     const GlobeProjection globe{camera, view};
     drawFrame(canvas, picture);
@@ -42,7 +42,7 @@ GlobeProjection drawGlobe(Canvas& canvas, const QuakePicture& picture, const std
     const std::vector<Canvas::Path> disc{globe.disc()};
     const std::optional<GlobeProjection::Circle> circle = globe.circleAroundDisc();
     canvas.beginClip(view);
-    // Light falls in from the upper left.
+    // Light comes from the upper left.
     const auto lit = [&](double innerRadius, const Canvas::Color& inner, const Canvas::Color& outer) {
         const double aside = 0.28 * circle->radius;
         const Pixel highlight{circle->center.x - aside, circle->center.y - aside};

@@ -11,10 +11,11 @@
 
 namespace Quakes {
 
-/// Draws the Earth as a camera sees it, with the land and the events on it: each
-/// where its epicentre is, unless the Earth hides that. Returns where the globe is.
+/// Draws the Earth as a camera sees it, with the land and the events whose epicentres the
+/// Earth does not hide. Returns the projection.
 ///
-/// \throw std::invalid_argument for a camera that `GlobeProjection` refuses.
+/// \throw std::invalid_argument for a camera that `GlobeProjection` refuses; the canvas
+/// is then unchanged.
 GlobeProjection drawGlobe(Canvas& canvas, const QuakePicture& picture, const std::vector<Polygon>& land,
                           const Orla::VCamera& camera);
 

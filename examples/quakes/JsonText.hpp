@@ -4,14 +4,13 @@
 
 #include <string>
 
-// What messages say of a document.
-
 namespace Quakes {
 
-/// \p text with dots in place of what goes beyond some dozen characters.
+/// Returns \p text, or its first 60 bytes and "..." if it is longer.
 std::string shortened(std::string text);
 
-/// What was found: "an object", "the number 5"; "nothing" for null.
+/// Describes a JSON value for a message: "an object", "the number 5"; "nothing" for a null
+/// pointer.
 std::string described(const nlohmann::json* found);
 
 } // namespace Quakes

@@ -12,9 +12,9 @@
 
 namespace Quakes {
 
-/// Polygons of land. They never change and are shared by copies.
+/// Polygons of land. They never change, and copies share them.
 ///
-/// Has no text form that could be read: it is always read from its file.
+/// Has no text form that can be read: land is always read from a file.
 class Land {
 public:
     Land() = default;
@@ -42,7 +42,7 @@ private:
 
 template<>
 struct Orla::VValueTrait<Quakes::Land> {
-    /// Says how many polygons there are.
+    /// Returns the number of polygons as a text: "1 polygon of land".
     static std::string Text(const Quakes::Land& land)
     {
         const std::size_t count = land.polygons().size();

@@ -53,7 +53,7 @@ void drawQuakes(Canvas& canvas, const QuakePicture& picture, const MapFrame& fra
         const LonLat place{std::remainder(quake->longitude, 360), quake->latitude};
         const Pixel pixel = frame.pixel(place);
         drawQuake(canvas, picture, *quake, pixel);
-        // Near the date line a part of the circle is on the other side of the map.
+        // Near the date line, part of the circle is on the other side of the map.
         const double reach = (quakeRadius(quake->magnitude) + 1) * point;
         const Rectangle& map = frame.rectangle();
         if (pixel.x + reach > map.right())
@@ -86,8 +86,7 @@ MapFrame drawMap(Canvas& canvas, const QuakePicture& picture, const std::vector<
     const double point = pixelsOfPoint(canvas);
     drawFrame(canvas, picture);
     Rectangle space = pictureSpace(canvas);
-    // The degrees of latitude stand on the left; the same on the right keeps the
-    // map in the middle.
+    // The latitudes are on the left; equal space on the right keeps the map centred.
     space.left += 14 * point;
     space.width -= 28 * point;
     space.height -= 20 * point;
@@ -104,7 +103,7 @@ MapFrame drawMap(Canvas& canvas, const QuakePicture& picture, const std::vector<
                 path.push_back(frame.pixel(place));
         }
         canvas.fill(paths, Palette::land);
-        // The coast only: not the cuts at the date line, nor what runs along a pole.
+        // Only the coast, without the cuts at the date line and the edges along a pole.
         for (const Ring& ring : polygon) {
             if (ring.empty())
                 continue;

@@ -8,23 +8,23 @@
 
 namespace Quakes {
 
-/// Where the plate carree of the whole Earth stands in a picture.
+/// The rectangle of a picture that the plate carree of the whole Earth fills.
 class MapFrame {
 public:
-    /// As large as it fits into \p space, in its middle.
+    /// Makes the map as large as possible and centres it in \p space.
     explicit MapFrame(const Rectangle& space) noexcept;
 
     const Rectangle& rectangle() const noexcept { return m_rectangle; }
 
-    /// Where a place is, for longitudes from -180 to 180; those beyond lie outside.
+    /// Returns the pixel of a place. Longitudes beyond -180 and 180 lie outside the map.
     Pixel pixel(const LonLat& place) const noexcept;
 
 private:
     Rectangle m_rectangle;
-    double m_scale; // pixels for each metre
+    double m_scale; // pixels per metre
 };
 
-/// Draws a world map with the land and the events on it. Returns where the map is.
+/// Draws a world map with the land and the events. Returns the frame of the map.
 MapFrame drawMap(Canvas& canvas, const QuakePicture& picture, const std::vector<Polygon>& land);
 
 } // namespace Quakes

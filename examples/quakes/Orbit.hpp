@@ -4,13 +4,13 @@
 
 namespace Quakes {
 
-/// The camera moved round the place that it looks at, which stays where it is: by
-/// \p east degrees round the z axis and \p north degrees towards it. It keeps its
-/// distance, and stays a degree away from the axis, above which it would not know
-/// which way is up.
+/// Returns the camera moved around its focus by \p east degrees around the z axis and
+/// \p north degrees towards the axis, at the same distance. It stays one degree away
+/// from the axis, where the up direction is undefined. A camera at its focus does not
+/// move.
 Orla::VCamera orbited(const Orla::VCamera& camera, double east, double north);
 
-/// The camera with its distance to what it looks at multiplied by \p factor.
+/// Returns the camera with its distance to the focus multiplied by \p factor.
 /// \pre \p factor is positive and finite.
 Orla::VCamera zoomed(const Orla::VCamera& camera, double factor);
 

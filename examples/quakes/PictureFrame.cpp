@@ -29,8 +29,8 @@ bool isContinuation(char c)
     return (static_cast<unsigned char>(c) & 0xc0) == 0x80;
 }
 
-// Writes a text in at most the width given: smaller if it must be, and shortened
-// where that would be too small to be read.
+// Draws a text in at most the given width: reduces its size if necessary, and shortens it
+// if it would become too small to read.
 void writeFitted(Canvas& canvas, const Pixel& place, std::string text, double size, const Canvas::Color& color,
                  double width, bool isBold)
 {
@@ -39,7 +39,7 @@ void writeFitted(Canvas& canvas, const Pixel& place, std::string text, double si
     size *= std::clamp(width / found, smallest, 1.0);
     if (found * smallest > width) {
         constexpr std::string_view ellipsis = "\u2026";
-        // Cut roughly first: the width of a very long text is measured once.
+        // Cut roughly first: measuring a very long text repeatedly is slow.
         text.resize(std::min(text.size(), static_cast<std::size_t>(4 * width / size) + 4));
         do {
             while (!text.empty() && isContinuation(text.back()))
@@ -84,6 +84,7 @@ void drawColors(Canvas& canvas, ColorRule rule, bool hasUnknown, double right, d
     canvas.text({bar.left, top + 14 * point}, legend.title, fontSize * point, Palette::ink, Canvas::Align::Left, true);
     constexpr int count = 33;
     std::vector<Canvas::Color> colors;
+    colors.reserve(count);
     for (int i = 0; i < count; ++i)
         colors.push_back(colorAt(rule, static_cast<double>(i) / (count - 1)));
     canvas.fill(bar, colors);
@@ -151,7 +152,7 @@ void drawQuake(Canvas& canvas, const QuakePicture& picture, const Quake& quake, 
     Canvas::Color outline = Palette::outline;
     outline.a *= color.a;
     const double radius = quakeRadius(quake.magnitude) * point;
-    // Thin around the small ones, so that a crowd of them does not turn black.
+    // Thin outlines around small events, so crowds of them do not turn black.
     const double lineWidth = std::clamp(0.16 * radius, 0.2 * point, 0.8 * point);
     if (within.empty())
         canvas.circle(place, radius, color, outline, lineWidth);

@@ -8,12 +8,11 @@
 #include <string>
 #include <vector>
 
-// What a map and a globe have in common: the title above, the legend below, and
-// how events look.
+// The common parts of maps and globes: the title above, the legend below, and the events.
 
 namespace Quakes {
 
-/// What a picture shows.
+/// The content of a picture.
 struct QuakePicture {
     std::string title;
     double instant = 0; ///< seconds since 1970 UTC; later events are not drawn
@@ -21,20 +20,21 @@ struct QuakePicture {
     ColorRule colorRule = ColorRule::Depth;
 };
 
-/// The length in pixels of a point of text and markers: 1 for a picture of 900 x
-/// 720, more or less for others, so that all of them are laid out alike.
+/// Returns the size of a point of text and markers in pixels: 1 for a picture of
+/// 900 x 720. It scales with the picture, so all pictures have the same layout.
 double pixelsOfPoint(const Canvas& canvas) noexcept;
 
-/// The space that `drawFrame` leaves for the map or globe.
+/// Returns the space that `drawFrame` leaves for the map or globe.
 Rectangle pictureSpace(const Canvas& canvas) noexcept;
 
 /// Draws everything around the map or globe.
 void drawFrame(Canvas& canvas, const QuakePicture& picture);
 
-/// The events to draw, the largest first, so that none hides a smaller one wholly.
+/// Returns the events in drawing order, largest first: no event hides a smaller one
+/// completely.
 std::vector<const Quake*> drawnQuakes(const Catalogue& happened);
 
-/// Draws an event; if there is a convex path \p within, only what lies inside of it.
+/// Draws an event. If the convex path \p within is not empty, draws only the part inside.
 void drawQuake(Canvas& canvas, const QuakePicture& picture, const Quake& quake, const Pixel& place,
                const Canvas::Path& within = {});
 

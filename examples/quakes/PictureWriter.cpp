@@ -29,18 +29,18 @@ namespace Quakes {
 using Orla::StrongPtr;
 using Action = StrongPtr<Orla::VAction>;
 
-/// Draws the events that have happened by the current time over the land, in the
-/// chart that the network follows: a globe, as the camera sees it, in geocentric
-/// coordinates, a flat map in the others.
+/// Draws the events that have happened by the current time over the land, in the chart
+/// of the network: in geocentric coordinates a globe, as the camera sees it; otherwise a
+/// flat map.
 ///
-/// It draws when an action asks for it and writes the picture to a file, PNG or SVG
-/// by the name's ending, which is complete or as it was before. An action with the
-/// number 1, as a run emits it after each step, writes the file `frames`, any other
-/// one the file `file`; without a name nothing is written. In `frames` a row of "#"
-/// stands for the number of the step. The input `range` says which seconds since
-/// 1970 the times 0 and 1 stand for.
+/// Each action draws the picture and writes it to a file, PNG or SVG by the extension. A
+/// file is written completely or left unchanged. An action with the number 1, which a run
+/// emits after each step, writes the file `frames`; any other action writes the file
+/// `file`. An empty name writes nothing. In `frames`, a sequence of "#" is replaced by the
+/// number of the step. The input `range` gives the seconds since 1970 at the times 0
+/// and 1.
 ///
-/// The status says what was written or what went wrong.
+/// The status reports the written file or the error.
 class PictureWriter : public Orla::VObject,
                       public Orla::TimeDependent,
                       public Orla::VChartDependent,
@@ -61,7 +61,7 @@ public:
         const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
         publish(pool, Orla::VChartList(
                           {chartName(Chart::Geographic), chartName(Chart::Geocentric), chartName(Chart::PlateCarree)}));
-        // Actions carry a number; whatever else makes this object due does not.
+        // Only actions have a number.
         if (number == 0)
             return true;
         const bool isFrame = number == StepNumber;
@@ -126,7 +126,7 @@ private:
     static int size(const Orla::TypedSlot<double>& slot, const StrongPtr<Orla::ValuePool>& pool)
     {
         const double pixels = slot.value(pool);
-        // Written so that NaN, which compares false with everything, is refused too.
+        // This form of the comparison also refuses NaN.
         if (!(pixels >= 1 && pixels <= Canvas::largestSize && pixels == std::floor(pixels)))
             throw std::runtime_error{"the input \"" + slot.name() + "\" is " + Orla::VValueTrait<double>::Text(pixels)
                                      + ", expected a whole number of pixels from 1 to "

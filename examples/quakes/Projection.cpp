@@ -28,13 +28,13 @@ struct Direction {
     double sine;
 };
 
-// The reduced latitude of the point of the ellipse nearest to a place, at \p p
-// from the axis and \p z above the equator, neither negative.
+// Returns the reduced latitude of the point of the ellipse nearest to a place at distance
+// p from the axis and z above the equator. Neither is negative.
 //
-// That point is (a cosine, b sine) with cosine = a p / (t + a^2) and sine =
-// b z / (t + b^2) for the largest t that makes it a point of the ellipse. With
-// q = (t + b^2) / b^2 the function below is convex and falls, so that Newton's
-// method climbs to its zero from every start on the left of it.
+// The point is (a cosine, b sine) with cosine = a p / (t + a^2) and sine =
+// b z / (t + b^2), for the largest t for which it lies on the ellipse. With
+// q = (t + b^2) / b^2, the function below is convex and decreasing, so Newton's
+// method converges to its zero from every start to the left of it.
 Direction reducedLatitude(double p, double z) noexcept
 {
     const double x = semiMajorAxis * p / (semiMinorAxis * semiMinorAxis);
@@ -42,7 +42,7 @@ Direction reducedLatitude(double p, double z) noexcept
     const double c = squaredSecondEccentricity;
     double q = std::max(y, x - c);
     if (!(q > 0)) {
-        // On the equator's plane, near the centre: y and t + b^2 are both zero.
+        // In the plane of the equator, near the centre: y and t + b^2 are both zero.
         const double cosine = x / c;
         return {cosine, std::sqrt((1 - cosine) * (1 + cosine))};
     }

@@ -26,10 +26,10 @@ using SomeOf = StrongPtr<Orla::MultipleStringSelection, Loam::StringList>;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-/// What is offered where every type of magnitude will do.
+/// The choice that accepts every type of magnitude.
 constexpr char AnyType[] = "any";
 
-// A flag's name has no blanks: "quarry_blast".
+// Returns the flag of a kind. Flags have no blanks: "quarry_blast".
 std::string flagOf(std::string kind)
 {
     std::ranges::replace(kind, ' ', '_');
@@ -56,21 +56,20 @@ std::string listed(const std::set<std::string>& texts)
 
 } // namespace
 
-/// Selects the events that have happened by the current time and pass what its
-/// inputs ask for. The input `range` says which seconds since 1970 the times 0 and
-/// 1 stand for.
+/// Selects the events that have happened by the current time and match its inputs. The
+/// input `range` gives the seconds since 1970 at the times 0 and 1.
 ///
-/// - `magnitude`: both ends of the range are included. Without one (`-inf:inf`) all
-///   events pass, those of unknown magnitude too; any other range leaves the latter
-///   out.
-/// - `networks`: those that reported the event, `{ci}{us}`; all if none is selected.
-/// - `magnitudeType`: how the magnitude was measured, `mww@mww|`. Which types there are
-///   to choose from is filled in from the data; a choice is kept when other data
-///   comes that has it as well.
-/// - `kinds`: flags such as `+earthquake -explosion`, with "_" for blanks. If any flag
-///   is on, only events of such kinds pass; else all but those of kinds that are off.
+/// - `magnitude`: a range, both ends inclusive. `-inf:inf` accepts all events; any other
+///   range excludes events of unknown magnitude.
+/// - `networks`: the networks that reported the event, `{ci}{us}`; an empty selection
+///   accepts all.
+/// - `magnitudeType`: how the magnitude was measured, `mww@mww|`. The choices come from
+///   the data. A selection is kept when the data changes.
+/// - `kinds`: flags such as `+earthquake -explosion`, with "_" for blanks. If any flag is
+///   on, only events of those kinds pass; otherwise all events except those of kinds that
+///   are off.
 ///
-/// The status warns of a choice that the data does not have.
+/// The status warns about selections that the data does not have.
 class QuakeFilter : public Orla::VObject, public Orla::TimeDependent, public Orla::StatusIndicator {
 public:
     QuakeFilter(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
@@ -101,14 +100,14 @@ private:
         friend bool operator==(const Wanted&, const Wanted&) = default;
     };
 
-    // What the data has to choose from.
+    // The choices that the data offers.
     struct Choices {
         std::set<std::string> networks;
         std::set<std::string> magnitudeTypes;
         std::set<std::string> kinds;
     };
 
-    // Everything but the time is looked at once and not at every step.
+    // Applies everything except the time. Recomputes only if an input has changed.
     const Catalogue& passing(const StrongPtr<Orla::ValuePool>& pool)
     {
         Wanted wanted;
@@ -126,7 +125,7 @@ private:
             });
             m_last = wanted;
         }
-        tellOfMissingChoices(pool, wanted);
+        warnAboutMissingChoices(pool, wanted);
         return m_passing;
     }
 
@@ -157,8 +156,8 @@ private:
         return std::ranges::none_of(kinds, [](const auto& flag) { return flag.second; });
     }
 
-    // Publishes the types of the data, unless another object decides on the choice,
-    // and returns the one that is chosen.
+    // Returns the selected type. Publishes the types of the data unless the input is
+    // connected.
     std::string offerMagnitudeTypes(const StrongPtr<Orla::ValuePool>& pool) const
     {
         const OneOf held = m_magnitudeType.value(pool);
@@ -168,13 +167,13 @@ private:
         const auto fresh = Loam::makeStrong<Orla::StringSelection>(AnyType);
         for (const std::string& type : m_choices.magnitudeTypes)
             fresh->append(type);
-        // A choice that the data does not have stays one: the next data may have it.
+        // Keeps a selection that the data does not have: the next data may have it.
         if (!chosen.empty())
             fresh->selection = chosen;
         return updateSelection(m_magnitudeType, pool, fresh);
     }
 
-    // The same for the networks; the choice is what is selected, in its order.
+    // As above, for the networks. Returns the selected networks in order.
     std::vector<std::string> offerNetworks(const StrongPtr<Orla::ValuePool>& pool) const
     {
         const StrongPtr<Orla::VValueBase> value = m_networks.slot()->getLocalValue(pool);
@@ -193,14 +192,14 @@ private:
         return {fresh->selection->begin(), fresh->selection->end()};
     }
 
-    void tellOfMissingChoices(const StrongPtr<Orla::ValuePool>& pool, const Wanted& wanted) const
+    void warnAboutMissingChoices(const StrongPtr<Orla::ValuePool>& pool, const Wanted& wanted) const
     {
         std::string warning;
         const auto check = [&warning](const char* what, const std::string& name, const std::set<std::string>& known) {
             if (known.empty() || known.contains(name))
                 return;
             warning += std::string(warning.empty() ? "" : "<BR>") + "no event has the " + what + " "
-                       + Orla::VObjectStatus::escaped(name) + ", there are "
+                       + Orla::VObjectStatus::escaped(name) + "; the data has "
                        + Orla::VObjectStatus::escaped(listed(known));
         };
         for (const std::string& network : wanted.networks)

@@ -14,9 +14,8 @@ namespace Quakes {
 
 using Orla::StrongPtr;
 
-/// Opens the page about the strongest event when the hot key, "o" unless another is
-/// set, is pressed. Of events equally strong it is the latest; `url` and `place` say
-/// which one it is.
+/// Opens the web page of the strongest event when the hot key, "o" by default, is pressed;
+/// of several equally strong events, the latest. `url` and `place` describe the event.
 class QuakePage : public Orla::VObject, public Orla::HotKey, public Orla::StatusIndicator {
 public:
     QuakePage(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)

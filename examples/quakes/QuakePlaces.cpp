@@ -9,9 +9,9 @@ namespace Quakes {
 
 using Orla::StrongPtr;
 
-/// Gives the hypocentres of a catalogue in the chart that the network follows, and
-/// the one of the strongest event, the latest of several, as `strongest`. An event
-/// of unknown depth counts as one on the surface.
+/// Publishes the hypocentres of a catalogue in the chart of the network, and the
+/// hypocentre of the strongest event as `strongest`; of several, the latest. Events of
+/// unknown depth count as on the surface.
 class QuakePlaces : public Orla::VObject, public ChartPlaces {
 public:
     using VObject::VObject;

@@ -13,9 +13,9 @@
 
 namespace Quakes {
 
-/// Reads the events of a GeoJSON file. A name that is no file is looked for in the
-/// data folders of the program. A file that cannot be read is an error and leaves
-/// the events that were read before.
+/// Reads the events of a GeoJSON file. If the file does not exist, it is searched for in
+/// the data folders of the program. If the file cannot be read, the update fails and the
+/// previous events are kept.
 class QuakeReader : public Orla::VObject {
 public:
     using VObject::VObject;

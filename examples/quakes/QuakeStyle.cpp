@@ -13,7 +13,7 @@ namespace Quakes {
 namespace {
 
 constexpr double largestMagnitude = 7;
-constexpr double largestDepth = 700; // kilometres; below about that there are no earthquakes
+constexpr double largestDepth = 700; // kilometres; there are hardly any deeper earthquakes
 constexpr double largestAge = 168;   // hours
 
 struct Rule {

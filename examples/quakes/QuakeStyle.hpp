@@ -10,42 +10,43 @@
 
 namespace Quakes {
 
-/// What the colour of an event tells.
+/// The property of an event that determines its colour.
 enum class ColorRule {
     Magnitude, ///< from 0 to 7
-    Depth,     ///< from 0 to 700 km, the shallow ones spread: by the square root
+    Depth,     ///< from 0 to 700 km, by the square root, which spreads shallow events
     Age        ///< from 168 to 0 hours before the picture's instant; older ones fade
 };
 
-/// "magnitude", "depth" or "age".
+/// Returns "magnitude", "depth" or "age".
 const char* colorRuleName(ColorRule rule) noexcept;
 
-/// The rule of that name; nothing if there is none.
+/// Returns the rule with that name, or nothing if there is none.
 std::optional<ColorRule> colorRuleOfName(std::string_view name) noexcept;
 
-/// What a picture's legend says of a rule.
+/// The legend of a rule in a picture.
 struct ColorLegend {
     const char* title;              ///< with the unit: "Depth (km)"
-    std::span<const double> values; ///< to be marked, in the order of their positions
+    std::span<const double> values; ///< values to mark, ordered by position
 };
 ColorLegend colorLegend(ColorRule rule) noexcept;
 
-/// Where a value is on the colour scale, from 0 to 1.
+/// Returns the position of a value on the colour scale, from 0 to 1.
 /// \p value is a magnitude, a depth in kilometres or an age in hours.
 double scalePosition(ColorRule rule, double value) noexcept;
 
-/// The colour of a position on a rule's scale. The old ones are translucent too.
+/// Returns the colour at a position on a rule's scale. With `Age`, old events are also
+/// translucent.
 Gyre::rgba_float_t colorAt(ColorRule rule, double position) noexcept;
 
-/// What a rule colours an event by; nothing if that is unknown.
-/// \p instant is the picture's, in seconds since 1970 UTC.
+/// Returns the value by which a rule colours an event, or nothing if it is unknown.
+/// \p instant is the picture's instant, in seconds since 1970 UTC.
 std::optional<double> coloredValue(const Quake& quake, ColorRule rule, double instant) noexcept;
 
-/// The colour of an event.
+/// Returns the colour of an event.
 Gyre::rgba_float_t quakeColor(const Quake& quake, ColorRule rule, double instant) noexcept;
 
-/// The radius of an event in points, 1 for magnitude 0 and doubled by each 1.75 of
-/// magnitude; an unknown one counts as 0.
+/// Returns the radius of an event in points: 1 for magnitude 0, doubled with every 1.75
+/// of magnitude. An unknown magnitude counts as 0.
 double quakeRadius(std::optional<double> magnitude) noexcept;
 
 } // namespace Quakes

@@ -13,10 +13,10 @@
 
 namespace Quakes {
 
-/// Tells how many events a camera sees. Each stands in a box that reaches `reach`
-/// metres (50 km) to every side of its hypocentre, in geocentric coordinates; an
-/// event of unknown depth counts as one on the surface. The camera sees between
-/// the distances `near` and `far`, in metres, with `aspect` for width by height.
+/// Counts the events that a camera sees. Each event is a box that extends `reach` metres
+/// (50 km by default) from its hypocentre in every direction, in geocentric coordinates.
+/// Events of unknown depth count as on the surface. The camera sees distances from `near`
+/// to `far`, in metres; `aspect` is the ratio of width to height.
 class QuakeView : public Orla::VObject {
 public:
     using VObject::VObject;
@@ -44,7 +44,7 @@ public:
     }
 
 private:
-    // Three coordinates of the minima, then of the maxima.
+    // Three coordinates of the minima, then three of the maxima.
     using Corners = std::array<std::vector<double>, 6>;
 
     static Corners boxes(const Catalogue& catalogue, double reach)

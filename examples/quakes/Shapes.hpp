@@ -12,19 +12,19 @@ struct LonLat {
     friend bool operator==(const LonLat&, const LonLat&) = default;
 };
 
-/// An open line. Each segment is straight in longitude and latitude and goes the
-/// shorter way round the Earth: from 179 to -179 by 2 degrees across the date line.
+/// An open line. Each segment is straight in longitude and latitude and takes the shorter
+/// way around the Earth: from 179 to -179 it spans 2 degrees across the date line.
 using Line = std::vector<LonLat>;
 
-/// A closed line, in which the last place is joined to the first and does not
-/// repeat it. It encloses the smaller of the two parts into which it divides the
-/// surface, whichever way it turns; this may be the part around a pole.
+/// A closed line: the last place is joined to the first and does not repeat it. It
+/// encloses the smaller of the two parts of the surface, whatever its orientation. The
+/// part may contain a pole.
 using Ring = std::vector<LonLat>;
 
-/// What an odd number of the rings encloses: an outer ring, then those of its holes.
+/// The area that an odd number of the rings encloses: an outer ring, then its holes.
 using Polygon = std::vector<Ring>;
 
-/// What a file of shapes holds.
+/// The content of a file of shapes.
 struct Shapes {
     std::vector<LonLat> points;
     std::vector<Line> lines;

@@ -26,15 +26,15 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Where in the document a value stands. The steps of a path live on the stack,
-// and its text is made for a message alone.
+// The path to a value in the document. The steps of a path are on the stack; only
+// messages create its text.
 class Path {
 public:
     Path() = default;
     Path(const Path& parent, std::string_view key) : m_parent{&parent}, m_key{key} {}
     Path(const Path& parent, std::size_t index) : m_parent{&parent}, m_index{index} {}
 
-    // "objects.land.arcs[0][3]"; empty for the document itself.
+    // Returns a text like "objects.land.arcs[0][3]"; empty for the document itself.
     std::string text() const
     {
         if (!m_parent)
@@ -80,7 +80,7 @@ const Json& array(const Json* found, const Path& path, const char* expected)
     return *found;
 }
 
-// The first two numbers of an array.
+// Returns the first two numbers of an array.
 LonLat pair(const Json& found, const Path& path, const char* expected, std::size_t most)
 {
     if (!found.is_array() || found.size() < 2 || found.size() > most)
@@ -168,11 +168,11 @@ private:
         }
     }
 
-    // Checks a place and takes rounding off those at the poles and the date line.
+    // Checks a place and removes rounding errors at the poles and the date line.
     static LonLat checked(LonLat place, const Path& path)
     {
         constexpr double rounding = 1e-9;
-        // Written so that NaN is refused too.
+        // This form of the comparison also refuses NaN.
         if (!(std::abs(place.longitude) <= 360 + rounding && std::abs(place.latitude) <= 90 + rounding))
             throw Fault{path.text(), "the position " + textOf(place),
                         "a longitude from -360 to 360 and a latitude from -90 to 90 degrees"};
@@ -228,12 +228,12 @@ private:
             read(geometries[i], {members, i}, shapes, depth + 1);
     }
 
-    // Joins arcs; the number ~i (that is -1 - i) stands for arc i backwards.
+    // Joins arcs. The index ~i (that is, -1 - i) means arc i backwards.
     Line line(const Json* found, const Path& path) const
     {
-        const Json& indices = array(found, path, "an array of numbers of arcs");
+        const Json& indices = array(found, path, "an array of arc indices");
         if (indices.empty())
-            refuse(path, found, "at least one number of an arc");
+            refuse(path, found, "at least one arc index");
         Line result;
         for (std::size_t i = 0; i < indices.size(); ++i) {
             const Path place{path, i};
@@ -243,7 +243,7 @@ private:
                 std::reverse(arc.begin(), arc.end());
             if (i > 0 && result.back() != arc.front())
                 throw Fault{place.text(), "an arc that begins at " + textOf(arc.front()),
-                            "one that begins where the one before it ends, at " + textOf(result.back())};
+                            "one that begins where the previous arc ends, at " + textOf(result.back())};
             result.insert(result.end(), arc.begin() + (i > 0 ? 1 : 0), arc.end());
         }
         return result;
@@ -252,7 +252,8 @@ private:
     std::size_t arcIndex(const Json& found, const Path& path) const
     {
         const std::string count = std::to_string(m_arcs.size());
-        const std::string expected = "a whole number from -" + count + " to below " + count + ", the number of arcs";
+        const std::string expected =
+            "a whole number from -" + count + " to less than " + count + ", the number of arcs";
         if (!found.is_number_integer())
             refuse(path, &found, expected);
         if (found.is_number_unsigned()) {
@@ -261,7 +262,7 @@ private:
                 refuse(path, &found, expected);
             return static_cast<std::size_t>(index);
         }
-        // For a negative number ~i is not negative, and no number overflows.
+        // For a negative number, ~number is not negative; it never overflows.
         const std::int64_t number = found.get<std::int64_t>();
         const auto index = static_cast<std::uint64_t>(number < 0 ? ~number : number);
         if (index >= m_arcs.size())
@@ -283,7 +284,7 @@ private:
                             "one that ends where it begins"};
             if (ring.size() < 4)
                 throw Fault{place.text(), "a ring of " + std::to_string(ring.size()) + " positions",
-                            "at least 4, of which the last repeats the first"};
+                            "at least 4, the last equal to the first"};
             ring.pop_back();
             result.push_back(std::move(ring));
         }
@@ -313,7 +314,7 @@ Shapes shapesOf(const Json& document, std::string_view object)
             for (const auto& item : objects->items())
                 names += (names.empty() ? "" : ", ") + item.key();
             throw Fault{path.text(), names.empty() ? "no objects" : "the objects " + shortened(names),
-                        "one of the name " + std::string(object)};
+                        "one named " + std::string(object)};
         }
         topology.read(*found, {path, object}, shapes);
         return shapes;
@@ -328,7 +329,7 @@ std::string contentOf(const std::string& file)
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(file, ignored);
     if (status.type() == std::filesystem::file_type::not_found)
-        throw std::runtime_error{file + ": found nothing of that name, expected a TopoJSON file"};
+        throw std::runtime_error{file + ": file not found, expected a TopoJSON file"};
     if (is_directory(status))
         throw std::runtime_error{file + ": found a folder, expected a TopoJSON file"};
     errno = 0;
@@ -352,11 +353,11 @@ Shapes shapesOfTopoJson(std::string_view text, const std::string& name, std::str
         throw std::runtime_error{name + ": " + fault.path + (fault.path.empty() ? "" : ": ") + "found " + fault.found
                                  + ", expected " + fault.expected};
     } catch (const Json::exception& error) {
-        // The parser's message without its number and without what it read last.
+        // Omits the number of the parser's message and the last text read.
         std::string_view message = error.what();
         message.remove_prefix(std::min(message.find("] ") + 2, message.size()));
-        throw std::runtime_error{
-            name + ": is no valid JSON: " + std::string(message.substr(0, message.find("; last read: ")))};
+        throw std::runtime_error{name
+                                 + ": invalid JSON: " + std::string(message.substr(0, message.find("; last read: ")))};
     }
 }
 

@@ -8,8 +8,8 @@
 
 namespace Quakes {
 
-/// Writes the current time as a UTC instant. The input `range` says which
-/// seconds since 1970 the times 0 and 1 stand for.
+/// Writes the current time as a UTC instant. The input `range` gives the seconds since
+/// 1970 at the times 0 and 1.
 class UtcInstant : public Orla::VObject, public Orla::TimeDependent {
 public:
     UtcInstant(const std::string& name, int level, const Orla::StrongPtr<Orla::VCreationPreferences>& preferences)

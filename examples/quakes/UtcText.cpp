@@ -32,12 +32,12 @@ std::string utcText(double seconds)
     using Instant = sys_time<milliseconds>;
 
     constexpr Instant first = sys_days{year::min() / January / 1};
-    constexpr Instant behindLast = sys_days{year::max() / December / 31} + days{1};
+    constexpr Instant afterLast = sys_days{year::max() / December / 31} + days{1};
 
     const double rounded = std::round(seconds * 1000);
-    // Written so that NaN, which compares false with everything, has no date.
+    // This form of the comparison also excludes NaN.
     if (!(rounded >= static_cast<double>(first.time_since_epoch().count())
-          && rounded < static_cast<double>(behindLast.time_since_epoch().count())))
+          && rounded < static_cast<double>(afterLast.time_since_epoch().count())))
         return "no calendar date (" + (std::isnan(seconds) ? "nan" : Loam::numberText(seconds)) + " s since 1970)";
 
     const Instant instant{milliseconds{static_cast<milliseconds::rep>(rounded)}};

@@ -55,7 +55,7 @@ protected:
 
     VCamera camera() const { return control.value<VCamera>("camera"); }
 
-    // Degrees from the start, to the east and to the north.
+    // Checks the degrees from the start to the east and to the north.
     void expectMoved(double east, double north) const
     {
         const VCamera now = camera();
@@ -74,7 +74,7 @@ private:
 
 } // namespace
 
-TEST_F(CameraControls, beginWithTheCameraThatTheyAreGiven)
+TEST_F(CameraControls, startWithTheGivenCamera)
 {
     EXPECT_EQ(camera(), start);
     const VCamera other{{0, 20, 0}, {0, 0, 0}, {0, 0, 1}, 45};
@@ -83,12 +83,12 @@ TEST_F(CameraControls, beginWithTheCameraThatTheyAreGiven)
     EXPECT_EQ(camera(), other);
 }
 
-TEST_F(CameraControls, turnTheGlobeWithADrag)
+TEST_F(CameraControls, turnTheGlobeWhenDragged)
 {
     send(Event::Press, 100, 100);
     EXPECT_EQ(camera(), start);
     send(Event::Move, 60, 120);
-    expectMoved(10, 5); // a quarter of a degree a pixel
+    expectMoved(10, 5); // a quarter of a degree per pixel
     send(Event::Move, 20, 120);
     expectMoved(20, 5);
     send(Event::Release, 20, 140);
@@ -97,7 +97,7 @@ TEST_F(CameraControls, turnTheGlobeWithADrag)
     expectMoved(20, 10);
 }
 
-TEST_F(CameraControls, holdTheGrabWhileTheyAreDragged)
+TEST_F(CameraControls, holdTheGrabDuringADrag)
 {
     EXPECT_TRUE(grabber->stack().empty());
     send(Event::Press, 1, 1);
@@ -110,7 +110,7 @@ TEST_F(CameraControls, holdTheGrabWhileTheyAreDragged)
     EXPECT_TRUE(grabber->stack().empty());
 }
 
-TEST_F(CameraControls, stayWhileAnotherObjectHoldsTheGrab)
+TEST_F(CameraControls, doNotMoveWhileAnotherObjectHoldsTheGrab)
 {
     Evaluation other{"CameraControl"};
     Event event{Event::Press, grabber};
@@ -123,7 +123,7 @@ TEST_F(CameraControls, stayWhileAnotherObjectHoldsTheGrab)
     EXPECT_EQ(grabber->stack().size(), 1u);
 }
 
-TEST_F(CameraControls, ignoreTheOtherButtons)
+TEST_F(CameraControls, ignoreOtherButtons)
 {
     Event press{Event::Press, grabber};
     press.button = 3;
@@ -133,11 +133,11 @@ TEST_F(CameraControls, ignoreTheOtherButtons)
     EXPECT_TRUE(grabber->stack().empty());
 }
 
-TEST_F(CameraControls, comeNearerWithTheWheelOnceForEachEvent)
+TEST_F(CameraControls, zoomOncePerWheelEvent)
 {
     turnWheel(1);
     EXPECT_NEAR(camera().position.x(), 9, 1e-12);
-    control.setText("hotkey", "x"); // makes it due, and the event is still there
+    control.setText("hotkey", "x"); // makes the object due with the same event
     control.run();
     EXPECT_NEAR(camera().position.x(), 9, 1e-12);
     turnWheel(1);
@@ -148,7 +148,7 @@ TEST_F(CameraControls, comeNearerWithTheWheelOnceForEachEvent)
     EXPECT_NEAR(camera().position.x(), 10, 1e-12);
 }
 
-TEST_F(CameraControls, goBackWithTheirKey)
+TEST_F(CameraControls, resetTheCameraWhenTheirKeyIsPressed)
 {
     send(Event::Press, 100, 100);
     send(Event::Release, 60, 120);
@@ -160,10 +160,10 @@ TEST_F(CameraControls, goBackWithTheirKey)
     send(Event::Release, 60, 120);
     expectMoved(10, 5);
     sendKey("r");
-    EXPECT_EQ(camera(), start) << "the key counts each time";
+    EXPECT_EQ(camera(), start) << "every stroke of the key resets it";
 }
 
-TEST_F(CameraControls, keepThePoolsApart)
+TEST_F(CameraControls, keepPoolsIndependent)
 {
     const Orla::StrongPtr<Orla::ValuePool> other{new Orla::ValuePool("other")};
     write(*control.object, "camera", other, start);

@@ -23,7 +23,7 @@ constexpr Canvas::Color blue{0, 0, 1, 1};
 const Canvas::Path square{{10, 10}, {50, 10}, {50, 50}, {10, 50}};
 const Canvas::Path hole{{20, 20}, {40, 20}, {40, 40}, {20, 40}};
 
-// Something of everything.
+// A drawing with a shape of every kind.
 std::string drawing(PictureFormat format)
 {
     Canvas canvas{format, 120, 80};
@@ -50,7 +50,7 @@ std::string message(const std::string& file)
     return "no error";
 }
 
-// How many pixels of the row of text that was written are not white.
+// Returns the number of pixels that a text colours.
 int inkOf(std::string_view text)
 {
     Canvas canvas{PictureFormat::Png, 200, 40};
@@ -67,17 +67,17 @@ int inkOf(std::string_view text)
 
 } // namespace
 
-TEST(Canvas, takesItsFormatFromTheEnding)
+TEST(Canvas, takesItsFormatFromTheExtension)
 {
     EXPECT_EQ(pictureFormat("map.png"), PictureFormat::Png);
     EXPECT_EQ(pictureFormat("a.svg/map.PNG"), PictureFormat::Png);
     EXPECT_EQ(pictureFormat("map.0.svg"), PictureFormat::Svg);
-    EXPECT_EQ(message("map.jpg"), "map.jpg: found the ending \".jpg\", expected \".png\" or \".svg\"");
-    EXPECT_EQ(message("folder.png/map"), "folder.png/map: found no ending, expected \".png\" or \".svg\"");
-    EXPECT_EQ(message(""), ": found no ending, expected \".png\" or \".svg\"");
+    EXPECT_EQ(message("map.jpg"), "map.jpg: found the extension \".jpg\", expected \".png\" or \".svg\"");
+    EXPECT_EQ(message("folder.png/map"), "folder.png/map: found no extension, expected \".png\" or \".svg\"");
+    EXPECT_EQ(message(""), ": found no extension, expected \".png\" or \".svg\"");
 }
 
-TEST(Canvas, refusesSizesThatNoPictureHas)
+TEST(Canvas, refusesInvalidSizes)
 {
     for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg}) {
         EXPECT_THROW((Canvas{format, 0, 10}), std::runtime_error);
@@ -86,13 +86,13 @@ TEST(Canvas, refusesSizesThatNoPictureHas)
     }
     try {
         const Canvas canvas{PictureFormat::Svg, Canvas::largestSize + 1, 10};
-        FAIL() << "a picture too large was made";
+        FAIL() << "too large a picture was created";
     } catch (const std::runtime_error& error) {
         EXPECT_STREQ(error.what(), "found a picture of 16385 x 10 pixels, expected sides from 1 to 16384");
     }
 }
 
-TEST(Canvas, drawsWhatItIsTold)
+TEST(Canvas, drawsShapesGradientsAndClips)
 {
     const Picture picture{drawing(PictureFormat::Png)};
     EXPECT_EQ(picture.width, 120);
@@ -100,20 +100,20 @@ TEST(Canvas, drawsWhatItIsTold)
     EXPECT_EQ(picture.at(5, 5), rgb(white));
     EXPECT_EQ(picture.at(15, 15), rgb(red));
     EXPECT_EQ(picture.at(30, 30), rgb(white)) << "the hole";
-    EXPECT_EQ(picture.at(75, 15), rgb(blue)) << "inside of the clip";
-    EXPECT_EQ(picture.at(75, 35), rgb(white)) << "outside of it";
-    EXPECT_EQ(picture.at(85, 15), rgb(white)) << "outside of it";
-    EXPECT_EQ(picture.at(61, 41), rgb(blue)) << "beyond the outer circle of colours";
+    EXPECT_EQ(picture.at(75, 15), rgb(blue)) << "inside the clip";
+    EXPECT_EQ(picture.at(75, 35), rgb(white)) << "outside it";
+    EXPECT_EQ(picture.at(85, 15), rgb(white)) << "outside it";
+    EXPECT_EQ(picture.at(61, 41), rgb(blue)) << "outside the outer circle of the gradient";
     EXPECT_GT(picture.at(70, 50).red, 200);
     EXPECT_GT(picture.at(90, 15).red, picture.at(90, 15).blue);
     EXPECT_LT(picture.at(109, 15).red, picture.at(109, 15).blue);
     EXPECT_EQ(picture.at(100, 29.5), rgb(blue));
     EXPECT_EQ(picture.at(100, 50), rgb(red));
-    EXPECT_EQ(picture.at(100, 56.9), rgb(blue)) << "the outline stands outside of the radius";
+    EXPECT_EQ(picture.at(100, 56.9), rgb(blue)) << "the outline is outside the radius";
     EXPECT_EQ(picture.at(100, 60), rgb(white));
 }
 
-TEST(Canvas, drawsThePartOfACircleWithinAConvexPath)
+TEST(Canvas, drawsThePartOfACircleInsideAConvexPath)
 {
     Canvas::Path triangle{{10, 10}, {90, 10}, {90, 90}};
     for (int turned = 0; turned < 2; ++turned) {
@@ -125,8 +125,8 @@ TEST(Canvas, drawsThePartOfACircleWithinAConvexPath)
         const Picture picture{canvas.finished()};
         EXPECT_EQ(picture.at(58, 46), rgb(red));
         EXPECT_EQ(picture.at(42, 54), rgb(white)) << "beyond the long side";
-        EXPECT_EQ(picture.at(75, 30), rgb(red)) << "wholly inside";
-        EXPECT_EQ(picture.at(15, 90), rgb(white)) << "wholly outside";
+        EXPECT_EQ(picture.at(75, 30), rgb(red)) << "entirely inside";
+        EXPECT_EQ(picture.at(15, 90), rgb(white)) << "entirely outside";
         std::reverse(triangle.begin(), triangle.end());
     }
 }
@@ -141,10 +141,10 @@ TEST(Canvas, writesWellFormedSvgInPixels)
     EXPECT_EQ(svg.elements[0].attribute("height"), "80px");
     EXPECT_EQ(svg.elements[0].attribute("viewBox"), "0 0 120 80");
     for (const Svg::Element& element : svg.elements)
-        EXPECT_NE(element.name, "image") << "shapes, no pixels";
+        EXPECT_NE(element.name, "image") << "shapes, not pixels";
 }
 
-// The tests run under several locales, in one of which numbers have a comma.
+// The tests run under several locales; one writes numbers with a comma.
 TEST(Canvas, writesTheSameBytesEachTime)
 {
     for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg}) {
@@ -156,7 +156,7 @@ TEST(Canvas, writesTheSameBytesEachTime)
     EXPECT_NE(svg.find("M 10 10 L 50 10 L 50 50 L 10 50 Z"), std::string::npos);
 }
 
-TEST(Canvas, placesTextLeftCenteredAndRight)
+TEST(Canvas, alignsTextLeftCenteredAndRight)
 {
     Canvas canvas{PictureFormat::Png, 300, 40};
     const double width = canvas.textWidth("MMMM", 20);
@@ -188,7 +188,7 @@ TEST(Canvas, placesTextLeftCenteredAndRight)
     EXPECT_NEAR(right, 150 - width, 4);
 }
 
-TEST(Canvas, writesAnyBytesAsText)
+TEST(Canvas, drawsAnyBytesAsText)
 {
     EXPECT_EQ(inkOf(""), 0);
     EXPECT_EQ(inkOf("\n\t\x7f"), 0) << "control characters are blanks";
@@ -197,8 +197,8 @@ TEST(Canvas, writesAnyBytesAsText)
     EXPECT_GT(inkOf("\u00e9"), 0);
     const int replacement = inkOf("\ufffd");
     EXPECT_GT(replacement, 0);
-    // A byte that continues nothing, overlong forms, a surrogate, beyond the last
-    // character, and characters cut short.
+    // Stray continuation bytes, overlong forms, surrogates, codes beyond the last
+    // character, and truncated characters.
     for (const std::string_view text : {"\x80", "\xff", "\xc3"})
         EXPECT_EQ(inkOf(text), replacement);
     EXPECT_EQ(inkOf("\xc0\xaf"), inkOf("\ufffd\ufffd"));
@@ -208,7 +208,7 @@ TEST(Canvas, writesAnyBytesAsText)
     EXPECT_EQ(inkOf("\xf4\x90\x80\x80"), inkOf("\ufffd\ufffd\ufffd\ufffd"));
 }
 
-TEST(Canvas, keepsTextOutOfTheNumbersOfSurfaces)
+TEST(Canvas, staysWellFormedIfTextMentionsSurfaces)
 {
     Canvas canvas{PictureFormat::Svg, 100, 40};
     canvas.text({10, 30}, "<surface12> & \"surface3\"", 10, blue);

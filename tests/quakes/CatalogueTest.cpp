@@ -21,7 +21,7 @@ using testing::IsEmpty;
 using Trait = Orla::VValueTrait<Catalogue>;
 
 static_assert(std::is_nothrow_move_constructible_v<Catalogue>);
-static_assert(!std::is_convertible_v<std::vector<Quake>, Catalogue>, "a plain list need not be sorted");
+static_assert(!std::is_convertible_v<std::vector<Quake>, Catalogue>, "a plain list may be unsorted");
 
 namespace {
 
@@ -88,7 +88,7 @@ std::vector<Catalogue> samples()
 
 } // namespace
 
-TEST(Catalogue, isSortedByTimeAndKeepsTheOrderOfEventsOfTheSameTime)
+TEST(Catalogue, isSortedByTimeAndKeepsTheOrderOfSimultaneousEvents)
 {
     const Catalogue catalogue{{quake("d", 4), quake("b1", 2), quake("a", -1), quake("b2", 2), quake("b3", 2)}};
     EXPECT_THAT(ids(catalogue), ElementsAre("a", "b1", "b2", "b3", "d"));
@@ -103,7 +103,7 @@ TEST(Catalogue, isEmptyUntilGivenEvents)
     EXPECT_TRUE(Catalogue{}.withMagnitude(Range{0, 10}).empty());
 }
 
-TEST(Catalogue, endsWithTheEventAtTheTimeItself)
+TEST(Catalogue, includesEventsAtTheExactTime)
 {
     const Catalogue catalogue{{quake("a", -10), quake("b", 0), quake("c", 20.5), quake("d", 20.5), quake("e", 1e9)}};
     const struct {
@@ -126,7 +126,7 @@ TEST(Catalogue, endsWithTheEventAtTheTimeItself)
     }
 }
 
-TEST(Catalogue, selectsMagnitudesBetweenBothEndsIncluded)
+TEST(Catalogue, selectsMagnitudesInAnInclusiveRange)
 {
     const Catalogue catalogue{{quake("none", 0), quake("negative", 1, -0.8), quake("zero", 2, 0.0),
                                quake("below", 3, std::nextafter(4.5, 0)), quake("at", 4, 4.5),
@@ -154,7 +154,7 @@ TEST(Catalogue, selectsMagnitudesBetweenBothEndsIncluded)
     }
 }
 
-TEST(Catalogue, canBeSelectedFromAgainAndAgain)
+TEST(Catalogue, supportsRepeatedSelections)
 {
     const Catalogue catalogue{
         {quake("a", 1, 1.0), quake("b", 2, 5.0), quake("c", 3), quake("d", 4, 6.0), quake("e", 5, 7.0)}};
@@ -181,7 +181,7 @@ TEST(Catalogue, sharesItsEventsWithCopiesAndSelections)
     EXPECT_EQ(selection[0].id, "b");
 }
 
-TEST(Catalogue, equalsOneWithTheSameEventsWhereverTheyComeFrom)
+TEST(Catalogue, equalsAnyCatalogueWithTheSameEvents)
 {
     const Catalogue catalogue{{quake("a", 1, 1.0), quake("b", 2, 5.0), quake("c", 3, 2.0)}};
     const Catalogue copy = catalogue;
@@ -248,7 +248,7 @@ TEST(Catalogue, writesALineForEachEvent)
     EXPECT_EQ(Trait::Text(Catalogue{{unknown, amboy}}), amboyText + "1517363400,0,0,,,,,,\"say \"\"ah\"\"\n\",,\n");
 }
 
-TEST(Catalogue, readsWhatOtherProgramsWrite)
+TEST(Catalogue, readsTextsOfOtherPrograms)
 {
     const Catalogue one{{amboy}};
     Quake earlier = amboy;
@@ -285,7 +285,7 @@ TEST(Catalogue, keepsItsValueWhenTheTextIsRefused)
 {
     const std::string line = "1,2,3,4,5,ml,uw,id,place,earthquake,";
     Catalogue catalogue{{amboy}};
-    ASSERT_TRUE(Trait::setValueFromText(catalogue, line)) << "each row below spoils this";
+    ASSERT_TRUE(Trait::setValueFromText(catalogue, line)) << "each row below is a variant with a fault";
 
     for (const std::string& text : std::vector<std::string>{
              "\n",
@@ -307,9 +307,9 @@ TEST(Catalogue, keepsItsValueWhenTheTextIsRefused)
              "1,2,-inf,4,5,ml,uw,id,place,earthquake,",
              "1,2,3,nan,5,ml,uw,id,place,earthquake,",
              "1,2,3,4,1e999,ml,uw,id,place,earthquake,",
-             "1,2,3,4,5,ml,uw,id,\"place,earthquake,", // a quote never closed
+             "1,2,3,4,5,ml,uw,id,\"place,earthquake,", // an unclosed quote
              "1,2,3,4,5,ml,uw,id,place,\"earthquake,",
-             "1,2,3,4,5,ml,uw,id,\"place\" ,earthquake,", // text behind a quote
+             "1,2,3,4,5,ml,uw,id,\"place\" ,earthquake,", // text after a quote
              "1,2,3,4,5,ml,uw,id,pl\"ace,earthquake,",    // a quote inside
              "1,2,3,4,5,ml,uw,id,pla\nce,earthquake,",    // a line break inside
              line + "\n\n",
@@ -323,7 +323,7 @@ TEST(Catalogue, keepsItsValueWhenTheTextIsRefused)
     }
 }
 
-TEST(Catalogue, isKnownByItsNameAsValueAndAsInput)
+TEST(Catalogue, isRegisteredAsValueAndAsInput)
 {
     bool ok = false;
     const Orla::StrongPtr<Orla::VValueBase> value = Orla::VValueCreator::createValue("Catalogue", amboyText, ok);

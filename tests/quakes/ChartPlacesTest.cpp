@@ -69,15 +69,15 @@ protected:
 
 } // namespace
 
-TEST_F(ChartPlacesTest, areGivenInTheChartThatWasPicked)
+TEST_F(ChartPlacesTest, arePublishedInTheSelectedChart)
 {
     places->given = {{90, 0, 1000}, {0, 90, 0}};
     run();
-    EXPECT_THAT(coordinates(), ElementsAre(90, 0, 1000, 0, 90, 0)) << "geographic until one is picked";
+    EXPECT_THAT(coordinates(), ElementsAre(90, 0, 1000, 0, 90, 0)) << "geographic by default";
     EXPECT_EQ(box(), "[{0,0,0};{90,90,1000}]");
 
     pick("geocentric");
-    // The ellipsoid's axes in metres.
+    // The axes of the ellipsoid in metres.
     const std::vector<double> inSpace = coordinates();
     ASSERT_EQ(inSpace.size(), 6u);
     EXPECT_NEAR(inSpace[0], 0, 1e-6);
@@ -108,7 +108,7 @@ TEST_F(ChartPlacesTest, offerTheirThreeCharts)
     EXPECT_THAT(names, ElementsAre("geocentric", "geographic", "plate carree"));
 }
 
-TEST_F(ChartPlacesTest, keepWhatSeparatesLinesOutOfTheirBox)
+TEST_F(ChartPlacesTest, excludeSeparatorsFromTheirBox)
 {
     places->given = {{1, 2, 3}, {none, none, none}, {-1, -2, 0}, {none, 0, 0}};
     run();
@@ -119,19 +119,19 @@ TEST_F(ChartPlacesTest, keepWhatSeparatesLinesOutOfTheirBox)
     EXPECT_EQ(box(), "[{-1,-2,0};{1,2,3}]");
 }
 
-TEST_F(ChartPlacesTest, haveABoxWithoutExtentWhereThereAreNone)
+TEST_F(ChartPlacesTest, haveABoxWithoutExtentIfThereAreNoPlaces)
 {
     run();
     EXPECT_TRUE(coordinates().empty());
     EXPECT_EQ(box(), "[{0,0,0};{0,0,0}]");
 }
 
-TEST_F(ChartPlacesTest, failInAChartThatTheyDoNotKnow)
+TEST_F(ChartPlacesTest, failInAnUnknownChart)
 {
-    // Another object's chart.
+    // A chart that only another object supports.
     write(*places, "chart", pool, Orla::VChart{"polar"});
     run();
     ASSERT_EQ(warnings.all().size(), 1u);
-    EXPECT_THAT(warnings.all()[0], testing::HasSubstr("the chart \"polar\" is none of geographic, geocentric and plate "
-                                                      "carree"));
+    EXPECT_THAT(warnings.all()[0], testing::HasSubstr("the chart \"polar\" is not supported, expected "
+                                                      "geographic, geocentric or plate carree"));
 }

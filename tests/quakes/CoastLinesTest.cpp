@@ -31,7 +31,7 @@ protected:
     Evaluation coast{"CoastLines"};
 };
 
-// A square of 10 degrees whose corner is at the longitude given.
+// Returns a square of 10 degrees with its western side at the given longitude.
 std::string square(int longitude)
 {
     const std::string west = std::to_string(longitude);
@@ -42,7 +42,7 @@ std::string square(int longitude)
 
 } // namespace
 
-TEST_F(CoastLinesTest, areClosedAndSeparatedByNotANumber)
+TEST_F(CoastLinesTest, areClosedAndSeparatedByNaN)
 {
     const TemporaryFile file{square(20)};
     coast.set("file", file.name());
@@ -73,7 +73,7 @@ TEST_F(CoastLinesTest, doNotCrossTheDateLine)
     EXPECT_EQ(coast.text("box"), "[{-180,0,0};{180,10,0}]");
 }
 
-TEST_F(CoastLinesTest, ofTheWorldFollowTheChart)
+TEST_F(CoastLinesTest, followTheChart)
 {
     coast.set("file", std::string(LAND_JSON));
     const auto selector = Orla::VChartSelector::getChartSelector();
@@ -92,7 +92,7 @@ TEST_F(CoastLinesTest, ofTheWorldFollowTheChart)
     }
 }
 
-TEST_F(CoastLinesTest, areAnErrorWhereTheFileCannotBeRead)
+TEST_F(CoastLinesTest, failIfTheFileCannotBeRead)
 {
     EXPECT_EQ(coast.run().failures, 1u);
     coast.set("file", std::string("none.json"));
@@ -102,7 +102,7 @@ TEST_F(CoastLinesTest, areAnErrorWhereTheFileCannotBeRead)
     EXPECT_THAT(warnings.all()[1], HasSubstr("none.json"));
 }
 
-TEST_F(CoastLinesTest, stayWhenTheNextFileIsBroken)
+TEST_F(CoastLinesTest, remainIfTheNextFileIsBroken)
 {
     const TemporaryFile good{square(20)};
     const TemporaryFile bad{"{", "bad"};
@@ -116,7 +116,7 @@ TEST_F(CoastLinesTest, stayWhenTheNextFileIsBroken)
     EXPECT_EQ(coordinates().size(), 18u);
 }
 
-TEST(LandValue, hasNoTextThatCouldBeRead)
+TEST(LandValue, cannotBeReadFromText)
 {
     Land land{{{{{0, 0}, {1, 0}, {0, 1}}}}};
     EXPECT_EQ(Orla::VValueTrait<Land>::Text(land), "1 polygon of land");

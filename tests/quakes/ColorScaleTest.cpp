@@ -17,8 +17,7 @@ double linear(float channel)
     return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
 }
 
-// CIE lightness L*, from 0 to 100: another measure than the one that the colours
-// are mixed in.
+// Returns the CIE lightness L*, from 0 to 100. The colours are mixed by another measure.
 double lightness(const rgba_float_t& color)
 {
     const double y = 0.2126 * linear(color.r) + 0.7152 * linear(color.g) + 0.0722 * linear(color.b);
@@ -35,7 +34,7 @@ void expectHex(const rgba_float_t& color, int red, int green, int blue)
 
 } // namespace
 
-TEST(ColorScale, goesFromLightYellowToDarkViolet)
+TEST(ColorScale, runsFromLightYellowToDarkViolet)
 {
     expectHex(scaleColor(0), 0xf6, 0xd5, 0x6b);
     expectHex(scaleColor(0.5), 0xcd, 0x39, 0x5d);
@@ -55,7 +54,7 @@ TEST(ColorScale, darkensEvenly)
     }
 }
 
-TEST(ColorScale, endsWithTheColoursOfItsEnds)
+TEST(ColorScale, clampsPositionsToItsEnds)
 {
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(scaleColor(-1), scaleColor(0));

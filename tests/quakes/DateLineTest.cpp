@@ -23,7 +23,7 @@ using Quakes::withInsideOnTheLeft;
 
 namespace {
 
-// Rings are the same from wherever they begin.
+// Rotates a ring to start at its least place: the start of a ring is arbitrary.
 Ring fromItsLeast(Ring ring)
 {
     std::rotate(ring.begin(),
@@ -48,7 +48,7 @@ std::vector<Ring> cut(const Ring& ring)
     return rings;
 }
 
-// In square degrees of the plane.
+// Returns the area in square degrees of the plane.
 double planarArea(const std::vector<Ring>& rings)
 {
     double area = 0;
@@ -64,8 +64,8 @@ Ring reversed(Ring ring)
     return ring;
 }
 
-// Between the parallels of two latitudes all around, a sphere of radius 1 has an
-// area of 2 pi times the difference of their sines.
+// Returns the area north of a latitude on the unit sphere. The area between two parallels
+// is 2 pi times the difference of their sines.
 double cap(double latitude)
 {
     return 2 * std::numbers::pi * (1 - std::sin(latitude * std::numbers::pi / 180));
@@ -73,11 +73,11 @@ double cap(double latitude)
 
 } // namespace
 
-TEST(DateLine, leavesRingsAloneThatDoNotCrossIt)
+TEST(DateLine, leavesRingsThatDoNotCrossItUnchanged)
 {
     const Ring ring{{10, 0}, {20, 0}, {20, 10}};
     EXPECT_EQ(cut(ring), std::vector<Ring>{ring});
-    EXPECT_EQ(cut(reversed(ring)), std::vector<Ring>{ring}) << "what is enclosed lies on the left";
+    EXPECT_EQ(cut(reversed(ring)), std::vector<Ring>{ring}) << "the inside is on the left";
 }
 
 TEST(DateLine, cutsARingInTwo)
@@ -90,15 +90,15 @@ TEST(DateLine, cutsARingInTwo)
     EXPECT_EQ(cut({{170, -10}, {190, -10}, {190, 10}, {170, 10}}), expected) << "longitudes beyond 180";
 }
 
-// From 178 to -176 the date line lies a third of the way.
+// The date line is a third of the way from 178 to -176.
 TEST(DateLine, cutsSlantingSegmentsWhereTheyCross)
 {
     const std::vector<Ring> expected{{{-180, 2}, {-176, 6}, {-180, 6}}, {{178, 0}, {180, 2}, {180, 6}, {178, 6}}};
     EXPECT_EQ(cut({{178, 0}, {-176, 6}, {178, 6}}), expected);
 }
 
-// A ring like an E, whose arms reach over the date line.
-TEST(DateLine, cutsARingIntoAsManyPartsAsItHas)
+// An E-shaped ring whose arms cross the date line.
+TEST(DateLine, cutsARingIntoSeveralParts)
 {
     const Ring ring{{170, 0}, {-170, 0}, {-170, 2}, {175, 2}, {175, 4}, {-170, 4}, {-170, 6}, {170, 6}};
     const std::vector<Ring> rings = cut(ring);
@@ -108,7 +108,7 @@ TEST(DateLine, cutsARingIntoAsManyPartsAsItHas)
     EXPECT_EQ(rings[2], (Ring{{170, 0}, {180, 0}, {180, 2}, {175, 2}, {175, 4}, {180, 4}, {180, 6}, {170, 6}}));
 }
 
-TEST(DateLine, continuesARingAroundAPoleToThePole)
+TEST(DateLine, extendsARingAroundAPoleToThePole)
 {
     const Ring south{{-135, -60}, {-45, -60}, {45, -60}, {135, -60}};
     const std::vector<Ring> southern{{{-180, -90},
@@ -142,20 +142,20 @@ TEST(DateLine, continuesARingAroundAPoleToThePole)
     EXPECT_EQ(cut(reversed(north)), northern);
 }
 
-TEST(DateLine, takesSegmentsAlongItForTheFrame)
+TEST(DateLine, treatsSegmentsAlongItAsPartOfTheFrame)
 {
-    // A ring that touches it with a side, on either side of it, written either way.
+    // Rings with a side on the date line, on either side of it, written as 180 or -180.
     const std::vector<Ring> expected{{{170, 0}, {180, 0}, {180, 10}, {170, 10}}};
     EXPECT_EQ(cut({{170, 0}, {180, 0}, {180, 10}, {170, 10}}), expected);
     EXPECT_EQ(cut({{170, 0}, {-180, 0}, {-180, 5}, {180, 10}, {170, 10}}), expected);
     EXPECT_EQ(cut({{-170, 0}, {-170, 10}, {180, 10}, {-180, 0}}),
               (std::vector<Ring>{{{-180, 0}, {-170, 0}, {-170, 10}, {-180, 10}}}));
-    // A ring around the pole that goes along the date line to the pole and back.
+    // A ring around the pole that follows the date line to the pole and back.
     EXPECT_DOUBLE_EQ(
         planarArea(cut({{-180, -90}, {-180, -80}, {-90, -80}, {0, -80}, {90, -80}, {180, -80}, {180, -90}})), 360 * 10);
 }
 
-TEST(DateLine, cutsAtPlacesThatLieOnIt)
+TEST(DateLine, cutsAtPlacesOnIt)
 {
     const std::vector<Ring> expected{{{-180, -5}, {-170, 0}, {-180, 5}}, {{170, 0}, {180, -5}, {180, 5}}};
     for (const double east : {-180.0, 180.0}) {
@@ -211,7 +211,7 @@ TEST(DateLine, cutsLinesAndKeepsThoseAlongIt)
 TEST(DateLine, measuresTheAreaOnTheLeft)
 {
     constexpr double pi = std::numbers::pi;
-    // Between 0 and 90 degrees east, the equator and 30 north: 90/360 of a zone.
+    // Between 0 and 90 degrees east, the equator and 30 degrees north: 90/360 of a zone.
     const Ring zone{{0, 0}, {90, 0}, {90, 30}, {0, 30}};
     EXPECT_NEAR(areaOnTheLeft(zone), pi / 2 * 0.5, 1e-12);
     EXPECT_NEAR(areaOnTheLeft(reversed(zone)), 4 * pi - pi / 2 * 0.5, 1e-12);
@@ -224,7 +224,7 @@ TEST(DateLine, measuresTheAreaOnTheLeft)
     EXPECT_EQ(withInsideOnTheLeft(zone), zone);
 }
 
-TEST(DateLine, knowsWhatARingEncloses)
+TEST(DateLine, determinesWhatARingEncloses)
 {
     const Ring south{{-135, -60}, {-45, -60}, {45, -60}, {135, -60}};
     EXPECT_TRUE(encloses(south, {0, -89}));
@@ -242,7 +242,7 @@ protected:
     const std::vector<Polygon> land = Quakes::readTopoJson(LAND_JSON).polygons;
 };
 
-TEST_F(Land, hasNoSegmentAcrossTheMapOnceItIsCut)
+TEST_F(Land, hasNoSegmentAcrossTheMapAfterCutting)
 {
     std::size_t across = 0;
     for (const Polygon& polygon : land) {
@@ -259,12 +259,12 @@ TEST_F(Land, hasNoSegmentAcrossTheMapOnceItIsCut)
             }
         }
     }
-    EXPECT_EQ(across, 7u) << "that many there are in the file, over Antarctica, Fiji, Wrangel Island and Chukotka";
+    EXPECT_EQ(across, 7u) << "the number in the file: Antarctica, Fiji, Wrangel Island and Chukotka";
 }
 
-// The whole: summed up apart from this code, by spherical triangles of segments cut
-// to 0.05 degrees. Of the Earth's surface it is 28.9 percent.
-TEST_F(Land, keepsItsArea)
+// The expected area was computed independently, from spherical triangles of segments cut
+// to 0.05 degrees. It is 28.9 percent of the Earth's surface.
+TEST_F(Land, keepsItsAreaWhenCut)
 {
     double before = 0;
     double after = 0;
@@ -280,7 +280,7 @@ TEST_F(Land, keepsItsArea)
     EXPECT_NEAR(after, before, 1e-11);
 }
 
-TEST_F(Land, isWhereItShouldBe)
+TEST_F(Land, coversKnownPlacesOnLandOnly)
 {
     const auto isLand = [&](double longitude, double latitude) {
         bool isInside = false;

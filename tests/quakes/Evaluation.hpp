@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-/// Collects the warnings of the process while it lives.
+/// Collects the warnings of the process during its lifetime.
 class Warnings {
 public:
     Warnings() { Orla::VActionNotifier::add(m_notifier); }
@@ -38,7 +38,7 @@ private:
     Orla::StrongPtr<Notifier> m_notifier{new Notifier};
 };
 
-/// The input's own variable in \p pool becomes \p value.
+/// Sets the input's own variable in \p pool to \p value.
 template<class T>
 void write(const Orla::VObject& object, const std::string& input, const Orla::StrongPtr<Orla::ValuePool>& pool,
            const T& value)
@@ -52,7 +52,7 @@ void write(const Orla::VObject& object, const std::string& input, const Orla::St
     slot->parameter()->notifyValueChange(variable, pool);
 }
 
-/// The same from a text, as a user gives it.
+/// As above, from a text, as a user would enter it.
 inline void writeText(const Orla::VObject& object, const std::string& input,
                       const Orla::StrongPtr<Orla::ValuePool>& pool, const std::string& text)
 {
@@ -68,7 +68,7 @@ inline std::string readText(const Orla::VObject& object, const std::string& outp
 {
     const Orla::StrongPtr<Orla::VSlot> slot = object.findOutput(output);
     const Orla::StrongPtr<Orla::VValueBase> variable = slot ? slot->getValueBase(pool) : nullptr;
-    return variable ? variable->Text() : "there is no " + output;
+    return variable ? variable->Text() : "no output " + output;
 }
 
 inline void connect(Orla::VObject& reader, const std::string& input, const Orla::VObject& source,
@@ -78,7 +78,7 @@ inline void connect(Orla::VObject& reader, const std::string& input, const Orla:
     EXPECT_TRUE(reader.attachOutput(source.findOutput(output), reader.findSlot(input), "", &reason)) << reason;
 }
 
-/// One object in a pool, which keeps its own time.
+/// One object, which keeps its own time, in a pool.
 class Evaluation {
 public:
     explicit Evaluation(const std::string& objectType)
@@ -87,7 +87,7 @@ public:
             Orla::StrongPtr<Orla::VCreationPreferences>(new Orla::VCreationPreferences("local", "")))}
     {
         if (!object)
-            throw std::runtime_error{"there is no object type " + objectType};
+            throw std::runtime_error{"no object type " + objectType};
         Orla::VScheduler::schedule(object, 0, pool);
     }
 

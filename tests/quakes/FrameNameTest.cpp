@@ -7,15 +7,15 @@
 
 using Quakes::frameName;
 
-TEST(FrameName, putsTheNumberInPlaceOfTheLastRow)
+TEST(FrameName, replacesTheLastSequenceOfHashesWithTheNumber)
 {
     EXPECT_EQ(frameName("quakes-####.png", 7), "quakes-0007.png");
     EXPECT_EQ(frameName("#", 0), "0");
     EXPECT_EQ(frameName("a#1/b-##.svg", 12), "a#1/b-12.svg");
-    EXPECT_EQ(frameName("##", 123), "123") << "a longer number has its room";
+    EXPECT_EQ(frameName("##", 123), "123") << "a longer number is not truncated";
 }
 
-TEST(FrameName, refusesANameThatWouldBeTheSameForAllSteps)
+TEST(FrameName, refusesANameWithoutAHash)
 {
     try {
         frameName("quakes.png", 1);
@@ -25,7 +25,7 @@ TEST(FrameName, refusesANameThatWouldBeTheSameForAllSteps)
     }
 }
 
-TEST(FrameName, refusesWhatIsNoNumberOfAStep)
+TEST(FrameName, refusesInvalidStepNumbers)
 {
     for (const double step : {-1.0, 0.5, 1e16, std::nan("")})
         EXPECT_THROW(frameName("#", step), std::runtime_error) << step;

@@ -26,7 +26,7 @@ using testing::StartsWith;
 
 namespace {
 
-// The events of `file`, or else the message of the error.
+// Returns the message of the error for a file.
 std::string messageOf(const std::string& file)
 {
     try {
@@ -37,7 +37,7 @@ std::string messageOf(const std::string& file)
     return "no error";
 }
 
-// The message for a file with this content, without the file's name before it.
+// Returns the message for a file with the given content, without the name of the file.
 std::string refusalOf(const std::string& content)
 {
     const TemporaryFile file{content};
@@ -55,7 +55,7 @@ const std::string properties = R"("properties":{"time":1000,"mag":4.5})";
 const std::string geometry = R"("geometry":{"type":"Point","coordinates":[1,2,3]})";
 const std::string good = R"({"type":"Feature","id":"g",)" + properties + "," + geometry + "}";
 
-// An event at fault behind a good one.
+// A faulty event after a valid one.
 std::string withProperties(const std::string& text)
 {
     return collection(good + R"(,{"type":"Feature","id":"x","properties":)" + text + "," + geometry + "}");
@@ -74,7 +74,7 @@ std::string earthquakes()
 
 } // namespace
 
-// The numbers below come from the file by jq.
+// The numbers below were extracted from the file with jq.
 
 TEST(GeoJson, readsEveryEventOfTheWeek)
 {
@@ -150,7 +150,7 @@ TEST(GeoJson, readsTheWeekBackFromItsTextForm)
     EXPECT_EQ(copy, week);
 }
 
-TEST(GeoJson, leavesOutWhatIsNullOrMissing)
+TEST(GeoJson, leavesNullOrMissingPropertiesEmpty)
 {
     const TemporaryFile file{
         collection(R"({"type":"Feature","id":"null","properties":{"time":2000,"mag":null,"magType":null,"net":null,)"
@@ -162,7 +162,7 @@ TEST(GeoJson, leavesOutWhatIsNullOrMissing)
                                      Quake{2, 1, 2, {}, {}, "", "", "null", "", "", ""}}}));
 }
 
-TEST(GeoJson, ignoresWhatItDoesNotKnow)
+TEST(GeoJson, ignoresUnknownMembers)
 {
     const TemporaryFile file{
         R"({"features":[{"extra":[{"id":1}],"type":"Feature","id":"g\"ü\n",)" + properties + "," + geometry
@@ -177,7 +177,7 @@ TEST(GeoJson, readsACollectionWithoutEvents)
     EXPECT_EQ(readGeoJson(file.name()), Catalogue{});
 }
 
-TEST(GeoJson, turnsMillisecondsIntoTheNearestNumberOfSeconds)
+TEST(GeoJson, convertsMillisecondsToTheNearestNumberOfSeconds)
 {
     const struct {
         const char* milliseconds;
@@ -199,7 +199,7 @@ TEST(GeoJson, turnsMillisecondsIntoTheNearestNumberOfSeconds)
     }
 }
 
-TEST(GeoJson, saysWhatIsWrongWithTheDocument)
+TEST(GeoJson, reportsFaultsOfTheDocument)
 {
     const struct {
         std::string content;
@@ -228,7 +228,7 @@ TEST(GeoJson, saysWhatIsWrongWithTheDocument)
     }
 }
 
-TEST(GeoJson, saysWhatIsWrongWithWhichEvent)
+TEST(GeoJson, reportsFaultsOfEventsWithTheirPlace)
 {
     const std::string time = ", expected milliseconds since 1970 UTC, at most 8.64e15 before or after";
     const std::string coordinates = ", expected [longitude, latitude, depth]";
@@ -293,21 +293,21 @@ TEST(GeoJson, saysWhatIsWrongWithWhichEvent)
     }
 }
 
-TEST(GeoJson, saysWhereTheTextIsNoJson)
+TEST(GeoJson, reportsTheLineOfInvalidJson)
 {
     const struct {
         std::string content;
         const char* message;
     } cases[] = {
-        {"", "is no valid JSON: parse error at line 1, column 1"},
-        {"\n\n earthquakes", "is no valid JSON: parse error at line 3, column 2"},
-        {"time,mag\n1,2\n", "is no valid JSON: parse error at line 1, column 2"},
-        {std::string(100, '\0'), "is no valid JSON: parse error at line 1, column 1"},
-        {collection(good) + "}", "is no valid JSON: parse error at line 1"},
-        {collection(good + ","), "is no valid JSON: parse error at line 1"},
-        {withProperties(R"({"time":1e999})"), "is no valid JSON: number overflow"},
-        {withProperties("{\"time\":0,\"place\":\"\xff\"}"), "is no valid JSON: parse error at line 1"},
-        {withProperties(R"({"time":NaN})"), "is no valid JSON: parse error at line 1"},
+        {"", "invalid JSON: parse error at line 1, column 1"},
+        {"\n\n earthquakes", "invalid JSON: parse error at line 3, column 2"},
+        {"time,mag\n1,2\n", "invalid JSON: parse error at line 1, column 2"},
+        {std::string(100, '\0'), "invalid JSON: parse error at line 1, column 1"},
+        {collection(good) + "}", "invalid JSON: parse error at line 1"},
+        {collection(good + ","), "invalid JSON: parse error at line 1"},
+        {withProperties(R"({"time":1e999})"), "invalid JSON: number overflow"},
+        {withProperties("{\"time\":0,\"place\":\"\xff\"}"), "invalid JSON: parse error at line 1"},
+        {withProperties(R"({"time":NaN})"), "invalid JSON: parse error at line 1"},
     };
     for (const auto& [content, message] : cases) {
         SCOPED_TRACE(content);
@@ -315,25 +315,25 @@ TEST(GeoJson, saysWhereTheTextIsNoJson)
     }
 }
 
-TEST(GeoJson, refusesAFileThatWasCutOffAnywhere)
+TEST(GeoJson, refusesTruncatedFiles)
 {
     const std::string whole = earthquakes();
     ASSERT_THAT(whole, SizeIs(1219853));
     std::vector<std::size_t> lengths{0, 1, 2, whole.size() - 2, whole.size() - 1};
-    // A prime, so that the cuts fall at different places of the lines.
+    // A prime number cuts the lines at different places.
     for (std::size_t length = 17; length < whole.size(); length += 60013)
         lengths.push_back(length);
     for (std::size_t length = whole.find("{\"type\":\"Feature\""); length < whole.find("\n"); length += 11)
         lengths.push_back(length);
     for (const std::size_t length : lengths)
-        EXPECT_THAT(refusalOf(whole.substr(0, length)), StartsWith("is no valid JSON: parse error at line")) << length;
+        EXPECT_THAT(refusalOf(whole.substr(0, length)), StartsWith("invalid JSON: parse error at line")) << length;
 }
 
-TEST(GeoJson, saysWhyAFileCannotBeOpened)
+TEST(GeoJson, reportsWhyAFileCannotBeOpened)
 {
-    EXPECT_EQ(messageOf("no such file.json"), "no such file.json: found nothing of that name, expected a GeoJSON file");
+    EXPECT_EQ(messageOf("no such file.json"), "no such file.json: file not found, expected a GeoJSON file");
     EXPECT_EQ(messageOf("."), ".: found a folder, expected a GeoJSON file");
-    // Behind the colon stands the system's reason, in the user's language.
+    // The system's reason after the colon is in the user's language.
     const std::string tooLong(1000, 'x');
     EXPECT_THAT(messageOf(tooLong), MatchesRegex(tooLong + ": cannot be opened: .+"));
 }
@@ -348,11 +348,11 @@ TEST(GeoJson, keepsItsMessagesShort)
     EXPECT_THAT(message, HasSubstr("properties: found the text \"xxx"));
 }
 
-TEST(GeoJson, survivesDocumentsNestedVeryDeeply)
+TEST(GeoJson, handlesDeeplyNestedDocuments)
 {
     const std::string opened(1000000, '[');
     const std::string closed(1000000, ']');
-    EXPECT_THAT(refusalOf(opened), StartsWith("is no valid JSON: "));
+    EXPECT_THAT(refusalOf(opened), StartsWith("invalid JSON: "));
     EXPECT_THAT(refusalOf(opened + closed), StartsWith("found an array of 1, "));
     EXPECT_EQ(refusalOf(collection(R"({"id":)" + opened + closed + "}")),
               "features[0], id: found an array of 1, expected a text");
@@ -360,7 +360,7 @@ TEST(GeoJson, survivesDocumentsNestedVeryDeeply)
               "features[1] (id \"x\"), properties.place: found an array of 1, expected a text or null");
 }
 
-TEST(GeoJson, reportsHowFarItIs)
+TEST(GeoJson, reportsItsProgress)
 {
     std::vector<double> fractions;
     const auto goOn = [&fractions](double fraction) {
@@ -373,7 +373,7 @@ TEST(GeoJson, reportsHowFarItIs)
     EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
 }
 
-TEST(GeoJson, returnsNothingWhenToldToStop)
+TEST(GeoJson, returnsNothingWhenStopped)
 {
     int asked = 0;
     const auto stop = [&asked](double) {

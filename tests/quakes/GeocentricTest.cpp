@@ -12,7 +12,7 @@ using Quakes::geocentric;
 
 namespace {
 
-// PROJ's conversion, the reference of the field.
+// The conversion of PROJ, the standard library for projections.
 class Proj {
 public:
     Proj()
@@ -50,7 +50,7 @@ void expectWithinAMicrometre(const PhysicalSpace::point& a, const PhysicalSpace:
 
 } // namespace
 
-TEST(Geocentric, agreesWithProjAllOverTheEarthAndInside)
+TEST(Geocentric, agreesWithProjOnAndInsideTheEarth)
 {
     const Proj proj;
     ASSERT_TRUE(proj.isUsable());
@@ -76,7 +76,7 @@ TEST(Geocentric, agreesWithProjAtThePolesAndTheDateLine)
 }
 
 // The axes of the ellipsoid, from its definition.
-TEST(Geocentric, putsTheAxesWhereTheyBelong)
+TEST(Geocentric, agreesWithTheAxesOfTheEllipsoid)
 {
     expectWithinAMicrometre(geocentric(0, 0, 0), {6378137, 0, 0});
     expectWithinAMicrometre(geocentric(90, 0, -1000), {0, 6377137, 0});

@@ -31,8 +31,8 @@ namespace {
 constexpr double a = 6378137;
 constexpr double b = 6356752.314245179;
 
-// Above longitude and latitude 0, as far above the ground as that is from the
-// Earth's centre: 300 pixels are a tangent of 1.
+// Above longitude and latitude 0, at twice the equator's radius. 300 pixels are a tangent
+// of 1.
 const VCamera camera{{2 * a, 0, 0}, {0, 0, 0}, {0, 0, 1}, 90};
 constexpr Quakes::Rectangle view{100, 50, 800, 600};
 constexpr Pixel middle{500, 350};
@@ -77,10 +77,10 @@ std::string message(const VCamera& refused)
 
 } // namespace
 
-// Where the direction to the camera stands at right angles on the normal: on the
-// equator at the angle whose cosine is a / 2a; on the meridian at a reduced latitude
-// of 60 degrees, the tangent of whose geodetic one is a / b times as large.
-TEST(GlobeProjection, hidesWhatLiesBehindTheHorizonOfTheEllipsoid)
+// At the horizon, the direction to the camera is perpendicular to the normal: on the
+// equator at the angle whose cosine is a / 2a; on the meridian at a reduced latitude of 60
+// degrees. The tangent of the geodetic latitude is a / b times as large.
+TEST(GlobeProjection, hidesPlacesBeyondTheHorizonOfTheEllipsoid)
 {
     const GlobeProjection globe{camera, view};
     for (const double side : {-1.0, 1.0}) {
@@ -95,7 +95,7 @@ TEST(GlobeProjection, hidesWhatLiesBehindTheHorizonOfTheEllipsoid)
     EXPECT_TRUE(globe.isHidden({0, 90}));
 }
 
-TEST(GlobeProjection, putsPlacesWhereTheCameraSeesThem)
+TEST(GlobeProjection, projectsPlacesInPerspective)
 {
     const GlobeProjection globe{camera, view};
     const auto centre = globe.seen(LonLat{0, 0});
@@ -103,7 +103,7 @@ TEST(GlobeProjection, putsPlacesWhereTheCameraSeesThem)
     EXPECT_NEAR(centre->x, middle.x, 1e-9);
     EXPECT_NEAR(centre->y, middle.y, 1e-9);
 
-    // A half of the radius to the east and (2 - cos 30) radii away.
+    // Half a radius to the east and (2 - cos 30) radii away.
     const auto east = globe.seen(LonLat{30, 0});
     ASSERT_TRUE(east);
     EXPECT_NEAR(east->x, middle.x + 300 * 0.5 / (2 - std::sqrt(3) / 2), 1e-9);
@@ -115,7 +115,7 @@ TEST(GlobeProjection, putsPlacesWhereTheCameraSeesThem)
     EXPECT_FALSE(globe.seen(LonLat{180, 0})) << "the far side";
 }
 
-TEST(GlobeProjection, leavesOutWhatTheViewDoesNotContain)
+TEST(GlobeProjection, omitsShapesOutsideTheView)
 {
     const GlobeProjection globe{VCamera{camera.position, camera.focus, camera.up, 20}, view};
     EXPECT_TRUE(globe.seen(LonLat{8, 0}));
@@ -134,9 +134,9 @@ TEST(GlobeProjection, leavesOutWhatTheViewDoesNotContain)
     EXPECT_TRUE(away.seenLine({{-10, 0}, {10, 0}}).empty());
 }
 
-// Tangents from the eye at 2a: to the equator with the sine a / 2a; to the meridian at
-// the height b sqrt(3)/2 above the point a/2 of the axis.
-TEST(GlobeProjection, seesTheDiscAsTheTangentsTouchIt)
+// The tangents from the eye at 2a touch the equator at an angle with the sine a / 2a, and
+// the meridian at the height b sqrt(3)/2 above the point a/2 of the axis.
+TEST(GlobeProjection, projectsTheDiscUpToItsTangents)
 {
     const GlobeProjection globe{camera, view};
     double right = 0;
@@ -171,15 +171,15 @@ TEST(GlobeProjection, cutsRingsAtTheHorizonAndClosesThemAlongIt)
             EXPECT_LE(fromMiddle(pixel), 300 / std::sqrt(3) + 1e-6);
             onHorizon += fromMiddle(pixel) > 300 / std::sqrt(3) - 0.1 ? 1u : 0u;
         }
-        EXPECT_GT(onHorizon, 20u) << "it follows the horizon and does not take a short cut";
+        EXPECT_GT(onHorizon, 20u) << "the ring follows the horizon instead of a chord";
         std::reverse(ring.begin(), ring.end());
     }
 }
 
-TEST(GlobeProjection, seesARingInSeveralPartsWhereTheHorizonCutsItTwice)
+TEST(GlobeProjection, splitsARingThatTheHorizonCutsTwice)
 {
     const GlobeProjection globe{camera, view};
-    // A band behind the horizon with two arms that reach into sight.
+    // A band beyond the horizon with two arms that reach into view.
     const Ring fork{{50, -20}, {80, -20}, {80, 20}, {50, 20}, {50, 10}, {70, 10}, {70, -10}, {50, -10}};
     const auto seen = globe.seen(fork);
     EXPECT_EQ(seen.size(), 2u);
@@ -188,7 +188,7 @@ TEST(GlobeProjection, seesARingInSeveralPartsWhereTheHorizonCutsItTwice)
     EXPECT_FALSE(covers(seen, *globe.seen(LonLat{59, 0})));
 }
 
-TEST(GlobeProjection, seesNothingOfRingsOnTheFarSide)
+TEST(GlobeProjection, hidesRingsOnTheFarSide)
 {
     const GlobeProjection globe{camera, view};
     EXPECT_TRUE(globe.seen(Ring{{100, -10}, {120, -10}, {120, 10}, {100, 10}}).empty());
@@ -199,9 +199,9 @@ TEST(GlobeProjection, seesNothingOfRingsOnTheFarSide)
     EXPECT_TRUE(globe.seenLine({}).empty());
 }
 
-TEST(GlobeProjection, seesNothingButTheInsideFromAboveTheMiddleOfALargeRing)
+TEST(GlobeProjection, fillsTheDiscAboveTheMiddleOfALargeRing)
 {
-    // From 64 km the horizon is some 8 degrees away.
+    // From 64 km above the ground, the horizon is some 8 degrees away.
     const GlobeProjection globe{VCamera{{1.01 * a, 0, 0}, {0, 0, 0}, {0, 0, 1}, 175}, view};
     const auto seen = globe.seen(Ring{{-30, -30}, {30, -30}, {30, 30}, {-30, 30}});
     ASSERT_EQ(seen.size(), 1u);
@@ -209,7 +209,7 @@ TEST(GlobeProjection, seesNothingButTheInsideFromAboveTheMiddleOfALargeRing)
     EXPECT_TRUE(globe.seen(Ring{{10, -30}, {30, -30}, {30, 30}, {10, 30}}).empty());
 }
 
-TEST(GlobeProjection, cutsLinesAtTheHorizonAndAtTheView)
+TEST(GlobeProjection, cutsLinesAtTheHorizonAndTheView)
 {
     const GlobeProjection globe{camera, view};
     const auto equator = globe.seenLine({{-180, 0}, {-60.5, 0}, {60.5, 0}, {180, 0}});
@@ -219,7 +219,7 @@ TEST(GlobeProjection, cutsLinesAtTheHorizonAndAtTheView)
     EXPECT_GT(equator[0].size(), 50u) << "curved, not a chord";
 
     const auto aroundTheWorld = globe.seenLine({{0, 10}, {120, 10}, {-120, 10}, {0, 10}});
-    EXPECT_EQ(aroundTheWorld.size(), 2u) << "out of sight between";
+    EXPECT_EQ(aroundTheWorld.size(), 2u) << "hidden in between";
 
     const GlobeProjection near{VCamera{camera.position, camera.focus, camera.up, 20}, view};
     const auto across = near.seenLine({{-50, 0}, {50, 0}});
@@ -229,14 +229,14 @@ TEST(GlobeProjection, cutsLinesAtTheHorizonAndAtTheView)
     EXPECT_LT(across[0].back().x, view.left + view.width + 100);
 }
 
-TEST(GlobeProjection, refusesCamerasThatSeeNoEarthFromOutside)
+TEST(GlobeProjection, refusesCamerasThatCannotSeeTheEarthFromOutside)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(message(camera), "no error");
     EXPECT_EQ(message({{6e6, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30}),
-              "camera: found the position {6e+06,0,0} inside the Earth, expected one outside of it, in metres from "
-              "its centre");
+              "camera: found the position {6e+06,0,0} inside the Earth, expected one outside it, in metres from its "
+              "centre");
     EXPECT_EQ(message({{0, 0, b + 1}, {0, 0, 0}, {1, 0, 0}, 30}), "no error") << "just above the pole";
     EXPECT_NE(message({{0, 0, b - 1}, {0, 0, 0}, {1, 0, 0}, 30}), "no error") << "just below the pole";
     for (const double angle : {0.0, -10.0, 180.0, nan, infinity})
@@ -244,18 +244,18 @@ TEST(GlobeProjection, refusesCamerasThatSeeNoEarthFromOutside)
                   std::string::npos);
     for (const double coordinate : {nan, infinity})
         EXPECT_EQ(message({{2 * a, coordinate, 0}, {0, 0, 0}, {0, 0, 1}, 30}),
-                  "camera: found a coordinate that is not finite, expected finite ones");
-    const char* const noDirection = "camera: found no direction of view with an upward one across it, expected a focus "
-                                    "away from the position and an up direction not along the view";
+                  "camera: found a coordinate that is not finite, expected finite coordinates");
+    const char* const noDirection = "camera: found a degenerate orientation, expected a focus away from the position "
+                                    "and an up direction not along the view";
     EXPECT_EQ(message({{2 * a, 0, 0}, {2 * a, 0, 0}, {0, 0, 1}, 30}), noDirection);
     EXPECT_EQ(message({{2 * a, 0, 0}, {0, 0, 0}, {1, 0, 0}, 30}), noDirection);
     EXPECT_EQ(message({{2 * a, 0, 0}, {0, 0, 0}, {0, 0, 0}, 30}), noDirection);
     EXPECT_NE(message({{1e300, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30}), "no error");
 }
 
-// From any side, far and near, a place in sight is covered by what is seen of the
-// land if and only if it is on land.
-TEST(GlobeProjection, coversTheLandThatIsInSightAndNothingElse)
+// From any side, far and near, the projected land covers a visible place if and only if
+// the place is on land.
+TEST(GlobeProjection, coversExactlyTheVisibleLand)
 {
     const std::vector<Polygon> land = Quakes::readTopoJson(LAND_JSON).polygons;
     std::mt19937_64 random(5);
@@ -285,7 +285,7 @@ TEST(GlobeProjection, coversTheLandThatIsInSightAndNothingElse)
         for (int k = 0; k < 60; ++k) {
             const LonLat place{180 * uniform(random), std::asin(uniform(random)) * 180 / std::numbers::pi};
             const auto pixel = globe.seen(place);
-            // Between two places of the horizon, a degree apart, the outline is straight.
+            // The outline of the disc is straight between places a degree apart.
             if (!pixel || !covers(disc, *pixel))
                 continue;
             bool isLand = false;

@@ -63,7 +63,7 @@ public:
     {
         const auto pixel = projection.seen(LonLat{longitude, latitude});
         if (!pixel) {
-            ADD_FAILURE() << longitude << ' ' << latitude << " is not seen";
+            ADD_FAILURE() << longitude << ' ' << latitude << " is not visible";
             return {};
         }
         return Picture::at(pixel->x, pixel->y);
@@ -106,7 +106,7 @@ TEST(GlobeView, coloursLandAndSea)
     EXPECT_FALSE(isLand(antarctica.at(100, -52)));
 }
 
-TEST(GlobeView, drawsEventsInSightInTheirColours)
+TEST(GlobeView, drawsVisibleEventsInTheirColours)
 {
     const QuakePicture picture = quakes({quakeAt(-12, -15, 6, 600), quakeAt(22, 5, 6, 10), quakeAt(47, 57, 5, 80)});
     const ColorsOfGlobe globe{picture};
@@ -117,10 +117,9 @@ TEST(GlobeView, drawsEventsInSightInTheirColours)
     }
 }
 
-TEST(GlobeView, drawsNoEventOnTheFarSide)
+TEST(GlobeView, omitsEventsOnTheFarSide)
 {
-    // Straight behind the Earth's middle, where a picture without the Earth in
-    // between would show them.
+    // Directly behind the Earth: without it, the picture would show them.
     QuakePicture none = quakes({});
     QuakePicture hidden = quakes({quakeAt(-166, 0, 7, 10), quakeAt(170, 20, 7, 600)});
     const ColorsOfGlobe empty{none};
@@ -131,10 +130,10 @@ TEST(GlobeView, drawsNoEventOnTheFarSide)
             different += empty.Picture::at(x, y) == behind.Picture::at(x, y) ? 0u : 1u;
     }
     EXPECT_EQ(different, 0u);
-    EXPECT_GT(differentPixels(empty, ColorsOfGlobe{quakes({quakeAt(14, 0, 7, 10)})}), 500u) << "on the near side it is";
+    EXPECT_GT(differentPixels(empty, ColorsOfGlobe{quakes({quakeAt(14, 0, 7, 10)})}), 500u) << "on the near side";
 }
 
-TEST(GlobeView, drawsNothingOutsideOfTheDisc)
+TEST(GlobeView, drawsNothingOutsideTheDisc)
 {
     std::vector<Quakes::Quake> events;
     for (int longitude = -180; longitude < 180; longitude += 2)

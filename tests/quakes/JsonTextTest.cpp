@@ -7,7 +7,7 @@
 using Quakes::described;
 using nlohmann::json;
 
-TEST(JsonText, tellsWhatWasFound)
+TEST(JsonText, describesValues)
 {
     EXPECT_EQ(described(nullptr), "nothing");
     const struct {
@@ -26,7 +26,7 @@ TEST(JsonText, tellsWhatWasFound)
         EXPECT_EQ(described(&found), text);
 }
 
-TEST(JsonText, cutsWhatIsLong)
+TEST(JsonText, shortensLongTexts)
 {
     EXPECT_EQ(Quakes::shortened(std::string(60, 'a')), std::string(60, 'a'));
     EXPECT_EQ(Quakes::shortened(std::string(61, 'a')), std::string(60, 'a') + "...");

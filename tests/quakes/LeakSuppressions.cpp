@@ -1,5 +1,5 @@
-// fontconfig keeps a few patterns until the process ends, behind pointers that the
-// leak detection of AddressSanitizer cannot follow. Without that, nobody calls this.
+// fontconfig keeps a few patterns until the process ends, through pointers that leak
+// detection cannot follow. Only AddressSanitizer calls this function.
 extern "C" const char* __lsan_default_suppressions();
 
 const char* __lsan_default_suppressions()

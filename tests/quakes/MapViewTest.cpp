@@ -58,7 +58,7 @@ public:
 
 } // namespace
 
-TEST(MapView, putsTheWholeEarthTwiceAsWideAsHighIntoTheMiddle)
+TEST(MapView, centresAFrameTwiceAsWideAsHigh)
 {
     const MapFrame frame{{100, 50, 720, 400}};
     EXPECT_NEAR(frame.rectangle().left, 100, 1e-9);
@@ -110,7 +110,7 @@ TEST(MapView, coloursLandAndSea)
 TEST(MapView, drawsNoStreaksAlongTheDateLine)
 {
     const ColorsOfMap map{quakes({})};
-    // A row of sea at each latitude on both edges and in the middle of oceans.
+    // Places at sea near both edges and in the middle of an ocean.
     for (double latitude = -60.5; latitude < 60; latitude += 1.7) {
         for (const double longitude : {-179.3, -170.7, -140.5}) {
             const Rgb color = map.at(longitude, latitude);
@@ -121,7 +121,7 @@ TEST(MapView, drawsNoStreaksAlongTheDateLine)
     }
 }
 
-TEST(MapView, drawsEventsWhereTheyAreInTheirColours)
+TEST(MapView, drawsEventsAtTheirPlacesInTheirColours)
 {
     for (const ColorRule rule : {ColorRule::Magnitude, ColorRule::Depth}) {
         const QuakePicture picture =
@@ -131,7 +131,7 @@ TEST(MapView, drawsEventsWhereTheyAreInTheirColours)
             const Quakes::Quake& quake = picture.quakes[i];
             EXPECT_LE(difference(map.at(quake.longitude, quake.latitude), rgb(quakeColor(quake, rule, 0))), 1);
         }
-        // 16 points around the strongest one, 6.7 around the weakest.
+        // The radius of the strongest event is 16 points, of the weakest 6.7.
         const Pixel strong = map.frame.pixel({-40, 30});
         EXPECT_LE(difference(map.Picture::at(strong.x + 12, strong.y), rgb(quakeColor(picture.quakes[2], rule, 0))), 1);
         const Pixel weak = map.frame.pixel({-120, 10});
@@ -164,7 +164,7 @@ TEST(MapView, drawsEventsOnTheDateLineOnBothSides)
     }
 }
 
-TEST(MapView, drawsNothingOverItsFrame)
+TEST(MapView, drawsNothingOutsideItsFrame)
 {
     const QuakePicture none = quakes({});
     const ColorsOfMap empty{none};
@@ -179,7 +179,7 @@ TEST(MapView, drawsNothingOverItsFrame)
         EXPECT_EQ(full.Picture::at(x, map.top - 3), empty.Picture::at(x, map.top - 3));
 }
 
-TEST(MapView, hidesNoSmallEventBehindALargeOne)
+TEST(MapView, drawsSmallEventsOverLargeOnes)
 {
     const QuakePicture picture = quakes({quakeAt(-140, 5, 3, 600), quakeAt(-140, 5, 7, 0)});
     const ColorsOfMap map{picture};
@@ -193,7 +193,7 @@ TEST(MapView, writesTheSameBytesEachTime)
         EXPECT_EQ(Map(picture, format).bytes, Map(picture, format).bytes);
 }
 
-TEST(MapView, hasNoSegmentAcrossHalfTheMapInItsSvg)
+TEST(MapView, hasNoSegmentLongerThanHalfTheMapInItsSvg)
 {
     const Map map{quakes({quakeAt(180, 0, 5, 10)}), PictureFormat::Svg};
     const Svg svg{map.bytes};
@@ -203,13 +203,13 @@ TEST(MapView, hasNoSegmentAcrossHalfTheMapInItsSvg)
         if (element.name != "path")
             continue;
         for (const auto& part : pathParts(element.attribute("d"))) {
-            // A rectangle: the paper, the sea, the frame, the legend.
+            // Rectangles: the paper, the sea, the frame, the legend.
             const bool isRectangle = part.size() >= 5 && part.size() <= 6 && part[0].y == part[1].y
                                      && part[1].x == part[2].x && part[2].y == part[3].y;
             if (isRectangle)
                 continue;
             for (std::size_t i = 1; i < part.size(); ++i) {
-                // A graticule's line, or a pole.
+                // A line of the graticule, or a pole.
                 const double latitude =
                     90 - (part[i].y - map.frame.rectangle().top) / map.frame.rectangle().height * 180;
                 if (part[i].y == part[i - 1].y && std::abs(std::remainder(latitude, 30)) < 1e-3)

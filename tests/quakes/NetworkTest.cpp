@@ -27,7 +27,7 @@ using testing::SizeIs;
 
 namespace {
 
-// Provides the time that it is given to all who look for one.
+// Provides the time of its input to the whole network.
 class Clock : public VObject {
 public:
     using VObject::VObject;
@@ -78,7 +78,7 @@ private:
     void* m_handle;
 };
 
-// The objects of quakes.toml, made in the same order and by the same texts.
+// The objects of quakes.toml, created in the same order and from the same texts.
 class Network {
 public:
     using Texts = std::vector<std::pair<const char*, const char*>>;
@@ -119,12 +119,12 @@ public:
     StrongPtr<Orla::ValuePool> pool{new Orla::ValuePool("week")};
 
 private:
-    // Who takes a catalogue takes the reader's.
+    // Objects with a catalogue input are connected to the reader.
     void add(StrongPtr<VObject>& object, const char* type, const char* name, const Texts& texts)
     {
         const StrongPtr<Orla::VObjectCreator> creator = Orla::VObjectCreator::find(type);
         if (!creator)
-            throw std::runtime_error{std::string("there is no object type ") + type};
+            throw std::runtime_error{std::string("no object type ") + type};
         object = creator->create(name, 0, nullptr);
         for (const auto& [input, text] : texts)
             EXPECT_TRUE(object->findSlot(input)->setInitialText(text)) << name << '.' << input;
@@ -149,7 +149,7 @@ std::vector<std::string> expectedRows()
 
 } // namespace
 
-TEST(QuakesLibrary, bringsItsTypesAndTakesThemAway)
+TEST(QuakesLibrary, registersItsTypesAndRemovesThem)
 {
     const Registries before;
     ASSERT_FALSE(Library::isLoaded());
@@ -185,8 +185,8 @@ TEST(QuakesLibrary, countsTheWeekInStepsOfThreeHours)
             write(*network.clock, "time", network.pool, (time++, time));
         const Orla::VScheduler::Summary summary = Orla::VScheduler::run(network.pool);
         EXPECT_EQ(summary.failures, 0u);
-        // The file is read at the first step and never again; the camera looks anew
-        // only when something happened.
+        // The file is read only at the first step; the view runs only when new events
+        // have happened.
         const auto counts = [](const std::string& row) { return row.substr(row.find("Z,")); };
         const bool moreHappened = step == 0 || counts(rows.back()) != counts(expected[step]);
         EXPECT_EQ(summary.updates, (step == 0 ? 5u : 4u) + (moreHappened ? 1u : 0u));
@@ -197,7 +197,7 @@ TEST(QuakesLibrary, countsTheWeekInStepsOfThreeHours)
     EXPECT_THAT(warnings.all(), IsEmpty());
 }
 
-TEST(QuakesLibrary, answersForAnyTimeInAnyOrder)
+TEST(QuakesLibrary, evaluatesTimesInAnyOrder)
 {
     const std::vector<std::string> expected = expectedRows();
     ASSERT_THAT(expected, SizeIs(65));
@@ -211,7 +211,7 @@ TEST(QuakesLibrary, answersForAnyTimeInAnyOrder)
     }
 }
 
-TEST(QuakesLibrary, refusesToConnectOtherTypesAndNamesBoth)
+TEST(QuakesLibrary, refusesToConnectDifferentTypesAndNamesBoth)
 {
     const Library library;
     const Network network;

@@ -30,7 +30,7 @@ TEST(Orbit, movesEastAndNorthAroundTheFocus)
     expectAt(orbited(VCamera{{11, 2, 3}, {1, 2, 3}, {0, 0, 1}, 30}, 90, 0), 1, 12, 3);
 }
 
-TEST(Orbit, leavesEverythingButThePosition)
+TEST(Orbit, changesOnlyThePosition)
 {
     const VCamera moved = orbited(start, 12, 34);
     EXPECT_EQ(moved.focus, start.focus);
@@ -38,14 +38,14 @@ TEST(Orbit, leavesEverythingButThePosition)
     EXPECT_EQ(moved.fieldOfView, start.fieldOfView);
 }
 
-TEST(Orbit, staysADegreeAwayFromThePoles)
+TEST(Orbit, staysOneDegreeAwayFromThePoles)
 {
     const double degree = std::acos(-1) / 180;
     expectAt(orbited(start, 0, 500), 10 * std::cos(89 * degree), 0, 10 * std::sin(89 * degree));
     expectAt(orbited(start, 0, -500), 10 * std::cos(89 * degree), 0, -10 * std::sin(89 * degree));
 }
 
-TEST(Orbit, leavesACameraInItsFocusWhereItIs)
+TEST(Orbit, doesNotMoveACameraAtItsFocus)
 {
     const VCamera inside{{1, 1, 1}, {1, 1, 1}, {0, 0, 1}, 30};
     EXPECT_EQ(orbited(inside, 10, 10), inside);

@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-/// A colour of a pixel, each part from 0 to 255.
+/// The colour of a pixel. Channels are from 0 to 255.
 struct Rgb {
     int red = 0;
     int green = 0;
@@ -34,13 +34,13 @@ inline Rgb rgb(const Gyre::rgba_float_t& color)
     return {part(color.r), part(color.g), part(color.b)};
 }
 
-/// The largest difference of a part of two colours.
+/// Returns the largest difference between channels of two colours.
 inline int difference(const Rgb& a, const Rgb& b)
 {
     return std::max({std::abs(a.red - b.red), std::abs(a.green - b.green), std::abs(a.blue - b.blue)});
 }
 
-/// A PNG file read back.
+/// The pixels of a PNG file.
 class Picture {
 public:
     explicit Picture(std::string_view png)
@@ -52,7 +52,7 @@ public:
         const int stride = cairo_image_surface_get_stride(surface);
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
-                // Native words of four bytes: alpha or nothing, red, green, blue.
+                // Native words of four bytes: alpha or unused, red, green, blue.
                 std::uint32_t word = 0;
                 const unsigned char* const bytes = cairo_image_surface_get_data(surface) + y * stride + 4 * x;
                 std::copy(bytes, bytes + 4, reinterpret_cast<unsigned char*>(&word));
@@ -63,13 +63,13 @@ public:
         cairo_surface_destroy(surface);
     }
 
-    /// The pixel in which a place lies.
+    /// Returns the colour of the pixel at a place.
     Rgb at(double x, double y) const
     {
         const int column = static_cast<int>(std::floor(x));
         const int row = static_cast<int>(std::floor(y));
         if (column < 0 || column >= width || row < 0 || row >= height) {
-            ADD_FAILURE() << x << ' ' << y << " is outside of the picture";
+            ADD_FAILURE() << x << ' ' << y << " is outside the picture";
             return {};
         }
         return m_pixels[static_cast<std::size_t>(row * width + column)];

@@ -29,7 +29,7 @@ std::string frame(const QuakePicture& picture, PictureFormat format = PictureFor
     return canvas.finished();
 }
 
-// Where in a picture something is drawn, within the rows given.
+// The horizontal extent and the number of the coloured pixels in a range of rows.
 struct Extent {
     int left = 1000000;
     int right = -1;
@@ -71,7 +71,7 @@ TEST(PictureFrame, leavesTheSpaceOfTheMapEmpty)
     }
 }
 
-TEST(PictureFrame, keepsItsMarginsWhateverTheTitle)
+TEST(PictureFrame, keepsItsMarginsForAnyTitle)
 {
     std::string tall;
     for (int i = 0; i < 400; ++i)
@@ -86,10 +86,10 @@ TEST(PictureFrame, keepsItsMarginsWhateverTheTitle)
         EXPECT_EQ(ink(picture, 896, 900).count, 0) << "nothing is cut off below";
         EXPECT_EQ(ink(picture, 0, 4).count, 0) << "nor above";
     }
-    EXPECT_GT(ink(Picture{frame(titled(std::string(1000, 'W')))}, 0, 50).right, 800) << "the width is used";
+    EXPECT_GT(ink(Picture{frame(titled(std::string(1000, 'W')))}, 0, 50).right, 800) << "the text uses the width";
 }
 
-TEST(PictureFrame, writesTheTitleTheInstantAndTheNumberOfEvents)
+TEST(PictureFrame, showsTheTitleTheInstantAndTheNumberOfEvents)
 {
     const QuakePicture picture{"Title", 1517356800, Catalogue{}, ColorRule::Depth};
     const std::string plain = frame(picture);
@@ -103,12 +103,12 @@ TEST(PictureFrame, writesTheTitleTheInstantAndTheNumberOfEvents)
     other.quakes = Catalogue{{quakeAt(0, 0, 5, 10, 1517356800)}};
     EXPECT_NE(frame(other), plain);
     other.quakes = Catalogue{{quakeAt(0, 0, 5, 10, 1517356801)}};
-    EXPECT_EQ(frame(other), plain) << "an event of later counts for nothing";
+    EXPECT_EQ(frame(other), plain) << "later events are ignored";
     other.instant = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(Svg{frame(other, PictureFormat::Svg)}.fault, "");
 }
 
-TEST(PictureFrame, hasALegendOfItsRule)
+TEST(PictureFrame, hasALegendForItsRule)
 {
     QuakePicture picture = titled("Title");
     std::vector<std::string> pictures;
@@ -119,14 +119,14 @@ TEST(PictureFrame, hasALegendOfItsRule)
     EXPECT_NE(pictures[0], pictures[1]);
     EXPECT_NE(pictures[1], pictures[2]);
 
-    // The bar's colours, between its ends 396 and 46 points from the right.
+    // The bar of colours extends from 396 to 46 points from the right.
     const Picture depth{pictures[1]};
     EXPECT_LE(difference(depth.at(900 - 396 + 2, 900 - 52), rgb(Quakes::colorAt(ColorRule::Depth, 0))), 4);
     EXPECT_LE(difference(depth.at(900 - 46 - 2, 900 - 52), rgb(Quakes::colorAt(ColorRule::Depth, 1))), 4);
     EXPECT_LE(difference(depth.at(900 - 221, 900 - 52), rgb(Quakes::colorAt(ColorRule::Depth, 0.5))), 4);
 }
 
-TEST(PictureFrame, explainsGreyWhereSomethingIsUnknown)
+TEST(PictureFrame, explainsGreyIfAValueIsUnknown)
 {
     const auto greys = [](const std::string& bytes) {
         const Picture picture{bytes};

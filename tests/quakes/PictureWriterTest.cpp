@@ -72,7 +72,7 @@ protected:
 
 } // namespace
 
-TEST_F(PictureWriterTest, drawsOnlyWhenAnActionAsksForIt)
+TEST_F(PictureWriterTest, drawsOnlyOnActions)
 {
     writer.set("file", folder.file("map.png"));
     writer.set("frames", folder.file("frame-#.png"));
@@ -84,7 +84,7 @@ TEST_F(PictureWriterTest, drawsOnlyWhenAnActionAsksForIt)
     EXPECT_EQ(writer.text("status"), "wrote " + folder.file("map.png"));
 }
 
-TEST_F(PictureWriterTest, writesNothingWithoutAName)
+TEST_F(PictureWriterTest, writesNothingWithoutAFileName)
 {
     act(EndOfRun);
     act(EndOfStep);
@@ -102,7 +102,7 @@ TEST_F(PictureWriterTest, numbersThePicturesOfSteps)
     EXPECT_EQ(writer.text("status"), "wrote " + folder.file("frame-003.svg") + ", the last of 2 pictures");
 }
 
-TEST_F(PictureWriterTest, drawsAMapOrAGlobeByTheChart)
+TEST_F(PictureWriterTest, drawsAMapOrAGlobeDependingOnTheChart)
 {
     const std::string map = writeFile("map.png");
     writer.set("chart", Orla::VChart{"plate carree"});
@@ -116,7 +116,7 @@ TEST_F(PictureWriterTest, drawsAMapOrAGlobeByTheChart)
     EXPECT_EQ(picture.height, 300);
 }
 
-TEST_F(PictureWriterTest, showsWhatHasHappenedByTheInstant)
+TEST_F(PictureWriterTest, drawsEventsUpToTheCurrentInstant)
 {
     const std::string early = writeFile("early.svg");
     writer.set("range", Orla::Range{1000, 2002});
@@ -125,7 +125,7 @@ TEST_F(PictureWriterTest, showsWhatHasHappenedByTheInstant)
     EXPECT_NE(early, late) << "the second event has happened by then";
 }
 
-TEST_F(PictureWriterTest, colorsByTheRuleThatIsChosen)
+TEST_F(PictureWriterTest, coloursByTheSelectedRule)
 {
     const std::string byDepth = writeFile("a.svg");
     EXPECT_EQ(writer.object->findSlot("color")->getValueBase(writer.pool)->Text(), "depth{depth}{magnitude}{age}");
@@ -136,14 +136,14 @@ TEST_F(PictureWriterTest, colorsByTheRuleThatIsChosen)
     EXPECT_EQ(writeFile("c.svg"), byDepth);
 }
 
-TEST_F(PictureWriterTest, drawsTheLandThatItIsGiven)
+TEST_F(PictureWriterTest, drawsTheGivenLand)
 {
     const std::string without = writeFile("without.svg");
     writer.set("land", Land{{{{{-10, -10}, {10, -10}, {10, 10}, {-10, 10}}}}});
     EXPECT_NE(writeFile("with.svg"), without);
 }
 
-TEST_F(PictureWriterTest, saysWhatIsWrongAndLeavesTheFileAsItWas)
+TEST_F(PictureWriterTest, reportsFaultsAndLeavesTheFileUnchanged)
 {
     const auto expectError = [this](const std::string& text) {
         EXPECT_THAT(writer.text("status"), StartsWith("<FONT COLOR=red>"));

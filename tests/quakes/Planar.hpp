@@ -3,7 +3,8 @@
 #include <cstddef>
 #include <vector>
 
-/// The area to the left of a ring in the plane, whose coordinates \p x and \p y give.
+/// Returns the area to the left of a ring in the plane. \p x and \p y return the coordinates
+/// of its points.
 template<class Ring, class X, class Y>
 double signedArea(const Ring& ring, X x, Y y)
 {
@@ -16,7 +17,7 @@ double signedArea(const Ring& ring, X x, Y y)
     return doubled / 2;
 }
 
-/// Whether an odd number of rings enclose a place of the plane.
+/// Returns true if an odd number of rings enclose a place in the plane.
 template<class Ring, class X, class Y>
 bool evenOdd(const std::vector<Ring>& rings, double placeX, double placeY, X x, Y y)
 {

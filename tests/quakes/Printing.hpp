@@ -6,7 +6,7 @@
 
 namespace Quakes {
 
-// How failing checks show a catalogue.
+// Print catalogues in the messages of failed checks.
 inline void PrintTo(const Catalogue& catalogue, std::ostream* stream)
 {
     *stream << catalogue.size() << " events:\n" << Orla::VValueTrait<Catalogue>::Text(catalogue);

@@ -21,7 +21,7 @@ using Quakes::geographic;
 
 namespace {
 
-// PROJ's conversion, the reference of the field.
+// The conversion of PROJ, the standard library for projections.
 class Proj {
 public:
     explicit Proj(const std::string& pipeline)
@@ -61,7 +61,7 @@ constexpr double semiMinorAxis = 6356752.314245179;
 
 } // namespace
 
-TEST(Projection, knowsItsChartsByName)
+TEST(Projection, findsChartsByName)
 {
     for (const Chart chart : {Chart::Geographic, Chart::Geocentric, Chart::PlateCarree})
         EXPECT_EQ(chartOfName(chartName(chart)), chart);
@@ -84,14 +84,14 @@ TEST(Projection, findsTheGeographicPlaceToABillionthOfADegree)
         SCOPED_TRACE(testing::Message() << place.x() << ' ' << place.y() << ' ' << place.z());
         const PhysicalSpace::point inSpace = proj(place);
         expectNear(geographic(inSpace), place, 1e-9, 1e-6);
-        // PROJ's height is an approximation there.
+        // The height from PROJ is an approximation there.
         expectNear(geographic(inSpace), proj(inSpace, PJ_INV), 1e-9, 1e-4);
     }
 }
 
-// Where PROJ gives only an approximation: down to the cores of the ellipse, some 43
-// km around the centre, and out to the moon.
-TEST(Projection, findsTheGeographicPlaceDeepBelowAndFarAbove)
+// PROJ only approximates here: down to the evolute of the ellipse, some 43 km around the
+// centre, and out to the moon.
+TEST(Projection, findsTheGeographicPlaceFarBelowAndAboveTheSurface)
 {
     std::mt19937_64 random(3);
     std::uniform_real_distribution<double> longitude(-180, 180);
@@ -134,9 +134,9 @@ TEST(Projection, isExactOnTheAxesAndAtTheCentre)
     }
 }
 
-// On the equator's plane, nearer to the centre than a - b*b/a = 42,697.67 m, the
-// nearest points of the ellipsoid lie north and south of it.
-TEST(Projection, comesBackFromAroundTheCentre)
+// In the plane of the equator, nearer to the centre than a - b*b/a = 42,697.67 m, the
+// nearest points of the ellipsoid lie north and south of the plane.
+TEST(Projection, invertsPlacesNearTheCentre)
 {
     for (const double x : {0.0, 1e-300, 1e-6, 1.0, 1e3, 42e3, 42697.6, 42697.7, 43e3}) {
         for (const double z : {0.0, 1e-300, 1e-9, 1e-3, 1.0, 1e3, 42e3, 43e3}) {
@@ -197,7 +197,7 @@ TEST(Projection, mapsTheEllipsoidOntoTheUnitSphereAndBack)
     }
 }
 
-TEST(Projection, endsForNumbersThatAreNotFinite)
+TEST(Projection, terminatesForNonFiniteNumbers)
 {
     const double infinity = std::numeric_limits<double>::infinity();
     const double nan = std::numeric_limits<double>::quiet_NaN();

@@ -46,7 +46,7 @@ std::vector<std::string> selected(const Evaluation& filter)
 
 } // namespace
 
-TEST(QuakeFilter, selectsWhatHappenedByTheCurrentTime)
+TEST(QuakeFilter, selectsEventsUpToTheCurrentTime)
 {
     Evaluation filter{"QuakeFilter"};
     filter.set("catalog", someQuakes);
@@ -76,7 +76,7 @@ TEST(QuakeFilter, selectsWhatHappenedByTheCurrentTime)
     }
 }
 
-TEST(QuakeFilter, countsTheEventAtTheVeryMillisecond)
+TEST(QuakeFilter, includesAnEventAtTheExactMillisecond)
 {
     const Catalogue oneQuake{{quake("first", 1517363399650 / 1000.0)}};
     Evaluation filter{"QuakeFilter"};
@@ -97,7 +97,7 @@ TEST(QuakeFilter, countsTheEventAtTheVeryMillisecond)
     }
 }
 
-TEST(QuakeFilter, selectsMagnitudesBetweenBothEndsIncluded)
+TEST(QuakeFilter, selectsMagnitudesInAnInclusiveRange)
 {
     Evaluation filter{"QuakeFilter"};
     filter.set("catalog", someQuakes);
@@ -120,7 +120,7 @@ TEST(QuakeFilter, selectsMagnitudesBetweenBothEndsIncluded)
     }
 }
 
-TEST(QuakeFilter, selectsUnknownMagnitudesOnlyWhereNoneIsAskedFor)
+TEST(QuakeFilter, selectsUnknownMagnitudesOnlyInTheUnboundedRange)
 {
     Evaluation filter{"QuakeFilter"};
     filter.set("catalog", someQuakes);
@@ -149,7 +149,7 @@ TEST(QuakeFilter, selectsNothingFromNothing)
     EXPECT_EQ(filter.text("count"), "0");
 }
 
-TEST(QuakeFilter, followsACatalogueThatIsReplaced)
+TEST(QuakeFilter, followsAReplacedCatalogue)
 {
     Evaluation filter{"QuakeFilter"};
     filter.set("range", Range{1000, 1000});
@@ -166,7 +166,7 @@ TEST(QuakeFilter, followsACatalogueThatIsReplaced)
     EXPECT_EQ(filter.text("count"), "0");
 }
 
-TEST(QuakeFilter, keepsThePoolsApart)
+TEST(QuakeFilter, keepsPoolsIndependent)
 {
     Evaluation filter{"QuakeFilter"};
     const Orla::StrongPtr<Orla::ValuePool> other{new Orla::ValuePool("other")};
@@ -185,7 +185,7 @@ TEST(QuakeFilter, keepsThePoolsApart)
     }
 }
 
-TEST(QuakeFilter, leavesItsInputAlone)
+TEST(QuakeFilter, leavesItsInputUnchanged)
 {
     Evaluation filter{"QuakeFilter"};
     filter.set("catalog", someQuakes);
@@ -210,7 +210,7 @@ TEST(QuakeFilter, makesItsReadersDueOnlyWhenTheSelectionChanges)
     EXPECT_EQ(filter.run().updates, 0u);
 
     filter.set("time", VTime{0.1});
-    EXPECT_EQ(filter.run().updates, 1u) << "no event happened since, so the reader need not run";
+    EXPECT_EQ(filter.run().updates, 1u) << "no further event, so the reader does not run";
 
     filter.set("time", VTime{0.25});
     EXPECT_EQ(filter.run().updates, 2u);
@@ -231,7 +231,7 @@ Quake quakeOf(const std::string& id, const std::string& net, const std::string& 
     return result;
 }
 
-// One that has everything to choose from.
+// A filter for data with all kinds of choices.
 class QuakeFilterChoices : public testing::Test {
 protected:
     QuakeFilterChoices()
@@ -248,7 +248,7 @@ protected:
         return selected(filter);
     }
 
-    // What an input holds after the run.
+    // Returns the text of an input after the run.
     std::string held(const std::string& input) const
     {
         return filter.object->findSlot(input)->getValueBase(filter.pool)->Text();
@@ -267,7 +267,7 @@ TEST_F(QuakeFilterChoices, areFilledInFromTheData)
     EXPECT_EQ(filter.text("status"), "");
 }
 
-TEST_F(QuakeFilterChoices, selectTheNetworksThatReported)
+TEST_F(QuakeFilterChoices, selectNetworks)
 {
     filter.setText("networks", "{us}{ak}");
     EXPECT_THAT(run(), ElementsAre("a", "d", "e"));
@@ -275,7 +275,7 @@ TEST_F(QuakeFilterChoices, selectTheNetworksThatReported)
     filter.setText("networks", "{ci}");
     EXPECT_THAT(run(), ElementsAre("b", "c")) << "another selection of the same choices";
     filter.setText("networks", "@");
-    EXPECT_EQ(run().size(), 5u) << "none is as good as all";
+    EXPECT_EQ(run().size(), 5u) << "an empty selection accepts all";
 }
 
 TEST_F(QuakeFilterChoices, selectATypeOfMagnitude)
@@ -289,7 +289,7 @@ TEST_F(QuakeFilterChoices, selectATypeOfMagnitude)
     EXPECT_EQ(run().size(), 5u);
 }
 
-TEST_F(QuakeFilterChoices, survivesOtherData)
+TEST_F(QuakeFilterChoices, surviveOtherData)
 {
     filter.setText("magnitudeType", "mww@mww|");
     filter.setText("networks", "{us}");
@@ -323,7 +323,7 @@ TEST_F(QuakeFilterChoices, selectKindsByFlags)
     }
 }
 
-TEST_F(QuakeFilterChoices, areAllAskedForAtOnce)
+TEST_F(QuakeFilterChoices, canBeCombined)
 {
     filter.setText("networks", "{ci}{us}");
     filter.setText("magnitudeType", "ml@ml|");
@@ -331,16 +331,16 @@ TEST_F(QuakeFilterChoices, areAllAskedForAtOnce)
     EXPECT_THAT(run(), ElementsAre("c", "e"));
 }
 
-TEST_F(QuakeFilterChoices, warnOfWhatTheDataDoesNotHave)
+TEST_F(QuakeFilterChoices, warnAboutChoicesThatTheDataDoesNotHave)
 {
     filter.setText("networks", "{us}{<xx>}");
     filter.setText("magnitudeType", "mb@mb|");
     filter.setText("kinds", "+quake");
     EXPECT_THAT(run(), ElementsAre());
     EXPECT_EQ(filter.text("status"),
-              "<FONT COLOR=magenta>no event has the network &lt;xx&gt;, there are ak, ci, us<BR>"
-              "no event has the magnitude type mb, there are ml, mww<BR>"
-              "no event has the kind quake, there are earthquake, explosion, quarry_blast</FONT>");
+              "<FONT COLOR=magenta>no event has the network &lt;xx&gt;; the data has ak, ci, us<BR>"
+              "no event has the magnitude type mb; the data has ml, mww<BR>"
+              "no event has the kind quake; the data has earthquake, explosion, quarry_blast</FONT>");
     filter.setText("networks", "{us}");
     filter.setText("magnitudeType", "any");
     filter.setText("kinds", "");
@@ -368,5 +368,5 @@ TEST_F(QuakeFilterChoices, belongToTheirPool)
 
 TEST_F(QuakeFilterChoices, settleAfterOneRun)
 {
-    EXPECT_EQ(filter.run().updates, 1u) << "filling in the choices is no reason to run again";
+    EXPECT_EQ(filter.run().updates, 1u) << "publishing the choices must not cause another run";
 }

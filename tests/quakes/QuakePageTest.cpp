@@ -66,12 +66,12 @@ TEST_F(QuakePages, nameTheStrongestEvent)
     page.set("catalog", Catalogue{{quake(1, 5.0, "a"), quake(2, std::nullopt, "b"), quake(3, 6.0, "c"),
                                    quake(4, 6.0, "d"), quake(5, 5.9, "e")}});
     page.run();
-    EXPECT_EQ(page.text("place"), "d") << "the latest of two that are equally strong";
+    EXPECT_EQ(page.text("place"), "d") << "the latest of two equally strong events";
     EXPECT_EQ(page.text("url"), "https://example.org/d");
     EXPECT_THAT(handler->opened, IsEmpty());
 }
 
-TEST_F(QuakePages, areOpenedByTheirKeyOnceForEachStroke)
+TEST_F(QuakePages, openOncePerKeystroke)
 {
     page.set("catalog", Catalogue{{quake(1, 5.0, "a&b")}});
     press("x");
@@ -83,7 +83,7 @@ TEST_F(QuakePages, areOpenedByTheirKeyOnceForEachStroke)
     EXPECT_EQ(handler->opened.size(), 2u);
 }
 
-TEST_F(QuakePages, saySoWhenTheyCannotBeOpened)
+TEST_F(QuakePages, warnIfTheyCannotBeOpened)
 {
     press("o");
     EXPECT_EQ(page.text("status"), "<FONT COLOR=magenta>there is no page to open</FONT>");

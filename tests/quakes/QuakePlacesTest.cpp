@@ -38,7 +38,7 @@ TEST_F(QuakePlacesTest, areHypocentres)
     EXPECT_EQ(places.text("box"), "[{-40,-50,-30000};{10,20,0}]");
 }
 
-TEST_F(QuakePlacesTest, tellTheStrongestAndOfSeveralTheLatest)
+TEST_F(QuakePlacesTest, includeTheLatestOfTheStrongestEvents)
 {
     places.set("catalog",
                Catalogue{{quake(1, 1, 0, 5), quake(2, 2, 0, 6), quake(3, 3, 10, 6), quake(4, 4, 0, std::nullopt)}});
@@ -46,14 +46,14 @@ TEST_F(QuakePlacesTest, tellTheStrongestAndOfSeveralTheLatest)
     EXPECT_EQ(places.text("strongest"), "{3,3,-10000}");
 }
 
-TEST_F(QuakePlacesTest, areNoneWithoutEvents)
+TEST_F(QuakePlacesTest, areEmptyWithoutEvents)
 {
     places.run();
     EXPECT_EQ(places.text("places"), "");
     EXPECT_EQ(places.text("strongest"), "{0,0,0}");
 }
 
-TEST_F(QuakePlacesTest, followThePickedChart)
+TEST_F(QuakePlacesTest, followTheSelectedChart)
 {
     places.set("catalog", Catalogue{{quake(180, 0, 0, 5)}});
     const auto selector = Orla::VChartSelector::getChartSelector();

@@ -34,10 +34,10 @@ TEST(QuakeReader, publishesTheEventsOfItsFile)
     EXPECT_EQ(reader.value<Catalogue>("catalog").size(), 1707u);
     EXPECT_THAT(warnings.all(), IsEmpty());
 
-    EXPECT_EQ(reader.run().updates, 0u) << "a file that was read is read again";
+    EXPECT_EQ(reader.run().updates, 0u) << "the file was read again";
 }
 
-TEST(QuakeReader, keepsTheEventsReadBeforeWhenAFileCannotBeRead)
+TEST(QuakeReader, keepsItsEventsIfAFileCannotBeRead)
 {
     const TemporaryFile one{oneQuake};
     const TemporaryFile broken{oneQuake.substr(0, oneQuake.size() - 1), "-broken"};
@@ -67,7 +67,7 @@ TEST(QuakeReader, keepsTheEventsReadBeforeWhenAFileCannotBeRead)
     EXPECT_THAT(warnings.all(), IsEmpty());
 }
 
-TEST(QuakeReader, publishesNothingOfAFileWithOneBadEvent)
+TEST(QuakeReader, publishesNothingFromAFileWithABadEvent)
 {
     std::ifstream stream{EARTHQUAKES_JSON, std::ios::binary};
     std::string content{std::istreambuf_iterator<char>{stream}, {}};
@@ -87,7 +87,7 @@ TEST(QuakeReader, publishesNothingOfAFileWithOneBadEvent)
                                                         "found nothing, expected milliseconds since 1970 UTC")));
 }
 
-TEST(QuakeReader, announcesNothingWhenAnotherFileHasTheSameEvents)
+TEST(QuakeReader, announcesNothingIfAnotherFileHasTheSameEvents)
 {
     const TemporaryFile one{oneQuake};
     const TemporaryFile same{" " + oneQuake, "-same"};
@@ -101,7 +101,7 @@ TEST(QuakeReader, announcesNothingWhenAnotherFileHasTheSameEvents)
     EXPECT_EQ(reader.run().updates, 1u);
 }
 
-TEST(QuakeReader, canBeCancelledAndTakenUpAgain)
+TEST(QuakeReader, canBeCancelledAndRestarted)
 {
     Evaluation reader{"QuakeReader"};
     reader.setText("file", EARTHQUAKES_JSON);
@@ -114,7 +114,7 @@ TEST(QuakeReader, canBeCancelledAndTakenUpAgain)
     };
     Orla::VRequest request{reader.pool, cancelAtOnce, cancellation};
     EXPECT_EQ(Orla::VScheduler::run(request).outcome, Orla::VScheduler::Outcome::Cancelled);
-    EXPECT_EQ(reports, 1) << "reading went on";
+    EXPECT_EQ(reports, 1) << "reading continued";
     EXPECT_EQ(reader.text("catalog"), "");
 
     EXPECT_EQ(reader.run().outcome, Orla::VScheduler::Outcome::Done);

@@ -32,7 +32,7 @@ Quake quake(std::optional<double> magnitude, std::optional<double> depth, double
 
 } // namespace
 
-TEST(QuakeStyle, knowsItsRulesByName)
+TEST(QuakeStyle, findsRulesByName)
 {
     const char* const names[] = {"magnitude", "depth", "age"};
     for (std::size_t i = 0; i < 3; ++i) {
@@ -82,10 +82,10 @@ TEST(QuakeStyle, fadesOldEvents)
         last = opacity;
     }
     EXPECT_EQ(last, 0.35f);
-    EXPECT_EQ(quakeColor(event, ColorRule::Age, 500 * 3600.0).a, last) << "never quite invisible";
+    EXPECT_EQ(quakeColor(event, ColorRule::Age, 500 * 3600.0).a, last) << "never completely invisible";
 }
 
-TEST(QuakeStyle, coloursWhatIsUnknownGrey)
+TEST(QuakeStyle, coloursUnknownValuesGrey)
 {
     const Quake event = quake(std::nullopt, std::nullopt, 0);
     EXPECT_EQ(quakeColor(event, ColorRule::Magnitude, 0), Quakes::Palette::unknown);
@@ -93,14 +93,14 @@ TEST(QuakeStyle, coloursWhatIsUnknownGrey)
     EXPECT_NE(quakeColor(event, ColorRule::Age, 0), Quakes::Palette::unknown);
 }
 
-TEST(QuakeStyle, doublesTheRadiusWithEachSevenQuartersOfMagnitude)
+TEST(QuakeStyle, doublesTheRadiusEverySevenQuartersOfMagnitude)
 {
     EXPECT_DOUBLE_EQ(quakeRadius(0), 1);
     EXPECT_DOUBLE_EQ(quakeRadius(1.75), 2);
     EXPECT_DOUBLE_EQ(quakeRadius(7), 16);
     EXPECT_DOUBLE_EQ(quakeRadius(std::nullopt), 1);
-    EXPECT_EQ(quakeRadius(-5), quakeRadius(-1)) << "still to be seen";
-    EXPECT_EQ(quakeRadius(1e300), quakeRadius(9.5)) << "and not larger than the picture";
+    EXPECT_EQ(quakeRadius(-5), quakeRadius(-1)) << "still visible";
+    EXPECT_EQ(quakeRadius(1e300), quakeRadius(9.5)) << "not larger than the picture";
 }
 
 TEST(QuakeStyle, marksValuesInTheOrderOfTheScale)

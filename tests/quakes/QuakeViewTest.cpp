@@ -28,8 +28,8 @@ std::string counts(const Evaluation& view)
     return view.text("inside") + " " + view.text("straddling") + " " + view.text("outside");
 }
 
-// Looks at latitude and longitude 0 from 10,000 km above the Earth's centre, 30
-// degrees wide and high.
+// Looks at latitude and longitude 0 from 10,000 km above the Earth's centre, with a view
+// 30 degrees wide and high.
 class Views : public testing::Test {
 protected:
     Views() { view.set("camera", Orla::VCamera{{1e7, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30}); }
@@ -49,11 +49,11 @@ TEST_F(Views, countEachEventOnce)
 {
     view.set("catalog", Catalogue{{quake(0, 0, 10), quake(0, 0, std::nullopt), quake(180, 0, 0), quake(0, 89, 0)}});
     view.run();
-    EXPECT_EQ(counts(view), "3 0 1") << "the one on the far side is behind the Earth, but nothing hides it";
+    EXPECT_EQ(counts(view), "3 0 1") << "the Earth does not hide the event on the far side";
 }
 
-// The edge of the view meets the ground near 9 degrees of latitude; 50 km are
-// not quite half a degree.
+// The edge of the view meets the ground near 9 degrees of latitude; 50 km are almost half
+// a degree.
 TEST_F(Views, countBoxesAtTheEdgeAsStraddling)
 {
     const struct {
@@ -76,7 +76,7 @@ TEST_F(Views, dependOnDepthReachAndDistances)
     EXPECT_EQ(counts(view), "1 0 0");
     view.set("near", 4.2e6);
     view.run();
-    EXPECT_EQ(counts(view), "0 1 0") << "50 km to every side";
+    EXPECT_EQ(counts(view), "0 1 0") << "50 km in every direction";
     view.set("reach", 1e4);
     view.run();
     EXPECT_EQ(counts(view), "1 0 0");
@@ -89,7 +89,7 @@ TEST_F(Views, dependOnDepthReachAndDistances)
     EXPECT_EQ(counts(view), "0 0 1");
 }
 
-TEST_F(Views, areWiderThanHighByTheirAspect)
+TEST_F(Views, scaleTheirWidthByTheAspect)
 {
     view.set("catalog", Catalogue{{quake(13, 0, 0), quake(0, 13, 0)}});
     view.run();
@@ -99,7 +99,7 @@ TEST_F(Views, areWiderThanHighByTheirAspect)
     EXPECT_EQ(counts(view), "1 0 1");
 }
 
-TEST_F(Views, hideNothingWhenTheCameraStandsInItsFocus)
+TEST_F(Views, includeEverythingWhenTheCameraIsAtItsFocus)
 {
     view.set("catalog", Catalogue{{quake(0, 0, 0), quake(180, 0, 0)}});
     view.setText("camera", "{0,0,0}{0,0,0}{0,0,1}30");

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
-/// Reads an SVG file as XML: elements that are closed in order, attributes in
-/// quotes. Says what is wrong with it.
+/// Reads an SVG file as XML: properly nested elements with quoted attributes. Reports
+/// the first fault.
 class Svg {
 public:
     struct Element {
@@ -40,14 +40,14 @@ public:
             if (between.find('&') != std::string_view::npos || between.find('>') != std::string_view::npos)
                 fault = "a special character between elements";
             if (open.empty() && between.find_first_not_of(" \n\r\t") != std::string_view::npos)
-                fault = "text outside of the root";
+                fault = "text outside the root";
             if (length == std::string_view::npos)
                 break;
             m_rest.remove_prefix(length + 1);
             if (skip("/")) {
                 const std::string name = word();
                 if (open.empty() || open.back() != name || !skip(">"))
-                    fault = "</" + name + "> closes no open element";
+                    fault = "</" + name + "> does not close the open element";
                 else
                     open.pop_back();
                 continue;
@@ -72,7 +72,7 @@ public:
             fault = "not every element is closed";
     }
 
-    std::string fault; ///< empty if there is none
+    std::string fault; ///< empty if there is no fault
     std::vector<Element> elements;
 
 private:
@@ -105,13 +105,13 @@ private:
     {
         const std::string name = word();
         if (name.empty() || !skip("=\"")) {
-            fault = "an attribute of <" + element.name + " is no name=\"value\"";
+            fault = "an attribute of <" + element.name + " is not of the form name=\"value\"";
             return;
         }
         const std::size_t end = m_rest.find('"');
         const std::string value{m_rest.substr(0, end)};
         if (end == std::string_view::npos || value.find_first_of("<&") != std::string::npos) {
-            fault = "a value of <" + element.name + " with a special character";
+            fault = "a value of <" + element.name + " has a special character";
             return;
         }
         m_rest.remove_prefix(end + 1);
@@ -121,8 +121,8 @@ private:
     std::string_view m_rest;
 };
 
-/// The parts of a path's `d` of moves (M), lines (L) and curves (C, their ends); each
-/// part ends where it is closed (Z) or another begins.
+/// Returns the parts of a path's `d` with moves (M), lines (L) and the ends of curves (C).
+/// A part ends where it is closed (Z) or the next one begins.
 inline std::vector<std::vector<Quakes::Pixel>> pathParts(const std::string& d)
 {
     std::vector<std::vector<Quakes::Pixel>> parts;

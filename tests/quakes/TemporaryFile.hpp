@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// A file in the test's own folder, gone when the test is over.
+/// A file in the working folder, removed when the object is destroyed.
 class TemporaryFile {
 public:
     explicit TemporaryFile(std::string_view content, const std::string& suffix = "")

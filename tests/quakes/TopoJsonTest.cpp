@@ -19,8 +19,8 @@ using Quakes::shapesOfTopoJson;
 
 namespace {
 
-// A topology without a transform, of arcs that go round a square in two halves
-// and one that goes round a hole.
+// A topology without a transform: two arcs form the halves of a square, a third one a
+// hole.
 std::string topology(const std::string& geometry)
 {
     return R"({"type": "Topology", "arcs": [[[0, 0], [10, 0], [10, 10]], [[0, 0], [0, 10], [10, 10]],
@@ -48,7 +48,7 @@ const Line secondHalfBackwards{{10, 10}, {0, 10}, {0, 0}};
 
 } // namespace
 
-TEST(TopoJson, joinsArcsToRingsAlsoBackwards)
+TEST(TopoJson, joinsArcsInBothDirectionsToRings)
 {
     const Shapes read = shapes(topology(R"({"type": "Polygon", "arcs": [[0, -2], [2]]})"));
     const Polygon expected{{{0, 0}, {10, 0}, {10, 10}, {0, 10}}, {{4, 4}, {6, 4}, {5, 6}}};
@@ -86,16 +86,16 @@ TEST(TopoJson, appliesTheTransformToArcsAndPoints)
     EXPECT_EQ(read.points, (std::vector<LonLat>{{180, 90}}));
 }
 
-TEST(TopoJson, readsTheNamedObjectAloneOrAllOfThem)
+TEST(TopoJson, readsOneNamedObjectOrAll)
 {
     const std::string text = R"({"type": "Topology", "arcs": [], "objects": {
         "b": {"type": "Point", "coordinates": [2, 2]}, "a": {"type": "Point", "coordinates": [1, 1]}}})";
     EXPECT_EQ(shapes(text, "b").points, (std::vector<LonLat>{{2, 2}}));
     EXPECT_EQ(shapes(text).points, (std::vector<LonLat>{{1, 1}, {2, 2}}));
-    EXPECT_EQ(message(text, "c"), "land.json: objects: found the objects a, b, expected one of the name c");
+    EXPECT_EQ(message(text, "c"), "land.json: objects: found the objects a, b, expected one named c");
 }
 
-TEST(TopoJson, takesRoundingOffThePolesAndTheDateLine)
+TEST(TopoJson, removesRoundingAtThePolesAndTheDateLine)
 {
     const Shapes read = shapes(R"({"type": "Topology", "arcs": [], "objects": {
         "a": {"type": "MultiPoint", "coordinates": [[180.0000000001, 90.0000000001],
@@ -103,9 +103,9 @@ TEST(TopoJson, takesRoundingOffThePolesAndTheDateLine)
     EXPECT_EQ(read.points, (std::vector<LonLat>{{180, 90}, {-180, -90}, {181, 0}}));
 }
 
-TEST(TopoJson, saysWhichGeometryIsWrongAndHow)
+TEST(TopoJson, reportsFaultsOfGeometries)
 {
-    const std::string numberExpected = "expected a whole number from -3 to below 3, the number of arcs";
+    const std::string numberExpected = "expected a whole number from -3 to less than 3, the number of arcs";
     const struct {
         const char* geometry;
         std::string message;
@@ -118,17 +118,16 @@ TEST(TopoJson, saysWhichGeometryIsWrongAndHow)
                                   "\"MultiPoint\" or null"},
         {R"({"type": "Polygon"})", "objects.shape.arcs: found nothing, expected an array of rings"},
         {R"({"type": "Polygon", "arcs": [0]})",
-         "objects.shape.arcs[0]: found the number 0, expected an array of numbers of arcs"},
+         "objects.shape.arcs[0]: found the number 0, expected an array of arc indices"},
         {R"({"type": "Polygon", "arcs": [[]]})",
-         "objects.shape.arcs[0]: found an array of 0, expected at least one number of an arc"},
+         "objects.shape.arcs[0]: found an array of 0, expected at least one arc index"},
         {R"({"type": "Polygon", "arcs": [[0]]})", "objects.shape.arcs[0]: found a ring that begins at [0, 0] "
                                                   "and ends at [10, 10], expected one that ends where "
                                                   "it begins"},
         {R"({"type": "Polygon", "arcs": [[0, -1]]})", "no error"}, // there and back: five positions
         {R"({"type": "MultiPolygon", "arcs": [[[2]], [[0, 1]]]})",
          "objects.shape.arcs[1][0][1]: found an arc that begins at [0, 0], expected one that begins where "
-         "the one "
-         "before it ends, at [10, 10]"},
+         "the previous arc ends, at [10, 10]"},
         {R"({"type": "LineString", "arcs": [3]})", "objects.shape.arcs[0]: found the number 3, " + numberExpected},
         {R"({"type": "LineString", "arcs": [-4]})", "objects.shape.arcs[0]: found the number -4, " + numberExpected},
         {R"({"type": "LineString", "arcs": [-9223372036854775808]})",
@@ -144,8 +143,7 @@ TEST(TopoJson, saysWhichGeometryIsWrongAndHow)
          "objects.shape.coordinates[1]: found null, expected a number"},
         {R"({"type": "MultiPoint", "coordinates": [[1, 2], [1, 91]]})",
          "objects.shape.coordinates[1]: found the position [1, 91], expected a longitude from -360 to 360 "
-         "and a "
-         "latitude from -90 to 90 degrees"},
+         "and a latitude from -90 to 90 degrees"},
         {R"({"type": "GeometryCollection", "geometries": [{"type": "GeometryCollection"}]})",
          "objects.shape.geometries[0].geometries: found nothing, expected an array of geometries"},
     };
@@ -155,7 +153,7 @@ TEST(TopoJson, saysWhichGeometryIsWrongAndHow)
     }
 }
 
-TEST(TopoJson, saysWhatIsWrongWithTheTopology)
+TEST(TopoJson, reportsFaultsOfTheTopology)
 {
     const struct {
         const char* text;
@@ -193,20 +191,19 @@ TEST(TopoJson, saysWhatIsWrongWithTheTopology)
         SCOPED_TRACE(text);
         EXPECT_EQ(message(text), expected);
     }
-    EXPECT_EQ(message("{\"type\": \"Topology\", ").find("land.json: is no valid JSON: "), 0u);
-    EXPECT_EQ(message(R"({"type": "Topology", "arcs": [[[0, 0], [1e999, 1]]]})").find("land.json: is no valid JSON: "),
-              0u);
+    EXPECT_EQ(message("{\"type\": \"Topology\", ").find("land.json: invalid JSON: "), 0u);
+    EXPECT_EQ(message(R"({"type": "Topology", "arcs": [[[0, 0], [1e999, 1]]]})").find("land.json: invalid JSON: "), 0u);
 }
 
 TEST(TopoJson, refusesRingsOfFewerThanFourPositions)
 {
     EXPECT_EQ(message(R"({"type": "Topology", "arcs": [[[0, 0], [1, 1], [0, 0]]],
                           "objects": {"a": {"type": "Polygon", "arcs": [[0]]}}})"),
-              "land.json: objects.a.arcs[0]: found a ring of 3 positions, expected at least 4, of which the last "
-              "repeats the first");
+              "land.json: objects.a.arcs[0]: found a ring of 3 positions, expected at least 4, the last equal to the "
+              "first");
 }
 
-TEST(TopoJson, refusesCollectionsNestedWithoutEnd)
+TEST(TopoJson, refusesDeeplyNestedCollections)
 {
     std::string geometry = R"({"type": "Point", "coordinates": [0, 0]})";
     constexpr int depth = 100000;
@@ -220,7 +217,7 @@ TEST(TopoJson, refusesCollectionsNestedWithoutEnd)
               std::string::npos);
 }
 
-TEST(TopoJson, saysWhichFileCannotBeRead)
+TEST(TopoJson, reportsAFileThatCannotBeRead)
 {
     EXPECT_THROW(readTopoJson("no-such.json"), std::runtime_error);
     try {
@@ -233,7 +230,7 @@ TEST(TopoJson, saysWhichFileCannotBeRead)
     EXPECT_EQ(readTopoJson(file.name()).lines, (std::vector<Line>{firstHalf}));
 }
 
-// Counted in the file: 125 polygons, of which one has a hole, the Caspian Sea.
+// The file has 125 polygons; one has a hole, the Caspian Sea.
 TEST(TopoJson, readsTheLandOfTheWorld)
 {
     const Shapes land = readTopoJson(LAND_JSON, "land");

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(UtcInstant, takesTheTimeAsAFractionOfItsRange)
+TEST(UtcInstant, interpretsTheTimeAsAFractionOfItsRange)
 {
     Evaluation instant{"UtcInstant"};
     instant.setText("range", "1517356800:1518048000");
@@ -36,7 +36,7 @@ TEST(UtcInstant, startsWithTheFirstSecondsOf1970)
     EXPECT_EQ(instant.text("utc"), "1970-01-01T00:00:01Z");
 }
 
-TEST(UtcInstant, runsOnlyWhenTimeOrRangeChange)
+TEST(UtcInstant, runsOnlyWhenTheTimeOrTheRangeChanges)
 {
     Evaluation instant{"UtcInstant"};
     EXPECT_EQ(instant.run().updates, 1u);

@@ -6,9 +6,9 @@
 
 using Quakes::utcText;
 
-TEST(UtcText, namesTheInstantInIso8601)
+TEST(UtcText, formatsInstantsInIso8601)
 {
-    // Seconds as GNU date gives them.
+    // The seconds were computed with GNU date.
     const struct {
         double seconds;
         const char* text;
@@ -35,7 +35,7 @@ TEST(UtcText, namesTheInstantInIso8601)
         EXPECT_EQ(utcText(seconds), text) << seconds;
 }
 
-TEST(UtcText, showsMillisecondsOnlyWhereThereAreSome)
+TEST(UtcText, showsMillisecondsOnlyIfTheyAreNotZero)
 {
     const struct {
         double seconds;
@@ -57,7 +57,7 @@ TEST(UtcText, showsMillisecondsOnlyWhereThereAreSome)
         EXPECT_EQ(utcText(seconds), text) << seconds;
 }
 
-TEST(UtcText, givesYearsOfMoreThanFourDigitsASign)
+TEST(UtcText, writesYearsBefore0AndAfter9999WithASign)
 {
     const struct {
         double seconds;
@@ -71,7 +71,7 @@ TEST(UtcText, givesYearsOfMoreThanFourDigitsASign)
         EXPECT_EQ(utcText(seconds), text) << seconds;
 }
 
-TEST(UtcText, saysSoWhereTheCalendarHasNoDate)
+TEST(UtcText, returnsAMessageOutsideTheCalendar)
 {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     const struct {
