@@ -1,17 +1,18 @@
 #include <tarn/commands/Commands.hpp>
 
+#include <tarn/commands/ExitStatus.hpp>
 #include <tarn/network/ChartChoice.hpp>
+#include <tarn/network/Session.hpp>
 #include <tarn/run/Evaluation.hpp>
 #include <tarn/run/EventPlayer.hpp>
-#include <tarn/commands/ExitStatus.hpp>
 #include <tarn/run/Interruption.hpp>
 #include <tarn/run/PrintedOutputs.hpp>
-#include <tarn/network/Session.hpp>
 #include <tarn/run/StatusReport.hpp>
 #include <tarn/run/TableWriter.hpp>
 #include <tarn/run/Tracer.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
+#include <tarn/text/ReadFile.hpp>
 
 #include <loam/OutputFile.hpp>
 
@@ -115,7 +116,8 @@ int reportMissingChart(const Session& session)
     const PlacedText& wanted = session.wantedChart();
     Faults faults{session.faults().file()};
     faults.add(wanted.place, std::string(wanted.place ? "" : "--") + "chart: no object offers the chart "
-                                 + inQuotes(wanted.text) + (names.empty() ? "; there are none" : insteadOf({}, names)));
+                                 + inQuotes(wanted.text)
+                                 + (names.empty() ? "; available: none" : insteadOf({}, names)));
     return reportFaults(faults, "; nothing was evaluated beyond the first step");
 }
 
@@ -218,10 +220,9 @@ then stays unchanged; standard output has the rows of the steps before.
                  .help = "Makes all objects that depend on a coordinate chart\n"
                          "follow this one, overriding the file."},
                 {.name = "events",
-                 .shape = "FILE",
-                 .help = "Plays pointer and keyboard events from a file of lines\n"
-                         "such as \"3 press 100 200 left\" or \"3 key r\"; these events\n"
-                         "follow the evaluation of step 3."},
+                 .shape = "FILE.toml",
+                 .help = "Plays pointer and keyboard events from a TOML file. Each\n"
+                         "table [[event]] has a step, a kind and a place or a key."},
                 {.name = "table",
                  .shape = "FILE.csv",
                  .help = "Writes the columns that the network lists, one row per\n"

@@ -2,12 +2,14 @@
 
 #include <tarn/libraries/AnnouncedObjects.hpp>
 #include <tarn/libraries/FailureOf.hpp>
+#include <tarn/network/NetworkParser.hpp>
 #include <tarn/network/NetworkWriter.hpp>
 #include <tarn/network/RelativePathRewriter.hpp>
 #include <tarn/network/RestorableText.hpp>
 #include <tarn/network/Session.hpp>
-#include <tarn/text/Utf8.hpp>
 #include <tarn/text/Messages.hpp>
+#include <tarn/text/ReadFile.hpp>
+#include <tarn/text/Utf8.hpp>
 
 #include <trellis/VObjectCreator.hpp>
 

@@ -3,9 +3,7 @@
 #include <tarn/text/Faults.hpp>
 
 #include <cstdint>
-#include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace Tarn {
@@ -61,22 +59,5 @@ struct NetworkFile {
     std::vector<Object> objects;
     std::vector<Column> columns;
 };
-
-/// Parses the TOML text \p text. Anything that cannot be understood is left out and added to
-/// \p faults; invalid TOML gives one fault and an empty network.
-NetworkFile parseNetwork(std::string_view text, Faults& faults);
-
-/// The same for a network that is written again. If \p isKnown returns false for the type of
-/// an object, its content is kept unchecked; it is a fault only if nested too deeply.
-NetworkFile parseNetwork(std::string_view text, Faults& faults,
-                         const std::function<bool(const std::string& type)>& isKnown);
-
-/// Returns the content of the file \p path.
-/// \throw Loam::FileError
-std::string readFile(const std::string& path);
-
-/// Returns the absolute path of the folder that contains the file \p path.
-/// \throw Loam::FileError
-std::string folderOf(const std::string& path);
 
 } // namespace Tarn

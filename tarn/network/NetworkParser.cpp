@@ -1,60 +1,20 @@
-#include <tarn/network/NetworkFile.hpp>
+#include <tarn/network/NetworkParser.hpp>
 
-#include <tarn/text/DeepTomlKeys.hpp>
-#include <tarn/text/TomlTable.hpp>
-#include <tarn/text/TomlText.hpp>
-#include <tarn/text/Utf8.hpp>
+#include <tarn/network/UnknownObject.hpp>
 #include <tarn/text/Messages.hpp>
+#include <tarn/text/TomlTable.hpp>
 
-#include <loam/FileError.hpp>
 #include <loam/Numbers.hpp>
 
 #include <toml++/toml.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
 #include <initializer_list>
-#include <memory>
 #include <optional>
-#include <system_error>
 #include <utility>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace Tarn {
 
 namespace {
-
-// No network is this large; a larger input is probably endless, such as a device.
-constexpr std::size_t LargestFile = std::size_t{256} << 20;
-
-const char* kindOf(const toml::node& node)
-{
-    switch (node.type()) {
-    case toml::node_type::table:
-        return "a table";
-    case toml::node_type::array:
-        return "an array";
-    case toml::node_type::string:
-        return "a text";
-    case toml::node_type::integer:
-        return "an integer";
-    case toml::node_type::floating_point:
-        return "a number";
-    case toml::node_type::boolean:
-        return "a truth value";
-    case toml::node_type::date:
-        return "a date";
-    case toml::node_type::time:
-        return "a time of day";
-    case toml::node_type::date_time:
-        return "a date with a time";
-    default:
-        return "nothing";
-    }
-}
 
 // Returns the text form of a value that an input may be set to.
 std::optional<std::string> textOf(const toml::node& node)
@@ -85,7 +45,6 @@ private:
     void readLibraries(const toml::node& node);
     void readChart(const toml::node& node);
     NetworkFile::Object readObject(const toml::table& table);
-    void keep(NetworkFile::Object& object, const toml::table& table);
     std::vector<NetworkFile::InputText> readTexts(const std::string& owner, const toml::node& node);
     bool readExact(const std::string& owner, const toml::table& table, NetworkFile::InputText& setting);
     std::vector<NetworkFile::Setting> readConnections(const std::string& owner, const toml::node& node);
@@ -200,7 +159,7 @@ NetworkFile::Object Parser::readObject(const toml::table& table)
         object.name.place = {};
     }
     if (object.type.place && m_isKnown && !m_isKnown(object.type.text)) {
-        keep(object, table);
+        keepUnknown(object, table, m_faults);
         return object;
     }
     for (const auto& [key, node] : entriesOf(table)) {
@@ -212,30 +171,6 @@ NetworkFile::Object Parser::readObject(const toml::table& table)
             reportUnknownKey(object.description, key, {"name", "type", "set", "connect"});
     }
     return object;
-}
-
-void Parser::keep(NetworkFile::Object& object, const toml::table& table)
-{
-    for (const auto& [key, node] : entriesOf(table)) {
-        if (key.text == "name" || key.text == "type")
-            continue;
-        if (nestingOf(*node) > MostNested) {
-            m_faults.add(placeOf(*node),
-                         object.description + ": " + inQuotes(key.text) + " is nested too deeply to be written again");
-            continue;
-        }
-        const toml::table* inner = node->as_table();
-        if (!inner || inner->empty()) {
-            object.kept += tomlKey(key.text) + " = " + tomlValue(*node) + '\n';
-            continue;
-        }
-        // One line per input, as for objects of known type.
-        for (const auto& [innerKey, value] : entriesOf(*inner)) {
-            object.kept += tomlKey(key.text) + '.' + tomlKey(innerKey.text) + " = " + tomlValue(*value) + '\n';
-            if (const auto text = value->value_exact<std::string>(); text && key.text == "set")
-                object.texts.push_back({innerKey, {*text, placeOf(*value)}});
-        }
-    }
 }
 
 std::vector<NetworkFile::InputText> Parser::readTexts(const std::string& owner, const toml::node& node)
@@ -373,61 +308,8 @@ NetworkFile parseNetwork(std::string_view text, Faults& faults)
 NetworkFile parseNetwork(std::string_view text, Faults& faults,
                          const std::function<bool(const std::string& type)>& isKnown)
 {
-    // The TOML reader rejects it too, but reports the place less precisely.
-    if (const std::size_t invalid = findInvalidUtf8(text); invalid != std::string_view::npos) {
-        faults.add(placeAt(text, invalid), "invalid UTF-8 from here on");
-        return {};
-    }
-    if (const Place deep = findDeepKey(text)) {
-        faults.add(deep, "a key of more than " + std::to_string(MaximalKeyParts) + " parts");
-        return {};
-    }
-    try {
-        const toml::table root = toml::parse(text);
-        return Parser{faults, isKnown}.parse(root);
-    } catch (const toml::parse_error& error) {
-        faults.add(placeOf(error.source()), printable(error.description()));
-        return {};
-    }
-}
-
-std::string readFile(const std::string& path)
-{
-    const std::string failed = "cannot read " + printable(path);
-    struct Descriptor {
-        ~Descriptor()
-        {
-            if (number >= 0)
-                ::close(number);
-        }
-        int number;
-    } const file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
-    if (file.number < 0)
-        throw Loam::FileError{failed, errno};
-
-    constexpr std::size_t BlockSize = 65536;
-    const auto block = std::make_unique<char[]>(BlockSize);
-    std::string content;
-    while (const ssize_t got = ::read(file.number, block.get(), BlockSize)) {
-        if (got < 0) {
-            if (errno == EINTR)
-                continue;
-            throw Loam::FileError{failed, errno};
-        }
-        content.append(block.get(), static_cast<std::size_t>(got));
-        if (content.size() > LargestFile)
-            throw Loam::FileError{failed + ": it is larger than 256 MiB"};
-    }
-    return content;
-}
-
-std::string folderOf(const std::string& path)
-{
-    std::error_code error;
-    const std::filesystem::path absolute = std::filesystem::absolute(path, error);
-    if (error)
-        throw Loam::FileError{"cannot read " + printable(path), error.value()};
-    return absolute.parent_path().string();
+    const std::optional<toml::table> root = parseToml(text, faults);
+    return root ? Parser{faults, isKnown}.parse(*root) : NetworkFile{};
 }
 
 } // namespace Tarn

@@ -2,7 +2,9 @@
 
 #include <tarn/libraries/AnnouncedObjects.hpp>
 #include <tarn/network/ChartChoice.hpp>
+#include <tarn/network/NetworkParser.hpp>
 #include <tarn/text/Messages.hpp>
+#include <tarn/text/ReadFile.hpp>
 
 #include <loam/FileError.hpp>
 #include <loam/Numbers.hpp>

@@ -1,14 +1,14 @@
 #include <tarn/run/EventScript.hpp>
 
-#include <tarn/text/Utf8.hpp>
 #include <tarn/text/Messages.hpp>
+#include <tarn/text/TomlTable.hpp>
+#include <tarn/text/Utf8.hpp>
 
 #include <fathom/VInteractionEvent.hpp>
 
-#include <charconv>
+#include <algorithm>
 #include <cmath>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 namespace Tarn {
@@ -30,8 +30,6 @@ constexpr Named<VInteractionEvent::Kind> PointerKinds[] = {
     {"wheel", VInteractionEvent::Wheel},
 };
 
-constexpr const char* KeyKinds[] = {"key", "keydown", "keyup"};
-
 constexpr Named<std::uint16_t> Buttons[] = {{"left", 1}, {"middle", 2}, {"right", 3}};
 
 constexpr Named<std::uint8_t> Modifiers[] = {
@@ -40,165 +38,171 @@ constexpr Named<std::uint8_t> Modifiers[] = {
     {"alt", VInteractionEvent::Alt},
 };
 
-constexpr Named<const char*> Keys[] = {
-    {"space", " "}, {"tab", "\t"}, {"enter", "\r"}, {"escape", "\x1b"}, {"hash", "#"}};
+constexpr Named<const char*> Keys[] = {{"space", " "}, {"tab", "\t"}, {"enter", "\r"}, {"escape", "\x1b"}};
 
 template<class Value, std::size_t Size>
 std::optional<Value> find(const Named<Value> (&all)[Size], std::string_view name)
 {
-    for (const Named<Value>& each : all) {
-        if (name == each.name)
-            return each.value;
-    }
-    return std::nullopt;
+    const auto found =
+        std::ranges::find(all, name, [](const Named<Value>& each) { return std::string_view(each.name); });
+    return found == std::end(all) ? std::nullopt : std::optional(found->value);
 }
 
-struct Word {
-    std::string_view text;
-    Place place;
-};
-
-bool isBlank(char letter) noexcept
-{
-    return letter == ' ' || letter == '\t' || letter == '\r';
-}
-
-class LineReader {
+// Reads one table [[event]]. Each fault is reported; an event with faults is dropped.
+class EventReader {
 public:
-    LineReader(std::string_view line, std::uint32_t number, Faults& faults) : m_faults{faults}
-    {
-        std::size_t at = 0;
-        while (at < line.size() && line[at] != '#') {
-            if (isBlank(line[at])) {
-                ++at;
-                continue;
-            }
-            const std::size_t start = at;
-            while (at < line.size() && !isBlank(line[at]) && line[at] != '#')
-                ++at;
-            m_words.push_back({line.substr(start, at - start), {number, placeAt(line, start).column}});
-        }
-        m_end = {number, placeAt(line, at).column};
-    }
-
-    bool empty() const noexcept { return m_words.empty(); }
+    EventReader(const toml::table& table, Faults& faults) : m_table{table}, m_faults{faults} {}
 
     void read(std::vector<ScriptedEvent>& events)
     {
+        const std::size_t faultsBefore = m_faults.size();
         ScriptedEvent event;
-        event.place = m_words[0].place;
-        if (!readNumber(event.step, "the number of a step"))
+        event.place = placeOf(m_table);
+        readInteger("step", event.step, "the number of a step");
+        const char* const kinds = "press, move, release, wheel, key, keydown or keyup";
+        const std::string kind = readText("kind", kinds);
+        if (const auto pointer = find(PointerKinds, kind)) {
+            event.kind = *pointer;
+            readPointer(event);
+        } else if (kind == "key" || kind == "keydown" || kind == "keyup") {
+            readKey(event);
+        } else {
+            if (!kind.empty())
+                refuse("kind", kinds);
+            return;
+        }
+        readModifiers(event);
+        refuseOtherKeys(kind);
+        if (m_faults.size() != faultsBefore)
             return;
         if (!events.empty() && event.step < events.back().step) {
-            m_faults.add(event.place, "step " + std::to_string(event.step) + " comes after step "
-                                          + std::to_string(events.back().step) + "; steps must not decrease");
+            refuse("step", std::to_string(events.back().step) + " or more, because events are in the order of steps");
             return;
         }
-        const Word kind = next();
-        if (const auto pointer = find(PointerKinds, kind.text)) {
-            event.kind = *pointer;
-            if (readPointer(event))
-                events.push_back(event);
-        } else if (kind.text == KeyKinds[0] || kind.text == KeyKinds[1] || kind.text == KeyKinds[2]) {
-            readKey(event, kind.text, events);
-        } else {
-            refuse(kind, "press, move, release, wheel, key, keydown or keyup");
-        }
+        append(event, kind, events);
     }
 
 private:
-    Word next() { return m_next < m_words.size() ? m_words[m_next++] : Word{{}, m_end}; }
-
-    bool refuse(const Word& word, const std::string& expected)
+    void refuse(const char* key, const std::string& expected)
     {
-        m_faults.add(word.place, (word.text.empty() ? "found the end of the line" : "found " + inQuotes(word.text))
-                                     + ", expected " + expected);
-        return false;
+        const toml::node* const node = m_table.get(key);
+        if (node)
+            m_faults.add(placeOf(*node),
+                         std::string(key) + " is " + printable(tomlValue(*node)) + ", expected " + expected);
+        else
+            m_faults.add(placeOf(m_table), std::string("missing key \"") + key + "\", expected " + expected);
     }
 
-    template<class Number>
-    bool readNumber(Number& number, const char* expected)
+    const toml::node* take(const char* key)
     {
-        const Word word = next();
-        const char* const end = word.text.data() + word.text.size();
-        const auto [stop, error] = std::from_chars(word.text.data(), end, number);
-        if (error == std::errc{} && stop == end && !word.text.empty() && std::isfinite(static_cast<double>(number)))
-            return true;
-        return refuse(word, expected);
+        m_known.push_back(key);
+        return m_table.get(key);
     }
 
-    bool readPointer(ScriptedEvent& event)
+    template<class Integer>
+    void readInteger(const char* key, Integer& number, const char* expected)
     {
-        if (!readNumber(event.x, "a whole number of pixels from the left")
-            || !readNumber(event.y, "a whole number of pixels from the top"))
-            return false;
-        if (event.kind == VInteractionEvent::Wheel && !readNumber(event.wheel, "the turns of the wheel"))
-            return false;
-        const bool hasButton = event.kind != VInteractionEvent::Wheel;
-        if (event.kind == VInteractionEvent::Press || event.kind == VInteractionEvent::Release)
+        const toml::node* const node = take(key);
+        const auto integer = node ? node->value_exact<std::int64_t>() : std::nullopt;
+        if (integer && std::in_range<Integer>(*integer))
+            number = static_cast<Integer>(*integer);
+        else
+            refuse(key, expected);
+    }
+
+    std::string readText(const char* key, const char* expected)
+    {
+        const toml::node* const node = take(key);
+        const auto text = node ? node->value_exact<std::string>() : std::nullopt;
+        if (!text || text->empty())
+            refuse(key, expected);
+        return text.value_or("");
+    }
+
+    void readPointer(ScriptedEvent& event)
+    {
+        readInteger("x", event.x, "a whole number of pixels from the left");
+        readInteger("y", event.y, "a whole number of pixels from the top");
+        if (event.kind == VInteractionEvent::Wheel) {
+            const toml::node* const node = take("wheel");
+            const auto turns = node && node->is_number() ? node->value<double>() : std::nullopt;
+            if (turns && std::isfinite(*turns))
+                event.wheel = *turns;
+            else
+                refuse("wheel", "a number of turns");
+            return;
+        }
+        if (event.kind != VInteractionEvent::Move)
             event.button = 1;
-        if (hasButton && m_next < m_words.size()) {
-            if (const auto button = find(Buttons, m_words[m_next].text)) {
-                event.button = *button;
-                ++m_next;
-            }
-        }
-        return readModifiers(event, hasButton ? "left, middle, right, or keys such as shift+control"
-                                              : "keys such as shift+control")
-               && expectEnd();
+        if (!take("button"))
+            return;
+        const char* const expected = "left, middle or right";
+        const std::string name = readText("button", expected);
+        if (const auto button = find(Buttons, name))
+            event.button = *button;
+        else if (!name.empty())
+            refuse("button", expected);
     }
 
-    bool readModifiers(ScriptedEvent& event, const char* expected)
+    void readKey(ScriptedEvent& event)
     {
-        if (m_next == m_words.size())
-            return true;
-        const Word word = next();
-        std::string_view rest = word.text;
-        while (true) {
-            const auto plus = rest.find('+');
-            const auto modifier = find(Modifiers, rest.substr(0, plus));
-            if (!modifier)
-                return refuse(word, expected);
-            event.modifiers = static_cast<std::uint8_t>(event.modifiers | *modifier);
-            if (plus == std::string_view::npos)
-                return true;
-            rest.remove_prefix(plus + 1);
+        const char* const expected = "one character, or space, tab, enter or escape";
+        const std::string key = readText("key", expected);
+        if (const auto named = find(Keys, key))
+            event.keyText = *named;
+        else if (countCharacters(key) == 1)
+            event.keyText = key;
+        else if (!key.empty())
+            refuse("key", expected);
+    }
+
+    void readModifiers(ScriptedEvent& event)
+    {
+        const toml::node* const node = take("modifiers");
+        if (!node)
+            return;
+        const toml::array* const names = node->as_array();
+        if (!names) {
+            refuse("modifiers", "a list such as [\"shift\", \"control\"]");
+            return;
+        }
+        for (const toml::node& name : *names) {
+            if (const auto modifier = find(Modifiers, name.value_exact<std::string>().value_or("")))
+                event.modifiers = static_cast<std::uint8_t>(event.modifiers | *modifier);
+            else
+                m_faults.add(placeOf(name), "found " + printable(tomlValue(name)) + ", expected shift, control or alt");
         }
     }
 
-    bool expectEnd() { return m_next == m_words.size() || refuse(next(), "the end of the line"); }
-
-    void readKey(ScriptedEvent& event, std::string_view kind, std::vector<ScriptedEvent>& events)
+    void refuseOtherKeys(const std::string& kind)
     {
-        const Word word = next();
-        std::string key;
-        if (const auto named = find(Keys, word.text))
-            key = *named;
-        else if (countCharacters(word.text) == 1)
-            key = word.text;
-        else {
-            refuse(word, "one character, or space, tab, enter, escape or hash");
+        for (const auto& [key, node] : entriesOf(m_table)) {
+            if (std::ranges::find(m_known, key.text) == m_known.end())
+                m_faults.add(key.place, "unknown key " + inQuotes(key.text) + " of an event of kind \"" + kind + "\""
+                                            + insteadOf(key.text, m_known));
+        }
+    }
+
+    static void append(ScriptedEvent& event, const std::string& kind, std::vector<ScriptedEvent>& events)
+    {
+        if (event.keyText.empty()) {
+            events.push_back(event);
             return;
         }
-        if (!readModifiers(event, "keys such as shift+control") || !expectEnd())
-            return;
         if (kind != "keyup") {
             event.kind = VInteractionEvent::KeyPress;
-            event.keyText = key;
             events.push_back(event);
         }
         if (kind != "keydown") {
             event.kind = VInteractionEvent::KeyRelease;
-            event.keyText.clear();
-            event.armingKeyText = key;
+            event.armingKeyText = std::exchange(event.keyText, {});
             events.push_back(event);
         }
     }
 
+    const toml::table& m_table;
     Faults& m_faults;
-    std::vector<Word> m_words;
-    std::size_t m_next = 0;
-    Place m_end;
+    std::vector<std::string> m_known; // keys that an event of this kind may have
 };
 
 } // namespace
@@ -206,18 +210,27 @@ private:
 std::vector<ScriptedEvent> parseEvents(std::string_view text, Faults& faults)
 {
     std::vector<ScriptedEvent> events;
-    if (const std::size_t invalid = findInvalidUtf8(text); invalid != std::string_view::npos) {
-        faults.add(placeAt(text, invalid), "invalid UTF-8 from here on");
+    const std::optional<toml::table> root = parseToml(text, faults);
+    if (!root)
         return events;
-    }
-    for (std::uint32_t number = 1; !text.empty(); ++number) {
-        const auto end = text.find('\n');
-        LineReader line{text.substr(0, end), number, faults};
-        if (!line.empty())
-            line.read(events);
-        if (end == std::string_view::npos)
-            break;
-        text.remove_prefix(end + 1);
+    for (const auto& [key, node] : entriesOf(*root)) {
+        if (key.text != "event") {
+            faults.add(key.place, "unknown key " + inQuotes(key.text) + ", expected tables under the header [[event]]");
+            continue;
+        }
+        const toml::array* const tables = node->as_array();
+        if (!tables) {
+            faults.add(placeOf(*node),
+                       std::string("event is ") + kindOf(*node) + ", expected tables under the header [[event]]");
+            continue;
+        }
+        for (const toml::node& element : *tables) {
+            if (const toml::table* const table = element.as_table())
+                EventReader(*table, faults).read(events);
+            else
+                faults.add(placeOf(element), std::string("event holds ") + kindOf(element)
+                                                 + ", expected tables under the header [[event]]");
+        }
     }
     return events;
 }

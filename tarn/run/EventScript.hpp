@@ -11,7 +11,7 @@ namespace Tarn {
 
 /// A recorded event of the pointer or the keyboard.
 struct ScriptedEvent {
-    std::uint64_t step = 0; ///< of the run; the event follows its evaluation
+    std::uint64_t step = 0; ///< of the run; the event follows the evaluation of that step
     Place place;            ///< in the file
     std::uint64_t kind = 0; ///< a `VInteractionEvent::Kind`
     std::int32_t x = -1;
@@ -19,27 +19,32 @@ struct ScriptedEvent {
     double wheel = 0;
     std::uint16_t button = 0;
     std::uint8_t modifiers = 0;
-    std::string keyText;       ///< of a pressed key
-    std::string armingKeyText; ///< of a released key
+    std::string keyText;       ///< of a key that is pressed
+    std::string armingKeyText; ///< of a key that is released
 };
 
-/// Parses a script of events, one per line:
+/// Reads a TOML file of events:
 ///
-///     # after step 0: drag with the left button, then press a key
-///     0 press 100 200 left
-///     0 move 160 200 left shift
-///     0 release 160 200 left
-///     1 wheel 160 200 -0.5 shift+control
-///     2 key r
-///     3 keydown space
-///     3 keyup space
+///     [[event]]
+///     step = 0
+///     kind = "press"
+///     x = 100
+///     y = 200
+///     modifiers = ["shift", "control"]
 ///
-/// Steps count from 0 and must not decrease. Buttons are left (the default), middle and
-/// right; `move` has no button by default. A key is one character or one of the names space,
-/// tab, enter, escape and hash; `key` presses and releases it. Blank lines and text after a
-/// "#" are ignored.
+///     [[event]]
+///     step = 2
+///     kind = "key"
+///     key = "r"
 ///
-/// Lines that cannot be understood are added to \p faults and left out.
+/// Steps count from 0 and do not decrease. The kinds "press", "move", "release" and "wheel"
+/// have a place, `x` and `y`, in pixels from the upper left corner. The first three may have
+/// a `button`: "left", "middle" or "right"; without one, "press" and "release" mean the left
+/// button. "wheel" has the turns of the `wheel`, away from the user if positive. The kinds
+/// "key" (pressed and released), "keydown" and "keyup" have a `key`: one character, or
+/// "space", "tab", "enter" or "escape". All may have `modifiers`: "shift", "control", "alt".
+///
+/// Adds each fault to \p faults and skips the event that it is in.
 std::vector<ScriptedEvent> parseEvents(std::string_view text, Faults& faults);
 
 } // namespace Tarn

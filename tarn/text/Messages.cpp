@@ -97,7 +97,7 @@ std::string insteadOf(std::string_view name, const std::vector<std::string>& can
     std::string list;
     for (const std::string& candidate : candidates)
         list += (list.empty() ? "" : ", ") + printable(candidate);
-    return "; " + std::string(candidates.size() == 1 ? "there is " : "there are ") + list;
+    return "; available: " + list;
 }
 
 } // namespace Tarn

@@ -1,6 +1,9 @@
 #include <tarn/text/TomlTable.hpp>
 
+#include <tarn/text/DeepTomlKeys.hpp>
+#include <tarn/text/Messages.hpp>
 #include <tarn/text/TomlText.hpp>
+#include <tarn/text/Utf8.hpp>
 
 #include <algorithm>
 #include <cstdint>
@@ -52,6 +55,51 @@ Place placeOf(const toml::source_region& source) noexcept
 Place placeOf(const toml::node& node) noexcept
 {
     return placeOf(node.source());
+}
+
+std::optional<toml::table> parseToml(std::string_view text, Faults& faults)
+{
+    // The TOML reader rejects it too, but reports the place less precisely.
+    if (const std::size_t invalid = findInvalidUtf8(text); invalid != std::string_view::npos) {
+        faults.add(placeAt(text, invalid), "invalid UTF-8 from here on");
+        return std::nullopt;
+    }
+    if (const Place deep = findDeepKey(text)) {
+        faults.add(deep, "a key of more than " + std::to_string(MaximalKeyParts) + " parts");
+        return std::nullopt;
+    }
+    try {
+        return toml::parse(text);
+    } catch (const toml::parse_error& error) {
+        faults.add(placeOf(error.source()), printable(error.description()));
+        return std::nullopt;
+    }
+}
+
+const char* kindOf(const toml::node& node)
+{
+    switch (node.type()) {
+    case toml::node_type::table:
+        return "a table";
+    case toml::node_type::array:
+        return "an array";
+    case toml::node_type::string:
+        return "a text";
+    case toml::node_type::integer:
+        return "an integer";
+    case toml::node_type::floating_point:
+        return "a number";
+    case toml::node_type::boolean:
+        return "a truth value";
+    case toml::node_type::date:
+        return "a date";
+    case toml::node_type::time:
+        return "a time of day";
+    case toml::node_type::date_time:
+        return "a date with a time";
+    default:
+        return "nothing";
+    }
 }
 
 std::vector<TomlEntry> entriesOf(const toml::table& table)

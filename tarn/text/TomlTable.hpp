@@ -5,7 +5,9 @@
 #include <toml++/toml.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Access to parsed TOML in file order.
@@ -14,6 +16,13 @@ namespace Tarn {
 
 Place placeOf(const toml::source_region& source) noexcept;
 Place placeOf(const toml::node& node) noexcept;
+
+/// Parses \p text. Returns nothing, and adds one fault with its place, if it is not UTF-8, not
+/// TOML, or has a key of more parts than `MaximalKeyParts`.
+std::optional<toml::table> parseToml(std::string_view text, Faults& faults);
+
+/// Returns how messages name the type of \p node, such as "an integer".
+const char* kindOf(const toml::node& node);
 
 struct TomlEntry {
     PlacedText key;

@@ -1,4 +1,4 @@
-// The example as a person runs it: the host program with the saved network.
+// Runs the example as a user would: the host program with the saved network.
 
 #include "tarn/TarnProcess.hpp"
 
@@ -34,7 +34,7 @@ std::vector<std::string> linesOf(const std::string& text)
 
 const std::string strongestPage = "https://earthquake.usgs.gov/earthquakes/eventpage/us1000chhc";
 
-// The last column of a table's last row.
+// Returns the last column of the last row of a table.
 std::string strongest(const std::string& table)
 {
     const std::string last = linesOf(table).back();
@@ -43,7 +43,7 @@ std::string strongest(const std::string& table)
 
 } // namespace
 
-TEST(Program, writesTheTableThatWasWorkedOutApart)
+TEST(Program, writesTheIndependentlyComputedTable)
 {
     const ProcessResult result = run({"--table=-"});
     EXPECT_EQ(result.status, 0) << result.err;
@@ -59,10 +59,10 @@ TEST(Program, writesTheTableThatWasWorkedOutApart)
         EXPECT_THAT(lines[i], StartsWith(expected[i] + ","));
 }
 
-TEST(Program, followsTheChartThatIsPicked)
+TEST(Program, followsTheSelectedChart)
 {
-    // Magnitude 6.4 at Hualien, 10.64 km deep. The metres were worked out in Python,
-    // by the formulas for the ellipsoid.
+    // Magnitude 6.4 at Hualien, 10.64 km deep. The metres were computed in Python, with
+    // the formulas for the ellipsoid.
     const ProcessResult flat = run({"--table=-", "--chart=geographic"});
     EXPECT_EQ(flat.status, 0) << flat.err;
     EXPECT_EQ(strongest(flat.out), "{121.653,24.1737,-10640}");
@@ -71,11 +71,11 @@ TEST(Program, followsTheChartThatIsPicked)
     EXPECT_THAT(strongest(run({"--table=-", "--chart=geocentric"}).out), StartsWith("{-3050187.746425"));
 }
 
-TEST(Program, listsTheChartsWhenOneIsUnknown)
+TEST(Program, listsTheChartsIfTheSelectedOneIsUnknown)
 {
     const ProcessResult result = run({"--chart=mercator"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("--chart: no object offers the chart \"mercator\"; there are geocentric, "
+    EXPECT_THAT(result.err, HasSubstr("--chart: no object offers the chart \"mercator\"; available: geocentric, "
                                       "geographic, plate carree\n"));
 }
 
@@ -94,7 +94,7 @@ TEST(Program, drawsAGlobeAndAMap)
     EXPECT_EQ(contentOf(folder.file("again.png")), contentOf(folder.file("globe.png"))) << "under another locale";
 }
 
-TEST(Program, drawsAPictureOfEachStep)
+TEST(Program, drawsAPicturePerStep)
 {
     const TestFolder folder;
     const ProcessResult result = run({"--set=picture.frames=" + folder.file("frame-##.svg"), "--steps=3"});
@@ -103,46 +103,48 @@ TEST(Program, drawsAPictureOfEachStep)
     EXPECT_THAT(result.err, HasSubstr("frame-02.svg, the last of 3 pictures\n"));
 }
 
-TEST(Program, letsTheUserTurnTheGlobeAndPutItBack)
+TEST(Program, turnsAndResetsTheGlobe)
 {
     const TestFolder folder;
     EXPECT_EQ(run({"--set=picture.file=" + folder.file("plain.svg")}).status, 0);
     const std::string plain = contentOf(folder.file("plain.svg"));
 
-    // "w" draws after the turn; what is drawn at the end is back where it was.
-    const std::string drag = "64 press 500 300 left\n64 move 320 300\n64 release 140 300 left\n";
+    // The end of the run draws the globe.
+    const std::string drag =
+        "{ step = 64, kind = 'press', x = 500, y = 300 }, { step = 64, kind = 'move', x = 320, y = 300 },"
+        "{ step = 64, kind = 'release', x = 140, y = 300 },";
     const auto drawn = [&](const std::string& events) {
-        folder.write("events.txt", events);
+        folder.write("events.toml", "event = [" + events + "]\n");
         const ProcessResult result =
-            run({"--set=picture.file=" + folder.file("turned.svg"), "--events=" + folder.file("events.txt")});
+            run({"--set=picture.file=" + folder.file("turned.svg"), "--events=" + folder.file("events.toml")});
         EXPECT_EQ(result.status, 0) << result.err;
         return contentOf(folder.file("turned.svg"));
     };
     const std::string turned = drawn(drag);
     EXPECT_NE(turned, plain);
-    EXPECT_EQ(drawn(drag + "64 key r\n"), plain);
-    EXPECT_EQ(drawn(drag + "64 move 900 900\n"), turned) << "the pointer was let go";
+    EXPECT_EQ(drawn(drag + "{ step = 64, kind = 'key', key = 'r' }"), plain);
+    EXPECT_EQ(drawn(drag + "{ step = 64, kind = 'move', x = 900, y = 900 }"), turned) << "the pointer was released";
 }
 
-TEST(Program, comesNearerWithEachTurnOfTheWheelAlsoInOneStep)
+TEST(Program, zoomsWithEachTurnOfTheWheelInOneStep)
 {
     const TestFolder folder;
     const auto drawn = [&](const std::string& events) {
-        folder.write("events.txt", events);
-        EXPECT_EQ(run({"--set=picture.file=" + folder.file("a.svg"), "--events=" + folder.file("events.txt")}).status,
+        folder.write("events.toml", "event = [" + events + "]\n");
+        EXPECT_EQ(run({"--set=picture.file=" + folder.file("a.svg"), "--events=" + folder.file("events.toml")}).status,
                   0);
         return contentOf(folder.file("a.svg"));
     };
-    const std::string turn = "64 wheel 450 450 1\n";
+    const std::string turn = "{ step = 64, kind = 'wheel', x = 450, y = 450, wheel = 1 },";
     EXPECT_NE(drawn(turn), drawn(turn + turn));
 }
 
 TEST(Program, writesThePictureWhenItsKeyIsPressed)
 {
     const TestFolder folder;
-    folder.write("events.txt", "1 key w\n");
+    folder.write("events.toml", "event = [{ step = 1, kind = 'key', key = 'w' }]\n");
     const ProcessResult result =
-        run({"--set=picture.file=" + folder.file("a.svg"), "--steps=3", "--events=" + folder.file("events.txt")});
+        run({"--set=picture.file=" + folder.file("a.svg"), "--steps=3", "--events=" + folder.file("events.toml")});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.err, HasSubstr("the last of 2 pictures\n")) << "one for the key, one at the end";
 }
@@ -160,8 +162,8 @@ TEST(Program, opensThePageOfTheStrongestEvent)
     const TestFolder folder;
     const std::string browser = folder.write("browser", "#!/bin/sh\necho \"$1\" > '" + folder.file("shown") + "'\n");
     std::filesystem::permissions(browser, std::filesystem::perms::owner_all);
-    folder.write("events.txt", "64 key o\n");
-    const ProcessResult result = run({"--events=" + folder.file("events.txt")}, {"BROWSER=" + browser});
+    folder.write("events.toml", "event = [{ step = 64, kind = 'key', key = 'o' }]\n");
+    const ProcessResult result = run({"--events=" + folder.file("events.toml")}, {"BROWSER=" + browser});
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(contentOf(folder.file("shown")), strongestPage + "\n");
     EXPECT_THAT(result.err, HasSubstr("  page: opened " + strongestPage + "\n"));
@@ -179,14 +181,14 @@ TEST(Program, findsItsDataInTheDataFolders)
     EXPECT_EQ(found.status, 0) << found.err;
 }
 
-TEST(Program, tellsOfAChoiceThatTheDataDoesNotHave)
+TEST(Program, warnsAboutAChoiceThatTheDataDoesNotHave)
 {
     const ProcessResult result = run({"--set=shown.networks={xx}", "--steps=1"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.err, HasSubstr("  shown: warning: no event has the network xx, there are ak, ci"));
+    EXPECT_THAT(result.err, HasSubstr("  shown: warning: no event has the network xx; the data has ak, ci"));
 }
 
-TEST(Program, makesAPictureThatCannotBeWrittenAnError)
+TEST(Program, reportsAPictureThatCannotBeWritten)
 {
     const TestFolder folder;
     const ProcessResult result = run({"--set=picture.file=" + folder.file("none/a.png"), "--steps=1"});
@@ -195,12 +197,12 @@ TEST(Program, makesAPictureThatCannotBeWrittenAnError)
     EXPECT_THAT(folder.names(), IsEmpty());
 }
 
-TEST(Program, leavesWholePicturesAloneWhenItIsInterrupted)
+TEST(Program, leavesOnlyCompletePicturesWhenInterrupted)
 {
     const TestFolder folder;
     TarnProcess process{{"run", QUAKES_NETWORK, "--set=picture.frames=" + folder.file("frame-####.png"),
                          "--set=clock.time=0[0,1]@0.00001"}};
-    // Until some are there.
+    // Waits for the first pictures.
     for (int i = 0; i < 600 && folder.names().size() < 5; ++i)
         ::usleep(100'000);
     process.send(SIGINT);
@@ -212,7 +214,7 @@ TEST(Program, leavesWholePicturesAloneWhenItIsInterrupted)
     const std::vector<std::string> names = folder.names();
     EXPECT_GE(names.size(), 4u);
     for (const std::string& name : names) {
-        EXPECT_THAT(name, StartsWith("frame-")) << "nothing unfinished";
+        EXPECT_THAT(name, StartsWith("frame-")) << "no unfinished files";
         EXPECT_THAT(contentOf(folder.file(name)), testing::EndsWith(std::string("IEND\xae\x42\x60\x82"))) << name;
     }
 }

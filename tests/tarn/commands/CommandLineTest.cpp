@@ -89,16 +89,16 @@ TEST(CommandLine, reportsWrongUsage)
         std::vector<std::string> words;
         const char* refusal;
     } cases[] = {
-        {{}, "no command; there are cook, list"},
-        {{""}, "unknown command \"\"; there are cook, list"},
+        {{}, "no command; available: cook, list"},
+        {{""}, "unknown command \"\"; available: cook, list"},
         {{"coko"}, "unknown command \"coko\"; did you mean \"cook\"?"},
-        {{"--steps=1"}, "unknown option \"--steps\"; there are --help, --version"},
+        {{"--steps=1"}, "unknown option \"--steps\"; available: --help, --version"},
         {{"cook"}, "no RECIPE, expected tarn cook RECIPE [--add=SPICE]... [--minutes=N] [--quietly]"},
         {{"cook", "a", "b", "c"},
          "one name too many, \"c\", expected tarn cook RECIPE [--add=SPICE]... [--minutes=N] [--quietly]"},
         {{"cook", "a", "--minute=1"}, "unknown option \"--minute\"; did you mean \"--minutes\"?"},
-        {{"cook", "a", "-q"}, "unknown option \"-q\"; there are --help, --add, --minutes, --quietly"},
-        {{"list", "a", "--minutes=1"}, "unknown option \"--minutes\"; there is --help"},
+        {{"cook", "a", "-q"}, "unknown option \"-q\"; available: --help, --add, --minutes, --quietly"},
+        {{"list", "a", "--minutes=1"}, "unknown option \"--minutes\"; available: --help"},
         {{"cook", "a", "--add"}, "--add has no value, expected --add=SPICE"},
         {{"cook", "a", "--minutes="}, "--minutes has no value, expected --minutes=N"},
         {{"cook", "a", "--minutes=1", "--minutes=1"}, "--minutes is given twice"},

@@ -3,6 +3,7 @@
 #include <tarn/network/Conversion.hpp>
 
 #include <tarn/libraries/Libraries.hpp>
+#include <tarn/network/NetworkParser.hpp>
 #include <tarn/network/NetworkWriter.hpp>
 #include <tarn/text/Utf8.hpp>
 
@@ -71,7 +72,8 @@ TEST(Convert, writesEveryExampleTheSameAgain)
     const TestFolder folder;
     std::size_t networks = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(EXAMPLES_FOLDER)) {
-        if (entry.path().extension() != ".toml")
+        if (entry.path().extension() != ".toml"
+            || contentOf(entry.path().string()).find("[[object]]") == std::string::npos)
             continue;
         SCOPED_TRACE(entry.path());
         ++networks;
@@ -233,10 +235,10 @@ TEST(Convert, reportsThePlaceOfWhateverCannotBeKept)
          "--set=t.x=1: object \"t\" has no inputs because its type is unknown\n"},
         {head + object("a", "Adder", "set.c = 1\n"),
          {},
-         "net.toml:7:5: object \"a\": Adder has no input \"c\"; there are a, b\n"},
+         "net.toml:7:5: object \"a\": Adder has no input \"c\"; available: a, b\n"},
         {head + object("a", "Adder", "colour = 1\n"),
          {},
-         "net.toml:7:1: object \"a\": unknown key \"colour\"; there are name, type, set, connect\n"},
+         "net.toml:7:1: object \"a\": unknown key \"colour\"; available: name, type, set, connect\n"},
         {head + object("a", "Adder", "connect.a = 'b.sum'\n"),
          {},
          "net.toml:7:13: object \"a\", input \"a\": no object is named \"b\"\n"},

@@ -41,11 +41,11 @@ TEST(ChartChoice, listsTheAvailableChartsWhenTheNameIsUnknown)
 {
     const ProcessResult result = evaluate(charted, {"--chart=mercator"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "--chart: no object offers the chart \"mercator\"; there are geocentric, geographic, "
+    EXPECT_EQ(result.err, "--chart: no object offers the chart \"mercator\"; available: geocentric, geographic, "
                           "plate carree\nnet.toml: 1 fault; nothing was evaluated beyond the first step\n");
     const ProcessResult placed = evaluate("chart = 'x'\n" + object("map", "Follower"));
     EXPECT_EQ(placed.status, 2);
-    EXPECT_THAT(placed.err, HasSubstr("net.toml:3:9: chart: no object offers the chart \"x\"; there are none\n"));
+    EXPECT_THAT(placed.err, HasSubstr("net.toml:3:9: chart: no object offers the chart \"x\"; available: none\n"));
 }
 
 TEST(ChartChoice, isAFaultIfNoObjectDependsOnCharts)

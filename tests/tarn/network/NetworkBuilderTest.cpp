@@ -1,6 +1,7 @@
 #include <tarn/network/NetworkBuilder.hpp>
 
 #include <tarn/libraries/Libraries.hpp>
+#include <tarn/network/NetworkParser.hpp>
 
 #include <trellis/VObjectCreator.hpp>
 
@@ -171,7 +172,7 @@ TEST_F(NetworkBuilder, reportsEveryFaultWithObjectAndSlot)
          {"net:4:8: object \"a\": an object of type \"Unmakable\" cannot be made: no licence"}},
         {"[[object]]\nname = 'a'\ntype = 'Unfinishable'\n", {"net:2:1: object \"a\" cannot be set up: no partner"}},
         {a + a, {"net:6:8: object \"a\": the name is used twice, first at net:3:8"}},
-        {a + "set = { c = 1 }\n", {"net:5:9: object \"a\": Adder has no input \"c\"; there are a, b"}},
+        {a + "set = { c = 1 }\n", {"net:5:9: object \"a\": Adder has no input \"c\"; available: a, b"}},
         {a + "set = { sum = 1 }\n", {"net:5:9: object \"a\": Adder has no input \"sum\"; that is an output"}},
         {a + "set = { a = 'much' }\n",
          {"net:5:13: object \"a\", input \"a\": the text \"much\" is refused, expected a value of type double"}},
@@ -188,13 +189,13 @@ TEST_F(NetworkBuilder, reportsEveryFaultWithObjectAndSlot)
          {"net:5:17: object \"a\", input \"a\": \"clock.GlobalTime.range\" does not fit: it gives Range where double "
           "is expected"}},
         {a + "connect = { a = 'clock.' }\n" + clock,
-         {"net:5:17: object \"a\", input \"a\": object \"clock\" of type GlobalTime has no output \"\"; there is "
+         {"net:5:17: object \"a\", input \"a\": object \"clock\" of type GlobalTime has no output \"\"; available: "
           "GlobalTime"}},
         {a + "connect = { a = 'clock.GlobalTime.' }\n" + clock,
          {"net:5:17: object \"a\", input \"a\": found \"clock.GlobalTime.\", expected the name of a component at the "
           "end"}},
         {a + "connect = { c = 'a.sum', a = 'sum', b = 'a.b' }\n",
-         {"net:5:13: object \"a\": Adder has no input \"c\"; there are a, b",
+         {"net:5:13: object \"a\": Adder has no input \"c\"; available: a, b",
           "net:5:30: object \"a\", input \"a\": found \"sum\", expected \"OBJECT.OUTPUT\"",
           "net:5:41: object \"a\", input \"b\": object \"a\" of type Adder has no output \"b\"; that is an input"}},
         {a + "connect = { a = 'clok.GlobalTime.time', b = 'clock.Globaltime' }\n" + clock,
@@ -229,7 +230,7 @@ TEST_F(NetworkBuilder, doesNotReportConnectionsToAnObjectThatCannotBeCreated)
                          {"a.x=1"}, {"volumes", "more"}),
                 ElementsAre("net:4:8: object \"a\": no library has an object type \"Volume\" (not loaded: "
                             "\"volumes\", \"more\")",
-                            "net:9:26: object \"b\": Adder has no input \"c\"; there are a, b"));
+                            "net:9:26: object \"b\": Adder has no input \"c\"; available: a, b"));
 }
 
 TEST_F(NetworkBuilder, refusesInvalidOverrides)
@@ -240,8 +241,8 @@ TEST_F(NetworkBuilder, refusesInvalidOverrides)
                  {"frist.a=1", "third.a=1", "first.c=1", "first.sum=1", "first.a=x", "second.a=1", "first.b=2"}),
         ElementsAre("--set=frist.a=1: no object is named \"frist\"; did you mean \"first\"?",
                     "--set=third.a=1: no object is named \"third\"",
-                    "--set=first.c=1: Adder has no input \"c\"; there are a, b",
-                    "--set=first.sum=1: Adder has no input \"sum\"; there are a, b",
+                    "--set=first.c=1: Adder has no input \"c\"; available: a, b",
+                    "--set=first.sum=1: Adder has no input \"sum\"; available: a, b",
                     "--set=first.a=x: the text \"x\" is refused, expected a value of type double",
                     "--set=second.a=1: the input reads \"first.sum\", so a text would have no effect"));
 }

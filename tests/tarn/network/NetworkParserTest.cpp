@@ -1,4 +1,4 @@
-#include <tarn/network/NetworkFile.hpp>
+#include <tarn/network/NetworkParser.hpp>
 
 #include <loam/FileError.hpp>
 
@@ -44,7 +44,7 @@ std::vector<std::string> textsOf(const std::vector<Setting>& settings)
 
 } // namespace
 
-TEST(NetworkFile, isReadInFileOrderWithAllPlaces)
+TEST(NetworkParser, isReadInFileOrderWithAllPlaces)
 {
     const NetworkFile file = parseValid(R"(format = 1
 libraries = ["quakes", "land"]
@@ -83,7 +83,7 @@ value = "instant.utc"
     EXPECT_EQ(file.columns[0].value.place, (Place{16, 9}));
 }
 
-TEST(NetworkFile, convertsNumbersAndTruthValuesToTexts)
+TEST(NetworkParser, convertsNumbersAndTruthValuesToTexts)
 {
     const NetworkFile file = parseValid(R"(format = 1
 [[object]]
@@ -106,7 +106,7 @@ set.lines = "a\nb"
                             "yes=true", "no=false", "text=C:\\dir \"x\"", "lines=a\nb"));
 }
 
-TEST(NetworkFile, mayHoldExactTextsBesideTheDisplayedText)
+TEST(NetworkParser, mayHoldExactTextsBesideTheDisplayedText)
 {
     const NetworkFile file = parseValid("format = 1\n[[object]]\nname = 'a'\ntype = 'T'\n"
                                         "set.x = { text = 'shown', exact = 'x' }\nset.y = { exact = ['y', 'z'] }\n");
@@ -123,7 +123,7 @@ TEST(NetworkFile, mayHoldExactTextsBesideTheDisplayedText)
     EXPECT_EQ(y.exact[1].text, "z");
 }
 
-TEST(NetworkFile, reportsNoFaultsInKeptObjectsOfUnknownType)
+TEST(NetworkParser, reportsNoFaultsInKeptObjectsOfUnknownType)
 {
     Faults faults{"net"};
     const auto isKnown = [](const std::string& type) { return type == "Known"; };
@@ -131,7 +131,7 @@ TEST(NetworkFile, reportsNoFaultsInKeptObjectsOfUnknownType)
                              "[[object]]\nname = 'b'\ntype = 'Known'\ncolour = 1\n[[object]]\ntype = 'T'\n";
     const NetworkFile file = parseNetwork(text, faults, isKnown);
     EXPECT_THAT(faults.lines(),
-                ElementsAre("net:11:1: object \"b\": unknown key \"colour\"; there are name, type, set, connect",
+                ElementsAre("net:11:1: object \"b\": unknown key \"colour\"; available: name, type, set, connect",
                             "net:12:1: object number 3: missing key \"name\""));
     ASSERT_EQ(file.objects.size(), 3u);
     EXPECT_EQ(file.objects[0].kept, "set.x = [1]\nset.y = \"b\"\ncolour = 1\n");
@@ -139,7 +139,7 @@ TEST(NetworkFile, reportsNoFaultsInKeptObjectsOfUnknownType)
     EXPECT_EQ(file.objects[1].kept, "");
 }
 
-TEST(NetworkFile, mayUseOtherTomlSpellings)
+TEST(NetworkParser, mayUseOtherTomlSpellings)
 {
     const NetworkFile file = parseValid("\xEF\xBB\xBF"
                                         "format = 1\r\nobject = [ { name = \"a\", type = \"T\" } ]\r\n"
@@ -148,7 +148,7 @@ TEST(NetworkFile, mayUseOtherTomlSpellings)
     EXPECT_EQ(file.objects[0].name.text, "a");
 }
 
-TEST(NetworkFile, reportsEveryFaultWithItsPlace)
+TEST(NetworkParser, reportsEveryFaultWithItsPlace)
 {
     const struct {
         const char* text;
@@ -164,7 +164,7 @@ TEST(NetworkFile, reportsEveryFaultWithItsPlace)
         // The meaning of keys in a later format is unknown.
         {"format = 2\nlibraries = 5", {"net:1:10: format 2: saved by a newer version; this version reads format 1"}},
         {"format = 1\nlibrary = []",
-         {"net:2:1: unknown key \"library\"; there are format, libraries, chart, object, column"}},
+         {"net:2:1: unknown key \"library\"; available: format, libraries, chart, object, column"}},
         {"format = 1\nlibrarys = []", {"net:2:1: unknown key \"librarys\"; did you mean \"libraries\"?"}},
         {"format = 1\nlibraries = 'a'", {"net:2:13: libraries is a text, expected an array of names"}},
         {"format = 1\nlibraries = ['a', 5, '']",
@@ -191,7 +191,7 @@ TEST(NetworkFile, reportsEveryFaultWithItsPlace)
         {"format = 1\n[[object]]\nname = 'a'\ntype = 'T'\nset = { x = [1], y = { z = 1 }, t = 10:00:00 }",
          {"net:5:13: object \"a\", input \"x\": set to an array, expected a text, a number, a truth value or a table "
           "with an exact text",
-          "net:5:24: object \"a\", input \"y\": unknown key \"z\"; there are text, exact",
+          "net:5:24: object \"a\", input \"y\": unknown key \"z\"; available: text, exact",
           "net:5:37: object \"a\", input \"t\": set to a time of day, expected a text, a number, a truth value or a "
           "table with an exact text"}},
         {"format = 1\n[[object]]\nname = 'a'\ntype = 'T'\n"
@@ -204,14 +204,14 @@ TEST(NetworkFile, reportsEveryFaultWithItsPlace)
          {"net:5:17: object \"a\", input \"x\": connected to an integer, expected \"OBJECT.OUTPUT\""}},
         {"format = 1\n[[object]]\nname = 'a'\ntype = 'T'\nconect = {}\ncolour = 1",
          {"net:5:1: object \"a\": unknown key \"conect\"; did you mean \"connect\"?",
-          "net:6:1: object \"a\": unknown key \"colour\"; there are name, type, set, connect"}},
+          "net:6:1: object \"a\": unknown key \"colour\"; available: name, type, set, connect"}},
         {"format = 1\n[[column]]\nvalue = 5\nunit = 'm'",
          {"net:2:1: column number 1: missing key \"title\"",
           "net:3:9: column number 1: value is an integer, expected a text",
-          "net:4:1: column number 1: unknown key \"unit\"; there are title, value"}},
+          "net:4:1: column number 1: unknown key \"unit\"; available: title, value"}},
         {"format = 1\na.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a.a = 1", {"net:2:1: a key of more than 16 parts"}},
         {"format = 1\nx = 2020-01-01T00:00:00Z",
-         {"net:2:1: unknown key \"x\"; there are format, libraries, chart, object, column"}},
+         {"net:2:1: unknown key \"x\"; available: format, libraries, chart, object, column"}},
     };
     for (const auto& [text, faults] : cases) {
         SCOPED_TRACE(text);
@@ -219,7 +219,7 @@ TEST(NetworkFile, reportsEveryFaultWithItsPlace)
     }
 }
 
-TEST(NetworkFile, reportsOneFaultWithItsPlaceIfItIsNotToml)
+TEST(NetworkParser, reportsOneFaultWithItsPlaceIfItIsNotToml)
 {
     const struct {
         std::string text;
@@ -242,7 +242,7 @@ TEST(NetworkFile, reportsOneFaultWithItsPlaceIfItIsNotToml)
 }
 
 // The parser would destroy the nested tables recursively.
-TEST(NetworkFile, mayHaveVeryLongKeysWithoutOverflowingTheStack)
+TEST(NetworkParser, mayHaveVeryLongKeysWithoutOverflowingTheStack)
 {
     std::string key = "a";
     for (int i = 0; i < 1'000'000; ++i)
@@ -252,7 +252,7 @@ TEST(NetworkFile, mayHaveVeryLongKeysWithoutOverflowingTheStack)
 }
 
 // A file truncated at any byte is read up to there or refused with a place.
-TEST(NetworkFile, mayBeTruncatedAnywhere)
+TEST(NetworkParser, mayBeTruncatedAnywhere)
 {
     const std::string whole = "format = 1\nlibraries = [\"a\"]\n[[object]]\nname = \"ä\"\ntype = 'T'\n"
                               "set = { x = \"\"\"y\nz\"\"\", v = 1.5 }\nconnect.w = \"a.b\"\n[[column]]\n"
@@ -263,29 +263,4 @@ TEST(NetworkFile, mayBeTruncatedAnywhere)
             EXPECT_THAT(fault, testing::StartsWith("net:"));
     }
     EXPECT_THAT(faultsOf(whole), IsEmpty());
-}
-
-TEST(ReadFile, returnsEveryByte)
-{
-    const TestFolder folder;
-    const std::string content = std::string("a\0b\r\n", 5) + std::string(200000, 'x');
-    EXPECT_EQ(readFile(folder.write("file", content)), content);
-    EXPECT_EQ(readFile(folder.write("empty", "")), "");
-}
-
-TEST(ReadFile, reportsWhichFileCannotBeReadAndWhy)
-{
-    const TestFolder folder;
-    const auto failure = [](const std::string& path) -> std::string {
-        try {
-            readFile(path);
-        } catch (const Loam::FileError& error) {
-            return error.what();
-        }
-        return "read";
-    };
-    EXPECT_EQ(failure(folder.file("none")),
-              "cannot read " + folder.file("none") + ": " + std::generic_category().message(ENOENT));
-    EXPECT_EQ(failure(folder.path()), "cannot read " + folder.path() + ": " + std::generic_category().message(EISDIR));
-    EXPECT_EQ(failure("/dev/zero"), "cannot read /dev/zero: it is larger than 256 MiB");
 }

@@ -1,3 +1,4 @@
+#include <tarn/network/NetworkParser.hpp>
 #include <tarn/network/NetworkWriter.hpp>
 
 #include <gmock/gmock.h>

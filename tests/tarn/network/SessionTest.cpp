@@ -94,8 +94,8 @@ TEST(Session, listsAllFaultsByPlace)
     const ProcessResult result = check("format = 1\nlibraries = ['testobjects']\nfolder = 'x'\n"
                                        "[[object]]\nname = 'a'\ntype = 'Adder'\nset = { c = 1 }\nconect = {}\n");
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "net.toml:3:1: unknown key \"folder\"; there are format, libraries, chart, object, column\n"
-                          "net.toml:7:9: object \"a\": Adder has no input \"c\"; there are a, b\n"
+    EXPECT_EQ(result.err, "net.toml:3:1: unknown key \"folder\"; available: format, libraries, chart, object, column\n"
+                          "net.toml:7:9: object \"a\": Adder has no input \"c\"; available: a, b\n"
                           "net.toml:8:1: object \"a\": unknown key \"conect\"; did you mean \"connect\"?\n"
                           "net.toml: 3 faults\n");
 }

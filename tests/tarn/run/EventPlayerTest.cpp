@@ -11,7 +11,7 @@ namespace {
 ProcessResult play(const std::string& events, const std::string& network)
 {
     const TestFolder folder;
-    return evaluate(network, {"--events=" + folder.write("events.txt", events)});
+    return evaluate(network, {"--events=" + folder.write("events.toml", events)});
 }
 
 const std::string listening = object("ear", "Listener") + column("log", "ear.log");
@@ -21,7 +21,11 @@ const std::string listening = object("ear", "Listener") + column("log", "ear.log
 TEST(EventPlayer, sendsEachEventToListeners)
 {
     EXPECT_FALSE(Tarn::EventPlayer::find());
-    const ProcessResult result = play("0 press 10 20 right shift\n0 move 11 21\n0 wheel 11 21 2\n0 key k\n", listening);
+    const ProcessResult result =
+        play("event = [{ step = 0, kind = 'press', x = 10, y = 20, button = 'right', modifiers = ['shift'] }, { step = "
+             "0, kind = 'move', x = 11, y = 21 }, { step = 0, kind = 'wheel', x = 11, y = 21, wheel = 2 }, { step = 0, "
+             "kind = 'key', key = 'k' }]\n",
+             listening);
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "step,log\n0,\"2@10,20:3:1:::0;3@11,21:0:0:::0;5@11,21:0:0:::2;"
                           "6@11,21:0:0:k::0;7@11,21:0:0::k:0;\"\n");
@@ -29,7 +33,9 @@ TEST(EventPlayer, sendsEachEventToListeners)
 
 TEST(EventPlayer, playsEventsAfterTheirStep)
 {
-    const ProcessResult result = play("1 keydown a\n3 keydown b\n", clockInQuarters + listening);
+    const ProcessResult result =
+        play("event = [{ step = 1, kind = 'keydown', key = 'a' }, { step = 3, kind = 'keydown', key = 'b' }]\n",
+             clockInQuarters + listening);
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "step,log\n0,\n1,\"6@-1,-1:0:0:a::0;\"\n2,\"6@-1,-1:0:0:a::0;\"\n"
                           "3,\"6@-1,-1:0:0:a::0;6@-1,-1:0:0:b::0;\"\n4,\"6@-1,-1:0:0:a::0;6@-1,-1:0:0:b::0;\"\n");
@@ -38,9 +44,11 @@ TEST(EventPlayer, playsEventsAfterTheirStep)
 TEST(EventPlayer, leavesTheGrabToItsHolder)
 {
     // The second listener comes later, and is shut out until the first releases the grab.
-    const ProcessResult result = play("0 press 1 1\n0 move 2 2\n0 release 3 3\n0 move 4 4\n",
-                                      object("first", "Listener") + object("second", "Listener")
-                                          + column("first", "first.log") + column("second", "second.log"));
+    const ProcessResult result =
+        play("event = [{ step = 0, kind = 'press', x = 1, y = 1 }, { step = 0, kind = 'move', x = 2, y = 2 }, { step = "
+             "0, kind = 'release', x = 3, y = 3 }, { step = 0, kind = 'move', x = 4, y = 4 }]\n",
+             object("first", "Listener") + object("second", "Listener") + column("first", "first.log")
+                 + column("second", "second.log"));
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "step,first,second\n"
                           "0,\"2@1,1:1:0:::0;3@2,2:0:0:::0;4@3,3:1:0:::0;3@4,4:0:0:::0;\","
@@ -49,20 +57,22 @@ TEST(EventPlayer, leavesTheGrabToItsHolder)
 
 TEST(EventPlayer, refusesEventsThatNoObjectWouldReceive)
 {
-    const ProcessResult deaf = play("0 key a\n", object("a", "Adder"));
+    const ProcessResult deaf = play("event = [{ step = 0, kind = 'key', key = 'a' }]\n", object("a", "Adder"));
     EXPECT_EQ(deaf.status, 2);
     EXPECT_THAT(deaf.err, HasSubstr("--events: no object of \"net.toml\" listens to events\n"));
-    const ProcessResult late = play("4 key a\n5 key b\n", clockInQuarters + listening);
+    const ProcessResult late =
+        play("event = [{ step = 4, kind = 'key', key = 'a' },\n{ step = 5, kind = 'key', key = 'b' }]\n",
+             clockInQuarters + listening);
     EXPECT_EQ(late.status, 2);
-    EXPECT_THAT(late.err, HasSubstr("events.txt:2:1: step 5 is not evaluated; the last one is 4\n"));
+    EXPECT_THAT(late.err, HasSubstr("events.toml:2:1: step 5 is not evaluated; the last one is 4\n"));
     EXPECT_THAT(late.err, HasSubstr("; nothing was evaluated\n"));
 }
 
 TEST(EventPlayer, refusesAScriptWithFaults)
 {
-    const ProcessResult result = play("0 press here\n", listening);
+    const ProcessResult result = play("event = [{ step = 0, kind = 'press', x = 'here', y = 1 }]\n", listening);
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("events.txt:1:9: found \"here\""));
+    EXPECT_THAT(result.err, HasSubstr("events.toml:1:42: x is \"here\""));
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(evaluate(listening, {"--events=none"}).status, 4);
 }

@@ -29,18 +29,25 @@ std::vector<std::string> faultsOf(const std::string& text)
     return faults.lines();
 }
 
+// One event, its table on the second line.
+std::string event(const std::string& entries)
+{
+    return "\n[[event]]\n" + entries + "\n";
+}
+
 } // namespace
 
-TEST(EventScript, readsPointerEvents)
+TEST(EventScript, readsThePointer)
 {
-    const auto events = eventsOf("0 press 100 -200 middle control+shift\n"
-                                 "0 move 160 200\n"
-                                 "2 release 3 4 shift\n"
-                                 "2 wheel 5 6 -0.5 alt\n");
+    const auto events = eventsOf(
+        event("step = 0\nkind = 'press'\nx = 100\ny = -200\nbutton = 'middle'\nmodifiers = ['control', 'shift']")
+        + event("step = 0\nkind = 'move'\nx = 160\ny = 200")
+        + event("step = 2\nkind = 'release'\nx = 3\ny = 4\nmodifiers = ['shift']")
+        + event("step = 2\nkind = 'wheel'\nx = 5\ny = 6\nwheel = -0.5\nmodifiers = ['alt']"));
     ASSERT_EQ(events.size(), 4u);
     EXPECT_EQ(events[0].kind, VInteractionEvent::Press);
     EXPECT_EQ(events[0].step, 0u);
-    EXPECT_EQ(events[0].place, (Place{1, 1}));
+    EXPECT_EQ(events[0].place, (Place{2, 1}));
     EXPECT_EQ(events[0].x, 100);
     EXPECT_EQ(events[0].y, -200);
     EXPECT_EQ(events[0].button, 2);
@@ -57,9 +64,16 @@ TEST(EventScript, readsPointerEvents)
     EXPECT_EQ(events[3].modifiers, VInteractionEvent::Alt);
 }
 
-TEST(EventScript, makesTwoEventsFromAKeyStroke)
+TEST(EventScript, acceptsAWholeNumberOfTurnsOfTheWheel)
 {
-    const auto events = eventsOf("1 key r");
+    const auto events = eventsOf(event("step = 0\nkind = 'wheel'\nx = 5\ny = 6\nwheel = 2"));
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].wheel, 2);
+}
+
+TEST(EventScript, makesTwoEventsOfAKeyStroke)
+{
+    const auto events = eventsOf(event("step = 1\nkind = 'key'\nkey = 'r'"));
     ASSERT_EQ(events.size(), 2u);
     EXPECT_EQ(events[0].kind, VInteractionEvent::KeyPress);
     EXPECT_EQ(events[0].keyText, "r");
@@ -69,69 +83,80 @@ TEST(EventScript, makesTwoEventsFromAKeyStroke)
     EXPECT_EQ(events[1].armingKeyText, "r");
 }
 
-TEST(EventScript, readsSingleKeyPressesAndReleasesAndNamedKeys)
+TEST(EventScript, readsKeysThatAreOnlyPressedOrReleasedAndKeysWithNames)
 {
     const struct {
-        const char* line;
+        const char* kind;
+        const char* key;
         const char* down;
         const char* up;
     } cases[] = {
-        {"0 keydown a", "a", ""},      {"0 keyup a", "", "a"},
-        {"0 keydown space", " ", ""},  {"0 keydown tab", "\t", ""},
-        {"0 keydown enter", "\r", ""}, {"0 keydown escape", "\x1b", ""},
-        {"0 keydown hash", "#", ""},   {"0 keydown \xc3\xa4", "\xc3\xa4", ""},
-        {"0 keydown +", "+", ""},
+        {"keydown", "a", "a", ""},         {"keyup", "a", "", "a"},      {"keydown", "space", " ", ""},
+        {"keydown", " ", " ", ""},         {"keydown", "tab", "\t", ""}, {"keydown", "enter", "\r", ""},
+        {"keydown", "escape", "\x1b", ""}, {"keydown", "#", "#", ""},    {"keydown", "\xc3\xa4", "\xc3\xa4", ""},
     };
-    for (const auto& [line, down, up] : cases) {
-        SCOPED_TRACE(line);
-        const auto events = eventsOf(line);
+    for (const auto& [kind, key, down, up] : cases) {
+        SCOPED_TRACE(key);
+        const auto events = eventsOf(event(std::string("step = 0\nkind = '") + kind + "'\nkey = '" + key + "'"));
         ASSERT_EQ(events.size(), 1u);
         EXPECT_EQ(events[0].keyText, down);
         EXPECT_EQ(events[0].armingKeyText, up);
     }
 }
 
-TEST(EventScript, ignoresCommentsAndBlankLines)
+TEST(EventScript, mayBeEmpty)
 {
     EXPECT_THAT(eventsOf(""), IsEmpty());
-    EXPECT_THAT(eventsOf("# nothing\n\n  \t\n#\n"), IsEmpty());
-    EXPECT_EQ(eventsOf("\n  3\tkeydown  x# the key\r\n# end").size(), 1u);
+    EXPECT_THAT(eventsOf("# nothing\n\n"), IsEmpty());
 }
 
-TEST(EventScript, reportsEveryFaultWithItsPlace)
+TEST(EventScript, reportsEachFaultWithItsPlace)
 {
+    const std::string kinds = "press, move, release, wheel, key, keydown or keyup";
+    const std::string keys = "one character, or space, tab, enter or escape";
     const struct {
-        const char* text;
+        std::string text;
         std::vector<std::string> faults;
     } cases[] = {
-        {"x key a", {"events:1:1: found \"x\", expected the number of a step"}},
-        {"-1 key a", {"events:1:1: found \"-1\", expected the number of a step"}},
-        {"1.5 key a", {"events:1:1: found \"1.5\", expected the number of a step"}},
-        {"1", {"events:1:2: found the end of the line, expected press, move, release, wheel, key, keydown or keyup"}},
-        {"1 push 1 2", {"events:1:3: found \"push\", expected press, move, release, wheel, key, keydown or keyup"}},
-        {"1 press", {"events:1:8: found the end of the line, expected a whole number of pixels from the left"}},
-        {"1 press 1", {"events:1:10: found the end of the line, expected a whole number of pixels from the top"}},
-        {"1 press 1 2.5", {"events:1:11: found \"2.5\", expected a whole number of pixels from the top"}},
-        {"1 press 1 99999999999",
-         {"events:1:11: found \"99999999999\", expected a whole number of pixels from the top"}},
-        {"1 press 1 2 up", {"events:1:13: found \"up\", expected left, middle, right, or keys such as shift+control"}},
-        {"1 press 1 2 left shift+",
-         {"events:1:18: found \"shift+\", expected left, middle, right, or keys such as "
-          "shift+control"}},
-        {"1 press 1 2 left shift x", {"events:1:24: found \"x\", expected the end of the line"}},
-        {"1 wheel 1 2", {"events:1:12: found the end of the line, expected the turns of the wheel"}},
-        {"1 wheel 1 2 nan", {"events:1:13: found \"nan\", expected the turns of the wheel"}},
-        {"1 wheel 1 2 1 left", {"events:1:15: found \"left\", expected keys such as shift+control"}},
-        {"1 key",
-         {"events:1:6: found the end of the line, expected one character, or space, tab, enter, escape or hash"}},
-        {"1 key ab", {"events:1:7: found \"ab\", expected one character, or space, tab, enter, escape or hash"}},
-        {"1 key a b", {"events:1:9: found \"b\", expected keys such as shift+control"}},
-        {"2 key a\n1 key b\n3 kye c",
-         {"events:2:1: step 1 comes after step 2; steps must not decrease",
-          "events:3:3: found \"kye\", expected press, move, release, wheel, key, keydown or keyup"}},
-        {"1 key a\n2 key \xff", {"events:2:7: invalid UTF-8 from here on"}},
-        {"1 key \xc3\xa4\xc3\xb6 x",
-         {"events:1:7: found \"\xc3\xa4\xc3\xb6\", expected one character, or space, tab, enter, escape or hash"}},
+        {event("step = 'x'\nkind = 'key'\nkey = 'a'"), {"events:3:8: step is \"x\", expected the number of a step"}},
+        {event("step = -1\nkind = 'key'\nkey = 'a'"), {"events:3:8: step is -1, expected the number of a step"}},
+        {event("step = 1.5\nkind = 'key'\nkey = 'a'"), {"events:3:8: step is 1.5, expected the number of a step"}},
+        {event("kind = 'key'\nkey = 'a'"), {"events:2:1: missing key \"step\", expected the number of a step"}},
+        {event("step = 1"), {"events:2:1: missing key \"kind\", expected " + kinds}},
+        {event("step = 1\nkind = 'push'"), {"events:4:8: kind is \"push\", expected " + kinds}},
+        {event("step = 1\nkind = 'press'"),
+         {"events:2:1: missing key \"x\", expected a whole number of pixels from the left",
+          "events:2:1: missing key \"y\", expected a whole number of pixels from the top"}},
+        {event("step = 1\nkind = 'press'\nx = 1\ny = 2.5"),
+         {"events:6:5: y is 2.5, expected a whole number of pixels from the top"}},
+        {event("step = 1\nkind = 'press'\nx = 1\ny = 99999999999"),
+         {"events:6:5: y is 99999999999, expected a whole number of pixels from the top"}},
+        {event("step = 1\nkind = 'press'\nx = 1\ny = 2\nbutton = 'up'"),
+         {"events:7:10: button is \"up\", expected left, middle or right"}},
+        {event("step = 1\nkind = 'press'\nx = 1\ny = 2\nbutton = 1"),
+         {"events:7:10: button is 1, expected left, middle or right"}},
+        {event("step = 1\nkind = 'press'\nx = 1\ny = 2\nmodifiers = ['shift', 'meta']"),
+         {"events:7:23: found \"meta\", expected shift, control or alt"}},
+        {event("step = 1\nkind = 'press'\nx = 1\ny = 2\nmodifiers = 'shift'"),
+         {"events:7:13: modifiers is \"shift\", expected a list such as [\"shift\", \"control\"]"}},
+        {event("step = 1\nkind = 'wheel'\nx = 1\ny = 2"),
+         {"events:2:1: missing key \"wheel\", expected a number of turns"}},
+        {event("step = 1\nkind = 'wheel'\nx = 1\ny = 2\nwheel = nan"),
+         {"events:7:9: wheel is nan, expected a number of turns"}},
+        {event("step = 1\nkind = 'wheel'\nx = 1\ny = 2\nwheel = 1\nbutton = 'left'"),
+         {"events:8:1: unknown key \"button\" of an event of kind \"wheel\"; available: step, kind, x, y, wheel, "
+          "modifiers"}},
+        {event("step = 1\nkind = 'key'"), {"events:2:1: missing key \"key\", expected " + keys}},
+        {event("step = 1\nkind = 'key'\nkey = 'ab'"), {"events:5:7: key is \"ab\", expected " + keys}},
+        {event("step = 1\nkind = 'key'\nkey = ''"), {"events:5:7: key is \"\", expected " + keys}},
+        {event("step = 1\nkind = 'key'\nkey = 'a'\nx = 1"),
+         {"events:6:1: unknown key \"x\" of an event of kind \"key\"; available: step, kind, key, modifiers"}},
+        {event("step = 2\nkind = 'key'\nkey = 'a'") + event("step = 1\nkind = 'key'\nkey = 'b'"),
+         {"events:8:8: step is 1, expected 2 or more, because events are in the order of steps"}},
+        {"events = 1", {"events:1:1: unknown key \"events\", expected tables under the header [[event]]"}},
+        {"event = 1", {"events:1:9: event is an integer, expected tables under the header [[event]]"}},
+        {"event = [1]", {"events:1:10: event holds an integer, expected tables under the header [[event]]"}},
+        {"# \xff", {"events:1:3: invalid UTF-8 from here on"}},
     };
     for (const auto& [text, faults] : cases) {
         SCOPED_TRACE(text);
@@ -139,9 +164,16 @@ TEST(EventScript, reportsEveryFaultWithItsPlace)
     }
 }
 
-TEST(EventScript, keepsTheValidEvents)
+TEST(EventScript, reportsTextThatIsNotToml)
+{
+    EXPECT_EQ(faultsOf("0 press 1 2").size(), 1u);
+}
+
+TEST(EventScript, keepsTheEventsWithoutFaults)
 {
     Faults faults{"events"};
-    EXPECT_EQ(parseEvents("0 press 1 2\n0 oops\n1 release 1 2\n", faults).size(), 2u);
+    const std::string script = event("step = 0\nkind = 'press'\nx = 1\ny = 2") + event("step = 0\nkind = 'oops'")
+                               + event("step = 1\nkind = 'release'\nx = 1\ny = 2");
+    EXPECT_EQ(parseEvents(script, faults).size(), 2u);
     EXPECT_EQ(faults.size(), 1u);
 }

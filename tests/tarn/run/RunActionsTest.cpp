@@ -24,8 +24,10 @@ TEST(RunActions, needNoListener)
 TEST(RunActions, areAlsoEmittedByAKey)
 {
     const TestFolder folder;
-    const std::string events =
-        folder.write("events.txt", "0 key w\n0 key x\n0 keydown w\n0 keydown w\n0 keyup w\n0 keydown w\n");
+    const std::string events = folder.write(
+        "events.toml", "event = [{ step = 0, kind = 'key', key = 'w' }, { step = 0, kind = 'key', key = 'x' }, { step "
+                       "= 0, kind = 'keydown', key = 'w' }, { step = 0, kind = 'keydown', key = 'w' }, { step = 0, "
+                       "kind = 'keyup', key = 'w' }, { step = 0, kind = 'keydown', key = 'w' }]\n");
     const ProcessResult result =
         evaluate(object("key", "KeyAction", "set = { hotkey = 'w' }\n")
                      + object("counter", "ActionCounter", "connect = { trigger = 'key.action' }\n")

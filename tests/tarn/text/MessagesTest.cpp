@@ -56,8 +56,8 @@ TEST(Messages, suggestNothingForVeryLongNames)
 TEST(Messages, suggestOrListTheAvailableNames)
 {
     EXPECT_EQ(insteadOf("tme", {"time", "range"}), "; did you mean \"time\"?");
-    EXPECT_EQ(insteadOf("depth", {"time", "range"}), "; there are time, range");
-    EXPECT_EQ(insteadOf("depth", {"time"}), "; there is time");
+    EXPECT_EQ(insteadOf("depth", {"time", "range"}), "; available: time, range");
+    EXPECT_EQ(insteadOf("depth", {"time"}), "; available: time");
     EXPECT_EQ(insteadOf("depth", {}), "");
     EXPECT_EQ(insteadOf("depth", std::vector<std::string>(13, "x")), "");
 }

@@ -1,6 +1,6 @@
 #include <tarn/text/TomlText.hpp>
 
-#include <tarn/network/NetworkFile.hpp>
+#include <tarn/network/NetworkParser.hpp>
 
 #include <loam/Numbers.hpp>
 
