@@ -34,6 +34,19 @@ if(FATHOM_BUILD_HOST)
         COMPONENT fathom_host)
 endif()
 
+# Debian keeps the licence of each package under this name.
+set(licensed_packages fathom_runtime=libfathom${FATHOM_ABI_VERSION} fathom_development=libfathom-dev)
+if(FATHOM_BUILD_HOST)
+    list(APPEND licensed_packages fathom_host=tarn)
+endif()
+foreach(package IN LISTS licensed_packages)
+    string(REGEX MATCH "^(.*)=(.*)$" package "${package}")
+    install(FILES "${PROJECT_SOURCE_DIR}/LICENSE"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/${CMAKE_MATCH_2}"
+        RENAME copyright
+        COMPONENT ${CMAKE_MATCH_1})
+endforeach()
+
 install(FILES "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}"
     COMPONENT fathom_development)

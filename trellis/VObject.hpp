@@ -34,6 +34,8 @@ public:
 /// Several threads may evaluate pools of one network at the same time, so calls of `update`
 /// may overlap, each for a different pool. An object that keeps state in members calls
 /// `keepsState()` in its constructor.
+///
+/// `docs/architecture.md` shows the path of a value through the classes.
 class TRELLIS_API VObject : public VManagedObject, public virtual VSkale {
 public:
     VObject(const std::string& name, int level, const StrongPtr<VCreationPreferences, InterfaceBase>& preferences);

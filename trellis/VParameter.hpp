@@ -27,6 +27,8 @@ class Wiring;
 /// write to it.
 ///
 /// The order of the virtual functions is part of the binary interface.
+///
+/// `docs/architecture.md` shows the path of a value through the classes.
 class TRELLIS_API VParameter : public ValueNotifierList {
 public:
     /// \pre \p value is not null.

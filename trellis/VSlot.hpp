@@ -21,6 +21,8 @@ class VSlotContainer;
 /// A container's named input or output. It refers to a parameter: the container's own by
 /// default, another object's output once connected. An optional member name selects a
 /// component of the value.
+///
+/// `docs/architecture.md` shows the path of a value through the classes.
 class TRELLIS_API VSlot : public Loam::ReferenceBase<VSlot> {
 public:
     /// Bits of the flag byte.

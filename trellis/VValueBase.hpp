@@ -26,6 +26,8 @@ class VValueCreator;
 /// and converts to and from text.
 ///
 /// The order of the virtual functions is part of the binary interface.
+///
+/// `docs/architecture.md` shows the path of a value through the classes.
 class TRELLIS_API VValueBase : public Loam::ReferenceBase<VValueBase> {
 public:
     ~VValueBase() override;

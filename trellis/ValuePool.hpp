@@ -28,6 +28,8 @@ class PoolState;
 /// destroyed. Only one thread may use a pool at a time; several threads may use different
 /// pools of one network at the same time. A pool's memory grows with its variables, not with
 /// the network.
+///
+/// `docs/architecture.md` shows the path of a value through the classes.
 class TRELLIS_API ValuePool : public Loam::ReferenceBase<ValuePool> {
 public:
     /// \p name appears in messages.
