@@ -13,7 +13,7 @@ void keepUnknown(NetworkFile::Object& object, const toml::table& table, Faults& 
             continue;
         if (nestingOf(*node) > MostNested) {
             faults.add(placeOf(*node),
-                         object.description + ": " + inQuotes(key.text) + " is nested too deeply to be written again");
+                       object.description + ": " + inQuotes(key.text) + " is nested too deeply to be written again");
             continue;
         }
         const toml::table* inner = node->as_table();
