@@ -25,6 +25,9 @@ public:
 
     unsigned concurrency() const noexcept override { return m_count; }
     std::chrono::nanoseconds handOverTime() const noexcept override { return m_handOverTime; }
+    /// Returns true if a task was passed.
+    bool wasUsed() const noexcept { return !m_threads.empty(); }
+
     void execute(std::function<void()> task) override { m_threads.emplace_back(std::move(task)); }
 
 private:

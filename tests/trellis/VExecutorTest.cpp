@@ -193,6 +193,32 @@ TEST_F(VExecutorTest, runsShortUpdatesInTheCallingThreadFromTheSecondRunOn)
     EXPECT_THAT(threadsOfARun(1h), ElementsAre(std::this_thread::get_id()));
 }
 
+TEST_F(VExecutorTest, doesNotAddALongUpdateToTheTimeOfTheShortOneAfterIt)
+{
+    const auto first = makeNode("first");
+    const auto beside = makeNode("beside");
+    const auto slow = makeNode("slow");
+    slow->work = [](Node& self, VRequest& request, double) {
+        std::this_thread::sleep_for(120ms);
+        return self.writeSum(request.valuePool());
+    };
+    connect(first, slow);
+    Nodes readers;
+    for (int i = 0; i < 3; ++i) {
+        readers.push_back(makeNode("reader"));
+        connect(slow, readers.back());
+    }
+    bool wasUsed = true;
+    for (int i = 0; i < 4; ++i) {
+        for (const StrongPtr<Node>& node : {first, beside})
+            node->findSlot("in")->set(pool, std::to_string(1 + i));
+        Threads threads(3, 100ms);
+        EXPECT_EQ(run(pool, threads).updates, 6u);
+        wasUsed = threads.wasUsed();
+    }
+    EXPECT_FALSE(wasUsed);
+}
+
 TEST_F(VExecutorTest, handsAnObjectOverAgainWhenItsUpdatesBecomeLong)
 {
     Meeting meeting;

@@ -303,17 +303,18 @@ VScheduler::Summary ConcurrentRun::run()
             continue;
         const bool hasStarted = !m_early.empty() && m_early.contains(frame);
         const bool isAlone = m_early.empty() && !m_pool.peekDue();
-        if (isAlone || (PoolState::runsInTurn(*frame) && !hasStarted)) {
-            if (!runOne(*frame))
-                break;
-            continue;
-        }
-        if (PoolState::isShort(*frame) && !hasStarted) {
+        const bool isNext = isAlone || (PoolState::runsInTurn(*frame) && !hasStarted);
+        if (!isNext && PoolState::isShort(*frame) && !hasStarted) {
             if (!runShort(*frame))
                 break;
             continue;
         }
         m_lastEnd.reset();
+        if (isNext) {
+            if (!runOne(*frame))
+                break;
+            continue;
+        }
         takeBatch(*frame);
         if (!runBatch())
             break;
