@@ -83,4 +83,13 @@ std::string ObjectTracker::survivor() const
     return creator.empty() ? heldCreator<Orla::VValueCreator>() : creator;
 }
 
+void ObjectTracker::unloadUnlessInUse(Libraries& libraries) const
+{
+    const std::string inUse = survivor();
+    if (inUse.empty())
+        libraries.unload();
+    else
+        Orla::VActionNotifier::Warning("The libraries stay in memory because " + inUse + " is still in use");
+}
+
 } // namespace Tarn

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tarn/libraries/Libraries.hpp>
+
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VObject.hpp>
 
@@ -23,8 +25,11 @@ public:
     void countValues(const Orla::StrongPtr<Orla::ValuePool>& pool);
 
     /// Describes a recorded item that is still alive, or a creator that is still referenced.
-    /// Returns an empty string if there is none.
+    /// Returns an empty string if everything was destroyed.
     std::string survivor() const;
+
+    /// Unloads \p libraries, or issues a warning if anything survived, whose code must stay.
+    void unloadUnlessInUse(Libraries& libraries) const;
 
 private:
     void countParameter(const Orla::StrongPtr<Orla::VParameter>& parameter,

@@ -69,11 +69,7 @@ Session::~Session()
     m_scope.reset();
     m_objects.reset();
     Orla::VActionNotifier::remove(m_tracker);
-    const std::string survivor = m_tracker->survivor();
-    if (survivor.empty())
-        m_libraries.unload();
-    else
-        Orla::VActionNotifier::Warning("The libraries stay in memory because " + survivor + " is still in use");
+    m_tracker->unloadUnlessInUse(m_libraries);
 }
 
 void Session::loadLibraries(const NetworkFile& file, std::vector<std::string>& missing)

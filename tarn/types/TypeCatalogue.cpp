@@ -78,11 +78,7 @@ TypeCatalogue::TypeCatalogue(const std::vector<std::string>& libraries)
 TypeCatalogue::~TypeCatalogue()
 {
     Orla::VActionNotifier::remove(m_tracker);
-    const std::string survivor = m_tracker->survivor();
-    if (survivor.empty())
-        m_libraries.unload();
-    else
-        Orla::VActionNotifier::Warning("The libraries stay in memory because " + survivor + " is still in use");
+    m_tracker->unloadUnlessInUse(m_libraries);
 }
 
 std::vector<ValueTypeDescription> TypeCatalogue::valueTypes() const
