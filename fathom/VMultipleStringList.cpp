@@ -27,7 +27,7 @@ void write(std::string& text, const StringList& strings)
     }
 }
 
-// Returns the text after the first "{", or the empty text if there is no string in braces.
+// Returns the text after the first "{"; empty without a "{".
 std::string_view inBraces(std::string_view text) noexcept
 {
     const auto first = text.find('{');

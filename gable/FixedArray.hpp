@@ -38,8 +38,7 @@ struct FixedArray {
 };
 
 template<class T, class... Rest>
-    requires(std::is_same_v<T, Rest>&&...)
-FixedArray(T, Rest...)
-->FixedArray<T, 1 + sizeof...(Rest)>;
+    requires(std::is_same_v<T, Rest> && ...)
+FixedArray(T, Rest...) -> FixedArray<T, 1 + sizeof...(Rest)>;
 
 } // namespace Gyre

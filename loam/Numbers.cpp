@@ -40,7 +40,8 @@ void readInCLocale(const char* text, char** end, float& value)
 }
 
 // Reads the numbers that std::from_chars does not: hexadecimal ones after "0x", and those
-// beyond the range of their type. Returns null if there is no memory for a long one.
+// beyond the range of their type. Returns null if memory for a long text
+// cannot be allocated.
 template<class T>
 const char* readWithStrtod(const char* first, const char* last, T& value)
 {

@@ -17,9 +17,9 @@ namespace Loam {
 /// The integer types that have a text form. Characters and bool are excluded: they
 /// would silently be written as their codes.
 template<class T>
-concept IntegerNumber = std::same_as<T, short> || std::same_as<T, unsigned short> || std::same_as<T, int> || std::
-    same_as<T, unsigned int> || std::same_as<T, long> || std::same_as<T, unsigned long> || std::same_as<
-        T, long long> || std::same_as<T, unsigned long long>;
+concept IntegerNumber = std::same_as<T, short> || std::same_as<T, unsigned short> || std::same_as<T, int>
+                        || std::same_as<T, unsigned int> || std::same_as<T, long> || std::same_as<T, unsigned long>
+                        || std::same_as<T, long long> || std::same_as<T, unsigned long long>;
 
 template<class T>
 concept Number = IntegerNumber<T> || std::same_as<T, float> || std::same_as<T, double>;

@@ -42,7 +42,7 @@ public:
 protected:
     Counted();
     explicit Counted(RootFirst) noexcept
-        : m_block{::new (reinterpret_cast<std::byte*>(this) - sizeof(ReferenceBlock))
+        : m_block{::new(reinterpret_cast<std::byte*>(this) - sizeof(ReferenceBlock))
                       ReferenceBlock{ReferenceBlock::Fresh, this}}
     {
     }

@@ -47,12 +47,18 @@ public:
 
     /// Converts a pointer to a derived class; implicit, as for plain pointers.
     template<class U>
-        requires std::convertible_to<U*, T*> Strong(const Strong<U>& other)
-    noexcept : m_block{other.m_block}, m_object{other.m_object} { retain(); }
+        requires std::convertible_to<U*, T*>
+    Strong(const Strong<U>& other) noexcept : m_block{other.m_block}, m_object{other.m_object}
+    {
+        retain();
+    }
 
     template<class U>
-        requires std::convertible_to<U*, T*> Strong(Strong<U>&& other)
-    noexcept : m_block{std::exchange(other.m_block, nullptr)}, m_object{std::exchange(other.m_object, nullptr)} {}
+        requires std::convertible_to<U*, T*>
+    Strong(Strong<U>&& other) noexcept
+        : m_block{std::exchange(other.m_block, nullptr)}, m_object{std::exchange(other.m_object, nullptr)}
+    {
+    }
 
     /// Checked downcast or cross-cast: null if the object is not a \p T.
     template<class U>

@@ -24,8 +24,11 @@ public:
     Weak(T* object) noexcept : m_block{object ? &object->referenceBlock() : nullptr}, m_object{object} { retain(); }
 
     template<class U>
-        requires std::convertible_to<U*, T*> Weak(const Strong<U>& strong)
-    noexcept : m_block{strong.m_block}, m_object{strong.m_object} { retain(); }
+        requires std::convertible_to<U*, T*>
+    Weak(const Strong<U>& strong) noexcept : m_block{strong.m_block}, m_object{strong.m_object}
+    {
+        retain();
+    }
 
     Weak(const Weak& other) noexcept : m_block{other.m_block}, m_object{other.m_object} { retain(); }
 
@@ -38,8 +41,7 @@ public:
     /// object, so the object is locked first; if it is no longer alive, the result is empty.
     template<class U>
         requires(std::convertible_to<U*, T*> && !std::same_as<U, T>)
-    Weak(const Weak<U>& other)
-    noexcept
+    Weak(const Weak<U>& other) noexcept
     {
         if (other.m_block && other.m_block->tryAddStrong()) {
             m_block = other.m_block;
@@ -125,8 +127,8 @@ using WeakPtr = Weak<T>;
 
 template<class T>
 template<class U>
-    requires std::convertible_to<U*, T*> Strong<T>::Strong(const Weak<U>& weak)
-noexcept
+    requires std::convertible_to<U*, T*>
+Strong<T>::Strong(const Weak<U>& weak) noexcept
 {
     if (weak.m_block && weak.m_block->tryAddStrong()) {
         m_block = weak.m_block;
@@ -137,8 +139,7 @@ noexcept
 template<class T>
 template<class U>
     requires(!std::convertible_to<U*, T*>)
-Strong<T>::Strong(const Weak<U>& weak)
-noexcept : Strong(weak.lock())
+Strong<T>::Strong(const Weak<U>& weak) noexcept : Strong(weak.lock())
 {
 }
 

@@ -98,8 +98,8 @@ private:
         Cell cell;
         std::uint16_t flags = 0;
     };
-    struct alignas(WideCell) MoreCells {
-        std::uint32_t count;
+    struct MoreCells {
+        alignas(WideCell) std::uint32_t count;
         WideCell* cells() noexcept { return reinterpret_cast<WideCell*>(this + 1); }
     };
 
@@ -120,10 +120,7 @@ private:
 
     /// Returns true while the object's own update writes. Its writes to its own inputs do not
     /// make it due.
-    bool isWriting() const noexcept
-    {
-        return m_isUpdating && !m_hasReturned;
-    }
+    bool isWriting() const noexcept { return m_isUpdating && !m_hasReturned; }
 
     /// Returns false if the update can run without preparation.
     bool needsPreparation() const noexcept
@@ -132,14 +129,8 @@ private:
         return m_isStale || m_isWaiting || m_needsHold || m_keepsState || m_acceptsFailed || m_hasPrecision;
     }
 
-    Cell* inlineCells() noexcept
-    {
-        return reinterpret_cast<Cell*>(this + 1);
-    }
-    WideCell* moreCells() noexcept
-    {
-        return static_cast<MoreCells*>(m_more)->cells();
-    }
+    Cell* inlineCells() noexcept { return reinterpret_cast<Cell*>(this + 1); }
+    WideCell* moreCells() noexcept { return static_cast<MoreCells*>(m_more)->cells(); }
     void findReaders(std::uint32_t index);
 
     const VSlotContainer* m_container = nullptr;

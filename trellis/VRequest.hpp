@@ -63,18 +63,18 @@ public:
 
     /// As above, for typed slots.
     template<class Slot>
-        requires requires(const Slot& input)
-        {
-            input.slot();
-        }
-    bool hasChanged(const Slot& input) const { return input.slot() && hasChanged(*input.slot()); }
+        requires requires(const Slot& input) { input.slot(); }
+    bool hasChanged(const Slot& input) const
+    {
+        return input.slot() && hasChanged(*input.slot());
+    }
 
     template<class Slot>
-        requires requires(const Slot& input)
-        {
-            input.slot();
-        }
-    bool hasFailed(const Slot& input) const { return input.slot() && hasFailed(*input.slot()); }
+        requires requires(const Slot& input) { input.slot(); }
+    bool hasFailed(const Slot& input) const
+    {
+        return input.slot() && hasFailed(*input.slot());
+    }
 
 private:
     StrongPtr<ValuePool> m_pool;

@@ -40,7 +40,7 @@ VValueComponents::Component find(const std::type_info& type, const std::string& 
     return {{}, found->type, found->make};
 }
 
-// Returns the parts of "outer.inner", or nothing if there are not two parts.
+// Returns the parts of "outer.inner", or nothing for any other number of parts.
 std::optional<std::pair<std::string, std::string>> split(const std::string& member)
 {
     const auto dot = member.find('.');

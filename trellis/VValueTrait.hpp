@@ -32,35 +32,25 @@ struct VNumberTrait {
 };
 
 template<>
-struct VValueTrait<short> : VNumberTrait<short> {
-};
+struct VValueTrait<short> : VNumberTrait<short> {};
 template<>
-struct VValueTrait<int> : VNumberTrait<int> {
-};
+struct VValueTrait<int> : VNumberTrait<int> {};
 template<>
-struct VValueTrait<long> : VNumberTrait<long> {
-};
+struct VValueTrait<long> : VNumberTrait<long> {};
 template<>
-struct VValueTrait<long long> : VNumberTrait<long long> {
-};
+struct VValueTrait<long long> : VNumberTrait<long long> {};
 template<>
-struct VValueTrait<unsigned short> : VNumberTrait<unsigned short> {
-};
+struct VValueTrait<unsigned short> : VNumberTrait<unsigned short> {};
 template<>
-struct VValueTrait<unsigned int> : VNumberTrait<unsigned int> {
-};
+struct VValueTrait<unsigned int> : VNumberTrait<unsigned int> {};
 template<>
-struct VValueTrait<unsigned long> : VNumberTrait<unsigned long> {
-};
+struct VValueTrait<unsigned long> : VNumberTrait<unsigned long> {};
 template<>
-struct VValueTrait<unsigned long long> : VNumberTrait<unsigned long long> {
-};
+struct VValueTrait<unsigned long long> : VNumberTrait<unsigned long long> {};
 template<>
-struct VValueTrait<float> : VNumberTrait<float> {
-};
+struct VValueTrait<float> : VNumberTrait<float> {};
 template<>
-struct VValueTrait<double> : VNumberTrait<double> {
-};
+struct VValueTrait<double> : VNumberTrait<double> {};
 
 /// One character. An empty text means character 0, in both directions. A longer text is
 /// refused.

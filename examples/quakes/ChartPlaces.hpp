@@ -19,7 +19,7 @@ namespace Quakes {
 ///
 /// - `atlas`: these three charts;
 /// - `places`: the coordinates of all places in sequence, three per place;
-/// - `box`: the smallest box around them, with no extent if there are no places.
+/// - `box`: the smallest box around them, of size 0 without places.
 class ChartPlaces : public Orla::VChartDependent, public Orla::Atlas {
 public:
     /// Longitude and latitude in degrees, and height in metres.

@@ -19,7 +19,7 @@ enum class Chart {
 /// Returns "geographic", "geocentric" or "plate carree".
 const char* chartName(Chart chart) noexcept;
 
-/// Returns the chart with that name, or nothing if there is none.
+/// Returns the chart with that name, or nothing if the name is unknown.
 std::optional<Chart> chartOfName(std::string_view name) noexcept;
 
 /// Converts geocentric metres to longitude and latitude in degrees, those of the nearest

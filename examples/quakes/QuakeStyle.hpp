@@ -20,7 +20,7 @@ enum class ColorRule {
 /// Returns "magnitude", "depth" or "age".
 const char* colorRuleName(ColorRule rule) noexcept;
 
-/// Returns the rule with that name, or nothing if there is none.
+/// Returns the rule with that name, or nothing if the name is unknown.
 std::optional<ColorRule> colorRuleOfName(std::string_view name) noexcept;
 
 /// The legend of a rule in a picture.

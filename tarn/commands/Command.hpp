@@ -66,7 +66,7 @@ struct Command {
 /// Returns the synopsis, such as "tarn run NETWORK.toml [--steps=N] ...", wrapped to fit.
 std::string synopsisOf(const Command& command);
 
-/// Returns the paragraphs of the help below the options; empty if there are none.
+/// Returns the paragraphs of the help that follow the options; may be empty.
 std::string paragraphsOn(const Command& command);
 
 /// Returns the output of `tarn COMMAND --help`.

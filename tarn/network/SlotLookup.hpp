@@ -15,7 +15,7 @@
 namespace Tarn {
 
 /// Returns the slot of \p slots whose name \p text begins with, followed by the end of the
-/// text or by \p separator; null if there is none.
+/// text or by \p separator; null if no slot matches.
 Orla::StrongPtr<Orla::VSlot> findSlotAtStart(const Orla::VSlotSet& slots, std::string_view text, char separator);
 
 std::vector<std::string> namesOf(const Orla::VSlotSet& slots);

@@ -12,8 +12,8 @@ namespace Tarn {
 /// would overflow the stack.
 inline constexpr std::size_t MaximalKeyParts = 16;
 
-/// Returns the place of the first key with more parts in the TOML text \p text, or an empty
-/// place if there is none.
+/// Returns the place of the first key in the TOML text \p text that has more parts; an empty
+/// place if all keys are short enough.
 Place findDeepKey(std::string_view text) noexcept;
 
 } // namespace Tarn

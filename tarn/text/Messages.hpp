@@ -21,7 +21,7 @@ std::string inQuotes(std::string_view text);
 std::string counted(std::size_t count, const std::string& noun);
 
 /// Returns the candidate that \p name probably misspells: a few letters wrong, missing,
-/// extra or swapped, or a difference in case. Returns an empty string if there is none.
+/// extra or swapped, or a difference in case. Returns an empty string if none is close.
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates);
 
 /// Returns the end of a message about an unknown \p name: `; did you mean "X"?`, or the list

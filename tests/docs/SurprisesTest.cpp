@@ -39,7 +39,7 @@ std::vector<std::string> cellsOf(const std::string& line)
     return cells;
 }
 
-// Reads the text between the backticks of a cell. Returns false if there is none.
+// Reads the text between the backticks of a cell. Returns false without backticks.
 bool readCode(const std::string& cell, std::string& code)
 {
     const std::size_t begin = cell.find('`');

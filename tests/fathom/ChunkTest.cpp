@@ -71,8 +71,7 @@ void expectPiecewise(const std::string& text)
 }
 
 template<class T>
-class NumberArrays : public testing::Test {
-};
+class NumberArrays : public testing::Test {};
 using NumberTypes = testing::Types<double, float, short, int, long long>;
 TYPED_TEST_SUITE(NumberArrays, NumberTypes);
 

@@ -22,10 +22,7 @@ static_assert(std::is_same_v<decltype(FixedArray{1, 2}), Pair>);
 static_assert(std::is_same_v<decltype(FixedArray{1.5}), FixedArray<double, 1>>);
 
 template<class... Elements>
-concept CanBeDeduced = requires(Elements... elements)
-{
-    FixedArray{elements...};
-};
+concept CanBeDeduced = requires(Elements... elements) { FixedArray{elements...}; };
 static_assert(CanBeDeduced<int, int>);
 static_assert(!CanBeDeduced<int, double>, "mixed types have no element type");
 

@@ -18,10 +18,7 @@ static_assert(std::is_same_v<decltype(point{} - point{}), vector>);
 static_assert(std::is_same_v<decltype(point{} + vector{}), point>);
 
 template<class A, class B>
-concept Addable = requires(A a, B b)
-{
-    a + b;
-};
+concept Addable = requires(A a, B b) { a + b; };
 static_assert(!Addable<point, point>, "the sum of two points has no meaning");
 
 static_assert(point(1, 2, 3) - point(0, 1, 5) == vector(1, 1, -2));

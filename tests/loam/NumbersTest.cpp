@@ -24,8 +24,7 @@
 using namespace Loam;
 
 template<class T>
-concept HasText = requires(T value, const char* text, char* buffer)
-{
+concept HasText = requires(T value, const char* text, char* buffer) {
     numberText(value);
     writeNumber(buffer, buffer, value);
     readNumber(text, text, value);
@@ -695,8 +694,7 @@ TEST_P(Numbers, readsHexadecimalNumbersLikeC)
 }
 
 template<class T>
-class IntegerNumbers : public testing::Test {
-};
+class IntegerNumbers : public testing::Test {};
 
 using Integers =
     testing::Types<short, unsigned short, int, unsigned int, long, unsigned long, long long, unsigned long long>;

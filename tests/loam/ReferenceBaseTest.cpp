@@ -150,10 +150,7 @@ static_assert(!std::is_default_constructible_v<Counted> && !std::is_copy_constru
 static_assert(std::has_virtual_destructor_v<Counted>);
 
 template<class T>
-concept CanBeMadeInArrays = requires
-{
-    new T[2];
-};
+concept CanBeMadeInArrays = requires { new T[2]; };
 static_assert(!CanBeMadeInArrays<Logged>, "an array cannot hold the counts");
 
 TEST_F(ReferenceBaseTest, callsExtremeUnctionOnceAndThenTheDestructor)

@@ -34,8 +34,7 @@ namespace Orla {
 struct VTime {
     struct Unit {};
     template<class T>
-    struct Of {
-    };
+    struct Of {};
 
     auto operator<(int) const
     {
@@ -72,25 +71,20 @@ struct Hidden {};
 
 inline namespace v2 {
 
-struct [[gnu::abi_tag("new")]] Tagged{};
+struct [[gnu::abi_tag("new")]] Tagged {};
 
 } // namespace v2
 
 template<class T, class Allocator = std::allocator<T>>
-struct Grid {
-};
+struct Grid {};
 template<class... T>
-struct Pack {
-};
+struct Pack {};
 template<int number, char letter, Direction direction, bool truth, unsigned long long large>
-struct Values {
-};
+struct Values {};
 template<auto function>
-struct Caller {
-};
+struct Caller {};
 template<template<class...> class Template>
-struct OfTemplate {
-};
+struct OfTemplate {};
 
 inline auto local()
 {
@@ -119,8 +113,7 @@ namespace {
 
 struct Unnamed {};
 template<class T>
-struct UnnamedOf {
-};
+struct UnnamedOf {};
 
 // A type of another library, with the given mangled name.
 class ForeignType : public std::type_info {
@@ -174,7 +167,7 @@ TEST(Typename, isThePlainNameIfNoNameWasSet)
         {typeid(VTime(VDate::*)(int) const), "VTime(VDate::*)(int) const"},
         {typeid(VTime VDate::*), "VTime VDate::*"},
         {typeid(VTime::Unit VTime::*), "Unit VTime::*"},
-        {typeid(std::function<VTime&(VDate &&)>), "function<VTime&(VDate&&)>"},
+        {typeid(std::function<VTime&(VDate&&)>), "function<VTime&(VDate&&)>"},
         {typeid(std::function<void()>), "function<void()>"},
 
         {typeid(string), "string"},

@@ -197,10 +197,11 @@ TEST(Convert, writesInputsInTheOrderOfTheObjectWithTheirValues)
 
 TEST(Convert, acceptsAnyNames)
 {
-    const std::string network = head + "chart = \"a \\\"chart\\\" ä\"\n"
-                                + object("say \\\"ä\\\"\\n{}'\\t\\\\", "Dotted", "set.\"in.a=b\" = 5\n")
-                                + object(" ", "Echo", "set.text = \"\"\n")
-                                + object("🌍.x", "Adder", "connect.a = \"say \\\"ä\\\"\\n{}'\\t\\\\.out.range.time\"\n");
+    const std::string network =
+        head + "chart = \"a \\\"chart\\\" ä\"\n"
+        + object("say \\\"ä\\\"\\n{}'\\t\\\\", "Dotted", "set.\"in.a=b\" = 5\n")
+        + object(" ", "Echo", "set.text = \"\"\n")
+        + object("🌍.x", "Adder", "connect.a = \"say \\\"ä\\\"\\n{}'\\t\\\\.out.range.time\"\n");
     const Converted result = convert(network);
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.text, network);

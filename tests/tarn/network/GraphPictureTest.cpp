@@ -72,8 +72,8 @@ NetworkGraph named(const std::string& name)
 TEST(GraphPicture, showsNamesUnchanged)
 {
     for (const std::string name :
-         {"plain", "Größe 日本 😀", "<b>bold</b>", "\"quotes\"", "{x|y}", "&amp; &lt; &#65; &nope; &", "\\N \\G \\\\ \\",
-          "</TABLE>>]", "<!-- -->", "a;b,c=d"}) {
+         {"plain", "Größe 日本 😀", "<b>bold</b>", "\"quotes\"", "{x|y}", "&amp; &lt; &#65; &nope; &",
+          "\\N \\G \\\\ \\", "</TABLE>>]", "<!-- -->", "a;b,c=d"}) {
         SCOPED_TRACE(name);
         EXPECT_THAT(linesOf(drawGraph(dotText(named(name)), PictureFormat::Svg), "object0"),
                     ElementsAre(name, "Type", "in", "out"));

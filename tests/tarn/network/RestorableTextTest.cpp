@@ -94,7 +94,7 @@ std::optional<RestorableText> formOf(const Value& given, const Texts& texts)
     return value ? restorableText(given, value, texts) : std::nullopt;
 }
 
-/// Returns the texts that are read from a file: the exact ones, or the text if there are none.
+/// Returns the texts that are read from a file: the exact texts if it has any, else its text.
 Texts savedTexts(const RestorableText& form)
 {
     return form.exact.empty() ? Texts{form.text.value()} : form.exact;
