@@ -10,10 +10,13 @@
 
 namespace Orla {
 
+using Loam::Failure;
+using Loam::Result;
+
 namespace {
 
-// Returns why an input of type `wanted` cannot read `member` of `parameter`; empty if it can.
-std::string whyNot(const VParameter& parameter, const std::string& member, const std::type_info& wanted)
+// Fails if an input of type `wanted` cannot read `member` of `parameter`.
+Result<void> checkTypes(const VParameter& parameter, const std::string& member, const std::type_info& wanted)
 {
     const std::type_info& offered = parameter.valueType();
     const std::type_info* found = VValueComponents::typeOf(offered, member);
@@ -21,11 +24,11 @@ std::string whyNot(const VParameter& parameter, const std::string& member, const
         std::string known;
         for (const std::string& name : VValueComponents::names(offered))
             known += (known.empty() ? "" : ", ") + name;
-        return "values of type " + Loam::Typename(offered) + " have no component \"" + member + "\""
-               + (known.empty() ? "" : " (available: " + known + ")");
+        return Failure{"values of type " + Loam::Typename(offered) + " have no component \"" + member + "\""
+                       + (known.empty() ? "" : " (available: " + known + ")")};
     }
     if (*found != wanted)
-        return "it gives " + Loam::Typename(*found) + " where " + Loam::Typename(wanted) + " is expected";
+        return Failure{"it gives " + Loam::Typename(*found) + " where " + Loam::Typename(wanted) + " is expected"};
     return {};
 }
 
@@ -130,53 +133,62 @@ bool VSlotContainer::iterateParameters(VSlotIterator& iterator, int expertLevel)
 }
 
 bool VSlotContainer::attachParameter(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
-                                     const std::string& member, std::string* reason)
+                                     const std::string& member)
+{
+    return warnUnless(tryAttachParameter(parameter, slot, member), slot);
+}
+
+Result<void> VSlotContainer::tryAttachParameter(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
+                                                const std::string& member)
 {
     if (parameter && slot && parameter != slot->ownParameter()) {
         // A slot attached to another container's input reads what that input reads.
         if (VSlot* const passing = Detail::Wiring::passingSlot(*parameter))
-            return connect(passing->parameter(), slot, VValueComponents::join(passing->member(), member), passing,
-                           reason);
+            return connect(passing->parameter(), slot, VValueComponents::join(passing->member(), member), passing);
     }
-    return connect(parameter, slot, member, nullptr, reason);
+    return connect(parameter, slot, member, nullptr);
 }
 
 bool VSlotContainer::attachOutput(const StrongPtr<VSlot>& output, const StrongPtr<VSlot>& slot,
-                                  const std::string& member, std::string* reason)
+                                  const std::string& member)
 {
-    if (!output)
-        return connect(nullptr, slot, member, nullptr, reason);
-    // An input that is passed on may read a component itself.
-    VSlot* const leader = output->hasFlag(VSlot::Output) ? nullptr : output.get();
-    return connect(output->parameter(), slot, VValueComponents::join(output->member(), member), leader, reason);
+    return warnUnless(tryAttachOutput(output, slot, member), slot);
 }
 
-bool VSlotContainer::connect(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
-                             const std::string& member, VSlot* leader, std::string* reason)
+Result<void> VSlotContainer::tryAttachOutput(const StrongPtr<VSlot>& output, const StrongPtr<VSlot>& slot,
+                                             const std::string& member)
 {
-    std::string why;
+    if (!output)
+        return connect(nullptr, slot, member, nullptr);
+    // An input that is passed on may read a component itself.
+    VSlot* const leader = output->hasFlag(VSlot::Output) ? nullptr : output.get();
+    return connect(output->parameter(), slot, VValueComponents::join(output->member(), member), leader);
+}
+
+Result<void> VSlotContainer::connect(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
+                                     const std::string& member, VSlot* leader)
+{
     if (!parameter)
-        why = "there is no parameter to connect to";
-    else if (!slot || slot->container() != this || slot->hasFlag(VSlot::Output))
-        why = "the slot is not an input of " + describe();
-    else if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter);
-             other && other != m_wiring.network)
-        why = "the two objects belong to different networks";
-    else if (m_wiring.network->isClosed())
-        why = "the network of " + describe() + " was destroyed";
-    else
-        why = whyNot(*parameter, member, slot->type());
-    if (!why.empty()) {
-        if (reason)
-            *reason = why;
-        else
-            VActionNotifier::Warning((slot ? "Input \"" + slot->name() + "\" of " + describe() : describe())
-                                     + " was not connected: " + why);
-        return false;
-    }
+        return Failure{"there is no parameter to connect to"};
+    if (!slot || slot->container() != this || slot->hasFlag(VSlot::Output))
+        return Failure{"the slot is not an input of " + describe()};
+    if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter); other && other != m_wiring.network)
+        return Failure{"the two objects belong to different networks"};
+    if (m_wiring.network->isClosed())
+        return Failure{"the network of " + describe() + " was destroyed"};
+    if (Result<void> fits = checkTypes(*parameter, member, slot->type()); !fits)
+        return fits;
     const StrongPtr<VParameter> keepAlive = parameter; // the argument may be the slot's own pointer
     Detail::Wiring::connect(*slot, keepAlive, member, leader);
-    return true;
+    return {};
+}
+
+bool VSlotContainer::warnUnless(const Result<void>& connected, const StrongPtr<VSlot>& slot) const
+{
+    if (!connected)
+        VActionNotifier::Warning((slot ? "Input \"" + slot->name() + "\" of " + describe() : describe())
+                                 + " was not connected: " + connected.reason());
+    return bool(connected);
 }
 
 bool VSlotContainer::detach(const StrongPtr<VSlot>& slot)

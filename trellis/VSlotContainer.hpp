@@ -5,6 +5,8 @@
 #include <trellis/VSlot.hpp>
 #include <trellis/detail/ContainerWiring.hpp>
 
+#include <loam/Result.hpp>
+
 #include <concepts>
 #include <cstdint>
 #include <memory>
@@ -92,16 +94,20 @@ public:
     /// Connects the input \p slot of this container to \p parameter, or to its component
     /// \p member. Replaces an existing connection. If the parameter is another container's
     /// input, the slot reads what that input reads, even after that input is reconnected.
-    /// Returns false and changes nothing if the types differ, the component does not exist, or
-    /// the containers belong to different networks. The reason is stored in \p reason or, if
-    /// that is null, passed to `VActionNotifier::Warning`.
+    /// Returns false, changes nothing and issues a warning with the reason if the types differ,
+    /// the component does not exist, or the containers belong to different networks.
     bool attachParameter(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
-                         const std::string& member, std::string* reason = nullptr);
+                         const std::string& member);
 
     /// Connects the input \p slot to \p output of any container, as `attachParameter` does. If
     /// the output passes an input on, the slot follows that input.
-    bool attachOutput(const StrongPtr<VSlot>& output, const StrongPtr<VSlot>& slot, const std::string& member,
-                      std::string* reason = nullptr);
+    bool attachOutput(const StrongPtr<VSlot>& output, const StrongPtr<VSlot>& slot, const std::string& member);
+
+    /// The same, but return the reason of a failure instead of issuing a warning.
+    Loam::Result<void> tryAttachParameter(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
+                                          const std::string& member);
+    Loam::Result<void> tryAttachOutput(const StrongPtr<VSlot>& output, const StrongPtr<VSlot>& slot,
+                                       const std::string& member);
 
     /// Reconnects the slot to its own parameter. Returns false if it was not connected.
     bool detach(const StrongPtr<VSlot>& slot);
@@ -145,8 +151,9 @@ public:
 private:
     friend class Detail::Wiring;
 
-    bool connect(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot, const std::string& member,
-                 VSlot* leader, std::string* reason);
+    Loam::Result<void> connect(const StrongPtr<VParameter>& parameter, const StrongPtr<VSlot>& slot,
+                               const std::string& member, VSlot* leader);
+    bool warnUnless(const Loam::Result<void>& connected, const StrongPtr<VSlot>& slot) const;
 
     Detail::ContainerWiring m_wiring;
     VSlotSet m_inputs;

@@ -22,7 +22,7 @@ int perform(const Arguments& arguments, const StandardStreams&)
         printLine(session.faults().file() + ": note: key " + nameOfKey(shared.key) + " is the hot key of " + names);
     }
     printLine(session.faults().file() + ": " + counted(session.network().objectCount, "object") + ", "
-              + counted(session.network().connectionCount, "connection") + ", no faults");
+              + counted(session.network().connected.size(), "connection") + ", no faults");
     return Fine;
 }
 

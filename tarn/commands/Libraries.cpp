@@ -18,7 +18,7 @@ int perform(const Arguments& arguments, const StandardStreams& streams)
     const auto files = findLibraryFiles(Libraries::searchPath(Loam::getCurrentDir()), arguments.names);
     print(streams, arguments.has("json") ? libraryListJson(files) : libraryListText(files));
     // Files that the user did not name do not affect the exit status.
-    const bool failed = std::ranges::any_of(files, [](const LibraryFile& file) { return !file.refusal.empty(); });
+    const bool failed = std::ranges::any_of(files, [](const LibraryFile& file) { return !file.loading; });
     return failed && !arguments.names.empty() ? NotUnderstood : Fine;
 }
 

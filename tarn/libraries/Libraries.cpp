@@ -43,7 +43,7 @@ void Libraries::unload()
     }
 }
 
-std::string Libraries::load(const std::string& name)
+Loam::Result<void> Libraries::load(const std::string& name)
 {
     if (std::ranges::find(m_libraries, name, &Library::name) != m_libraries.end())
         return {};
@@ -65,8 +65,9 @@ std::string Libraries::load(const std::string& name)
                                            + " after other files failed to load: " + join(reasons, "; "));
         return {};
     }
-    return reasons.empty() ? title + " was not found: no file " + printable(name) + ".so in " + join(m_folders, ", ")
-                           : title + " cannot be loaded: " + join(reasons, "; ");
+    if (reasons.empty())
+        return Loam::Failure{title + " was not found: no file " + printable(name) + ".so in " + join(m_folders, ", ")};
+    return Loam::Failure{title + " cannot be loaded: " + join(reasons, "; ")};
 }
 
 std::vector<std::string> Libraries::searchPath(const std::string& networkFolder)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <loam/Result.hpp>
+
 #include <string>
 #include <vector>
 
@@ -18,9 +20,9 @@ public:
     Libraries& operator=(const Libraries&) = delete;
 
     /// Loads the library \p name: the file NAME.so in the first folder that has a loadable
-    /// one. Returns an empty string on success and if the library is already loaded, otherwise
-    /// the loader's reason for each file found.
-    std::string load(const std::string& name);
+    /// one. Does nothing if the library is already loaded. The reason of a failure names each
+    /// file found.
+    Loam::Result<void> load(const std::string& name);
 
     /// Unloads all libraries, last one first.
     /// \pre Everything that came from the libraries is destroyed.

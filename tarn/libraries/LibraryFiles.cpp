@@ -36,7 +36,7 @@ std::vector<std::string> namesIn(const std::string& folder)
 
 LibraryFile fileOf(const std::string& name, const std::string& path)
 {
-    return {.name = name, .path = path, .shadowedBy = {}, .refusal = {}, .objectTypes = {}, .valueTypes = {}};
+    return {.name = name, .path = path, .shadowedBy = {}, .loading = {}, .objectTypes = {}, .valueTypes = {}};
 }
 
 std::vector<std::string> added(const std::vector<std::string>& before, const std::vector<std::string>& after)
@@ -51,7 +51,7 @@ void lookInto(LibraryFile& file, const std::string& folder)
     const std::vector<std::string> objectTypes = Orla::VObjectCreator::names();
     const std::vector<std::string> valueTypes = Orla::VValueCreator::names();
     Libraries libraries{{folder}};
-    file.refusal = libraries.load(file.name);
+    file.loading = libraries.load(file.name);
     file.objectTypes = added(objectTypes, Orla::VObjectCreator::names());
     file.valueTypes = added(valueTypes, Orla::VValueCreator::names());
     // No objects were created.
@@ -71,8 +71,8 @@ std::vector<LibraryFile> findLibraryFiles(const std::vector<std::string>& folder
             if (::access(path.c_str(), F_OK) != 0 || std::ranges::any_of(files, isSame))
                 continue;
             LibraryFile file = fileOf(name, path);
-            const auto first = std::ranges::find_if(
-                files, [&](const LibraryFile& each) { return each.name == name && each.refusal.empty(); });
+            const auto first =
+                std::ranges::find_if(files, [&](const LibraryFile& each) { return each.name == name && each.loading; });
             if (first != files.end())
                 file.shadowedBy = first->path;
             lookInto(file, folder);
@@ -83,7 +83,7 @@ std::vector<LibraryFile> findLibraryFiles(const std::vector<std::string>& folder
         if (std::ranges::find(files, name, &LibraryFile::name) != files.end())
             continue;
         LibraryFile file = fileOf(name, {});
-        file.refusal = Libraries{folders}.load(name);
+        file.loading = Libraries{folders}.load(name);
         files.push_back(std::move(file));
     }
     return files;

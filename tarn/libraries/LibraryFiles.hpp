@@ -1,5 +1,7 @@
 #pragma once
 
+#include <loam/Result.hpp>
+
 #include <string>
 #include <vector>
 
@@ -10,7 +12,7 @@ struct LibraryFile {
     std::string name; ///< the name by which networks load it
     std::string path;
     std::string shadowedBy;               ///< the file of the same name that is loaded instead, if any
-    std::string refusal;                  ///< why it cannot be loaded; empty if it can
+    Loam::Result<void> loading;           ///< whether it can be loaded
     std::vector<std::string> objectTypes; ///< the types it registers, in alphabetical order
     std::vector<std::string> valueTypes;
 };

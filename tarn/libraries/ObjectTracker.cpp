@@ -17,14 +17,14 @@ using Orla::StrongPtr;
 
 // Returns the first registered creator that is still referenced elsewhere.
 template<class Creator>
-std::string heldCreator()
+std::optional<std::string> heldCreator()
 {
     for (const std::string& name : Creator::names()) {
         const StrongPtr<Creator> creator = Creator::find(name);
         if (creator && creator.referenceBlock()->strongCount() > 1)
             return "the creator of " + inQuotes(name);
     }
-    return {};
+    return std::nullopt;
 }
 
 } // namespace
@@ -65,7 +65,7 @@ void ObjectTracker::countParameter(const StrongPtr<Orla::VParameter>& parameter,
         m_values.emplace_back(value);
 }
 
-std::string ObjectTracker::survivor() const
+std::optional<std::string> ObjectTracker::survivor() const
 {
     for (const auto& entry : m_objects) {
         if (const StrongPtr<Orla::VManagedObject> object = entry.lock())
@@ -79,17 +79,17 @@ std::string ObjectTracker::survivor() const
         if (const StrongPtr<Orla::VValueBase> value = entry.lock())
             return "a value of type " + Loam::Typename(value->getType());
     }
-    const std::string creator = heldCreator<Orla::VObjectCreator>();
-    return creator.empty() ? heldCreator<Orla::VValueCreator>() : creator;
+    if (std::optional<std::string> creator = heldCreator<Orla::VObjectCreator>())
+        return creator;
+    return heldCreator<Orla::VValueCreator>();
 }
 
 void ObjectTracker::unloadUnlessInUse(Libraries& libraries) const
 {
-    const std::string inUse = survivor();
-    if (inUse.empty())
-        libraries.unload();
+    if (const std::optional<std::string> inUse = survivor())
+        Orla::VActionNotifier::Warning("The libraries stay in memory because " + *inUse + " is still in use");
     else
-        Orla::VActionNotifier::Warning("The libraries stay in memory because " + inUse + " is still in use");
+        libraries.unload();
 }
 
 } // namespace Tarn

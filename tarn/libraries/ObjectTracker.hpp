@@ -6,6 +6,7 @@
 #include <trellis/VObject.hpp>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,8 +26,8 @@ public:
     void countValues(const Orla::StrongPtr<Orla::ValuePool>& pool);
 
     /// Describes a recorded item that is still alive, or a creator that is still referenced.
-    /// Returns an empty string if everything was destroyed.
-    std::string survivor() const;
+    /// Returns nothing if everything was destroyed.
+    std::optional<std::string> survivor() const;
 
     /// Unloads \p libraries, or issues a warning if anything survived, whose code must stay.
     void unloadUnlessInUse(Libraries& libraries) const;

@@ -1,7 +1,6 @@
 #include <tarn/network/Conversion.hpp>
 
 #include <tarn/libraries/AnnouncedObjects.hpp>
-#include <tarn/libraries/FailureOf.hpp>
 #include <tarn/network/NetworkParser.hpp>
 #include <tarn/network/NetworkWriter.hpp>
 #include <tarn/network/RelativePathRewriter.hpp>
@@ -81,8 +80,8 @@ std::vector<std::string> Conversion::loadLibraries(const std::vector<PlacedText>
     for (const auto& [name, place] : wanted) {
         if (std::ranges::find(missing, name) != missing.end())
             continue;
-        if (const std::string why = m_libraries.load(name); !why.empty()) {
-            m_unknown.add(place, why);
+        if (const Loam::Result<void> loaded = m_libraries.load(name); !loaded) {
+            m_unknown.add(place, loaded.reason());
             missing.push_back(name);
         }
     }
@@ -112,13 +111,9 @@ void Conversion::makeCanonical(const NetworkInputs& inputs)
 
 void Conversion::keepValue(std::size_t number, const NetworkInputs::Input& input)
 {
-    std::optional<RestorableText> form;
-    std::string why = failureOf([&] { form = restorableText(input.given, input.value, input.texts); });
+    const Loam::Result<RestorableText> form = restorableText(input.given, input.value, input.texts);
     if (!form) {
-        if (why.empty())
-            why = std::ranges::all_of(input.texts, isUtf8) ? "no text that a file can hold restores it"
-                                                           : "the text is not valid UTF-8";
-        m_faults.add(input.place, input.description + ": the value cannot be kept: " + why);
+        m_faults.add(input.place, input.description + ": the value cannot be kept: " + form.reason());
         return;
     }
     std::vector<NetworkFile::InputText>& texts = m_file.objects[number].texts;

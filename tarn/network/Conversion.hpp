@@ -2,8 +2,8 @@
 
 #include <tarn/text/Faults.hpp>
 #include <tarn/libraries/Libraries.hpp>
-#include <tarn/network/NetworkBuilder.hpp>
 #include <tarn/network/NetworkFile.hpp>
+#include <tarn/network/NetworkInputs.hpp>
 
 #include <cstddef>
 #include <string>

@@ -24,10 +24,8 @@ Value readInto(const Value& given, const std::vector<std::string>& texts)
     return value;
 }
 
-} // namespace
-
-std::optional<RestorableText> restorableText(const Value& given, const Value& value,
-                                             const std::vector<std::string>& texts)
+// Returns nothing if no text restores the value.
+std::optional<RestorableText> find(const Value& given, const Value& value, const std::vector<std::string>& texts)
 {
     RestorableText form;
     const std::string written = value->Text();
@@ -57,6 +55,21 @@ std::optional<RestorableText> restorableText(const Value& given, const Value& va
         return form;
     }
     return std::nullopt;
+}
+
+} // namespace
+
+Loam::Result<RestorableText> restorableText(const Value& given, const Value& value,
+                                            const std::vector<std::string>& texts)
+{
+    using Found = std::optional<RestorableText>;
+    Loam::Result<Found> found = Loam::attempt([&] { return find(given, value, texts); });
+    if (!found)
+        return Loam::Failure{found.reason()};
+    if (*found)
+        return **std::move(found);
+    return Loam::Failure{std::ranges::all_of(texts, isUtf8) ? "no text that a file can hold restores it"
+                                                            : "the text is not valid UTF-8"};
 }
 
 } // namespace Tarn

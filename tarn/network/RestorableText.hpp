@@ -2,6 +2,8 @@
 
 #include <trellis/VValueBase.hpp>
 
+#include <loam/Result.hpp>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,10 +22,10 @@ struct RestorableText {
 
 /// Returns the form of \p value, which was produced by reading \p texts in order into a copy
 /// of \p given. Tries the text that the value's type writes, then as few of the last \p texts
-/// as possible, until the value is restored as far as its type distinguishes values. Returns
-/// nothing if no text that a file can hold restores it.
-std::optional<RestorableText> restorableText(const Orla::StrongPtr<Orla::VValueBase>& given,
-                                             const Orla::StrongPtr<Orla::VValueBase>& value,
-                                             const std::vector<std::string>& texts);
+/// as possible, until the value is restored as far as its type distinguishes values. Fails if
+/// no text that a file can hold restores it or if its type throws.
+Loam::Result<RestorableText> restorableText(const Orla::StrongPtr<Orla::VValueBase>& given,
+                                            const Orla::StrongPtr<Orla::VValueBase>& value,
+                                            const std::vector<std::string>& texts);
 
 } // namespace Tarn

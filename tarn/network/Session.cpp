@@ -79,11 +79,10 @@ void Session::loadLibraries(const NetworkFile& file, std::vector<std::string>& m
     for (const auto& [name, place] : wanted) {
         if (std::ranges::find(missing, name) != missing.end())
             continue;
-        const std::string why = m_libraries.load(name);
-        if (why.empty())
-            continue;
-        m_faults.add(place, why);
-        missing.push_back(name);
+        if (const Loam::Result<void> loaded = m_libraries.load(name); !loaded) {
+            m_faults.add(place, loaded.reason());
+            missing.push_back(name);
+        }
     }
 }
 

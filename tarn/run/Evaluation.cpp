@@ -35,17 +35,10 @@ std::vector<std::string> titlesOf(const Network& network)
 // Returns an empty text and counts a failure if the value has no text.
 std::string textOf(const Network::Column& column, const StrongPtr<Orla::ValuePool>& pool, EvaluationSummary& summary)
 {
-    std::string why = "it has no value";
-    try {
-        StrongPtr<Orla::VValueBase> value = column.output->getLocalValue(pool);
-        if (value && !column.member.empty())
-            value = value->component(column.member);
-        if (value)
-            return value->Text();
-    } catch (const std::exception& error) {
-        why = error.what();
-    }
-    Orla::VActionNotifier::Warning("Column " + inQuotes(column.title) + " is empty: " + why);
+    Loam::Result<std::string> text = column.output.text(pool);
+    if (text)
+        return *std::move(text);
+    Orla::VActionNotifier::Warning("Column " + inQuotes(column.title) + " is empty: " + text.reason());
     ++summary.failures;
     return {};
 }

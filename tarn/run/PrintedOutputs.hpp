@@ -1,6 +1,7 @@
 #pragma once
 
-#include <trellis/VSlot.hpp>
+#include <tarn/network/OutputReference.hpp>
+
 #include <trellis/ValuePool.hpp>
 
 #include <string>
@@ -26,9 +27,8 @@ public:
 
 private:
     struct Output {
-        std::string reference;
-        Orla::StrongPtr<Orla::VSlot> slot;
-        std::string member;
+        std::string name; // as the user wrote it
+        OutputReference output;
     };
 
     std::vector<Output> m_outputs;

@@ -1,7 +1,6 @@
 #include <tarn/types/TypeCatalogue.hpp>
 
 #include <tarn/libraries/AnnouncedObjects.hpp>
-#include <tarn/libraries/FailureOf.hpp>
 
 #include <fathom/VConnectionTypeColors.hpp>
 
@@ -70,8 +69,8 @@ TypeCatalogue::TypeCatalogue(const std::vector<std::string>& libraries)
     std::vector<std::string> names{StandardLibrary};
     names.insert(names.end(), libraries.begin(), libraries.end());
     for (const std::string& name : names) {
-        if (const std::string why = m_libraries.load(name); !why.empty())
-            m_refusals.push_back(why);
+        if (const Loam::Result<void> loaded = m_libraries.load(name); !loaded)
+            m_refusals.push_back(loaded.reason());
     }
 }
 
@@ -103,7 +102,7 @@ std::vector<ValueTypeDescription> TypeCatalogue::valueTypes(const std::string& n
                                      .failure = {},
                                      .isInput = bool(Orla::TypedSlotCreator::find(type)),
                                      .components = Orla::VValueComponents::names(type)};
-    description.failure = failureOf([&] {
+    const Loam::Result<void> made = Loam::attempt([&] {
         // The empty text may be refused; the value is created anyway.
         bool ok = false;
         const StrongPtr<Orla::VValueBase> value = creator->create({}, ok);
@@ -111,6 +110,8 @@ std::vector<ValueTypeDescription> TypeCatalogue::valueTypes(const std::string& n
             throw std::runtime_error("its creator returned null");
         description.defaultText = value->Text();
     });
+    if (!made)
+        description.failure = made.reason();
     return {description};
 }
 
@@ -140,7 +141,7 @@ std::vector<ObjectTypeDescription> TypeCatalogue::objectTypes(const std::string&
     if (!creator)
         return {};
     ObjectTypeDescription description = nameAndFile(*creator);
-    description.failure = failureOf([&] {
+    const Loam::Result<void> made = Loam::attempt([&] {
         const StrongPtr<Orla::VObject> object = creator->create(name, 0, nullptr);
         if (!object)
             throw std::runtime_error("its creator returned null");
@@ -148,6 +149,8 @@ std::vector<ObjectTypeDescription> TypeCatalogue::objectTypes(const std::string&
         m_tracker->countValues(nullptr);
         readSlots(*object, highestLevel, description);
     });
+    if (!made)
+        description.failure = made.reason();
     removeAnnouncedObjects();
     return {description};
 }

@@ -196,8 +196,8 @@ std::string libraryListText(const std::vector<LibraryFile>& files)
                 + (file.path.empty() ? "" : ", " + printable(file.path)) + '\n';
         if (!file.shadowedBy.empty())
             text += "  not used, because " + printable(file.shadowedBy) + " comes first\n";
-        if (!file.refusal.empty())
-            text += "  refused: " + file.refusal + '\n'; // already printable
+        if (!file.loading)
+            text += "  refused: " + file.loading.reason() + '\n'; // already printable
         else if (file.objectTypes.empty() && file.valueTypes.empty())
             text += "  registers no types\n";
         if (!file.objectTypes.empty())
@@ -217,7 +217,7 @@ std::string libraryListJson(const std::vector<LibraryFile>& files)
                         {"shadowedBy", orNull(file.shadowedBy)},
                         {"objectTypes", file.objectTypes},
                         {"valueTypes", file.valueTypes},
-                        {"failure", orNull(file.refusal)}});
+                        {"failure", orNull(file.loading ? std::string() : file.loading.reason())}});
     Json all;
     all["libraries"] = std::move(list);
     return spelled(all);

@@ -105,8 +105,7 @@ TEST_F(TypedSlotTest, readsTheComponentItIsConnectedTo)
     times->getLocalValue(m_pool);
     EXPECT_EQ(slot.value(m_pool), (Range{0, 10}));
 
-    std::string reason;
-    EXPECT_FALSE(m_container->attachParameter(times, slot.slot(), "dt", &reason));
+    EXPECT_FALSE(m_container->tryAttachParameter(times, slot.slot(), "dt"));
     EXPECT_EQ(slot.value(m_pool), (Range{0, 10})) << "a refused connection keeps the existing one";
 }
 

@@ -74,8 +74,7 @@ inline std::string readText(const Orla::VObject& object, const std::string& outp
 inline void connect(Orla::VObject& reader, const std::string& input, const Orla::VObject& source,
                     const std::string& output)
 {
-    std::string reason;
-    EXPECT_TRUE(reader.attachOutput(source.findOutput(output), reader.findSlot(input), "", &reason)) << reason;
+    EXPECT_TRUE(reader.attachOutput(source.findOutput(output), reader.findSlot(input), ""));
 }
 
 /// One object, which keeps its own time, in a pool.

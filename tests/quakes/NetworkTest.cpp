@@ -215,8 +215,8 @@ TEST(QuakesLibrary, refusesToConnectDifferentTypesAndNamesBoth)
 {
     const Library library;
     const Network network;
-    std::string reason;
     const StrongPtr<Orla::VSlot> count = network.all->findOutput("count");
-    EXPECT_FALSE(network.strong->attachOutput(count, network.strong->findSlot("catalog"), "", &reason));
-    EXPECT_THAT(reason, testing::AllOf(testing::HasSubstr("double"), testing::HasSubstr("Catalogue")));
+    const Loam::Result<void> done = network.strong->tryAttachOutput(count, network.strong->findSlot("catalog"), "");
+    ASSERT_FALSE(done);
+    EXPECT_THAT(done.reason(), testing::AllOf(testing::HasSubstr("double"), testing::HasSubstr("Catalogue")));
 }

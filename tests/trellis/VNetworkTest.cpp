@@ -120,9 +120,9 @@ TEST_F(VNetworkTest, disconnectsObjectsThatOutliveIt)
     EXPECT_FALSE(VScheduler::isDue(pool));
     EXPECT_FALSE(VScheduler::schedule(first, 0, pool));
     EXPECT_FALSE(VManagedObject::add(first));
-    std::string reason;
-    EXPECT_FALSE(second->attachOutput(first->findOutput("out"), second->findSlot("in"), "", &reason));
-    EXPECT_THAT(reason, HasSubstr("was destroyed"));
+    const Loam::Result<void> done = second->tryAttachOutput(first->findOutput("out"), second->findSlot("in"), "");
+    ASSERT_FALSE(done);
+    EXPECT_THAT(done.reason(), HasSubstr("was destroyed"));
 }
 
 TEST_F(VNetworkTest, refusesConnectionsToAnotherNetwork)
@@ -130,12 +130,13 @@ TEST_F(VNetworkTest, refusesConnectionsToAnotherNetwork)
     VNetwork network;
     const auto inside = makeNodeIn(network);
     const auto outside = makeNode("outside");
-    std::string reason;
-    EXPECT_FALSE(outside->attachOutput(inside->findOutput("out"), outside->findSlot("in"), "", &reason));
-    EXPECT_THAT(reason, HasSubstr("different networks"));
-    reason.clear();
-    EXPECT_FALSE(outside->attachParameter(inside->findSlot("in")->parameter(), outside->findSlot("in"), "", &reason));
-    EXPECT_THAT(reason, HasSubstr("different networks"));
+    const auto input = outside->findSlot("in");
+    for (const Loam::Result<void>& done :
+         {outside->tryAttachOutput(inside->findOutput("out"), input, ""),
+          outside->tryAttachParameter(inside->findSlot("in")->parameter(), input, "")}) {
+        ASSERT_FALSE(done);
+        EXPECT_THAT(done.reason(), HasSubstr("different networks"));
+    }
     EXPECT_FALSE(outside->addParameter("more", 0, inside->findOutput("out")->parameter(), true));
     EXPECT_THAT(warnings(), ElementsAre(HasSubstr("another network")));
     EXPECT_FALSE(outside->findSlot("in")->isConnected());

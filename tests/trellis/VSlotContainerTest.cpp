@@ -211,14 +211,14 @@ TEST_F(VSlotContainerTest, refusesAnotherTypeNamesBothAndChangesNothing)
     };
     for (const auto& [output, member, mentions] : cases) {
         SCOPED_TRACE(std::string(output) + '.' + member);
-        std::string reason;
-        EXPECT_FALSE(reader->attachOutput(writer->findOutput(output), slot, member, &reason));
+        const Loam::Result<void> done = reader->tryAttachOutput(writer->findOutput(output), slot, member);
+        ASSERT_FALSE(done);
         EXPECT_THAT(warnings(), IsEmpty());
         EXPECT_FALSE(connect(writer, reader, "in", member, output));
         const std::vector<std::string> warned = warnings();
         ASSERT_EQ(warned.size(), 1u);
         for (const std::string& mention : mentions) {
-            EXPECT_THAT(reason, HasSubstr(mention));
+            EXPECT_THAT(done.reason(), HasSubstr(mention));
             EXPECT_THAT(warned[0], HasSubstr(mention));
         }
         EXPECT_THAT(warned[0], AllOf(HasSubstr("\"in\""), HasSubstr("\"reader\"")));
@@ -234,17 +234,14 @@ TEST_F(VSlotContainerTest, refusesSlotsThatAreNotItsInputs)
 {
     const auto writer = makeNode("writer");
     const auto reader = makeNode("reader");
-    std::string reason;
+    const StrongPtr<VSlot> in = reader->findSlot("in");
     const StrongPtr<VSlot> out = writer->findOutput("out");
-    EXPECT_FALSE(writer->attachOutput(out, reader->findSlot("in"), "", &reason));
-    EXPECT_THAT(reason, HasSubstr("Node \"writer\""));
-    EXPECT_FALSE(reader->attachOutput(out, nullptr, "", &reason));
-    EXPECT_FALSE(reader->attachOutput(out, reader->findOutput("out"), "", &reason));
-    EXPECT_THAT(reason, HasSubstr("Node \"reader\""));
-    reason.clear();
-    EXPECT_FALSE(reader->attachOutput(nullptr, reader->findSlot("in"), "", &reason));
-    EXPECT_NE(reason, "");
-    EXPECT_FALSE(reader->attachParameter(nullptr, reader->findSlot("in"), "", &reason));
+    EXPECT_EQ(writer->tryAttachOutput(out, in, "").reason(), "the slot is not an input of Node \"writer\"");
+    EXPECT_EQ(reader->tryAttachOutput(out, nullptr, "").reason(), "the slot is not an input of Node \"reader\"");
+    EXPECT_EQ(reader->tryAttachOutput(out, reader->findOutput("out"), "").reason(),
+              "the slot is not an input of Node \"reader\"");
+    EXPECT_EQ(reader->tryAttachOutput(nullptr, in, "").reason(), "there is no parameter to connect to");
+    EXPECT_EQ(reader->tryAttachParameter(nullptr, in, "").reason(), "there is no parameter to connect to");
     EXPECT_FALSE(reader->findSlot("in")->isConnected());
 }
 

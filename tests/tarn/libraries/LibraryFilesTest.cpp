@@ -33,13 +33,14 @@ TEST(LibraryFiles, areFoundInOrderOfFolderAndName)
     ASSERT_EQ(files.size(), 3u);
     EXPECT_EQ(files[0].name, "testobjects");
     EXPECT_EQ(files[0].path, testObjects);
-    EXPECT_EQ(files[0].refusal, "");
+    EXPECT_TRUE(files[0].loading);
     EXPECT_THAT(files[0].objectTypes, Contains("Adder"));
     EXPECT_THAT(files[0].objectTypes, Not(Contains("GlobalTime")));
     EXPECT_THAT(files[0].valueTypes, Contains("Ticket"));
     EXPECT_THAT(files[0].valueTypes, Not(Contains("double")));
     EXPECT_EQ(files[1].name, "a");
-    EXPECT_THAT(files[1].refusal, HasSubstr("library \"a\" cannot be loaded: " + folder.file("second/a.so") + ": "));
+    EXPECT_THAT(files[1].loading.reason(),
+                HasSubstr("library \"a\" cannot be loaded: " + folder.file("second/a.so") + ": "));
     EXPECT_THAT(files[1].objectTypes, IsEmpty());
     EXPECT_EQ(files[2].path, folder.file("second/b.so"));
     EXPECT_FALSE(Orla::VObjectCreator::find("Adder")) << "the library is still loaded";
@@ -54,7 +55,7 @@ TEST(LibraryFiles, reportWhichFileShadowsOthersOfTheSameName)
     const auto files =
         findLibraryFiles({folder.file("bad"), TEST_OBJECTS_FOLDER, folder.file("copy")}, {"none", "testobjects"});
     ASSERT_EQ(files.size(), 4u);
-    EXPECT_NE(files[0].refusal, "");
+    EXPECT_FALSE(files[0].loading);
     EXPECT_EQ(files[1].path, testObjects);
     EXPECT_EQ(files[1].shadowedBy, "") << "the earlier file cannot be loaded";
     EXPECT_EQ(files[2].path, folder.file("copy/testobjects.so"));
@@ -62,7 +63,7 @@ TEST(LibraryFiles, reportWhichFileShadowsOthersOfTheSameName)
     EXPECT_THAT(files[2].objectTypes, Contains("Adder")) << "each file is examined separately";
     EXPECT_EQ(files[3].name, "none");
     EXPECT_EQ(files[3].path, "");
-    EXPECT_THAT(files[3].refusal, HasSubstr("library \"none\" was not found"));
+    EXPECT_THAT(files[3].loading.reason(), HasSubstr("library \"none\" was not found"));
 }
 
 TEST(LibraryFiles, areListedWithTheirTypes)

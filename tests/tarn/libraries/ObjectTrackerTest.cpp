@@ -56,7 +56,7 @@ TEST(ObjectTracker, findsNothingWhenEverythingIsDestroyed)
 {
     CountedNetwork network;
     network.close();
-    EXPECT_EQ(network.tracker->survivor(), "");
+    EXPECT_EQ(network.tracker->survivor(), std::nullopt);
 }
 
 TEST(ObjectTracker, findsAnObjectThatIsStillHeld)

@@ -119,9 +119,9 @@ TEST(TypeReport, writesJsonWithAFixedOrderAndFormat)
   ]
 }
 )");
-    EXPECT_EQ(
-        libraryListJson({{"swing", "/lib/swing.so", "", "", {"Pendulum"}, {}}, {"none", "", "", "not found", {}, {}}}),
-        R"({
+    EXPECT_EQ(libraryListJson({{"swing", "/lib/swing.so", "", {}, {"Pendulum"}, {}},
+                               {"none", "", "", Loam::Failure{"not found"}, {}, {}}}),
+              R"({
   "libraries": [
     {
       "name": "swing",
@@ -160,7 +160,7 @@ TEST(TypeReport, isValidJsonForAnyName)
 TEST(TypeReport, wrapsLongListsOfNames)
 {
     const std::vector<std::string> names(20, "SomeTypeName");
-    std::string list = libraryListText({{"swing", "/lib/swing.so", "", "", names, {}}});
+    std::string list = libraryListText({{"swing", "/lib/swing.so", "", {}, names, {}}});
     EXPECT_THAT(
         list,
         MatchesRegex(

@@ -1,0 +1,57 @@
+#include <tarn/network/OutputReference.hpp>
+
+#include <tarn/network/SlotLookup.hpp>
+#include <tarn/text/Messages.hpp>
+
+#include <trellis/VValueComponents.hpp>
+
+#include <loam/Typename.hpp>
+
+#include <stdexcept>
+#include <typeinfo>
+
+namespace Tarn {
+
+using Loam::Failure;
+using Loam::Result;
+using Orla::StrongPtr;
+
+Result<OutputReference> OutputReference::find(const Orla::VObject& object, const std::string& description,
+                                              std::string_view text)
+{
+    const StrongPtr<Orla::VSlot> output = findSlotAtStart(object.outputs(), text, '.');
+    if (!output) {
+        const std::string name(text.substr(0, text.find('.')));
+        return Failure{description + " has no output " + inQuotes(name)
+                       + (object.findSlot(name) ? "; that is an input" : insteadOf(name, namesOf(object.outputs())))};
+    }
+    const std::size_t end = output->name().size();
+    if (end == text.size())
+        return OutputReference{output, {}};
+    if (end + 1 == text.size())
+        return Failure{"found nothing after the last dot, expected the name of a component"};
+    return OutputReference{output, std::string(text.substr(end + 1))};
+}
+
+Result<void> OutputReference::checkMember() const
+{
+    const std::type_info& type = output->type();
+    if (Orla::VValueComponents::typeOf(type, member))
+        return {};
+    return Failure{"values of type " + Loam::Typename(type) + " have no component " + inQuotes(member)
+                   + insteadOf(member, Orla::VValueComponents::names(type))};
+}
+
+Result<std::string> OutputReference::text(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    return Loam::attempt([&] {
+        StrongPtr<Orla::VValueBase> value = output->getLocalValue(pool);
+        if (value && !member.empty())
+            value = value->component(member);
+        if (!value)
+            throw std::runtime_error("it has no value");
+        return value->Text();
+    });
+}
+
+} // namespace Tarn

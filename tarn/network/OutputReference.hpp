@@ -1,0 +1,30 @@
+#pragma once
+
+#include <loam/Result.hpp>
+
+#include <trellis/VObject.hpp>
+
+#include <string>
+#include <string_view>
+
+namespace Tarn {
+
+/// An output of an object, or a component of its value.
+struct OutputReference {
+    Orla::StrongPtr<Orla::VSlot> output;
+    std::string member; ///< the component, or empty for the whole value
+
+    /// Finds the output of \p object that \p text names: "OUTPUT" or "OUTPUT.MEMBER". Whether
+    /// the component exists is not checked. \p description names the object in the reason.
+    static Loam::Result<OutputReference> find(const Orla::VObject& object, const std::string& description,
+                                              std::string_view text);
+
+    /// Fails if the output's values do not have the component.
+    Loam::Result<void> checkMember() const;
+
+    /// Returns the text form of the value in \p pool. Fails if there is no value or if its type
+    /// throws.
+    Loam::Result<std::string> text(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
+};
+
+} // namespace Tarn
