@@ -2,6 +2,7 @@
 
 #include <tarn/text/Messages.hpp>
 #include <tarn/text/TomlTable.hpp>
+#include <tarn/text/TomlText.hpp>
 #include <tarn/text/Utf8.hpp>
 
 #include <fathom/VInteractionEvent.hpp>

@@ -2,50 +2,11 @@
 
 #include <tarn/text/DeepTomlKeys.hpp>
 #include <tarn/text/Messages.hpp>
-#include <tarn/text/TomlText.hpp>
 #include <tarn/text/Utf8.hpp>
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 
 namespace Tarn {
-
-namespace {
-
-std::string padded(std::uint64_t number, std::size_t digits)
-{
-    const std::string text = std::to_string(number);
-    return std::string(digits - std::min(digits, text.size()), '0') + text;
-}
-
-std::string spelled(const toml::date& date)
-{
-    return padded(date.year, 4) + '-' + padded(date.month, 2) + '-' + padded(date.day, 2);
-}
-
-std::string spelled(const toml::time& time)
-{
-    std::string text = padded(time.hour, 2) + ':' + padded(time.minute, 2) + ':' + padded(time.second, 2);
-    if (time.nanosecond != 0) {
-        text += '.' + padded(time.nanosecond, 9);
-        text.erase(text.find_last_not_of('0') + 1);
-    }
-    return text;
-}
-
-std::string spelled(const toml::date_time& dateTime)
-{
-    std::string text = spelled(dateTime.date) + 'T' + spelled(dateTime.time);
-    if (dateTime.offset) {
-        const int minutes = dateTime.offset->minutes;
-        const auto size = static_cast<std::uint64_t>(std::abs(minutes));
-        text += minutes == 0 ? "Z" : (minutes < 0 ? '-' : '+') + padded(size / 60, 2) + ':' + padded(size % 60, 2);
-    }
-    return text;
-}
-
-} // namespace
 
 Place placeOf(const toml::source_region& source) noexcept
 {
@@ -109,35 +70,6 @@ std::vector<TomlEntry> entriesOf(const toml::table& table)
         entries.push_back({{std::string(key.str()), placeOf(key.source())}, &value});
     std::ranges::stable_sort(entries, {}, [](const TomlEntry& entry) { return entry.key.place; });
     return entries;
-}
-
-std::string tomlValue(const toml::node& node)
-{
-    if (const auto* table = node.as_table()) {
-        std::string text;
-        for (const auto& [key, value] : entriesOf(*table))
-            text += (text.empty() ? " " : ", ") + tomlKey(key.text) + " = " + tomlValue(*value);
-        return '{' + text + (text.empty() ? "}" : " }");
-    }
-    if (const auto* array = node.as_array()) {
-        std::string text;
-        for (const toml::node& element : *array)
-            text += (text.empty() ? "" : ", ") + tomlValue(element);
-        return '[' + text + ']';
-    }
-    if (const auto* text = node.as_string())
-        return tomlString(text->get());
-    if (const auto* integer = node.as_integer())
-        return std::to_string(integer->get());
-    if (const auto* number = node.as_floating_point())
-        return tomlNumber(number->get());
-    if (const auto* truth = node.as_boolean())
-        return truth->get() ? "true" : "false";
-    if (const auto* date = node.as_date())
-        return spelled(date->get());
-    if (const auto* time = node.as_time())
-        return spelled(time->get());
-    return spelled(node.as_date_time()->get());
 }
 
 std::size_t nestingOf(const toml::node& node)

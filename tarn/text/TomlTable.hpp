@@ -32,13 +32,7 @@ struct TomlEntry {
 /// Returns the entries of \p table in file order; the table itself sorts them by key.
 std::vector<TomlEntry> entriesOf(const toml::table& table);
 
-/// Returns the value \p node as TOML on one line.
-std::string tomlValue(const toml::node& node);
-
 /// Returns the nesting depth of tables and arrays; 0 for a plain value.
 std::size_t nestingOf(const toml::node& node);
-
-/// Maximum nesting depth at which the reader accepts the output of `tomlValue`.
-inline constexpr std::size_t MostNested = 200;
 
 } // namespace Tarn

@@ -1,11 +1,14 @@
 #include <tarn/text/TomlText.hpp>
 
+#include <tarn/text/TomlTable.hpp>
+
 #include <loam/Numbers.hpp>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <sstream>
 #include <system_error>
 
 namespace Tarn {
@@ -30,46 +33,13 @@ bool readWhole(const std::string& text, Number& number)
 
 std::string tomlKey(std::string_view key)
 {
+    // The formatter leaves out the quotes if only tabs, line breaks or apostrophes need them.
     return !key.empty() && std::ranges::all_of(key, isBare) ? std::string(key) : tomlString(key);
 }
 
 std::string tomlString(std::string_view text)
 {
-    std::string spelling = "\"";
-    for (const char letter : text) {
-        switch (letter) {
-        case '"':
-        case '\\':
-            spelling += '\\';
-            spelling += letter;
-            break;
-        case '\b':
-            spelling += "\\b";
-            break;
-        case '\t':
-            spelling += "\\t";
-            break;
-        case '\n':
-            spelling += "\\n";
-            break;
-        case '\f':
-            spelling += "\\f";
-            break;
-        case '\r':
-            spelling += "\\r";
-            break;
-        default:
-            if (const auto code = static_cast<unsigned char>(letter); code < 0x20 || code == 0x7F) {
-                constexpr char digits[] = "0123456789ABCDEF";
-                spelling += "\\u00";
-                spelling += digits[code >> 4];
-                spelling += digits[code & 0xF];
-            } else {
-                spelling += letter;
-            }
-        }
-    }
-    return spelling + '"';
+    return tomlValue(toml::value<std::string>{text});
 }
 
 std::string tomlNumber(double number)
@@ -89,6 +59,29 @@ std::optional<std::string> tomlNumber(const std::string& text)
     if (double number = 0; readWhole(text, number) && std::isfinite(number) && Loam::numberText(number) == text)
         return tomlNumber(number);
     return std::nullopt;
+}
+
+std::string tomlValue(const toml::node& node)
+{
+    // The formatter sorts tables by key, and breaks arrays by an estimate of their width.
+    if (const auto* table = node.as_table()) {
+        std::string text;
+        for (const auto& [key, value] : entriesOf(*table))
+            text += (text.empty() ? " " : ", ") + tomlKey(key.text) + " = " + tomlValue(*value);
+        return '{' + text + (text.empty() ? "}" : " }");
+    }
+    if (const auto* array = node.as_array()) {
+        std::string text;
+        for (const toml::node& element : *array)
+            text += (text.empty() ? "" : ", ") + tomlValue(element);
+        return '[' + text + ']';
+    }
+    // The digits depend on how the formatter was built: 0.1 may be 0.10000000000000001.
+    if (const auto* number = node.as_floating_point())
+        return tomlNumber(number->get());
+    std::ostringstream text;
+    text << toml::toml_formatter{node, toml::format_flags::allow_unicode_strings};
+    return text.str();
 }
 
 } // namespace Tarn

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <toml++/toml.h>
+
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,7 +15,8 @@ namespace Tarn {
 /// \pre \p key is UTF-8.
 std::string tomlKey(std::string_view key);
 
-/// Returns \p text on one line, in double quotes.
+/// Returns \p text on one line, in double quotes. Escapes the control characters of ASCII and
+/// all line separators of Unicode.
 /// \pre \p text is UTF-8.
 std::string tomlString(std::string_view text);
 
@@ -22,5 +26,11 @@ std::string tomlNumber(double number);
 /// Returns the spelling of the number \p text. Returns nothing if \p text is not a number,
 /// or if TOML would read back another number or the same one with different digits.
 std::optional<std::string> tomlNumber(const std::string& text);
+
+/// Returns the value \p node on one line. Tables keep the order of the file.
+std::string tomlValue(const toml::node& node);
+
+/// Maximum nesting depth at which the reader accepts the output of `tomlValue`.
+inline constexpr std::size_t MostNested = 200;
 
 } // namespace Tarn

@@ -207,6 +207,35 @@ TEST(Convert, acceptsAnyNames)
     EXPECT_EQ(result.text, network);
 }
 
+// convert() compares the result with that of a second conversion.
+TEST(Convert, writesUnusualTextsInOneSpelling)
+{
+    const struct {
+        const char* given;
+        const char* written;
+    } cases[] = {
+        {"''", R"("")"},
+        {R"("it's")", R"("it's")"},
+        {R"('C:\new "x"')", R"("C:\\new \"x\"")"},
+        {"\"\"\"\na\n\tb\\\n   c\"\"\"", R"("a\n\tbc")"},
+        {"'''a\n\\n'''", R"("a\n\\n")"},
+        {R"("\u0001\u007f\u0085\u2028\u2029\u00E4\U0001F30D")", R"("\u0001\u007F\u0085\u2028\u2029ä🌍")"},
+        {R"("1.50")", R"("1.50")"},
+    };
+    const auto network = [](const std::string& text) {
+        return head + object("e", "Echo", "set.text = " + text + "\n")
+               + object("odd", "Strange", "set.\"it's\" = " + text + "\n\"a\\tb\" = [" + text + "]\n");
+    };
+    const std::string locale = object("locale", "LocaleSetter");
+    for (const auto& [given, written] : cases) {
+        SCOPED_TRACE(given);
+        const Converted result = convert(network(given));
+        EXPECT_EQ(result.status, 2); // "Strange" is unknown
+        EXPECT_EQ(result.text, network(written));
+        EXPECT_EQ(convert(network(given) + locale, {}, {{"LC_ALL=de_DE.UTF-8"}, ""}).text, network(written) + locale);
+    }
+}
+
 TEST(Convert, savesValuesFromTheCommandLine)
 {
     const Converted result = convert(head + object("a", "Adder", "set.a = 1\n") + object("e", "Echo"),

@@ -8,7 +8,6 @@
 
 using namespace Tarn;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
@@ -50,22 +49,6 @@ TEST(TomlTable, namesTheTypeOfEachValue)
         kinds.emplace_back(kindOf(*value));
     EXPECT_THAT(kinds, ElementsAre("a table", "an array", "a text", "an integer", "a number", "a truth value", "a date",
                                    "a time of day", "a date with a time"));
-}
-
-TEST(TomlTable, writesEachValueOnOneLineThatReadsBack)
-{
-    const std::string lines[] = {
-        "[1, -2, [3.5, \"a\\\"b\"], { c = true, \"d e\" = [] }]",
-        "2020-01-02T10:20:30.5+02:30",
-        "1e+300",
-        "nan",
-    };
-    for (const std::string& line : lines) {
-        SCOPED_TRACE(line);
-        const std::string written = tomlValue(*parse("x = " + line).get("x"));
-        EXPECT_THAT(written, testing::Not(HasSubstr("\n")));
-        EXPECT_EQ(tomlValue(*parse("x = " + written).get("x")), written);
-    }
 }
 
 TEST(TomlTable, countsHowDeepTablesAndArraysAreNested)

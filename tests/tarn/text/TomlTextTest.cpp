@@ -1,6 +1,7 @@
 #include <tarn/text/TomlText.hpp>
 
 #include <tarn/network/NetworkParser.hpp>
+#include <tarn/text/TomlTable.hpp>
 
 #include <loam/Numbers.hpp>
 
@@ -74,6 +75,9 @@ TEST(TomlText, quotesKeysThatNeedIt)
         {"a b", "\"a b\""},
         {"\xC3\xA4", "\"\xC3\xA4\""},
         {"say \"x\"\n", "\"say \\\"x\\\"\\n\""},
+        {"it's", R"("it's")"},
+        {"a\tb", R"("a\tb")"},
+        {"a\nb", R"("a\nb")"},
     };
     for (const auto& [key, spelled] : cases) {
         SCOPED_TRACE(key);
@@ -84,9 +88,27 @@ TEST(TomlText, quotesKeysThatNeedIt)
 
 TEST(TomlText, writesStringsOnOneLine)
 {
-    EXPECT_EQ(tomlString(std::string("a\0\x1F\x7F", 4)), "\"a\\u0000\\u001F\\u007F\"");
-    EXPECT_EQ(tomlString("\b\t\n\f\r\"\\'"), "\"\\b\\t\\n\\f\\r\\\"\\\\'\"");
-    EXPECT_EQ(tomlString("\xC3\xA4 \xF0\x9F\x8C\x8D"), "\"\xC3\xA4 \xF0\x9F\x8C\x8D\"");
+    const struct {
+        std::string text;
+        const char* spelled;
+    } cases[] = {
+        {"", R"("")"},
+        {"a b", R"("a b")"},
+        {R"(it's "C:\x")", R"("it's \"C:\\x\"")"},
+        {R"(\u0041 ''' """)", R"("\\u0041 ''' \"\"\"")"},
+        {"\b\t\n\f\r", R"("\b\t\n\f\r")"},
+        {"a\nb\n", R"("a\nb\n")"},
+        {std::string("a\0\x01\x1F\x7F", 5), R"("a\u0000\u0001\u001F\u007F")"},
+        {std::string("ä\0\x7F\t\"", 6), R"("ä\u0000\u007F\t\"")"},
+        {"\xC2\x85 \xE2\x80\xA8 \xE2\x80\xA9", R"("\u0085 \u2028 \u2029")"},
+        {"ä \u00A0\uFEFF\U0001F30D", "\"ä \u00A0\uFEFF\U0001F30D\""},
+    };
+    const UnderDecimalComma comma;
+    for (const auto& [text, spelled] : cases) {
+        SCOPED_TRACE(spelled);
+        EXPECT_EQ(tomlString(text), spelled);
+        EXPECT_EQ(read("x", spelled).value.text, text);
+    }
 }
 
 TEST(TomlText, keepsEveryCharacter)
@@ -164,5 +186,54 @@ TEST(TomlText, keepsEveryBitOfANumberInEveryLocale)
         EXPECT_EQ(std::bit_cast<std::uint64_t>(again), std::bit_cast<std::uint64_t>(number));
         ASSERT_TRUE(tomlNumber(text)); // the text of the number is a number itself
         EXPECT_EQ(read("x", *tomlNumber(text)).value.text, text);
+    }
+}
+
+TEST(TomlText, writesEachValueOnOneLineInOneSpellingInEveryLocale)
+{
+    const std::string wide = "\"" + std::string(130, 'x') + "\"";
+    const struct {
+        std::string text;
+        std::string spelled;
+    } cases[] = {
+        {"+1979", "1979"},
+        {"1_000_000", "1000000"},
+        {"0xFF", "255"},
+        {"0o17", "15"},
+        {"0b101", "5"},
+        {"-9223372036854775808", "-9223372036854775808"},
+        {"0.10", "0.1"},
+        {"100000.0", "1e+05"},
+        {"1e300", "1e+300"},
+        {"-0.0", "-0.0"},
+        {"+inf", "inf"},
+        {"-inf", "-inf"},
+        {"-nan", "nan"},
+        {"true", "true"},
+        {"false", "false"},
+        {R"('a\b')", R"("a\\b")"},
+        {"0001-01-01", "0001-01-01"},
+        {"2020-01-02 10:20:30", "2020-01-02T10:20:30"},
+        {"2020-01-02t10:20:30z", "2020-01-02T10:20:30Z"},
+        {"2020-01-02T10:20:30+00:00", "2020-01-02T10:20:30Z"},
+        {"2020-01-02T10:20:30.500+02:30", "2020-01-02T10:20:30.5+02:30"},
+        {"2020-01-02T10:20:30-00:30", "2020-01-02T10:20:30-00:30"},
+        {"07:05:00.000500", "07:05:00.0005"},
+        {"07:05:00.000000001", "07:05:00.000000001"},
+        {"[]", "[]"},
+        {"{}", "{}"},
+        {"[ 1,\n [2.50, 'a'], ]", "[1, [2.5, \"a\"]]"},
+        {"[" + wide + "," + wide + "]", "[" + wide + ", " + wide + "]"},
+        {R"({z=1,a={"it's"=[],'d e'={}}})", R"({ z = 1, a = { "it's" = [], "d e" = {} } })"},
+    };
+    const UnderDecimalComma comma;
+    for (const auto& [text, spelled] : cases) {
+        SCOPED_TRACE(text);
+        Faults faults{"file"};
+        const std::optional<toml::table> given = parseToml("x = " + text, faults);
+        const std::optional<toml::table> again = parseToml("x = " + spelled, faults);
+        ASSERT_THAT(faults.lines(), IsEmpty());
+        EXPECT_EQ(tomlValue(*given->get("x")), spelled);
+        EXPECT_EQ(tomlValue(*again->get("x")), spelled);
     }
 }
