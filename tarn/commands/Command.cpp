@@ -6,8 +6,6 @@ namespace Tarn {
 
 namespace {
 
-constexpr std::size_t LineWidth = 88;
-
 constexpr char SearchHelp[] = R"(Libraries are files NAME.so. They are looked for in ../lib/fathom beside the program,
 in the folders of the environment variable TARN_LIBRARIES (separated by colons), and
 in )";
@@ -21,57 +19,36 @@ std::string spelled(const Option& option)
 
 std::string synopsisOf(const Command& command)
 {
-    const std::string start = "tarn " + command.name;
-    std::vector<std::string> words;
-    if (!command.nameShape.empty()) {
-        const std::string& shape = command.nameShape;
-        words.push_back(command.fewestNames == 0 ? "[" + shape + "]" + (command.mostNames > 1 ? "..." : "") : shape);
-    }
-    for (const Option& option : command.options)
-        words.push_back("[" + spelled(option) + "]" + (option.repeats ? "..." : ""));
-
-    std::string text = start;
-    std::size_t column = start.size();
-    for (const std::string& word : words) {
-        if (column + 1 + word.size() > LineWidth) {
-            text += "\n" + std::string(start.size(), ' ');
-            column = start.size();
-        }
-        text += " " + word;
-        column += 1 + word.size();
-    }
-    return text;
+    std::string text = "tarn " + command.name;
+    if (const std::string& shape = command.nameShape; !shape.empty())
+        text += command.fewestNames == 0 ? " [" + shape + "]" + (command.mostNames > 1 ? "..." : "") : " " + shape;
+    return text + (command.options.empty() ? "" : " [OPTION]...");
 }
 
 std::string helpOn(const Command& command)
 {
-    std::string text = synopsisOf(command) + "\n\n" + command.summary + "\n";
-    if (!command.options.empty()) {
-        std::size_t width = 0;
-        for (const Option& option : command.options)
-            width = std::max(width, spelled(option).size());
-        text += "\n";
-        for (const Option& option : command.options) {
-            std::string lead = "  " + spelled(option) + std::string(width - spelled(option).size() + 2, ' ');
-            std::size_t start = 0;
-            while (start <= option.help.size()) {
-                const std::size_t end = std::min(option.help.find('\n', start), option.help.size());
-                text += lead + option.help.substr(start, end - start) + "\n";
-                lead.assign(lead.size(), ' ');
-                start = end + 1;
-            }
+    // help2man makes the manual pages from this layout.
+    std::string text = "Usage: " + synopsisOf(command) + "\n\n" + command.summary + "\n";
+    if (!command.help.empty())
+        text += "\n" + command.help;
+    if (!command.libraryFolders.empty())
+        text += "\n" + (SearchHelp + command.libraryFolders) + ".\n";
+    if (command.options.empty())
+        return text;
+    std::size_t width = 0;
+    for (const Option& option : command.options)
+        width = std::max(width, spelled(option).size());
+    text += "\nOptions:\n";
+    for (const Option& option : command.options) {
+        std::string lead = "  " + spelled(option) + std::string(width - spelled(option).size() + 2, ' ');
+        std::size_t start = 0;
+        while (start <= option.help.size()) {
+            const std::size_t end = std::min(option.help.find('\n', start), option.help.size());
+            text += lead + option.help.substr(start, end - start) + "\n";
+            lead.assign(lead.size(), ' ');
+            start = end + 1;
         }
     }
-    if (const std::string paragraphs = paragraphsOn(command); !paragraphs.empty())
-        text += "\n" + paragraphs;
-    return text;
-}
-
-std::string paragraphsOn(const Command& command)
-{
-    std::string text = command.help;
-    if (!command.libraryFolders.empty())
-        text += (text.empty() ? "" : "\n") + (SearchHelp + command.libraryFolders) + ".\n";
     return text;
 }
 

@@ -63,11 +63,8 @@ struct Command {
     int (*perform)(const Arguments& arguments, const StandardStreams& streams) = nullptr;
 };
 
-/// Returns the synopsis, such as "tarn run NETWORK.toml [--steps=N] ...", wrapped to fit.
+/// Returns the synopsis, such as "tarn run NETWORK.toml [OPTION]...".
 std::string synopsisOf(const Command& command);
-
-/// Returns the paragraphs of the help that follow the options; may be empty.
-std::string paragraphsOn(const Command& command);
 
 /// Returns the output of `tarn COMMAND --help`.
 std::string helpOn(const Command& command);

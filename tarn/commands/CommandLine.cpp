@@ -11,22 +11,31 @@ namespace Tarn {
 
 namespace {
 
-constexpr char GeneralHelp[] = R"(Loads networks of processing objects and evaluates them.
+constexpr char Opening[] = R"(Usage: tarn COMMAND [ARGUMENT]...
+  or:  tarn --help
+  or:  tarn --version
 
+Loads networks of processing objects and evaluates them.
+
+Results are written to the given files, or to standard output if the file is "-";
+messages are written to standard error.
+
+Commands:
 )";
 
-constexpr char FilesHelp[] = R"(Results are written to the given files, or to standard output if the file is "-";
-messages are written to standard error. Networks and data that are not found under
-their names are looked for in the folders in the environment variable TARN_DATA,
-separated by semicolons.
-)";
-
-constexpr char StatusHelp[] = R"(  0  everything is fine
+constexpr char Closing[] = R"(
+Exit status:
+  0  everything is fine
   1  an object reported an error, or a loop did not settle
   2  the network has faults
   3  the command line is wrong
   4  a file could not be read or written
   129, 130, 143  interrupted by SIGHUP, SIGINT or SIGTERM
+
+Environment:
+  TARN_DATA       Folders, separated by semicolons, in which networks and data are
+                  looked for that are not found under their names.
+  TARN_LIBRARIES  Folders, separated by colons, in which libraries are looked for.
 )";
 
 class Parser final : public Orla::CommandLineParser {
@@ -141,7 +150,8 @@ CommandLine CommandLine::parse(int argc, char** argv, const std::vector<const Co
 
 std::string CommandLine::generalHelp(const std::vector<const Command*>& commands)
 {
-    std::string text = GeneralHelp;
+    // help2man makes the manual page from this layout.
+    std::string text = Opening;
     std::vector<std::pair<std::string, std::string>> lines;
     for (const Command* command : commands)
         lines.emplace_back(command->name + (command->nameShape.empty() ? "" : " " + command->nameShape),
@@ -152,17 +162,7 @@ std::string CommandLine::generalHelp(const std::vector<const Command*>& commands
         width = std::max(width, lead.size());
     for (const auto& [lead, summary] : lines)
         text += "  tarn " + lead + std::string(width - lead.size() + 2, ' ') + summary + "\n";
-    return text + "\n" + FilesHelp + "\nExit status:\n" + StatusHelp;
-}
-
-std::string CommandLine::filesHelp()
-{
-    return FilesHelp;
-}
-
-std::string CommandLine::statusHelp()
-{
-    return StatusHelp;
+    return text + Closing;
 }
 
 std::string CommandLine::versionText()

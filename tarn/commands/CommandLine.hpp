@@ -22,11 +22,6 @@ struct CommandLine {
     /// Returns the output of `tarn --help`.
     static std::string generalHelp(const std::vector<const Command*>& commands);
 
-    /// Return the parts of the general help that are not about one command: where results are
-    /// written and data are looked for, and one line per exit status.
-    static std::string filesHelp();
-    static std::string statusHelp();
-
     static std::string versionText();
 };
 

@@ -47,7 +47,8 @@ Option setOption()
 {
     return {.name = "set",
             .shape = "OBJECT.SLOT=TEXT",
-            .help = "Sets an input, overriding the file. If an input is\nset several times, the last text counts.",
+            .help = "Sets an input, overriding the file. May be repeated; if an\n"
+                    "input is set several times, the last text counts.",
             .repeats = true};
 }
 

@@ -230,7 +230,8 @@ then stays unchanged; standard output has the rows of the steps before.
                 {.name = "print",
                  .shape = "OBJECT.OUTPUT",
                  .help = "Prints the text of an output, or of its component\n"
-                         "OBJECT.OUTPUT.MEMBER, to standard output at the end.",
+                         "OBJECT.OUTPUT.MEMBER, to standard output at the end.\n"
+                         "May be repeated.",
                  .repeats = true},
                 {.name = "trace",
                  .shape = "FILE.json",

@@ -15,7 +15,7 @@ Option libraryOption()
 {
     return {.name = "library",
             .shape = "NAME",
-            .help = "Loads an object library besides the standard one.",
+            .help = "Loads an object library besides the standard one. May be repeated.",
             .repeats = true};
 }
 

@@ -93,9 +93,8 @@ TEST(CommandLine, reportsWrongUsage)
         {{""}, "unknown command \"\"; available: cook, list"},
         {{"coko"}, "unknown command \"coko\"; did you mean \"cook\"?"},
         {{"--steps=1"}, "unknown option \"--steps\"; available: --help, --version"},
-        {{"cook"}, "no RECIPE, expected tarn cook RECIPE [--add=SPICE]... [--minutes=N] [--quietly]"},
-        {{"cook", "a", "b", "c"},
-         "one name too many, \"c\", expected tarn cook RECIPE [--add=SPICE]... [--minutes=N] [--quietly]"},
+        {{"cook"}, "no RECIPE, expected tarn cook RECIPE [OPTION]..."},
+        {{"cook", "a", "b", "c"}, "one name too many, \"c\", expected tarn cook RECIPE [OPTION]..."},
         {{"cook", "a", "--minute=1"}, "unknown option \"--minute\"; did you mean \"--minutes\"?"},
         {{"cook", "a", "-q"}, "unknown option \"-q\"; available: --help, --add, --minutes, --quietly"},
         {{"list", "a", "--minutes=1"}, "unknown option \"--minutes\"; available: --help"},
@@ -132,12 +131,15 @@ TEST(CommandLine, offersHelpEvenIfOtherArgumentsAreWrong)
     EXPECT_EQ(parse({"--version"}).request, CommandLine::Request::Version);
 }
 
-TEST(CommandLine, listsAllCommandsAndExitStatusesInTheGeneralHelp)
+TEST(CommandLine, listsCommandsStatusesAndVariablesInTheGeneralHelp)
 {
     const std::string help = CommandLine::generalHelp(all);
     EXPECT_THAT(help, HasSubstr("  tarn cook RECIPE     Cooks.\n"));
     EXPECT_THAT(help, HasSubstr("  tarn list SHELF      Lists.\n"));
     EXPECT_THAT(help, HasSubstr("  tarn COMMAND --help  Describes a command and its options.\n"));
+    EXPECT_THAT(help, testing::StartsWith("Usage: tarn COMMAND [ARGUMENT]...\n"));
+    for (const char* variable : {"\n  TARN_DATA ", "\n  TARN_LIBRARIES "})
+        EXPECT_THAT(help, HasSubstr(variable));
     for (const char* status : {"\n  0  ", "\n  1  ", "\n  2  ", "\n  3  ", "\n  4  ", "129, 130, 143"})
         EXPECT_THAT(help, HasSubstr(status));
 }
