@@ -1,5 +1,7 @@
 #include <trellis/VActionNotifier.hpp>
 
+#include <trellis/VManagedObject.hpp>
+
 #include <algorithm>
 #include <cstdio>
 #include <mutex>
@@ -93,6 +95,21 @@ void VActionNotifier::Warning(const std::string& message)
     forEachLiving([&](VActionNotifier& notifier) { shown |= notifier.warned(message); });
     if (!shown)
         std::fprintf(stderr, "%s\n", message.c_str());
+}
+
+void VActionNotifier::VObjectCreation(const StrongPtr<VManagedObject>& object,
+                                      const Loam::InterfaceContainer& interfaces,
+                                      const StrongPtr<VObjectCreator>& creator)
+{
+    if (!object)
+        return;
+    VManagedObject::add(object);
+    forEachLiving([&](VActionNotifier& notifier) { notifier.objectCreated(object, interfaces, creator); });
+}
+
+void VActionNotifier::VObjectRemoval(const StrongPtr<VManagedObject>& object)
+{
+    forEachLiving([&](VActionNotifier& notifier) { notifier.objectRemoved(object); });
 }
 
 } // namespace Orla

@@ -29,8 +29,6 @@ void setAnnounced(VManagedObject& object, bool isAnnounced)
 
 } // namespace
 
-VManagedObjectBase::~VManagedObjectBase() = default;
-
 VManagedObjectIterator::~VManagedObjectIterator() = default;
 
 VManagedObject::VManagedObject(const std::string& name, int level)
@@ -117,20 +115,5 @@ std::size_t VManagedObject::count()
 }
 
 // Defined here, because announcing an object adds it to the registry.
-
-void VActionNotifier::VObjectCreation(const StrongPtr<VManagedObject>& object,
-                                      const Loam::InterfaceContainer& interfaces,
-                                      const StrongPtr<VObjectCreator>& creator)
-{
-    if (!object)
-        return;
-    VManagedObject::add(object);
-    forEachLiving([&](VActionNotifier& notifier) { notifier.objectCreated(object, interfaces, creator); });
-}
-
-void VActionNotifier::VObjectRemoval(const StrongPtr<VManagedObject>& object)
-{
-    forEachLiving([&](VActionNotifier& notifier) { notifier.objectRemoved(object); });
-}
 
 } // namespace Orla

@@ -2,46 +2,16 @@
 
 #include <trellis/detail/FrameHooks.hpp>
 #include <trellis/detail/NetworkObjects.hpp>
+#include <trellis/detail/Provision.hpp>
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VObjectCreator.hpp>
 
 #include <loam/Typename.hpp>
 
-#include <algorithm>
-#include <cmath>
-
 namespace Orla {
 
-namespace {
-
-// Returns the output of `object` that has the slot's type. Prefers its own outputs to inputs
-// that it passes on.
-StrongPtr<VSlot> outputFor(const VSlot& slot, const VObject& object)
-{
-    StrongPtr<VSlot> passedOn;
-    for (const StrongPtr<VSlot>& output : object.outputs()) {
-        if (output->type() != slot.type())
-            continue;
-        if (output->hasFlag(VSlot::Output))
-            return output;
-        if (!passedOn)
-            passedOn = output;
-    }
-    return passedOn;
-}
-
-// Records that a provider of a type is being created.
-struct Providing {
-    Providing(std::vector<std::string>& theTypes, const std::string& type) : types{theTypes} { types.push_back(type); }
-    Providing(const Providing&) = delete;
-    Providing& operator=(const Providing&) = delete;
-    ~Providing() { types.pop_back(); }
-
-    std::vector<std::string>& types;
-};
-
-} // namespace
+using Detail::Provision;
 
 VOutputIterator::~VOutputIterator() = default;
 
@@ -122,8 +92,7 @@ bool VObject::findOutputObjects(const std::type_info& type, VOutputIterator& ite
 
 bool VObject::isBeingProvided(const VObject& object, const std::string& typeName)
 {
-    const auto* const objects = Detail::NetworkObjects::find(*object.wiring().network);
-    return objects && std::ranges::find(objects->beingProvided, typeName) != objects->beingProvided.end();
+    return Provision::isRunning(*object.wiring().network, typeName);
 }
 
 StrongPtr<VObject> VObject::attachNewObject(VObject* object, const StrongPtr<VSlot>& slot, const std::string& typeName,
@@ -134,7 +103,7 @@ StrongPtr<VObject> VObject::attachNewObject(VObject* object, const StrongPtr<VSl
     Detail::NetworkCore& network = *object->wiring().network;
     const Detail::ChangeScope change{network};
     const Detail::CurrentScope current{network};
-    const Providing providing{Detail::NetworkObjects::of(network).beingProvided, typeName};
+    const Provision provision{network, typeName};
 
     StrongPtr<VObject> provider = createObject(typeName, typeName, preferences);
     if (!provider) {
@@ -142,7 +111,7 @@ StrongPtr<VObject> VObject::attachNewObject(VObject* object, const StrongPtr<VSl
                                  + "\" of " + object->describe() + " keeps its own value");
         return nullptr;
     }
-    const StrongPtr<VSlot> output = outputFor(*slot, *provider);
+    const StrongPtr<VSlot> output = Provision::outputFor(*slot, *provider);
     if (!output) {
         VActionNotifier::Warning(provider->describe() + " has no output of type " + Loam::Typename(slot->type())
                                  + " for the input \"" + slot->name() + "\" of " + object->describe());
@@ -152,51 +121,5 @@ StrongPtr<VObject> VObject::attachNewObject(VObject* object, const StrongPtr<VSl
     object->attachOutput(output, slot, {});
     return provider;
 }
-
-VConnectable::VConnectable() = default;
-VConnectable::~VConnectable() = default;
-
-bool VConnectable::attachUniqueObject(const StrongPtr<VSlot>& slot, const StrongPtr<VCreationPreferences>& preferences,
-                                      bool create)
-{
-    if (!slot)
-        return false;
-
-    const Detail::ChangeScope change{*wiring().network};
-    const Detail::CurrentScope current{*wiring().network};
-    StrongPtr<VSlot> best;
-    double weight = 0;
-    VObject::forEachOutput(
-        slot->type(),
-        [&](const StrongPtr<VObject>& object, const StrongPtr<VSlot>& offered) {
-            if (offered->container() == this || offered->parameter() == slot->ownParameter())
-                return;
-            const VCreationPreferences& has = *object->creationPreferences();
-            const double candidate = preferences ? has.weight(*preferences) : has.handicap();
-            // Skips NaN, for which both comparisons are false.
-            if (best ? candidate < weight : candidate == candidate) {
-                best = offered;
-                weight = candidate;
-            }
-        },
-        "unique");
-
-    if (!best && create) {
-        const StrongPtr<VObjectCreator> creator = VObjectCreator::findUnique(slot->type());
-        std::vector<std::string>& beingProvided = Detail::NetworkObjects::of(*wiring().network).beingProvided;
-        // A provider that needs a provider of its own kind must not create another one.
-        if (!creator || std::ranges::find(beingProvided, creator->typeName()) != beingProvided.end())
-            return false;
-        const Providing providing{beingProvided, creator->typeName()};
-        if (const StrongPtr<VObject> provider = creator->create(creator->typeName(), 0, preferences)) {
-            VObject::finishCreation(provider, {}, creator);
-            best = outputFor(*slot, *provider);
-        }
-    }
-    return best && attachOutput(best, slot, {});
-}
-
-VSkale::VSkale() = default;
-VSkale::~VSkale() = default;
 
 } // namespace Orla

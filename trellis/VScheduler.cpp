@@ -42,13 +42,6 @@ private:
 
 } // namespace
 
-VExecutor::~VExecutor() = default;
-
-std::chrono::nanoseconds VExecutor::handOverTime() const noexcept
-{
-    return std::chrono::microseconds{1};
-}
-
 bool VScheduler::schedule(const StrongPtr<VObject>& object, double precision, const StrongPtr<ValuePool>& pool)
 {
     if (!object || !object->isRequestProcessingEnabled() || !pool || !pool->root())

@@ -1,6 +1,7 @@
 #include <trellis/VSlot.hpp>
 
 #include <trellis/detail/FrameHooks.hpp>
+#include <trellis/detail/PoolState.hpp>
 #include <trellis/detail/Wiring.hpp>
 
 #include <trellis/VSlotContainer.hpp>
@@ -43,6 +44,50 @@ const std::string& VSlot::member() const noexcept
 {
     static const std::string none;
     return m_link ? m_link->member : none;
+}
+
+StrongPtr<VValueBase> VSlot::getValueBase(const StrongPtr<ValuePool>& pool) const
+{
+    if (!pool)
+        return nullptr;
+    if (VFrame* const frame = VFrame::of(pool->runningFrame(), place())) {
+        if (VValueBase* const value = frame->cell(m_cell).value)
+            return StrongPtr<VValueBase>(value);
+    }
+    Detail::PoolState* const state = pool->state();
+    return state ? state->find(*this) : nullptr;
+}
+
+StrongPtr<VValueBase> VSlot::getLocalValue(const StrongPtr<ValuePool>& pool) const
+{
+    if (StrongPtr<VValueBase> value = getValueBase(pool))
+        return value;
+    if (!pool || !pool->root())
+        return nullptr;
+    return pool->stateOrNew().make(*this);
+}
+
+bool VSlot::set(const StrongPtr<ValuePool>& pool, const std::string& text) const
+{
+    const StrongPtr<VValueBase> value = getLocalValue(pool);
+    // Parse into a copy first: a refused text may leave a value partly changed.
+    const StrongPtr<VValueBase> trial = value ? value->copy() : nullptr;
+    if (!trial || !trial->setValueFromText(text) || !value->getValueFrom(WeakPtrImpl<VValueBase>(trial)))
+        return false;
+    m_parameter->notifyValueChange(value, pool, member());
+    return true;
+}
+
+std::optional<std::string> VSlot::text(const StrongPtr<ValuePool>& pool) const
+{
+    const StrongPtr<VValueBase> value = getValueBase(pool);
+    return value ? std::optional(value->Text()) : std::nullopt;
+}
+
+bool VSlot::setInitialText(const std::string& text)
+{
+    const StrongPtr<VValueBase> value = m_ownParameter->newValue();
+    return value && value->setValueFromText(text) && m_ownParameter->setGlobalValue(value, {});
 }
 
 StrongPtr<VValueBase> VSlot::componentOf(VValueBase& value) const

@@ -10,16 +10,6 @@
 
 namespace Orla {
 
-VObserver::~VObserver() = default;
-
-void VObserver::startedWaiting(const VObject&) noexcept
-{
-}
-
-void VObserver::stoppedWaiting(const VObject&) noexcept
-{
-}
-
 ValuePool::ValuePool(std::string name) : m_name{std::move(name)}
 {
 }

@@ -1,0 +1,7 @@
+#include <trellis/VManagedObjectBase.hpp>
+
+namespace Orla {
+
+VManagedObjectBase::~VManagedObjectBase() = default;
+
+} // namespace Orla

@@ -1,0 +1,8 @@
+#include <trellis/VSkale.hpp>
+
+namespace Orla {
+
+VSkale::VSkale() = default;
+VSkale::~VSkale() = default;
+
+} // namespace Orla
