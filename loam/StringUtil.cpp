@@ -1,5 +1,7 @@
 #include <loam/StringUtil.hpp>
 
+#include <loam/Utf8.hpp>
+
 namespace Loam::StringUtil {
 
 namespace {
@@ -79,7 +81,7 @@ std::string printable(std::string_view text)
         return escaped(text);
     std::size_t end = LongestShown;
     // Do not cut in the middle of a character.
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u)
+    while (end > 0 && isContinuation(text[end]))
         --end;
     return escaped(text.substr(0, end)) + "...";
 }

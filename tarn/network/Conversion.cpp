@@ -8,11 +8,11 @@
 #include <tarn/network/Session.hpp>
 #include <tarn/text/Messages.hpp>
 #include <tarn/text/ReadFile.hpp>
-#include <tarn/text/Utf8.hpp>
 
 #include <trellis/VObjectCreator.hpp>
 
 #include <loam/FileError.hpp>
+#include <loam/Utf8.hpp>
 
 #include <algorithm>
 #include <cerrno>
@@ -143,7 +143,7 @@ std::vector<std::string> Conversion::moveTo(const std::string& folder)
         NetworkFile::Object& object = m_file.objects[held.object];
         NetworkFile::InputText& text = object.texts[held.text];
         if (const std::optional<std::string> moved = rewriter.moved(text.value.text)) {
-            if (isUtf8(*moved)) {
+            if (Loam::isUtf8(*moved)) {
                 messages.push_back(start(object, text) + " is written as " + inQuotes(*moved)
                                    + ", which is the same file from the new folder");
                 text.value.text = *moved;

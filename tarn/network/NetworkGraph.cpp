@@ -3,7 +3,6 @@
 #include <tarn/libraries/AnnouncedObjects.hpp>
 #include <tarn/network/NetworkBuilder.hpp>
 #include <tarn/network/SlotLookup.hpp>
-#include <tarn/text/Utf8.hpp>
 
 #include <fathom/VConnectionTypeColors.hpp>
 
@@ -11,6 +10,7 @@
 #include <trellis/VObjectCreator.hpp>
 
 #include <loam/Typename.hpp>
+#include <loam/Utf8.hpp>
 
 #include <algorithm>
 #include <map>
@@ -147,7 +147,7 @@ std::string apart(std::string_view piece)
 // breaks break lines, and other control characters appear as control pictures.
 std::string inLabel(const std::string& raw)
 {
-    const std::string text = validUtf8(raw);
+    const std::string text = Loam::validUtf8(raw);
     std::string label;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto code = static_cast<unsigned char>(text[i]);
@@ -175,7 +175,7 @@ std::string inLabel(const std::string& raw)
         } else if (text[i] == '\n') {
             label += "<BR/>";
         } else if (code < 0x20) {
-            label += {'\xE2', '\x90', static_cast<char>(0x80 + code)}; // U+2400 and following
+            Loam::appendUtf8(label, U'\u2400' + code);
         } else if (code == 0x7F) {
             label += "\u2421";
         } else {

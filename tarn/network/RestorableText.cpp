@@ -1,6 +1,6 @@
 #include <tarn/network/RestorableText.hpp>
 
-#include <tarn/text/Utf8.hpp>
+#include <loam/Utf8.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -35,14 +35,14 @@ std::optional<RestorableText> find(const Value& given, const Value& value, const
         const Value read = readInto(given, candidate);
         return read && read->Text() == written && (!isCompared || !read->isDifferentFrom(value));
     };
-    if (isUtf8(written)) {
+    if (Loam::isUtf8(written)) {
         form.text = written;
         if (restores({written}, true))
             return form;
     }
     for (auto first = texts.end(); first != texts.begin();) {
         --first;
-        if (!isUtf8(*first))
+        if (!Loam::isUtf8(*first))
             break;
         // A value with NaN may differ from its own copy, which makes comparing useless. All
         // texts are then read again.
@@ -68,7 +68,7 @@ Loam::Result<RestorableText> restorableText(const Value& given, const Value& val
         return Loam::Failure{found.reason()};
     if (*found)
         return **std::move(found);
-    return Loam::Failure{std::ranges::all_of(texts, isUtf8) ? "no text that a file can hold restores it"
+    return Loam::Failure{std::ranges::all_of(texts, Loam::isUtf8) ? "no text that a file can hold restores it"
                                                             : "the text is not valid UTF-8"};
 }
 

@@ -3,9 +3,10 @@
 #include <tarn/text/Messages.hpp>
 #include <tarn/text/TomlTable.hpp>
 #include <tarn/text/TomlText.hpp>
-#include <tarn/text/Utf8.hpp>
 
 #include <fathom/VInteractionEvent.hpp>
+
+#include <loam/Utf8.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -151,7 +152,7 @@ private:
         const std::string key = readText("key", expected);
         if (const auto named = find(Keys, key))
             event.keyText = *named;
-        else if (countCharacters(key) == 1)
+        else if (Loam::countCharacters(key) == 1)
             event.keyText = key;
         else if (!key.empty())
             refuse("key", expected);

@@ -1,7 +1,5 @@
 #include <tarn/text/DeepTomlKeys.hpp>
 
-#include <tarn/text/Utf8.hpp>
-
 #include <algorithm>
 
 namespace Tarn {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Tarn {
@@ -16,6 +17,9 @@ struct Place {
     explicit operator bool() const noexcept { return line != 0; }
     friend auto operator<=>(const Place&, const Place&) = default;
 };
+
+/// Returns the line and the column, in characters, of the byte at \p position.
+Place placeAt(std::string_view text, std::size_t position) noexcept;
 
 /// A piece of text and its position in the file.
 struct PlacedText {

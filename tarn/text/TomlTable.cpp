@@ -2,7 +2,8 @@
 
 #include <tarn/text/DeepTomlKeys.hpp>
 #include <tarn/text/Messages.hpp>
-#include <tarn/text/Utf8.hpp>
+
+#include <loam/Utf8.hpp>
 
 #include <algorithm>
 
@@ -21,7 +22,7 @@ Place placeOf(const toml::node& node) noexcept
 std::optional<toml::table> parseToml(std::string_view text, Faults& faults)
 {
     // The TOML reader rejects it too, but reports the place less precisely.
-    if (const std::size_t invalid = findInvalidUtf8(text); invalid != std::string_view::npos) {
+    if (const std::size_t invalid = Loam::findInvalidUtf8(text); invalid != std::string_view::npos) {
         faults.add(placeAt(text, invalid), "invalid UTF-8 from here on");
         return std::nullopt;
     }

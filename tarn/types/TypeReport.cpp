@@ -1,8 +1,9 @@
 #include <tarn/types/TypeReport.hpp>
 
 #include <tarn/text/TextTable.hpp>
-#include <tarn/text/Utf8.hpp>
 #include <tarn/text/Messages.hpp>
+
+#include <loam/Utf8.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -30,7 +31,7 @@ std::string listing(const std::string& title, const std::vector<std::string>& na
     std::string line = title;
     for (std::size_t i = 0; i < names.size(); ++i) {
         const std::string word = printable(names[i]) + (i + 1 < names.size() ? "," : "");
-        if (i > 0 && countCharacters(line) + 1 + countCharacters(word) > LineWidth) {
+        if (i > 0 && Loam::countCharacters(line) + 1 + Loam::countCharacters(word) > LineWidth) {
             text += line + '\n';
             line = indent;
         } else if (i > 0) {

@@ -5,7 +5,6 @@
 #include <tarn/libraries/Libraries.hpp>
 #include <tarn/network/NetworkParser.hpp>
 #include <tarn/network/NetworkWriter.hpp>
-#include <tarn/text/Utf8.hpp>
 
 #include <trellis/VValueCreator.hpp>
 

@@ -1,7 +1,6 @@
 #include <tarn/network/RestorableText.hpp>
 
 #include <tarn/libraries/Libraries.hpp>
-#include <tarn/text/Utf8.hpp>
 
 #include <trellis/VValueCreator.hpp>
 

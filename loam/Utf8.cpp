@@ -1,15 +1,10 @@
-#include <tarn/text/Utf8.hpp>
+#include <loam/Utf8.hpp>
 
 #include <algorithm>
 
-namespace Tarn {
+namespace Loam {
 
 namespace {
-
-bool isContinuation(char byte) noexcept
-{
-    return (static_cast<unsigned char>(byte) & 0xC0u) == 0x80u;
-}
 
 // Returns the length in bytes of the well-formed character at the start of `text`, or 0.
 std::size_t characterLength(std::string_view text) noexcept
@@ -41,11 +36,6 @@ std::size_t findInvalidUtf8(std::string_view text) noexcept
     return std::string_view::npos;
 }
 
-std::size_t countCharacters(std::string_view text) noexcept
-{
-    return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, isContinuation));
-}
-
 std::string validUtf8(std::string_view text)
 {
     std::string valid;
@@ -54,12 +44,30 @@ std::string validUtf8(std::string_view text)
     return valid.append(text);
 }
 
-Place placeAt(std::string_view text, std::size_t position) noexcept
+void appendUtf8(std::string& text, char32_t code)
 {
-    const std::string_view before = text.substr(0, position);
-    const std::string_view line = before.substr(before.rfind('\n') + 1); // npos + 1 is the start of the text
-    return {static_cast<std::uint32_t>(1 + std::ranges::count(before, '\n')),
-            static_cast<std::uint32_t>(1 + countCharacters(line))};
+    const auto append = [&text](char32_t byte) { text += static_cast<char>(byte); };
+    const auto appendRest = [&](unsigned shift) { append(0x80 | (code >> shift & 0x3F)); };
+    if (code < 0x80) {
+        append(code);
+    } else if (code < 0x800) {
+        append(0xC0 | code >> 6);
+        appendRest(0);
+    } else if (code < 0x10000) {
+        append(0xE0 | code >> 12);
+        appendRest(6);
+        appendRest(0);
+    } else {
+        append(0xF0 | code >> 18);
+        appendRest(12);
+        appendRest(6);
+        appendRest(0);
+    }
 }
 
-} // namespace Tarn
+std::size_t countCharacters(std::string_view text) noexcept
+{
+    return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, isContinuation));
+}
+
+} // namespace Loam

@@ -1,10 +1,10 @@
-#include <tarn/text/Utf8.hpp>
+#include <loam/Utf8.hpp>
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-using namespace Tarn;
+using namespace Loam;
 
 TEST(Utf8, isValidIfEveryCharacterHasItsShortestEncoding)
 {
@@ -41,16 +41,6 @@ TEST(Utf8, isInvalidOtherwise)
     }
 }
 
-TEST(Utf8, hasPlacesCountedInCharacters)
-{
-    const std::string text = "a\nöäb\n";
-    EXPECT_EQ(placeAt(text, 0), (Place{1, 1}));
-    EXPECT_EQ(placeAt(text, 1), (Place{1, 2}));
-    EXPECT_EQ(placeAt(text, 2), (Place{2, 1}));
-    EXPECT_EQ(placeAt(text, text.find('b')), (Place{2, 3}));
-    EXPECT_EQ(placeAt(text, text.size()), (Place{3, 1}));
-}
-
 TEST(Utf8, isCountedInCharacters)
 {
     EXPECT_EQ(countCharacters(""), 0u);
@@ -63,4 +53,42 @@ TEST(Utf8, isMadeValidByReplacingEachInvalidByte)
     EXPECT_EQ(validUtf8("Größe 😀"), "Größe 😀");
     EXPECT_EQ(validUtf8("\xFF"), "\uFFFD");
     EXPECT_EQ(validUtf8("a\xC3(\xE2\x82ä"), "a\uFFFD(\uFFFD\uFFFDä");
+}
+
+TEST(Utf8, encodesTheFirstAndLastCharacterOfEachLength)
+{
+    const struct {
+        char32_t code;
+        const char* encoded;
+    } cases[] = {
+        {0x01, "\x01"},
+        {0x7F, "\x7F"},
+        {0x80, "\xC2\x80"},
+        {0x7FF, "\xDF\xBF"},
+        {0x800, "\xE0\xA0\x80"},
+        {0xD7FF, "\xED\x9F\xBF"},
+        {0xE000, "\xEE\x80\x80"},
+        {0xFFFF, "\xEF\xBF\xBF"},
+        {0x10000, "\xF0\x90\x80\x80"},
+        {0x10FFFF, "\xF4\x8F\xBF\xBF"},
+    };
+    for (const auto& [code, encoded] : cases) {
+        std::string text = "a";
+        appendUtf8(text, code);
+        EXPECT_EQ(text, "a" + std::string(encoded));
+    }
+    std::string text;
+    appendUtf8(text, 0);
+    EXPECT_EQ(text, std::string(1, '\0'));
+}
+
+TEST(Utf8, consistsOfCharactersThatBeginWithAnotherByteThanTheyContinueWith)
+{
+    for (const char32_t code : {U'a', U'\u00E4', U'\u20AC', U'\U0001F600'}) {
+        std::string text;
+        appendUtf8(text, code);
+        EXPECT_FALSE(isContinuation(text[0]));
+        for (std::size_t i = 1; i < text.size(); ++i)
+            EXPECT_TRUE(isContinuation(text[i]));
+    }
 }
