@@ -1,5 +1,7 @@
 #include "Canvas.hpp"
 
+#include <loam/Utf8.hpp>
+
 #include <cairo-svg.h>
 #include <cairo.h>
 
@@ -7,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <new>
@@ -43,44 +44,12 @@ cairo_status_t append(void* bytes, const unsigned char* data, unsigned int lengt
     }
 }
 
-// Returns the length of the UTF-8 character at the start of a text, or 0 if it is invalid.
-std::size_t characterLength(std::string_view text)
-{
-    const auto byte = [&](std::size_t i) { return static_cast<std::uint32_t>(static_cast<unsigned char>(text[i])); };
-    const std::uint32_t first = byte(0);
-    std::size_t length = 0; // for a byte that does not begin a character
-    if (first < 0x80)
-        length = 1;
-    else if (first >= 0xc2 && first < 0xf5)
-        length = first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
-    if (length > text.size())
-        return 0;
-    std::uint32_t code = length <= 1 ? first : first & (0x7fu >> length);
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xc0) != 0x80)
-            return 0;
-        code = code << 6 | (byte(i) & 0x3f);
-    }
-    const bool isOverlong = (length == 3 && code < 0x800) || (length == 4 && code < 0x10000);
-    const bool isSurrogate = code >= 0xd800 && code < 0xe000;
-    return isOverlong || isSurrogate || code > 0x10ffff ? 0 : length;
-}
-
 // Replaces invalid bytes: after invalid UTF-8, cairo stops drawing.
 std::string drawable(std::string_view text)
 {
-    std::string result;
-    while (!text.empty()) {
-        const std::size_t length = characterLength(text);
-        const unsigned char first = static_cast<unsigned char>(text.front());
-        if (length == 0)
-            result += "\xef\xbf\xbd";
-        else if (first < 0x20 || first == 0x7f)
-            result += ' ';
-        else
-            result += text.substr(0, length);
-        text.remove_prefix(std::max<std::size_t>(length, 1));
-    }
+    std::string result = Loam::validUtf8(text);
+    std::ranges::replace_if(
+        result, [](unsigned char byte) { return byte < 0x20 || byte == 0x7f; }, ' ');
     return result;
 }
 
