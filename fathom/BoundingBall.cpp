@@ -3,8 +3,7 @@
 #include <fathom/GyrePhysicalSpacePoint.hpp>
 
 #include <loam/Numbers.hpp>
-
-#include <string_view>
+#include <loam/StringUtil.hpp>
 
 namespace Orla {
 
@@ -17,9 +16,8 @@ std::string VValueTrait<Gyre::BoundingBall>::Text(const Gyre::BoundingBall& ball
 
 bool VValueTrait<Gyre::BoundingBall>::setValueFromText(Gyre::BoundingBall& ball, const std::string& text)
 {
-    const auto last = text.rfind('@');
     double radius = ball.radius();
-    if (!Loam::readNumber(radius, std::string_view(text).substr(last == std::string::npos ? 0 : last + 1)))
+    if (!Loam::readNumber(radius, Loam::StringUtil::afterLast(text, '@')))
         return false;
     ball.setRadius(radius);
     Gyre::PhysicalSpace::point center = ball.center();

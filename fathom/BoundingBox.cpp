@@ -4,6 +4,8 @@
 #include <fathom/RegisteredName.hpp>
 #include <fathom/VConnectionTypeColors.hpp>
 
+#include <loam/StringUtil.hpp>
+
 #include <cstdio>
 
 namespace Orla {
@@ -23,8 +25,7 @@ std::string VValueTrait<Box>::Text(const Box& box)
 bool VValueTrait<Box>::setValueFromText(Box& box, const std::string& text)
 {
     const std::string left = text.substr(0, text.find(';'));
-    const auto last = text.rfind(';');
-    const std::string right = last == std::string::npos ? text : text.substr(last + 1);
+    const std::string right(Loam::StringUtil::afterLast(text, ';'));
     if (left == "[?" || right == "?]") {
         box = nullptr;
         return true;

@@ -1,6 +1,6 @@
 #include <fathom/GyreFixedArray.hpp>
 
-#include <fathom/TextPieces.hpp>
+#include <fathom/TripleText.hpp>
 
 #include <loam/StringUtil.hpp>
 

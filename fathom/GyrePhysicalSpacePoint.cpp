@@ -1,6 +1,6 @@
 #include <fathom/GyrePhysicalSpacePoint.hpp>
 
-#include <fathom/TextPieces.hpp>
+#include <fathom/TripleText.hpp>
 
 namespace Orla {
 

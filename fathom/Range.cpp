@@ -3,6 +3,7 @@
 #include <fathom/VMemberValue.hpp>
 
 #include <loam/Numbers.hpp>
+#include <loam/StringUtil.hpp>
 
 #include <string_view>
 
@@ -26,8 +27,7 @@ bool VValueTrait<Range>::setValueFromText(Range& range, const std::string& text)
     const std::string_view whole = text;
     if (!Loam::readNumber(range.begin, whole.substr(0, whole.find(separator))))
         return false;
-    const auto last = whole.rfind(separator);
-    return Loam::readNumber(range.end, last == std::string_view::npos ? whole : whole.substr(last + 1));
+    return Loam::readNumber(range.end, Loam::StringUtil::afterLast(whole, separator));
 }
 
 template class FATHOM_TEMPLATE VTypedValueBase<Range>;

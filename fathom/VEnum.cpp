@@ -1,6 +1,6 @@
 #include <fathom/VEnum.hpp>
 
-#include <fathom/TextPieces.hpp>
+#include <loam/StringUtil.hpp>
 
 #include <string_view>
 
@@ -99,8 +99,8 @@ bool VEnumSelection::fromString(const std::string& text)
     const std::string copy = text;
     clear();
     m_selected = 0;
-    forEachPiece(std::string_view(copy).substr(brace + 1), '{',
-                 [this](std::string_view piece) { append(std::string(piece)); });
+    Loam::StringUtil::forEachPiece(std::string_view(copy).substr(brace + 1), '{',
+                                   [this](std::string_view piece) { append(std::string(piece)); });
     return select(copy.substr(0, brace));
 }
 

@@ -1,6 +1,6 @@
 #include <fathom/VFlagList.hpp>
 
-#include <fathom/TextPieces.hpp>
+#include <loam/StringUtil.hpp>
 
 #include <cstdio>
 #include <utility>
@@ -38,7 +38,7 @@ bool FlagList::addFlag(std::string_view item)
 unsigned long long FlagList::addFlagsFromString(std::string_view text, char separator)
 {
     unsigned long long pieces = 0;
-    forEachPiece(text, separator, [&](std::string_view piece) {
+    Loam::StringUtil::forEachPiece(text, separator, [&](std::string_view piece) {
         ++pieces;
         addFlag(piece);
     });

@@ -1,6 +1,6 @@
 #include <fathom/VMultipleStringList.hpp>
 
-#include <fathom/TextPieces.hpp>
+#include <loam/StringUtil.hpp>
 
 #include <string_view>
 
@@ -37,7 +37,7 @@ std::string_view inBraces(std::string_view text) noexcept
 void read(StringList& strings, std::string_view text)
 {
     strings.clear();
-    forEachPiece(inBraces(text), '{', [&strings](std::string_view piece) {
+    Loam::StringUtil::forEachPiece(inBraces(text), '{', [&strings](std::string_view piece) {
         // The last brace closes the string, which may contain braces itself.
         strings.append(std::string(piece.substr(0, piece.rfind('}'))));
     });

@@ -1,6 +1,6 @@
 #include <fathom/VStringList.hpp>
 
-#include <fathom/TextPieces.hpp>
+#include <loam/StringUtil.hpp>
 
 #include <algorithm>
 #include <cstdio>
@@ -101,7 +101,7 @@ bool VValueTrait<Selection>::setValueFromText(Selection& selection, const std::s
     if (wanted.empty())
         return selection->select(text);
     if (selection->empty()) {
-        forEachPiece(takePiece(rest), '|', [&selection](std::string_view string) {
+        Loam::StringUtil::forEachPiece(takePiece(rest), '|', [&selection](std::string_view string) {
             if (!string.empty())
                 selection->append(std::string(string));
         });

@@ -4,41 +4,32 @@
 
 namespace Loam::StringUtil {
 
-namespace {
-
-// Returns the end of the piece at \p start: the next separator or the end of the text.
-std::size_t pieceEnd(std::string_view text, std::size_t start, char separator, char quote)
+std::size_t findUnquoted(std::string_view text, char c, char quote) noexcept
 {
-    if (quote == 0) {
-        const auto found = text.find(separator, start);
-        return found == std::string_view::npos ? text.size() : found;
-    }
-    bool quoted = false;
-    for (std::size_t i = start; i != text.size(); ++i) {
-        if (text[i] == separator && !quoted)
+    if (quote == 0)
+        return text.find(c);
+    bool isQuoted = false;
+    for (std::size_t i = 0; i != text.size(); ++i) {
+        if (text[i] == c && !isQuoted)
             return i;
         if (text[i] == quote)
-            quoted = !quoted;
+            isQuoted = !isQuoted;
     }
-    return text.size();
+    return std::string_view::npos;
 }
-
-} // namespace
 
 template<class Container>
 std::size_t split(const std::string& text, Container& pieces, char separator, bool flag, char quote)
 {
-    std::size_t appended = 0;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        const std::size_t end = pieceEnd(text, start, separator, quote);
-        if (flag || end != start) {
-            pieces.emplace_back(text, start, end - start);
-            ++appended;
-        }
-        start = end + 1;
-    }
-    return appended;
+    const std::size_t before = pieces.size();
+    forEachPiece(
+        text, separator,
+        [&](std::string_view piece) {
+            if (flag || !piece.empty())
+                pieces.emplace_back(piece);
+        },
+        quote);
+    return pieces.size() - before;
 }
 
 template LOAM_TEMPLATE std::size_t split(const std::string&, std::vector<std::string>&, char, bool, char);

@@ -26,14 +26,37 @@ std::size_t split(const std::string& text, Container& pieces, char separator, bo
 extern template LOAM_EXTERN_TEMPLATE std::size_t split(const std::string&, std::vector<std::string>&, char, bool, char);
 extern template LOAM_EXTERN_TEMPLATE std::size_t split(const std::string&, std::list<std::string>&, char, bool, char);
 
+/// Returns the position of the first \p c in \p text, or `npos`. If \p quote is not 0, a \p c
+/// between two quotes, or after an unclosed one, does not count.
+LOAM_API std::size_t findUnquoted(std::string_view text, char c, char quote) noexcept;
+
+/// Calls \p action with each piece of \p text between separators. Empty pieces count, except
+/// for an empty last one; an empty text has no pieces. With \p quote, as `findUnquoted`.
+template<class Action>
+void forEachPiece(std::string_view text, char separator, Action&& action, char quote = 0)
+{
+    while (!text.empty()) {
+        const std::size_t end = findUnquoted(text, separator, quote);
+        action(text.substr(0, end));
+        if (end == std::string_view::npos)
+            return;
+        text.remove_prefix(end + 1);
+    }
+}
+
 /// Returns the part of \p text after the first \p c, or all of it if it has no \p c.
 LOAM_API std::string crop_before_first(const std::string& text, char c);
 
 /// Like crop_before_first, without a copy: the result points into \p text.
 constexpr std::string_view afterFirst(std::string_view text, char c) noexcept
 {
-    const auto found = text.find(c);
-    return found == std::string_view::npos ? text : text.substr(found + 1);
+    return text.substr(text.find(c) + 1); // npos + 1 is 0
+}
+
+/// Returns the part of \p text after the last \p c, or all of it if it has no \p c.
+constexpr std::string_view afterLast(std::string_view text, char c) noexcept
+{
+    return text.substr(text.rfind(c) + 1); // npos + 1 is 0
 }
 
 /// Returns \p text with control characters and backslashes escaped, so a name cannot

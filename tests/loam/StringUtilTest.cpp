@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
+#include <string>
+#include <string_view>
+#include <vector>
+
 using namespace Loam;
 
 static_assert(StringUtil::afterFirst("a,b", ',') == "b");
@@ -115,6 +120,28 @@ TEST(StringUtil, appendsToExistingPieces)
     EXPECT_EQ(list, (std::list<std::string>{"first", "b"}));
 }
 
+TEST(StringUtil, visitsEachPieceWithoutCopyingIt)
+{
+    const std::string_view text = ",a,'b,c',";
+    std::vector<std::string_view> pieces;
+    StringUtil::forEachPiece(text, ',', [&](std::string_view piece) { pieces.push_back(piece); });
+    EXPECT_EQ(pieces, (std::vector<std::string_view>{"", "a", "'b", "c'"}));
+    EXPECT_EQ(pieces[1].data(), text.data() + 1);
+
+    pieces.clear();
+    StringUtil::forEachPiece(
+        text, ',', [&](std::string_view piece) { pieces.push_back(piece); }, '\'');
+    EXPECT_EQ(pieces, (std::vector<std::string_view>{"", "a", "'b,c'"}));
+}
+
+TEST(StringUtil, findsTheFirstCharacterOutsideQuotes)
+{
+    EXPECT_EQ(StringUtil::findUnquoted("'a,b',c", ',', '\''), 5u);
+    EXPECT_EQ(StringUtil::findUnquoted("'a,b',c", ',', 0), 2u);
+    EXPECT_EQ(StringUtil::findUnquoted("'a,b", ',', '\''), std::string::npos);
+    EXPECT_EQ(StringUtil::findUnquoted("", ',', 0), std::string::npos);
+}
+
 TEST(StringUtil, cropsThroughTheFirstOccurrenceIfAny)
 {
     const struct {
@@ -146,6 +173,14 @@ TEST(StringUtil, returnsAViewIntoTheTextFromAfterFirst)
     const std::string_view text = "name=value";
     EXPECT_EQ(StringUtil::afterFirst(text, '=').data(), text.data() + 5);
     EXPECT_EQ(StringUtil::afterFirst(text, '#').data(), text.data());
+}
+
+TEST(StringUtil, cropsThroughTheLastOccurrenceIfAny)
+{
+    EXPECT_EQ(StringUtil::afterLast("a/b/c", '/'), "c");
+    EXPECT_EQ(StringUtil::afterLast("a/", '/'), "");
+    EXPECT_EQ(StringUtil::afterLast("abc", '/'), "abc");
+    EXPECT_EQ(StringUtil::afterLast("", '/'), "");
 }
 
 TEST(StringUtil, escapesControlCharacters)

@@ -1,4 +1,4 @@
-#include <fathom/TextPieces.hpp>
+#include <fathom/TripleText.hpp>
 
 #include <loam/Numbers.hpp>
 #include <loam/StringUtil.hpp>

@@ -16,18 +16,4 @@ std::string writeTriple(char open, const Gyre::FixedArray<double, 3>& numbers, c
 /// number could be read; the others keep their values.
 bool readTriple(Gyre::FixedArray<double, 3>& numbers, std::string_view text, char open);
 
-/// Calls \p action with each piece of \p text between separators. Empty pieces count, except
-/// for an empty last one; an empty text has no pieces.
-template<class Action>
-void forEachPiece(std::string_view text, char separator, Action&& action)
-{
-    while (!text.empty()) {
-        const auto end = text.find(separator);
-        action(text.substr(0, end));
-        if (end == std::string_view::npos)
-            return;
-        text.remove_prefix(end + 1);
-    }
-}
-
 } // namespace Orla
