@@ -1,5 +1,7 @@
 #include <fathom/VUrlSystemHandler.hpp>
 
+#include <loam/ScopeExit.hpp>
+
 namespace Orla {
 
 VUrlSystemHandler::~VUrlSystemHandler() = default;
@@ -11,19 +13,14 @@ namespace {
 
 // Constructed after the handler, so destroyed before it: a later call of `Exec` does not touch
 // the destroyed pointer.
-struct AtExit {
-    ~AtExit() { isOver = true; }
-
-    static inline constinit bool isOver = false;
-};
-
-const AtExit atExit;
+constinit bool isOver = false;
+const Loam::ScopeExit atExit{[] { isOver = true; }};
 
 } // namespace
 
 bool VUrlSystemHandler::Exec(const std::string& url)
 {
-    if (AtExit::isOver)
+    if (isOver)
         return false;
     // Keeps the handler alive in case `openUrl` replaces it. A handler that no pointer owns
     // may have been destroyed.

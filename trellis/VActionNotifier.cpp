@@ -11,19 +11,14 @@ namespace Orla {
 
 namespace {
 
-// Objects that are destroyed at the end of the program may still warn when no notifier is
-// left.
 struct Notifiers {
-    ~Notifiers() { isDestroyed = true; }
-
     std::mutex mutex;
     std::vector<Loam::WeakPtrImpl<VActionNotifier>> list;
-    static inline constinit bool isDestroyed = false;
 };
 
 Notifiers& notifiers()
 {
-    static Notifiers theNotifiers;
+    static Notifiers& theNotifiers = *new Notifiers; // objects that outlive static objects may warn
     return theNotifiers;
 }
 
@@ -47,7 +42,7 @@ void VActionNotifier::objectRemoved(const StrongPtr<VManagedObject>&)
 
 bool VActionNotifier::add(const StrongPtr<VActionNotifier>& notifier)
 {
-    if (!notifier || Notifiers::isDestroyed)
+    if (!notifier)
         return false;
     const std::lock_guard lock{notifiers().mutex};
     auto& list = notifiers().list;
@@ -60,7 +55,7 @@ bool VActionNotifier::add(const StrongPtr<VActionNotifier>& notifier)
 
 bool VActionNotifier::remove(const StrongPtr<VActionNotifier>& notifier)
 {
-    if (!notifier || Notifiers::isDestroyed)
+    if (!notifier)
         return false;
     const std::lock_guard lock{notifiers().mutex};
     return std::erase(notifiers().list, notifier) > 0;
@@ -68,8 +63,6 @@ bool VActionNotifier::remove(const StrongPtr<VActionNotifier>& notifier)
 
 void VActionNotifier::forEachLiving(const std::function<void(VActionNotifier&)>& function)
 {
-    if (Notifiers::isDestroyed)
-        return;
     // Notifiers may add and remove each other; a removed one is no longer called.
     std::vector<Loam::WeakPtrImpl<VActionNotifier>> entries;
     {

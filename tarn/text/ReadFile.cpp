@@ -3,6 +3,7 @@
 #include <tarn/text/Messages.hpp>
 
 #include <loam/FileError.hpp>
+#include <loam/ScopeExit.hpp>
 
 #include <cerrno>
 #include <cstddef>
@@ -25,21 +26,15 @@ constexpr std::size_t LargestFile = std::size_t{256} << 20;
 std::string readFile(const std::string& path)
 {
     const std::string failed = "cannot read " + printable(path);
-    struct Descriptor {
-        ~Descriptor()
-        {
-            if (number >= 0)
-                ::close(number);
-        }
-        int number;
-    } const file{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
-    if (file.number < 0)
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
         throw Loam::FileError{failed, errno};
+    const Loam::ScopeExit closed{[file] { ::close(file); }};
 
     constexpr std::size_t BlockSize = 65536;
     const auto block = std::make_unique<char[]>(BlockSize);
     std::string content;
-    while (const ssize_t got = ::read(file.number, block.get(), BlockSize)) {
+    while (const ssize_t got = ::read(file, block.get(), BlockSize)) {
         if (got < 0) {
             if (errno == EINTR)
                 continue;

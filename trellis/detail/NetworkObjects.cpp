@@ -3,6 +3,8 @@
 #include <trellis/VCreationPreferences.hpp>
 #include <trellis/VObject.hpp>
 
+#include <loam/ScopeExit.hpp>
+
 #include <algorithm>
 #include <typeinfo>
 
@@ -28,10 +30,7 @@ NetworkObjects& NetworkObjects::of(NetworkCore& network)
         if (&network == &NetworkCore::defaultCore()) {
             // At the end of the program, the remaining objects are destroyed before static
             // objects that are older than the first of them.
-            static const struct AtExit {
-                ~AtExit() { of(NetworkCore::defaultCore()).close(); }
-            } atExit;
-            static_cast<void>(atExit);
+            static const Loam::ScopeExit atExit{[] { of(NetworkCore::defaultCore()).close(); }};
         }
     }
     return static_cast<NetworkObjects&>(*network.extension);
