@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace Orla {
 
@@ -26,8 +27,6 @@ public:
         friend constexpr bool operator==(const Color&, const Color&) noexcept = default;
     };
 
-    enum class Severity { Information, Warning, Error };
-
     VObjectStatus();
     explicit VObjectStatus(const std::string& theText);
     VObjectStatus(const VObjectStatus&) = default;
@@ -35,22 +34,6 @@ public:
     ~VObjectStatus();
 
     friend bool operator==(const VObjectStatus&, const VObjectStatus&) = default;
-
-    /// Returns the severity that the markup around the text denotes; unmarked text is
-    /// `Information`.
-    Severity severity() const;
-
-    /// Returns the text for output that cannot show markup, such as a terminal: without tags,
-    /// with a line feed for each `<BR>` and characters in place of entities. Text that only
-    /// resembles a tag or an entity is kept.
-    std::string plainText() const;
-
-    /// Returns \p plain with the markup of \p severity around it.
-    static std::string marked(Severity severity, const std::string& plain);
-
-    /// Returns \p plain with "<", ">" and "&" replaced by entities. For external texts, such
-    /// as file names, that must be shown unchanged.
-    static std::string escaped(const std::string& plain);
 
     std::string text;
     Color background;
@@ -74,10 +57,17 @@ extern template FATHOM_EXTERN_TEMPLATE bool operator<<(const VOutputAssignmentCo
                                                        const VObjectStatus&);
 extern template FATHOM_EXTERN_TEMPLATE bool operator>>(const VOutputAssignmentContext<VObjectStatus>&, VObjectStatus&);
 
+/// The markup that `StatusIndicator` puts around the texts of warnings and errors.
+struct StatusMarkup {
+    static constexpr std::string_view StartOfWarning = "<FONT COLOR=magenta>";
+    static constexpr std::string_view StartOfError = "<FONT COLOR=red>";
+    static constexpr std::string_view End = "</FONT>";
+};
+
 /// Adds an output for the status of a processing object. Each message replaces the previous
 /// one, whatever its kind; repeating a message announces no change.
 ///
-/// Texts may have markup; see `VObjectStatus::escaped` for those that must not.
+/// Texts may have markup; `escaped` is for those that must not.
 class FATHOM_API StatusIndicator {
 public:
     /// The usual name of the output.
@@ -87,6 +77,10 @@ public:
     /// not used. Without an object, messages are not shown.
     StatusIndicator(VObject* object, const std::string& initialText, int level, const std::string& outputName);
     virtual ~StatusIndicator();
+
+    /// Returns \p plain with "<", ">" and "&" replaced by entities. For external texts, such
+    /// as file names, that must be shown unchanged.
+    static std::string escaped(const std::string& plain);
 
     /// Shows \p text in \p pool.
     void setStatusInfo(const StrongPtr<ValuePool>& pool, const std::string& text) const;

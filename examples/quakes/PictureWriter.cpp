@@ -72,12 +72,12 @@ public:
             const std::string file = isFrame ? frameName(pattern, stepIn(pool)) : pattern;
             write(file, pool);
             ++m_written;
-            std::string message = "wrote " + Orla::VObjectStatus::escaped(file);
+            std::string message = "wrote " + escaped(file);
             if (m_written > 1)
                 message += ", the last of " + std::to_string(m_written) + " pictures";
             setStatusInfo(pool, message);
         } catch (const std::exception& error) {
-            setStatusError(pool, Orla::VObjectStatus::escaped(error.what()), false);
+            setStatusError(pool, escaped(error.what()), false);
         }
         return true;
     }

@@ -198,9 +198,8 @@ private:
         const auto check = [&warning](const char* what, const std::string& name, const std::set<std::string>& known) {
             if (known.empty() || known.contains(name))
                 return;
-            warning += std::string(warning.empty() ? "" : "<BR>") + "no event has the " + what + " "
-                       + Orla::VObjectStatus::escaped(name) + "; the data has "
-                       + Orla::VObjectStatus::escaped(listed(known));
+            warning += std::string(warning.empty() ? "" : "<BR>") + "no event has the " + what + " " + escaped(name)
+                       + "; the data has " + escaped(listed(known));
         };
         for (const std::string& network : wanted.networks)
             check("network", network, m_choices.networks);

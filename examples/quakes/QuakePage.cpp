@@ -48,9 +48,9 @@ private:
         if (url.empty())
             setStatusWarning(pool, "there is no page to open");
         else if (Orla::VUrlSystemHandler::Exec(url))
-            setStatusInfo(pool, "opened " + Orla::VObjectStatus::escaped(url));
+            setStatusInfo(pool, "opened " + escaped(url));
         else
-            setStatusWarning(pool, "cannot open " + Orla::VObjectStatus::escaped(url));
+            setStatusWarning(pool, "cannot open " + escaped(url));
     }
 
     Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};

@@ -2,7 +2,11 @@
 
 #include <tarn/text/Messages.hpp>
 
+#include <fathom/VObjectStatus.hpp>
+
 #include <trellis/VObject.hpp>
+
+#include <loam/StringUtil.hpp>
 
 #include <algorithm>
 #include <optional>
@@ -30,36 +34,31 @@ StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool)
                                      const std::optional<VObjectStatus> status = output->get<VObjectStatus>(pool);
                                      if (!status)
                                          return;
-                                     const std::string text = status->plainText();
+                                     const std::string text = plainText(status->text);
+                                     const Severity severity = severityOf(status->text);
                                      const bool isBlank = text.find_first_not_of(" \t\r\n") == std::string::npos;
-                                     if (!isBlank || status->severity() != VObjectStatus::Severity::Information)
-                                         m_entries.push_back({object->Name(), status->severity(), text});
+                                     if (!isBlank || severity != Severity::Information)
+                                         m_entries.push_back({object->Name(), severity, text});
                                  });
     std::ranges::stable_sort(m_entries, {}, rankOf);
 }
 
 bool StatusReport::hasErrors() const noexcept
 {
-    return !m_entries.empty() && m_entries.front().severity == VObjectStatus::Severity::Error;
+    return !m_entries.empty() && m_entries.front().severity == Severity::Error;
 }
 
 std::vector<std::string> StatusReport::lines() const
 {
     std::vector<std::string> lines;
     for (const Entry& entry : m_entries) {
-        const char* kind = entry.severity == VObjectStatus::Severity::Error     ? "error: "
-                           : entry.severity == VObjectStatus::Severity::Warning ? "warning: "
-                                                                                : "";
-        // One line per line of the text.
-        std::size_t start = 0;
-        while (true) {
-            const auto end = entry.text.find('\n', start);
-            lines.push_back("  " + printable(entry.object) + ": " + kind
-                            + printable(std::string_view(entry.text).substr(start, end - start)));
-            if (end == std::string::npos)
-                break;
-            start = end + 1;
-        }
+        const char* kind = entry.severity == Severity::Error     ? "error: "
+                           : entry.severity == Severity::Warning ? "warning: "
+                                                                 : "";
+        // One line per line of the text; the line feed added keeps an empty last one.
+        Loam::StringUtil::forEachPiece(entry.text + '\n', '\n', [&](std::string_view line) {
+            lines.push_back("  " + printable(entry.object) + ": " + kind + printable(line));
+        });
     }
     return lines;
 }

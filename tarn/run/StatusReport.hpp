@@ -1,6 +1,6 @@
 #pragma once
 
-#include <fathom/VObjectStatus.hpp>
+#include <tarn/run/StatusText.hpp>
 
 #include <trellis/ValuePool.hpp>
 
@@ -14,7 +14,7 @@ class StatusReport {
 public:
     struct Entry {
         std::string object;
-        Orla::VObjectStatus::Severity severity;
+        Severity severity;
         std::string text;
     };
 

@@ -19,7 +19,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 using Color = VObjectStatus::Color;
-using Severity = VObjectStatus::Severity;
 
 static_assert(!std::is_convertible_v<std::string, VObjectStatus>);
 static_assert(std::has_virtual_destructor_v<StatusIndicator>);
@@ -171,79 +170,11 @@ TEST(VObjectStatus, isNotRegisteredAsAnInput)
     EXPECT_FALSE(TypedSlotCreator::find(typeid(VObjectStatus)));
 }
 
-TEST(VObjectStatus, derivesItsSeverityFromTheMarkupAroundItsText)
+TEST(StatusIndicator, escapesTheCharactersThatFormMarkup)
 {
-    const struct {
-        const char* text;
-        Severity severity;
-    } cases[] = {
-        {"", Severity::Information},
-        {"abc", Severity::Information},
-        {"<FONT COLOR=magenta>abc</FONT>", Severity::Warning},
-        {"<FONT COLOR=magenta></FONT>", Severity::Warning},
-        {"<FONT COLOR=red>abc</FONT>", Severity::Error},
-        {"<FONT COLOR=red></FONT>", Severity::Error},
-        {"<FONT COLOR=red>abc", Severity::Information},
-        {"abc</FONT>", Severity::Information},
-        {"<FONT COLOR=green>abc</FONT>", Severity::Information},
-        {"so <FONT COLOR=red>abc</FONT>", Severity::Information},
-    };
-    for (const auto& [text, severity] : cases) {
-        SCOPED_TRACE(text);
-        EXPECT_EQ(VObjectStatus{text}.severity(), severity);
-    }
-    for (const Severity severity : {Severity::Information, Severity::Warning, Severity::Error})
-        EXPECT_EQ(VObjectStatus{VObjectStatus::marked(severity, "a")}.severity(), severity);
-}
-
-TEST(VObjectStatus, hasPlainTextWithoutMarkup)
-{
-    const struct {
-        const char* text;
-        const char* plain;
-    } cases[] = {
-        {"", ""},
-        {"plain, 100%", "plain, 100%"},
-        {"<FONT COLOR=red>abc</FONT>", "abc"},
-        {"<FONT COLOR=magenta></FONT>", ""},
-        {"one<BR>two<br/>three<Br >four<BRANCH>", "one\ntwo\nthree\nfour"},
-        {"<A HREF=\"a>b\">link</A>", "link"},
-        {"<A HREF='a>b'>link</A>", "link"},
-        {"<A HREF=\"a>link", "link"},
-        {"it's <b>don't</b>", "it's don't"},
-        {"<don't> >", " >"},
-        {"<don't>it isn't>", "it isn't>"},
-        {"<!-- aside -->x", "x"},
-        {"1 < 2 > 1", "1 < 2 > 1"},
-        {"<3 </3> <> </> <", "<3 </3> <> </> <"},
-        {"<b", "<b"},
-        {"a > b <c", "a > b <c"},
-        {"&lt;b&gt; &amp;amp; &quot;&apos;&nbsp;.", "<b> &amp; \"' ."},
-        {"&#65;&#x42;&#X43;", "ABC"},
-        {"&#9;&#10;|", "\t\n|"},
-        {"&#xe9;&#x20AC;&#x1F600;&#x10FFFF;", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF"},
-        {"a & b && c; &lt &unknown; &; &#; &#x;", "a & b && c; &lt &unknown; &; &#; &#x;"},
-        {"&#0; &#27; &#x7F; &#x9B; &#xD800; &#x110000; &#99999999999;",
-         "&#0; &#27; &#x7F; &#x9B; &#xD800; &#x110000; &#99999999999;"},
-        {"&#-65; &#6 5; &#x-1;", "&#-65; &#6 5; &#x-1;"},
-        {"&&lt;", "&<"},
-    };
-    for (const auto& [text, plain] : cases) {
-        SCOPED_TRACE(text);
-        EXPECT_EQ(VObjectStatus{text}.plainText(), plain);
-    }
-}
-
-TEST(VObjectStatus, showsEscapedTextLiterally)
-{
-    EXPECT_EQ(VObjectStatus::escaped("<b> & \"c\""), "&lt;b&gt; &amp; \"c\"");
-    EXPECT_EQ(VObjectStatus::escaped(""), "");
-    for (const char* text : {"<FONT COLOR=red>x</FONT>", "a&lt;b", "&#65;", "<BR>", "a & b", "&amp;amp;"}) {
-        SCOPED_TRACE(text);
-        const VObjectStatus status{VObjectStatus::escaped(text)};
-        EXPECT_EQ(status.plainText(), text);
-        EXPECT_EQ(status.severity(), Severity::Information);
-    }
+    EXPECT_EQ(StatusIndicator::escaped(""), "");
+    EXPECT_EQ(StatusIndicator::escaped("<b> & \"c\"\n"), "&lt;b&gt; &amp; \"c\"\n");
+    EXPECT_EQ(StatusIndicator::escaped("&amp;"), "&amp;amp;");
 }
 
 TEST_F(StatusIndicatorTest, offersAnOutputOfTheGivenName)
