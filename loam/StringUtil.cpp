@@ -42,9 +42,14 @@ std::string crop_before_first(const std::string& text, char c)
 
 std::string escaped(std::string_view text)
 {
-    constexpr char digits[] = "0123456789abcdef";
     std::string shown;
-    for (const char letter : text) {
+    const auto addHex = [&shown](unsigned char byte) {
+        constexpr char digits[] = "0123456789abcdef";
+        shown += digits[byte >> 4];
+        shown += digits[byte & 0xFu];
+    };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char letter = text[i];
         const auto code = static_cast<unsigned char>(letter);
         if (letter == '\n') {
             shown += "\\n";
@@ -54,8 +59,12 @@ std::string escaped(std::string_view text)
             shown += "\\r";
         } else if (code < 0x20 || code == 0x7F) {
             shown += "\\x";
-            shown += digits[code >> 4];
-            shown += digits[code & 0xFu];
+            addHex(code);
+        } else if (const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+                   code == 0xC2 && next >= 0x80 && next < 0xA0) {
+            shown += "\\u00"; // the control characters U+0080 to U+009F
+            addHex(next);
+            ++i;
         } else if (letter == '\\') {
             shown += "\\\\";
         } else {

@@ -188,6 +188,8 @@ TEST(StringUtil, escapesControlCharacters)
     EXPECT_EQ(StringUtil::printable("a\nb\tc\rd\x1b[31m\x7f\\"), "a\\nb\\tc\\rd\\x1b[31m\\x7f\\\\");
     EXPECT_EQ(StringUtil::printable(std::string("a\0b", 3)), "a\\x00b");
     EXPECT_EQ(StringUtil::printable("Größe \"x\""), "Größe \"x\"");
+    EXPECT_EQ(StringUtil::printable("\u0080a\u009B[31m\u009F\u00A0"), "\\u0080a\\u009b[31m\\u009f\u00A0");
+    EXPECT_EQ(StringUtil::printable("a\xC2"), "a\xC2");
 }
 
 TEST(StringUtil, escapesTextsOfAnyLength)
