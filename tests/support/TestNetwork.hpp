@@ -142,6 +142,13 @@ inline std::vector<StrongPtr<Node>> makeRandomNetwork(std::mt19937& random, std:
     return nodes;
 }
 
+/// Creates the random network number \p seed.
+inline std::vector<StrongPtr<Node>> makeRandomNetwork(unsigned seed)
+{
+    std::mt19937 random(seed);
+    return makeRandomNetwork(random, 6 + seed % 10);
+}
+
 /// Schedules all objects in the pool and runs them.
 inline VScheduler::Summary runAll(const std::vector<StrongPtr<Node>>& nodes, const StrongPtr<ValuePool>& pool)
 {

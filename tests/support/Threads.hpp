@@ -2,6 +2,8 @@
 
 #include <trellis/VExecutor.hpp>
 
+#include <atomic>
+#include <chrono>
 #include <functional>
 #include <thread>
 #include <utility>
@@ -35,5 +37,23 @@ private:
     std::chrono::nanoseconds m_handOverTime;
     std::vector<std::thread> m_threads;
 };
+
+/// Calls `function(number)` in \p count threads at once.
+template<class Function>
+void inThreads(unsigned count, Function&& function)
+{
+    std::atomic<unsigned> ready{0};
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < count; ++i) {
+        threads.emplace_back([&, i] {
+            ++ready;
+            while (ready < count)
+                std::this_thread::yield();
+            function(i);
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+}
 
 } // namespace Orla

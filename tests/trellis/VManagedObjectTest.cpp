@@ -3,7 +3,6 @@
 #include "support/TestNetwork.hpp"
 
 #include <limits>
-#include <random>
 
 using namespace Orla;
 using testing::ElementsAre;
@@ -33,43 +32,6 @@ struct Visitor : VManagedObjectIterator {
 
 constexpr int Lowest = std::numeric_limits<int>::min();
 constexpr int Highest = std::numeric_limits<int>::max();
-
-// Removes another object, warns and uses the registry while the program exits.
-struct Talking : Node {
-    explicit Talking(const std::string& name) : Node{name}
-    {
-        addInput("in");
-        addOutput("out");
-    }
-    ~Talking() override
-    {
-        VActionNotifier::Warning(Name() + " is destroyed");
-        VManagedObject::remove(VManagedObject::find("second"));
-        VManagedObject::add(Loam::makeStrong<Thing>("late", 0));
-        Visitor visitor;
-        VManagedObject::traverse(visitor, Lowest, Highest);
-        EXPECT_LE(visitor.names.size(), VManagedObject::count());
-        removeParameter(findSlot("in"));
-    }
-};
-
-[[noreturn]] void exitWithRegisteredObjects()
-{
-    static StrongPtr<Node> kept; // constructed first, destroyed last
-    kept = Loam::makeStrong<Talking>("kept");
-    {
-        const std::vector<StrongPtr<Node>> nodes{Loam::makeStrong<Talking>("first"),
-                                                 Loam::makeStrong<Talking>("second"),
-                                                 Loam::makeStrong<Talking>("third"), kept};
-        for (const StrongPtr<Node>& node : nodes)
-            VObject::finishCreation(node);
-        for (std::size_t i = 1; i < nodes.size(); ++i)
-            connect(nodes[i], nodes[i - 1]);
-        connect(nodes[0], nodes[3]);
-    }
-    VManagedObject::remove(kept);
-    std::exit(0);
-}
 
 class VManagedObjectTest : public FrameworkTest {
 protected:
@@ -121,21 +83,6 @@ TEST_F(VManagedObjectTest, rejectsNull)
     EXPECT_FALSE(VManagedObject::add(nullptr));
     EXPECT_FALSE(VManagedObject::remove(nullptr));
     EXPECT_EQ(VManagedObject::count(), 0u);
-}
-
-TEST_F(VManagedObjectTest, isFoundByNameOnTheLowestLevelFirst)
-{
-    const auto high = add("name", 5);
-    const auto first = add("name", 1);
-    const auto second = add("name", 1);
-    EXPECT_EQ(VManagedObject::find("name"), first);
-    VManagedObject::remove(first);
-    EXPECT_EQ(VManagedObject::find("name"), second);
-    VManagedObject::remove(second);
-    EXPECT_EQ(VManagedObject::find("name"), high);
-    EXPECT_FALSE(VManagedObject::find("Name"));
-    EXPECT_TRUE(VManagedObject::add(first));
-    EXPECT_EQ(VManagedObject::find("name"), first);
 }
 
 TEST_F(VManagedObjectTest, isVisitedByLevelAndThenInInsertionOrder)
@@ -192,31 +139,6 @@ TEST_F(VManagedObjectTest, isNotVisitedIfItIsRemovedDuringATraversal)
     EXPECT_THAT(namesBetween(Lowest, Highest), ElementsAre("d", "b"));
 }
 
-TEST_F(VManagedObjectTest, isRemovedInAnyOrder)
-{
-    std::vector<StrongPtr<Thing>> things;
-    for (int i = 0; i < 300; ++i)
-        things.push_back(add(std::to_string(i), i % 3));
-    std::mt19937 random(8);
-    while (!things.empty()) {
-        const auto victim = things.begin() + static_cast<std::ptrdiff_t>(random() % things.size());
-        const std::string name = (*victim)->Name();
-        EXPECT_TRUE(VManagedObject::remove(*victim));
-        EXPECT_FALSE((*victim)->isRegistered());
-        things.erase(victim);
-        ASSERT_EQ(VManagedObject::count(), things.size());
-        ASSERT_FALSE(VManagedObject::find(name));
-        for (int level = 0; level < 3; ++level) {
-            std::vector<std::string> expected;
-            for (const StrongPtr<Thing>& thing : things) {
-                if (thing->level() == level)
-                    expected.push_back(thing->Name());
-            }
-            ASSERT_EQ(namesBetween(level, level), expected);
-        }
-    }
-}
-
 TEST_F(VManagedObjectTest, mayRemoveOthersWhenItIsDestroyed)
 {
     struct Owner : Thing {
@@ -254,9 +176,4 @@ TEST_F(VManagedObjectTest, survivesAVisitThatThrows)
     EXPECT_THAT(namesBetween(0, 0), ElementsAre("b"));
     add("c");
     EXPECT_THAT(namesBetween(0, 0), ElementsAre("b", "c"));
-}
-
-TEST_F(VManagedObjectTest, mayStayRegisteredUntilTheProgramExits)
-{
-    EXPECT_EXIT(exitWithRegisteredObjects(), testing::ExitedWithCode(0), "");
 }

@@ -36,27 +36,6 @@ protected:
 
 } // namespace
 
-TEST_F(VNetworkTest, isTheDefaultNetworkOutsideAScope)
-{
-    const auto node = makeNode("node");
-    EXPECT_EQ(&VNetwork::current(), &VNetwork::defaultNetwork());
-    EXPECT_EQ(node->network(), &VNetwork::defaultNetwork());
-}
-
-TEST_F(VNetworkTest, isCurrentInTheInnermostScope)
-{
-    VNetwork outer;
-    VNetwork inner;
-    const VNetwork::Scope outerScope{outer};
-    {
-        const VNetwork::Scope innerScope{inner};
-        EXPECT_EQ(&VNetwork::current(), &inner);
-        EXPECT_EQ(makeNode("node")->network(), &inner);
-    }
-    EXPECT_EQ(&VNetwork::current(), &outer);
-    EXPECT_EQ(makeNode("node")->network(), &outer);
-}
-
 TEST_F(VNetworkTest, showsOnlyItsOwnObjects)
 {
     const auto outside = announce("outside");

@@ -221,38 +221,6 @@ TEST_F(VObjectTest, leavesTheInputUnchangedIfTheTypeOrOutputIsMissing)
     EXPECT_EQ(VManagedObject::count(), 0u);
 }
 
-TEST_F(VObjectTest, isFoundByAPreference)
-{
-    struct Computed final : VCreationPreferences {
-        bool contains(const std::string& word) const override { return word == "wanted"; }
-    };
-    const auto plain = Loam::makeStrong<VCreationPreferences>("wanted", "more");
-    const auto later = Loam::makeStrong<VCreationPreferences>("other", "");
-    const std::pair<const char*, StrongPtr<VCreationPreferences>> made[] = {
-        {"none", nullptr}, {"plain", plain}, {"later", later}, {"computed", Loam::makeStrong<Computed>()}};
-    std::vector<StrongPtr<Node>> nodes;
-    for (const auto& [name, preferences] : made) {
-        nodes.push_back(Loam::makeStrong<Node>(name, 0, preferences));
-        nodes.back()->addOutput("out");
-        VObject::finishCreation(nodes.back());
-    }
-    const auto found = [] {
-        std::vector<std::string> names;
-        VObject::forEachOutput(
-            typeid(double),
-            [&](const StrongPtr<VObject>& object, const StrongPtr<VSlot>&) { names.push_back(object->Name()); },
-            "wanted");
-        return names;
-    };
-    EXPECT_THAT(found(), ElementsAre("plain", "computed"));
-    later->add("wanted");
-    EXPECT_THAT(found(), ElementsAre("plain", "later", "computed"));
-    VManagedObject::remove(nodes[1]);
-    EXPECT_THAT(found(), ElementsAre("later", "computed"));
-    for (const StrongPtr<Node>& node : nodes)
-        VManagedObject::remove(node);
-}
-
 TEST_F(VObjectTest, isNotCreatedForAMissingInput)
 {
     const VObjectType<Staged> type{"Provider"};

@@ -9,12 +9,9 @@
 #include <stdexcept>
 
 using namespace Orla;
-using testing::AllOf;
-using testing::AnyOf;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 
@@ -358,22 +355,6 @@ TEST_F(VSchedulerTest, schedulesAllAnnouncedObjectsThatAreEnabled)
         VManagedObject::remove(node);
 }
 
-TEST_F(VSchedulerTest, passesThePrecisionToTheNextUpdateOnly)
-{
-    const auto node = makeNode("node");
-    std::vector<double> received;
-    node->work = [&received](Node&, VRequest&, double precision) {
-        received.push_back(precision);
-        return true;
-    };
-    VScheduler::schedule(node, 0.5, pool);
-    VScheduler::schedule(node, 0.25, pool);
-    VScheduler::run(pool);
-    node->write(pool, "in", 1.0);
-    VScheduler::run(pool);
-    EXPECT_THAT(received, ElementsAre(0.25, 0));
-}
-
 TEST_F(VSchedulerTest, passesTheRequestToEveryUpdate)
 {
     const Nodes chain = makeChain(2);
@@ -388,50 +369,6 @@ TEST_F(VSchedulerTest, passesTheRequestToEveryUpdate)
     VScheduler::schedule(chain[0], 0, pool);
     VScheduler::run(request);
     EXPECT_THAT(progress, ElementsAre(0.5, 1));
-}
-
-TEST_F(VSchedulerTest, reportsAnythingThatAnUpdateThrowsAndContinues)
-{
-    const struct {
-        const char* name;
-        void (*fail)();
-        const char* message;
-    } cases[] = {
-        {"exception", [] { throw std::runtime_error{"no such file"}; }, "no such file"},
-        {"literal", [] { throw "plain text"; }, "plain text"},
-        {"null", [] { throw static_cast<const char*>(nullptr); }, ""},
-        {"string", [] { throw std::string{"a string"}; }, "a string"},
-        {"number", [] { throw 5; }, "something other than a std::exception"},
-    };
-    for (const auto& [name, fail, message] : cases) {
-        SCOPED_TRACE(name);
-        const auto failing = makeNode(name);
-        const auto reader = makeNode("reader");
-        const auto independent = makeNode("independent");
-        connect(failing, reader);
-        runAll({failing, reader, independent}, pool);
-        runsOf({reader, independent});
-        failing->work = [fail = fail](Node&, VRequest&, double) -> bool {
-            fail();
-            return true;
-        };
-        VScheduler::schedule(failing, 0, pool);
-        VScheduler::schedule(independent, 0, pool);
-        const VScheduler::Summary summary = VScheduler::run(pool);
-        EXPECT_EQ(summary.outcome, Outcome::Done);
-        EXPECT_EQ(summary.updates, 2u);
-        EXPECT_EQ(summary.failures, 1u);
-        EXPECT_THAT(warnings(),
-                    ElementsAre(AllOf(HasSubstr("Node \"" + std::string(name) + "\""), HasSubstr(message))));
-        EXPECT_EQ(independent->runs, 1u);
-        EXPECT_EQ(reader->runs, 0u);
-        EXPECT_EQ(reader->read(pool, "out"), 2) << "the last good values remain";
-
-        failing->work = nullptr;
-        VScheduler::schedule(failing, 0, pool);
-        EXPECT_EQ(VScheduler::run(pool).failures, 0u);
-        EXPECT_EQ(reader->runs, 1u);
-    }
 }
 
 TEST_F(VSchedulerTest, doesNotRunReadersOfOutputsWrittenBeforeAFailure)
@@ -569,32 +506,6 @@ TEST_F(VSchedulerTest, keepsThePoolAliveDuringARun)
     EXPECT_THAT(runsOf(chain), Each(1u));
 }
 
-TEST_F(VSchedulerTest, letsAnUpdateRemoveItsObjectAndOtherDueObjects)
-{
-    Nodes nodes = makeChain(4);
-    auto doomed = makeNode("doomed");
-    const auto survivor = makeNode("survivor");
-    connect(nodes[0], doomed);
-    connect(doomed, survivor);
-    runAll({doomed}, pool);
-    runsOf(nodes);
-    const WeakPtrImpl<Node> itself = nodes[1];
-    nodes[1]->work = [&](Node& self, VRequest& request, double) {
-        self.writeSum(request.valuePool());
-        nodes[1].reset();
-        doomed.reset();
-        return true;
-    };
-    // The work is part of the object, which stays alive until the work returns.
-    nodes[0]->write(pool, "in", 7.0);
-    const VScheduler::Summary summary = VScheduler::run(pool);
-    EXPECT_TRUE(itself.expired());
-    EXPECT_EQ(summary.updates, 4u);
-    EXPECT_EQ(nodes[3]->read(pool, "out"), 11);
-    EXPECT_EQ(Node::living, 4u);
-    EXPECT_EQ(survivor->runs, 1u);
-}
-
 TEST_F(VSchedulerTest, letsAnUpdateAddObjectsAndConnectThem)
 {
     const Nodes chain = makeChain(3);
@@ -651,23 +562,6 @@ TEST_F(VSchedulerTest, doesNotRunAnObjectForAPassiveInput)
     node->write(pool, "active", 10.0);
     VScheduler::run(pool);
     EXPECT_EQ(node->read(pool, "out"), 17);
-}
-
-TEST_F(VSchedulerTest, doesNotRerunAnObjectThatWritesItsOwnInput)
-{
-    const auto node = makeNode("node");
-    const auto sharing = makeNode("sharing");
-    sharing->attachParameter(node->findSlot("in")->parameter(), sharing->findSlot("in"), "");
-    node->work = [](Node& self, VRequest& request, double) {
-        self.write(request.valuePool(), "in", 100.0);
-        return self.writeSum(request.valuePool());
-    };
-    runAll({node}, pool);
-    EXPECT_EQ(node->runs, 1u);
-    EXPECT_EQ(sharing->runs, 1u) << "other readers must run";
-    EXPECT_EQ(sharing->read(pool, "out"), 101);
-    node->write(pool, "in", 5.0);
-    EXPECT_TRUE(VScheduler::isDue(node, pool)) << "a write from outside makes it due";
 }
 
 TEST_F(VSchedulerTest, rerunsAnObjectThatSchedulesItself)

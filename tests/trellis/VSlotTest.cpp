@@ -3,7 +3,6 @@
 #include "support/TestNetwork.hpp"
 
 using namespace Orla;
-using testing::ElementsAre;
 
 namespace {
 
@@ -91,33 +90,6 @@ TEST_F(VSlotTest, isSetFromTextInOnePoolAndAnnouncesTheChange)
     EXPECT_FALSE(slot->set(nullptr, "5"));
 }
 
-TEST_F(VSlotTest, followsAnInputAttachedByParameter)
-{
-    const auto passing = makeNode("passing");
-    const auto reader = makeNode("reader");
-    const auto source = makeNode("source");
-    ASSERT_TRUE(reader->attachParameter(passing->findSlot("in")->parameter(), reader->findSlot("in"), ""));
-    source->write(pool, "out", 7.0);
-    connect(source, passing);
-    EXPECT_EQ(contentOf(reader->findSlot("in")->getLocalValue(pool)), 7);
-    passing->detach(passing->findSlot("in"));
-    passing->write(pool, "in", 3.0);
-    EXPECT_EQ(contentOf(reader->findSlot("in")->getLocalValue(pool)), 3);
-}
-
-TEST_F(VSlotTest, keepsItsOwnValueInAPoolWhileItIsConnected)
-{
-    const auto reader = makeNode("reader");
-    const auto source = makeNode("source");
-    reader->write(pool, "in", 5.0);
-    connect(source, reader);
-    runAll({source, reader}, pool);
-    EXPECT_EQ(reader->read(pool, "out"), 2);
-    reader->detach(reader->findSlot("in"));
-    VScheduler::run(pool);
-    EXPECT_EQ(reader->read(pool, "out"), 6);
-}
-
 TEST_F(VSlotTest, readsTheComponentNamedByItsMember)
 {
     node->addInput("in", 1.0);
@@ -142,26 +114,6 @@ TEST_F(VSlotTest, outlivesItsContainerWithoutAccessingIt)
     EXPECT_EQ(contentOf(slot->getLocalValue(pool)), 5);
     slot->parameter()->touchValue(pool);
     EXPECT_FALSE(VScheduler::isDue(pool));
-}
-
-TEST_F(VSlotTest, leavesTheReadersOfItsParameterWhenItIsDestroyed)
-{
-    const auto parameter = testParameter("shared");
-    std::vector<StrongPtr<Node>> readers;
-    for (int i = 0; i < 5; ++i) {
-        readers.push_back(makeNode("reader"));
-        ASSERT_TRUE(readers.back()->attachParameter(parameter, readers.back()->findSlot("in"), ""));
-    }
-    EXPECT_EQ(parameter->readers().size(), 5u);
-    readers.erase(readers.begin() + 1);
-    readers.front()->detach(readers.front()->findSlot("in"));
-    EXPECT_THAT(parameter->readers(),
-                testing::UnorderedElementsAre(readers[1]->findSlot("in").get(), readers[2]->findSlot("in").get(),
-                                              readers[3]->findSlot("in").get()));
-    parameter->touchValue(pool);
-    EXPECT_FALSE(VScheduler::isDue(readers[0], pool));
-    for (const std::size_t i : {1u, 2u, 3u})
-        EXPECT_TRUE(VScheduler::isDue(readers[i], pool));
 }
 
 TEST_F(VSlotTest, isHeldOnceInASetAndFoundByName)

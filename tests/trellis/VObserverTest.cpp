@@ -1,6 +1,4 @@
-// What the observer of a pool is notified of.
-
-#include <trellis/VScheduler.hpp>
+#include <trellis/VObserver.hpp>
 
 #include "support/TestNetwork.hpp"
 
@@ -12,7 +10,7 @@ using testing::IsEmpty;
 
 namespace {
 
-class Listener final : public VScheduler::Observer {
+class Listener final : public VObserver {
 public:
     void becameDue(const VObject& object, Cause cause, const VParameter* changed, double precision) noexcept override
     {
@@ -33,16 +31,19 @@ public:
         m_events.push_back(object.Name() + " ended " + results[static_cast<int>(result)]);
     }
 
+    void startedWaiting(const VObject& object) noexcept override { m_events.push_back(object.Name() + " waits"); }
+    void stoppedWaiting(const VObject& object) noexcept override { m_events.push_back(object.Name() + " continues"); }
+
     std::vector<std::string> events() { return std::exchange(m_events, {}); }
 
 private:
     std::vector<std::string> m_events;
 };
 
-class VSchedulerObserverTest : public FrameworkTest {
+class VObserverTest : public FrameworkTest {
 protected:
-    VSchedulerObserverTest() { EXPECT_TRUE(VScheduler::observe(pool, &listener)); }
-    ~VSchedulerObserverTest() override { VScheduler::observe(pool, nullptr); }
+    VObserverTest() { EXPECT_TRUE(VScheduler::observe(pool, &listener)); }
+    ~VObserverTest() override { VScheduler::observe(pool, nullptr); }
 
     Listener listener;
     StrongPtr<ValuePool> pool{new ValuePool("pool")};
@@ -50,7 +51,7 @@ protected:
 
 } // namespace
 
-TEST_F(VSchedulerObserverTest, isNotifiedOfUpdatesAndTheirCausesInOrder)
+TEST_F(VObserverTest, isNotifiedOfUpdatesAndTheirCausesInOrder)
 {
     const auto a = makeNode("a");
     const auto b = makeNode("b");
@@ -63,7 +64,7 @@ TEST_F(VSchedulerObserverTest, isNotifiedOfUpdatesAndTheirCausesInOrder)
     EXPECT_THAT(listener.events(), ElementsAre("a due: changed in of a"));
 }
 
-TEST_F(VSchedulerObserverTest, isNotifiedOfTheFirstCauseOnly)
+TEST_F(VObserverTest, isNotifiedOfTheFirstCauseOnly)
 {
     const auto a = makeNode("a");
     const auto b = makeNode("b");
@@ -80,7 +81,7 @@ TEST_F(VSchedulerObserverTest, isNotifiedOfTheFirstCauseOnly)
     EXPECT_THAT(listener.events(), ElementsAre("sum began", "sum ended well"));
 }
 
-TEST_F(VSchedulerObserverTest, isNotifiedOfConnections)
+TEST_F(VObserverTest, isNotifiedOfConnections)
 {
     const auto a = makeNode("a");
     const auto b = makeNode("b");
@@ -90,7 +91,7 @@ TEST_F(VSchedulerObserverTest, isNotifiedOfConnections)
     EXPECT_THAT(listener.events(), ElementsAre("b due: connected"));
 }
 
-TEST_F(VSchedulerObserverTest, isNotifiedOfTheResultsOfUpdates)
+TEST_F(VObserverTest, isNotifiedOfTheResultsOfUpdates)
 {
     const auto a = makeNode("a");
     a->work = [](Node&, VRequest&, double) { return false; };
@@ -114,7 +115,26 @@ TEST_F(VSchedulerObserverTest, isNotifiedOfTheResultsOfUpdates)
                 ElementsAre("a due: scheduled with 2", "a began", "a ended cancelled", "a due: cancelled with 2"));
 }
 
-TEST_F(VSchedulerObserverTest, isNotNotifiedOfOtherPoolsNorAfterItsRemoval)
+TEST_F(VObserverTest, isNotifiedOfObjectsThatWaitForAFailedOne)
+{
+    const auto source = makeNode("source");
+    const auto reader = makeNode("reader");
+    connect(source, reader);
+    runAll({source, reader}, pool);
+    source->work = [](Node&, VRequest&, double) { return false; };
+    VScheduler::schedule(source, 0, pool);
+    listener.events();
+    VScheduler::run(pool);
+    EXPECT_EQ(warnings().size(), 1u);
+    EXPECT_THAT(listener.events(), ElementsAre("source began", "source ended badly", "reader waits"));
+    source->work = [](Node&, VRequest&, double) { return true; };
+    VScheduler::schedule(source, 0, pool);
+    listener.events();
+    VScheduler::run(pool);
+    EXPECT_THAT(listener.events(), ElementsAre("source began", "source ended well", "reader continues"));
+}
+
+TEST_F(VObserverTest, isNotNotifiedOfOtherPoolsNorAfterItsRemoval)
 {
     const auto a = makeNode("a");
     const StrongPtr<ValuePool> other{new ValuePool("other")};
@@ -129,7 +149,7 @@ TEST_F(VSchedulerObserverTest, isNotNotifiedOfOtherPoolsNorAfterItsRemoval)
     EXPECT_FALSE(VScheduler::observe(nullptr, &listener));
 }
 
-TEST_F(VSchedulerObserverTest, mayBeRemovedByAnUpdate)
+TEST_F(VObserverTest, mayBeRemovedByAnUpdate)
 {
     const auto a = makeNode("a");
     a->work = [this](Node&, VRequest&, double) { return VScheduler::observe(pool, nullptr); };

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-// Evaluation of objects that read each other in a loop.
+// Runs of one pool in the calling thread, observed through the scheduler; above all, runs of
+// objects that read each other in a loop.
 
 using namespace Orla;
 using testing::AllOf;
@@ -17,7 +18,7 @@ namespace {
 using Nodes = std::vector<StrongPtr<Node>>;
 constexpr unsigned Limit = VScheduler::MaximalRounds;
 
-class VSchedulerLoopTest : public FrameworkTest {
+class SerialRunTest : public FrameworkTest {
 protected:
     StrongPtr<ValuePool> pool{new ValuePool("pool")};
 
@@ -45,7 +46,7 @@ protected:
 
 } // namespace
 
-TEST_F(VSchedulerLoopTest, runsALoopUntilNothingChanges)
+TEST_F(SerialRunTest, runsALoopUntilNothingChanges)
 {
     const Nodes ring = makeRing("r", 3);
     for (const StrongPtr<Node>& node : ring)
@@ -63,7 +64,7 @@ TEST_F(VSchedulerLoopTest, runsALoopUntilNothingChanges)
     EXPECT_FALSE(VScheduler::isDue(pool));
 }
 
-TEST_F(VSchedulerLoopTest, runsALoopWithoutChangesOnce)
+TEST_F(SerialRunTest, runsALoopWithoutChangesOnce)
 {
     const Nodes ring = makeRing("r", 4);
     for (const StrongPtr<Node>& node : ring)
@@ -72,7 +73,7 @@ TEST_F(VSchedulerLoopTest, runsALoopWithoutChangesOnce)
     EXPECT_THAT(runsOf(ring), Each(1u));
 }
 
-TEST_F(VSchedulerLoopTest, stopsALoopThatDoesNotSettleAndNamesItsMembersInOneWarning)
+TEST_F(SerialRunTest, stopsALoopThatDoesNotSettleAndNamesItsMembersInOneWarning)
 {
     const Nodes ring = makeRing("ring ", 3);
     const auto source = makeNode("source");
@@ -97,7 +98,7 @@ TEST_F(VSchedulerLoopTest, stopsALoopThatDoesNotSettleAndNamesItsMembersInOneWar
     EXPECT_EQ(last->read(pool, "out"), ring[2]->read(pool, "out") + 2) << "they read the last values";
 }
 
-TEST_F(VSchedulerLoopTest, stopsEachLoopSeparately)
+TEST_F(SerialRunTest, stopsEachLoopSeparately)
 {
     const Nodes first = makeRing("first ", 2);
     const Nodes second = makeRing("second ", 5);
@@ -115,7 +116,7 @@ TEST_F(VSchedulerLoopTest, stopsEachLoopSeparately)
         EXPECT_LE(node->runs, Limit);
 }
 
-TEST_F(VSchedulerLoopTest, stopsConnectedLoopsAsOne)
+TEST_F(SerialRunTest, stopsConnectedLoopsAsOne)
 {
     // Two loops through one object.
     const auto middle = makeNode("middle", {"left", "right"});
@@ -135,7 +136,7 @@ TEST_F(VSchedulerLoopTest, stopsConnectedLoopsAsOne)
         EXPECT_LE(node->runs, Limit);
 }
 
-TEST_F(VSchedulerLoopTest, runsEachMemberOfALoopInEachRound)
+TEST_F(SerialRunTest, runsEachMemberOfALoopInEachRound)
 {
     // "busy" and "echo" would run forever; "judge" ends the loop from any position.
     for (const bool judgeFirst : {true, false}) {
@@ -163,7 +164,7 @@ TEST_F(VSchedulerLoopTest, runsEachMemberOfALoopInEachRound)
     }
 }
 
-TEST_F(VSchedulerLoopTest, keepsReadersWaitingWhenARunningLoopIsReordered)
+TEST_F(SerialRunTest, keepsReadersWaitingWhenARunningLoopIsReordered)
 {
     // A loop at the end of a chain that it disconnects from while it runs.
     Nodes chain{makeNode("0")};
@@ -189,7 +190,7 @@ TEST_F(VSchedulerLoopTest, keepsReadersWaitingWhenARunningLoopIsReordered)
     EXPECT_EQ(reader->runs, 1u);
 }
 
-TEST_F(VSchedulerLoopTest, givesALoopAllItsRoundsInEachRunAndPool)
+TEST_F(SerialRunTest, givesALoopAllItsRoundsInEachRunAndPool)
 {
     const Nodes ring = makeRing("r", 2);
     const auto second = Loam::makeStrong<ValuePool>("second");
@@ -203,7 +204,7 @@ TEST_F(VSchedulerLoopTest, givesALoopAllItsRoundsInEachRunAndPool)
     EXPECT_EQ(runAll(ring, pool).stopped, 0u);
 }
 
-TEST_F(VSchedulerLoopTest, runsAnObjectThatReadsItselfUntilItSettles)
+TEST_F(SerialRunTest, runsAnObjectThatReadsItselfUntilItSettles)
 {
     const auto self = makeNode("self");
     connect(self, self);
@@ -220,7 +221,7 @@ TEST_F(VSchedulerLoopTest, runsAnObjectThatReadsItselfUntilItSettles)
     EXPECT_EQ(runAll({self}, pool).updates, 1u);
 }
 
-TEST_F(VSchedulerLoopTest, stopsAnObjectThatSchedulesItselfForever)
+TEST_F(SerialRunTest, stopsAnObjectThatSchedulesItselfForever)
 {
     const auto node = makeNode("restless");
     const auto reader = makeNode("reader");
@@ -234,7 +235,7 @@ TEST_F(VSchedulerLoopTest, stopsAnObjectThatSchedulesItselfForever)
     EXPECT_THAT(runsOf({node, reader}), ElementsAre(Limit, 1));
 }
 
-TEST_F(VSchedulerLoopTest, runsEachObjectOnceAfterALoopIsOpened)
+TEST_F(SerialRunTest, runsEachObjectOnceAfterALoopIsOpened)
 {
     for (std::size_t cut = 0; cut < 4; ++cut) {
         SCOPED_TRACE(cut);
@@ -254,7 +255,7 @@ TEST_F(VSchedulerLoopTest, runsEachObjectOnceAfterALoopIsOpened)
     }
 }
 
-TEST_F(VSchedulerLoopTest, runsEachObjectOnceAfterAMemberOfALoopIsDestroyed)
+TEST_F(SerialRunTest, runsEachObjectOnceAfterAMemberOfALoopIsDestroyed)
 {
     for (std::size_t removed = 0; removed < 5; ++removed) {
         SCOPED_TRACE(removed);
@@ -268,7 +269,7 @@ TEST_F(VSchedulerLoopTest, runsEachObjectOnceAfterAMemberOfALoopIsDestroyed)
     }
 }
 
-TEST_F(VSchedulerLoopTest, findsALoopThroughPassedInputsAndComponents)
+TEST_F(SerialRunTest, findsALoopThroughPassedInputsAndComponents)
 {
     const auto interval = makeNode("interval", {});
     interval->addInput("in");
@@ -290,7 +291,7 @@ TEST_F(VSchedulerLoopTest, findsALoopThroughPassedInputsAndComponents)
     EXPECT_EQ(adding->read(pool, "out"), Limit);
 }
 
-TEST_F(VSchedulerLoopTest, stopsALoopThatIsClosedWhileItRuns)
+TEST_F(SerialRunTest, stopsALoopThatIsClosedWhileItRuns)
 {
     const auto a = makeNode("a");
     const auto b = makeNode("b");
@@ -303,7 +304,7 @@ TEST_F(VSchedulerLoopTest, stopsALoopThatIsClosedWhileItRuns)
     EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("Node \"a\""), HasSubstr("Node \"b\""))));
 }
 
-TEST_F(VSchedulerLoopTest, mayBeCancelledInTheMiddleOfALoop)
+TEST_F(SerialRunTest, mayBeCancelledInTheMiddleOfALoop)
 {
     const Nodes ring = makeRing("r", 2);
     VRequest request(pool);
@@ -320,7 +321,7 @@ TEST_F(VSchedulerLoopTest, mayBeCancelledInTheMiddleOfALoop)
     EXPECT_TRUE(VScheduler::isDue(ring[0], pool));
 }
 
-TEST_F(VSchedulerLoopTest, stopsALargeLoopAfterAsManyRoundsAsASmallOne)
+TEST_F(SerialRunTest, stopsALargeLoopAfterAsManyRoundsAsASmallOne)
 {
     const Nodes ring = makeRing("r", 500);
     EXPECT_EQ(runAll({ring[250]}, pool).stopped, 1u);
