@@ -5,19 +5,17 @@
 #include <string>
 #include <typeinfo>
 
-// The type names shown to users: one thread-safe table for the whole process. It
+// The names under which programs find types: one thread-safe table for the whole process. It
 // holds only copies, so a library whose types are in it can be unloaded.
 
 namespace Loam {
 
-/// Returns the readable name of a type, never empty: the name that was set, or else
-/// its plain C++ name without namespaces, default template arguments and the like:
-/// "VTime", "string", "map<string,int>".
+/// Returns the name of a type for programs, never empty: the name that was set, or else its
+/// plain C++ name without namespaces: "VTime", "string", "StrongPtr<VAction>".
 ///
-/// Names are unique: if another type already has the plain name, the name is
-/// qualified as far as needed ("Other::VTime") and numbered if that is not enough
-/// ("Other::VTime #2"). A type keeps its name until setTypename or unsetTypename
-/// changes it.
+/// Names are unique: if another type already has the plain name, the name is qualified with
+/// all its scopes ("Other::VTime") and numbered if that is not enough ("Other::VTime #2"). A
+/// type keeps its name until setTypename or unsetTypename changes it.
 LOAM_API std::string Typename(const std::type_info& type);
 
 /// Sets the name of a type and frees its former name.

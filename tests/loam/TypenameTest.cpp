@@ -6,25 +6,10 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <chrono>
-#include <deque>
-#include <fstream>
-#include <functional>
-#include <list>
 #include <map>
-#include <memory>
-#include <queue>
 #include <set>
-#include <stack>
 #include <string>
-#include <string_view>
 #include <thread>
-#include <tuple>
-#include <unordered_map>
-#include <unordered_set>
-#include <utility>
-#include <variant>
 #include <vector>
 
 using namespace Loam;
@@ -35,33 +20,11 @@ struct VTime {
     struct Unit {};
     template<class T>
     struct Of {};
-
-    auto operator<(int) const
-    {
-        struct InLess {};
-        return InLess{};
-    }
-    template<class T>
-    auto operator<<(T) const
-    {
-        struct InShift {};
-        return InShift{};
-    }
-    auto operator()(int) const&
-    {
-        struct InCall {};
-        return InCall{};
-    }
-    auto operator[](int)
-    {
-        struct InIndex {};
-        return InIndex{};
-    }
 };
 
 struct VDate {};
-struct VObject;
-enum class Direction { Left, Right };
+template<class T, unsigned long size, int offset>
+struct Grid {};
 
 namespace {
 
@@ -69,51 +32,11 @@ struct Hidden {};
 
 } // namespace
 
-inline namespace v2 {
-
-struct [[gnu::abi_tag("new")]] Tagged {};
-
-} // namespace v2
-
-template<class T, class Allocator = std::allocator<T>>
-struct Grid {};
-template<class... T>
-struct Pack {};
-template<int number, char letter, Direction direction, bool truth, unsigned long long large>
-struct Values {};
-template<auto function>
-struct Caller {};
-template<template<class...> class Template>
-struct OfTemplate {};
-
-inline auto local()
-{
-    struct Local {};
-    return Local{};
-}
-
-template<class T>
-auto localOfTemplate(T, std::vector<T>)
-{
-    struct LocalOfTemplate {};
-    return LocalOfTemplate{};
-}
-
-inline auto lambda()
-{
-    return [](VDate) {
-        struct InLambda {};
-        return InLambda{};
-    };
-}
-
 } // namespace Orla
 
 namespace {
 
 struct Unnamed {};
-template<class T>
-struct UnnamedOf {};
 
 // A type of another library, with the given mangled name.
 class ForeignType : public std::type_info {
@@ -130,96 +53,30 @@ std::string nameOf(const char* mangled)
 
 TEST(Typename, isThePlainNameIfNoNameWasSet)
 {
-    using std::string;
     using Orla::VDate;
     using Orla::VTime;
-    using Time = VTime;
+    struct Local {};
 
     const struct {
         const std::type_info& type;
         const char* name;
     } cases[] = {
-        {typeid(bool), "bool"},
-        {typeid(unsigned long long), "unsigned long long"},
         {typeid(double), "double"},
-        {typeid(Time), "VTime"},
+        {typeid(unsigned long long), "unsigned long long"},
+        {typeid(std::string), "string"},
+        {typeid(VTime), "VTime"},
         {typeid(VTime::Unit), "Unit"},
         {typeid(VTime::Of<VDate>), "Of<VDate>"},
+        {typeid(VTime::Of<VTime::Of<std::string>>), "Of<Of<string>>"},
+        {typeid(VTime::Of<unsigned long long>), "Of<unsigned long long>"},
+        {typeid(Orla::Grid<VTime, 10, -3>), "Grid<VTime,10,-3>"},
+        {typeid(Orla::Grid<VTime::Unit, 0, 64>), "Grid<Unit,0,64>"},
         {typeid(Orla::Hidden), "Hidden"},
-        {typeid(Orla::Tagged), "Tagged"},
         {typeid(Unnamed), "Unnamed"},
-        {typeid(UnnamedOf<Unnamed>), "UnnamedOf<Unnamed>"},
-        {typeid(Orla::local()), "Local"},
-        {typeid(Orla::localOfTemplate(VTime{}, {})), "LocalOfTemplate"},
-        {typeid(VTime{} < 1), "InLess"},
-        {typeid(VTime{} << VTime{}), "InShift"},
-        {typeid(VTime{}(1)), "InCall"},
-        {typeid(VTime{}[1]), "InIndex"},
-
-        {typeid(VTime*), "VTime*"},
-        {typeid(const VTime*), "VTime const*"},
-        {typeid(VTime* const*), "VTime* const*"},
-        {typeid(Orla::VObject*), "VObject*"},
-        {typeid(VTime[3]), "VTime[3]"},
-        {typeid(VTime(*)[3][4]), "VTime(*)[3][4]"},
-        {typeid(void (*)(VTime, const VDate&)), "void(*)(VTime,VDate const&)"},
-        {typeid(VTime(int)), "VTime(int)"},
-        {typeid(VTime(VDate::*)(int) const), "VTime(VDate::*)(int) const"},
-        {typeid(VTime VDate::*), "VTime VDate::*"},
-        {typeid(VTime::Unit VTime::*), "Unit VTime::*"},
-        {typeid(std::function<VTime&(VDate&&)>), "function<VTime&(VDate&&)>"},
-        {typeid(std::function<void()>), "function<void()>"},
-
-        {typeid(string), "string"},
-        {typeid(std::wstring), "wstring"},
-        {typeid(std::u8string), "u8string"},
-        {typeid(std::u16string), "u16string"},
-        {typeid(std::u32string), "u32string"},
-        {typeid(std::string_view), "string_view"},
-        {typeid(std::ostream), "ostream"},
-        {typeid(std::ofstream), "ofstream"},
-        {typeid(std::wofstream), "wofstream"},
-        {typeid(std::basic_ofstream<char16_t>), "basic_ofstream<char16_t>"},
-        {typeid(std::vector<VTime>), "vector<VTime>"},
-        {typeid(std::vector<std::vector<string>>), "vector<vector<string>>"},
-        {typeid(std::vector<const VTime*>), "vector<VTime const*>"},
-        {typeid(std::deque<int>), "deque<int>"},
-        {typeid(std::list<string>), "list<string>"},
-        {typeid(std::set<VTime*>), "set<VTime*>"},
-        {typeid(std::set<int, std::greater<int>>), "set<int,greater<int>>"},
-        {typeid(std::set<int, std::less<>>), "set<int,less<void>>"},
-        {typeid(std::multiset<std::vector<int>>), "multiset<vector<int>>"},
-        {typeid(std::map<string, int>), "map<string,int>"},
-        {typeid(std::map<const char*, std::vector<VTime>>), "map<char const*,vector<VTime>>"},
-        {typeid(std::map<void (*)(int), int>), "map<void(*)(int),int>"},
-        {typeid(std::unordered_map<string, VTime>), "unordered_map<string,VTime>"},
-        {typeid(std::unordered_set<int>), "unordered_set<int>"},
-        {typeid(std::stack<VTime>), "stack<VTime>"},
-        {typeid(std::queue<VTime>), "queue<VTime>"},
-        {typeid(std::queue<int, std::list<int>>), "queue<int,list<int>>"},
-        {typeid(std::priority_queue<int>), "priority_queue<int>"},
-        {typeid(std::unique_ptr<VTime>), "unique_ptr<VTime>"},
-        {typeid(std::unique_ptr<int[]>), "unique_ptr<int[]>"},
-        {typeid(std::shared_ptr<const VTime>), "shared_ptr<VTime const>"},
-        {typeid(std::pair<int, std::less<int>>), "pair<int,less<int>>"},
-        {typeid(std::tuple<>), "tuple<>"},
-        {typeid(std::tuple<int, std::vector<int>>), "tuple<int,vector<int>>"},
-        {typeid(std::tuple<int, std::less<int>>), "tuple<int,less<int>>"},
-        {typeid(std::variant<int, std::less<int>>), "variant<int,less<int>>"},
-        {typeid(std::allocator<int>), "allocator<int>"},
-        {typeid(std::array<int, 3>), "array<int,3>"},
-        {typeid(std::chrono::steady_clock), "steady_clock"},
-        {typeid(std::chrono::duration<long, std::ratio<1, 7>>), "duration<long,ratio<1,7>>"},
-
-        {typeid(Orla::Grid<VTime>), "Grid<VTime>"},
-        {typeid(Orla::Pack<>), "Pack<>"},
-        {typeid(Orla::Pack<int, std::vector<int>>), "Pack<int,vector<int>>"},
-        {typeid(Orla::Values<-3, 'x', Orla::Direction::Right, true, 7>), "Values<-3,(char)120,(Direction)1,true,7>"},
-        {typeid(Orla::Caller<&Orla::lambda>), "Caller<&lambda>"},
-        {typeid(Orla::OfTemplate<std::vector>), "OfTemplate<vector>"},
+        {typeid(Local), "Local"},
         {typeid(StrongPtr<VTime>), "StrongPtr<VTime>"},
-        {typeid(std::vector<StrongPtr<VDate>>), "vector<StrongPtr<VDate>>"},
         {typeid(WeakPtr<VTime>), "WeakPtr<VTime>"},
+        {typeid(VTime::Of<StrongPtr<VDate>>), "Of<StrongPtr<VDate>>"},
     };
     for (const auto& [type, name] : cases) {
         SCOPED_TRACE(type.name());
@@ -228,15 +85,7 @@ TEST(Typename, isThePlainNameIfNoNameWasSet)
     }
 }
 
-TEST(Typename, isPlainForLambdasAndTypesInsideThem)
-{
-    const auto lambda = Orla::lambda();
-    EXPECT_EQ(Typename(typeid(lambda(Orla::VDate{}))), "InLambda");
-    EXPECT_EQ(nameOf("ZNK4Mila4BoatclIiEEvT_E5Cargo"), "Cargo") << "as in generic lambdas";
-    EXPECT_EQ(Typename(typeid(lambda)).find("Orla"), std::string::npos) << Typename(typeid(lambda));
-}
-
-TEST(Typename, isOnlyAsQualifiedAsNecessary)
+TEST(Typename, isQualifiedOnlyIfThePlainNameIsTaken)
 {
     EXPECT_EQ(nameOf("N4Mila4ClipE"), "Clip");
     EXPECT_EQ(nameOf("N4Mona4ClipE"), "Mona::Clip");
@@ -244,43 +93,6 @@ TEST(Typename, isOnlyAsQualifiedAsNecessary)
     EXPECT_EQ(nameOf("4Clip"), "Clip #2");
     EXPECT_EQ(nameOf("N4Mila4ClipE"), "Clip");
     EXPECT_EQ(nameOf("4Clip"), "Clip #2");
-
-    // The same applies to templates and their arguments.
-    EXPECT_EQ(nameOf("St6vectorIN4Mila4ClipESaIS1_EE"), "vector<Clip>");
-    EXPECT_EQ(nameOf("St6vectorIN4Mona4ClipESaIS1_EE"), "vector<Mona::Clip>");
-    EXPECT_EQ(nameOf("N4Mila6vectorIN4Mona4ClipEEE"), "Mila::vector<Mona::Clip>");
-}
-
-TEST(Typename, containsStdOnlyIfNothingElseHelps)
-{
-    EXPECT_EQ(nameOf("N4Mila12forward_listIiEE"), "forward_list<int>");
-    EXPECT_EQ(nameOf("St12forward_listIiSaIiEE"), "std::forward_list<int>");
-    EXPECT_EQ(nameOf("N4Mila10wstringbufE"), "wstringbuf");
-    EXPECT_EQ(nameOf("NSt7__cxx1115basic_stringbufIwSt11char_traitsIwESaIwEEE"), "std::wstringbuf");
-}
-
-TEST(Typename, keepsArgumentsThatOnlyResembleDefaults)
-{
-    EXPECT_EQ(nameOf("St3setIiSt4lessIPiESaIiEE"), "set<int,less<int*>>");
-    EXPECT_EQ(nameOf("St10unique_ptrIiSt14default_deleteIA_iEE"), "unique_ptr<int,default_delete<int[]>>");
-}
-
-TEST(Typename, supportsNonAsciiNames)
-{
-    EXPECT_EQ(nameOf("N3\xc3\xa9t5PlageE"), "Plage");
-    EXPECT_EQ(nameOf("5\xc3\xa9t\xc3\xa9"), "\xc3\xa9t\xc3\xa9");
-}
-
-TEST(Typename, namesTheFunctionOfALocalTypeIfNecessary)
-{
-    EXPECT_EQ(nameOf("ZN4Mila1fEiE4Item"), "Item");
-    EXPECT_EQ(nameOf("ZN4Mila1gEiE4Item"), "g(int)::Item");
-    EXPECT_EQ(nameOf("ZN4Mona1gEiE4Item"), "Mona::g(int)::Item");
-    EXPECT_EQ(nameOf("ZN4Mila1gEiE4Item_0"), "Mila::g(int)::Item");
-    EXPECT_EQ(nameOf("ZN4Mila1gEiE4Item_1"), "Mila::g(int)::Item #2");
-    EXPECT_EQ(nameOf("ZNK4Mila1kIiEEvT_E4Item"), "k<int>(int) const::Item");
-    EXPECT_EQ(nameOf("ZN4Mila4BoatD1EvE4Item"), "~Boat()::Item");
-    EXPECT_EQ(nameOf("ZNK4Mila4BoatclEiE4Item"), "operator()(int) const::Item");
 }
 
 TEST(Typename, numbersIndistinguishableNamesakes)
@@ -290,49 +102,18 @@ TEST(Typename, numbersIndistinguishableNamesakes)
     const std::string second = first;
     const std::string third = first;
     EXPECT_EQ(nameOf(first.c_str()), "Detail");
-    EXPECT_EQ(nameOf(second.c_str()), "Mila::Detail");
-    EXPECT_EQ(nameOf(third.c_str()), "Mila::Detail #2");
-    EXPECT_EQ(nameOf(second.c_str()), "Mila::Detail");
+    EXPECT_EQ(nameOf(second.c_str()), "Mila::(anonymous namespace)::Detail");
+    EXPECT_EQ(nameOf(third.c_str()), "Mila::(anonymous namespace)::Detail #2");
+    EXPECT_EQ(nameOf(second.c_str()), "Mila::(anonymous namespace)::Detail");
 }
 
-TEST(Typename, isPlainAtAnyDepthOfNestedTemplates)
+TEST(Typename, isNeverEmptyWhateverTheNameOfTheType)
 {
-    std::string mangled = "N4Mona3TagE";
-    std::string name = "Tag";
-    for (int depth = 0; depth != 50; ++depth) {
-        mangled = "N4Mila3BoxI" + mangled + "EE";
-        name = "Box<" + name + ">";
-    }
-    EXPECT_EQ(nameOf(mangled.c_str()), name);
-}
-
-TEST(Typename, isTheMangledNameIfItCannotBeDemangled)
-{
-    for (const char* text : {"?", "garbage", "N", "::", "<", ">", "a<b", "(", "f(", "{", "4Odd"})
+    for (const char* text : {"?", "garbage", "N", "a<b", ">", ")", "(", "f(", "{", "4Odd"})
         EXPECT_EQ(nameOf(text), text);
-}
-
-TEST(Typename, isTheDemangledNameIfItsFormIsUnknown)
-{
-    const struct {
-        const char* mangled;
-        const char* name;
-    } cases[] = {
-        {"3a,b", "a,b"},
-        {"3a)b", "a)b"},
-        {"3a<b", "a<b #2"}, // the name is already taken
-        {"3a>b", "a>b"},
-        {"2{{", "{{"},
-        {"2::", ":: #2"},
-        {"4f(::", "f(::"},
-        {"8operator", "operator"},
-        {"9operator<", "operator<"},
-        {"10operator()", "operator()"},
-    };
-    ASSERT_EQ(nameOf("a<b"), "a<b");
-    ASSERT_EQ(nameOf("::"), "::");
-    for (const auto& [mangled, name] : cases)
-        EXPECT_EQ(nameOf(mangled), name);
+    EXPECT_EQ(nameOf("::"), "::");
+    EXPECT_EQ(nameOf("2::"), ":: #2");
+    EXPECT_EQ(nameOf("5a::b>"), "b>");
 }
 
 TEST(SetTypename, acceptsNamesOfAnyCharacters)
