@@ -6,8 +6,7 @@
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VObjectCreator.hpp>
-
-#include <loam/Typename.hpp>
+#include <trellis/VTypeLabel.hpp>
 
 namespace Orla {
 
@@ -113,7 +112,7 @@ StrongPtr<VObject> VObject::attachNewObject(VObject* object, const StrongPtr<VSl
     }
     const StrongPtr<VSlot> output = Provision::outputFor(*slot, *provider);
     if (!output) {
-        VActionNotifier::Warning(provider->describe() + " has no output of type " + Loam::Typename(slot->type())
+        VActionNotifier::Warning(provider->describe() + " has no output of type " + VTypeLabel::of(slot->type())
                                  + " for the input \"" + slot->name() + "\" of " + object->describe());
         VManagedObject::remove(provider);
         return nullptr;

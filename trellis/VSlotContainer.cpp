@@ -4,6 +4,7 @@
 #include <trellis/detail/Wiring.hpp>
 
 #include <trellis/VActionNotifier.hpp>
+#include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueComponents.hpp>
 
 #include <loam/Typename.hpp>
@@ -24,11 +25,11 @@ Result<void> checkTypes(const VParameter& parameter, const std::string& member, 
         std::string known;
         for (const std::string& name : VValueComponents::names(offered))
             known += (known.empty() ? "" : ", ") + name;
-        return Failure{"values of type " + Loam::Typename(offered) + " have no component \"" + member + "\""
+        return Failure{"values of type " + VTypeLabel::of(offered) + " have no component \"" + member + "\""
                        + (known.empty() ? "" : " (available: " + known + ")")};
     }
     if (*found != wanted)
-        return Failure{"it gives " + Loam::Typename(*found) + " where " + Loam::Typename(wanted) + " is expected"};
+        return Failure{"it gives " + VTypeLabel::of(*found) + " where " + VTypeLabel::of(wanted) + " is expected"};
     return {};
 }
 

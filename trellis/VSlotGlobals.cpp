@@ -2,14 +2,13 @@
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VSlotContainer.hpp>
-
-#include <loam/Typename.hpp>
+#include <trellis/VTypeLabel.hpp>
 
 namespace Orla {
 
 void VSlotGlobals::assertionFail(VSlotContainer* that, const std::string& name, const std::type_info& type)
 {
-    VActionNotifier::Warning("The slot \"" + name + "\" of type " + Loam::Typename(type)
+    VActionNotifier::Warning("The slot \"" + name + "\" of type " + VTypeLabel::of(type)
                              + (that ? " is not usable in " + that->describe() : " was declared without a container"));
 }
 

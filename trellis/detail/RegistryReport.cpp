@@ -9,7 +9,7 @@ namespace Orla::Detail {
 
 std::string ownerOf(const std::type_info& type, const std::type_info& creator)
 {
-    // The registered display name may be the disputed name itself.
+    // The registered name may be the disputed name itself.
     std::string owner = "type " + Loam::typeKey(type);
     if (const std::string library = Loam::getLibraryPath(&creator); !library.empty())
         owner += " of " + library;

@@ -1,0 +1,53 @@
+#include <trellis/VTypeLabel.hpp>
+
+#include <loam/TypeInfo.hpp>
+#include <loam/Typename.hpp>
+
+#include <algorithm>
+#include <mutex>
+#include <vector>
+
+namespace Orla {
+
+namespace {
+
+struct Table {
+    std::mutex mutex;
+    std::vector<const VTypeLabel*> labels; // in the order of their declaration
+};
+
+Table& table()
+{
+    static Table theTable;
+    return theTable;
+}
+
+} // namespace
+
+VTypeLabel::VTypeLabel(const std::type_info& type, const std::string& label)
+    : m_key{Loam::typeKey(type)}, m_label{label}
+{
+    const std::lock_guard lock{table().mutex};
+    if (!label.empty())
+        table().labels.push_back(this);
+}
+
+VTypeLabel::~VTypeLabel()
+{
+    const std::lock_guard lock{table().mutex};
+    std::erase(table().labels, this);
+}
+
+std::string VTypeLabel::of(const std::type_info& type)
+{
+    const std::string key = Loam::typeKey(type);
+    const std::string name = Loam::Typename(type);
+    const std::lock_guard lock{table().mutex};
+    const std::vector<const VTypeLabel*>& labels = table().labels;
+    const auto own = std::ranges::find(labels, key, &VTypeLabel::m_key);
+    const std::string& text = own == labels.end() ? name : (*own)->m_label;
+    const auto first = std::ranges::find(labels, text, &VTypeLabel::m_label);
+    return first == labels.end() || (*first)->m_key == key ? text : text + " (" + name + ')';
+}
+
+} // namespace Orla
