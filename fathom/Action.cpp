@@ -2,6 +2,7 @@
 
 #include <trellis/VNetwork.hpp>
 #include <trellis/VScheduler.hpp>
+#include <trellis/VTypeLabel.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -49,5 +50,11 @@ bool VValueTrait<StrongPtr<VAction>>::setValueFromText(StrongPtr<VAction>&, cons
 {
     return false;
 }
+
+namespace {
+
+const VTypeLabel label{typeid(StrongPtr<VAction>), "action"};
+
+} // namespace
 
 } // namespace Orla

@@ -2,6 +2,8 @@
 
 #include <fathom/GyrePhysicalSpacePoint.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <loam/Numbers.hpp>
 #include <loam/StringUtil.hpp>
 
@@ -25,5 +27,11 @@ bool VValueTrait<Gyre::BoundingBall>::setValueFromText(Gyre::BoundingBall& ball,
     ball.setCenter(center);
     return read;
 }
+
+namespace {
+
+const VTypeLabel label{typeid(Gyre::BoundingBall), "bounding ball"};
+
+} // namespace
 
 } // namespace Orla

@@ -4,6 +4,8 @@
 #include <fathom/RegisteredName.hpp>
 #include <fathom/VConnectionTypeColors.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <loam/StringUtil.hpp>
 
 #include <cstdio>
@@ -70,6 +72,7 @@ void speak(const Box& box, const char* name)
 namespace {
 
 const RegisteredName name{typeid(Box), "Bounding Box"};
+const VTypeLabel label{typeid(Box), "bounding box"};
 const bool colourIsSet = (VConnectionTypeColors::set(typeid(Box), "#8080FF"), true);
 
 } // namespace

@@ -1,5 +1,7 @@
 #include <fathom/Char.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 namespace Orla {
 
 template class FATHOM_TEMPLATE VTypedValueBase<char>;
@@ -7,5 +9,11 @@ template class FATHOM_TEMPLATE VValue<char>;
 template class FATHOM_TEMPLATE TypedValueCreator<char>;
 template class FATHOM_TEMPLATE VValueParameter<char>;
 template class FATHOM_TEMPLATE TypedSlot<char>;
+
+namespace {
+
+const VTypeLabel label{typeid(char), "character"};
+
+} // namespace
 
 } // namespace Orla

@@ -1,5 +1,7 @@
 #include <fathom/ColorTypes.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <loam/Numbers.hpp>
 #include <loam/Scanner.hpp>
 
@@ -28,5 +30,11 @@ bool VValueTrait<Gyre::rgba_float_t>::setValueFromText(Gyre::rgba_float_t& colou
     }
     return read > 1;
 }
+
+namespace {
+
+const VTypeLabel label{typeid(Gyre::rgba_float_t), "colour"};
+
+} // namespace
 
 } // namespace Orla

@@ -2,6 +2,8 @@
 
 #include <fathom/TripleText.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <loam/StringUtil.hpp>
 
 #include <vector>
@@ -31,5 +33,11 @@ bool VValueTrait<Gyre::FixedArray<int, 3>>::setValueFromText(Gyre::FixedArray<in
     }
     return true;
 }
+
+namespace {
+
+const VTypeLabel label{typeid(Gyre::FixedArray<int, 3>), "integer triple"};
+
+} // namespace
 
 } // namespace Orla

@@ -2,6 +2,8 @@
 
 #include <fathom/TripleText.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 namespace Orla {
 
 std::string VValueTrait<Gyre::PhysicalSpace::bivector>::Text(const Gyre::PhysicalSpace::bivector& bivector)
@@ -20,5 +22,11 @@ bool VInputValueTrait<Gyre::PhysicalSpace::bivector>::setValueFromText(Gyre::Phy
 {
     return VValueTrait<Gyre::PhysicalSpace::bivector>::setValueFromText(bivector, text);
 }
+
+namespace {
+
+const VTypeLabel label{typeid(Gyre::PhysicalSpace::bivector), "bivector"};
+
+} // namespace
 
 } // namespace Orla

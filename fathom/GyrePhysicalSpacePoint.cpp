@@ -2,6 +2,8 @@
 
 #include <fathom/TripleText.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 namespace Orla {
 
 std::string VValueTrait<Gyre::PhysicalSpace::point>::Text(const Gyre::PhysicalSpace::point& point)
@@ -14,5 +16,11 @@ bool VValueTrait<Gyre::PhysicalSpace::point>::setValueFromText(Gyre::PhysicalSpa
 {
     return readTriple(point, text, '{');
 }
+
+namespace {
+
+const VTypeLabel label{typeid(Gyre::PhysicalSpace::point), "point"};
+
+} // namespace
 
 } // namespace Orla

@@ -1,5 +1,7 @@
 #include <fathom/ImageTile.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 namespace Orla {
 
 ImageTile::ImageTile(const Size& theSize, const StrongPtr<ChunkBase, ChunkBase>& primary,
@@ -35,5 +37,11 @@ bool VInputValueTrait<ImageTile>::setValueFromText(ImageTile&, const std::string
 {
     return true;
 }
+
+namespace {
+
+const VTypeLabel label{typeid(ImageTile), "image tile"};
+
+} // namespace
 
 } // namespace Orla

@@ -3,6 +3,8 @@
 #include <fathom/RegisteredName.hpp>
 #include <fathom/VConnectionTypeColors.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <loam/Numbers.hpp>
 
 #include <cstdio>
@@ -30,6 +32,7 @@ void speak(const Gyre::MultiRange& range, const char* name)
 namespace {
 
 const RegisteredName name{typeid(Gyre::MultiRange), "MultiRange"};
+const VTypeLabel label{typeid(Gyre::MultiRange), "list of ranges"};
 const bool colourIsSet = (VConnectionTypeColors::set(typeid(Gyre::MultiRange), "#8080FF"), true);
 
 } // namespace

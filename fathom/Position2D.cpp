@@ -1,5 +1,7 @@
 #include <fathom/Position2D.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 namespace Orla {
 
 std::string VValueTrait<Gyre::FixedArray<double, 2>>::Text(const Gyre::FixedArray<double, 2>& pair)
@@ -21,5 +23,11 @@ bool VInputValueTrait<Gyre::FixedArray<double, 2>>::setValueFromText(Gyre::Fixed
 {
     return false;
 }
+
+namespace {
+
+const VTypeLabel label{typeid(Gyre::FixedArray<double, 2>), "number pair"};
+
+} // namespace
 
 } // namespace Orla

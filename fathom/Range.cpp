@@ -2,6 +2,8 @@
 
 #include <fathom/VMemberValue.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <loam/Numbers.hpp>
 #include <loam/StringUtil.hpp>
 
@@ -38,6 +40,7 @@ template class FATHOM_TEMPLATE TypedSlot<Range>;
 
 namespace {
 
+const VTypeLabel label{typeid(Range), "range"};
 const VValueComponents components{typeid(Range),
                                   {VMemberValue<Range, double, &Range::begin>::component("begin"),
                                    VMemberValue<Range, double, &Range::end>::component("end")}};

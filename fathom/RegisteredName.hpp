@@ -7,7 +7,8 @@
 
 namespace Orla {
 
-/// Registers a type's display name while the library that defines this object is loaded.
+/// Registers the name under which programs find a type, while the library that defines this
+/// object is loaded.
 class RegisteredName {
 public:
     RegisteredName(const std::type_info& type, const std::string& name) : m_type{type}

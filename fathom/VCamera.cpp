@@ -3,6 +3,8 @@
 #include <fathom/frustum/FrustumKernel.hpp>
 #include <fathom/GyreFixedArray.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <loam/Numbers.hpp>
 #include <loam/Scanner.hpp>
 
@@ -211,5 +213,11 @@ void Frustum::classify(const Boxes& boxes, std::size_t count, std::int8_t* resul
         results[done] = static_cast<std::int8_t>(isVisible(minimum, maximum));
     }
 }
+
+namespace {
+
+const VTypeLabel label{typeid(VCamera), "camera"};
+
+} // namespace
 
 } // namespace Orla

@@ -2,6 +2,7 @@
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VNetwork.hpp>
+#include <trellis/VTypeLabel.hpp>
 
 #include <algorithm>
 #include <iterator>
@@ -166,6 +167,13 @@ template class FATHOM_TEMPLATE VValue<VChartList>;
 template class FATHOM_TEMPLATE TypedValueCreator<VChartList>;
 template class FATHOM_TEMPLATE VValueParameter<VChartList>;
 template class FATHOM_TEMPLATE VOutput<VChartList>;
+
+namespace {
+
+const VTypeLabel chartLabel{typeid(VChart), "chart"};
+const VTypeLabel listLabel{typeid(VChartList), "list of charts"};
+
+} // namespace
 
 } // namespace Orla
 

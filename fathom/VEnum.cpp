@@ -2,6 +2,8 @@
 
 #include <loam/StringUtil.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <string_view>
 
 namespace Orla {
@@ -184,5 +186,11 @@ Enum VValueOperations<Enum>::copyOf(const Enum& value)
 {
     return value.selection() ? Enum(Loam::makeStrong<VEnumSelection>(*value.selection())) : Enum();
 }
+
+namespace {
+
+const VTypeLabel label{typeid(Enum), "enumeration"};
+
+} // namespace
 
 } // namespace Orla

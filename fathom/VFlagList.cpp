@@ -2,6 +2,8 @@
 
 #include <loam/StringUtil.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <cstdio>
 #include <utility>
 
@@ -104,5 +106,11 @@ template class FATHOM_TEMPLATE VValue<FlagList>;
 template class FATHOM_TEMPLATE TypedValueCreator<FlagList>;
 template class FATHOM_TEMPLATE VValueParameter<FlagList>;
 template class FATHOM_TEMPLATE TypedSlot<FlagList>;
+
+namespace {
+
+const VTypeLabel label{typeid(FlagList), "flags"};
+
+} // namespace
 
 } // namespace Orla

@@ -1,5 +1,7 @@
 #include <fathom/VInteractionEvent.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <utility>
 
 namespace Orla {
@@ -105,5 +107,11 @@ template class FATHOM_TEMPLATE VValue<VInteractionEvent>;
 template class FATHOM_TEMPLATE TypedValueCreator<VInteractionEvent>;
 template class FATHOM_TEMPLATE VValueParameter<VInteractionEvent>;
 template class FATHOM_TEMPLATE TypedSlot<VInteractionEvent>;
+
+namespace {
+
+const VTypeLabel label{typeid(VInteractionEvent), "event"};
+
+} // namespace
 
 } // namespace Orla

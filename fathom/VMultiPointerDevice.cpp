@@ -1,5 +1,7 @@
 #include <fathom/VMultiPointerDevice.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 namespace Orla {
 
 std::string VValueTrait<VMultiPointerDevice>::Text(const VMultiPointerDevice&)
@@ -21,5 +23,11 @@ bool VInputValueTrait<VMultiPointerDevice>::setValueFromText(VMultiPointerDevice
 {
     return false;
 }
+
+namespace {
+
+const VTypeLabel label{typeid(VMultiPointerDevice), "touch points"};
+
+} // namespace
 
 } // namespace Orla

@@ -2,6 +2,8 @@
 
 #include <loam/StringUtil.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <string_view>
 
 namespace Orla {
@@ -168,5 +170,11 @@ Selection VValueOperations<Selection>::copyOf(const Selection& selection)
 {
     return selection ? Loam::makeStrong<MultipleStringSelection>(*selection) : nullptr;
 }
+
+namespace {
+
+const VTypeLabel label{typeid(Selection), "multiple choice"};
+
+} // namespace
 
 } // namespace Orla

@@ -1,6 +1,7 @@
 #include <fathom/VObjectStatus.hpp>
 
 #include <trellis/VActionNotifier.hpp>
+#include <trellis/VTypeLabel.hpp>
 
 #include <loam/Typename.hpp>
 
@@ -134,5 +135,11 @@ template class FATHOM_TEMPLATE TypedValueCreator<VObjectStatus>;
 template class FATHOM_TEMPLATE VValueParameter<VObjectStatus>;
 template FATHOM_TEMPLATE bool operator<<(const VOutputAssignmentContext<VObjectStatus>&, const VObjectStatus&);
 template FATHOM_TEMPLATE bool operator>>(const VOutputAssignmentContext<VObjectStatus>&, VObjectStatus&);
+
+namespace {
+
+const VTypeLabel label{typeid(VObjectStatus), "status"};
+
+} // namespace
 
 } // namespace Orla

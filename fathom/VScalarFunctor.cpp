@@ -1,5 +1,7 @@
 #include <fathom/VScalarFunctor.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 namespace Orla {
 
 VScalarFunctor::Functor::Functor() = default;
@@ -22,5 +24,11 @@ bool VValueTrait<VScalarFunctor>::setValueFromText(VScalarFunctor&, const std::s
 {
     return false;
 }
+
+namespace {
+
+const VTypeLabel label{typeid(VScalarFunctor), "scalar function"};
+
+} // namespace
 
 } // namespace Orla

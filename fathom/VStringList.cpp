@@ -2,6 +2,8 @@
 
 #include <loam/StringUtil.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -147,5 +149,11 @@ template class FATHOM_TEMPLATE VValue<Selection>;
 template class FATHOM_TEMPLATE TypedValueCreator<Selection>;
 template class FATHOM_TEMPLATE VValueParameter<Selection>;
 template class FATHOM_TEMPLATE TypedSlot<Selection>;
+
+namespace {
+
+const VTypeLabel label{typeid(Selection), "choice"};
+
+} // namespace
 
 } // namespace Orla

@@ -2,6 +2,8 @@
 
 #include <fathom/VMemberValue.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <loam/Numbers.hpp>
 #include <loam/StringUtil.hpp>
 
@@ -136,6 +138,7 @@ template class FATHOM_TEMPLATE TypedSlot<VTime>;
 
 namespace {
 
+const VTypeLabel label{typeid(VTime), "time"};
 const VValueComponents components{typeid(VTime),
                                   {VMemberValue<VTime, double, &VTime::time>::component("time"),
                                    VMemberValue<VTime, Range, &VTime::range>::component("range"),

@@ -217,7 +217,7 @@ bool Orla::VValueTrait<Quakes::Catalogue>::setValueFromText(Quakes::Catalogue& c
 
 namespace {
 
-const Orla::VValueType<Quakes::Catalogue> catalogueType;
+const Orla::VValueType<Quakes::Catalogue> catalogueType{"earthquake catalogue"};
 
 // Sets the colour of connections that carry a catalogue.
 const bool hasColor = [] {

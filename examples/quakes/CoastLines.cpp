@@ -82,7 +82,7 @@ private:
 
 namespace {
 
-const Orla::VValueType<Quakes::Land> landType;
+const Orla::VValueType<Quakes::Land> landType{"land"};
 const bool hasColor = [] {
     Orla::VConnectionTypeColors::set(typeid(Quakes::Land), "#8D6E63");
     return true;

@@ -7,7 +7,6 @@
 #include <tarn/commands/TypeArguments.hpp>
 
 #include <trellis/VObjectCreator.hpp>
-#include <trellis/VValueCreator.hpp>
 
 #include <algorithm>
 
@@ -15,15 +14,20 @@ namespace Tarn {
 
 namespace {
 
-void reportUnknown(const std::string& name)
+void reportUnknown(const std::string& name, const TypeCatalogue& catalogue)
 {
+    std::vector<std::string> values;
+    for (const ValueTypeDescription& type : catalogue.valueTypes()) {
+        values.push_back(type.label);
+        values.push_back(type.name);
+    }
     std::string suggestions;
     const auto suggest = [&](const char* kind, const std::vector<std::string>& names) {
         if (const std::string near = nearest(name, names); !near.empty())
             suggestions += (suggestions.empty() ? "; did you mean " : " or ") + std::string(kind) + inQuotes(near);
     };
     suggest("the object type ", Orla::VObjectCreator::names());
-    suggest("the value type ", Orla::VValueCreator::names());
+    suggest("the value type ", values);
     say("no library has a type " + inQuotes(name)
         + (suggestions.empty() ? "; tarn types lists the known types" : suggestions + "?"));
 }
@@ -37,7 +41,7 @@ int perform(const Arguments& arguments, const StandardStreams& streams)
     const auto values = catalogue.valueTypes(name);
     const auto objects = catalogue.objectTypes(name, level);
     if (values.empty() && objects.empty()) {
-        reportUnknown(name);
+        reportUnknown(name, catalogue);
         return NotUnderstood;
     }
     print(streams, arguments.has("json") ? descriptionJson(values, objects) : descriptionText(values, objects));
@@ -58,8 +62,9 @@ const Command& describeCommand()
         .mostNames = 1,
         .summary = "Describes a type of values or objects.",
         .help = R"(Describes the object type NAME with its inputs and outputs, or the value type NAME, or
-both if both exist. To read its inputs and outputs, an object is created and destroyed;
-the exit status is 1 if that fails, and 2 if there is no such type.
+both if both exist. NAME may be the name of a value type in code, such as FlagList, or its
+name in messages, such as flags. To read its inputs and outputs, an object is created and
+destroyed; the exit status is 1 if that fails, and 2 if there is no such type.
 )",
         .options = {libraryOption(), levelOption(), jsonOption()},
         .libraryFolders = WorkingFolders,

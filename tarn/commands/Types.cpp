@@ -28,9 +28,9 @@ const Command& typesCommand()
         .nameShape = "LIBRARY",
         .mostNames = ~std::size_t{0},
         .summary = "Lists the types of values and objects.",
-        .help = R"(Lists the value types, with their use as values or inputs, the colour of their
-connections and their default text; and the object types of the standard library and the
-libraries named, with their files.
+        .help = R"(Lists the value types, with their names in code where these differ, their use as values
+or inputs, the colour of their connections and their default text; and the object types of
+the standard library and the libraries named, with their files.
 )",
         .options = {libraryOption(), jsonOption()},
         .libraryFolders = WorkingFolders,

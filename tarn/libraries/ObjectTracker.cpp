@@ -3,9 +3,8 @@
 #include <tarn/text/Messages.hpp>
 
 #include <trellis/VObjectCreator.hpp>
+#include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueCreator.hpp>
-
-#include <loam/Typename.hpp>
 
 #include <algorithm>
 
@@ -77,7 +76,7 @@ std::optional<std::string> ObjectTracker::survivor() const
     }
     for (const auto& entry : m_values) {
         if (const StrongPtr<Orla::VValueBase> value = entry.lock())
-            return "a value of type " + Loam::Typename(value->getType());
+            return "a value of type " + Orla::VTypeLabel::of(value->getType());
     }
     if (std::optional<std::string> creator = heldCreator<Orla::VObjectCreator>())
         return creator;

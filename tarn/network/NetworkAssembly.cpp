@@ -3,9 +3,9 @@
 #include <tarn/text/Messages.hpp>
 
 #include <trellis/VObjectCreator.hpp>
+#include <trellis/VTypeLabel.hpp>
 
 #include <loam/Result.hpp>
-#include <loam/Typename.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -175,7 +175,7 @@ bool NetworkAssembly::setText(const GivenText& given)
     if (accepted && *accepted)
         return true;
     m_faults.add(given.place, given.description + ": the text " + inQuotes(given.text)
-                                  + " is refused, expected a value of type " + Loam::Typename(given.input->type())
+                                  + " is refused, expected a value of type " + Orla::VTypeLabel::of(given.input->type())
                                   + (accepted ? "" : " (" + accepted.reason() + ")"));
     return false;
 }

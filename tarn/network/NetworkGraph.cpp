@@ -8,6 +8,7 @@
 
 #include <trellis/VObject.hpp>
 #include <trellis/VObjectCreator.hpp>
+#include <trellis/VTypeLabel.hpp>
 
 #include <loam/Typename.hpp>
 #include <loam/Utf8.hpp>
@@ -101,7 +102,7 @@ private:
                                             .passesInputOn = false,
                                             .input = input,
                                             .member = slot.member(),
-                                            .type = Loam::Typename(slot.type()),
+                                            .type = Orla::VTypeLabel::of(slot.type()),
                                             .colour = Orla::VConnectionTypeColors::get(slot.type()),
                                             .isImplicit = !m_explicit.contains(&slot)};
         const Orla::VSlotSet* slots = &source->outputs();

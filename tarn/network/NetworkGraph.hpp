@@ -28,7 +28,7 @@ struct NetworkGraph {
         bool passesInputOn = false; ///< `output` refers to an input of its object
         End input;
         std::string member;      ///< the component of the value that is read; empty for the whole value
-        std::string type;        ///< of the value that is read
+        std::string type;        ///< label of the type of the value that is read
         std::string colour;      ///< of that type; empty if it has none
         bool isImplicit = false; ///< not in the network's file; connected automatically
     };

@@ -3,9 +3,8 @@
 #include <tarn/network/SlotLookup.hpp>
 #include <tarn/text/Messages.hpp>
 
+#include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueComponents.hpp>
-
-#include <loam/Typename.hpp>
 
 #include <stdexcept>
 #include <typeinfo>
@@ -38,7 +37,7 @@ Result<void> OutputReference::checkMember() const
     const std::type_info& type = output->type();
     if (Orla::VValueComponents::typeOf(type, member))
         return {};
-    return Failure{"values of type " + Loam::Typename(type) + " have no component " + inQuotes(member)
+    return Failure{"values of type " + Orla::VTypeLabel::of(type) + " have no component " + inQuotes(member)
                    + insteadOf(member, Orla::VValueComponents::names(type))};
 }
 

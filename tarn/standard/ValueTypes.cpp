@@ -19,19 +19,19 @@
 #include <fathom/VValueType.hpp>
 
 // Registers types that have a text form, but are not registered elsewhere, as values and as
-// inputs for every network.
+// inputs for every network. Types from fathom have their labels there.
 
 namespace {
 
-const Orla::VValueType<short> shortType;
-const Orla::VValueType<int> intType;
-const Orla::VValueType<long> longType;
-const Orla::VValueType<long long> longLongType;
-const Orla::VValueType<unsigned short> unsignedShortType;
-const Orla::VValueType<unsigned int> unsignedIntType;
-const Orla::VValueType<unsigned long> unsignedLongType;
-const Orla::VValueType<unsigned long long> unsignedLongLongType;
-const Orla::VValueType<float> floatType;
+const Orla::VValueType<short> shortType{"16-bit integer"};
+const Orla::VValueType<int> intType{"integer"};
+const Orla::VValueType<long> longType{"long integer"};
+const Orla::VValueType<long long> longLongType{"64-bit integer"};
+const Orla::VValueType<unsigned short> unsignedShortType{"unsigned 16-bit integer"};
+const Orla::VValueType<unsigned int> unsignedIntType{"unsigned integer"};
+const Orla::VValueType<unsigned long> unsignedLongType{"unsigned long integer"};
+const Orla::VValueType<unsigned long long> unsignedLongLongType{"unsigned 64-bit integer"};
+const Orla::VValueType<float> floatType{"single-precision number"};
 const Orla::VValueType<double> doubleType;
 const Orla::VValueType<Orla::ImageTile> imageTileType;
 const Orla::VValueType<Orla::VCamera> cameraType;

@@ -6,6 +6,7 @@
 
 #include <trellis/TypedSlotCreator.hpp>
 #include <trellis/VObjectCreator.hpp>
+#include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueComponents.hpp>
 #include <trellis/VValueCreator.hpp>
 
@@ -34,6 +35,7 @@ ObjectTypeDescription::Input describeInput(const VSlot& slot)
 {
     ObjectTypeDescription::Input input{.name = slot.name(),
                                        .type = Loam::Typename(slot.type()),
+                                       .typeLabel = Orla::VTypeLabel::of(slot.type()),
                                        .level = slot.expertLevel(),
                                        .initialText = slot.ownParameter()->DefaultValue()->Text(),
                                        .findsPartner = slot.hasFlag(VSlot::AutoConnected),
@@ -57,7 +59,30 @@ void readSlots(const Orla::VObject& object, int highestLevel, ObjectTypeDescript
             description.inputs.push_back(describeInput(*slot));
     }
     for (const StrongPtr<VSlot>& slot : object.outputs())
-        description.outputs.push_back({slot->name(), Loam::Typename(slot->type())});
+        description.outputs.push_back({slot->name(), Loam::Typename(slot->type()), Orla::VTypeLabel::of(slot->type())});
+}
+
+ValueTypeDescription describe(const std::string& name, Orla::VValueCreator& creator)
+{
+    const std::type_info& type = creator.valueType();
+    ValueTypeDescription description{.name = name,
+                                     .label = Orla::VTypeLabel::of(type),
+                                     .colour = Orla::VConnectionTypeColors::get(type),
+                                     .defaultText = {},
+                                     .failure = {},
+                                     .isInput = bool(Orla::TypedSlotCreator::find(type)),
+                                     .components = Orla::VValueComponents::names(type)};
+    const Loam::Result<void> made = Loam::attempt([&] {
+        // The empty text may be refused; the value is created anyway.
+        bool ok = false;
+        const StrongPtr<Orla::VValueBase> value = creator.create({}, ok);
+        if (!value)
+            throw std::runtime_error("its creator returned null");
+        description.defaultText = value->Text();
+    });
+    if (!made)
+        description.failure = made.reason();
+    return description;
 }
 
 } // namespace
@@ -84,35 +109,21 @@ std::vector<ValueTypeDescription> TypeCatalogue::valueTypes() const
 {
     std::vector<ValueTypeDescription> all;
     for (const std::string& name : Orla::VValueCreator::names()) {
-        for (ValueTypeDescription& each : valueTypes(name))
-            all.push_back(std::move(each));
+        if (const StrongPtr<Orla::VValueCreator> creator = Orla::VValueCreator::find(name))
+            all.push_back(describe(name, *creator));
     }
     return all;
 }
 
 std::vector<ValueTypeDescription> TypeCatalogue::valueTypes(const std::string& name) const
 {
-    const StrongPtr<Orla::VValueCreator> creator = Orla::VValueCreator::find(name);
-    if (!creator)
-        return {};
-    const std::type_info& type = creator->valueType();
-    ValueTypeDescription description{.name = name,
-                                     .colour = Orla::VConnectionTypeColors::get(type),
-                                     .defaultText = {},
-                                     .failure = {},
-                                     .isInput = bool(Orla::TypedSlotCreator::find(type)),
-                                     .components = Orla::VValueComponents::names(type)};
-    const Loam::Result<void> made = Loam::attempt([&] {
-        // The empty text may be refused; the value is created anyway.
-        bool ok = false;
-        const StrongPtr<Orla::VValueBase> value = creator->create({}, ok);
-        if (!value)
-            throw std::runtime_error("its creator returned null");
-        description.defaultText = value->Text();
-    });
-    if (!made)
-        description.failure = made.reason();
-    return {description};
+    std::vector<ValueTypeDescription> found;
+    for (const std::string& each : Orla::VValueCreator::names()) {
+        const StrongPtr<Orla::VValueCreator> creator = Orla::VValueCreator::find(each);
+        if (creator && (each == name || Orla::VTypeLabel::of(creator->valueType()) == name))
+            found.push_back(describe(each, *creator));
+    }
+    return found;
 }
 
 std::vector<ObjectTypeDescription> TypeCatalogue::objectTypes(int highestLevel) const

@@ -12,7 +12,8 @@ namespace Tarn {
 
 /// A registered value type as shown to users.
 struct ValueTypeDescription {
-    std::string name;
+    std::string name;                    ///< the registered name
+    std::string label;                   ///< the name for people
     std::string colour;                  ///< of connections; empty if the type has none
     std::string defaultText;             ///< of an unset value
     std::string failure;                 ///< why no value can be created; empty if one can
@@ -24,8 +25,9 @@ struct ValueTypeDescription {
 struct ObjectTypeDescription {
     struct Input {
         std::string name;
-        std::string type;
-        int level = 0; ///< the expert level
+        std::string type;      ///< the name for programs
+        std::string typeLabel; ///< the name for people
+        int level = 0;         ///< the expert level
         std::string initialText;
         bool findsPartner = false; ///< connected automatically unless the user connects it
         std::string partner;       ///< "OBJECT.OUTPUT" if known without a network
@@ -34,6 +36,7 @@ struct ObjectTypeDescription {
     struct Output {
         std::string name;
         std::string type;
+        std::string typeLabel;
     };
 
     std::string name;
@@ -67,12 +70,12 @@ public:
     /// Returns all object types, with names and files only. Creates no objects.
     std::vector<ObjectTypeDescription> objectTypeFiles() const;
 
-    /// Returns the registered type \p name, or an empty list.
+    /// Returns the types that are registered as, or labelled, \p name.
     std::vector<ValueTypeDescription> valueTypes(const std::string& name) const;
 
-    /// The same for object types. Creates an object, so its constructor runs, and destroys it
-    /// unannounced, along with everything the constructor announced. Inputs above
-    /// \p highestLevel are only counted.
+    /// Returns the registered object type \p name, or an empty list. Creates an object, so its
+    /// constructor runs, and destroys it unannounced, along with everything the constructor
+    /// announced. Inputs above \p highestLevel are only counted.
     std::vector<ObjectTypeDescription> objectTypes(const std::string& name, int highestLevel = AllLevels) const;
 
 private:

@@ -7,6 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace Tarn {
@@ -51,8 +52,10 @@ std::string useOf(const ValueTypeDescription& type)
 
 std::string textOf(const ValueTypeDescription& type)
 {
-    std::string text = "Value type " + printable(type.name) + "\n\n";
+    std::string text = "Value type " + printable(type.label) + "\n\n";
     TextTable table;
+    if (type.name != type.label)
+        table.add({"name in code", printable(type.name)});
     table.add({"use", useOf(type)});
     table.add({"colour", orBlank(type.colour)});
     table.add({"default text", type.failure.empty() ? inQuotes(type.defaultText) : Blank});
@@ -78,12 +81,12 @@ std::string textOf(const ObjectTypeDescription& type)
     if (!type.inputs.empty())
         table.add({"Input", "Type", "Level", "Initial text", "Partner"});
     for (const ObjectTypeDescription::Input& input : type.inputs)
-        table.add({printable(input.name), printable(input.type), std::to_string(input.level),
+        table.add({printable(input.name), printable(input.typeLabel), std::to_string(input.level),
                    inQuotes(input.initialText), partnerOf(input)});
     if (!type.outputs.empty())
         table.add({"Output", "Type"});
     for (const ObjectTypeDescription::Output& output : type.outputs)
-        table.add({printable(output.name), printable(output.type)});
+        table.add({printable(output.name), printable(output.typeLabel)});
     text += table.text("  ");
     if (type.hiddenInputs > 0)
         text += "  " + counted(type.hiddenInputs, "input") + " of a higher expert level not shown\n";
@@ -100,6 +103,7 @@ Json orNull(const std::string& text)
 Json jsonOf(const ValueTypeDescription& type)
 {
     return {{"name", type.name},
+            {"label", type.label},
             {"colour", orNull(type.colour)},
             {"defaultText", type.failure.empty() ? Json(type.defaultText) : Json(nullptr)},
             {"isValue", type.failure.empty()},
@@ -114,13 +118,14 @@ Json jsonOf(const ObjectTypeDescription& type)
     for (const ObjectTypeDescription::Input& input : type.inputs)
         inputs.push_back({{"name", input.name},
                           {"type", input.type},
+                          {"typeLabel", input.typeLabel},
                           {"level", input.level},
                           {"initialText", input.initialText},
                           {"findsPartner", input.findsPartner},
                           {"partner", orNull(input.partner)}});
     Json outputs = Json::array();
     for (const ObjectTypeDescription::Output& output : type.outputs)
-        outputs.push_back({{"name", output.name}, {"type", output.type}});
+        outputs.push_back({{"name", output.name}, {"type", output.type}, {"typeLabel", output.typeLabel}});
     return {{"name", type.name},  {"library", type.library},
             {"inputs", inputs},   {"hiddenInputs", type.hiddenInputs},
             {"outputs", outputs}, {"failure", orNull(type.failure)}};
@@ -145,15 +150,17 @@ std::string spelled(const Json& json)
 std::string typeListText(const std::vector<ValueTypeDescription>& values,
                          const std::vector<ObjectTypeDescription>& objects)
 {
+    std::vector<ValueTypeDescription> sorted = values;
+    std::ranges::stable_sort(sorted, {}, &ValueTypeDescription::label);
     TextTable valueTable;
-    for (const ValueTypeDescription& type : values)
-        valueTable.add({printable(type.name), useOf(type), orBlank(type.colour),
-                        type.failure.empty() ? inQuotes(type.defaultText) : Blank});
+    for (const ValueTypeDescription& type : sorted)
+        valueTable.add({printable(type.label), type.name == type.label ? Blank : printable(type.name), useOf(type),
+                        orBlank(type.colour), type.failure.empty() ? inQuotes(type.defaultText) : Blank});
     TextTable objectTable;
     for (const ObjectTypeDescription& type : objects)
         objectTable.add({printable(type.name), printable(type.library)});
-    return "Value types (use, colour of connections, default text):\n" + valueTable.text("  ") + "\nObject types:\n"
-           + objectTable.text("  ");
+    return "Value types (name in code, use, colour of connections, default text):\n" + valueTable.text("  ")
+           + "\nObject types:\n" + objectTable.text("  ");
 }
 
 std::string typeListJson(const std::vector<ValueTypeDescription>& values,

@@ -8,6 +8,7 @@
 #include <trellis/VObject.hpp>
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VScheduler.hpp>
+#include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueComponents.hpp>
 #include <trellis/VValueCreator.hpp>
 
@@ -95,6 +96,7 @@ struct Registries {
     std::vector<std::string> objects = VObjectCreator::names();
     std::vector<std::vector<std::string>> parts{components(rangeType), components(timeType), components(firstValue),
                                                 components(secondValue)};
+    std::vector<std::string> labels{VTypeLabel::of(ForeignType(rangeType)), VTypeLabel::of(ForeignType(firstValue))};
     std::size_t livingObjects = VManagedObject::count();
     std::size_t memory = Loam::ChunkBase::TotalMemsize;
 
@@ -287,6 +289,7 @@ TEST_P(BoundariesInScope, aClientLibraryCanBeUnloadedAndReloaded)
             useFathom();
             EXPECT_EQ(textOf("FirstValue", "2.5"), "2.5m");
             EXPECT_THAT(components(firstValue), ElementsAre("metres"));
+            EXPECT_EQ(VTypeLabel::of(ForeignType(firstValue)), "First label");
             EXPECT_EQ(runCounters({"FirstCounter"}), "First sees 1.5 and counts 1; ");
         }
         EXPECT_FALSE(isLoaded(first) || isLoaded(fathom));

@@ -311,7 +311,7 @@ TEST_F(TimeDependentTest, keepsItsPrototypeIfTheProviderHasNoTime)
     EXPECT_EQ(printedBy([&] { reader = createReader(); }), creating);
     EXPECT_FALSE(reader->timeSlot().slot()->isConnected());
     EXPECT_EQ(VManagedObject::count(), 1u);
-    EXPECT_THAT(m_warnings.all(), ElementsAre(HasSubstr("VTime")));
+    EXPECT_THAT(m_warnings.all(), ElementsAre(HasSubstr("of type time")));
 }
 
 TEST_F(TimeDependentTest, doesNotSearchWithoutATimeSlot)

@@ -39,7 +39,7 @@ struct Orla::VValueTrait<Unused> {
 
 namespace {
 
-const Orla::VValueType<Depth> depthType;
+const Orla::VValueType<Depth> depthType{"depth"};
 const Orla::VValueType<Unused> unusedType;
 
 } // namespace
@@ -57,6 +57,12 @@ TEST(VValueType, sufficesToRegisterAType)
 {
     EXPECT_TRUE(Orla::VValueCreator::find("Unused"));
     EXPECT_TRUE(Orla::TypedSlotCreator::find(typeid(Unused)));
+}
+
+TEST(VValueType, givesTheTypeALabelIfItHasOne)
+{
+    EXPECT_EQ(Orla::VTypeLabel::of(typeid(Depth)), "depth");
+    EXPECT_EQ(Orla::VTypeLabel::of(typeid(Unused)), "Unused");
 }
 
 TEST(VValueType, canBeDeclaredTwiceForTheSameType)

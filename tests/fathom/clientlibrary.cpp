@@ -112,7 +112,7 @@ public:
 };
 
 const Orla::VValueType<Shared::Tally> tallyType;
-const Orla::VValueType<Value> valueType;
+const Orla::VValueType<Value> valueType{TEXT(CLIENT) " label"};
 const Orla::VValueComponents components{typeid(Value),
                                         {Orla::VMemberValue<Value, double, &Value::metres>::component("metres")}};
 const Orla::VObjectType<Counter> counterType{TEXT(CLIENT) "Counter"};

@@ -3,6 +3,7 @@
 #include "Printing.hpp"
 
 #include <trellis/TypedSlotCreator.hpp>
+#include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueCreator.hpp>
 
 #include <gmock/gmock.h>
@@ -330,6 +331,7 @@ TEST(Catalogue, isRegisteredAsValueAndAsInput)
     ASSERT_TRUE(ok);
     EXPECT_EQ(value->Text(), amboyText);
     EXPECT_TRUE(Orla::TypedSlotCreator::find(typeid(Catalogue)));
+    EXPECT_EQ(Orla::VTypeLabel::of(typeid(Catalogue)), "earthquake catalogue");
 
     const Orla::StrongPtr<Orla::VValueBase> copy = value->copy();
     EXPECT_FALSE(copy->isDifferentFrom(value));

@@ -5,6 +5,8 @@
 
 #include <fathom/VChart.hpp>
 
+#include <trellis/VTypeLabel.hpp>
+
 #include <loam/Chunk.hpp>
 
 #include <gmock/gmock.h>
@@ -114,6 +116,11 @@ TEST_F(CoastLinesTest, remainIfTheNextFileIsBroken)
     coast.set("file", good.name());
     EXPECT_EQ(coast.run().failures, 0u);
     EXPECT_EQ(coordinates().size(), 18u);
+}
+
+TEST(LandValue, isCalledLand)
+{
+    EXPECT_EQ(Orla::VTypeLabel::of(typeid(Land)), "land");
 }
 
 TEST(LandValue, cannotBeReadFromText)

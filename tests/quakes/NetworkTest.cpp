@@ -218,5 +218,5 @@ TEST(QuakesLibrary, refusesToConnectDifferentTypesAndNamesBoth)
     const StrongPtr<Orla::VSlot> count = network.all->findOutput("count");
     const Loam::Result<void> done = network.strong->tryAttachOutput(count, network.strong->findSlot("catalog"), "");
     ASSERT_FALSE(done);
-    EXPECT_THAT(done.reason(), testing::AllOf(testing::HasSubstr("double"), testing::HasSubstr("Catalogue")));
+    EXPECT_EQ(done.reason(), "it gives number where earthquake catalogue is expected");
 }

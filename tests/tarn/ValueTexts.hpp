@@ -2,7 +2,8 @@
 
 #include "tarn/TarnProcess.hpp"
 
-#include <sstream>
+#include <nlohmann/json.hpp>
+
 #include <string>
 #include <vector>
 
@@ -11,10 +12,10 @@
 inline std::vector<std::string> inputTypes()
 {
     std::vector<std::string> types;
-    std::istringstream lines(runTarn({"types"}).out);
-    for (std::string line; std::getline(lines, line);) {
-        if (const auto note = line.find("  value and input"); note != std::string::npos)
-            types.push_back(line.substr(2, line.find_last_not_of(' ', note) - 1));
+    const auto listed = nlohmann::json::parse(runTarn({"types", "--json"}).out);
+    for (const nlohmann::json& type : listed["valueTypes"]) {
+        if (type["isInput"].get<bool>())
+            types.push_back(type["name"].get<std::string>());
     }
     return types;
 }

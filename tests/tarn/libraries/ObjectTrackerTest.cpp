@@ -80,7 +80,7 @@ TEST(ObjectTracker, findsAValueThatIsStillHeld)
     CountedNetwork network;
     const StrongPtr<Orla::VValueBase> held = network.value;
     network.close();
-    EXPECT_EQ(network.tracker->survivor(), "a value of type double");
+    EXPECT_EQ(network.tracker->survivor(), "a value of type number");
 }
 
 TEST(ObjectTracker, findsACreatorThatIsStillHeld)

@@ -175,18 +175,18 @@ TEST_F(NetworkBuilder, reportsEveryFaultWithObjectAndSlot)
         {a + "set = { c = 1 }\n", {"net:5:9: object \"a\": Adder has no input \"c\"; available: a, b"}},
         {a + "set = { sum = 1 }\n", {"net:5:9: object \"a\": Adder has no input \"sum\"; that is an output"}},
         {a + "set = { a = 'much' }\n",
-         {"net:5:13: object \"a\", input \"a\": the text \"much\" is refused, expected a value of type double"}},
+         {"net:5:13: object \"a\", input \"a\": the text \"much\" is refused, expected a value of type number"}},
         {a + clock + "set = { time = true, tim = 1 }\n",
-         {"net:8:16: object \"clock\", input \"time\": the text \"true\" is refused, expected a value of type VTime",
+         {"net:8:16: object \"clock\", input \"time\": the text \"true\" is refused, expected a value of type time",
           "net:8:22: object \"clock\": GlobalTime has no input \"tim\"; did you mean \"time\"?"}},
         {a + clock + "connect = { time = 'a.sum' }\n",
-         {"net:8:20: object \"clock\", input \"time\": \"a.sum\" does not fit: it gives double where VTime is "
+         {"net:8:20: object \"clock\", input \"time\": \"a.sum\" does not fit: it gives number where time is "
           "expected"}},
         {a + "connect = { a = 'clock.GlobalTime.dim' }\n" + clock,
-         {"net:5:17: object \"a\", input \"a\": \"clock.GlobalTime.dim\" does not fit: values of type VTime have no "
+         {"net:5:17: object \"a\", input \"a\": \"clock.GlobalTime.dim\" does not fit: values of type time have no "
           "component \"dim\" (available: time, range, dt)"}},
         {a + "connect = { a = 'clock.GlobalTime.range' }\n" + clock,
-         {"net:5:17: object \"a\", input \"a\": \"clock.GlobalTime.range\" does not fit: it gives Range where double "
+         {"net:5:17: object \"a\", input \"a\": \"clock.GlobalTime.range\" does not fit: it gives range where number "
           "is expected"}},
         {a + "connect = { a = 'clock.' }\n" + clock,
          {"net:5:17: object \"a\", input \"a\": object \"clock\" of type GlobalTime has no output \"\"; available: "
@@ -206,11 +206,11 @@ TEST_F(NetworkBuilder, reportsEveryFaultWithObjectAndSlot)
              + "[[column]]\ntitle = 'x'\nvalue = 'b.sum'\n[[column]]\ntitle = 'y'\nvalue = 'a.sum.time'\n"
                "[[column]]\ntitle = 'z'\nvalue = 'a.summ'\n[[column]]\ntitle = 'w'\nvalue = 'sum'\n",
          {"net:7:9: column \"x\": no object is named \"b\"",
-          "net:10:9: column \"y\": values of type double have no component \"time\"",
+          "net:10:9: column \"y\": values of type number have no component \"time\"",
           "net:13:9: column \"z\": object \"a\" of type Adder has no output \"summ\"; did you mean \"sum\"?",
           "net:16:9: column \"w\": found \"sum\", expected \"OBJECT.OUTPUT\""}},
         {clock + "[[column]]\ntitle = 'x'\nvalue = 'clock.GlobalTime.tme'\n",
-         {"net:7:9: column \"x\": values of type VTime have no component \"tme\"; did you mean \"time\"?"}},
+         {"net:7:9: column \"x\": values of type time have no component \"tme\"; did you mean \"time\"?"}},
         {a + "[[column]]\ntitle = 'x'\nvalue = 'a.sum'\n[[column]]\nvalue = 'b.sum'\n",
          {"net:8:1: column number 2: missing key \"title\"", "net:9:9: column number 2: no object is named \"b\""}},
     };
@@ -243,7 +243,7 @@ TEST_F(NetworkBuilder, refusesInvalidOverrides)
                     "--set=third.a=1: no object is named \"third\"",
                     "--set=first.c=1: Adder has no input \"c\"; available: a, b",
                     "--set=first.sum=1: Adder has no input \"sum\"; available: a, b",
-                    "--set=first.a=x: the text \"x\" is refused, expected a value of type double",
+                    "--set=first.a=x: the text \"x\" is refused, expected a value of type number",
                     "--set=second.a=1: the input reads \"first.sum\", so a text would have no effect"));
 }
 

@@ -76,6 +76,7 @@ TEST(NetworkGraph, drawsConnectionsOfTheFileAsSolidLines)
     EXPECT_THAT(connectionsOf(result.out),
                 UnorderedElementsAre("clock:out0:e -> a:in0:w [color=\"green\", label=<time>]",
                                      "a:out0:e -> b:in1:w [color=\"green\"]", "b:out0:e -> b:in0:w [color=\"green\"]"));
+    EXPECT_THAT(result.out, HasSubstr(">number</TD>")) << "the legend";
 }
 
 TEST(NetworkGraph, drawsAutomaticConnectionsAsDashedLines)

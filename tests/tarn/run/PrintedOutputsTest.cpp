@@ -73,7 +73,7 @@ TEST(PrintedOutputs, areRefusedWithASuggestionBeforeAnythingRuns)
               "--print=clok.GlobalTime: no object is named \"clok\"; did you mean \"clock\"?\n"
               "--print=sum: expected OBJECT.OUTPUT\n"
               "--print=a.b.a: Adder \"a.b\" has no output \"a\"; that is an input\n"
-              "--print=clock.GlobalTime.tme: values of type VTime have no component \"tme\"; did you mean \"time\"?\n"
+              "--print=clock.GlobalTime.tme: values of type time have no component \"tme\"; did you mean \"time\"?\n"
               "--print=a.b.sum.: found nothing after the last dot, expected the name of a component\n"
               "net.toml: 6 faults; nothing was evaluated\n");
 }

@@ -76,6 +76,7 @@ TEST(TypeCatalogue, describesAnObjectTypeAndLeavesNoObject)
     ASSERT_EQ(type.inputs.size(), 4u);
     EXPECT_EQ(type.inputs[0].name, "time");
     EXPECT_EQ(type.inputs[0].type, "VTime");
+    EXPECT_EQ(type.inputs[0].typeLabel, "time");
     EXPECT_EQ(type.inputs[0].level, 5);
     EXPECT_TRUE(type.inputs[0].findsPartner);
     EXPECT_EQ(type.inputs[0].partner, "");
@@ -92,6 +93,7 @@ TEST(TypeCatalogue, describesAnObjectTypeAndLeavesNoObject)
     EXPECT_EQ(type.outputs[0].name, "time");
     EXPECT_EQ(type.outputs[1].name, "angle");
     EXPECT_EQ(type.outputs[1].type, "double");
+    EXPECT_EQ(type.outputs[1].typeLabel, "number");
 
     EXPECT_EQ(Pendulum::living, 0);
     EXPECT_EQ(Orla::VManagedObject::count(), 0u);
@@ -133,6 +135,19 @@ TEST(TypeCatalogue, describesValueTypesWithTheirColours)
     EXPECT_EQ(secret[0].failure, "it is secret");
     EXPECT_THAT(catalogue.valueTypes("Pendulum"), IsEmpty());
     EXPECT_THAT(catalogue.objectTypes("double"), IsEmpty());
+}
+
+TEST(TypeCatalogue, findsValueTypesByTheirNamesInCodeAndByTheirLabels)
+{
+    const TypeCatalogue catalogue{{}};
+    for (const char* name : {"FixedArray<int,3>", "integer triple"}) {
+        SCOPED_TRACE(name);
+        const auto found = catalogue.valueTypes(name);
+        ASSERT_EQ(found.size(), 1u);
+        EXPECT_EQ(found[0].name, "FixedArray<int,3>");
+        EXPECT_EQ(found[0].label, "integer triple");
+    }
+    EXPECT_THAT(catalogue.valueTypes("triple"), IsEmpty());
 }
 
 TEST(TypeCatalogue, describesTypesWhoseObjectsCannotBeCreated)

@@ -18,39 +18,45 @@ using testing::Not;
 
 namespace {
 
-ValueTypeDescription valueType(const std::string& name)
+ValueTypeDescription valueType(const std::string& name, const std::string& label)
 {
-    return {.name = name, .colour = {}, .defaultText = {}, .failure = {}, .isInput = true, .components = {}};
+    return {.name = name,
+            .label = label,
+            .colour = {},
+            .defaultText = {},
+            .failure = {},
+            .isInput = true,
+            .components = {}};
 }
 
 ObjectTypeDescription pendulum()
 {
-    return {
-        .name = "Pendulum",
-        .library = "/lib/swing.so",
-        .failure = {},
-        .inputs = {{"time", "VTime", 5, "0[0,1]@1", true, ""}, {"chart", "VChart", 0, "a\nb", true, "Selector.Chart"}},
-        .outputs = {{"angle", "double"}},
-        .hiddenInputs = 0};
+    return {.name = "Pendulum",
+            .library = "/lib/swing.so",
+            .failure = {},
+            .inputs = {{"time", "VTime", "time", 5, "0[0,1]@1", true, ""},
+                       {"chart", "VChart", "chart", 0, "a\nb", true, "Selector.Chart"}},
+            .outputs = {{"angle", "double", "number"}},
+            .hiddenInputs = 0};
 }
 
 } // namespace
 
-TEST(TypeReport, listsValueTypesInColumns)
+TEST(TypeReport, listsValueTypesInColumnsOrderedByLabel)
 {
-    ValueTypeDescription number = valueType("double");
+    ValueTypeDescription number = valueType("double", "number");
     number.colour = "green";
     number.defaultText = "0";
-    ValueTypeDescription list = valueType("VChartList");
+    ValueTypeDescription list = valueType("VChartList", "list of charts");
     list.isInput = false;
     list.defaultText = "a\nb";
-    ValueTypeDescription secret = valueType("Secret");
+    ValueTypeDescription secret = valueType("Secret", "Secret");
     secret.failure = "it is secret";
-    EXPECT_EQ(typeListText({number, list, secret}, {pendulum()}),
-              "Value types (use, colour of connections, default text):\n"
-              "  double      value and input               green  \"0\"\n"
-              "  VChartList  value                         -      \"a\\nb\"\n"
-              "  Secret      cannot be made: it is secret  -      -\n"
+    EXPECT_EQ(typeListText({list, secret, number}, {pendulum()}),
+              "Value types (name in code, use, colour of connections, default text):\n"
+              "  Secret          -           cannot be made: it is secret  -      -\n"
+              "  list of charts  VChartList  value                         -      \"a\\nb\"\n"
+              "  number          double      value and input               green  \"0\"\n"
               "\n"
               "Object types:\n"
               "  Pendulum  /lib/swing.so\n");
@@ -62,10 +68,26 @@ TEST(TypeReport, describesAnObjectTypeInTables)
               "Object type Pendulum, /lib/swing.so\n"
               "\n"
               "  Input   Type    Level  Initial text  Partner\n"
-              "  time    VTime   5      \"0[0,1]@1\"    connected automatically\n"
-              "  chart   VChart  0      \"a\\nb\"        connected automatically: Selector.Chart\n"
+              "  time    time    5      \"0[0,1]@1\"    connected automatically\n"
+              "  chart   chart   0      \"a\\nb\"        connected automatically: Selector.Chart\n"
               "  Output  Type\n"
-              "  angle   double\n");
+              "  angle   number\n");
+}
+
+TEST(TypeReport, showsTheNameOfAValueTypeInCodeIfItDiffersFromTheLabel)
+{
+    ValueTypeDescription number = valueType("double", "number");
+    number.defaultText = "0";
+    EXPECT_EQ(descriptionText({number}, {}), "Value type number\n"
+                                             "\n"
+                                             "  name in code  double\n"
+                                             "  use           value and input\n"
+                                             "  colour        -\n"
+                                             "  default text  \"0\"\n");
+    EXPECT_THAT(descriptionText({valueType("point", "point")}, {}), Not(HasSubstr("name in code")));
+    const json read = json::parse(descriptionJson({number}, {}));
+    EXPECT_EQ(read["valueTypes"][0]["name"], "double");
+    EXPECT_EQ(read["valueTypes"][0]["label"], "number");
 }
 
 TEST(TypeReport, countsTheHiddenInputs)
@@ -78,7 +100,7 @@ TEST(TypeReport, countsTheHiddenInputs)
 
 TEST(TypeReport, describesBothTypesWithTheSameName)
 {
-    const std::string text = descriptionText({valueType("Pendulum")}, {pendulum()});
+    const std::string text = descriptionText({valueType("Pendulum", "Pendulum")}, {pendulum()});
     EXPECT_THAT(text, MatchesRegex("Object type Pendulum, (.|\n)*\n\nValue type Pendulum\n(.|\n)*"));
 }
 
@@ -93,6 +115,7 @@ TEST(TypeReport, writesJsonWithAFixedOrderAndFormat)
         {
           "name": "time",
           "type": "VTime",
+          "typeLabel": "time",
           "level": 5,
           "initialText": "0[0,1]@1",
           "findsPartner": true,
@@ -101,6 +124,7 @@ TEST(TypeReport, writesJsonWithAFixedOrderAndFormat)
         {
           "name": "chart",
           "type": "VChart",
+          "typeLabel": "chart",
           "level": 0,
           "initialText": "a\nb",
           "findsPartner": true,
@@ -111,7 +135,8 @@ TEST(TypeReport, writesJsonWithAFixedOrderAndFormat)
       "outputs": [
         {
           "name": "angle",
-          "type": "double"
+          "type": "double",
+          "typeLabel": "number"
         }
       ],
       "failure": null
@@ -174,33 +199,55 @@ TEST(TypeReport, listsTheStandardTypes)
     const ProcessResult result = runTarn({"types"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    for (const char* type : {"Enum",
-                             "FlagList",
-                             "ImageTile",
-                             "Range",
-                             "StrongPtr<MultipleStringSelection>",
-                             "StrongPtr<StringSelection>",
-                             "StrongPtr<VAction>",
-                             "VMultiPointerDevice",
-                             "VObjectStatus",
-                             "VScalarFunctor",
-                             "VTime",
-                             "char",
-                             "double",
-                             "float",
-                             "int",
-                             "long",
-                             "long long",
-                             "short",
-                             "string",
-                             "unsigned int",
-                             "unsigned long",
-                             "unsigned long long",
-                             "unsigned short"})
-        EXPECT_THAT(result.out,
-                    ContainsRegex("\n  " + std::string(type) + " +value and input +(-|green|#[0-9A-F]+) +\".*\"\n"));
-    EXPECT_THAT(result.out, ContainsRegex("\n  VChartList +value +#C39BD3 "));
-    EXPECT_THAT(result.out, ContainsRegex("\n  double +value and input +green +\"0\"\n"));
+    const struct {
+        const char* label;
+        const char* name;
+    } types[] = {
+        {"16-bit integer", "short"},
+        {"64-bit integer", "long long"},
+        {"action", "StrongPtr<VAction>"},
+        {"array of 16-bit integers", "int16\\[\\]"},
+        {"array of 64-bit integers", "int64\\[\\]"},
+        {"array of integers", "int32\\[\\]"},
+        {"array of numbers", "double\\[\\]"},
+        {"array of single-precision numbers", "float\\[\\]"},
+        {"bivector", "-"},
+        {"bounding ball", "BoundingBall"},
+        {"bounding box", "Bounding Box"},
+        {"camera", "VCamera"},
+        {"character", "char"},
+        {"chart", "VChart"},
+        {"choice", "StrongPtr<StringSelection>"},
+        {"colour", "rgba_float_t"},
+        {"enumeration", "Enum"},
+        {"event", "VInteractionEvent"},
+        {"flags", "FlagList"},
+        {"image tile", "ImageTile"},
+        {"integer", "int"},
+        {"integer triple", "FixedArray<int,3>"},
+        {"list of ranges", "MultiRange"},
+        {"long integer", "long"},
+        {"multiple choice", "StrongPtr<MultipleStringSelection>"},
+        {"number", "double"},
+        {"number pair", "FixedArray<double,2>"},
+        {"point", "-"},
+        {"range", "Range"},
+        {"scalar function", "VScalarFunctor"},
+        {"single-precision number", "float"},
+        {"status", "VObjectStatus"},
+        {"text", "string"},
+        {"time", "VTime"},
+        {"touch points", "VMultiPointerDevice"},
+        {"unsigned 16-bit integer", "unsigned short"},
+        {"unsigned 64-bit integer", "unsigned long long"},
+        {"unsigned integer", "unsigned int"},
+        {"unsigned long integer", "unsigned long"},
+    };
+    for (const auto& [label, name] : types)
+        EXPECT_THAT(result.out, ContainsRegex("\n  " + std::string(label) + "  +" + name
+                                              + "  +value and input  +(-|green|#[0-9A-F]+)  +\".*\"\n"));
+    EXPECT_THAT(result.out, ContainsRegex("\n  list of charts  +VChartList  +value  +#C39BD3 "));
+    EXPECT_THAT(result.out, ContainsRegex("\n  number  +double  +value and input  +green  +\"0\"\n"));
     EXPECT_THAT(result.out, ContainsRegex("\n  GlobalTime +" STANDARD_FOLDER "/standard.so\n"));
 }
 
@@ -231,7 +278,7 @@ TEST(TypeReport, hidesInputsAboveALevel)
 {
     const ProcessResult shown = runTarn({"describe", "TimeReader", "--library=testobjects", "--level=5"});
     EXPECT_EQ(shown.status, 0);
-    EXPECT_THAT(shown.out, ContainsRegex("\n  time +VTime +5 +\".*\" +connected automatically\n"));
+    EXPECT_THAT(shown.out, ContainsRegex("\n  time +time +5 +\".*\" +connected automatically\n"));
     EXPECT_THAT(shown.out, Not(ContainsRegex("\n  range ")));
     EXPECT_THAT(shown.out, HasSubstr("\n  1 input of a higher expert level not shown\n"));
     const json objects = json::parse(runTarn({"objects", "--json", "--level=-1"}).out);
@@ -250,6 +297,7 @@ TEST(TypeReport, suggestsTypesOfBothKindsForAnUnknownName)
     EXPECT_EQ(close.out, "");
     EXPECT_EQ(close.err, "tarn: no library has a type \"GlobelTime\"; did you mean the object type \"GlobalTime\"?\n");
     EXPECT_THAT(runTarn({"describe", "duoble"}).err, HasSubstr("; did you mean the value type \"double\"?\n"));
+    EXPECT_THAT(runTarn({"describe", "choise"}).err, HasSubstr("; did you mean the value type \"choice\"?\n"));
     const ProcessResult far = runTarn({"describe", "Zanzibar"});
     EXPECT_EQ(far.status, 2);
     EXPECT_EQ(far.err, "tarn: no library has a type \"Zanzibar\"; tarn types lists the known types\n");
