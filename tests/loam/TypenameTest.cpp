@@ -23,6 +23,7 @@ struct VTime {
 };
 
 struct VDate {};
+struct Level3ultra {};
 template<class T, unsigned long size, int offset>
 struct Grid {};
 
@@ -71,6 +72,7 @@ TEST(Typename, isThePlainNameIfNoNameWasSet)
         {typeid(VTime::Of<unsigned long long>), "Of<unsigned long long>"},
         {typeid(Orla::Grid<VTime, 10, -3>), "Grid<VTime,10,-3>"},
         {typeid(Orla::Grid<VTime::Unit, 0, 64>), "Grid<Unit,0,64>"},
+        {typeid(Orla::Level3ultra), "Level3ultra"},
         {typeid(Orla::Hidden), "Hidden"},
         {typeid(Unnamed), "Unnamed"},
         {typeid(Local), "Local"},
@@ -114,6 +116,7 @@ TEST(Typename, isNeverEmptyWhateverTheNameOfTheType)
     EXPECT_EQ(nameOf("::"), "::");
     EXPECT_EQ(nameOf("2::"), ":: #2");
     EXPECT_EQ(nameOf("5a::b>"), "b>");
+    EXPECT_EQ(nameOf("a>::c"), "c");
 }
 
 TEST(SetTypename, acceptsNamesOfAnyCharacters)
