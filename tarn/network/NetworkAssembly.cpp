@@ -92,11 +92,11 @@ void NetworkAssembly::createObject(std::size_t number, const std::vector<std::st
         onUnknownType(entry.type.place, message);
         return;
     }
-    const Result<void> done =
-        Loam::attempt([&] { made.object = made.creator->create(entry.name.text, 0, nullptr); });
+    const Result<void> done = Loam::attempt([&] { made.object = made.creator->create(entry.name.text, 0, nullptr); });
     if (!made.object)
-        m_faults.add(entry.type.place, entry.description + ": an object of type " + inQuotes(entry.type.text)
-                                           + " cannot be made: " + (done ? "its creator returned null" : done.reason()));
+        m_faults.add(entry.type.place,
+                     entry.description + ": an object of type " + inQuotes(entry.type.text)
+                         + " cannot be made: " + (done ? "its creator returned null" : done.reason()));
 }
 
 void NetworkAssembly::setInputs(std::size_t number)
@@ -188,10 +188,10 @@ StrongPtr<VSlot> NetworkAssembly::findInput(std::size_t number, const PlacedText
     StrongPtr<VSlot> input = object->findSlot(name.text);
     if (!input) {
         const NetworkFile::Object& entry = m_file.objects[number];
-        m_faults.add(name.place, entry.description + ": " + entry.type.text + " has no input " + inQuotes(name.text)
-                                     + (object->findOutput(name.text)
-                                            ? "; that is an output"
-                                            : insteadOf(name.text, namesOf(object->inputs()))));
+        m_faults.add(name.place,
+                     entry.description + ": " + entry.type.text + " has no input " + inQuotes(name.text)
+                         + (object->findOutput(name.text) ? "; that is an output"
+                                                          : insteadOf(name.text, namesOf(object->inputs()))));
     }
     return input;
 }

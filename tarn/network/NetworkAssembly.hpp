@@ -53,7 +53,6 @@ protected:
     Faults& faults() noexcept { return m_faults; }
     std::vector<Object>& objects() noexcept { return m_objects; } // in file order
 
-
 private:
     /// Is called for each object whose type is unknown.
     virtual void onUnknownType(Place place, const std::string& message);

@@ -69,7 +69,7 @@ Loam::Result<RestorableText> restorableText(const Value& given, const Value& val
     if (*found)
         return **std::move(found);
     return Loam::Failure{std::ranges::all_of(texts, Loam::isUtf8) ? "no text that a file can hold restores it"
-                                                            : "the text is not valid UTF-8"};
+                                                                  : "the text is not valid UTF-8"};
 }
 
 } // namespace Tarn

@@ -44,16 +44,14 @@ struct Wordy : Node {
     }
 };
 
-// Passes an input on and may have an output of the same type.
+// Passes an input on and has an output of the same type.
 struct Passing : Node {
     Passing(const std::string& name, int level, const StrongPtr<VCreationPreferences>& preferences)
         : Node{name, level, preferences}
     {
         registerOutput(addInput("in", 5.0));
-        if (withOutput)
-            addOutput("out", 6.0);
+        addOutput("out", 6.0);
     }
-    static inline bool withOutput = true;
 };
 
 struct Announcements : VActionNotifier {
@@ -188,20 +186,6 @@ TEST_F(VObjectTest, isCreatedAndConnectedForAnInput)
     EXPECT_TRUE(provider->isRegistered() && provider->isRequestProcessingEnabled());
     EXPECT_EQ(node->findSlot("in")->parameter(), provider->findOutput("out")->parameter());
     VManagedObject::remove(provider);
-}
-
-TEST_F(VObjectTest, prefersARealOutputToAPassedInput)
-{
-    const VObjectType<Passing> type{"Passing"};
-    for (const bool withOutput : {true, false}) {
-        Passing::withOutput = withOutput;
-        const auto node = makeNode("node");
-        const StrongPtr<VObject> provider =
-            VObject::attachNewObject(node.get(), node->findSlot("in"), "Passing", nullptr);
-        ASSERT_TRUE(provider);
-        EXPECT_EQ(node->findSlot("in")->parameter(), provider->findOutput(withOutput ? "out" : "in")->parameter());
-        VManagedObject::remove(provider);
-    }
 }
 
 TEST_F(VObjectTest, leavesTheInputUnchangedIfTheTypeOrOutputIsMissing)
