@@ -261,17 +261,12 @@ NetworkGraph NetworkGraph::of(const Network& network)
 
 std::string dotText(const NetworkGraph& graph)
 {
-    const std::string font = std::string("fontname=\"") + Font + '"';
+    const std::string font(Font);
     const std::string rounds = graph.objects.size() > MostPolished ? FewerRounds : "";
-    std::string text = "digraph network {\n"
-                       "    graph [rankdir=LR"
-                       + rounds
-                       + "]\n"
-                         "    node [shape=plain, "
-                       + font
-                       + ", fontsize=11]\n"
-                         "    edge ["
-                       + font + ", fontsize=9, arrowsize=0.6]\n";
+    std::string text = "digraph network {\n";
+    text += "    graph [rankdir=LR" + rounds + "]\n";
+    text += "    node [shape=plain, fontname=\"" + font + "\", fontsize=11]\n";
+    text += "    edge [fontname=\"" + font + "\", fontsize=9, arrowsize=0.6]\n";
     for (std::size_t number = 0; number < graph.objects.size(); ++number)
         text += "    object" + std::to_string(number) + " [label=<" + boxOf(graph.objects[number]) + ">]\n";
     for (const NetworkGraph::Connection& connection : graph.connections) {
