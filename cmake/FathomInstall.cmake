@@ -63,11 +63,11 @@ if(FATHOM_BUILD_HOST)
         COMPONENT fathom_host)
 endif()
 
-# With its sources: users start from a copy. Files that running or building it creates are
+# With their sources: users start from a copy. Files that running or building them creates are
 # excluded.
 if(FATHOM_BUILD_EXAMPLES)
-    install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/quakes"
-        DESTINATION "${CMAKE_INSTALL_DATADIR}/fathom/examples"
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/fathom"
         COMPONENT fathom_host
         PATTERN ".*" EXCLUDE
         PATTERN "*~" EXCLUDE

@@ -4,7 +4,8 @@
 include_guard(GLOBAL)
 
 # Makes <target> a library that the host loads at run time by its plain name:
-# "quakes" loads the file quakes.so.
+# "quakes" loads the file quakes.so. It may link with other object libraries, which are
+# beside it.
 function(fathom_object_library target)
     target_compile_features(${target} PRIVATE cxx_std_20)
     set_target_properties(${target} PROPERTIES
@@ -13,7 +14,7 @@ function(fathom_object_library target)
         VISIBILITY_INLINES_HIDDEN ON
         CXX_EXTENSIONS OFF
         LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib/fathom"
-        INSTALL_RPATH "$ORIGIN/..")
+        INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
 endfunction()
 
 # Installs <target> where a host under the same prefix searches for object

@@ -1,6 +1,6 @@
 #include "GeoJson.hpp"
 
-#include "JsonText.hpp"
+#include <earth/JsonText.hpp>
 
 #include <nlohmann/json.hpp>
 
@@ -20,6 +20,8 @@ namespace Quakes {
 
 namespace {
 
+using Earth::described;
+using Earth::shortened;
 using Json = nlohmann::json;
 
 // A fault in a document.

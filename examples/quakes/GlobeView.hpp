@@ -1,15 +1,17 @@
 #pragma once
 
-#include "Canvas.hpp"
-#include "GlobeProjection.hpp"
+#include <earth/Canvas.hpp>
+#include <earth/GlobeProjection.hpp>
 #include "PictureFrame.hpp"
-#include "Shapes.hpp"
+#include <earth/Shapes.hpp>
 
 #include <fathom/VCamera.hpp>
 
 #include <vector>
 
 namespace Quakes {
+
+using namespace Earth;
 
 /// Draws the Earth as a camera sees it, with the land and the events whose epicentres the
 /// Earth does not hide. Returns the projection.

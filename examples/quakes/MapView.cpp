@@ -1,7 +1,7 @@
 #include "MapView.hpp"
 
-#include "DateLine.hpp"
-#include "Projection.hpp"
+#include <earth/DateLine.hpp>
+#include <earth/Projection.hpp>
 
 #include <algorithm>
 #include <cmath>

@@ -1,12 +1,14 @@
 #pragma once
 
-#include "Canvas.hpp"
+#include <earth/Canvas.hpp>
 #include "PictureFrame.hpp"
-#include "Shapes.hpp"
+#include <earth/Shapes.hpp>
 
 #include <vector>
 
 namespace Quakes {
+
+using namespace Earth;
 
 /// The rectangle of a picture that the plate carree of the whole Earth fills.
 class MapFrame {

@@ -1,6 +1,6 @@
 #include "PictureFrame.hpp"
 
-#include "UtcText.hpp"
+#include <earth/UtcText.hpp>
 
 #include <loam/Numbers.hpp>
 

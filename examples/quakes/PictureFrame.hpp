@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Canvas.hpp"
+#include <earth/Canvas.hpp>
 #include "Catalogue.hpp"
-#include "Palette.hpp"
+#include <earth/Palette.hpp>
 #include "QuakeStyle.hpp"
 
 #include <string>
@@ -11,6 +11,8 @@
 // The common parts of maps and globes: the title above, the legend below, and the events.
 
 namespace Quakes {
+
+using namespace Earth;
 
 /// The content of a picture.
 struct QuakePicture {

@@ -1,9 +1,9 @@
-#include "Canvas.hpp"
+#include <earth/Canvas.hpp>
 #include "Catalogue.hpp"
-#include "ChartPlaces.hpp"
-#include "FrameName.hpp"
+#include <earth/ChartPlaces.hpp>
+#include <earth/FrameName.hpp>
 #include "GlobeView.hpp"
-#include "Land.hpp"
+#include <earth/Land.hpp>
 #include "MapView.hpp"
 #include "PictureFrame.hpp"
 

@@ -1,5 +1,5 @@
 #include "Catalogue.hpp"
-#include "ChartPlaces.hpp"
+#include <earth/ChartPlaces.hpp>
 
 #include <fathom/GyrePhysicalSpacePoint.hpp>
 
@@ -12,7 +12,7 @@ using Orla::StrongPtr;
 /// Publishes the hypocentres of a catalogue in the chart of the network, and the
 /// hypocentre of the strongest event as `strongest`; of several, the latest. Events of
 /// unknown depth count as on the surface.
-class QuakePlaces : public Orla::VObject, public ChartPlaces {
+class QuakePlaces : public Orla::VObject, public Earth::ChartPlaces {
 public:
     using VObject::VObject;
 
@@ -35,7 +35,8 @@ public:
             }
         }
         give(pool, places);
-        m_strongest(pool) <<= isFirst ? ChartPlaces::point{} : converted(strongest, Chart::Geographic, chartIn(pool));
+        m_strongest(pool) <<=
+            isFirst ? ChartPlaces::point{} : converted(strongest, Earth::Chart::Geographic, chartIn(pool));
         return true;
     }
 

@@ -1,7 +1,7 @@
 #include "QuakeStyle.hpp"
 
-#include "ColorScale.hpp"
-#include "Palette.hpp"
+#include <earth/ColorScale.hpp>
+#include <earth/Palette.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -65,7 +65,7 @@ double scalePosition(ColorRule rule, double value) noexcept
 
 Gyre::rgba_float_t colorAt(ColorRule rule, double position) noexcept
 {
-    Gyre::rgba_float_t color = scaleColor(position);
+    Gyre::rgba_float_t color = Earth::scaleColor(position);
     if (rule == ColorRule::Age)
         color.a = static_cast<float>(0.35 + 0.65 * position);
     return color;
@@ -88,7 +88,7 @@ std::optional<double> coloredValue(const Quake& quake, ColorRule rule, double in
 Gyre::rgba_float_t quakeColor(const Quake& quake, ColorRule rule, double instant) noexcept
 {
     const std::optional<double> value = coloredValue(quake, rule, instant);
-    return value ? colorAt(rule, scalePosition(rule, *value)) : Palette::unknown;
+    return value ? colorAt(rule, scalePosition(rule, *value)) : Earth::Palette::unknown;
 }
 
 double quakeRadius(std::optional<double> magnitude) noexcept

@@ -1,5 +1,5 @@
 #include "Catalogue.hpp"
-#include "Geocentric.hpp"
+#include <earth/Geocentric.hpp>
 
 #include <fathom/Double.hpp>
 #include <fathom/VCamera.hpp>
@@ -54,7 +54,7 @@ private:
             coordinate.reserve(catalogue.size());
         for (std::size_t i = 0; i < catalogue.size(); ++i) {
             const Quake& quake = catalogue[i];
-            const auto center = geocentric(quake.longitude, quake.latitude, -1000 * quake.depth.value_or(0));
+            const auto center = Earth::geocentric(quake.longitude, quake.latitude, -1000 * quake.depth.value_or(0));
             for (std::size_t axis = 0; axis < 3; ++axis) {
                 corners[axis].push_back(center[axis] - reach);
                 corners[3 + axis].push_back(center[axis] + reach);

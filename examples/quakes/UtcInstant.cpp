@@ -1,4 +1,4 @@
-#include "UtcText.hpp"
+#include <earth/UtcText.hpp>
 
 #include <fathom/String.hpp>
 #include <fathom/TimeDependent.hpp>
@@ -19,7 +19,7 @@ public:
 
     bool update(Orla::VRequest& request, double) override
     {
-        m_utc(request.valuePool()) <<= utcText(getTime(request.valuePool(), 0, Orla::Range{}));
+        m_utc(request.valuePool()) <<= Earth::utcText(getTime(request.valuePool(), 0, Orla::Range{}));
         return true;
     }
 

@@ -1,7 +1,7 @@
 #include <quakes/GeoJson.hpp>
 
 #include "Printing.hpp"
-#include "TemporaryFile.hpp"
+#include "earth/TemporaryFile.hpp"
 
 #include <gmock/gmock.h>
 

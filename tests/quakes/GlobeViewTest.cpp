@@ -1,7 +1,7 @@
 #include <quakes/GlobeView.hpp>
 
-#include "Picture.hpp"
-#include "Svg.hpp"
+#include "earth/Picture.hpp"
+#include "earth/Svg.hpp"
 #include "World.hpp"
 
 #include <gtest/gtest.h>
@@ -13,18 +13,18 @@
 #include <string>
 
 using Orla::VCamera;
-using Quakes::Canvas;
+using Earth::Canvas;
 using Quakes::Catalogue;
 using Quakes::ColorRule;
 using Quakes::drawGlobe;
-using Quakes::GlobeProjection;
-using Quakes::LonLat;
-using Quakes::PictureFormat;
+using Earth::GlobeProjection;
+using Earth::LonLat;
+using Earth::PictureFormat;
 using Quakes::QuakePicture;
 
 namespace {
 
-namespace Palette = Quakes::Palette;
+namespace Palette = Earth::Palette;
 
 const VCamera aboveAfrica{{2.4e7, 6e6, 0}, {0, 0, 0}, {0, 0, 1}, 32};
 const VCamera aboveSouthPole{{0, 0, -3e7}, {0, 0, 0}, {1, 0, 0}, 28};
@@ -142,7 +142,7 @@ TEST(GlobeView, drawsNothingOutsideTheDisc)
     const ColorsOfGlobe globe{picture};
     const auto circle = globe.projection.circleAroundDisc();
     ASSERT_TRUE(circle);
-    const Quakes::Rectangle space = Quakes::pictureSpace(Canvas{PictureFormat::Png, 900, 900});
+    const Earth::Rectangle space = Quakes::pictureSpace(Canvas{PictureFormat::Png, 900, 900});
     std::size_t outside = 0;
     for (int y = static_cast<int>(space.top) + 1; y < space.bottom() - 1; ++y) {
         for (int x = 0; x < 900; ++x) {
@@ -171,7 +171,7 @@ TEST(GlobeView, staysInItsSpaceWhenTheCameraIsNear)
 {
     const VCamera near{{6.9e6, 0, 0}, {0, 0, 0}, {0, 0, 1}, 60};
     const ColorsOfGlobe globe{quakes({quakeAt(0, 0, 7, 10), quakeAt(3, 3, 7, 10)}), near};
-    const Quakes::Rectangle space = Quakes::pictureSpace(Canvas{PictureFormat::Png, 900, 900});
+    const Earth::Rectangle space = Quakes::pictureSpace(Canvas{PictureFormat::Png, 900, 900});
     for (int y = 0; y < 900; ++y) {
         EXPECT_EQ(globe.Picture::at(space.left - 3, y), rgb(Palette::paper)) << y;
         EXPECT_EQ(globe.Picture::at(space.right() + 2, y), rgb(Palette::paper)) << y;

@@ -1,7 +1,7 @@
 #include <quakes/MapView.hpp>
 
-#include "Picture.hpp"
-#include "Svg.hpp"
+#include "earth/Picture.hpp"
+#include "earth/Svg.hpp"
 #include "World.hpp"
 
 #include <gtest/gtest.h>
@@ -10,19 +10,19 @@
 #include <cstddef>
 #include <string>
 
-using Quakes::Canvas;
+using Earth::Canvas;
 using Quakes::Catalogue;
 using Quakes::ColorRule;
 using Quakes::drawMap;
-using Quakes::LonLat;
+using Earth::LonLat;
 using Quakes::MapFrame;
-using Quakes::PictureFormat;
-using Quakes::Pixel;
+using Earth::PictureFormat;
+using Earth::Pixel;
 using Quakes::QuakePicture;
 
 namespace {
 
-namespace Palette = Quakes::Palette;
+namespace Palette = Earth::Palette;
 
 QuakePicture quakes(std::vector<Quakes::Quake> events, ColorRule rule = ColorRule::Depth)
 {
@@ -170,7 +170,7 @@ TEST(MapView, drawsNothingOutsideItsFrame)
     const ColorsOfMap empty{none};
     QuakePicture many = quakes({quakeAt(-180, 89, 9, 10), quakeAt(180, -89, 9, 10), quakeAt(0, 90, 9, 10)});
     const ColorsOfMap full{many};
-    const Quakes::Rectangle& map = full.frame.rectangle();
+    const Earth::Rectangle& map = full.frame.rectangle();
     for (int y = static_cast<int>(map.top) - 3; y < map.bottom() + 3; ++y) {
         for (const double x : {map.left - 3, map.right() + 3})
             EXPECT_EQ(full.Picture::at(x, y), empty.Picture::at(x, y));

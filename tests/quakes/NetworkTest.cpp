@@ -1,4 +1,4 @@
-#include "Evaluation.hpp"
+#include "earth/Evaluation.hpp"
 
 #include <fathom/TypedSlot.hpp>
 #include <fathom/VOutput.hpp>

@@ -1,7 +1,7 @@
 #include <quakes/PictureFrame.hpp>
 
-#include "Picture.hpp"
-#include "Svg.hpp"
+#include "earth/Picture.hpp"
+#include "earth/Svg.hpp"
 #include "World.hpp"
 
 #include <gtest/gtest.h>
@@ -11,15 +11,15 @@
 #include <string>
 #include <vector>
 
-using Quakes::Canvas;
+using Earth::Canvas;
 using Quakes::Catalogue;
 using Quakes::ColorRule;
-using Quakes::PictureFormat;
+using Earth::PictureFormat;
 using Quakes::QuakePicture;
 
 namespace {
 
-namespace Palette = Quakes::Palette;
+namespace Palette = Earth::Palette;
 
 std::string frame(const QuakePicture& picture, PictureFormat format = PictureFormat::Png, int width = 900,
                   int height = 900)
@@ -62,7 +62,7 @@ TEST(PictureFrame, leavesTheSpaceOfTheMapEmpty)
 {
     for (const auto& [width, height] : {std::pair{900, 900}, {1280, 720}, {300, 700}}) {
         Canvas canvas{PictureFormat::Png, width, height};
-        const Quakes::Rectangle space = Quakes::pictureSpace(canvas);
+        const Earth::Rectangle space = Quakes::pictureSpace(canvas);
         drawFrame(canvas, titled("A title"));
         const Picture picture{canvas.finished()};
         EXPECT_EQ(ink(picture, space.top, space.bottom()).count, 0);

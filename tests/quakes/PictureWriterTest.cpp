@@ -1,8 +1,8 @@
-#include "Evaluation.hpp"
-#include "Picture.hpp"
+#include "earth/Evaluation.hpp"
+#include "earth/Picture.hpp"
 
 #include <quakes/Catalogue.hpp>
-#include <quakes/Land.hpp>
+#include <earth/Land.hpp>
 #include <quakes/QuakeStyle.hpp>
 
 #include "support/TestFolder.hpp"
@@ -17,7 +17,7 @@
 
 using Quakes::Catalogue;
 using Quakes::ColorRule;
-using Quakes::Land;
+using Earth::Land;
 using Quakes::Quake;
 using testing::ElementsAre;
 using testing::HasSubstr;

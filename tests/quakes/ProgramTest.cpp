@@ -177,7 +177,7 @@ TEST(Program, findsItsDataInTheDataFolders)
                              "set = { file = 'data/land-110m.json' }\n");
     EXPECT_EQ(runTarn({"run", folder.file("net.toml")}).status, 1);
     const ProcessResult found =
-        runTarn({"run", folder.file("net.toml")}, {.environment = {"TARN_DATA=" QUAKES_FOLDER}, .shell = {}});
+        runTarn({"run", folder.file("net.toml")}, {.environment = {"TARN_DATA=" EXAMPLES_FOLDER "/quakes:" EXAMPLES_FOLDER "/earth"}, .shell = {}});
     EXPECT_EQ(found.status, 0) << found.err;
 }
 

@@ -1,6 +1,6 @@
-#include "Evaluation.hpp"
+#include "earth/Evaluation.hpp"
 #include "Printing.hpp"
-#include "TemporaryFile.hpp"
+#include "earth/TemporaryFile.hpp"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #include <quakes/QuakeStyle.hpp>
 
-#include <quakes/ColorScale.hpp>
-#include <quakes/Palette.hpp>
+#include <earth/ColorScale.hpp>
+#include <earth/Palette.hpp>
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ using Quakes::colorRuleOfName;
 using Quakes::Quake;
 using Quakes::quakeColor;
 using Quakes::quakeRadius;
-using Quakes::scaleColor;
+using Earth::scaleColor;
 using Quakes::scalePosition;
 
 namespace {
@@ -88,9 +88,9 @@ TEST(QuakeStyle, fadesOldEvents)
 TEST(QuakeStyle, coloursUnknownValuesGrey)
 {
     const Quake event = quake(std::nullopt, std::nullopt, 0);
-    EXPECT_EQ(quakeColor(event, ColorRule::Magnitude, 0), Quakes::Palette::unknown);
-    EXPECT_EQ(quakeColor(event, ColorRule::Depth, 0), Quakes::Palette::unknown);
-    EXPECT_NE(quakeColor(event, ColorRule::Age, 0), Quakes::Palette::unknown);
+    EXPECT_EQ(quakeColor(event, ColorRule::Magnitude, 0), Earth::Palette::unknown);
+    EXPECT_EQ(quakeColor(event, ColorRule::Depth, 0), Earth::Palette::unknown);
+    EXPECT_NE(quakeColor(event, ColorRule::Age, 0), Earth::Palette::unknown);
 }
 
 TEST(QuakeStyle, doublesTheRadiusEverySevenQuartersOfMagnitude)

@@ -1,4 +1,4 @@
-#include "Evaluation.hpp"
+#include "earth/Evaluation.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,137 @@
+#include <earth/ChartPlaces.hpp>
+
+#include "earth/Evaluation.hpp"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+
+using Orla::StrongPtr;
+using Orla::VChartSelector;
+using Earth::ChartPlaces;
+using testing::ElementsAre;
+
+namespace {
+
+constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+class Places : public Orla::VObject, public ChartPlaces {
+public:
+    Places() : VObject{"places", 0, nullptr} {}
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        give(request.valuePool(), given);
+        return true;
+    }
+
+    std::vector<ChartPlaces::point> given;
+};
+
+class ChartPlacesTest : public testing::Test {
+protected:
+    ChartPlacesTest()
+    {
+        Orla::VObject::finishCreation(places);
+        Orla::VScheduler::schedule(places, 0, pool);
+        Orla::VScheduler::schedule(VChartSelector::getChartSelector(), 0, pool);
+    }
+
+    ~ChartPlacesTest() override
+    {
+        Orla::VManagedObject::remove(places);
+        Orla::VManagedObject::remove(VChartSelector::getChartSelector());
+    }
+
+    void run() { Orla::VScheduler::run(pool); }
+
+    void pick(const std::string& chart)
+    {
+        EXPECT_TRUE(VChartSelector::getChartSelector()->selectChart(pool, chart));
+        run();
+    }
+
+    std::vector<double> coordinates() const
+    {
+        StrongPtr<Loam::TypedChunk<double>, Loam::ChunkBase> chunk;
+        const auto value = places->findOutput("places")->getValueBase(pool);
+        Orla::VTypedValueBase<decltype(chunk)>::cast(value.get())->getValue(chunk);
+        return {chunk->begin(), chunk->end()};
+    }
+
+    std::string box() const { return readText(*places, "box", pool); }
+
+    const Warnings warnings;
+    const StrongPtr<Places> places{new Places};
+    const StrongPtr<Orla::ValuePool> pool{new Orla::ValuePool("test")};
+};
+
+} // namespace
+
+TEST_F(ChartPlacesTest, arePublishedInTheSelectedChart)
+{
+    places->given = {{90, 0, 1000}, {0, 90, 0}};
+    run();
+    EXPECT_THAT(coordinates(), ElementsAre(90, 0, 1000, 0, 90, 0)) << "geographic by default";
+    EXPECT_EQ(box(), "[{0,0,0};{90,90,1000}]");
+
+    pick("geocentric");
+    // The axes of the ellipsoid in metres.
+    const std::vector<double> inSpace = coordinates();
+    ASSERT_EQ(inSpace.size(), 6u);
+    EXPECT_NEAR(inSpace[0], 0, 1e-6);
+    EXPECT_NEAR(inSpace[1], 6379137, 1e-6);
+    EXPECT_NEAR(inSpace[2], 0, 1e-6);
+    EXPECT_NEAR(inSpace[5], 6356752.314245179, 1e-6);
+
+    pick("plate carree");
+    const double quarter = 6378137 * std::acos(-1) / 2;
+    const std::vector<double> flat = coordinates();
+    EXPECT_NEAR(flat[0], quarter, 1e-6);
+    EXPECT_NEAR(flat[4], quarter, 1e-6);
+    EXPECT_EQ(flat[2], 1000);
+
+    pick("geographic");
+    EXPECT_THAT(coordinates(), ElementsAre(90, 0, 1000, 0, 90, 0));
+}
+
+TEST_F(ChartPlacesTest, offerTheirThreeCharts)
+{
+    run();
+    std::vector<std::string> names;
+    Orla::VChartList charts;
+    const auto value = VChartSelector::getChartSelector()->findOutput("atlas")->getValueBase(pool);
+    Orla::VTypedValueBase<Orla::VChartList>::cast(value.get())->getValue(charts);
+    for (const Orla::VChart& chart : charts)
+        names.push_back(chart.name());
+    EXPECT_THAT(names, ElementsAre("geocentric", "geographic", "plate carree"));
+}
+
+TEST_F(ChartPlacesTest, excludeSeparatorsFromTheirBox)
+{
+    places->given = {{1, 2, 3}, {none, none, none}, {-1, -2, 0}, {none, 0, 0}};
+    run();
+    const std::vector<double> all = coordinates();
+    ASSERT_EQ(all.size(), 12u);
+    EXPECT_TRUE(std::isnan(all[3]) && std::isnan(all[4]) && std::isnan(all[5]));
+    EXPECT_EQ(all[6], -1);
+    EXPECT_EQ(box(), "[{-1,-2,0};{1,2,3}]");
+}
+
+TEST_F(ChartPlacesTest, haveABoxWithoutExtentIfThereAreNoPlaces)
+{
+    run();
+    EXPECT_TRUE(coordinates().empty());
+    EXPECT_EQ(box(), "[{0,0,0};{0,0,0}]");
+}
+
+TEST_F(ChartPlacesTest, failInAnUnknownChart)
+{
+    // A chart that only another object supports.
+    write(*places, "chart", pool, Orla::VChart{"polar"});
+    run();
+    ASSERT_EQ(warnings.all().size(), 1u);
+    EXPECT_THAT(warnings.all()[0], testing::HasSubstr("the chart \"polar\" is not supported, expected "
+                                                      "geographic, geocentric or plate carree"));
+}
