@@ -7,17 +7,11 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <fstream>
-#include <ios>
-#include <iterator>
 #include <optional>
-#include <stdexcept>
-#include <system_error>
 #include <utility>
 
 namespace Earth {
@@ -51,12 +45,6 @@ private:
     std::optional<std::size_t> m_index;
 };
 
-struct Fault {
-    std::string path;
-    std::string found;
-    std::string expected;
-};
-
 std::string textOf(const LonLat& place)
 {
     return '[' + Loam::numberText(place.longitude) + ", " + Loam::numberText(place.latitude) + ']';
@@ -64,7 +52,7 @@ std::string textOf(const LonLat& place)
 
 [[noreturn]] void refuse(const Path& path, const Json* found, std::string expected)
 {
-    throw Fault{path.text(), described(found), std::move(expected)};
+    refuseJson(path.text(), found, std::move(expected));
 }
 
 const Json* find(const Json& object, const char* key)
@@ -174,8 +162,8 @@ private:
         constexpr double rounding = 1e-9;
         // This form of the comparison also refuses NaN.
         if (!(std::abs(place.longitude) <= 360 + rounding && std::abs(place.latitude) <= 90 + rounding))
-            throw Fault{path.text(), "the position " + textOf(place),
-                        "a longitude from -360 to 360 and a latitude from -90 to 90 degrees"};
+            throw JsonFault{path.text(), "the position " + textOf(place),
+                            "a longitude from -360 to 360 and a latitude from -90 to 90 degrees"};
         place.latitude = std::clamp(place.latitude, -90.0, 90.0);
         if (std::abs(place.longitude) > 180 && std::abs(place.longitude) <= 180 + rounding)
             place.longitude = std::copysign(180, place.longitude);
@@ -221,8 +209,8 @@ private:
         constexpr int deepest = 64;
         const Path members{path, "geometries"};
         if (depth == deepest)
-            throw Fault{path.text(), "a collection within " + std::to_string(depth) + " others",
-                        "at most " + std::to_string(deepest) + " levels"};
+            throw JsonFault{path.text(), "a collection within " + std::to_string(depth) + " others",
+                            "at most " + std::to_string(deepest) + " levels"};
         const Json& geometries = array(find(geometry, "geometries"), members, "an array of geometries");
         for (std::size_t i = 0; i < geometries.size(); ++i)
             read(geometries[i], {members, i}, shapes, depth + 1);
@@ -242,8 +230,8 @@ private:
             if (isBackwards)
                 std::reverse(arc.begin(), arc.end());
             if (i > 0 && result.back() != arc.front())
-                throw Fault{place.text(), "an arc that begins at " + textOf(arc.front()),
-                            "one that begins where the previous arc ends, at " + textOf(result.back())};
+                throw JsonFault{place.text(), "an arc that begins at " + textOf(arc.front()),
+                                "one that begins where the previous arc ends, at " + textOf(result.back())};
             result.insert(result.end(), arc.begin() + (i > 0 ? 1 : 0), arc.end());
         }
         return result;
@@ -279,12 +267,12 @@ private:
             const Path place{path, i};
             Ring ring = line(&rings[i], place);
             if (ring.front() != ring.back())
-                throw Fault{place.text(),
-                            "a ring that begins at " + textOf(ring.front()) + " and ends at " + textOf(ring.back()),
-                            "one that ends where it begins"};
+                throw JsonFault{place.text(),
+                                "a ring that begins at " + textOf(ring.front()) + " and ends at " + textOf(ring.back()),
+                                "one that ends where it begins"};
             if (ring.size() < 4)
-                throw Fault{place.text(), "a ring of " + std::to_string(ring.size()) + " positions",
-                            "at least 4, the last equal to the first"};
+                throw JsonFault{place.text(), "a ring of " + std::to_string(ring.size()) + " positions",
+                                "at least 4, the last equal to the first"};
             ring.pop_back();
             result.push_back(std::move(ring));
         }
@@ -313,8 +301,8 @@ Shapes shapesOf(const Json& document, std::string_view object)
             std::string names;
             for (const auto& item : objects->items())
                 names += (names.empty() ? "" : ", ") + item.key();
-            throw Fault{path.text(), names.empty() ? "no objects" : "the objects " + shortened(names),
-                        "one named " + std::string(object)};
+            throw JsonFault{path.text(), names.empty() ? "no objects" : "the objects " + shortened(names),
+                            "one named " + std::string(object)};
         }
         topology.read(*found, {path, object}, shapes);
         return shapes;
@@ -324,46 +312,25 @@ Shapes shapesOf(const Json& document, std::string_view object)
     return shapes;
 }
 
-std::string contentOf(const std::string& file)
-{
-    std::error_code ignored;
-    const std::filesystem::file_status status = std::filesystem::status(file, ignored);
-    if (status.type() == std::filesystem::file_type::not_found)
-        throw std::runtime_error{file + ": file not found, expected a TopoJSON file"};
-    if (is_directory(status))
-        throw std::runtime_error{file + ": found a folder, expected a TopoJSON file"};
-    errno = 0;
-    std::ifstream stream{file, std::ios::binary};
-    if (!stream)
-        throw std::runtime_error{file + ": cannot be opened: " + std::generic_category().message(errno)};
-    try {
-        return std::string{std::istreambuf_iterator<char>{stream}, {}};
-    } catch (const std::ios_base::failure& error) {
-        throw std::runtime_error{file + ": cannot be read: " + error.code().message()};
-    }
-}
-
 } // namespace
 
 Shapes shapesOfTopoJson(std::string_view text, const std::string& name, std::string_view object)
 {
     try {
         return shapesOf(Json::parse(text), object);
-    } catch (const Fault& fault) {
-        throw std::runtime_error{name + ": " + fault.path + (fault.path.empty() ? "" : ": ") + "found " + fault.found
-                                 + ", expected " + fault.expected};
-    } catch (const Json::exception& error) {
-        // Omits the number of the parser's message and the last text read.
-        std::string_view message = error.what();
-        message.remove_prefix(std::min(message.find("] ") + 2, message.size()));
-        throw std::runtime_error{name
-                                 + ": invalid JSON: " + std::string(message.substr(0, message.find("; last read: ")))};
+    } catch (...) {
+        rethrowJsonFault(name);
     }
 }
 
 Shapes readTopoJson(const std::string& file, std::string_view object)
 {
-    return shapesOfTopoJson(contentOf(file), file, object);
+    std::ifstream stream = openJson(file, "a TopoJSON file");
+    try {
+        return shapesOf(Json::parse(stream), object);
+    } catch (...) {
+        rethrowJsonFault(file);
+    }
 }
 
 } // namespace Earth

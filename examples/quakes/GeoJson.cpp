@@ -5,12 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <ios>
-#include <stdexcept>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -20,23 +17,12 @@ namespace Quakes {
 
 namespace {
 
-using Earth::described;
+using Earth::JsonFault;
+using Earth::refuseJson;
 using Earth::shortened;
 using Json = nlohmann::json;
 
-// A fault in a document.
-struct Fault {
-    std::string member; // "properties.time"; empty for the document or event itself
-    std::string found;
-    std::string expected;
-};
-
 struct Stopped {};
-
-[[noreturn]] void refuse(const std::string& member, const Json* found, const char* expected)
-{
-    throw Fault{member, described(found), expected};
-}
 
 // Looks up the members of one object. A null member counts as missing. Messages put the
 // prefix before the key of a member.
@@ -101,7 +87,7 @@ public:
     {
         // The message distinguishes null from missing.
         const auto found = m_object.find(key);
-        refuse(m_prefix + std::string(key), found == m_object.end() ? nullptr : &*found, expected);
+        refuseJson(m_prefix + std::string(key), found == m_object.end() ? nullptr : &*found, expected);
     }
 
 private:
@@ -117,7 +103,7 @@ void readCoordinates(Quake& quake, const Members& geometry)
         geometry.refuseMember("coordinates", expected);
     const auto number = [&coordinates](std::size_t index) {
         if (!coordinates[index].is_number())
-            refuse("geometry.coordinates[" + std::to_string(index) + "]", &coordinates[index], "a number");
+            refuseJson("geometry.coordinates[" + std::to_string(index) + "]", &coordinates[index], "a number");
         return coordinates[index].get<double>();
     };
     quake.longitude = number(0);
@@ -129,7 +115,7 @@ void readCoordinates(Quake& quake, const Members& geometry)
 Quake quakeOf(const Json& event)
 {
     if (!event.is_object())
-        refuse("", &event, "an object of type \"Feature\"");
+        refuseJson("", &event, "an object of type \"Feature\"");
     const Members feature{event, ""};
     Quake quake;
     quake.id = feature.text("id", "a text");
@@ -185,12 +171,12 @@ private:
     {
         try {
             events.push_back(quakeOf(event));
-        } catch (Fault& fault) {
+        } catch (JsonFault& fault) {
             std::string place = "features[" + std::to_string(events.size()) + "]";
             // Does not copy the event: a copy would recurse as deeply as the event is nested.
             if (const auto id = event.find("id"); id != event.end() && id->is_string())
                 place += " (id " + shortened(id->dump(-1, ' ', true)) + ")";
-            fault.member = place + (fault.member.empty() ? "" : ", ") + fault.member;
+            fault.place = place + (fault.place.empty() ? "" : ", ") + fault.place;
             throw;
         }
     }
@@ -199,35 +185,11 @@ private:
     bool m_isInside = false;
 };
 
-// Returns the parser's message without its number and without the last text read, which
-// may be very long.
-std::string reason(const Json::exception& error)
-{
-    std::string_view message = error.what();
-    message.remove_prefix(std::min(message.find("] ") + 2, message.size()));
-    return std::string(message.substr(0, message.find("; last read: ")));
-}
-
-std::ifstream open(const std::string& file)
-{
-    std::error_code ignored;
-    const std::filesystem::file_status status = std::filesystem::status(file, ignored);
-    if (status.type() == std::filesystem::file_type::not_found)
-        throw std::runtime_error{file + ": file not found, expected a GeoJSON file"};
-    if (is_directory(status))
-        throw std::runtime_error{file + ": found a folder, expected a GeoJSON file"};
-    errno = 0;
-    std::ifstream stream{file, std::ios::binary};
-    if (!stream)
-        throw std::runtime_error{file + ": cannot be opened: " + std::generic_category().message(errno)};
-    return stream;
-}
-
 } // namespace
 
 std::optional<Catalogue> readGeoJson(const std::string& file, const ReadingProgress& progress)
 {
-    std::ifstream stream = open(file);
+    std::ifstream stream = Earth::openJson(file, "a GeoJSON file");
     std::error_code sizeUnknown;
     const double size = static_cast<double>(std::filesystem::file_size(file, sizeUnknown));
 
@@ -244,19 +206,14 @@ std::optional<Catalogue> readGeoJson(const std::string& file, const ReadingProgr
     try {
         const Json document = Json::parse(stream, listener);
         if (!document.is_object())
-            refuse("", &document, "an object of type \"FeatureCollection\"");
+            refuseJson("", &document, "an object of type \"FeatureCollection\"");
         const Members collection{document, ""};
         collection.expectText("type", "FeatureCollection", "\"FeatureCollection\"");
         collection.array("features", "an array of events");
     } catch (const Stopped&) {
         return std::nullopt;
-    } catch (const Fault& fault) {
-        throw std::runtime_error{file + ": " + fault.member + (fault.member.empty() ? "" : ": ") + "found "
-                                 + fault.found + ", expected " + fault.expected};
-    } catch (const Json::exception& error) {
-        throw std::runtime_error{file + ": invalid JSON: " + reason(error)};
-    } catch (const std::ios_base::failure& error) {
-        throw std::runtime_error{file + ": cannot be read: " + error.code().message()};
+    } catch (...) {
+        Earth::rethrowJsonFault(file);
     }
     return Catalogue{std::move(taker.events)};
 }

@@ -2,7 +2,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+#include <string>
 
 using Earth::described;
 using nlohmann::json;
@@ -30,4 +33,36 @@ TEST(JsonText, shortensLongTexts)
 {
     EXPECT_EQ(Earth::shortened(std::string(60, 'a')), std::string(60, 'a'));
     EXPECT_EQ(Earth::shortened(std::string(61, 'a')), std::string(60, 'a') + "...");
+}
+
+namespace {
+
+template<class Read>
+std::string message(Read&& read)
+{
+    try {
+        try {
+            read();
+        } catch (...) {
+            Earth::rethrowJsonFault("file.json");
+        }
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+} // namespace
+
+TEST(JsonText, reportsFaultsWithTheirPlaces)
+{
+    const json found = 5;
+    EXPECT_EQ(message([&] { Earth::refuseJson("arcs[2]", &found, "a text"); }),
+              "file.json: arcs[2]: found the number 5, expected a text");
+    EXPECT_EQ(message([&] { Earth::refuseJson("", nullptr, "an object"); }),
+              "file.json: found nothing, expected an object");
+    const std::string broken = message([&] { const json read = json::parse("{\"a\": [1,}"); });
+    EXPECT_THAT(broken, testing::StartsWith("file.json: invalid JSON: parse error at line 1, column 10"));
+    EXPECT_THAT(broken, testing::Not(testing::HasSubstr("last read")));
+    EXPECT_EQ(message([] { throw std::runtime_error{"another"}; }), "another");
 }
