@@ -15,6 +15,13 @@ function(fathom_object_library target)
         CXX_EXTENSIONS OFF
         LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib/fathom"
         INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
+    # Instantiated templates of the standard library are visible whatever the compile options.
+    # Libraries that stay in memory could use them, and this one would never be unloaded.
+    if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+        set(hidden "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/hidden-symbols.map")
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${hidden}")
+        set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${hidden}")
+    endif()
 endfunction()
 
 # Installs <target> where a host under the same prefix searches for object

@@ -1,11 +1,11 @@
 #include <earth/Canvas.hpp>
 
+#include <earth/StaysLoaded.hpp>
+
 #include <loam/Utf8.hpp>
 
 #include <cairo-svg.h>
 #include <cairo.h>
-
-#include <dlfcn.h>
 
 #include <algorithm>
 #include <cmath>
@@ -20,13 +20,7 @@ namespace Earth {
 
 namespace {
 
-// cairo and its dependencies keep caches until the process ends. If they were unloaded
-// with this library, every reload would leak the caches.
-[[maybe_unused]] const bool cairoStays = [] {
-    Dl_info cairo{};
-    return dladdr(reinterpret_cast<void*>(&cairo_create), &cairo) != 0
-           && dlopen(cairo.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE) != nullptr;
-}();
+[[maybe_unused]] const bool cairoStays = staysLoaded(reinterpret_cast<void*>(&cairo_create));
 
 [[noreturn]] void fail(cairo_status_t status)
 {
@@ -308,6 +302,13 @@ void Canvas::beginClip(const Rectangle& rectangle)
 {
     cairo_save(m_drawing->cairo);
     setPath(m_drawing->cairo, rectangle);
+    cairo_clip(m_drawing->cairo);
+}
+
+void Canvas::beginClip(const std::vector<Path>& paths)
+{
+    cairo_save(m_drawing->cairo);
+    setPath(m_drawing->cairo, paths, true);
     cairo_clip(m_drawing->cairo);
 }
 

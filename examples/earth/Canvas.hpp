@@ -79,8 +79,10 @@ public:
     void circle(const Pixel& center, double radius, const Color& color, const Color& outline, double lineWidth,
                 const Path& within);
 
-    /// Restricts all drawing until `endClip` to the rectangle.
+    /// Restricts all drawing until `endClip` to the rectangle, or to the area that an odd
+    /// number of the closed paths encloses.
     void beginClip(const Rectangle& rectangle);
+    void beginClip(const std::vector<Path>& paths);
     void endClip();
 
     /// Draws a line of text with its baseline at \p place. \p size is the height of the

@@ -1,42 +1,30 @@
 #pragma once
 
-#include <earth/Export.hpp>
-#include <earth/Projection.hpp>
+#include <earth/ChartFollower.hpp>
 
 #include <fathom/BoundingBox.hpp>
 #include <fathom/Chunk.hpp>
-#include <fathom/VChart.hpp>
 #include <fathom/VOutput.hpp>
 
-#include <gable/PhysicalSpace.hpp>
-
-#include <string>
 #include <vector>
 
 namespace Earth {
 
-/// Mix-in for objects that publish places in the chart of the network: "geographic"
-/// (the default), "geocentric" or "plate carree". Adds the input `chart` and the outputs
+/// Mix-in for objects that publish places in the chart of the network. Adds the outputs
 ///
-/// - `atlas`: these three charts;
 /// - `places`: the coordinates of all places in sequence, three per place;
 /// - `box`: the smallest box around them, of size 0 without places.
-class EARTH_API ChartPlaces : public Orla::VChartDependent, public Orla::Atlas {
+class EARTH_API ChartPlaces : public ChartFollower {
 public:
     /// Longitude and latitude in degrees, and height in metres.
-    using point = Gyre::PhysicalSpace::point;
+    using point = Chart::point;
 
     ChartPlaces();
 
 protected:
-    /// Returns the chart to use in \p pool.
-    /// \throw std::runtime_error if it is not one of the three.
-    Chart chartIn(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
-
-    /// Publishes the charts, and \p places converted to the chart of \p pool. Places that
-    /// are not finite separate groups of places; they are kept.
-    /// \throw std::runtime_error as `chartIn`, after publishing the charts.
-    void give(const Orla::StrongPtr<Orla::ValuePool>& pool, const std::vector<point>& places) const;
+    /// Publishes \p places converted to \p chart. Places that are not finite separate groups
+    /// of places; they are kept, like places outside the chart's domain.
+    void give(const Orla::StrongPtr<Orla::ValuePool>& pool, const Chart& chart, std::vector<point> places) const;
 
 private:
     using Array = Orla::StrongPtr<Loam::TypedChunk<double>, Loam::ChunkBase>;

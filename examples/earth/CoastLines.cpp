@@ -33,14 +33,16 @@ public:
     bool update(Orla::VRequest& request, double) override
     {
         const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
+        publishCharts(pool);
         const std::string file = m_file.value(pool);
         const std::string object = m_object.value(pool);
+        const Chart chart = chartIn(pool);
         if (file.empty())
             throw std::runtime_error{"the input \"file\" is empty, expected the name of a TopoJSON file"};
         if (file != m_lastFile || object != m_lastObject)
             read(file, object);
         m_land(pool) <<= m_lastLand;
-        give(pool, m_coast);
+        give(pool, chart, m_coast);
         return true;
     }
 

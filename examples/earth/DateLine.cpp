@@ -1,11 +1,8 @@
 #include <earth/DateLine.hpp>
 
-#include <earth/BoundaryJoin.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <iterator>
 #include <numbers>
 #include <utility>
 
@@ -35,16 +32,16 @@ double eastward(const LonLat& from, const LonLat& to)
 
 // Returns the places of a line with principal longitudes. Adds a place wherever a segment
 // crosses the date line.
-Line withPlacesOnDateLine(const Line& line, bool isClosed)
+Line withPlacesOnDateLine(const Line& line)
 {
     Line result;
     result.reserve(line.size() + 4);
     for (std::size_t i = 0; i < line.size(); ++i) {
         const LonLat place{principal(line[i].longitude), line[i].latitude};
         result.push_back(place);
-        if (i + 1 == line.size() && !isClosed)
+        if (i + 1 == line.size())
             break;
-        const LonLat& following = line[(i + 1) % line.size()];
+        const LonLat& following = line[i + 1];
         const LonLat next{principal(following.longitude), following.latitude};
         if (std::abs(next.longitude - place.longitude) <= 180 || isOnDateLine(place) || isOnDateLine(next))
             continue;
@@ -61,57 +58,6 @@ Line withPlacesOnDateLine(const Line& line, bool isClosed)
 double sideTowards(const LonLat& neighbour, const LonLat& onDateLine)
 {
     return std::copysign(180, neighbour.longitude == 0 ? onDateLine.longitude : neighbour.longitude);
-}
-
-// The frame of the plane, counterclockwise: up the east side, west along the north pole,
-// down the west side, east along the south pole.
-constexpr double frameLength = 1080;
-
-double placeOnFrame(const LonLat& place)
-{
-    return place.longitude > 0 ? place.latitude + 90 : 630 - place.latitude;
-}
-
-// Adds the frame's corners, and three places along each pole to keep segments shorter
-// than half a turn.
-void walkAlongFrame(Ring& ring, double from, double distance)
-{
-    constexpr LonLat stops[] = {{180, 90},   {90, 90},   {0, 90},  {-90, 90}, {-180, 90},
-                                {-180, -90}, {-90, -90}, {0, -90}, {90, -90}, {180, -90}};
-    constexpr double places[] = {180, 270, 360, 450, 540, 720, 810, 900, 990, 1080};
-    constexpr std::size_t count = std::size(places);
-    for (std::size_t i = 0; i < 2 * count; ++i) {
-        const double place = places[i % count] + (i < count ? 0 : frameLength);
-        if (place > from && place < from + distance)
-            ring.push_back(stops[i % count]);
-    }
-}
-
-std::vector<RingPiece<LonLat>> piecesOf(const Ring& nodes)
-{
-    std::vector<RingPiece<LonLat>> pieces;
-    const auto first = std::find_if(nodes.begin(), nodes.end(), isOnDateLine) - nodes.begin();
-    const auto node = [&](std::size_t i) { return nodes[(static_cast<std::size_t>(first) + i) % nodes.size()]; };
-    std::size_t begin = 0;
-    for (std::size_t i = 1; i <= nodes.size(); ++i) {
-        if (!isOnDateLine(node(i)))
-            continue;
-        // Segments along the date line are already part of the frame.
-        if (i > begin + 1) {
-            RingPiece<LonLat> piece;
-            for (std::size_t k = begin; k <= i; ++k)
-                piece.points.push_back(node(k));
-            LonLat& front = piece.points.front();
-            LonLat& back = piece.points.back();
-            front.longitude = sideTowards(piece.points[1], front);
-            back.longitude = sideTowards(piece.points[piece.points.size() - 2], back);
-            piece.entry = placeOnFrame(front);
-            piece.exit = placeOnFrame(back);
-            pieces.push_back(std::move(piece));
-        }
-        begin = i;
-    }
-    return pieces;
 }
 
 } // namespace
@@ -142,32 +88,38 @@ Ring withInsideOnTheLeft(Ring ring)
     return ring;
 }
 
-std::vector<Ring> cutAtDateLine(const Ring& ring)
+Line unrolledLine(const Line& line)
 {
-    const Ring nodes = withPlacesOnDateLine(withInsideOnTheLeft(ring), true);
-    if (std::none_of(nodes.begin(), nodes.end(), isOnDateLine))
-        return {nodes};
-    std::vector<Ring> rings = joinAlongBoundary(piecesOf(nodes), frameLength, walkAlongFrame);
-    for (Ring& cut : rings) {
-        if (cut.front() == cut.back())
-            cut.pop_back();
-    }
-    return rings;
+    Line result;
+    result.reserve(line.size() + 3);
+    for (const LonLat& place : line)
+        result.push_back({result.empty() ? principal(place.longitude)
+                                         : result.back().longitude + eastward(line[result.size() - 1], place),
+                          place.latitude});
+    return result;
 }
 
-Polygon cutAtDateLine(const Polygon& polygon)
+Ring unrolled(const Ring& ring)
 {
-    Polygon result;
-    for (const Ring& ring : polygon) {
-        std::vector<Ring> rings = cutAtDateLine(ring);
-        std::move(rings.begin(), rings.end(), std::back_inserter(result));
+    const Ring source = withInsideOnTheLeft(ring);
+    Ring result = unrolledLine(source);
+    if (result.empty())
+        return result;
+    const double end = result.back().longitude + eastward(source.back(), source.front());
+    const double begin = result.front().longitude;
+    if (std::abs(end - begin) > 180) {
+        // The inside is on the left: eastwards around the north pole.
+        const double pole = end > begin ? 90 : -90;
+        result.push_back({end, source.front().latitude});
+        result.push_back({end, pole});
+        result.push_back({begin, pole});
     }
     return result;
 }
 
 std::vector<Line> cutLineAtDateLine(const Line& line)
 {
-    const Line nodes = withPlacesOnDateLine(line, false);
+    const Line nodes = withPlacesOnDateLine(line);
     std::vector<Line> lines;
     Line current;
     for (std::size_t i = 0; i < nodes.size(); ++i) {
@@ -202,19 +154,17 @@ std::vector<Line> cutLineAtDateLine(const Line& line)
 bool encloses(const Ring& ring, const LonLat& place)
 {
     bool isInside = false;
-    const double longitude = principal(place.longitude);
-    // The west side of the plane counts as inside, the east side does not.
-    const LonLat sought{longitude == 180 ? -180 : longitude, place.latitude};
-    for (const Ring& cut : cutAtDateLine(ring)) {
-        for (std::size_t i = 0; i < cut.size(); ++i) {
-            const LonLat& a = cut[i];
-            const LonLat& b = cut[(i + 1) % cut.size()];
-            if ((a.latitude > sought.latitude) != (b.latitude > sought.latitude)
-                && sought.longitude
-                       < a.longitude
-                             + (b.longitude - a.longitude) * (sought.latitude - a.latitude) / (b.latitude - a.latitude))
-                isInside = !isInside;
-        }
+    const Ring plane = unrolled(ring);
+    for (std::size_t i = 0; i < plane.size(); ++i) {
+        const LonLat& a = plane[i];
+        const LonLat& b = plane[(i + 1) % plane.size()];
+        if ((a.latitude > place.latitude) == (b.latitude > place.latitude))
+            continue;
+        // Counts the places of this longitude, in whole turns, west of the segment.
+        const double crossing =
+            a.longitude + (b.longitude - a.longitude) * (place.latitude - a.latitude) / (b.latitude - a.latitude);
+        if (std::fmod(std::ceil((crossing - place.longitude) / 360), 2) != 0)
+            isInside = !isInside;
     }
     return isInside;
 }

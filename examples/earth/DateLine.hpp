@@ -5,8 +5,7 @@
 
 #include <vector>
 
-// Converts shapes on the Earth's surface to shapes in the plane of longitude and
-// latitude, which ends at the date line and at the poles.
+// Converts shapes on the Earth's surface to shapes in the plane of longitude and latitude.
 
 namespace Earth {
 
@@ -16,16 +15,17 @@ EARTH_API double areaOnTheLeft(const Ring& ring);
 /// Returns the ring with its inside on the left: counterclockwise, seen from above.
 EARTH_API Ring withInsideOnTheLeft(Ring ring);
 
-/// Cuts a ring at the date line. The returned rings together enclose, in the plane, the
-/// area that \p ring encloses on the Earth. Their longitudes lie between -180 and 180.
-/// A ring around a pole is extended to the pole and along it. No segment is longer than
-/// 180 degrees.
-EARTH_API std::vector<Ring> cutAtDateLine(const Ring& ring);
+/// Returns a ring with its inside on the left, whose longitudes change by less than half a turn
+/// from place to place and may go beyond 180. It begins between -180 and 180. A ring around a
+/// pole is extended to the pole, along the pole and back: then its plane is a strip of one
+/// whole turn.
+EARTH_API Ring unrolled(const Ring& ring);
 
-/// Cuts all rings of a polygon.
-EARTH_API Polygon cutAtDateLine(const Polygon& polygon);
+/// Returns a line whose longitudes change by at most half a turn from place to place.
+EARTH_API Line unrolledLine(const Line& line);
 
-/// Cuts a line into parts that do not cross the date line.
+/// Cuts a line into parts that do not cross the date line. Their longitudes lie between -180
+/// and 180.
 EARTH_API std::vector<Line> cutLineAtDateLine(const Line& line);
 
 /// Returns true if a ring encloses a place.

@@ -2,8 +2,7 @@
 
 #include <earth/BoundaryJoin.hpp>
 #include <earth/DateLine.hpp>
-#include <earth/Geocentric.hpp>
-#include <earth/Projection.hpp>
+#include <earth/Ellipsoid.hpp>
 
 #include <loam/Numbers.hpp>
 

@@ -21,8 +21,6 @@ inline constexpr auto sea = color(0xd1e2ea);
 inline constexpr auto land = color(0xefe9dc);
 inline constexpr auto coast = color(0x738791);
 inline constexpr auto graticule = color(0x406178, 0.22f);
-inline constexpr auto outline = color(0x1a122e, 0.75f); ///< of events
-inline constexpr auto unknown = color(0x999ea3);        ///< of events whose coloured value is unknown
 
 inline constexpr auto brightSea = color(0xe3eff4); ///< of the globe, in the light
 inline constexpr auto farSea = color(0xa9cbde);    ///< at the horizon

@@ -1,18 +1,17 @@
-#include <earth/Canvas.hpp>
 #include "Catalogue.hpp"
-#include <earth/ChartPlaces.hpp>
+#include "QuakePicture.hpp"
+
+#include <earth/Canvas.hpp>
+#include <earth/ChartFollower.hpp>
 #include <earth/FrameName.hpp>
-#include "GlobeView.hpp"
 #include <earth/Land.hpp>
-#include "MapView.hpp"
-#include "PictureFrame.hpp"
+#include <earth/View.hpp>
 
 #include <fathom/Action.hpp>
 #include <fathom/Double.hpp>
 #include <fathom/String.hpp>
 #include <fathom/TimeDependent.hpp>
 #include <fathom/VCamera.hpp>
-#include <fathom/VChart.hpp>
 #include <fathom/VEnum.hpp>
 #include <fathom/VObjectStatus.hpp>
 
@@ -43,15 +42,12 @@ using Action = StrongPtr<Orla::VAction>;
 /// The status reports the written file or the error.
 class PictureWriter : public Orla::VObject,
                       public Orla::TimeDependent,
-                      public Orla::VChartDependent,
-                      public Orla::Atlas,
+                      public Earth::ChartFollower,
                       public Orla::StatusIndicator {
 public:
     PictureWriter(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
         : VObject{name, level, preferences}
         , TimeDependent{"time", "range", preferences, Orla::VTime{0}}
-        , VChartDependent{"chart", 0}
-        , Atlas{"atlas"}
         , StatusIndicator{this, "", 0, Slotname}
     {
     }
@@ -59,8 +55,7 @@ public:
     bool update(Orla::VRequest& request, double number) override
     {
         const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
-        publish(pool, Orla::VChartList(
-                          {chartName(Chart::Geographic), chartName(Chart::Geocentric), chartName(Chart::PlateCarree)}));
+        publishCharts(pool);
         // Only actions have a number.
         if (number == 0)
             return true;
@@ -69,7 +64,7 @@ public:
         if (pattern.empty())
             return true;
         try {
-            const std::string file = isFrame ? frameName(pattern, stepIn(pool)) : pattern;
+            const std::string file = isFrame ? Earth::frameName(pattern, stepIn(pool)) : pattern;
             write(file, pool);
             ++m_written;
             std::string message = "wrote " + escaped(file);
@@ -101,22 +96,14 @@ private:
 
     void write(const std::string& file, const StrongPtr<Orla::ValuePool>& pool) const
     {
-        Canvas canvas{pictureFormat(file), size(m_width, pool), size(m_height, pool)};
+        Earth::Canvas canvas{Earth::pictureFormat(file), size(m_width, pool), size(m_height, pool)};
         QuakePicture picture;
         picture.title = m_title.value(pool);
         picture.instant = getTime(pool, 0, Orla::Range{});
         picture.quakes = m_catalogue.value(pool);
         if (const auto* rules = m_color.value(pool).selection())
             picture.colorRule = colorRuleOfName(rules->selectedName()).value_or(ColorRule::Depth);
-        const Land land = m_land.value(pool);
-        const std::string chart = getChart(pool).name();
-        if (chart == chartName(Chart::Geocentric))
-            drawGlobe(canvas, picture, land.polygons(), m_camera.value(pool));
-        else if (chart.empty() || chartOfName(chart))
-            drawMap(canvas, picture, land.polygons());
-        else
-            throw std::runtime_error{"cannot draw in the chart \"" + chart
-                                     + "\", only in geographic, geocentric and plate carree"};
+        draw(canvas, picture, m_land.value(pool).polygons(), *makeView(canvas, chartIn(pool), m_camera.value(pool)));
         const std::string bytes = canvas.finished();
         Loam::OutputFile output{file};
         output.write(bytes);
@@ -127,15 +114,15 @@ private:
     {
         const double pixels = slot.value(pool);
         // This form of the comparison also refuses NaN.
-        if (!(pixels >= 1 && pixels <= Canvas::largestSize && pixels == std::floor(pixels)))
+        if (!(pixels >= 1 && pixels <= Earth::Canvas::largestSize && pixels == std::floor(pixels)))
             throw std::runtime_error{"the input \"" + slot.name() + "\" is " + Orla::VValueTrait<double>::Text(pixels)
                                      + ", expected a whole number of pixels from 1 to "
-                                     + std::to_string(Canvas::largestSize)};
+                                     + std::to_string(Earth::Canvas::largestSize)};
         return static_cast<int>(pixels);
     }
 
     Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
-    Orla::TypedSlot<Land> m_land{this, "land", Land{}, 0};
+    Orla::TypedSlot<Earth::Land> m_land{this, "land", Earth::Land{}, 0};
     Orla::TypedSlot<Orla::VCamera> m_camera{this, "camera", Orla::VCamera{{-1.5e7, -1.26e7, 1.64e7}, {}, {0, 0, 1}, 29},
                                             0};
     Orla::TypedSlot<std::string> m_title{this, "title", "Earthquakes", 0};

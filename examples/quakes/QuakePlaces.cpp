@@ -5,6 +5,9 @@
 
 #include <trellis/VObjectCreator.hpp>
 
+#include <utility>
+#include <vector>
+
 namespace Quakes {
 
 using Orla::StrongPtr;
@@ -19,6 +22,7 @@ public:
     bool update(Orla::VRequest& request, double) override
     {
         const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
+        publishCharts(pool);
         const Catalogue catalogue = m_catalogue.value(pool);
         std::vector<ChartPlaces::point> places;
         places.reserve(catalogue.size());
@@ -34,9 +38,9 @@ public:
                 isFirst = false;
             }
         }
-        give(pool, places);
-        m_strongest(pool) <<=
-            isFirst ? ChartPlaces::point{} : converted(strongest, Earth::Chart::Geographic, chartIn(pool));
+        const Earth::Chart chart = chartIn(pool);
+        give(pool, chart, std::move(places));
+        m_strongest(pool) <<= isFirst ? ChartPlaces::point{} : chart.fromGeographic(strongest);
         return true;
     }
 

@@ -1,7 +1,6 @@
 #include "QuakeStyle.hpp"
 
 #include <earth/ColorScale.hpp>
-#include <earth/Palette.hpp>
 
 #include <algorithm>
 #include <cmath>
@@ -88,7 +87,7 @@ std::optional<double> coloredValue(const Quake& quake, ColorRule rule, double in
 Gyre::rgba_float_t quakeColor(const Quake& quake, ColorRule rule, double instant) noexcept
 {
     const std::optional<double> value = coloredValue(quake, rule, instant);
-    return value ? colorAt(rule, scalePosition(rule, *value)) : Earth::Palette::unknown;
+    return value ? colorAt(rule, scalePosition(rule, *value)) : unknownColor;
 }
 
 double quakeRadius(std::optional<double> magnitude) noexcept

@@ -2,6 +2,8 @@
 
 #include "Catalogue.hpp"
 
+#include <earth/Palette.hpp>
+
 #include <gable/ColorTypes.hpp>
 
 #include <optional>
@@ -41,6 +43,9 @@ Gyre::rgba_float_t colorAt(ColorRule rule, double position) noexcept;
 /// Returns the value by which a rule colours an event, or nothing if it is unknown.
 /// \p instant is the picture's instant, in seconds since 1970 UTC.
 std::optional<double> coloredValue(const Quake& quake, ColorRule rule, double instant) noexcept;
+
+/// The colour of events whose coloured value is unknown.
+inline constexpr Gyre::rgba_float_t unknownColor = Earth::Palette::color(0x999ea3);
 
 /// Returns the colour of an event.
 Gyre::rgba_float_t quakeColor(const Quake& quake, ColorRule rule, double instant) noexcept;

@@ -1,5 +1,5 @@
 #include "Catalogue.hpp"
-#include <earth/Geocentric.hpp>
+#include <earth/Ellipsoid.hpp>
 
 #include <fathom/Double.hpp>
 #include <fathom/VCamera.hpp>

@@ -22,7 +22,8 @@ public:
 
     bool update(Orla::VRequest& request, double) override
     {
-        give(request.valuePool(), given);
+        publishCharts(request.valuePool());
+        give(request.valuePool(), chartIn(request.valuePool()), given);
         return true;
     }
 
@@ -50,6 +51,24 @@ protected:
     {
         EXPECT_TRUE(VChartSelector::getChartSelector()->selectChart(pool, chart));
         run();
+    }
+
+    // As a user who types the chart's name.
+    void want(const std::string& chart)
+    {
+        write(*VChartSelector::getChartSelector(), "chartname", pool, chart);
+        run();
+    }
+
+    std::vector<std::string> offered() const
+    {
+        std::vector<std::string> names;
+        Orla::VChartList charts;
+        const auto value = VChartSelector::getChartSelector()->findOutput("atlas")->getValueBase(pool);
+        Orla::VTypedValueBase<Orla::VChartList>::cast(value.get())->getValue(charts);
+        for (const Orla::VChart& chart : charts)
+            names.push_back(chart.name());
+        return names;
     }
 
     std::vector<double> coordinates() const
@@ -96,16 +115,41 @@ TEST_F(ChartPlacesTest, arePublishedInTheSelectedChart)
     EXPECT_THAT(coordinates(), ElementsAre(90, 0, 1000, 0, 90, 0));
 }
 
-TEST_F(ChartPlacesTest, offerTheirThreeCharts)
+TEST_F(ChartPlacesTest, offerThreeChartsAndTheWantedOneIfProjKnowsIt)
 {
     run();
-    std::vector<std::string> names;
-    Orla::VChartList charts;
-    const auto value = VChartSelector::getChartSelector()->findOutput("atlas")->getValueBase(pool);
-    Orla::VTypedValueBase<Orla::VChartList>::cast(value.get())->getValue(charts);
-    for (const Orla::VChart& chart : charts)
-        names.push_back(chart.name());
-    EXPECT_THAT(names, ElementsAre("geocentric", "geographic", "plate carree"));
+    EXPECT_THAT(offered(), ElementsAre("geocentric", "geographic", "plate carree"));
+
+    want("+proj=robin");
+    EXPECT_THAT(offered(), ElementsAre("+proj=robin", "geocentric", "geographic", "plate carree"));
+    want("mercator");
+    EXPECT_EQ(offered().size(), 4u) << "the selector forgets none, and learns none that does not exist";
+    EXPECT_TRUE(warnings.all().empty()) << "another object may offer it";
+}
+
+TEST_F(ChartPlacesTest, followAChartOfProj)
+{
+    places->given = {{10, 50, -700}, {none, none, none}};
+    want("+proj=utm +zone=32");
+    // proj -f %.4f +proj=utm +zone=32 +ellps=WGS84
+    const std::vector<double> all = coordinates();
+    ASSERT_EQ(all.size(), 6u);
+    EXPECT_NEAR(all[0], 571666.4475, 1e-3);
+    EXPECT_NEAR(all[1], 5539109.8153, 1e-3);
+    EXPECT_EQ(all[2], -700);
+    EXPECT_TRUE(std::isnan(all[3]));
+    pick("geographic");
+    EXPECT_EQ(coordinates()[0], 10);
+}
+
+TEST_F(ChartPlacesTest, failForParametersThatProjRefuses)
+{
+    want("+proj=nonsense");
+    ASSERT_EQ(warnings.all().size(), 1u);
+    EXPECT_THAT(warnings.all()[0], testing::HasSubstr("\"+proj=nonsense\", which PROJ refuses: Unknown projection"));
+    EXPECT_THAT(offered(), ElementsAre("geocentric", "geographic", "plate carree"));
+    want("+proj=robin");
+    EXPECT_EQ(warnings.all().size(), 1u);
 }
 
 TEST_F(ChartPlacesTest, excludeSeparatorsFromTheirBox)
@@ -132,6 +176,6 @@ TEST_F(ChartPlacesTest, failInAnUnknownChart)
     write(*places, "chart", pool, Orla::VChart{"polar"});
     run();
     ASSERT_EQ(warnings.all().size(), 1u);
-    EXPECT_THAT(warnings.all()[0], testing::HasSubstr("the chart \"polar\" is not supported, expected "
-                                                      "geographic, geocentric or plate carree"));
+    EXPECT_THAT(warnings.all()[0], testing::HasSubstr("found the chart \"polar\", expected geographic, "
+                                                      "geocentric, plate carree or a text for PROJ"));
 }

@@ -159,7 +159,7 @@ TEST_F(PictureWriterTest, reportsFaultsAndLeavesTheFileUnchanged)
 
     writer.set("chart", Orla::VChart{"<polar>"});
     act(EndOfRun);
-    expectError("cannot draw in the chart \"&lt;polar&gt;\", only in geographic, geocentric and plate carree");
+    expectError("found the chart \"&lt;polar&gt;\", expected geographic, geocentric, plate carree or a text for PROJ");
 
     writer.set("chart", Orla::VChart{"geocentric"});
     writer.set("camera", Orla::VCamera{{0, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30});

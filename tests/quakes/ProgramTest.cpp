@@ -79,6 +79,25 @@ TEST(Program, listsTheChartsIfTheSelectedOneIsUnknown)
                                       "geographic, plate carree\n"));
 }
 
+TEST(Program, followsAnyChartThatProjKnows)
+{
+    const TestFolder folder;
+    const ProcessResult map =
+        run({"--table=-", "--chart=+proj=utm +zone=51", "--set=picture.file=" + folder.file("map.png")});
+    EXPECT_EQ(map.status, 0) << map.err;
+    // echo 121.653 24.1737 | proj -f %.4f +proj=utm +zone=51 +ellps=WGS84
+    EXPECT_THAT(strongest(map.out), StartsWith("{363171.26"));
+    EXPECT_THAT(contentOf(folder.file("map.png")), StartsWith("\x89PNG"));
+}
+
+TEST(Program, reportsWhyProjRefusesAChart)
+{
+    const ProcessResult result = run({"--chart=+proj=nonsense"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("found the chart \"+proj=nonsense\", which PROJ refuses: Unknown projection\n"));
+    EXPECT_THAT(result.err, HasSubstr("--chart: no object offers the chart \"+proj=nonsense\""));
+}
+
 TEST(Program, drawsAGlobeAndAMap)
 {
     const TestFolder folder;
@@ -177,7 +196,8 @@ TEST(Program, findsItsDataInTheDataFolders)
                              "set = { file = 'data/land-110m.json' }\n");
     EXPECT_EQ(runTarn({"run", folder.file("net.toml")}).status, 1);
     const ProcessResult found =
-        runTarn({"run", folder.file("net.toml")}, {.environment = {"TARN_DATA=" EXAMPLES_FOLDER "/quakes:" EXAMPLES_FOLDER "/earth"}, .shell = {}});
+        runTarn({"run", folder.file("net.toml")},
+                {.environment = {"TARN_DATA=" EXAMPLES_FOLDER "/quakes;" EXAMPLES_FOLDER "/earth"}, .shell = {}});
     EXPECT_EQ(found.status, 0) << found.err;
 }
 

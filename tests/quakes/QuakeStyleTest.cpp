@@ -88,9 +88,9 @@ TEST(QuakeStyle, fadesOldEvents)
 TEST(QuakeStyle, coloursUnknownValuesGrey)
 {
     const Quake event = quake(std::nullopt, std::nullopt, 0);
-    EXPECT_EQ(quakeColor(event, ColorRule::Magnitude, 0), Earth::Palette::unknown);
-    EXPECT_EQ(quakeColor(event, ColorRule::Depth, 0), Earth::Palette::unknown);
-    EXPECT_NE(quakeColor(event, ColorRule::Age, 0), Earth::Palette::unknown);
+    EXPECT_EQ(quakeColor(event, ColorRule::Magnitude, 0), Quakes::unknownColor);
+    EXPECT_EQ(quakeColor(event, ColorRule::Depth, 0), Quakes::unknownColor);
+    EXPECT_NE(quakeColor(event, ColorRule::Age, 0), Quakes::unknownColor);
 }
 
 TEST(QuakeStyle, doublesTheRadiusEverySevenQuartersOfMagnitude)

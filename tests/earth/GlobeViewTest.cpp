@@ -1,8 +1,12 @@
-#include <quakes/GlobeView.hpp>
+#include <earth/GlobeView.hpp>
 
+#include "earth/Marks.hpp"
 #include "earth/Picture.hpp"
 #include "earth/Svg.hpp"
-#include "World.hpp"
+#include "earth/World.hpp"
+
+#include <earth/Palette.hpp>
+#include <earth/PictureFrame.hpp>
 
 #include <gtest/gtest.h>
 
@@ -11,16 +15,13 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
-using Orla::VCamera;
 using Earth::Canvas;
-using Quakes::Catalogue;
-using Quakes::ColorRule;
-using Quakes::drawGlobe;
-using Earth::GlobeProjection;
+using Earth::GlobeView;
 using Earth::LonLat;
 using Earth::PictureFormat;
-using Quakes::QuakePicture;
+using Orla::VCamera;
 
 namespace {
 
@@ -29,18 +30,11 @@ namespace Palette = Earth::Palette;
 const VCamera aboveAfrica{{2.4e7, 6e6, 0}, {0, 0, 0}, {0, 0, 1}, 32};
 const VCamera aboveSouthPole{{0, 0, -3e7}, {0, 0, 0}, {1, 0, 0}, 28};
 
-QuakePicture quakes(std::vector<Quakes::Quake> events, ColorRule rule = ColorRule::Depth)
-{
-    return {"Earthquakes", 1000, Catalogue{std::move(events)}, rule};
-}
-
 class Globe {
 public:
-    explicit Globe(const QuakePicture& picture, const VCamera& camera = aboveAfrica,
+    explicit Globe(const std::vector<Dot>& dots, const VCamera& camera = aboveAfrica,
                    PictureFormat format = PictureFormat::Png, int width = 900, int height = 900)
-        : m_canvas{format, width, height}
-        , projection{drawGlobe(m_canvas, picture, world(), camera)}
-        , bytes{m_canvas.finished()}
+        : m_canvas{format, width, height}, view{camera, pictureSpace(m_canvas)}, bytes{drawnWith(m_canvas, view, dots)}
     {
     }
 
@@ -48,20 +42,20 @@ private:
     Canvas m_canvas;
 
 public:
-    GlobeProjection projection;
+    GlobeView view;
     std::string bytes;
 };
 
 class ColorsOfGlobe : public Globe, public Picture {
 public:
-    explicit ColorsOfGlobe(const QuakePicture& picture, const VCamera& camera = aboveAfrica)
-        : Globe{picture, camera}, Picture{bytes}
+    explicit ColorsOfGlobe(const std::vector<Dot>& dots, const VCamera& camera = aboveAfrica)
+        : Globe{dots, camera}, Picture{bytes}
     {
     }
 
     Rgb at(double longitude, double latitude) const
     {
-        const auto pixel = projection.seen(LonLat{longitude, latitude});
+        const auto pixel = view.seen(LonLat{longitude, latitude});
         if (!pixel) {
             ADD_FAILURE() << longitude << ' ' << latitude << " is not visible";
             return {};
@@ -89,7 +83,7 @@ std::size_t differentPixels(const Picture& a, const Picture& b)
 
 TEST(GlobeView, coloursLandAndSea)
 {
-    const ColorsOfGlobe africa{quakes({})};
+    const ColorsOfGlobe africa{{}};
     EXPECT_TRUE(isLand(africa.at(20, 10)));
     EXPECT_TRUE(isLand(africa.at(25, -20)));
     EXPECT_TRUE(isLand(africa.at(40, 22))) << "Arabia";
@@ -98,7 +92,7 @@ TEST(GlobeView, coloursLandAndSea)
     EXPECT_FALSE(isLand(africa.at(70, -20))) << "Indian Ocean";
     EXPECT_LE(difference(africa.at(22, 5), rgb(Palette::land)), 6) << "hardly shaded in the middle";
 
-    const ColorsOfGlobe antarctica{quakes({}), aboveSouthPole};
+    const ColorsOfGlobe antarctica{{}, aboveSouthPole};
     EXPECT_TRUE(isLand(antarctica.at(7, -89.5))) << "filled to the pole";
     EXPECT_TRUE(isLand(antarctica.at(179.7, -87.3)));
     EXPECT_TRUE(isLand(antarctica.at(-179.7, -87.3)));
@@ -106,43 +100,30 @@ TEST(GlobeView, coloursLandAndSea)
     EXPECT_FALSE(isLand(antarctica.at(100, -52)));
 }
 
-TEST(GlobeView, drawsVisibleEventsInTheirColours)
+TEST(GlobeView, drawsVisibleMarks)
 {
-    const QuakePicture picture = quakes({quakeAt(-12, -15, 6, 600), quakeAt(22, 5, 6, 10), quakeAt(47, 57, 5, 80)});
-    const ColorsOfGlobe globe{picture};
-    for (std::size_t i = 0; i < picture.quakes.size(); ++i) {
-        const Quakes::Quake& quake = picture.quakes[i];
-        EXPECT_LE(difference(globe.at(quake.longitude, quake.latitude), rgb(quakeColor(quake, picture.colorRule, 0))),
-                  1);
-    }
+    const std::vector<Dot> dots{{{-12, -15}, 10}, {{22, 5}, 10}, {{47, 57}, 6}};
+    const ColorsOfGlobe globe{dots};
+    for (const Dot& dot : dots)
+        EXPECT_LE(difference(globe.at(dot.place.longitude, dot.place.latitude), rgb(dotColor)), 1);
 }
 
-TEST(GlobeView, omitsEventsOnTheFarSide)
+TEST(GlobeView, omitsMarksOnTheFarSide)
 {
     // Directly behind the Earth: without it, the picture would show them.
-    QuakePicture none = quakes({});
-    QuakePicture hidden = quakes({quakeAt(-166, 0, 7, 10), quakeAt(170, 20, 7, 600)});
-    const ColorsOfGlobe empty{none};
-    const ColorsOfGlobe behind{hidden};
-    std::size_t different = 0;
-    for (int y = 90; y < 900 - 102; ++y) {
-        for (int x = 0; x < 900; ++x)
-            different += empty.Picture::at(x, y) == behind.Picture::at(x, y) ? 0u : 1u;
-    }
-    EXPECT_EQ(different, 0u);
-    EXPECT_GT(differentPixels(empty, ColorsOfGlobe{quakes({quakeAt(14, 0, 7, 10)})}), 500u) << "on the near side";
+    EXPECT_EQ(Globe({{{-166, 0}, 16}, {{170, 20}, 16}}).bytes, Globe{{}}.bytes);
+    EXPECT_GT(differentPixels(ColorsOfGlobe{{}}, ColorsOfGlobe{{{{14, 0}, 16}}}), 500u) << "on the near side";
 }
 
 TEST(GlobeView, drawsNothingOutsideTheDisc)
 {
-    std::vector<Quakes::Quake> events;
+    std::vector<Dot> dots;
     for (int longitude = -180; longitude < 180; longitude += 2)
-        events.push_back(quakeAt(longitude, 30.0 * std::sin(longitude), 7, 10));
-    const QuakePicture picture = quakes(std::move(events));
-    const ColorsOfGlobe globe{picture};
-    const auto circle = globe.projection.circleAroundDisc();
+        dots.push_back({{static_cast<double>(longitude), 30.0 * std::sin(longitude)}, 16});
+    const ColorsOfGlobe globe{dots};
+    const auto circle = globe.view.projection().circleAroundDisc();
     ASSERT_TRUE(circle);
-    const Earth::Rectangle space = Quakes::pictureSpace(Canvas{PictureFormat::Png, 900, 900});
+    const Earth::Rectangle space = Earth::pictureSpace(Canvas{PictureFormat::Png, 900, 900});
     std::size_t outside = 0;
     for (int y = static_cast<int>(space.top) + 1; y < space.bottom() - 1; ++y) {
         for (int x = 0; x < 900; ++x) {
@@ -157,8 +138,8 @@ TEST(GlobeView, drawsNothingOutsideTheDisc)
 
 TEST(GlobeView, drawsTheWholeDisc)
 {
-    const ColorsOfGlobe globe{quakes({})};
-    const auto circle = globe.projection.circleAroundDisc();
+    const ColorsOfGlobe globe{{}};
+    const auto circle = globe.view.projection().circleAroundDisc();
     ASSERT_TRUE(circle);
     for (int angle = 0; angle < 360; angle += 5) {
         const double x = circle->center.x + (circle->radius - 3) * std::cos(angle * 0.017453292519943295);
@@ -170,8 +151,8 @@ TEST(GlobeView, drawsTheWholeDisc)
 TEST(GlobeView, staysInItsSpaceWhenTheCameraIsNear)
 {
     const VCamera near{{6.9e6, 0, 0}, {0, 0, 0}, {0, 0, 1}, 60};
-    const ColorsOfGlobe globe{quakes({quakeAt(0, 0, 7, 10), quakeAt(3, 3, 7, 10)}), near};
-    const Earth::Rectangle space = Quakes::pictureSpace(Canvas{PictureFormat::Png, 900, 900});
+    const ColorsOfGlobe globe{{{{0, 0}, 16}, {{3, 3}, 16}}, near};
+    const Earth::Rectangle space = Earth::pictureSpace(Canvas{PictureFormat::Png, 900, 900});
     for (int y = 0; y < 900; ++y) {
         EXPECT_EQ(globe.Picture::at(space.left - 3, y), rgb(Palette::paper)) << y;
         EXPECT_EQ(globe.Picture::at(space.right() + 2, y), rgb(Palette::paper)) << y;
@@ -181,39 +162,35 @@ TEST(GlobeView, staysInItsSpaceWhenTheCameraIsNear)
 
 TEST(GlobeView, writesTheSameBytesEachTime)
 {
-    const QuakePicture picture = quakes({quakeAt(14, 5, 5.5, 33.3), quakeAt(40, -20, 6, 500)}, ColorRule::Age);
+    const std::vector<Dot> dots{{{14, 5}, 8}, {{40, -20}, 11}};
     for (const PictureFormat format : {PictureFormat::Png, PictureFormat::Svg})
-        EXPECT_EQ(Globe(picture, aboveAfrica, format).bytes, Globe(picture, aboveAfrica, format).bytes);
+        EXPECT_EQ(Globe(dots, aboveAfrica, format).bytes, Globe(dots, aboveAfrica, format).bytes);
 }
 
 TEST(GlobeView, writesWellFormedSvgOfModestSize)
 {
-    std::vector<Quakes::Quake> events;
+    std::vector<Dot> dots;
     for (int i = 0; i < 500; ++i)
-        events.push_back(quakeAt(i % 40, i % 30, 2 + i % 4, i));
-    const Globe globe{quakes(std::move(events)), aboveAfrica, PictureFormat::Svg};
+        dots.push_back({{static_cast<double>(i % 40), static_cast<double>(i % 30)}, 2.0 + i % 4});
+    const Globe globe{dots, aboveAfrica, PictureFormat::Svg};
     const Svg svg{globe.bytes};
     EXPECT_EQ(svg.fault, "");
-    EXPECT_LT(globe.bytes.size(), 1000000u) << "the clip must not be repeated for each event";
+    EXPECT_LT(globe.bytes.size(), 1000000u) << "the clip must not be repeated for each mark";
     const std::ptrdiff_t clips = std::count_if(svg.elements.begin(), svg.elements.end(),
                                                [](const Svg::Element& element) { return element.name == "clipPath"; });
     EXPECT_LT(clips, 10);
 }
 
-TEST(GlobeView, refusesACameraInsideTheEarthBeforeItDraws)
+TEST(GlobeView, refusesACameraInsideTheEarth)
 {
-    Canvas canvas{PictureFormat::Svg, 100, 100};
-    EXPECT_THROW(drawGlobe(canvas, quakes({}), world(), VCamera{{1e6, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30}),
-                 std::invalid_argument);
-    EXPECT_EQ(canvas.finished(), Canvas(PictureFormat::Svg, 100, 100).finished());
+    EXPECT_THROW(GlobeView(VCamera{{1e6, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30}, {0, 0, 100, 100}), std::invalid_argument);
 }
 
 TEST(GlobeView, drawsPicturesOfAnySize)
 {
     for (const auto& [width, height] : {std::pair{1, 1}, {16, 900}, {900, 16}, {300, 300}, {2000, 500}}) {
         SCOPED_TRACE(testing::Message() << width << ' ' << height);
-        const Picture picture{
-            Globe{quakes({quakeAt(10, 10, 5, 10)}), aboveAfrica, PictureFormat::Png, width, height}.bytes};
+        const Picture picture{Globe{{{{10, 10}, 7}}, aboveAfrica, PictureFormat::Png, width, height}.bytes};
         EXPECT_EQ(picture.width, width);
         EXPECT_EQ(picture.height, height);
     }

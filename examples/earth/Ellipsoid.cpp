@@ -1,11 +1,7 @@
-#include <earth/Projection.hpp>
-
-#include <earth/Geocentric.hpp>
+#include <earth/Ellipsoid.hpp>
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <iterator>
 #include <numbers>
 
 namespace Earth {
@@ -20,8 +16,6 @@ constexpr double semiMinorAxis = semiMajorAxis * (1 - flattening);
 constexpr double squaredEccentricity = flattening * (2 - flattening);
 constexpr double squaredSecondEccentricity = squaredEccentricity / (1 - squaredEccentricity);
 constexpr double degree = std::numbers::pi / 180;
-
-constexpr const char* names[] = {"geographic", "geocentric", "plate carree"};
 
 struct Direction {
     double cosine;
@@ -62,17 +56,14 @@ Direction reducedLatitude(double p, double z) noexcept
 
 } // namespace
 
-const char* chartName(Chart chart) noexcept
+PhysicalSpace::point geocentric(double longitude, double latitude, double height) noexcept
 {
-    return names[static_cast<std::size_t>(chart)];
-}
-
-std::optional<Chart> chartOfName(std::string_view name) noexcept
-{
-    const auto found = std::find(std::begin(names), std::end(names), name);
-    if (found == std::end(names))
-        return std::nullopt;
-    return static_cast<Chart>(found - std::begin(names));
+    const double sine = std::sin(latitude * degree);
+    // Radius of curvature in the prime vertical.
+    const double normal = semiMajorAxis / std::sqrt(1 - squaredEccentricity * sine * sine);
+    const double fromAxis = (normal + height) * std::cos(latitude * degree);
+    return {fromAxis * std::cos(longitude * degree), fromAxis * std::sin(longitude * degree),
+            (normal * (1 - squaredEccentricity) + height) * sine};
 }
 
 PhysicalSpace::point geographic(const PhysicalSpace::point& geocentric) noexcept
@@ -93,18 +84,9 @@ PhysicalSpace::point plateCarree(const PhysicalSpace::point& geographic) noexcep
     return {semiMajorAxis * (geographic.x() * degree), semiMajorAxis * (geographic.y() * degree), geographic.z()};
 }
 
-PhysicalSpace::point converted(const PhysicalSpace::point& place, Chart from, Chart to) noexcept
+PhysicalSpace::point fromPlateCarree(const PhysicalSpace::point& metres) noexcept
 {
-    if (from == to)
-        return place;
-    PhysicalSpace::point result = place;
-    if (from == Chart::Geocentric)
-        result = geographic(place);
-    else if (from == Chart::PlateCarree)
-        result = {place.x() / semiMajorAxis / degree, place.y() / semiMajorAxis / degree, place.z()};
-    if (to == Chart::Geocentric)
-        return geocentric(result.x(), result.y(), result.z());
-    return to == Chart::PlateCarree ? plateCarree(result) : result;
+    return {metres.x() / semiMajorAxis / degree, metres.y() / semiMajorAxis / degree, metres.z()};
 }
 
 PhysicalSpace::point onUnitSphere(const PhysicalSpace::point& geocentric) noexcept

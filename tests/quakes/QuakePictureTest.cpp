@@ -1,14 +1,19 @@
-#include <quakes/PictureFrame.hpp>
+#include <quakes/QuakePicture.hpp>
 
 #include "earth/Picture.hpp"
 #include "earth/Svg.hpp"
 #include "World.hpp"
 
+#include <earth/PictureFrame.hpp>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 using Earth::Canvas;
@@ -58,11 +63,11 @@ QuakePicture titled(const std::string& title)
 
 } // namespace
 
-TEST(PictureFrame, leavesTheSpaceOfTheMapEmpty)
+TEST(QuakePicture, leavesTheSpaceOfTheMapEmpty)
 {
     for (const auto& [width, height] : {std::pair{900, 900}, {1280, 720}, {300, 700}}) {
         Canvas canvas{PictureFormat::Png, width, height};
-        const Earth::Rectangle space = Quakes::pictureSpace(canvas);
+        const Earth::Rectangle space = Earth::pictureSpace(canvas);
         drawFrame(canvas, titled("A title"));
         const Picture picture{canvas.finished()};
         EXPECT_EQ(ink(picture, space.top, space.bottom()).count, 0);
@@ -71,25 +76,7 @@ TEST(PictureFrame, leavesTheSpaceOfTheMapEmpty)
     }
 }
 
-TEST(PictureFrame, keepsItsMarginsForAnyTitle)
-{
-    std::string tall;
-    for (int i = 0; i < 400; ++i)
-        tall += "\u00e4\u4e16 ";
-    for (const std::string& title : {std::string(), std::string("Earthquakes"), std::string(60, 'W'),
-                                     std::string(100000, 'W'), tall, std::string(5000, '\x80')}) {
-        SCOPED_TRACE(title.substr(0, 20));
-        const Picture picture{frame(titled(title))};
-        const Extent all = ink(picture, 0, 900);
-        EXPECT_GE(all.left, 25);
-        EXPECT_LE(all.right, 900 - 26);
-        EXPECT_EQ(ink(picture, 896, 900).count, 0) << "nothing is cut off below";
-        EXPECT_EQ(ink(picture, 0, 4).count, 0) << "nor above";
-    }
-    EXPECT_GT(ink(Picture{frame(titled(std::string(1000, 'W')))}, 0, 50).right, 800) << "the text uses the width";
-}
-
-TEST(PictureFrame, showsTheTitleTheInstantAndTheNumberOfEvents)
+TEST(QuakePicture, showsTheTitleTheInstantAndTheNumberOfEvents)
 {
     const QuakePicture picture{"Title", 1517356800, Catalogue{}, ColorRule::Depth};
     const std::string plain = frame(picture);
@@ -108,7 +95,7 @@ TEST(PictureFrame, showsTheTitleTheInstantAndTheNumberOfEvents)
     EXPECT_EQ(Svg{frame(other, PictureFormat::Svg)}.fault, "");
 }
 
-TEST(PictureFrame, hasALegendForItsRule)
+TEST(QuakePicture, hasALegendForItsRule)
 {
     QuakePicture picture = titled("Title");
     std::vector<std::string> pictures;
@@ -126,14 +113,14 @@ TEST(PictureFrame, hasALegendForItsRule)
     EXPECT_LE(difference(depth.at(900 - 221, 900 - 52), rgb(Quakes::colorAt(ColorRule::Depth, 0.5))), 4);
 }
 
-TEST(PictureFrame, explainsGreyIfAValueIsUnknown)
+TEST(QuakePicture, explainsGreyIfAValueIsUnknown)
 {
     const auto greys = [](const std::string& bytes) {
         const Picture picture{bytes};
         int count = 0;
         for (int y = 800; y < 900; ++y) {
             for (int x = 0; x < 900; ++x)
-                count += difference(picture.at(x, y), rgb(Palette::unknown)) <= 1 ? 1 : 0;
+                count += difference(picture.at(x, y), rgb(Quakes::unknownColor)) <= 1 ? 1 : 0;
         }
         return count;
     };
@@ -145,14 +132,7 @@ TEST(PictureFrame, explainsGreyIfAValueIsUnknown)
     EXPECT_LT(greys(frame(picture)), 20) << "the magnitude is known";
 }
 
-TEST(PictureFrame, scalesWithThePicture)
-{
-    EXPECT_DOUBLE_EQ(Quakes::pixelsOfPoint(Canvas{PictureFormat::Svg, 900, 720}), 1);
-    EXPECT_DOUBLE_EQ(Quakes::pixelsOfPoint(Canvas{PictureFormat::Svg, 1800, 1440}), 2);
-    EXPECT_DOUBLE_EQ(Quakes::pixelsOfPoint(Canvas{PictureFormat::Svg, 450, 9000}), 0.5);
-}
-
-TEST(PictureFrame, drawsLargeEventsFirst)
+TEST(QuakePicture, drawsLargeEventsFirst)
 {
     const Catalogue catalogue{
         {quakeAt(0, 0, 2, 1, 1), quakeAt(0, 0, 6, 1, 2), quakeAt(0, 0, std::nullopt, 1, 3), quakeAt(0, 0, 6, 1, 4)}};
@@ -162,4 +142,72 @@ TEST(PictureFrame, drawsLargeEventsFirst)
     EXPECT_EQ(drawn[1]->time, 4);
     EXPECT_EQ(drawn[2]->time, 1);
     EXPECT_EQ(drawn[3]->time, 3);
+}
+
+namespace {
+
+// A whole picture as plate carree, and the colours of its places.
+class Drawn {
+public:
+    explicit Drawn(const QuakePicture& picture)
+        : m_canvas{PictureFormat::Png, 1280, 720}, m_view{makeView(m_canvas, Earth::Chart{}, {})}
+    {
+        draw(m_canvas, picture, world(), *m_view);
+        m_picture.emplace(m_canvas.finished());
+    }
+
+    Rgb at(double longitude, double latitude) const
+    {
+        const Earth::Pixel pixel = m_view->seen(Earth::LonLat{longitude, latitude}).value();
+        return m_picture->at(pixel.x, pixel.y);
+    }
+
+private:
+    Canvas m_canvas;
+    std::unique_ptr<Earth::View> m_view;
+    std::optional<Picture> m_picture;
+};
+
+QuakePicture quakes(std::vector<Quakes::Quake> events, ColorRule rule = ColorRule::Depth)
+{
+    return {"Earthquakes", 1000, Catalogue{std::move(events)}, rule};
+}
+
+} // namespace
+
+TEST(QuakePicture, drawsEventsAtTheirPlacesInTheirColours)
+{
+    for (const ColorRule rule : {ColorRule::Magnitude, ColorRule::Depth}) {
+        const QuakePicture picture =
+            quakes({quakeAt(-120, 10, 5, 600), quakeAt(100, -30, 6, 10), quakeAt(-40, 30, 7, 80)}, rule);
+        const Drawn map{picture};
+        for (std::size_t i = 0; i < picture.quakes.size(); ++i) {
+            const Quakes::Quake& quake = picture.quakes[i];
+            EXPECT_LE(difference(map.at(quake.longitude, quake.latitude), rgb(quakeColor(quake, rule, 0))), 1);
+        }
+        // A degree is 2.8 pixels. The radius of the strongest event is 16 points, of the weakest 7.2.
+        EXPECT_LE(difference(map.at(-40 + 12 / 2.8, 30), rgb(quakeColor(picture.quakes[2], rule, 0))), 1);
+        EXPECT_EQ(map.at(-120 + 12 / 2.8, 10), rgb(Palette::sea));
+    }
+}
+
+TEST(QuakePicture, drawsUnknownEventsSmallAndGrey)
+{
+    const Drawn map{quakes({quakeAt(-140.3, 5.2, std::nullopt, std::nullopt)})};
+    EXPECT_GT(difference(map.at(-140.3, 5.2), rgb(Palette::sea)), 20);
+    EXPECT_EQ(map.at(-138.5, 5.2), rgb(Palette::sea));
+}
+
+TEST(QuakePicture, drawsNoEventAfterItsInstant)
+{
+    const Drawn map{quakes({quakeAt(-140, 5, 6, 10, 1000), quakeAt(-35, 5, 6, 10, 1000.5)})};
+    EXPECT_NE(map.at(-140, 5), rgb(Palette::sea));
+    EXPECT_EQ(map.at(-35, 5), rgb(Palette::sea));
+}
+
+TEST(QuakePicture, drawsSmallEventsOverLargeOnes)
+{
+    const QuakePicture picture = quakes({quakeAt(-140, 5, 3, 600), quakeAt(-140, 5, 7, 0)});
+    const Drawn map{picture};
+    EXPECT_LE(difference(map.at(-140, 5), rgb(quakeColor(quakeAt(0, 0, 3, 600), ColorRule::Depth, 0))), 1);
 }

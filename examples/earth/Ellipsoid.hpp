@@ -1,27 +1,20 @@
 #pragma once
 
 #include <earth/Export.hpp>
-#include <earth/Shapes.hpp>
 
 #include <gable/PhysicalSpace.hpp>
 
-#include <optional>
-#include <string_view>
+// Closed forms on the ellipsoid WGS 84. They are exact to rounding, and other charts are
+// converted through them.
 
 namespace Earth {
 
-/// Coordinate systems for places near the Earth, all based on the ellipsoid WGS 84.
-enum class Chart {
-    Geographic, ///< longitude and latitude in degrees, height above the ellipsoid in metres
-    Geocentric, ///< metres from the centre, x through longitude and latitude 0, z through the north pole
-    PlateCarree ///< metres east and north along the equator's circle, height above the ellipsoid in metres
-};
-
-/// Returns "geographic", "geocentric" or "plate carree".
-EARTH_API const char* chartName(Chart chart) noexcept;
-
-/// Returns the chart with that name, or nothing if the name is unknown.
-EARTH_API std::optional<Chart> chartOfName(std::string_view name) noexcept;
+/// Converts a place relative to the ellipsoid to a point in space: metres from the Earth's
+/// centre, x through latitude and longitude 0, z through the north pole.
+///
+/// \p longitude and \p latitude are in degrees, \p height is in metres above the
+/// ellipsoid. EPSG method 9602, geographic to geocentric.
+EARTH_API Gyre::PhysicalSpace::point geocentric(double longitude, double latitude, double height) noexcept;
 
 /// Converts geocentric metres to longitude and latitude in degrees, those of the nearest
 /// point of the ellipsoid, and height in metres.
@@ -36,8 +29,8 @@ EARTH_API Gyre::PhysicalSpace::point geographic(const Gyre::PhysicalSpace::point
 /// equator's radius. Keeps the height.
 EARTH_API Gyre::PhysicalSpace::point plateCarree(const Gyre::PhysicalSpace::point& geographic) noexcept;
 
-/// Converts the coordinates of a place from one chart to another.
-EARTH_API Gyre::PhysicalSpace::point converted(const Gyre::PhysicalSpace::point& place, Chart from, Chart to) noexcept;
+/// The inverse of `plateCarree`.
+EARTH_API Gyre::PhysicalSpace::point fromPlateCarree(const Gyre::PhysicalSpace::point& metres) noexcept;
 
 /// Scales space by the axes of the ellipsoid: the ellipsoid becomes the unit sphere, and
 /// straight lines stay straight.

@@ -1,0 +1,101 @@
+#include <earth/PictureFrame.hpp>
+
+#include "earth/Picture.hpp"
+
+#include <earth/Palette.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+using Earth::Canvas;
+using Earth::PictureFormat;
+
+namespace {
+
+namespace Palette = Earth::Palette;
+
+std::string frame(const std::string& title)
+{
+    Canvas canvas{PictureFormat::Png, 900, 900};
+    drawPictureFrame(canvas, title, title);
+    return canvas.finished();
+}
+
+// The horizontal extent and the number of the coloured pixels in a range of rows.
+struct Extent {
+    int left = 1000000;
+    int right = -1;
+    int count = 0;
+};
+
+Extent ink(const Picture& picture, double top, double bottom)
+{
+    Extent extent;
+    for (int y = static_cast<int>(top); y < bottom; ++y) {
+        for (int x = 0; x < picture.width; ++x) {
+            if (picture.at(x, y) != rgb(Palette::paper)) {
+                extent.left = std::min(extent.left, x);
+                extent.right = std::max(extent.right, x);
+                ++extent.count;
+            }
+        }
+    }
+    return extent;
+}
+
+} // namespace
+
+TEST(PictureFrame, leavesTheSpacesOfTheMapAndTheLegendEmpty)
+{
+    for (const auto& [width, height] : {std::pair{900, 900}, {1280, 720}, {300, 700}}) {
+        Canvas canvas{PictureFormat::Png, width, height};
+        const Earth::Rectangle space = pictureSpace(canvas);
+        EXPECT_LT(space.bottom(), legendSpace(canvas).top);
+        EXPECT_NEAR(legendSpace(canvas).bottom(), height, 1e-9);
+        drawPictureFrame(canvas, "A title", "and more");
+        const Picture picture{canvas.finished()};
+        EXPECT_EQ(ink(picture, space.top, height).count, 0);
+        EXPECT_GT(ink(picture, 0, space.top).count, 100);
+    }
+}
+
+TEST(PictureFrame, keepsItsMarginsForAnyTitle)
+{
+    std::string tall;
+    for (int i = 0; i < 400; ++i)
+        tall += "\u00e4\u4e16 ";
+    for (const std::string& title : {std::string(), std::string("Earthquakes"), std::string(60, 'W'),
+                                     std::string(100000, 'W'), tall, std::string(5000, '\x80')}) {
+        SCOPED_TRACE(title.substr(0, 20));
+        const Picture picture{frame(title)};
+        const Extent all = ink(picture, 0, 900);
+        EXPECT_GE(all.left, 25);
+        EXPECT_LE(all.right, 900 - 26);
+        EXPECT_EQ(ink(picture, 896, 900).count, 0) << "nothing is cut off below";
+        EXPECT_EQ(ink(picture, 0, 4).count, 0) << "nor above";
+    }
+    EXPECT_GT(ink(Picture{frame(std::string(1000, 'W'))}, 0, 50).right, 800) << "the text uses the width";
+}
+
+TEST(PictureFrame, scalesWithThePicture)
+{
+    EXPECT_DOUBLE_EQ(Earth::pixelsOfPoint(Canvas{PictureFormat::Svg, 900, 720}), 1);
+    EXPECT_DOUBLE_EQ(Earth::pixelsOfPoint(Canvas{PictureFormat::Svg, 1800, 1440}), 2);
+    EXPECT_DOUBLE_EQ(Earth::pixelsOfPoint(Canvas{PictureFormat::Svg, 450, 9000}), 0.5);
+}
+
+TEST(PictureFrame, drawsAScaleOfColours)
+{
+    Canvas canvas{PictureFormat::Png, 900, 720};
+    canvas.clear(Palette::paper);
+    drawColorBar(canvas, {100, 100, 400, 20}, {"Rain (mm)", {Palette::sea, Palette::ink}, {{0, 0}, {5, 0.5}}});
+    const Picture picture{canvas.finished()};
+    EXPECT_LE(difference(picture.at(102, 110), rgb(Palette::sea)), 3);
+    EXPECT_LE(difference(picture.at(497, 110), rgb(Palette::ink)), 3);
+    EXPECT_GT(ink(picture, 74, 90).count, 50) << "the title";
+    EXPECT_GT(ink(picture, 130, 145).count, 10) << "the values";
+    EXPECT_LT(ink(picture, 130, 145).right, 310) << "at their positions";
+}
