@@ -210,9 +210,9 @@ private:
         Place place = onMap(m_chart, longitude, latitude);
         if (place.isFinite) {
             const std::optional<Scales> scales = scalesAt(m_chart, m_frame, longitude, latitude);
-            place.isFinite = scales
-                             && (scales->least <= mostInBoth * m_leastEnlarged
-                                 || scales->most <= mostEnlarged * m_leastEnlarged);
+            place.isFinite =
+                scales
+                && (scales->least <= mostInBoth * m_leastEnlarged || scales->most <= mostEnlarged * m_leastEnlarged);
         }
         return place;
     }
@@ -251,8 +251,7 @@ private:
         if (isFull)
             return true;
 
-        const bool hasCorners =
-            places[0].isFinite && places[2].isFinite && places[6].isFinite && places[8].isFinite;
+        const bool hasCorners = places[0].isFinite && places[2].isFinite && places[6].isFinite && places[8].isFinite;
         const bool isCut = hasCorners || hasJump(places, cell);
         if (cell.size > (isCut ? 1 : smallestAtBorder))
             return searchQuarters(cell);
@@ -311,17 +310,18 @@ private:
     // the region.
     void addBorder(const Cell& cell, const std::array<bool, 4>& isShown)
     {
-        const std::array<LonLat, 4> corners{
-            LonLat{longitude(cell.column), latitude(cell.row)}, {longitude(cell.column + cell.size), latitude(cell.row)},
-            {longitude(cell.column + cell.size), latitude(cell.row + cell.size)},
-            {longitude(cell.column), latitude(cell.row + cell.size)}};
+        const std::array<LonLat, 4> corners{LonLat{longitude(cell.column), latitude(cell.row)},
+                                            {longitude(cell.column + cell.size), latitude(cell.row)},
+                                            {longitude(cell.column + cell.size), latitude(cell.row + cell.size)},
+                                            {longitude(cell.column), latitude(cell.row + cell.size)}};
         Ring ring;
         for (std::size_t i = 0; i < 4; ++i) {
             const std::size_t next = (i + 1) % 4;
             if (isShown[i])
                 ring.push_back(corners[i]);
             if (isShown[i] != isShown[next])
-                ring.push_back(isShown[i] ? lastShown(corners[i], corners[next]) : lastShown(corners[next], corners[i]));
+                ring.push_back(isShown[i] ? lastShown(corners[i], corners[next])
+                                          : lastShown(corners[next], corners[i]));
         }
         if (ring.size() > 2)
             rings.push_back(std::move(ring));

@@ -90,8 +90,8 @@ struct PlaneArea::State {
     // Returns what a closed ring in the plane encloses by the even-odd rule.
     Geometry polygon(const Ring& ring) const
     {
-        Geometry result = owned(GEOSGeom_createPolygon_r(
-            context, GEOSGeom_createLinearRing_r(context, sequence(ring, true)), nullptr, 0));
+        Geometry result = owned(
+            GEOSGeom_createPolygon_r(context, GEOSGeom_createLinearRing_r(context, sequence(ring, true)), nullptr, 0));
         if (GEOSisValid_r(context, result.get()) == 1)
             return result;
         const Geometry valid = owned(GEOSMakeValid_r(context, result.get()));
@@ -178,9 +178,8 @@ PlaneArea::PlaneArea(const std::vector<Ring>& rings)
         polygons.push_back(state->polygon(ring));
     for (State::Geometry& polygon : polygons)
         pointers.push_back(polygon.release());
-    const State::Geometry all =
-        state->owned(GEOSGeom_createCollection_r(state->context, GEOS_GEOMETRYCOLLECTION, pointers.data(),
-                                                 static_cast<unsigned>(pointers.size())));
+    const State::Geometry all = state->owned(GEOSGeom_createCollection_r(
+        state->context, GEOS_GEOMETRYCOLLECTION, pointers.data(), static_cast<unsigned>(pointers.size())));
     state->setArea(state->owned(GEOSUnaryUnion_r(state->context, all.get())));
     m_state = state;
 }
@@ -227,8 +226,8 @@ bool PlaneArea::contains(LonLat& place) const
     forEachTurn({place}, m_state->bounds, [&](const std::vector<LonLat>& shifted) {
         if (isInside)
             return;
-        const State::Geometry point = m_state->owned(
-            GEOSGeom_createPointFromXY_r(m_state->context, shifted[0].longitude, shifted[0].latitude));
+        const State::Geometry point =
+            m_state->owned(GEOSGeom_createPointFromXY_r(m_state->context, shifted[0].longitude, shifted[0].latitude));
         isInside = GEOSPreparedIntersects_r(m_state->context, m_state->prepared, point.get()) == 1;
         if (isInside)
             place = shifted[0];
@@ -247,9 +246,8 @@ std::vector<Ring> PlaneArea::clipped(const Ring& ring) const
         if (GEOSPreparedContains_r(m_state->context, m_state->prepared, polygon.get()) == 1)
             result.push_back(shifted);
         else if (GEOSPreparedIntersects_r(m_state->context, m_state->prepared, polygon.get()) == 1)
-            m_state->appendRings(result, m_state->owned(GEOSIntersection_r(m_state->context, polygon.get(),
-                                                                          m_state->area.get()))
-                                             .get());
+            m_state->appendRings(
+                result, m_state->owned(GEOSIntersection_r(m_state->context, polygon.get(), m_state->area.get())).get());
     });
     return result;
 }
@@ -264,13 +262,13 @@ std::vector<Line> PlaneArea::clippedLine(const Line& given, bool isClosed) const
         return result;
     const std::lock_guard lock{m_state->mutex};
     forEachTurn(unrolledLine(line), m_state->bounds, [&](const Line& shifted) {
-        const State::Geometry path = m_state->owned(
-            GEOSGeom_createLineString_r(m_state->context, m_state->sequence(shifted, false)));
+        const State::Geometry path =
+            m_state->owned(GEOSGeom_createLineString_r(m_state->context, m_state->sequence(shifted, false)));
         if (GEOSPreparedContains_r(m_state->context, m_state->prepared, path.get()) == 1) {
             result.push_back(shifted);
         } else if (GEOSPreparedIntersects_r(m_state->context, m_state->prepared, path.get()) == 1) {
-            const State::Geometry parts = m_state->owned(
-                GEOSIntersection_r(m_state->context, path.get(), m_state->area.get()));
+            const State::Geometry parts =
+                m_state->owned(GEOSIntersection_r(m_state->context, path.get(), m_state->area.get()));
             // Self-crossing lines come back in pieces.
             const State::Geometry merged = m_state->owned(GEOSLineMerge_r(m_state->context, parts.get()));
             m_state->forEachPart(merged.get(), [&](const GEOSGeometry* part, int type) {

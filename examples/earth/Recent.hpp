@@ -20,7 +20,8 @@ public:
     std::shared_ptr<const Value> get(const std::string& name, Make&& make)
     {
         const std::lock_guard lock{m_mutex};
-        auto found = std::find_if(m_values.begin(), m_values.end(), [&](const auto& each) { return each.first == name; });
+        auto found =
+            std::find_if(m_values.begin(), m_values.end(), [&](const auto& each) { return each.first == name; });
         if (found == m_values.end())
             found = m_values.emplace(m_values.end(), name, make());
         std::rotate(m_values.begin(), found, found + 1);

@@ -94,8 +94,7 @@ void drawQuakes(Canvas& canvas, const QuakePicture& picture, const Earth::View& 
     }
 }
 
-void draw(Canvas& canvas, const QuakePicture& picture, const std::vector<Earth::Polygon>& land,
-          const Earth::View& view)
+void draw(Canvas& canvas, const QuakePicture& picture, const std::vector<Earth::Polygon>& land, const Earth::View& view)
 {
     drawFrame(canvas, picture);
     view.beginClip(canvas);

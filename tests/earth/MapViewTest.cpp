@@ -60,21 +60,19 @@ public:
     {
     }
 
-    // Returns true if places three degrees away are visible, and not much nearer in some direction
-    // than in others.
+    // Returns true if the map around a place is neither too small nor flattened.
     bool isLegible(const LonLat& place) const
     {
-        const Pixel center = view.seen(place).value();
-        double nearest = 1000;
-        double furthest = 0;
-        for (const auto& [east, north] : {std::pair{3, 0}, {-3, 0}, {0, 3}, {0, -3}}) {
-            const auto other = view.seen(LonLat{place.longitude + east, place.latitude + north});
-            if (std::abs(place.latitude + north) > 90 || !other)
-                return false;
-            nearest = std::min(nearest, std::hypot(other->x - center.x, other->y - center.y));
-            furthest = std::max(furthest, std::hypot(other->x - center.x, other->y - center.y));
-        }
-        return nearest > 3 && nearest > furthest / 2;
+        const auto center = view.seen(place);
+        const auto east = view.seen(LonLat{place.longitude + 3, place.latitude});
+        const auto north = view.seen(LonLat{place.longitude, place.latitude - std::copysign(3, place.latitude)});
+        if (!east || !north)
+            return false;
+        const Pixel a{east->x - center->x, east->y - center->y};
+        const Pixel b{north->x - center->x, north->y - center->y};
+        const double longer = std::max(std::hypot(a.x, a.y), std::hypot(b.x, b.y));
+        return std::abs(a.x * b.y - a.y * b.x) > std::max(3 * longer, longer * longer / 8)
+               && std::abs(place.latitude) < 86;
     }
 
     // Returns true if a pixel within two pixels of a place has that colour.
