@@ -5,10 +5,13 @@
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VValueCreator.hpp>
 
+#include <loam/Environment.hpp>
+
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
 #include <system_error>
+#include <typeinfo>
 
 #include <unistd.h>
 
@@ -39,10 +42,29 @@ LibraryFile fileOf(const std::string& name, const std::string& path)
     return {.name = name, .path = path, .shadowedBy = {}, .loading = {}, .objectTypes = {}, .valueTypes = {}};
 }
 
-std::vector<std::string> added(const std::vector<std::string>& before, const std::vector<std::string>& after)
+const std::type_info& typeOf(const Orla::VObjectCreator& creator)
+{
+    return creator.objectType();
+}
+
+const std::type_info& typeOf(const Orla::VValueCreator& creator)
+{
+    return creator.valueType();
+}
+
+// Returns the names that a file registered itself, not through another object library beside it
+// that it needs.
+template<class Creator>
+std::vector<std::string> added(const std::vector<std::string>& before, const fs::path& file)
 {
     std::vector<std::string> added;
-    std::ranges::set_difference(after, before, std::back_inserter(added));
+    std::ranges::set_difference(Creator::names(), before, std::back_inserter(added));
+    std::erase_if(added, [&file](const std::string& name) {
+        const Orla::StrongPtr<Creator> creator = Creator::find(name);
+        const fs::path owner = creator ? Loam::getLibraryPath(&typeOf(*creator)) : std::string();
+        std::error_code error;
+        return owner.filename() != file.filename() && fs::equivalent(owner.parent_path(), file.parent_path(), error);
+    });
     return added;
 }
 
@@ -52,8 +74,8 @@ void lookInto(LibraryFile& file, const std::string& folder)
     const std::vector<std::string> valueTypes = Orla::VValueCreator::names();
     Libraries libraries{{folder}};
     file.loading = libraries.load(file.name);
-    file.objectTypes = added(objectTypes, Orla::VObjectCreator::names());
-    file.valueTypes = added(valueTypes, Orla::VValueCreator::names());
+    file.objectTypes = added<Orla::VObjectCreator>(objectTypes, file.path);
+    file.valueTypes = added<Orla::VValueCreator>(valueTypes, file.path);
     // No objects were created.
     libraries.unload();
 }

@@ -10,9 +10,11 @@
 #include <string>
 #include <vector>
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 namespace {
@@ -186,6 +188,16 @@ TEST(Program, opensThePageOfTheStrongestEvent)
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(contentOf(folder.file("shown")), strongestPage + "\n");
     EXPECT_THAT(result.err, HasSubstr("  page: opened " + strongestPage + "\n"));
+}
+
+TEST(Program, attributesObjectTypesToTheirLibraryAlsoIfItIsLoadedWithAnother)
+{
+    const std::string quakes = runTarn({"libraries", "quakes"}).out;
+    EXPECT_THAT(quakes, HasSubstr("QuakeReader"));
+    EXPECT_THAT(quakes, Not(HasSubstr("CoastLines")));
+    EXPECT_THAT(runTarn({"libraries", "earth"}).out, AllOf(HasSubstr("CoastLines"), HasSubstr("Land")));
+    EXPECT_THAT(runTarn({"objects", "quakes"}).out, HasSubstr("Object type CoastLines, "));
+    EXPECT_THAT(runTarn({"describe", "CoastLines", "--library=quakes"}).out, HasSubstr("/earth.so"));
 }
 
 TEST(Program, findsItsDataInTheDataFolders)
