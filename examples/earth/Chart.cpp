@@ -32,20 +32,25 @@ void keepMessage(void* kept, int, const char* message)
     *static_cast<std::string*>(kept) = text;
 }
 
-bool hasParameter(const std::string& text, const char* parameter)
+bool hasParameter(const std::string& text, const std::string& parameter)
 {
-    const auto found = text.find(std::string(parameter) + '=');
-    return found != std::string::npos && (found == 0 || text[found - 1] == ' ' || text[found - 1] == '+');
+    const std::string sought = parameter + '=';
+    for (auto found = text.find(sought); found != std::string::npos; found = text.find(sought, found + 1)) {
+        if (found == 0 || text[found - 1] == ' ' || text[found - 1] == '+')
+            return true;
+    }
+    return false;
 }
 
 // PROJ's own default is the ellipsoid GRS 80.
 std::string onWgs84(const std::string& text)
 {
-    for (const char* shape : {"ellps", "datum", "a", "R", "step"}) {
-        if (hasParameter(text, shape) || text.find("+step") != std::string::npos)
+    for (const char* shape : {"ellps", "datum", "a", "R"}) {
+        if (hasParameter(text, shape))
             return text;
     }
-    return hasParameter(text, "proj") ? text + " +ellps=WGS84" : text;
+    const bool isPipeline = text.find("step") != std::string::npos;
+    return hasParameter(text, "proj") && !isPipeline ? text + " +ellps=WGS84" : text;
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Marks what a library or a network's types need from outside `earth`.
+/// Marks the classes and functions that other libraries use.
 #if defined(_WIN32)
 #    if defined(earth_EXPORTS)
 #        define EARTH_API __declspec(dllexport)

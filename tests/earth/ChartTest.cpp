@@ -72,6 +72,16 @@ TEST(Chart, agreesWithProjInBothDirections)
     }
 }
 
+TEST(Chart, isBasedOnWgs84UnlessAnEllipsoidIsGiven)
+{
+    // proj -f %.4f +proj=utm +zone=32 +ellps=bessel; and the equator of a sphere.
+    EXPECT_NEAR(Chart{"+proj=utm +zone=32 +ellps=bessel"}.fromGeographic({10, 50, 0}).y(), 5538542.4842, 1e-3);
+    EXPECT_NEAR(Chart{"+proj=merc +R=1000"}.fromGeographic({180, 0, 0}).x(), 1000 * std::acos(-1), 1e-9);
+    // proj -f %.4f +proj=omerc +alpha=30 +lonc=5 +lat_0=40 +a=1000 +b=1000
+    EXPECT_NEAR(Chart{"+proj=omerc +alpha=30 +lonc=5 +lat_0=40 +a=1000 +b=1000"}.fromGeographic({10, 50, 0}).y(),
+                176.2023, 1e-3);
+}
+
 TEST(Chart, takesLongitudeBeforeLatitudeInDegreesWhateverTheSystem)
 {
     for (const char* name : {"geographic", "EPSG:4326", "+proj=longlat", "OGC:CRS84"}) {
