@@ -94,9 +94,9 @@ public:
 
     void convert(std::span<point> places, PJ_DIRECTION direction) const
     {
+        const std::lock_guard lock{m_mutex};
         const bool fromRadians = proj_angular_input(m_conversion, direction);
         const bool toRadians = proj_angular_output(m_conversion, direction);
-        const std::lock_guard lock{m_mutex};
         for (point& place : places) {
             const double in = fromRadians ? proj_torad(1) : 1;
             // An error of one place must not affect the next.

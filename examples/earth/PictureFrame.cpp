@@ -3,6 +3,7 @@
 #include <earth/Palette.hpp>
 
 #include <loam/Numbers.hpp>
+#include <loam/Utf8.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -15,11 +16,6 @@ namespace {
 constexpr double margin = 26; // points
 constexpr double headerHeight = 90;
 constexpr double footerHeight = 88;
-
-bool isContinuation(char c)
-{
-    return (static_cast<unsigned char>(c) & 0xc0) == 0x80;
-}
 
 // Draws a text in at most the given width: reduces its size if necessary, and shortens it
 // if it would become too small to read.
@@ -34,7 +30,7 @@ void writeFitted(Canvas& canvas, const Pixel& place, std::string text, double si
         // Cut roughly first: measuring a very long text repeatedly is slow.
         text.resize(std::min(text.size(), static_cast<std::size_t>(4 * width / size) + 4));
         do {
-            while (!text.empty() && isContinuation(text.back()))
+            while (!text.empty() && Loam::isContinuation(text.back()))
                 text.pop_back();
             if (!text.empty())
                 text.pop_back();
