@@ -232,6 +232,11 @@ private:
     // Returns true if the whole cell is in the region; otherwise adds the parts that are.
     bool search(const Cell& cell)
     {
+        // Interrupted world maps need some 30,000.
+        constexpr std::size_t mostCells = 300'000;
+        if (++m_searched > mostCells)
+            throw std::invalid_argument{"found the chart \"" + m_chart.name()
+                                        + "\", which has too many cuts, expected one that is mostly continuous"};
         const double half = static_cast<double>(cell.size) / 2;
         std::array<Place, 9> places;
         for (std::size_t i = 0; i < 9; ++i) {
@@ -340,6 +345,7 @@ private:
 
     const Chart& m_chart;
     const PlaneArea::Bounds& m_frame;
+    std::size_t m_searched = 0;
     double m_leastEnlarged = std::numeric_limits<double>::infinity(); // of the largest scales
 };
 

@@ -20,7 +20,8 @@ class EARTH_API ChartRegion {
 public:
     /// Returns the region of a chart. The regions used last are kept, because finding one takes
     /// from 0.1 to some seconds.
-    /// \throw std::invalid_argument if the chart is not flat or shows no part of the Earth.
+    /// \throw std::invalid_argument if the chart is not flat, shows no part of the Earth or is
+    /// cut almost everywhere.
     static std::shared_ptr<const ChartRegion> of(const Chart& chart);
 
     explicit ChartRegion(const Chart& chart);

@@ -261,8 +261,8 @@ void MapView::drawMark(Canvas& canvas, const LonLat& place, const Mark& mark) co
         draw({center.x + east.x - west.x, center.y + east.y - west.y});
 }
 
-// Returns true if an edge of the region does not belong to the edge of the map: a pole that is a single place,
-// or a side of the plane that meets the other side.
+// Returns true if an edge of the region does not belong to the edge of the map: a pole that is
+// a single place, or a side of the plane that meets the other side.
 bool MapView::isSeam(const LonLat& from, const LonLat& to) const
 {
     constexpr double apart = 0.01; // pixels
@@ -359,11 +359,11 @@ void MapView::drawFrame(Canvas& canvas) const
             if (!isContinued)
                 edges.emplace_back();
             isContinued = true;
-            const Canvas::Path edge = curve({ring[i], next}, false);
-            edges.back().insert(edges.back().end(), edge.begin() + (edges.back().empty() ? 0 : 1), edge.end());
+            const Pixel from = pixel(ring[i]);
+            if (edges.back().empty() && isFinite(from))
+                edges.back().push_back(from);
+            appendCurve(edges.back(), ring[i], from, next, pixel(next), 0);
         }
-        if (isWhole)
-            edges.back().pop_back();
         canvas.stroke(edges, Palette::faintInk, lineWidth, isWhole);
     }
 
