@@ -360,6 +360,24 @@ TEST(MapView, fillsItsSpaceInEachChart)
     EXPECT_NEAR(azimuthal.width / azimuthal.height, 1, 5e-3);
 }
 
+TEST(MapView, drawsTheWholeDiscOfAnAzimuthalChart)
+{
+    for (const char* chart : {"+proj=laea", "+proj=laea +lat_0=90", "+proj=aeqd +lat_0=40 +lon_0=10", "+proj=ortho"}) {
+        SCOPED_TRACE(chart);
+        const ColorsOfMap map{{}, chart};
+        const Rectangle& disc = map.view.rectangle();
+        for (int angle = 0; angle < 360; angle += 5) {
+            const auto at = [&](double radius) {
+                return map.Picture::at(disc.left + disc.width / 2 + radius * std::cos(angle * 0.017453292519943295),
+                                       disc.top + disc.height / 2 + radius * std::sin(angle * 0.017453292519943295));
+            };
+            EXPECT_NE(at(disc.width / 2 - 3), rgb(Palette::paper)) << angle;
+            // The degrees are further away.
+            EXPECT_EQ(at(disc.width / 2 + 3), rgb(Palette::paper)) << angle;
+        }
+    }
+}
+
 TEST(MapView, hidesPlacesOutsideItsRegion)
 {
     const MapView map{Chart{"+proj=ortho"}, {0, 0, 100, 100}};
