@@ -240,8 +240,10 @@ private:
         const double half = static_cast<double>(cell.size) / 2;
         std::array<Place, 9> places;
         for (std::size_t i = 0; i < 9; ++i) {
-            const double column = static_cast<double>(cell.column) + half * static_cast<double>(i % 3);
-            const double row = static_cast<double>(cell.row) + half * static_cast<double>(i / 3);
+            const std::size_t across = i % 3;
+            const std::size_t up = i / 3;
+            const double column = static_cast<double>(cell.column) + half * static_cast<double>(across);
+            const double row = static_cast<double>(cell.row) + half * static_cast<double>(up);
             places[i] = shown(m_frame.west + (m_frame.east - m_frame.west) * column / (columns * finest),
                               m_frame.south + (m_frame.north - m_frame.south) * row / (rows * finest));
         }
