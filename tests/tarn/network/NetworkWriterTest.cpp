@@ -81,64 +81,6 @@ TEST(NetworkWriter, writesAnEmptyNetwork)
     EXPECT_EQ(again("format = 1\nlibraries = []\nobject = []\ncolumn = []\n"), "format = 1\n");
 }
 
-TEST(NetworkWriter, keepsObjectsOfUnknownTypeUnchangedAndInPlace)
-{
-    const std::string written = R"toml(format = 1
-
-[[object]]
-name = "first"
-type = "Known"
-
-[[object]]
-name = "odd"
-type = "Strange"
-when = [1979-05-27T07:32:00.0005Z, 1979-05-27T00:32:00-07:30, 2024-02-29T23:59:59.25, 0001-01-01, 07:05:00]
-set.list = [1, [2.0, "three"], { four = true, "five.five" = {} }, []]
-set.number = 255
-set.large = 1e+300
-set.specials = [inf, -inf, nan, -0.0]
-set.text = "a\n"
-connect."x y" = "first.out"
-future.inner = { deep = "x" }
-nothing = {}
-other."a.b" = false
-rows = [{ a = 1 }, { a = 2 }]
-
-[[object]]
-name = "last"
-type = "Known"
-)toml";
-    EXPECT_EQ(again(R"toml(format = 1
-[[object]]
-name = "first"
-type = "Known"
-[[object]]
-when = [1979-05-27T07:32:00.000500z, 1979-05-27 00:32:00-07:30, 2024-02-29T23:59:59.250000000, 0001-01-01, 07:05:00]
-type = "Strange"
-name = "odd"
-set.list = [ 1, [2.0, 'three'], {four=true, 'five.five'={}}, [] ]
-set.number = 0xFF
-set.large = 1E300
-set.specials = [+inf, -inf, nan, -0.0]
-connect = { "x y" = 'first.out' }
-set.text = """
-a
-"""
-future.inner.deep = 'x'
-nothing = {}
-other."a.b" = false
-[[object.rows]]
-a = 1
-[[object.rows]]
-a = 2
-[[object]]
-name = "last"
-type = "Known"
-)toml"),
-              written);
-    EXPECT_EQ(again(written), written);
-}
-
 TEST(NetworkWriter, writesOrdinaryObjectsTheSameForKnownAndUnknownTypes)
 {
     const auto network = [](const std::string& type) {
