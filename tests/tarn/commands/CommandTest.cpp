@@ -1,11 +1,7 @@
 #include <tarn/commands/Command.hpp>
 
-#include <tarn/commands/Commands.hpp>
-
 #include <gmock/gmock.h>
 
-#include <set>
-#include <sstream>
 #include <string>
 
 using namespace Tarn;
@@ -37,28 +33,4 @@ TEST(Command, omitsWhatACommandDoesNotHave)
     EXPECT_EQ(synopsisOf(Command{.name = "read", .nameShape = "BOOK", .mostNames = 1}), "tarn read [BOOK]");
     EXPECT_THAT(helpOn(Command{.name = "dig", .summary = "Digs.", .libraryFolders = "the garden"}),
                 testing::MatchesRegex("Usage: tarn dig\n\nDigs\\.\n\nLibraries are (.|\n)* and\nin the garden\\.\n"));
-}
-
-TEST(Command, mentionsInItsHelpThatAnOptionMayBeRepeated)
-{
-    for (const Command* command : commands()) {
-        for (const Option& option : command->options)
-            EXPECT_EQ(option.help.find("May be repeated") != std::string::npos, option.repeats)
-                << command->name << " --" << option.name;
-    }
-}
-
-TEST(Command, describesEachCommand)
-{
-    std::set<std::string> names;
-    for (const Command* command : commands()) {
-        SCOPED_TRACE(command->name);
-        EXPECT_TRUE(names.insert(command->name).second);
-        EXPECT_TRUE(command->perform);
-        EXPECT_GE(command->mostNames, command->fewestNames);
-        EXPECT_TRUE(command->summary.ends_with("."));
-        std::istringstream lines(helpOn(*command));
-        for (std::string line; std::getline(lines, line);)
-            EXPECT_LE(line.size(), 90u) << line;
-    }
 }

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include <type_traits>
+#include <vector>
 
 using testing::HasSubstr;
 
@@ -37,16 +38,6 @@ TEST(StandardStreams, leaveStandardOutputEmptyIfNoResultIsRequested)
     EXPECT_EQ(runTarn({"check", file}).out, "");
     EXPECT_EQ(runTarn({"run", folder.file("none")}).out, "");
     EXPECT_EQ(runTarn({"nonsense"}).out, "");
-}
-
-TEST(StandardStreams, recogniseOtherNamesOfStandardOutput)
-{
-    const TestFolder folder;
-    const std::string file = folder.write("net.toml", network);
-    for (const std::string name : {"/dev/stdout", "/dev/fd/1", "/proc/self/fd/1"}) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(runTarn({"run", file, "--table=" + name}).out, "step,text\n0,result\n");
-    }
 }
 
 TEST(StandardStreams, mayBeClosed)

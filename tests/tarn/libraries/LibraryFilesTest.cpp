@@ -6,14 +6,11 @@
 
 #include <gmock/gmock.h>
 
-#include <nlohmann/json.hpp>
-
 #include <filesystem>
 #include <string>
 
 using namespace Tarn;
 using testing::Contains;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -64,36 +61,4 @@ TEST(LibraryFiles, reportWhichFileShadowsOthersOfTheSameName)
     EXPECT_EQ(files[3].name, "none");
     EXPECT_EQ(files[3].path, "");
     EXPECT_THAT(files[3].loading.reason(), HasSubstr("library \"none\" was not found"));
-}
-
-TEST(LibraryFiles, areListedWithTheirTypes)
-{
-    const ProcessResult result = runTarn({"libraries"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, "");
-    EXPECT_THAT(result.out, HasSubstr("standard, " STANDARD_FOLDER "/standard.so\n  object types  GlobalTime, "));
-    EXPECT_THAT(result.out, HasSubstr("testobjects, " + testObjects + "\n  object types  ActionCounter, Adder,"));
-}
-
-TEST(LibraryFiles, failTheCommandOnlyIfTheyAreNamed)
-{
-    const TestFolder folder;
-    folder.write("broken.so", "This is a text.");
-    const TarnProcess::Options options{.environment = {}, .shell = "cd '" + folder.path() + "'"};
-    const ProcessResult all = runTarn({"libraries"}, options);
-    EXPECT_EQ(all.status, 0);
-    EXPECT_THAT(all.out,
-                HasSubstr("broken, " + folder.file("broken.so") + "\n  refused: library \"broken\" cannot be loaded: "
-                          + folder.file("broken.so") + ": file too short\n"));
-    const ProcessResult named = runTarn({"libraries", "broken"}, options);
-    EXPECT_EQ(named.status, 2);
-    EXPECT_THAT(named.out, HasSubstr("file too short\n"));
-    EXPECT_THAT(named.out, Not(HasSubstr("standard,")));
-    const ProcessResult missing = runTarn({"libraries", "none", "testobjects", "--json"}, options);
-    EXPECT_EQ(missing.status, 2);
-    const auto read = nlohmann::json::parse(missing.out);
-    ASSERT_EQ(read["libraries"].size(), 2u);
-    EXPECT_EQ(read["libraries"][0]["name"], "testobjects");
-    EXPECT_TRUE(read["libraries"][1]["path"].is_null());
-    EXPECT_EQ(runTarn({"libraries", "testobjects"}, options).status, 0);
 }

@@ -56,12 +56,3 @@ TEST(ChartChoice, isAFaultIfNoObjectDependsOnCharts)
     EXPECT_THAT(evaluate(object("a", "Adder"), {"--chart=y"}).err,
                 HasSubstr("--chart: found \"y\", but no object depends on a chart\n"));
 }
-
-TEST(ChartChoice, leavesTheOldTableWhenTheNameIsUnknown)
-{
-    const TestFolder folder;
-    const std::string network = folder.write("net.toml", networkHead + charted);
-    const std::string table = folder.write("table.csv", "old");
-    EXPECT_EQ(runTarn({"run", network, "--chart=x", "--table=" + table}).status, 2);
-    EXPECT_EQ(contentOf(table), "old");
-}

@@ -9,7 +9,6 @@
 #include <vector>
 
 using namespace Tarn;
-using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
@@ -177,36 +176,4 @@ TEST(NetworkGraph, requestsAFasterLayoutForLargeNetworks)
     EXPECT_THAT(dotText(graph), HasSubstr("graph [rankdir=LR]\n"));
     graph.objects.push_back(graph.objects[0]);
     EXPECT_THAT(dotText(graph), HasSubstr("graph [rankdir=LR, nslimit=1, nslimit1=1, mclimit=0.1]\n"));
-}
-
-TEST(NetworkGraph, isNotDrawnIfThereAreFaults)
-{
-    const TestFolder folder;
-    folder.write("net.toml", networkHead + object("a", "Addder"));
-    const ProcessResult result =
-        runTarn({"graph", "net.toml", "--output=net.svg"}, {.environment = {}, .shell = "cd '" + folder.path() + "'"});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err,
-              "net.toml:5:8: object \"a\": no library has an object type \"Addder\"; did you mean \"Adder\"?\n"
-              "net.toml: 1 fault; nothing was drawn\n");
-    EXPECT_THAT(folder.names(), ElementsAre("net.toml"));
-}
-
-TEST(NetworkGraph, isWrittenInTheFormatOfTheExtension)
-{
-    for (const std::string output : {"x.pdf", "x", "svg", "x.svg.gz"}) {
-        SCOPED_TRACE(output);
-        const ProcessResult result = graph("", output);
-        EXPECT_EQ(result.status, 3);
-        EXPECT_THAT(result.err, HasSubstr("expected a name that ends in .svg, .png or .dot\n"));
-    }
-    EXPECT_EQ(runTarn({"graph", "net.toml"}).status, 3);
-    const TestFolder folder;
-    folder.write("sub/net.toml", networkHead + object("a", "Adder"));
-    // The name is relative to the folder in which the program was started.
-    const ProcessResult result = runTarn({"graph", "sub/net.toml", "--output=net.dot"},
-                                         {.environment = {}, .shell = "cd '" + folder.path() + "'"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(contentOf(folder.file("net.dot")), graph(object("a", "Adder")).out);
 }

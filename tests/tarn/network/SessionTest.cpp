@@ -11,7 +11,6 @@
 
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 
 static_assert(!std::is_copy_constructible_v<Tarn::Session>);
@@ -77,27 +76,6 @@ TEST(Session, reportsLibrariesThatCannotBeLoadedAndContinues)
     EXPECT_THAT(result.err, HasSubstr(file + ":2:24: library \"none\" was not found: no file none.so in "));
     EXPECT_THAT(result.err, HasSubstr(file + ":6:13: object \"a\", input \"a\": the text \"x\" is refused"));
     EXPECT_THAT(result.err, HasSubstr(file + ": 3 faults\n"));
-}
-
-TEST(Session, countsObjectsAndConnections)
-{
-    const ProcessResult result = check(head
-                                       + "[[object]]\nname = 'a'\ntype = 'Adder'\n"
-                                         "[[object]]\nname = 'b'\ntype = 'Adder'\nconnect = { a = 'a.sum' }\n");
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "net.toml: 2 objects, 1 connection, no faults\n");
-}
-
-TEST(Session, listsAllFaultsByPlace)
-{
-    const ProcessResult result = check("format = 1\nlibraries = ['testobjects']\nfolder = 'x'\n"
-                                       "[[object]]\nname = 'a'\ntype = 'Adder'\nset = { c = 1 }\nconect = {}\n");
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "net.toml:3:1: unknown key \"folder\"; available: format, libraries, chart, object, column\n"
-                          "net.toml:7:9: object \"a\": Adder has no input \"c\"; available: a, b\n"
-                          "net.toml:8:1: object \"a\": unknown key \"conect\"; did you mean \"connect\"?\n"
-                          "net.toml: 3 faults\n");
 }
 
 TEST(Session, refusesEmptyAndTruncatedFiles)

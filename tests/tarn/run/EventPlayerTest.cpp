@@ -2,9 +2,7 @@
 
 #include "tarn/NetworkTexts.hpp"
 
-#include <gmock/gmock.h>
-
-using testing::HasSubstr;
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -53,26 +51,4 @@ TEST(EventPlayer, leavesTheGrabToItsHolder)
     EXPECT_EQ(result.out, "step,first,second\n"
                           "0,\"2@1,1:1:0:::0;3@2,2:0:0:::0;4@3,3:1:0:::0;3@4,4:0:0:::0;\","
                           "\"(not mine)(not mine)4@3,3:1:0:::0;3@4,4:0:0:::0;\"\n");
-}
-
-TEST(EventPlayer, refusesEventsThatNoObjectWouldReceive)
-{
-    const ProcessResult deaf = play("event = [{ step = 0, kind = 'key', key = 'a' }]\n", object("a", "Adder"));
-    EXPECT_EQ(deaf.status, 2);
-    EXPECT_THAT(deaf.err, HasSubstr("--events: no object of \"net.toml\" listens to events\n"));
-    const ProcessResult late =
-        play("event = [{ step = 4, kind = 'key', key = 'a' },\n{ step = 5, kind = 'key', key = 'b' }]\n",
-             clockInQuarters + listening);
-    EXPECT_EQ(late.status, 2);
-    EXPECT_THAT(late.err, HasSubstr("events.toml:2:1: step 5 is not evaluated; the last one is 4\n"));
-    EXPECT_THAT(late.err, HasSubstr("; nothing was evaluated\n"));
-}
-
-TEST(EventPlayer, refusesAScriptWithFaults)
-{
-    const ProcessResult result = play("event = [{ step = 0, kind = 'press', x = 'here', y = 1 }]\n", listening);
-    EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("events.toml:1:42: x is \"here\""));
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(evaluate(listening, {"--events=none"}).status, 4);
 }

@@ -2,14 +2,10 @@
 
 #include "tarn/NetworkTexts.hpp"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-using testing::HasSubstr;
-using testing::MatchesRegex;
-using testing::Not;
 
 namespace {
 
@@ -46,12 +42,6 @@ TEST(PrintedOutputs, areNotTruncated)
               "e.out: " + text + "\n");
 }
 
-TEST(PrintedOutputs, followTheTable)
-{
-    EXPECT_EQ(run(network + column("sum", "a.b.sum"), {"--print=a.b.sum", "--table=-", "--steps=2"}).out,
-              "step,sum\n0,0\n1,0.25\na.b.sum: 0.25\n");
-}
-
 TEST(PrintedOutputs, mayBelongToObjectsThatTheFileDoesNotName)
 {
     const ProcessResult result = run(object("f", "Follower"), {"--print=ChartSelector.CurrentChart"});
@@ -83,11 +73,4 @@ TEST(PrintedOutputs, showTheLastGoodValuesAfterAFailure)
     const ProcessResult result = run(clockInQuarters + object("f", "Failing"), {"--print=f.out"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "f.out: 42\n");
-}
-
-TEST(PrintedOutputs, areNotMixedWithATrace)
-{
-    const ProcessResult result = run(network, {"--print=a.b.sum", "--trace=-"});
-    EXPECT_EQ(result.status, 3);
-    EXPECT_EQ(result.out, "");
 }

@@ -19,7 +19,6 @@
 #include <vector>
 
 using nlohmann::json;
-using Orla::StrongPtr;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -185,19 +184,4 @@ TEST(Tracer, writesACompleteTraceAfterASignal)
     process.send(SIGINT);
     EXPECT_EQ(process.wait().status, 130);
     EXPECT_THAT(updatesOf(json::parse(contentOf(trace))), ElementsAre("s 0: scheduled with 0, cancelled"));
-}
-
-TEST(Tracer, overwritesNeitherNetworkNorTable)
-{
-    const TestFolder folder;
-    const std::string network = object("a", "Adder") + column("sum", "a.sum");
-    for (const std::vector<std::string>& options :
-         {std::vector<std::string>{"--trace=net.toml"}, {"--trace=./x", "--table=x"}, {"--trace=-", "--table=-"}}) {
-        SCOPED_TRACE(options[0]);
-        const ProcessResult result = run(folder, network, options);
-        EXPECT_EQ(result.status, 3);
-        EXPECT_THAT(result.err, HasSubstr(" would overwrite the "));
-        EXPECT_THAT(folder.names(), ElementsAre("net.toml"));
-    }
-    EXPECT_EQ(contentOf(folder.file("net.toml")), networkHead + network);
 }

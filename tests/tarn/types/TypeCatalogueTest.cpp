@@ -50,6 +50,20 @@ private:
 
 const Orla::VObjectType<Pendulum> pendulumType{"Pendulum"};
 
+// Throws after a partner has been created for it.
+class Unhinged final : public Orla::VObject, public Orla::VChartDependent {
+public:
+    Unhinged(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, VChartDependent{"chart", 0}
+    {
+        throw std::runtime_error("no hinge");
+    }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+};
+
+const Orla::VObjectType<Unhinged> unhingedType{"Unhinged"};
+
 // A value type that no input has and whose text form throws.
 struct Secret {
     friend bool operator==(const Secret&, const Secret&) = default;
@@ -150,17 +164,14 @@ TEST(TypeCatalogue, findsValueTypesByTheirNamesInCodeAndByTheirLabels)
     EXPECT_THAT(catalogue.valueTypes("triple"), IsEmpty());
 }
 
-TEST(TypeCatalogue, describesTypesWhoseObjectsCannotBeCreated)
+TEST(TypeCatalogue, givesTheReasonIfAnObjectCannotBeCreated)
 {
-    const ProcessResult alone = runTarn({"describe", "HalfMade", "--library=testobjects"});
-    EXPECT_EQ(alone.status, 1);
-    EXPECT_EQ(alone.err, "");
-    EXPECT_THAT(alone.out, HasSubstr("\n  cannot be made: no licence for events\n"));
-    const ProcessResult all = runTarn({"objects", "--library=testobjects"});
-    EXPECT_EQ(all.status, 0);
-    EXPECT_THAT(all.out, HasSubstr("Object type Unmakable, " TEST_OBJECTS_FOLDER "/testobjects.so\n\n"
-                                   "  cannot be made: no licence\n"));
-    EXPECT_THAT(all.out, HasSubstr("Object type Adder, "));
+    const auto found = TypeCatalogue{{}}.objectTypes("Unhinged");
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].name, "Unhinged");
+    EXPECT_EQ(found[0].failure, "no hinge");
+    EXPECT_THAT(found[0].inputs, IsEmpty());
+    EXPECT_EQ(Orla::VManagedObject::count(), 0u);
 }
 
 TEST(TypeCatalogue, releasesPartnersAndLibraries)

@@ -11,7 +11,6 @@
 
 using namespace Tarn;
 using nlohmann::json;
-using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
@@ -192,116 +191,6 @@ TEST(TypeReport, wrapsLongListsOfNames)
             "swing, /lib/swing.so\n  object types  (SomeTypeName,? ?)+\n(                (SomeTypeName,? ?)+\n)+"));
     for (std::size_t end = 0; (end = list.find('\n')) != std::string::npos; list.erase(0, end + 1))
         EXPECT_LE(end, 88u);
-}
-
-TEST(TypeReport, listsTheStandardTypes)
-{
-    const ProcessResult result = runTarn({"types"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, "");
-    const struct {
-        const char* label;
-        const char* name;
-    } types[] = {
-        {"16-bit integer", "short"},
-        {"64-bit integer", "long long"},
-        {"action", "StrongPtr<VAction>"},
-        {"array of 16-bit integers", "int16\\[\\]"},
-        {"array of 64-bit integers", "int64\\[\\]"},
-        {"array of integers", "int32\\[\\]"},
-        {"array of numbers", "double\\[\\]"},
-        {"array of single-precision numbers", "float\\[\\]"},
-        {"bivector", "-"},
-        {"bounding ball", "BoundingBall"},
-        {"bounding box", "Bounding Box"},
-        {"camera", "VCamera"},
-        {"character", "char"},
-        {"chart", "VChart"},
-        {"choice", "StrongPtr<StringSelection>"},
-        {"colour", "rgba_float_t"},
-        {"enumeration", "Enum"},
-        {"event", "VInteractionEvent"},
-        {"flags", "FlagList"},
-        {"image tile", "ImageTile"},
-        {"integer", "int"},
-        {"integer triple", "FixedArray<int,3>"},
-        {"list of ranges", "MultiRange"},
-        {"long integer", "long"},
-        {"multiple choice", "StrongPtr<MultipleStringSelection>"},
-        {"number", "double"},
-        {"number pair", "FixedArray<double,2>"},
-        {"point", "-"},
-        {"range", "Range"},
-        {"scalar function", "VScalarFunctor"},
-        {"single-precision number", "float"},
-        {"status", "VObjectStatus"},
-        {"text", "string"},
-        {"time", "VTime"},
-        {"touch points", "VMultiPointerDevice"},
-        {"unsigned 16-bit integer", "unsigned short"},
-        {"unsigned 64-bit integer", "unsigned long long"},
-        {"unsigned integer", "unsigned int"},
-        {"unsigned long integer", "unsigned long"},
-    };
-    for (const auto& [label, name] : types)
-        EXPECT_THAT(result.out, ContainsRegex("\n  " + std::string(label) + "  +" + name
-                                              + "  +value and input  +(-|green|#[0-9A-F]+)  +\".*\"\n"));
-    EXPECT_THAT(result.out, ContainsRegex("\n  list of charts  +VChartList  +value  +#C39BD3 "));
-    EXPECT_THAT(result.out, ContainsRegex("\n  number  +double  +value and input  +green  +\"0\"\n"));
-    EXPECT_THAT(result.out, ContainsRegex("\n  GlobalTime +" STANDARD_FOLDER "/standard.so\n"));
-}
-
-TEST(TypeReport, listsTypesOfLibrariesGivenAsNameOrOption)
-{
-    for (const std::string library : {"testobjects", "--library=testobjects"}) {
-        SCOPED_TRACE(library);
-        const ProcessResult types = runTarn({"types", library});
-        EXPECT_EQ(types.status, 0);
-        EXPECT_THAT(types.out, ContainsRegex("\n  Adder +" TEST_OBJECTS_FOLDER "/testobjects.so\n"));
-        EXPECT_THAT(runTarn({"objects", library}).out, HasSubstr("Object type Adder, "));
-    }
-    EXPECT_THAT(runTarn({"objects"}).out, Not(HasSubstr("Adder")));
-}
-
-TEST(TypeReport, isPrintedEvenIfALibraryIsMissing)
-{
-    for (const std::string command : {"types", "objects"}) {
-        SCOPED_TRACE(command);
-        const ProcessResult result = runTarn({command, "none", "testobjects"});
-        EXPECT_EQ(result.status, 2);
-        EXPECT_THAT(result.err, HasSubstr("tarn: library \"none\" was not found"));
-        EXPECT_THAT(result.out, HasSubstr("Adder"));
-    }
-}
-
-TEST(TypeReport, hidesInputsAboveALevel)
-{
-    const ProcessResult shown = runTarn({"describe", "TimeReader", "--library=testobjects", "--level=5"});
-    EXPECT_EQ(shown.status, 0);
-    EXPECT_THAT(shown.out, ContainsRegex("\n  time +time +5 +\".*\" +connected automatically\n"));
-    EXPECT_THAT(shown.out, Not(ContainsRegex("\n  range ")));
-    EXPECT_THAT(shown.out, HasSubstr("\n  1 input of a higher expert level not shown\n"));
-    const json objects = json::parse(runTarn({"objects", "--json", "--level=-1"}).out);
-    for (const json& type : objects["objectTypes"])
-        EXPECT_TRUE(type["inputs"].empty()) << type;
-    for (const std::string level : {"", "x", "1.5", "99999999999"}) {
-        SCOPED_TRACE(level);
-        EXPECT_EQ(runTarn({"objects", "--level=" + level}).status, 3);
-    }
-}
-
-TEST(TypeReport, suggestsTypesOfBothKindsForAnUnknownName)
-{
-    const ProcessResult close = runTarn({"describe", "GlobelTime"});
-    EXPECT_EQ(close.status, 2);
-    EXPECT_EQ(close.out, "");
-    EXPECT_EQ(close.err, "tarn: no library has a type \"GlobelTime\"; did you mean the object type \"GlobalTime\"?\n");
-    EXPECT_THAT(runTarn({"describe", "duoble"}).err, HasSubstr("; did you mean the value type \"double\"?\n"));
-    EXPECT_THAT(runTarn({"describe", "choise"}).err, HasSubstr("; did you mean the value type \"choice\"?\n"));
-    const ProcessResult far = runTarn({"describe", "Zanzibar"});
-    EXPECT_EQ(far.status, 2);
-    EXPECT_EQ(far.err, "tarn: no library has a type \"Zanzibar\"; tarn types lists the known types\n");
-    EXPECT_EQ(runTarn({"describe"}).status, 3);
 }
 
 TEST(TypeReport, isTheSameInEveryLocale)

@@ -1,0 +1,75 @@
+#include <tarn/commands/Commands.hpp>
+
+#include "tarn/NetworkTexts.hpp"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+ProcessResult graph(const TestFolder& folder, const std::string& network, const std::string& output)
+{
+    folder.write("sub/net.toml", networkHead + network);
+    return runTarn({"graph", "sub/net.toml", "--output=" + output}, {{}, "cd '" + folder.path() + "'"});
+}
+
+} // namespace
+
+TEST(GraphCommand, writesTheTextForGraphvizToStandardOutput)
+{
+    const TestFolder folder;
+    const ProcessResult result =
+        graph(folder, object("a", "Adder") + object("b", "Adder", "connect = { a = 'a.sum' }\n"), "-");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, StartsWith("digraph "));
+    EXPECT_EQ(result.err, "sub/net.toml: 2 objects, 1 connection, drawn to standard output\n");
+}
+
+TEST(GraphCommand, writesTheFormatOfTheExtensionIntoTheFolderInWhichItWasStarted)
+{
+    const TestFolder folder;
+    const struct {
+        const char* output;
+        const char* start;
+    } cases[] = {{"net.dot", "digraph "}, {"net.svg", "<?xml "}, {"net.png", "\x89PNG\r\n"}};
+    for (const auto& [output, start] : cases) {
+        SCOPED_TRACE(output);
+        const ProcessResult result = graph(folder, object("a", "Adder"), output);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "sub/net.toml: 1 object, 0 connections, drawn to " + std::string(output) + "\n");
+        EXPECT_THAT(contentOf(folder.file(output)), StartsWith(start));
+    }
+}
+
+TEST(GraphCommand, refusesOtherExtensionsAndAMissingOutput)
+{
+    for (const std::string output : {"x.pdf", "x", "svg", "x.svg.gz"}) {
+        SCOPED_TRACE(output);
+        const TestFolder folder;
+        const ProcessResult result = graph(folder, "", output);
+        EXPECT_EQ(result.status, 3);
+        EXPECT_THAT(result.err,
+                    HasSubstr("tarn: --output=" + output + ": expected a name that ends in .svg, .png or .dot\n"));
+        EXPECT_THAT(folder.names(), ElementsAre("sub"));
+    }
+    const ProcessResult missing = runTarn({"graph", "net.toml"});
+    EXPECT_EQ(missing.status, 3);
+    EXPECT_THAT(missing.err, HasSubstr("tarn: no --output, expected --output=FILE.svg|.png|.dot\n"));
+}
+
+TEST(GraphCommand, drawsNothingIfThereAreFaults)
+{
+    const TestFolder folder;
+    const ProcessResult result = graph(folder, object("a", "Addder"), "net.svg");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err,
+              "sub/net.toml:5:8: object \"a\": no library has an object type \"Addder\"; did you mean \"Adder\"?\n"
+              "sub/net.toml: 1 fault; nothing was drawn\n");
+    EXPECT_THAT(folder.names(), ElementsAre("sub"));
+}

@@ -1,0 +1,43 @@
+#include <tarn/commands/Commands.hpp>
+
+#include "tarn/TarnProcess.hpp"
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+using testing::HasSubstr;
+using testing::Not;
+
+TEST(LibrariesCommand, listsLibrariesWithTheirTypes)
+{
+    const ProcessResult result = runTarn({"libraries"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_THAT(result.out, HasSubstr("standard, " STANDARD_FOLDER "/standard.so\n  object types  GlobalTime, "));
+    EXPECT_THAT(result.out, HasSubstr("testobjects, " TEST_OBJECTS_FOLDER
+                                      "/testobjects.so\n  object types  ActionCounter, Adder,"));
+}
+
+TEST(LibrariesCommand, returnsStatus2IfANamedLibraryCannotBeLoaded)
+{
+    const TestFolder folder;
+    folder.write("broken.so", "This is a text.");
+    const TarnProcess::Options options{.environment = {}, .shell = "cd '" + folder.path() + "'"};
+    const ProcessResult all = runTarn({"libraries"}, options);
+    EXPECT_EQ(all.status, 0);
+    EXPECT_THAT(all.out,
+                HasSubstr("broken, " + folder.file("broken.so") + "\n  refused: library \"broken\" cannot be loaded: "
+                          + folder.file("broken.so") + ": file too short\n"));
+    const ProcessResult named = runTarn({"libraries", "broken"}, options);
+    EXPECT_EQ(named.status, 2);
+    EXPECT_THAT(named.out, HasSubstr("file too short\n"));
+    EXPECT_THAT(named.out, Not(HasSubstr("standard,")));
+    const ProcessResult missing = runTarn({"libraries", "none", "testobjects", "--json"}, options);
+    EXPECT_EQ(missing.status, 2);
+    const auto read = nlohmann::json::parse(missing.out);
+    ASSERT_EQ(read["libraries"].size(), 2u);
+    EXPECT_EQ(read["libraries"][0]["name"], "testobjects");
+    EXPECT_TRUE(read["libraries"][1]["path"].is_null());
+    EXPECT_EQ(runTarn({"libraries", "testobjects"}, options).status, 0);
+}
