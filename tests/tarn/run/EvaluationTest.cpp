@@ -8,7 +8,6 @@
 
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 
 TEST(EvaluationSummary, isFineUnlessSomethingFailed)
 {
@@ -176,4 +175,12 @@ TEST(Evaluation, evaluatesTenThousandObjects)
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "step,sum\n0,10000\n");
     EXPECT_THAT(result.err, HasSubstr("net.toml: 10000 objects, 1 step\n"));
+}
+
+TEST(Evaluation, attributesFailuresAtTheEndToTheLastStep)
+{
+    const ProcessResult result = evaluate(clockInQuarters + object("run", "Run")
+                                          + object("touchy", "Touchy", "connect = { trigger = 'run.finished' }\n"));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("5 steps, 1 failure, the first in step 4\n"));
 }

@@ -1,45 +1,52 @@
 #include <tarn/run/HotKeys.hpp>
 
-#include "tarn/NetworkTexts.hpp"
+#include <trellis/VObject.hpp>
+
+#include "tarn/LoadedLibraries.hpp"
 
 #include <gmock/gmock.h>
 
-using testing::HasSubstr;
-using testing::Not;
+#include <string>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 namespace {
 
-ProcessResult check(const std::string& network)
-{
-    const TestFolder folder;
-    folder.write("net.toml", networkHead + network);
-    return runTarn({"check", "net.toml"}, {.environment = {}, .shell = "cd '" + folder.path() + "'"});
-}
-
-std::string keyed(const std::string& name, const std::string& key)
-{
-    return object(name, "KeyAction", "set = { hotkey = '" + key + "' }\n");
-}
+class HotKeys : public LoadedLibraries {
+protected:
+    static void create(const std::string& name, const std::string& key)
+    {
+        EXPECT_TRUE(Orla::VObject::createObject("KeyAction", name)->findSlot("hotkey")->setInitialText(key));
+    }
+};
 
 } // namespace
 
-TEST(HotKeys, areListedIfSeveralObjectsShareOne)
+TEST_F(HotKeys, areListedWithTheirObjectsIfSeveralObjectsShareOne)
 {
-    const ProcessResult result =
-        check(keyed("a", "w") + keyed("b", "x") + keyed("c", "w") + keyed("d", " ") + keyed("e", " "));
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, "net.toml: note: key space is the hot key of \"d\", \"e\"\n"
-                          "net.toml: note: key \"w\" is the hot key of \"a\", \"c\"\n"
-                          "net.toml: 5 objects, 0 connections, no faults\n");
+    create("a", "w");
+    create("b", "x");
+    create("c", "w");
+    create("d", " ");
+    create("e", " ");
+    const std::vector<Tarn::SharedHotKey> keys = Tarn::sharedHotKeys();
+    ASSERT_EQ(keys.size(), 2u);
+    EXPECT_EQ(keys[0].key, ' ');
+    EXPECT_THAT(keys[0].objects, ElementsAre("d", "e"));
+    EXPECT_EQ(keys[1].key, 'w');
+    EXPECT_THAT(keys[1].objects, ElementsAre("a", "c"));
 }
 
-TEST(HotKeys, areNotSharedByObjectsWithoutOne)
+TEST_F(HotKeys, areNotSharedByObjectsWithoutOne)
 {
-    EXPECT_THAT(check(object("a", "KeyAction") + object("b", "KeyAction")).err, Not(HasSubstr("note")));
-    EXPECT_TRUE(Tarn::sharedHotKeys().empty());
+    Orla::VObject::createObject("KeyAction", "a");
+    Orla::VObject::createObject("KeyAction", "b");
+    EXPECT_THAT(Tarn::sharedHotKeys(), IsEmpty());
 }
 
-TEST(HotKeys, areShownWithoutControlCharacters)
+TEST_F(HotKeys, areShownWithoutControlCharacters)
 {
     EXPECT_EQ(Tarn::nameOfKey('r'), "\"r\"");
     EXPECT_EQ(Tarn::nameOfKey(' '), "space");
