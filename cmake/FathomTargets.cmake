@@ -39,11 +39,16 @@ set(FATHOM_STANDARD_HEADERS
     <algorithm> <atomic> <cmath> <cstddef> <cstdint> <functional> <limits> <map> <memory> <mutex> <optional>
     <set> <stdexcept> <string> <string_view> <type_traits> <typeinfo> <unordered_map> <utility> <vector>)
 
+option(FATHOM_PRECOMPILE "Precompile the headers of the standard library and of the framework" ON)
+mark_as_advanced(FATHOM_PRECOMPILE)
+
 # Precompiles the headers that most sources of <target> need: those of the standard library
 # and the given ones. Sources still include what they use; the preset clang checks that by
-# building without precompiled headers.
+# building without.
 function(fathom_precompile target)
-    target_precompile_headers(${target} PRIVATE ${FATHOM_STANDARD_HEADERS} ${ARGN})
+    if(FATHOM_PRECOMPILE)
+        target_precompile_headers(${target} PRIVATE ${FATHOM_STANDARD_HEADERS} ${ARGN})
+    endif()
 endfunction()
 
 # Installs a library and its header set, for CMake as fathom::<target> and for
