@@ -5,6 +5,7 @@
 #include "earth/Planar.hpp"
 #include "earth/Svg.hpp"
 #include "earth/World.hpp"
+#include "support/Sanitizers.hpp"
 
 #include <earth/DateLine.hpp>
 #include <earth/Palette.hpp>
@@ -108,20 +109,25 @@ double area(const std::vector<Canvas::Path>& paths)
     return std::abs(sum);
 }
 
-const char* const charts[] = {"plate carree",
-                              "+proj=robin",
-                              "+proj=moll",
-                              "+proj=merc",
-                              "+proj=eqearth",
-                              "EPSG:3857",
-                              "+proj=laea",
-                              "+proj=robin +lon_0=150",
-                              "+proj=igh",
-                              "+proj=ortho +lat_0=40 +lon_0=170",
-                              "+proj=gnom +lat_0=-60",
-                              "+proj=utm +zone=32",
-                              "+proj=stere +lat_0=-90",
-                              "+proj=aeqd +lat_0=40 +lon_0=10"};
+const char* const charts[] = {
+    "plate carree",
+    "+proj=robin +lon_0=150",
+    "+proj=igh",
+    "+proj=ortho +lat_0=40 +lon_0=170",
+    "+proj=utm +zone=32",
+// Sanitizers make each chart ten times slower, and others find nothing new in memory.
+#if !defined(SANITIZED)
+    "+proj=robin",
+    "+proj=moll",
+    "+proj=merc",
+    "+proj=eqearth",
+    "EPSG:3857",
+    "+proj=laea",
+    "+proj=gnom +lat_0=-60",
+    "+proj=stere +lat_0=-90",
+    "+proj=aeqd +lat_0=40 +lon_0=10",
+#endif
+};
 
 } // namespace
 
@@ -236,15 +242,17 @@ TEST(MapView, drawsNothingOutsideItsOutline)
         const ColorsOfMap full{dots, chart};
         const Rectangle& map = full.view.rectangle();
         int outside = 0;
+        int drawn = 0;
         for (int y = 0; y < empty.height; ++y) {
             for (int x = 0; x < empty.width; ++x) {
-                if (empty.Picture::at(x, y) == rgb(Palette::paper)) {
-                    ASSERT_EQ(full.Picture::at(x, y), rgb(Palette::paper)) << x << ' ' << y;
-                    ++outside;
-                }
+                if (empty.Picture::at(x, y) != rgb(Palette::paper))
+                    continue;
+                ++outside;
+                drawn += full.Picture::at(x, y) == rgb(Palette::paper) ? 0 : 1;
             }
         }
         EXPECT_GT(outside, 300000);
+        EXPECT_EQ(drawn, 0);
         EXPECT_EQ(empty.Picture::at(map.left - 4, 3), rgb(Palette::paper));
     }
 }
