@@ -33,7 +33,7 @@ public:
     const Value* operator->() const { return &**this; }
     Value* operator->() { return &**this; }
 
-    /// Returns why there is no value.
+    /// Returns the reason for the failure.
     /// \throw std::bad_variant_access after a success.
     const std::string& reason() const { return std::get<1>(m_outcome).reason; }
 
@@ -51,7 +51,7 @@ public:
     /// Returns true after a success.
     explicit operator bool() const noexcept { return m_outcome.index() == 0; }
 
-    /// Returns why the operation failed.
+    /// Returns the reason for the failure.
     /// \throw std::bad_variant_access after a success.
     const std::string& reason() const { return std::get<Failure>(m_outcome).reason; }
 

@@ -170,7 +170,7 @@ Result<void> VSlotContainer::connect(const StrongPtr<VParameter>& parameter, con
                                      const std::string& member, VSlot* leader)
 {
     if (!parameter)
-        return Failure{"there is no parameter to connect to"};
+        return Failure{"the source is null"};
     if (!slot || slot->container() != this || slot->hasFlag(VSlot::Output))
         return Failure{"the slot is not an input of " + describe()};
     if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter); other && other != m_wiring.network)

@@ -35,7 +35,7 @@ public:
     /// Makes the chart "geographic".
     Chart() = default;
 
-    /// \throw std::invalid_argument with \p name and PROJ's reason if there is no such chart.
+    /// \throw std::invalid_argument with \p name and PROJ's reason if the chart does not exist.
     explicit Chart(const std::string& name);
 
     /// Returns true if \p name has the form of a text for PROJ. It may be invalid. The names of
@@ -56,8 +56,8 @@ public:
     point fromGeographic(const point& place) const;
     void fromGeographic(std::span<point> places) const;
 
-    /// Converts to longitude, latitude and height. Coordinates of no place become NaN, as
-    /// all do if there is no inverse.
+    /// Converts to longitude, latitude and height. Coordinates that belong to no place become
+    /// NaN; all of them do if the chart has no inverse.
     point toGeographic(const point& place) const;
     void toGeographic(std::span<point> places) const;
 

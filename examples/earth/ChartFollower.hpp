@@ -26,7 +26,7 @@ protected:
     void publishCharts(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
     /// Returns the chart to use in \p pool.
-    /// \throw std::invalid_argument if there is no such chart: another object may offer it.
+    /// \throw std::invalid_argument if `Chart` does not know it; another object may offer it.
     Chart chartIn(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
 private:

@@ -64,7 +64,7 @@ const Command& describeCommand()
         .help = R"(Describes the object type NAME with its inputs and outputs, or the value type NAME, or
 both if both exist. NAME may be the name of a value type in code, such as FlagList, or its
 name in messages, such as flags. To read its inputs and outputs, an object is created and
-destroyed; the exit status is 1 if that fails, and 2 if there is no such type.
+destroyed; the exit status is 1 if that fails, and 2 if no type has the name.
 )",
         .options = {libraryOption(), levelOption(), jsonOption()},
         .libraryFolders = WorkingFolders,

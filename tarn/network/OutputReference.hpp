@@ -22,8 +22,8 @@ struct OutputReference {
     /// Fails if the output's values do not have the component.
     Loam::Result<void> checkMember() const;
 
-    /// Returns the text form of the value in \p pool. Fails if there is no value or if its type
-    /// throws.
+    /// Returns the text form of the value in \p pool. Fails if the value does not exist or if its
+    /// type throws.
     Loam::Result<std::string> text(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 };
 

@@ -86,7 +86,7 @@ TEST(Surprises, matchTheTableOfTexts)
         SCOPED_TRACE(row.line);
         bool ok = false;
         const StrongPtr<VValueBase> value = VValueCreator::createValue(row.type, row.text, ok);
-        EXPECT_TRUE(value) << "no such type";
+        EXPECT_TRUE(value) << "the type is not registered";
         EXPECT_EQ(ok, !row.isRefused);
         if (value && row.hasValue) {
             EXPECT_EQ(value->Text(), row.value);

@@ -154,7 +154,7 @@ TEST_F(VValueParameterTest, intentionallyAnnouncesARefusedGlobalValue)
     const Changes changes(m_parameter);
     const auto number = Loam::makeStrong<VValue<double>>(9.0);
     EXPECT_TRUE(m_parameter->setGlobalValue(number, ""));       // of another type
-    EXPECT_TRUE(m_parameter->setGlobalValue(number, "middle")); // there is no such component
+    EXPECT_TRUE(m_parameter->setGlobalValue(number, "middle")); // the component does not exist
     EXPECT_TRUE(m_parameter->setGlobalValue(nullptr, ""));
     EXPECT_EQ(textOf(m_parameter->DefaultValue()), "2:3");
     EXPECT_EQ(changes.count(), 3);

@@ -196,8 +196,8 @@ TEST_F(VSlotContainerTest, refusesSlotsThatAreNotItsInputs)
     EXPECT_EQ(reader->tryAttachOutput(out, nullptr, "").reason(), "the slot is not an input of Node \"reader\"");
     EXPECT_EQ(reader->tryAttachOutput(out, reader->findOutput("out"), "").reason(),
               "the slot is not an input of Node \"reader\"");
-    EXPECT_EQ(reader->tryAttachOutput(nullptr, in, "").reason(), "there is no parameter to connect to");
-    EXPECT_EQ(reader->tryAttachParameter(nullptr, in, "").reason(), "there is no parameter to connect to");
+    EXPECT_EQ(reader->tryAttachOutput(nullptr, in, "").reason(), "the source is null");
+    EXPECT_EQ(reader->tryAttachParameter(nullptr, in, "").reason(), "the source is null");
     EXPECT_FALSE(reader->findSlot("in")->isConnected());
 }
 

@@ -19,7 +19,7 @@ protected:
     static std::string colorOf(const std::string& name)
     {
         const auto creator = Orla::VValueCreator::find(name);
-        return creator ? Orla::VConnectionTypeColors::get(creator->valueType()) : "no such type";
+        return creator ? Orla::VConnectionTypeColors::get(creator->valueType()) : "the type is not registered";
     }
 };
 
