@@ -70,6 +70,22 @@ Loam::Result<void> Libraries::load(const std::string& name)
     return Loam::Failure{title + " cannot be loaded: " + join(reasons, "; ")};
 }
 
+std::vector<std::string> Libraries::loadAll(const std::vector<PlacedText>& names, Faults& faults)
+{
+    std::vector<PlacedText> wanted{{StandardLibrary, {}}};
+    wanted.insert(wanted.end(), names.begin(), names.end());
+    std::vector<std::string> missing;
+    for (const auto& [name, place] : wanted) {
+        if (std::ranges::find(missing, name) != missing.end())
+            continue;
+        if (const Loam::Result<void> loaded = load(name); !loaded) {
+            faults.add(place, loaded.reason());
+            missing.push_back(name);
+        }
+    }
+    return missing;
+}
+
 std::vector<std::string> Libraries::searchPath(const std::string& networkFolder)
 {
     std::vector<std::string> wanted{Loam::getExecutableDir() + "/../lib/fathom"};

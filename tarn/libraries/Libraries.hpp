@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tarn/text/Faults.hpp>
+
 #include <loam/Result.hpp>
 
 #include <string>
@@ -23,6 +25,10 @@ public:
     /// one. Does nothing if the library is already loaded. The reason of a failure names each
     /// file found.
     Loam::Result<void> load(const std::string& name);
+
+    /// Loads the library of standard objects, then those that a network names. Adds a fault per
+    /// library that cannot be loaded, and returns their names.
+    std::vector<std::string> loadAll(const std::vector<PlacedText>& names, Faults& faults);
 
     /// Unloads all libraries, last one first.
     /// \pre Everything that came from the libraries is destroyed.

@@ -62,7 +62,7 @@ Conversion::Conversion(const std::string& path, const std::vector<std::string>& 
         throw Loam::FileError{"cannot enter " + printable(m_folder), errno};
     // Which types are known depends on the libraries; the second pass reports the faults.
     Faults ignored{path};
-    const std::vector<std::string> missing = loadLibraries(parseNetwork(text, ignored).libraries);
+    const std::vector<std::string> missing = m_libraries.loadAll(parseNetwork(text, ignored).libraries, m_unknown);
     m_file = parseNetwork(text, m_faults, &isKnownType);
     const NetworkInputs inputs = readInputs(m_file, overrides, missing, m_faults, m_unknown);
     m_connectionCount = inputs.connectionCount;
@@ -70,22 +70,6 @@ Conversion::Conversion(const std::string& path, const std::vector<std::string>& 
         makeCanonical(inputs);
     // Removes the objects that constructors announced.
     removeAnnouncedObjects();
-}
-
-std::vector<std::string> Conversion::loadLibraries(const std::vector<PlacedText>& names)
-{
-    std::vector<std::string> missing;
-    std::vector<PlacedText> wanted{{StandardLibrary, {}}};
-    wanted.insert(wanted.end(), names.begin(), names.end());
-    for (const auto& [name, place] : wanted) {
-        if (std::ranges::find(missing, name) != missing.end())
-            continue;
-        if (const Loam::Result<void> loaded = m_libraries.load(name); !loaded) {
-            m_unknown.add(place, loaded.reason());
-            missing.push_back(name);
-        }
-    }
-    return missing;
 }
 
 void Conversion::makeCanonical(const NetworkInputs& inputs)

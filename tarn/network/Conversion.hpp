@@ -46,7 +46,6 @@ private:
         std::size_t text;
     };
 
-    std::vector<std::string> loadLibraries(const std::vector<PlacedText>& names);
     void makeCanonical(const NetworkInputs& inputs);
     void keepValue(std::size_t object, const NetworkInputs::Input& input);
 

@@ -49,8 +49,7 @@ Session::Session(const std::string& path, const std::vector<std::string>& overri
     m_objects.emplace(m_folder);
     m_scope.emplace(*m_objects);
     Orla::VActionNotifier::add(m_tracker);
-    std::vector<std::string> missing;
-    loadLibraries(file, missing);
+    const std::vector<std::string> missing = m_libraries.loadAll(file.libraries, m_faults);
     m_network = buildNetwork(file, overrides, missing, m_faults);
     m_chart = chart ? PlacedText{*chart, {}} : file.chart;
     if (m_faults.empty() && !m_chart.text.empty())
@@ -70,20 +69,6 @@ Session::~Session()
     m_objects.reset();
     Orla::VActionNotifier::remove(m_tracker);
     m_tracker->unloadUnlessInUse(m_libraries);
-}
-
-void Session::loadLibraries(const NetworkFile& file, std::vector<std::string>& missing)
-{
-    std::vector<PlacedText> wanted{{StandardLibrary, {}}};
-    wanted.insert(wanted.end(), file.libraries.begin(), file.libraries.end());
-    for (const auto& [name, place] : wanted) {
-        if (std::ranges::find(missing, name) != missing.end())
-            continue;
-        if (const Loam::Result<void> loaded = m_libraries.load(name); !loaded) {
-            m_faults.add(place, loaded.reason());
-            missing.push_back(name);
-        }
-    }
 }
 
 void Session::chooseChart()

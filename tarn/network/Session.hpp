@@ -58,7 +58,6 @@ public:
     std::uint64_t stepCount() const noexcept { return m_stepCount; }
 
 private:
-    void loadLibraries(const NetworkFile& file, std::vector<std::string>& missing);
     void chooseChart();
     void countSteps(const NetworkFile& file, std::optional<std::uint64_t> limit);
 

@@ -17,6 +17,8 @@
 
 using namespace Tarn;
 using testing::ContainsRegex;
+using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::MatchesRegex;
 
 namespace {
@@ -104,6 +106,16 @@ TEST(Libraries, listTheFoldersSearchedForAMissingLibrary)
     Libraries libraries{{folder.path(), "/nowhere"}};
     EXPECT_EQ(libraries.load("none").reason(),
               "library \"none\" was not found: no file none.so in " + folder.path() + ", /nowhere");
+}
+
+TEST(Libraries, addOneFaultPerMissingLibraryAtItsFirstPlace)
+{
+    const TestFolder folder;
+    Libraries libraries{{folder.path()}};
+    Faults faults{"net.toml"};
+    EXPECT_THAT(libraries.loadAll({{"none", {2, 14}}, {"none", {2, 22}}}, faults), ElementsAre("standard", "none"));
+    EXPECT_THAT(faults.lines(), ElementsAre(HasSubstr("net.toml:2:14: library \"none\" was not found"),
+                                            HasSubstr("library \"standard\" was not found")));
 }
 
 TEST(Libraries, reportTheLoadersReasonForEachFileThatCannotBeLoaded)
