@@ -1,5 +1,7 @@
 #pragma once
 
+#include <earth/Palette.hpp>
+
 #include <gable/ColorTypes.hpp>
 
 #include <gtest/gtest.h>
@@ -91,3 +93,25 @@ private:
 
     std::vector<Rgb> m_pixels;
 };
+
+/// The horizontal extent and the number of the coloured pixels in a range of rows.
+struct Extent {
+    int left = 1000000;
+    int right = -1;
+    int count = 0;
+};
+
+inline Extent ink(const Picture& picture, double top, double bottom)
+{
+    Extent extent;
+    for (int y = static_cast<int>(top); y < bottom; ++y) {
+        for (int x = 0; x < picture.width; ++x) {
+            if (picture.at(x, y) != rgb(Earth::Palette::paper)) {
+                extent.left = std::min(extent.left, x);
+                extent.right = std::max(extent.right, x);
+                ++extent.count;
+            }
+        }
+    }
+    return extent;
+}

@@ -34,28 +34,6 @@ std::string frame(const QuakePicture& picture, PictureFormat format = PictureFor
     return canvas.finished();
 }
 
-// The horizontal extent and the number of the coloured pixels in a range of rows.
-struct Extent {
-    int left = 1000000;
-    int right = -1;
-    int count = 0;
-};
-
-Extent ink(const Picture& picture, double top, double bottom)
-{
-    Extent extent;
-    for (int y = static_cast<int>(top); y < bottom; ++y) {
-        for (int x = 0; x < picture.width; ++x) {
-            if (picture.at(x, y) != rgb(Palette::paper)) {
-                extent.left = std::min(extent.left, x);
-                extent.right = std::max(extent.right, x);
-                ++extent.count;
-            }
-        }
-    }
-    return extent;
-}
-
 QuakePicture titled(const std::string& title)
 {
     return {title, 0, Catalogue{}, ColorRule::Depth};

@@ -3,6 +3,7 @@
 #include "support/TestValue.hpp"
 
 #include <trellis/VActionNotifier.hpp>
+#include <trellis/VExecutor.hpp>
 #include <trellis/VObject.hpp>
 #include <trellis/VScheduler.hpp>
 
@@ -198,6 +199,36 @@ private:
     std::size_t m_nodes = Node::living;
     std::size_t m_values = livingTestValues;
     std::size_t m_memory = ChunkBase::TotalMemsize;
+};
+
+/// A fixture with objects that record their runs.
+class RecordingTest : public FrameworkTest {
+protected:
+    StrongPtr<ValuePool> pool{new ValuePool("pool")};
+    std::vector<std::string> ran;
+
+    /// Creates an object that records its runs and writes nothing.
+    StrongPtr<Node> makeRecorder(const std::string& name)
+    {
+        auto node = makeNode(name);
+        node->work = [this](Node& self, VRequest&, double) {
+            ran.push_back(self.Name());
+            return true;
+        };
+        return node;
+    }
+};
+
+/// A fixture for evaluations with an executor.
+class ExecutorTest : public FrameworkTest {
+protected:
+    static VScheduler::Summary run(const StrongPtr<ValuePool>& each, VExecutor& executor)
+    {
+        VRequest request(each);
+        return VScheduler::run(request, executor);
+    }
+
+    StrongPtr<ValuePool> pool{new ValuePool("pool")};
 };
 
 } // namespace Orla

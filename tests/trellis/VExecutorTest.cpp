@@ -18,16 +18,7 @@ public:
     std::vector<std::function<void()>> tasks;
 };
 
-class VExecutorTest : public FrameworkTest {
-protected:
-    static VScheduler::Summary run(const StrongPtr<ValuePool>& each, VExecutor& executor)
-    {
-        VRequest request(each);
-        return VScheduler::run(request, executor);
-    }
-
-    StrongPtr<ValuePool> pool{new ValuePool("pool")};
-};
+class VExecutorTest : public ExecutorTest {};
 
 } // namespace
 

@@ -47,16 +47,7 @@ struct RecordingListener final : VValueListener {
     std::string name;
 };
 
-class ConcurrentRunTest : public FrameworkTest {
-protected:
-    static VScheduler::Summary run(const StrongPtr<ValuePool>& each, VExecutor& executor)
-    {
-        VRequest request(each);
-        return VScheduler::run(request, executor);
-    }
-
-    StrongPtr<ValuePool> pool{new ValuePool("pool")};
-};
+class ConcurrentRunTest : public ExecutorTest {};
 
 } // namespace
 

@@ -10,22 +10,7 @@ using testing::ElementsAre;
 
 namespace {
 
-class DueQueueTest : public FrameworkTest {
-protected:
-    StrongPtr<ValuePool> pool{new ValuePool("pool")};
-    std::vector<std::string> ran;
-
-    // Creates an object that records its runs and writes nothing.
-    StrongPtr<Node> makeRecorder(const std::string& name)
-    {
-        auto node = makeNode(name);
-        node->work = [this](Node& self, VRequest&, double) {
-            ran.push_back(self.Name());
-            return true;
-        };
-        return node;
-    }
-};
+class DueQueueTest : public RecordingTest {};
 
 } // namespace
 
