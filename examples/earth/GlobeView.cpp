@@ -1,11 +1,8 @@
 #include <earth/GlobeView.hpp>
 
 #include <earth/Palette.hpp>
-#include <earth/PictureFrame.hpp>
 
 #include <cmath>
-#include <iterator>
-#include <utility>
 
 namespace Earth {
 
@@ -34,18 +31,14 @@ void GlobeView::drawGraticule(Canvas& canvas) const
 {
     constexpr double step = 15;
     constexpr double lastParallel = 75; // end of all meridians except every sixth
-    std::vector<Canvas::Path> lines;
-    const auto append = [&](const Line& line) {
-        std::vector<Canvas::Path> parts = m_globe.seenLine(line);
-        std::move(parts.begin(), parts.end(), std::back_inserter(lines));
-    };
+    std::vector<Line> lines;
     for (double longitude = -180; longitude < 180; longitude += step) {
         const double end = std::fmod(longitude, 6 * step) == 0 ? 90 : lastParallel;
-        append({{longitude, -end}, {longitude, end}});
+        lines.push_back({{longitude, -end}, {longitude, end}});
     }
     for (double latitude = -lastParallel; latitude <= lastParallel; latitude += step)
-        append({{-180, latitude}, {-60, latitude}, {60, latitude}, {180, latitude}});
-    canvas.stroke(lines, Palette::graticule, 0.7 * pixelsOfPoint(canvas));
+        lines.push_back({{-180, latitude}, {-60, latitude}, {60, latitude}, {180, latitude}});
+    strokeLines(canvas, lines, Palette::graticule, 0.7);
 }
 
 void GlobeView::drawCoasts(Canvas& canvas, const std::vector<Polygon>& land) const

@@ -9,10 +9,8 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <iterator>
 #include <limits>
 #include <string>
-#include <utility>
 
 namespace Earth {
 
@@ -39,6 +37,17 @@ double aside(const Pixel& a, const Pixel& b, const Pixel& place)
 bool isFinite(const Pixel& pixel)
 {
     return std::isfinite(pixel.x) && std::isfinite(pixel.y);
+}
+
+// Returns the multiples of a step from `first` to `last`, in degrees. The ends themselves move
+// slightly inside, where rounding cannot lose them.
+std::vector<double> multiples(double step, double first, double last)
+{
+    constexpr double inside = 1e-7;
+    std::vector<double> result;
+    for (double i = std::ceil(first / step - inside); i * step <= last + inside; ++i)
+        result.push_back(std::clamp(i * step, first + inside, last - inside));
+    return result;
 }
 
 double rounded(double degrees)
@@ -189,27 +198,21 @@ double MapView::graticuleStep() const
     return 0.1;
 }
 
-// The graticule's lines between the ends of the plane. Lines on its boundary are slightly
-// inside, where rounding cannot lose them.
+// The graticule's lines between the ends of the plane.
 std::vector<Line> MapView::meridians(double step) const
 {
-    constexpr double inside = 1e-7;
-    const PlaneArea::Bounds frame = m_region->frame();
+    const PlaneArea::Bounds& frame = m_region->frame();
     std::vector<Line> lines;
-    for (double i = std::ceil(frame.west / step - inside); i * step <= frame.east + inside; ++i) {
-        const double longitude = std::clamp(i * step, frame.west + inside, frame.east - inside);
+    for (const double longitude : multiples(step, frame.west, frame.east))
         lines.push_back({{longitude, frame.south}, {longitude, frame.north}});
-    }
     return lines;
 }
 
 std::vector<Line> MapView::parallels(double step) const
 {
-    constexpr double inside = 1e-7;
-    const PlaneArea::Bounds frame = m_region->frame();
+    const PlaneArea::Bounds& frame = m_region->frame();
     std::vector<Line> lines;
-    for (double i = std::ceil(frame.south / step - inside); i * step <= frame.north + inside; ++i) {
-        const double latitude = std::clamp(i * step, frame.south + inside, frame.north - inside);
+    for (const double latitude : multiples(step, frame.south, frame.north)) {
         Line& line = lines.emplace_back();
         // Lines on the Earth take the shorter way from place to place.
         constexpr int parts = 4;
@@ -222,14 +225,10 @@ std::vector<Line> MapView::parallels(double step) const
 void MapView::drawGraticule(Canvas& canvas) const
 {
     const double step = graticuleStep();
-    std::vector<Canvas::Path> paths;
-    for (const std::vector<Line>& lines : {meridians(step), parallels(step)}) {
-        for (const Line& line : lines) {
-            std::vector<Canvas::Path> parts = seenLine(line);
-            std::move(parts.begin(), parts.end(), std::back_inserter(paths));
-        }
-    }
-    canvas.stroke(paths, Palette::graticule, 0.8 * pixelsOfPoint(canvas));
+    std::vector<Line> lines = meridians(step);
+    const std::vector<Line> across = parallels(step);
+    lines.insert(lines.end(), across.begin(), across.end());
+    strokeLines(canvas, lines, Palette::graticule, 0.8);
 }
 
 void MapView::drawCoasts(Canvas& canvas, const std::vector<Polygon>& land) const

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <functional>
 #include <limits>
 #include <mutex>
 #include <stdexcept>
@@ -22,6 +21,11 @@ namespace {
 [[maybe_unused]] const bool geosStays = staysLoaded(reinterpret_cast<void*>(&GEOS_init_r));
 
 constexpr double wholeTurn = 360;
+
+struct Destroy {
+    GEOSContextHandle_t context = nullptr;
+    void operator()(GEOSGeometry* geometry) const { GEOSGeom_destroy_r(context, geometry); }
+};
 
 PlaneArea::Bounds boundsOf(const std::vector<LonLat>& places)
 {
@@ -57,7 +61,7 @@ void forEachTurn(const std::vector<LonLat>& places, const PlaneArea::Bounds& bou
 
 // The geometry and its context, which one thread may use at a time.
 struct PlaneArea::State {
-    using Geometry = std::unique_ptr<GEOSGeometry, std::function<void(GEOSGeometry*)>>;
+    using Geometry = std::unique_ptr<GEOSGeometry, Destroy>;
 
     State() : context{GEOS_init_r()} { GEOSContext_setErrorMessageHandler_r(context, keepMessage, &message); }
     State(const State&) = delete;
@@ -73,7 +77,7 @@ struct PlaneArea::State {
     {
         if (!geometry)
             throw std::runtime_error{"GEOS cannot compute an area: " + message};
-        return {geometry, [this](GEOSGeometry* each) { GEOSGeom_destroy_r(context, each); }};
+        return {geometry, Destroy{context}};
     }
 
     GEOSCoordSequence* sequence(const std::vector<LonLat>& places, bool isClosed) const
@@ -173,9 +177,10 @@ PlaneArea::PlaneArea(const std::vector<Ring>& rings)
         return;
     const auto state = std::make_shared<State>();
     std::vector<State::Geometry> polygons;
-    std::vector<GEOSGeometry*> pointers;
     for (const Ring& ring : rings)
         polygons.push_back(state->polygon(ring));
+    std::vector<GEOSGeometry*> pointers;
+    pointers.reserve(polygons.size()); // pointers that were released must not be lost
     for (State::Geometry& polygon : polygons)
         pointers.push_back(polygon.release());
     const State::Geometry all = state->owned(GEOSGeom_createCollection_r(
@@ -252,12 +257,9 @@ std::vector<Ring> PlaneArea::clipped(const Ring& ring) const
     return result;
 }
 
-std::vector<Line> PlaneArea::clippedLine(const Line& given, bool isClosed) const
+std::vector<Line> PlaneArea::clippedLine(const Line& line) const
 {
     std::vector<Line> result;
-    Line line = given;
-    if (isClosed && !line.empty())
-        line.push_back(line.front());
     if (!m_state || line.size() < 2)
         return result;
     const std::lock_guard lock{m_state->mutex};

@@ -47,7 +47,7 @@ public:
     std::vector<Ring> clipped(const Ring& ring) const;
 
     /// Returns the parts of a line on the Earth in the area.
-    std::vector<Line> clippedLine(const Line& line, bool isClosed = false) const;
+    std::vector<Line> clippedLine(const Line& line) const;
 
 private:
     struct State;

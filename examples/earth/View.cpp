@@ -39,19 +39,26 @@ void View::drawLand(Canvas& canvas, const std::vector<Polygon>& land) const
     }
 }
 
+void View::strokeLines(Canvas& canvas, const std::vector<Line>& lines, const Canvas::Color& color, double points) const
+{
+    std::vector<Canvas::Path> paths;
+    for (const Line& line : lines)
+        append(paths, seenLine(line));
+    canvas.stroke(paths, color, points * pixelsOfPoint(canvas));
+}
+
 void View::strokeCoasts(Canvas& canvas, const std::vector<Polygon>& land, double points) const
 {
-    std::vector<Canvas::Path> coasts;
+    std::vector<Line> coasts;
     for (const Polygon& polygon : land) {
         for (const Ring& ring : polygon) {
             if (ring.empty())
                 continue;
-            Line closed = ring;
-            closed.push_back(ring.front());
-            append(coasts, seenLine(closed));
+            coasts.push_back(ring);
+            coasts.back().push_back(ring.front());
         }
     }
-    canvas.stroke(coasts, Palette::coast, points * pixelsOfPoint(canvas));
+    strokeLines(canvas, coasts, Palette::coast, points);
 }
 
 void View::drawEarth(Canvas& canvas, const std::vector<Polygon>& land) const

@@ -78,7 +78,10 @@ public:
     void drawEarth(Canvas& canvas, const std::vector<Polygon>& land) const;
 
 protected:
-    /// \p points is the width of the line.
+    /// Draws the visible parts of lines. \p points is their width.
+    void strokeLines(Canvas& canvas, const std::vector<Line>& lines, const Canvas::Color& color, double points) const;
+
+    /// Draws the visible parts of the outlines of land.
     void strokeCoasts(Canvas& canvas, const std::vector<Polygon>& land, double points) const;
 };
 

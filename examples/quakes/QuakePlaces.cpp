@@ -1,4 +1,5 @@
 #include "Catalogue.hpp"
+
 #include <earth/ChartPlaces.hpp>
 
 #include <fathom/GyrePhysicalSpacePoint.hpp>
