@@ -22,3 +22,8 @@ mark_as_advanced(FATHOM_CCACHE)
 if(FATHOM_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${FATHOM_CCACHE}")
 endif()
+
+# GCC takes the sources of a unity build for headers, in which unnamed namespaces are mistakes.
+if(CMAKE_UNITY_BUILD)
+    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endif()

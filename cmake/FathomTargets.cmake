@@ -34,23 +34,6 @@ function(fathom_shared_library target)
         INSTALL_RPATH "$ORIGIN")
 endfunction()
 
-# The headers of the standard library that most sources need.
-set(FATHOM_STANDARD_HEADERS
-    <algorithm> <atomic> <cmath> <cstddef> <cstdint> <functional> <limits> <map> <memory> <mutex> <optional>
-    <set> <stdexcept> <string> <string_view> <type_traits> <typeinfo> <unordered_map> <utility> <vector>)
-
-option(FATHOM_PRECOMPILE "Precompile the headers of the standard library and of the framework" ON)
-mark_as_advanced(FATHOM_PRECOMPILE)
-
-# Precompiles the headers that most sources of <target> need: those of the standard library
-# and the given ones. Sources still include what they use; the preset clang checks that by
-# building without.
-function(fathom_precompile target)
-    if(FATHOM_PRECOMPILE)
-        target_precompile_headers(${target} PRIVATE ${FATHOM_STANDARD_HEADERS} ${ARGN})
-    endif()
-endfunction()
-
 # Installs a library and its header set, for CMake as fathom::<target> and for
 # pkg-config as <target>.
 function(fathom_install_library target description)

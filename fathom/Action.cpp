@@ -53,7 +53,7 @@ bool VValueTrait<StrongPtr<VAction>>::setValueFromText(StrongPtr<VAction>&, cons
 
 namespace {
 
-const VTypeLabel label{typeid(StrongPtr<VAction>), "action"};
+const VTypeLabel actionLabel{typeid(StrongPtr<VAction>), "action"};
 
 } // namespace
 

@@ -71,9 +71,9 @@ void speak(const Box& box, const char* name)
 
 namespace {
 
-const RegisteredName name{typeid(Box), "Bounding Box"};
-const VTypeLabel label{typeid(Box), "bounding box"};
-const bool colourIsSet = (VConnectionTypeColors::set(typeid(Box), "#8080FF"), true);
+const RegisteredName boundingBoxName{typeid(Box), "Bounding Box"};
+const VTypeLabel boundingBoxLabel{typeid(Box), "bounding box"};
+const bool boundingBoxColourIsSet = (VConnectionTypeColors::set(typeid(Box), "#8080FF"), true);
 
 } // namespace
 

@@ -12,7 +12,7 @@ template class FATHOM_TEMPLATE TypedSlot<char>;
 
 namespace {
 
-const VTypeLabel label{typeid(char), "character"};
+const VTypeLabel charLabel{typeid(char), "character"};
 
 } // namespace
 

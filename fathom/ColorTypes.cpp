@@ -33,7 +33,7 @@ bool VValueTrait<Gyre::rgba_float_t>::setValueFromText(Gyre::rgba_float_t& colou
 
 namespace {
 
-const VTypeLabel label{typeid(Gyre::rgba_float_t), "colour"};
+const VTypeLabel colorTypesLabel{typeid(Gyre::rgba_float_t), "colour"};
 
 } // namespace
 

@@ -10,7 +10,7 @@ template class FATHOM_TEMPLATE TypedValueCreator<double>;
 
 namespace {
 
-const VTypeLabel label{typeid(double), "number"};
+const VTypeLabel doubleLabel{typeid(double), "number"};
 
 } // namespace
 

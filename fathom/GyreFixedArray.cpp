@@ -36,7 +36,7 @@ bool VValueTrait<Gyre::FixedArray<int, 3>>::setValueFromText(Gyre::FixedArray<in
 
 namespace {
 
-const VTypeLabel label{typeid(Gyre::FixedArray<int, 3>), "integer triple"};
+const VTypeLabel fixedArrayLabel{typeid(Gyre::FixedArray<int, 3>), "integer triple"};
 
 } // namespace
 

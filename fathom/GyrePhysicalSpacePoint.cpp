@@ -19,7 +19,7 @@ bool VValueTrait<Gyre::PhysicalSpace::point>::setValueFromText(Gyre::PhysicalSpa
 
 namespace {
 
-const VTypeLabel label{typeid(Gyre::PhysicalSpace::point), "point"};
+const VTypeLabel pointLabel{typeid(Gyre::PhysicalSpace::point), "point"};
 
 } // namespace
 

@@ -40,7 +40,7 @@ bool VInputValueTrait<ImageTile>::setValueFromText(ImageTile&, const std::string
 
 namespace {
 
-const VTypeLabel label{typeid(ImageTile), "image tile"};
+const VTypeLabel imageTileLabel{typeid(ImageTile), "image tile"};
 
 } // namespace
 

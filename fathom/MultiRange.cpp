@@ -31,9 +31,9 @@ void speak(const Gyre::MultiRange& range, const char* name)
 
 namespace {
 
-const RegisteredName name{typeid(Gyre::MultiRange), "MultiRange"};
-const VTypeLabel label{typeid(Gyre::MultiRange), "list of ranges"};
-const bool colourIsSet = (VConnectionTypeColors::set(typeid(Gyre::MultiRange), "#8080FF"), true);
+const RegisteredName multiRangeName{typeid(Gyre::MultiRange), "MultiRange"};
+const VTypeLabel multiRangeLabel{typeid(Gyre::MultiRange), "list of ranges"};
+const bool multiRangeColourIsSet = (VConnectionTypeColors::set(typeid(Gyre::MultiRange), "#8080FF"), true);
 
 } // namespace
 

@@ -26,7 +26,7 @@ bool VInputValueTrait<Gyre::FixedArray<double, 2>>::setValueFromText(Gyre::Fixed
 
 namespace {
 
-const VTypeLabel label{typeid(Gyre::FixedArray<double, 2>), "number pair"};
+const VTypeLabel position2DLabel{typeid(Gyre::FixedArray<double, 2>), "number pair"};
 
 } // namespace
 

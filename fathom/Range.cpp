@@ -40,10 +40,10 @@ template class FATHOM_TEMPLATE TypedSlot<Range>;
 
 namespace {
 
-const VTypeLabel label{typeid(Range), "range"};
-const VValueComponents components{typeid(Range),
-                                  {VMemberValue<Range, double, &Range::begin>::component("begin"),
-                                   VMemberValue<Range, double, &Range::end>::component("end")}};
+const VTypeLabel rangeLabel{typeid(Range), "range"};
+const VValueComponents rangeComponents{typeid(Range),
+                                       {VMemberValue<Range, double, &Range::begin>::component("begin"),
+                                        VMemberValue<Range, double, &Range::end>::component("end")}};
 
 } // namespace
 

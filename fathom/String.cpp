@@ -12,7 +12,7 @@ template class FATHOM_TEMPLATE TypedSlot<std::string>;
 
 namespace {
 
-const VTypeLabel label{typeid(std::string), "text"};
+const VTypeLabel stringLabel{typeid(std::string), "text"};
 
 } // namespace
 

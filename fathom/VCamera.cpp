@@ -216,7 +216,7 @@ void Frustum::classify(const Boxes& boxes, std::size_t count, std::int8_t* resul
 
 namespace {
 
-const VTypeLabel label{typeid(VCamera), "camera"};
+const VTypeLabel cameraLabel{typeid(VCamera), "camera"};
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include <fathom/VEnum.hpp>
 
+#include <loam/Ascii.hpp>
 #include <loam/StringUtil.hpp>
 
 #include <trellis/VTypeLabel.hpp>
@@ -11,11 +12,6 @@ namespace Orla {
 namespace {
 
 // Unlike `tolower`, ignores the locale and accepts negative characters.
-constexpr char lowerCase(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 unsigned numberOf(const StringList& names, std::string_view name) noexcept
 {
     const std::size_t found = names.find(name);
@@ -37,7 +33,7 @@ unsigned firstOf(const char* const* candidates, unsigned count, Matches&& matche
 bool isEqualCaseIndependent(const char* a, const char* b) noexcept
 {
     for (; *a && *b; ++a, ++b) {
-        if (lowerCase(*a) != lowerCase(*b))
+        if (Loam::toLower(*a) != Loam::toLower(*b))
             return false;
     }
     return true;
@@ -189,7 +185,7 @@ Enum VValueOperations<Enum>::copyOf(const Enum& value)
 
 namespace {
 
-const VTypeLabel label{typeid(Enum), "enumeration"};
+const VTypeLabel enumLabel{typeid(Enum), "enumeration"};
 
 } // namespace
 

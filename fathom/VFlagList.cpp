@@ -109,7 +109,7 @@ template class FATHOM_TEMPLATE TypedSlot<FlagList>;
 
 namespace {
 
-const VTypeLabel label{typeid(FlagList), "flags"};
+const VTypeLabel flagListLabel{typeid(FlagList), "flags"};
 
 } // namespace
 

@@ -110,7 +110,7 @@ template class FATHOM_TEMPLATE TypedSlot<VInteractionEvent>;
 
 namespace {
 
-const VTypeLabel label{typeid(VInteractionEvent), "event"};
+const VTypeLabel interactionEventLabel{typeid(VInteractionEvent), "event"};
 
 } // namespace
 

@@ -26,7 +26,7 @@ bool VInputValueTrait<VMultiPointerDevice>::setValueFromText(VMultiPointerDevice
 
 namespace {
 
-const VTypeLabel label{typeid(VMultiPointerDevice), "touch points"};
+const VTypeLabel multiPointerDeviceLabel{typeid(VMultiPointerDevice), "touch points"};
 
 } // namespace
 

@@ -173,7 +173,7 @@ Selection VValueOperations<Selection>::copyOf(const Selection& selection)
 
 namespace {
 
-const VTypeLabel label{typeid(Selection), "multiple choice"};
+const VTypeLabel multipleStringListLabel{typeid(Selection), "multiple choice"};
 
 } // namespace
 

@@ -138,7 +138,7 @@ template FATHOM_TEMPLATE bool operator>>(const VOutputAssignmentContext<VObjectS
 
 namespace {
 
-const VTypeLabel label{typeid(VObjectStatus), "status"};
+const VTypeLabel objectStatusLabel{typeid(VObjectStatus), "status"};
 
 } // namespace
 

@@ -27,7 +27,7 @@ bool VValueTrait<VScalarFunctor>::setValueFromText(VScalarFunctor&, const std::s
 
 namespace {
 
-const VTypeLabel label{typeid(VScalarFunctor), "scalar function"};
+const VTypeLabel scalarFunctorLabel{typeid(VScalarFunctor), "scalar function"};
 
 } // namespace
 

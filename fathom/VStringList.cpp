@@ -11,7 +11,7 @@ namespace Orla {
 
 namespace {
 
-using Selection = StrongPtr<StringSelection, StringList>;
+using Choice = StrongPtr<StringSelection, StringList>;
 
 // Removes the next non-empty piece between "@" from the text and returns it, or the empty text
 // if no piece is left.
@@ -76,7 +76,7 @@ bool StringSelection::operator==(const StringSelection& other) const noexcept
     return selection == other.selection && haveSameStrings(*this, other);
 }
 
-std::string VValueTrait<Selection>::Text(const Selection& selection)
+std::string VValueTrait<Choice>::Text(const Choice& selection)
 {
     if (!selection)
         return {};
@@ -94,7 +94,7 @@ std::string VValueTrait<Selection>::Text(const Selection& selection)
     return text;
 }
 
-bool VValueTrait<Selection>::setValueFromText(Selection& selection, const std::string& text)
+bool VValueTrait<Choice>::setValueFromText(Choice& selection, const std::string& text)
 {
     if (!selection)
         return false;
@@ -111,25 +111,25 @@ bool VValueTrait<Selection>::setValueFromText(Selection& selection, const std::s
     return selection->select(wanted);
 }
 
-bool VValueOperations<Selection>::areDifferent(const Selection& a, const Selection& b) noexcept
+bool VValueOperations<Choice>::areDifferent(const Choice& a, const Choice& b) noexcept
 {
     if (a == b)
         return false;
     return !a || !b || !(*a == *b);
 }
 
-Selection VValueOperations<Selection>::copyOf(const Selection& selection)
+Choice VValueOperations<Choice>::copyOf(const Choice& selection)
 {
     return selection ? Loam::makeStrong<StringSelection>(*selection) : nullptr;
 }
 
-std::string updateSelection(const TypedSlot<Selection>& slot, const StrongPtr<ValuePool>& pool, const Selection& fresh)
+std::string updateSelection(const TypedSlot<Choice>& slot, const StrongPtr<ValuePool>& pool, const Choice& fresh)
 {
     if (!fresh)
         return {};
     const StrongPtr<VValueBase> value = slot.slot() ? slot.slot()->getLocalValue(pool) : nullptr;
-    VTypedValueBase<Selection>* const typed = VTypedValueBase<Selection>::cast(value.get());
-    Selection old;
+    VTypedValueBase<Choice>* const typed = VTypedValueBase<Choice>::cast(value.get());
+    Choice old;
     if (typed)
         typed->getValue(old);
     // A copy: `fresh` may be the selection that the pool holds.
@@ -144,15 +144,15 @@ std::string updateSelection(const TypedSlot<Selection>& slot, const StrongPtr<Va
     return fresh->selection;
 }
 
-template class FATHOM_TEMPLATE VTypedValueBase<Selection>;
-template class FATHOM_TEMPLATE VValue<Selection>;
-template class FATHOM_TEMPLATE TypedValueCreator<Selection>;
-template class FATHOM_TEMPLATE VValueParameter<Selection>;
-template class FATHOM_TEMPLATE TypedSlot<Selection>;
+template class FATHOM_TEMPLATE VTypedValueBase<Choice>;
+template class FATHOM_TEMPLATE VValue<Choice>;
+template class FATHOM_TEMPLATE TypedValueCreator<Choice>;
+template class FATHOM_TEMPLATE VValueParameter<Choice>;
+template class FATHOM_TEMPLATE TypedSlot<Choice>;
 
 namespace {
 
-const VTypeLabel label{typeid(Selection), "choice"};
+const VTypeLabel stringListLabel{typeid(Choice), "choice"};
 
 } // namespace
 

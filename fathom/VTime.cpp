@@ -138,11 +138,11 @@ template class FATHOM_TEMPLATE TypedSlot<VTime>;
 
 namespace {
 
-const VTypeLabel label{typeid(VTime), "time"};
-const VValueComponents components{typeid(VTime),
-                                  {VMemberValue<VTime, double, &VTime::time>::component("time"),
-                                   VMemberValue<VTime, Range, &VTime::range>::component("range"),
-                                   VMemberValue<VTime, double, &VTime::dt>::component("dt")}};
+const VTypeLabel timeLabel{typeid(VTime), "time"};
+const VValueComponents timeComponents{typeid(VTime),
+                                      {VMemberValue<VTime, double, &VTime::time>::component("time"),
+                                       VMemberValue<VTime, Range, &VTime::range>::component("range"),
+                                       VMemberValue<VTime, double, &VTime::dt>::component("dt")}};
 
 } // namespace
 

@@ -1,5 +1,7 @@
 #include <loam/Numbers.hpp>
 
+#include <loam/Ascii.hpp>
+
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
@@ -11,16 +13,6 @@
 namespace Loam {
 
 namespace {
-
-constexpr bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-constexpr bool isLetter(char c)
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
 
 // Never freed: numbers may be read until the very end of the program.
 locale_t cLocale()

@@ -1,5 +1,6 @@
 #include <loam/Scanner.hpp>
 
+#include <loam/Ascii.hpp>
 #include <loam/Numbers.hpp>
 
 #include <algorithm>
@@ -8,25 +9,15 @@ namespace Loam {
 
 namespace {
 
-constexpr char lower(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-constexpr bool isDigit(char c) noexcept
-{
-    return c >= '0' && c <= '9';
-}
-
 constexpr bool isHexDigit(char c) noexcept
 {
-    return isDigit(c) || (lower(c) >= 'a' && lower(c) <= 'f');
+    return isDigit(c) || (toLower(c) >= 'a' && toLower(c) <= 'f');
 }
 
 bool startsWith(const char* place, const char* end, std::string_view word) noexcept
 {
     return static_cast<std::size_t>(end - place) >= word.size()
-           && std::equal(word.begin(), word.end(), place, [](char a, char b) { return a == lower(b); });
+           && std::equal(word.begin(), word.end(), place, [](char a, char b) { return a == toLower(b); });
 }
 
 } // namespace
@@ -60,14 +51,14 @@ const char* Scanner::numberEnd() const noexcept
         ++place;
     if (place == m_end)
         return nullptr;
-    if (lower(*place) == 'n')
+    if (toLower(*place) == 'n')
         return startsWith(place, m_end, "nan") ? place + 3 : nullptr;
-    if (lower(*place) == 'i') {
+    if (toLower(*place) == 'i') {
         if (!startsWith(place, m_end, "inf"))
             return nullptr;
         place += 3;
         // A second "i" begins "infinity", which must then be complete.
-        if (place == m_end || lower(*place) != 'i')
+        if (place == m_end || toLower(*place) != 'i')
             return place;
         return startsWith(place, m_end, "inity") ? place + 5 : nullptr;
     }
@@ -84,9 +75,9 @@ const char* Scanner::numberEnd() const noexcept
         const char c = *place;
         if (isDigit(c) || (hexadecimal && !hasExponent && isHexDigit(c)))
             hasDigit = true;
-        else if (hasExponent && (c == '+' || c == '-') && lower(place[-1]) == exponentLetter)
+        else if (hasExponent && (c == '+' || c == '-') && toLower(place[-1]) == exponentLetter)
             continue;
-        else if (hasDigit && !hasExponent && lower(c) == exponentLetter)
+        else if (hasDigit && !hasExponent && toLower(c) == exponentLetter)
             hasExponent = true;
         else if (c == '.' && !hasPoint && !hasExponent)
             hasPoint = true;

@@ -1,5 +1,6 @@
 #include <loam/Typename.hpp>
 
+#include <loam/Ascii.hpp>
 #include <loam/Numbers.hpp>
 #include <loam/TypeInfo.hpp>
 
@@ -24,7 +25,7 @@ void replaceAll(std::string& text, std::string_view part, std::string_view repla
 
 constexpr bool isWord(char c)
 {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+    return isDigit(c) || isLetter(c) || c == '_';
 }
 
 std::string demangled(const std::type_info& type)
@@ -49,9 +50,8 @@ std::string withoutScopes(std::string_view full)
             ++i;
             continue;
         }
-        const bool isDigit = c >= '0' && c <= '9';
-        inNumber = isDigit ? inNumber || i == 0 || !isWord(full[i - 1]) : inNumber && (c == 'u' || c == 'l');
-        if (inNumber && !isDigit)
+        inNumber = isDigit(c) ? inNumber || i == 0 || !isWord(full[i - 1]) : inNumber && (c == 'u' || c == 'l');
+        if (inNumber && !isDigit(c))
             continue;
         if (c == ' ' && (plain.ends_with(',') || full.substr(i + 1, 1) == ">"))
             continue;

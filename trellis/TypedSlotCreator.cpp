@@ -9,7 +9,7 @@ namespace Orla {
 
 namespace {
 
-Detail::CreatorRegistry<TypedSlotCreator>& registry()
+Detail::CreatorRegistry<TypedSlotCreator>& slotCreators()
 {
     static Detail::CreatorRegistry<TypedSlotCreator> theRegistry;
     return theRegistry;
@@ -30,17 +30,17 @@ bool TypedSlotCreator::registerTypedSlotCreator(const std::type_info& type,
     const TypedSlotCreator& self = *alive;
     // The type is the key, so two types never have the same name here.
     const std::string key = Loam::typeKey(type);
-    return registry().add(creator, key, key, Detail::ownerOf(type, typeid(self))).empty();
+    return slotCreators().add(creator, key, key, Detail::ownerOf(type, typeid(self))).empty();
 }
 
 StrongPtr<TypedSlotCreator> TypedSlotCreator::find(const std::type_info& type)
 {
-    return registry().find(Loam::typeKey(type));
+    return slotCreators().find(Loam::typeKey(type));
 }
 
 std::vector<std::string> TypedSlotCreator::typeKeys()
 {
-    return registry().names();
+    return slotCreators().names();
 }
 
 } // namespace Orla

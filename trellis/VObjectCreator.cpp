@@ -9,7 +9,7 @@ namespace Orla {
 
 namespace {
 
-Detail::CreatorRegistry<VObjectCreator>& registry()
+Detail::CreatorRegistry<VObjectCreator>& objectCreators()
 {
     static Detail::CreatorRegistry<VObjectCreator> theRegistry;
     return theRegistry;
@@ -27,7 +27,7 @@ bool VObjectCreator::registerCreator(const WeakPtrImpl<VObjectCreator>& creator,
     const VObjectCreator& self = *alive;
     const std::string owner = Detail::ownerOf(alive->objectType(), typeid(self));
     if (!Detail::acceptedOrReported("object type", name, owner,
-                                    registry().add(creator, name, Loam::typeKey(alive->objectType()), owner)))
+                                    objectCreators().add(creator, name, Loam::typeKey(alive->objectType()), owner)))
         return false;
     alive->m_name = name;
     return true;
@@ -35,7 +35,7 @@ bool VObjectCreator::registerCreator(const WeakPtrImpl<VObjectCreator>& creator,
 
 StrongPtr<VObjectCreator> VObjectCreator::find(std::string_view typeName)
 {
-    return registry().find(typeName);
+    return objectCreators().find(typeName);
 }
 
 StrongPtr<VObjectCreator> VObjectCreator::findUnique(const std::type_info& outputType)
@@ -50,7 +50,7 @@ StrongPtr<VObjectCreator> VObjectCreator::findUnique(const std::type_info& outpu
 
 std::vector<std::string> VObjectCreator::names()
 {
-    return registry().names();
+    return objectCreators().names();
 }
 
 } // namespace Orla

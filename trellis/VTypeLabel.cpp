@@ -11,14 +11,14 @@ namespace Orla {
 
 namespace {
 
-struct Table {
+struct LabelTable {
     std::mutex mutex;
     std::vector<const VTypeLabel*> labels; // in the order of their declaration
 };
 
-Table& table()
+LabelTable& labelTable()
 {
-    static Table theTable;
+    static LabelTable theTable;
     return theTable;
 }
 
@@ -27,23 +27,23 @@ Table& table()
 VTypeLabel::VTypeLabel(const std::type_info& type, const std::string& label)
     : m_key{Loam::typeKey(type)}, m_label{label}
 {
-    const std::lock_guard lock{table().mutex};
+    const std::lock_guard lock{labelTable().mutex};
     if (!label.empty())
-        table().labels.push_back(this);
+        labelTable().labels.push_back(this);
 }
 
 VTypeLabel::~VTypeLabel()
 {
-    const std::lock_guard lock{table().mutex};
-    std::erase(table().labels, this);
+    const std::lock_guard lock{labelTable().mutex};
+    std::erase(labelTable().labels, this);
 }
 
 std::string VTypeLabel::of(const std::type_info& type)
 {
     const std::string key = Loam::typeKey(type);
     const std::string name = Loam::Typename(type);
-    const std::lock_guard lock{table().mutex};
-    const std::vector<const VTypeLabel*>& labels = table().labels;
+    const std::lock_guard lock{labelTable().mutex};
+    const std::vector<const VTypeLabel*>& labels = labelTable().labels;
     const auto own = std::ranges::find(labels, key, &VTypeLabel::m_key);
     const std::string& text = own == labels.end() ? name : (*own)->m_label;
     const auto first = std::ranges::find(labels, text, &VTypeLabel::m_label);

@@ -12,16 +12,16 @@ namespace Orla {
 
 namespace {
 
-struct Table {
+struct ComponentTable {
     std::mutex mutex;
     // Two libraries may register the components of the same type. The first entry is used; the
     // next one replaces it when the first library is unloaded.
     std::unordered_map<std::string, std::vector<const std::vector<VValueComponents::Component>*>> types;
 };
 
-Table& table()
+ComponentTable& componentTable()
 {
-    static Table theTable;
+    static ComponentTable theTable;
     return theTable;
 }
 
@@ -29,9 +29,9 @@ Table& table()
 // because a maker may use the table itself.
 VValueComponents::Component find(const std::type_info& type, const std::string& member)
 {
-    const std::lock_guard lock{table().mutex};
-    const auto entry = table().types.find(Loam::typeKey(type));
-    if (entry == table().types.end())
+    const std::lock_guard lock{componentTable().mutex};
+    const auto entry = componentTable().types.find(Loam::typeKey(type));
+    if (entry == componentTable().types.end())
         return {};
     const auto& components = *entry->second.front();
     const auto found = std::ranges::find(components, member, &VValueComponents::Component::name);
@@ -54,17 +54,17 @@ std::optional<std::pair<std::string, std::string>> split(const std::string& memb
 VValueComponents::VValueComponents(const std::type_info& type, std::vector<Component> components)
     : m_key{Loam::typeKey(type)}, m_components{std::move(components)}
 {
-    const std::lock_guard lock{table().mutex};
-    table().types[m_key].push_back(&m_components);
+    const std::lock_guard lock{componentTable().mutex};
+    componentTable().types[m_key].push_back(&m_components);
 }
 
 VValueComponents::~VValueComponents()
 {
-    const std::lock_guard lock{table().mutex};
-    auto& libraries = table().types[m_key];
+    const std::lock_guard lock{componentTable().mutex};
+    auto& libraries = componentTable().types[m_key];
     std::erase(libraries, &m_components);
     if (libraries.empty())
-        table().types.erase(m_key);
+        componentTable().types.erase(m_key);
 }
 
 StrongPtr<VValueBase> VValueComponents::make(VValueBase& container, const std::string& member)
@@ -125,8 +125,8 @@ bool VValueComponents::overlap(std::string_view a, std::string_view b) noexcept
 std::vector<std::string> VValueComponents::names(const std::type_info& type)
 {
     std::vector<std::string> names;
-    const std::lock_guard lock{table().mutex};
-    if (const auto entry = table().types.find(Loam::typeKey(type)); entry != table().types.end()) {
+    const std::lock_guard lock{componentTable().mutex};
+    if (const auto entry = componentTable().types.find(Loam::typeKey(type)); entry != componentTable().types.end()) {
         for (const Component& component : *entry->second.front())
             names.push_back(component.name);
     }

@@ -9,7 +9,7 @@ namespace Orla {
 
 namespace {
 
-Detail::CreatorRegistry<VValueCreator>& registry()
+Detail::CreatorRegistry<VValueCreator>& valueCreators()
 {
     static Detail::CreatorRegistry<VValueCreator> theRegistry;
     return theRegistry;
@@ -27,12 +27,12 @@ bool VValueCreator::registerCreator(const WeakPtrImpl<VValueCreator>& creator, c
     const VValueCreator& self = *alive;
     const std::string owner = Detail::ownerOf(alive->valueType(), typeid(self));
     return Detail::acceptedOrReported("value type", name, owner,
-                                      registry().add(creator, name, Loam::typeKey(alive->valueType()), owner));
+                                      valueCreators().add(creator, name, Loam::typeKey(alive->valueType()), owner));
 }
 
 StrongPtr<VValueCreator> VValueCreator::find(std::string_view typeName)
 {
-    return registry().find(typeName);
+    return valueCreators().find(typeName);
 }
 
 StrongPtr<VValueBase> VValueCreator::createValue(std::string_view typeName, const std::string& text, bool& ok)
@@ -44,7 +44,7 @@ StrongPtr<VValueBase> VValueCreator::createValue(std::string_view typeName, cons
 
 std::vector<std::string> VValueCreator::names()
 {
-    return registry().names();
+    return valueCreators().names();
 }
 
 } // namespace Orla

@@ -2,6 +2,7 @@
 
 #include <earth/StaysLoaded.hpp>
 
+#include <loam/Ascii.hpp>
 #include <loam/Utf8.hpp>
 
 #include <cairo-svg.h>
@@ -47,11 +48,6 @@ std::string drawable(std::string_view text)
     return result;
 }
 
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 // Renumbers surfaces in the order in which they appear. cairo numbers them throughout the
 // process, so a second equal picture would differ from the first.
 std::string withOwnSurfaceNumbers(const std::string& svg)
@@ -64,7 +60,7 @@ std::string withOwnSurfaceNumbers(const std::string& svg)
     for (std::size_t found = svg.find(word); found != std::string::npos; found = svg.find(word, done)) {
         const std::size_t begin = found + word.size();
         std::size_t end = begin;
-        while (end < svg.size() && isDigit(svg[end]))
+        while (end < svg.size() && Loam::isDigit(svg[end]))
             ++end;
         result.append(svg, done, begin - done);
         if (end > begin)
@@ -99,7 +95,7 @@ void setPath(cairo_t* cairo, const std::vector<Canvas::Path>& paths, bool isClos
 }
 
 // Returns the signed distance of a place from the line from a to b.
-double aside(const Pixel& a, const Pixel& b, const Pixel& place)
+double signedDistance(const Pixel& a, const Pixel& b, const Pixel& place)
 {
     return ((b.x - a.x) * (place.y - a.y) - (b.y - a.y) * (place.x - a.x)) / std::hypot(b.x - a.x, b.y - a.y);
 }
@@ -118,14 +114,14 @@ Canvas::Path intersection(Canvas::Path path, const Pixel& center, double radius,
         const Pixel& a = with[side];
         const Pixel& b = with[(side + 1) % with.size()];
         // Most sides are far away.
-        if (a == b || inwards * aside(a, b, center) >= radius)
+        if (a == b || inwards * signedDistance(a, b, center) >= radius)
             continue;
         cut.clear();
         for (std::size_t i = 0; i < path.size(); ++i) {
             const Pixel& from = path[i];
             const Pixel& to = path[(i + 1) % path.size()];
-            const double before = inwards * aside(a, b, from);
-            const double after = inwards * aside(a, b, to);
+            const double before = inwards * signedDistance(a, b, from);
+            const double after = inwards * signedDistance(a, b, to);
             if (before >= 0)
                 cut.push_back(from);
             if ((before >= 0) != (after >= 0)) {

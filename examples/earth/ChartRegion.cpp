@@ -1,5 +1,6 @@
 #include <earth/ChartRegion.hpp>
 
+#include <earth/Degree.hpp>
 #include <earth/Recent.hpp>
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <numbers>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -17,9 +17,7 @@ namespace Earth {
 
 namespace {
 
-constexpr double degree = std::numbers::pi / 180;
 constexpr double radius = 6378137; // metres; only ratios of scales matter
-constexpr double wholeTurn = 360;
 constexpr double besideCut = 1e-9; // degrees
 
 struct Place {

@@ -1,5 +1,7 @@
 #include <earth/DateLine.hpp>
 
+#include <earth/Degree.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -9,8 +11,6 @@
 namespace Earth {
 
 namespace {
-
-constexpr double degree = std::numbers::pi / 180;
 
 // Returns the same longitude between -180 and 180. Both ends stay unchanged.
 double principal(double longitude)

@@ -1,8 +1,9 @@
 #include <earth/Ellipsoid.hpp>
 
+#include <earth/Degree.hpp>
+
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace Earth {
 
@@ -15,7 +16,6 @@ constexpr double flattening = 1 / 298.257223563;
 constexpr double semiMinorAxis = semiMajorAxis * (1 - flattening);
 constexpr double squaredEccentricity = flattening * (2 - flattening);
 constexpr double squaredSecondEccentricity = squaredEccentricity / (1 - squaredEccentricity);
-constexpr double degree = std::numbers::pi / 180;
 
 struct Direction {
     double cosine;

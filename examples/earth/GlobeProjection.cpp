@@ -2,6 +2,7 @@
 
 #include <earth/BoundaryJoin.hpp>
 #include <earth/DateLine.hpp>
+#include <earth/Degree.hpp>
 #include <earth/Ellipsoid.hpp>
 
 #include <loam/Numbers.hpp>
@@ -25,8 +26,7 @@ namespace {
 using point = Gyre::PhysicalSpace::point;
 using vector = Gyre::PhysicalSpace::vector;
 
-constexpr double degree = std::numbers::pi / 180;
-constexpr double wholeTurn = 2 * std::numbers::pi;
+constexpr double twoPi = 2 * std::numbers::pi;
 
 double length(const vector& v) noexcept
 {
@@ -153,7 +153,7 @@ double GlobeProjection::angleOnHorizon(const point& onSphere) const noexcept
 {
     const vector v = fromCenter(onSphere);
     const double angle = std::atan2(dot(v, m_above), dot(v, m_right));
-    return angle < 0 ? angle + wholeTurn : angle;
+    return angle < 0 ? angle + twoPi : angle;
 }
 
 point GlobeProjection::crossing(const point& from, const point& to) const noexcept
@@ -174,7 +174,7 @@ void GlobeProjection::walkAlongHorizon(std::vector<point>& ring, double from, do
 std::vector<point> GlobeProjection::horizon() const
 {
     std::vector<point> points;
-    walkAlongHorizon(points, 0, wholeTurn);
+    walkAlongHorizon(points, 0, twoPi);
     points.push_back(onHorizon(0));
     return points;
 }
@@ -274,7 +274,7 @@ std::vector<std::vector<Pixel>> GlobeProjection::seen(const Ring& given) const
             piece.exit = angleOnHorizon(piece.points.back());
             pieces.push_back(std::move(piece));
         }
-        rings = joinAlongBoundary(std::move(pieces), wholeTurn,
+        rings = joinAlongBoundary(std::move(pieces), twoPi,
                                   [this](std::vector<point>& joined, double from, double distance) {
                                       walkAlongHorizon(joined, from, distance);
                                   });

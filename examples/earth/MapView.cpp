@@ -27,7 +27,7 @@ LonLat between(const LonLat& a, const LonLat& b, double part)
 }
 
 // Returns the distance of a place from the line between two others.
-double aside(const Pixel& a, const Pixel& b, const Pixel& place)
+double distanceToSegment(const Pixel& a, const Pixel& b, const Pixel& place)
 {
     const double length = distance(a, b);
     return length == 0 ? distance(a, place)
@@ -127,10 +127,10 @@ void MapView::appendCurve(Canvas::Path& path, const LonLat& from, const Pixel& f
     constexpr double precision = 0.1; // pixels
     constexpr int deepest = 12;
     const Pixel middle = pixel(between(from, to, 0.5));
-    const bool isStraight =
-        std::max({aside(fromPixel, toPixel, middle), aside(fromPixel, toPixel, pixel(between(from, to, 0.27))),
-                  aside(fromPixel, toPixel, pixel(between(from, to, 0.73)))})
-        <= precision;
+    const bool isStraight = std::max({distanceToSegment(fromPixel, toPixel, middle),
+                                      distanceToSegment(fromPixel, toPixel, pixel(between(from, to, 0.27))),
+                                      distanceToSegment(fromPixel, toPixel, pixel(between(from, to, 0.73)))})
+                            <= precision;
     if (!isStraight && isFinite(middle) && depth < deepest) {
         const LonLat half = between(from, to, 0.5);
         appendCurve(path, from, fromPixel, half, middle, depth + 1);
@@ -300,7 +300,7 @@ Pixel MapView::outwards(const Pixel& place, const Pixel& way) const
             const Pixel& a = path[i];
             const Pixel& b = path[(i + 1) % path.size()];
             const double length = distance(a, b);
-            if (length == 0 || aside(a, b, place) > near || distance(a, place) > length + near
+            if (length == 0 || distanceToSegment(a, b, place) > near || distance(a, place) > length + near
                 || distance(b, place) > length + near)
                 continue;
             const Pixel normal{(b.y - a.y) / length, (a.x - b.x) / length};

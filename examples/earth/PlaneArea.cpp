@@ -1,6 +1,7 @@
 #include <earth/PlaneArea.hpp>
 
 #include <earth/DateLine.hpp>
+#include <earth/Degree.hpp>
 #include <earth/StaysLoaded.hpp>
 
 #include <geos_c.h>
@@ -19,8 +20,6 @@ namespace Earth {
 namespace {
 
 [[maybe_unused]] const bool geosStays = staysLoaded(reinterpret_cast<void*>(&GEOS_init_r));
-
-constexpr double wholeTurn = 360;
 
 struct Destroy {
     GEOSContextHandle_t context = nullptr;

@@ -10,7 +10,7 @@ namespace Tarn {
 
 namespace {
 
-int perform(const Arguments& arguments, const StandardStreams&)
+int performCheck(const Arguments& arguments, const StandardStreams&)
 {
     const Session session{findNetwork(arguments.names[0]), {}, {}};
     if (!session.faults().empty())
@@ -42,7 +42,7 @@ faults with their places. Evaluates nothing. The exit status is 2 if there are f
 Keys that are the hot key of several objects are listed too, but are not faults.
 )",
         .libraryFolders = NetworkFolders,
-        .perform = &perform,
+        .perform = &performCheck,
     };
     return command;
 }

@@ -38,9 +38,9 @@ Environment:
   TARN_LIBRARIES  Folders, separated by colons, in which libraries are looked for.
 )";
 
-class Parser final : public Orla::CommandLineParser {
+class ArgumentParser final : public Orla::CommandLineParser {
 public:
-    explicit Parser(const std::vector<const Command*>& commands) : m_commands{commands} {}
+    explicit ArgumentParser(const std::vector<const Command*>& commands) : m_commands{commands} {}
 
     bool processOption(const std::string& option) override
     {
@@ -137,7 +137,7 @@ private:
 
 CommandLine CommandLine::parse(int argc, char** argv, const std::vector<const Command*>& commands)
 {
-    Parser parser{commands};
+    ArgumentParser parser{commands};
     const bool isWhole = parser.process(argc, argv);
     if (isWhole && parser.isEmpty()) {
         std::vector<std::string> known;

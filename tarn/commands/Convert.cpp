@@ -14,7 +14,7 @@ namespace Tarn {
 
 namespace {
 
-int perform(const Arguments& arguments, const StandardStreams& streams)
+int performConvert(const Arguments& arguments, const StandardStreams& streams)
 {
     const std::vector<std::string> overrides = overridesOf(arguments);
     const std::string network = findNetwork(arguments.names[0]);
@@ -71,7 +71,7 @@ listed; names of folders are only listed.
                 {.name = "keep-names", .shape = "", .help = "Leaves texts that name files unchanged."},
             },
         .libraryFolders = NetworkFolders,
-        .perform = &perform,
+        .perform = &performConvert,
     };
     return command;
 }

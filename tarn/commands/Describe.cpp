@@ -32,7 +32,7 @@ void reportUnknown(const std::string& name, const TypeCatalogue& catalogue)
         + (suggestions.empty() ? "; tarn types lists the known types" : suggestions + "?"));
 }
 
-int perform(const Arguments& arguments, const StandardStreams& streams)
+int performDescribe(const Arguments& arguments, const StandardStreams& streams)
 {
     const int level = levelOf(arguments);
     const std::string& name = arguments.names[0];
@@ -68,7 +68,7 @@ destroyed; the exit status is 1 if that fails, and 2 if no type has the name.
 )",
         .options = {libraryOption(), levelOption(), jsonOption()},
         .libraryFolders = WorkingFolders,
-        .perform = &perform,
+        .perform = &performDescribe,
     };
     return command;
 }

@@ -30,7 +30,7 @@ Kind kindOf(const std::string& output)
     throw UsageError{"--output=" + printable(output) + ": expected a name that ends in .svg, .png or .dot"};
 }
 
-int perform(const Arguments& arguments, const StandardStreams& streams)
+int performGraph(const Arguments& arguments, const StandardStreams& streams)
 {
     const std::optional<std::string> output = arguments.text("output");
     if (!output)
@@ -83,7 +83,7 @@ faults, nothing is drawn.
                          "writes the text for Graphviz to standard output."},
             },
         .libraryFolders = NetworkFolders,
-        .perform = &perform,
+        .perform = &performGraph,
     };
     return command;
 }

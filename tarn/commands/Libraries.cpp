@@ -13,7 +13,7 @@ namespace Tarn {
 
 namespace {
 
-int perform(const Arguments& arguments, const StandardStreams& streams)
+int performLibraries(const Arguments& arguments, const StandardStreams& streams)
 {
     const auto files = findLibraryFiles(Libraries::searchPath(Loam::getCurrentDir()), arguments.names);
     print(streams, arguments.has("json") ? libraryListJson(files) : libraryListText(files));
@@ -37,7 +37,7 @@ the exit status is 2.
 )",
         .options = {jsonOption()},
         .libraryFolders = WorkingFolders,
-        .perform = &perform,
+        .perform = &performLibraries,
     };
     return command;
 }

@@ -7,7 +7,7 @@ namespace Tarn {
 
 namespace {
 
-int perform(const Arguments& arguments, const StandardStreams& streams)
+int performObjects(const Arguments& arguments, const StandardStreams& streams)
 {
     const int level = levelOf(arguments);
     std::vector<std::string> libraries = librariesOf(arguments);
@@ -37,7 +37,7 @@ network's clock, events come from the interaction source, and so on.
 )",
         .options = {libraryOption(), levelOption(), jsonOption()},
         .libraryFolders = WorkingFolders,
-        .perform = &perform,
+        .perform = &performObjects,
     };
     return command;
 }

@@ -133,7 +133,7 @@ int reportInterruption(const Session& session, const EvaluationSummary& summary,
     return signal != 0 ? 128 + signal : ObjectFailed;
 }
 
-int perform(const Arguments& arguments, const StandardStreams& streams)
+int performRun(const Arguments& arguments, const StandardStreams& streams)
 {
     const std::vector<std::string> overrides = overridesOf(arguments);
     const std::optional<std::uint64_t> steps = readSteps(arguments.text("steps"));
@@ -239,7 +239,7 @@ then stays unchanged; standard output has the rows of the steps before.
                          "the tracing pages of web browsers; \"-\" is standard output."},
             },
         .libraryFolders = NetworkFolders,
-        .perform = &perform,
+        .perform = &performRun,
     };
     return command;
 }

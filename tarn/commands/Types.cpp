@@ -7,7 +7,7 @@ namespace Tarn {
 
 namespace {
 
-int perform(const Arguments& arguments, const StandardStreams& streams)
+int performTypes(const Arguments& arguments, const StandardStreams& streams)
 {
     std::vector<std::string> libraries = librariesOf(arguments);
     libraries.insert(libraries.end(), arguments.names.begin(), arguments.names.end());
@@ -34,7 +34,7 @@ the standard library and the libraries named, with their files.
 )",
         .options = {libraryOption(), jsonOption()},
         .libraryFolders = WorkingFolders,
-        .perform = &perform,
+        .perform = &performTypes,
     };
     return command;
 }

@@ -2,6 +2,7 @@
 
 #include <fathom/VObjectStatus.hpp>
 
+#include <loam/Ascii.hpp>
 #include <loam/Utf8.hpp>
 
 #include <charconv>
@@ -15,21 +16,11 @@ namespace {
 
 using Orla::StatusMarkup;
 
-constexpr bool isLetter(char c) noexcept
-{
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-constexpr char lowered(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 // Returns the length of the tag at the start of `text`, or 0 if it is not a tag.
 std::size_t lengthOfTag(std::string_view text)
 {
     const std::size_t first = text.substr(0, 2) == "</" ? 2 : 1;
-    if (text.size() <= first || !(isLetter(text[first]) || (first == 1 && text[first] == '!')))
+    if (text.size() <= first || !(Loam::isLetter(text[first]) || (first == 1 && text[first] == '!')))
         return 0;
     char quote = 0;
     for (std::size_t i = first; i < text.size(); ++i) {
@@ -48,7 +39,7 @@ std::size_t lengthOfTag(std::string_view text)
 
 bool breaksTheLine(std::string_view tag)
 {
-    return tag.size() >= 4 && lowered(tag[1]) == 'b' && lowered(tag[2]) == 'r' && !isLetter(tag[3]);
+    return tag.size() >= 4 && Loam::toLower(tag[1]) == 'b' && Loam::toLower(tag[2]) == 'r' && !Loam::isLetter(tag[3]);
 }
 
 // Excludes control characters, which could affect a terminal.
@@ -72,7 +63,7 @@ char32_t characterOf(std::string_view name)
     }
     if (name.size() < 2 || name[0] != '#')
         return 0;
-    const bool isHexadecimal = lowered(name[1]) == 'x';
+    const bool isHexadecimal = Loam::toLower(name[1]) == 'x';
     const std::string_view digits = name.substr(isHexadecimal ? 2 : 1);
     std::uint32_t code = 0;
     const char* const last = digits.data() + digits.size();

@@ -18,7 +18,7 @@ using Orla::StrongPtr;
 constexpr int TheProcess = 1;
 constexpr int TheThread = 1;
 
-std::string spelled(const Json& json)
+std::string asLine(const Json& json)
 {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
@@ -59,7 +59,7 @@ Tracer::Tracer(Loam::OutputFile& output, const StrongPtr<Orla::ValuePool>& pool,
     process["pid"] = TheProcess;
     process["tid"] = TheThread;
     process["args"]["name"] = title;
-    m_output.write("{\"displayTimeUnit\":\"ms\",\"traceEvents\":[\n" + spelled(process));
+    m_output.write("{\"displayTimeUnit\":\"ms\",\"traceEvents\":[\n" + asLine(process));
     Orla::VScheduler::observe(m_pool, this);
 }
 
@@ -91,7 +91,7 @@ void Tracer::endStep(Clock::time_point now)
         return;
     Json event = completeEvent("step " + std::to_string(m_step), "step", m_stepBegin - m_start, now - m_stepBegin);
     event["args"]["step"] = m_step;
-    m_output.write(",\n" + spelled(event));
+    m_output.write(",\n" + asLine(event));
 }
 
 void Tracer::finish()
@@ -138,7 +138,7 @@ void Tracer::ended(const Orla::VObject& object, Result result) noexcept
         event["args"]["reason"] = reasonOf(m_running);
         event["args"]["outcome"] = outcomeOf(result);
         m_running = {};
-        m_output.write(",\n" + spelled(event));
+        m_output.write(",\n" + asLine(event));
     });
 }
 

@@ -1,5 +1,7 @@
 #include <tarn/text/Messages.hpp>
 
+#include <loam/Ascii.hpp>
+
 #include <algorithm>
 #include <cstdlib>
 #include <numeric>
@@ -10,11 +12,6 @@ namespace {
 
 constexpr std::size_t LongestShown = 200;
 constexpr std::size_t MostListed = 12;
-
-char lowered(char letter) noexcept
-{
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
 
 // Returns the number of mistakes up to which a name of that length counts as misspelt.
 std::size_t toleranceFor(std::size_t length) noexcept
@@ -39,9 +36,10 @@ std::size_t mistakes(std::string_view a, std::string_view b, std::size_t limit)
         last = row;
         row[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            const bool equal = lowered(a[i - 1]) == lowered(b[j - 1]);
+            const bool equal = Loam::toLower(a[i - 1]) == Loam::toLower(b[j - 1]);
             row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (equal ? 0 : 1)});
-            if (i > 1 && j > 1 && lowered(a[i - 1]) == lowered(b[j - 2]) && lowered(a[i - 2]) == lowered(b[j - 1]))
+            if (i > 1 && j > 1 && Loam::toLower(a[i - 1]) == Loam::toLower(b[j - 2])
+                && Loam::toLower(a[i - 2]) == Loam::toLower(b[j - 1]))
                 row[j] = std::min(row[j], beforeLast[j - 2] + 1);
         }
         if (*std::ranges::min_element(row) > limit)

@@ -2,6 +2,7 @@
 
 #include <tarn/text/TomlTable.hpp>
 
+#include <loam/Ascii.hpp>
 #include <loam/Numbers.hpp>
 
 #include <algorithm>
@@ -17,8 +18,7 @@ namespace {
 
 bool isBare(char letter) noexcept
 {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9')
-           || letter == '_' || letter == '-';
+    return Loam::isLetter(letter) || Loam::isDigit(letter) || letter == '_' || letter == '-';
 }
 
 template<class Number>

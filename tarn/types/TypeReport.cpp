@@ -140,7 +140,7 @@ Json jsonList(const Descriptions& descriptions)
     return list;
 }
 
-std::string spelled(const Json& json)
+std::string indented(const Json& json)
 {
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
@@ -169,7 +169,7 @@ std::string typeListJson(const std::vector<ValueTypeDescription>& values,
     Json list = Json::array();
     for (const ObjectTypeDescription& type : objects)
         list.push_back({{"name", type.name}, {"library", type.library}});
-    return spelled({{"valueTypes", jsonList(values)}, {"objectTypes", list}});
+    return indented({{"valueTypes", jsonList(values)}, {"objectTypes", list}});
 }
 
 std::string descriptionText(const std::vector<ValueTypeDescription>& values,
@@ -186,14 +186,14 @@ std::string descriptionText(const std::vector<ValueTypeDescription>& values,
 std::string descriptionJson(const std::vector<ValueTypeDescription>& values,
                             const std::vector<ObjectTypeDescription>& objects)
 {
-    return spelled({{"valueTypes", jsonList(values)}, {"objectTypes", jsonList(objects)}});
+    return indented({{"valueTypes", jsonList(values)}, {"objectTypes", jsonList(objects)}});
 }
 
 std::string objectListJson(const std::vector<ObjectTypeDescription>& objects)
 {
     Json all;
     all["objectTypes"] = jsonList(objects);
-    return spelled(all);
+    return indented(all);
 }
 
 std::string libraryListText(const std::vector<LibraryFile>& files)
@@ -228,7 +228,7 @@ std::string libraryListJson(const std::vector<LibraryFile>& files)
                         {"failure", orNull(file.loading ? std::string() : file.loading.reason())}});
     Json all;
     all["libraries"] = std::move(list);
-    return spelled(all);
+    return indented(all);
 }
 
 } // namespace Tarn

@@ -13,6 +13,8 @@
 
 #include <dlfcn.h>
 
+namespace SurprisesTest {
+
 using namespace Orla;
 
 namespace {
@@ -109,3 +111,5 @@ TEST(Surprises, nameTheTestThatGuardsThem)
     }
     EXPECT_GE(rows, 30);
 }
+
+} // namespace SurprisesTest

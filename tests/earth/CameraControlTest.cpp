@@ -7,6 +7,8 @@
 
 #include <cmath>
 
+namespace CameraControlTest {
+
 using Event = Orla::VInteractionEvent;
 using Orla::VCamera;
 
@@ -173,3 +175,5 @@ TEST_F(CameraControls, keepPoolsIndependent)
     expectMoved(10, 5);
     EXPECT_EQ(readText(*control.object, "camera", other), Orla::VValueTrait<VCamera>::Text(start));
 }
+
+} // namespace CameraControlTest

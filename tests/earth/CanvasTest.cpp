@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace CanvasTest {
+
 using Earth::Canvas;
 using Earth::Pixel;
 using Earth::PictureFormat;
@@ -214,3 +216,5 @@ TEST(Canvas, staysWellFormedIfTextMentionsSurfaces)
     canvas.text({10, 30}, "<surface12> & \"surface3\"", 10, blue);
     EXPECT_EQ(Svg{canvas.finished()}.fault, "");
 }
+
+} // namespace CanvasTest

@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 
+namespace ChartPlacesTest {
+
 using Orla::StrongPtr;
 using Orla::VChartSelector;
 using Earth::ChartPlaces;
@@ -179,3 +181,5 @@ TEST_F(ChartPlacesTest, failInAnUnknownChart)
     EXPECT_THAT(warnings.all()[0], testing::HasSubstr("found the chart \"polar\", expected geographic, "
                                                       "geocentric, plate carree or a text for PROJ"));
 }
+
+} // namespace ChartPlacesTest

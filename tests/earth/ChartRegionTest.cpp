@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+namespace ChartRegionTest {
+
 using Earth::Chart;
 using Earth::ChartRegion;
 using Earth::LonLat;
@@ -133,3 +135,5 @@ TEST(ChartRegion, refusesChartsThatAreNotFlat)
     for (const char* chart : {"geocentric", "+proj=cart", "EPSG:4978"})
         EXPECT_THROW(ChartRegion{Chart{chart}}, std::invalid_argument) << chart;
 }
+
+} // namespace ChartRegionTest

@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+namespace ChartTest {
+
 using Earth::Chart;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -179,3 +181,5 @@ TEST(Chart, convertsInSeveralThreads)
     for (std::thread& thread : threads)
         thread.join();
 }
+
+} // namespace ChartTest

@@ -13,6 +13,8 @@
 
 #include <cmath>
 
+namespace CoastLinesTest {
+
 using Orla::StrongPtr;
 using Earth::Land;
 using testing::HasSubstr;
@@ -132,3 +134,5 @@ TEST(LandValue, cannotBeReadFromText)
     EXPECT_NE(land, Land{});
     EXPECT_EQ(Land{}, Land{std::vector<Earth::Polygon>{}});
 }
+
+} // namespace CoastLinesTest

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <limits>
 
+namespace ColorScaleTest {
+
 using Gyre::rgba_float_t;
 using Earth::scaleColor;
 
@@ -63,3 +65,5 @@ TEST(ColorScale, clampsPositionsToItsEnds)
     EXPECT_EQ(scaleColor(1.5), scaleColor(1));
     EXPECT_EQ(scaleColor(infinity), scaleColor(1));
 }
+
+} // namespace ColorScaleTest

@@ -13,6 +13,8 @@
 #include <numbers>
 #include <utility>
 
+namespace DateLineTest {
+
 using Earth::areaOnTheLeft;
 using Earth::cutLineAtDateLine;
 using Earth::encloses;
@@ -319,3 +321,5 @@ TEST_F(Land, coversKnownPlacesOnLandOnly)
     for (const auto& [name, longitude, latitude, expected] : cases)
         EXPECT_EQ(isLand(longitude, latitude), expected) << name;
 }
+
+} // namespace DateLineTest

@@ -9,6 +9,8 @@
 #include <random>
 #include <string>
 
+namespace EllipsoidTest {
+
 using Gyre::PhysicalSpace;
 using Earth::fromPlateCarree;
 using Earth::geocentric;
@@ -210,3 +212,5 @@ TEST(Ellipsoid, terminatesForNonFiniteNumbers)
          {PhysicalSpace::point{nan, 0, 0}, {0, 0, nan}, {infinity, 0, 0}, {0, 0, infinity}, {1, -infinity, 3}})
         EXPECT_FALSE(std::isfinite(geographic(place).z()));
 }
+
+} // namespace EllipsoidTest

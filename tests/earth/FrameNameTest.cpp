@@ -5,6 +5,8 @@
 #include <cmath>
 #include <stdexcept>
 
+namespace FrameNameTest {
+
 using Earth::frameName;
 
 TEST(FrameName, replacesTheLastSequenceOfHashesWithTheNumber)
@@ -30,3 +32,5 @@ TEST(FrameName, refusesInvalidStepNumbers)
     for (const double step : {-1.0, 0.5, 1e16, std::nan("")})
         EXPECT_THROW(frameName("#", step), std::runtime_error) << step;
 }
+
+} // namespace FrameNameTest

@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+namespace GlobeProjectionTest {
+
 using Orla::VCamera;
 using Earth::encloses;
 using Earth::GlobeProjection;
@@ -302,3 +304,5 @@ TEST(GlobeProjection, coversExactlyTheVisibleLand)
     EXPECT_GT(compared, 300u);
     EXPECT_GT(onLand, 60u);
 }
+
+} // namespace GlobeProjectionTest

@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+namespace GlobeViewTest {
+
 using Earth::Canvas;
 using Earth::GlobeView;
 using Earth::LonLat;
@@ -195,3 +197,5 @@ TEST(GlobeView, drawsPicturesOfAnySize)
         EXPECT_EQ(picture.height, height);
     }
 }
+
+} // namespace GlobeViewTest

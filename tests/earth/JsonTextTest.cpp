@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace JsonTextTest {
+
 using Earth::described;
 using nlohmann::json;
 
@@ -66,3 +68,5 @@ TEST(JsonText, reportsFaultsWithTheirPlaces)
     EXPECT_THAT(broken, testing::Not(testing::HasSubstr("last read")));
     EXPECT_EQ(message([] { throw std::runtime_error{"another"}; }), "another");
 }
+
+} // namespace JsonTextTest

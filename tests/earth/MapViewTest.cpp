@@ -22,6 +22,8 @@
 #include <utility>
 #include <vector>
 
+namespace MapViewTest {
+
 using Earth::Canvas;
 using Earth::Chart;
 using Earth::LonLat;
@@ -236,6 +238,7 @@ TEST(MapView, drawsMarksAtTheCutOnBothSides)
 TEST(MapView, drawsNothingOutsideItsOutline)
 {
     const std::vector<Dot> dots{{{-180, 89}, 20}, {{180, -89}, 20}, {{0, 90}, 20}, {{-100, -45}, 20}, {{0, 0}, 20}};
+    const Rgb paper = rgb(Palette::paper);
     for (const char* chart : charts) {
         SCOPED_TRACE(chart);
         const ColorsOfMap empty{{}, chart};
@@ -245,10 +248,10 @@ TEST(MapView, drawsNothingOutsideItsOutline)
         int drawn = 0;
         for (int y = 0; y < empty.height; ++y) {
             for (int x = 0; x < empty.width; ++x) {
-                if (empty.Picture::at(x, y) != rgb(Palette::paper))
+                if (empty.Picture::at(x, y) != paper)
                     continue;
                 ++outside;
-                drawn += full.Picture::at(x, y) == rgb(Palette::paper) ? 0 : 1;
+                drawn += full.Picture::at(x, y) == paper ? 0 : 1;
             }
         }
         EXPECT_GT(outside, 300000);
@@ -399,3 +402,5 @@ TEST(MapView, refusesChartsThatAreNotFlat)
 {
     EXPECT_THROW(MapView(Chart{"geocentric"}, {0, 0, 100, 100}), std::invalid_argument);
 }
+
+} // namespace MapViewTest

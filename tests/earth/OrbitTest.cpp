@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+namespace OrbitTest {
+
 using Orla::VCamera;
 using Earth::orbited;
 using Earth::zoomed;
@@ -55,3 +57,5 @@ TEST(Orbit, zoomsAlongTheView)
 {
     expectAt(zoomed(VCamera{{11, 2, 3}, {1, 2, 3}, {0, 0, 1}, 30}, 0.5), 6, 2, 3);
 }
+
+} // namespace OrbitTest

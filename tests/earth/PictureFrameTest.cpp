@@ -10,6 +10,8 @@
 #include <string>
 #include <utility>
 
+namespace PictureFrameTest {
+
 using Earth::Canvas;
 using Earth::PictureFormat;
 
@@ -77,3 +79,5 @@ TEST(PictureFrame, drawsAScaleOfColours)
     EXPECT_GT(ink(picture, 130, 145).count, 10) << "the values";
     EXPECT_LT(ink(picture, 130, 145).right, 310) << "at their positions";
 }
+
+} // namespace PictureFrameTest

@@ -12,6 +12,8 @@
 #include <limits>
 #include <numbers>
 
+namespace PlaneAreaTest {
+
 using Earth::Line;
 using Earth::LonLat;
 using Earth::PlaneArea;
@@ -171,3 +173,5 @@ TEST(PlaneArea, keepsTheAreaOfTheLand)
     }
     EXPECT_NEAR(clipped, onSphere, 1e-9);
 }
+
+} // namespace PlaneAreaTest

@@ -10,6 +10,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace TopoJsonTest {
+
 using Earth::Line;
 using Earth::LonLat;
 using Earth::Polygon;
@@ -253,3 +255,5 @@ TEST(TopoJson, readsTheLandOfTheWorld)
     EXPECT_NEAR(south, -85.609038, 1e-6); // the file's "bbox"
     EXPECT_NEAR(north, 83.645130, 1e-6);
 }
+
+} // namespace TopoJsonTest

@@ -4,6 +4,8 @@
 
 #include <limits>
 
+namespace UtcTextTest {
+
 using Earth::utcText;
 
 TEST(UtcText, formatsInstantsInIso8601)
@@ -92,3 +94,5 @@ TEST(UtcText, returnsAMessageOutsideTheCalendar)
     for (const auto& [seconds, text] : cases)
         EXPECT_EQ(utcText(seconds), text) << seconds;
 }
+
+} // namespace UtcTextTest

@@ -16,6 +16,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace ActionTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -216,3 +218,5 @@ TEST_F(ActionTest, reachesConnectedInputsThroughItsParameter)
     EXPECT_EQ(m_low->trigger.value(m_pool), m_action);
     EXPECT_FALSE(m_apart->trigger.value(m_pool));
 }
+
+} // namespace ActionTest

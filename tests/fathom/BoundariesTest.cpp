@@ -25,6 +25,8 @@
 
 #include <dlfcn.h>
 
+namespace BoundariesTest {
+
 using namespace Orla;
 using testing::AllOf;
 using testing::ElementsAre;
@@ -381,3 +383,5 @@ TEST_F(BoundariesDeathTest, objectsThatOutliveAClientLibraryAtExitAreHarmless)
     EXPECT_EXIT(keepAndExit(first, "FirstCounter"), testing::ExitedWithCode(0),
                 "slot 2:3, creator absent, pointer null");
 }
+
+} // namespace BoundariesTest

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace BoundingBallTest {
+
 using namespace Orla;
 
 using Gyre::BoundingBall;
@@ -49,3 +51,5 @@ TEST(BoundingBall, takesTheNewRadiusEvenIfTheCenterIsRefused)
     EXPECT_FALSE(Trait::setValueFromText(ball, "x@4"));
     EXPECT_EQ(ball, BoundingBall({9, 8, 7}, 4));
 }
+
+} // namespace BoundingBallTest

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+namespace BoundingBoxTest {
+
 using namespace Orla;
 
 using Box = StrongPtr<Gyre::BoundingBox, InterfaceBase>;
@@ -122,3 +124,5 @@ TEST(BoundingBox, hasItsNameAndColour)
 }
 
 } // namespace
+
+} // namespace BoundingBoxTest

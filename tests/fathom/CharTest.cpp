@@ -5,13 +5,19 @@
 
 #include <limits>
 
+namespace CharTest {
+
 using namespace Orla;
+
+} // namespace CharTest
 
 template<>
 std::vector<char> samples<char>()
 {
     return {'\0', ' ', 'a', '5', '\n', std::numeric_limits<char>::max()};
 }
+
+namespace CharTest {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Char, ValueLaws, char);
 INSTANTIATE_TYPED_TEST_SUITE_P(Char, SlotLaws, char);
@@ -34,3 +40,5 @@ TEST(Char, acceptsOneCharacterOrTheEmptyTextForNul)
     EXPECT_TRUE(value.getValue(character));
     EXPECT_EQ(character, '\0');
 }
+
+} // namespace CharTest

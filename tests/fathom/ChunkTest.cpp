@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+namespace ChunkTest {
+
 using namespace Orla;
 
 namespace {
@@ -218,3 +220,5 @@ TEST(Arrays, subtractTheirMemoryFromTheTotalWhenDestroyed)
 }
 
 } // namespace
+
+} // namespace ChunkTest

@@ -9,6 +9,8 @@
 #include <random>
 #include <string>
 
+namespace ColorTypesTest {
+
 using namespace Orla;
 
 using Colour = Gyre::rgba_float_t;
@@ -77,3 +79,5 @@ TEST(Colour, hasTheSameTextInALocaleWithADecimalComma)
     EXPECT_TRUE(Trait::setValueFromText(read, "(0.5,1,0,1)"));
     EXPECT_EQ(read, (Colour{0.5f, 1, 0, 1}));
 }
+
+} // namespace ColorTypesTest

@@ -16,6 +16,8 @@
 #include <utility>
 #include <vector>
 
+namespace CommandLineParserTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -311,3 +313,5 @@ TEST_F(DataDirsDeathTest, areSearchedForAbsoluteNamesToo)
                 testing::ExitedWithCode(0),
                 printed("Checking file '" + current() + "//file'... valid\n" + current() + "//file"));
 }
+
+} // namespace CommandLineParserTest

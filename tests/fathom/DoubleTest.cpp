@@ -5,18 +5,25 @@
 #include <cmath>
 #include <limits>
 
+namespace DoubleTest {
+
 using namespace Orla;
 
 using Limits = std::numeric_limits<double>;
 
 constexpr double NaN = Limits::quiet_NaN();
 
+} // namespace DoubleTest
+
 template<>
 std::vector<double> samples<double>()
 {
+    using Limits = std::numeric_limits<double>;
     return {
         0, 45, -1.5, 0.1, 1.0 / 3, 1e300, Limits::denorm_min(), Limits::max(), Limits::infinity(), -Limits::infinity()};
 }
+
+namespace DoubleTest {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Double, ValueLaws, double);
 
@@ -65,3 +72,5 @@ TEST(Double, isIntentionallyNeverDifferentFromNaN)
     for (const auto& [a, b] : cases)
         EXPECT_FALSE(VValue<double>(a).isDifferentFrom(Loam::makeStrong<VValue<double>>(b))) << a << ' ' << b;
 }
+
+} // namespace DoubleTest

@@ -29,6 +29,8 @@
 
 #include <dlfcn.h>
 
+namespace ExportTest {
+
 using namespace Orla;
 
 namespace {
@@ -100,3 +102,5 @@ TEST(Export, providesEveryPromisedInstantiation)
     }
     dlclose(handle);
 }
+
+} // namespace ExportTest

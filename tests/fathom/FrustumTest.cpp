@@ -12,6 +12,8 @@
 #include <random>
 #include <vector>
 
+namespace FrustumTest {
+
 using namespace Orla;
 
 using Gyre::BoundingBox;
@@ -301,3 +303,5 @@ TEST(Frustum, classifiesAnyNumberOfBoxes)
 }
 
 } // namespace
+
+} // namespace FrustumTest

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace GyreFixedArrayTest {
+
 using namespace Orla;
 
 using Triple = Gyre::FixedArray<int, 3>;
@@ -47,3 +49,5 @@ TEST(Text3, writesThreeNumbersInBraces)
 {
     EXPECT_EQ(Text3(Gyre::FixedArray<double, 3>{{0, -1.5, 1e300}}), "{0,-1.5,1e+300}");
 }
+
+} // namespace GyreFixedArrayTest

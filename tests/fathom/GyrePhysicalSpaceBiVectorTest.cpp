@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace GyrePhysicalSpaceBiVectorTest {
+
 using namespace Orla;
 
 using Gyre::PhysicalSpace;
@@ -68,3 +70,5 @@ TEST(BiVector, isReadInTheSameWayAsAnInput)
     EXPECT_EQ(value, bivector(1, 2, 3));
     EXPECT_FALSE(VInputValueTrait<bivector>::setValueFromText(value, ""));
 }
+
+} // namespace GyrePhysicalSpaceBiVectorTest

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace GyrePhysicalSpacePointTest {
+
 using namespace Orla;
 
 using Gyre::PhysicalSpace;
@@ -60,3 +62,5 @@ TEST(Point, keepsItsValueWhenNothingCanBeRead)
         EXPECT_EQ(value, read ? point(1, 1, 1) : point(9, 8, 7));
     }
 }
+
+} // namespace GyrePhysicalSpacePointTest

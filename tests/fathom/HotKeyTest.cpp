@@ -14,6 +14,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace HotKeyTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -336,3 +338,5 @@ TEST_F(HotKeyTest, leavesExpiredEntriesWhenItIsDestroyed)
     m_shutter.reset();
     EXPECT_THAT(namesUnder('a'), ElementsAre("expired", "expired"));
 }
+
+} // namespace HotKeyTest

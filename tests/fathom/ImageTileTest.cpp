@@ -6,6 +6,8 @@
 
 #include <type_traits>
 
+namespace ImageTileTest {
+
 using namespace Orla;
 
 static_assert(noexcept(ImageTile().size) && std::is_copy_assignable_v<ImageTile>);
@@ -131,3 +133,5 @@ TEST_F(ImageTileTest, canBeHeldByAValue)
     EXPECT_EQ(made->getType(), typeid(ImageTile));
     EXPECT_EQ(made->Text(), "A Frame buffer.");
 }
+
+} // namespace ImageTileTest

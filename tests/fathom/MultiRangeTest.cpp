@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+namespace MultiRangeTest {
+
 using namespace Orla;
 
 using Gyre::MultiRange;
@@ -77,3 +79,5 @@ TEST(MultiRange, hasItsNameAndColour)
 }
 
 } // namespace
+
+} // namespace MultiRangeTest

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace Position2DTest {
+
 using namespace Orla;
 
 using Pair = Gyre::FixedArray<double, 2>;
@@ -28,3 +30,5 @@ TEST(Position2D, startsAtZeroAsAnInput)
     VInputValueTrait<Pair>::init(pair);
     EXPECT_EQ(pair, (Pair{{0, 0}}));
 }
+
+} // namespace Position2DTest

@@ -6,16 +6,23 @@
 #include <limits>
 #include <type_traits>
 
+namespace RangeTest {
+
 using namespace Orla;
 
 static_assert(std::has_virtual_destructor_v<Range>);
 static_assert(std::is_nothrow_copy_constructible_v<Range>);
 
+} // namespace RangeTest
+
 template<>
-std::vector<Range> samples<Range>()
+std::vector<Orla::Range> samples<Orla::Range>()
 {
+    using Orla::Range;
     return {{}, {10, 0}, {-1.5, 1.0 / 3}, {-std::numeric_limits<double>::infinity(), 1e300}};
 }
+
+namespace RangeTest {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Range, ValueLaws, Range);
 INSTANTIATE_TYPED_TEST_SUITE_P(Range, SlotLaws, Range);
@@ -87,3 +94,5 @@ TEST(Range, intentionallyKeepsTheNewBeginIfTheEndIsRefused)
         EXPECT_EQ(read, left);
     }
 }
+
+} // namespace RangeTest

@@ -4,6 +4,8 @@
 
 #include <type_traits>
 
+namespace RegisteredNameTest {
+
 using Orla::RegisteredName;
 
 static_assert(!std::is_copy_constructible_v<RegisteredName>, "a copy would remove the name too early");
@@ -18,3 +20,5 @@ TEST(RegisteredName, isTheNameOfTheTypeWhileItExists)
     }
     EXPECT_EQ(Loam::Typename(typeid(Tide)), before);
 }
+
+} // namespace RegisteredNameTest

@@ -13,6 +13,8 @@
 
 #include <limits>
 
+namespace TimeDependentTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -427,3 +429,5 @@ TEST_F(TimeDependentTest, createsOneProviderEvenIfItDependsOnTime)
     clock->attachOutput(other->findOutput("now"), clock->timeSlot().slot(), "");
     EXPECT_EQ(timeOf(*reader), other->time.parameter());
 }
+
+} // namespace TimeDependentTest

@@ -12,6 +12,8 @@
 
 #include <utility>
 
+namespace TypedSlotTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -254,3 +256,5 @@ TEST_F(TypedSlotTest, keepsItsCreatorOnRepeatedRegistration)
     EXPECT_EQ(TypedSlotCreator::find(typeid(Range)), creator);
     EXPECT_TRUE(StrongPtr<TypedSlot<Range>::SlotCreator>(creator));
 }
+
+} // namespace TypedSlotTest

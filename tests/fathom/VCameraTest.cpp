@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+namespace VCameraTest {
+
 using namespace Orla;
 
 using Point = Gyre::PhysicalSpace::point;
@@ -202,3 +204,5 @@ TEST(VCamera, readsLikeSscanf)
 }
 
 } // namespace
+
+} // namespace VCameraTest

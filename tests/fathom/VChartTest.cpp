@@ -12,6 +12,8 @@
 
 #include <type_traits>
 
+namespace VChartTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -34,17 +36,24 @@ const VValueComponents surveyComponents{typeid(Survey),
 
 } // namespace
 
+} // namespace VChartTest
+
 template<>
-struct Orla::VValueTrait<Survey> {
+struct Orla::VValueTrait<VChartTest::Survey> {
+    using Survey = VChartTest::Survey;
+
     static std::string Text(const Survey&) { return {}; }
     static bool setValueFromText(Survey&, const std::string&) { return false; }
 };
 
 template<>
-std::vector<VChart> samples<VChart>()
+std::vector<Orla::VChart> samples<Orla::VChart>()
 {
+    using Orla::VChart;
     return {VChart{}, VChart{"geographic"}, VChart{" plate carree\n"}, VChart{"------CHART--------"}};
 }
+
+namespace VChartTest {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(VChart, ValueLaws, VChart);
 INSTANTIATE_TYPED_TEST_SUITE_P(VChart, SlotLaws, VChart);
@@ -623,3 +632,5 @@ TEST_F(AtlasTest, settlesInALoopWithTheSelectorWithoutNeedlessRuns)
     EXPECT_EQ(second->runs, 3u);
     EXPECT_EQ(first->seen, VChart{"geographic"});
 }
+
+} // namespace VChartTest

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace VConnectionTypeColorsTest {
+
 using namespace Orla;
 
 namespace {
@@ -40,3 +42,5 @@ TEST(RenderProperties, haveTheirNamesDuringStaticInitialization)
 }
 
 } // namespace
+
+} // namespace VConnectionTypeColorsTest

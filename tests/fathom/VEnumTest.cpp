@@ -13,6 +13,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace VEnumTest {
+
 using namespace Orla;
 
 using Trait = VValueTrait<Enum>;
@@ -482,3 +484,5 @@ TEST_F(EnumInput, existsButOffersNothingIfItIsCreatedFromText)
     EXPECT_EQ(slot->parameter()->DefaultValue()->Text(), "");
     EXPECT_FALSE(slot->setInitialText("a"));
 }
+
+} // namespace VEnumTest

@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+namespace VFlagListTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -27,12 +29,17 @@ static_assert(std::is_default_constructible_v<BoolInput> && std::is_copy_assigna
 static_assert(!std::is_default_constructible_v<TypedSlot<FlagList>>, "only TypedSlot<bool[]> may be declared later");
 static_assert(!std::is_convertible_v<std::string, FlagList>);
 
+} // namespace VFlagListTest
+
 template<>
-std::vector<FlagList> samples<FlagList>()
+std::vector<Orla::FlagList> samples<Orla::FlagList>()
 {
+    using Orla::FlagList;
     return {FlagList(),         FlagList("a -b", ' '), FlagList("a b", ' '),
             FlagList("+", ' '), FlagList("-", ' '),    FlagList("+-x -+y --", ' ')};
 }
+
+namespace VFlagListTest {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(FlagList, ValueLaws, FlagList);
 INSTANTIATE_TYPED_TEST_SUITE_P(FlagList, SlotLaws, FlagList);
@@ -248,3 +255,5 @@ TEST_F(FlagInput, canBeAMemberOfItsObjectsClass)
     EXPECT_FALSE(painter->switches.value(pool)("axes", present));
     EXPECT_FALSE(present) << "a text replaces all flags";
 }
+
+} // namespace VFlagListTest

@@ -15,6 +15,8 @@
 #include <thread>
 #include <vector>
 
+namespace VInteractionEventTest {
+
 using namespace Orla;
 
 using Grabber = VInteractionEvent::InteractionGrabber;
@@ -384,3 +386,5 @@ TEST(VInteractionEvent, isOfKindNothingByDefault)
     EXPECT_EQ(VInteractionEvent().kind, VInteractionEvent::Nothing);
     static_assert(VInteractionEvent::Nothing == 1);
 }
+
+} // namespace VInteractionEventTest

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <string>
 
+namespace VMemberValueTest {
+
 using namespace Orla;
 
 namespace {
@@ -198,3 +200,5 @@ TEST_F(VMemberValueTest, isListedByTheTypeItIsPartOf)
     EXPECT_EQ(component("begin"), nullptr);
     EXPECT_EQ(component("range.middle"), nullptr);
 }
+
+} // namespace VMemberValueTest

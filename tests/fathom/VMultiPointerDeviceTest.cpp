@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+namespace VMultiPointerDeviceTest {
+
 using namespace Orla;
 
 using Pointer = VMultiPointerDevice::Pointer;
@@ -96,3 +98,5 @@ TEST(VMultiPointerDevice, isMadeAValueAndInputTypeByASingleDeclaration)
     ASSERT_TRUE(slot.slot()->getLocalValue(pool));
     EXPECT_EQ(slot.value(pool), device({{1, 10, 20}}));
 }
+
+} // namespace VMultiPointerDeviceTest

@@ -13,6 +13,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace VMultipleStringListTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -387,3 +389,5 @@ TEST_F(MultipleStringSelectionInput, runsItsReadersWhenASelectionIsAnnounced)
     VScheduler::run(m_first);
     EXPECT_THAT(m_object->seen, ElementsAre("{b}@{a}{b}{c}", "{c}@{a}{b}{c}"));
 }
+
+} // namespace VMultipleStringListTest

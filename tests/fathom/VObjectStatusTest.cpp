@@ -14,6 +14,8 @@
 #include <variant>
 #include <vector>
 
+namespace VObjectStatusTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -25,11 +27,16 @@ static_assert(std::has_virtual_destructor_v<StatusIndicator>);
 static_assert(std::is_abstract_v<CatchStatus>);
 static_assert(std::is_base_of_v<VObject, CatchStatus> && std::is_base_of_v<StatusIndicator, CatchStatus>);
 
+} // namespace VObjectStatusTest
+
 template<>
-std::vector<VObjectStatus> samples<VObjectStatus>()
+std::vector<Orla::VObjectStatus> samples<Orla::VObjectStatus>()
 {
+    using Orla::VObjectStatus;
     return {VObjectStatus{}, VObjectStatus{"ready"}, VObjectStatus{"<FONT COLOR=red>a\nb</FONT>"}};
 }
+
+namespace VObjectStatusTest {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(VObjectStatus, ValueLaws, VObjectStatus);
 
@@ -360,3 +367,5 @@ TEST_F(CatchStatusTest, succeedsForTheSchedulerUnlessAnotherExceptionIsThrown)
     EXPECT_EQ(summary.failures, 1u);
     EXPECT_THAT(m_warnings.all(), ElementsAre(testing::HasSubstr("failure")));
 }
+
+} // namespace VObjectStatusTest

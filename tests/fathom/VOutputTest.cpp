@@ -8,6 +8,8 @@
 
 #include <gmock/gmock.h>
 
+namespace VOutputTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -281,3 +283,5 @@ TEST_F(VOutputTest, isNotReadWhileDisabledOrWithoutAParameterAPoolOrAReadableVal
     EXPECT_FALSE(here() >> m_text);
     EXPECT_EQ(m_text, "untouched");
 }
+
+} // namespace VOutputTest

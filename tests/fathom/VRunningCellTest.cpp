@@ -15,6 +15,8 @@
 #include <functional>
 #include <string>
 
+namespace VRunningCellTest {
+
 using namespace Orla;
 
 namespace {
@@ -150,3 +152,5 @@ TEST_F(VRunningCellTest, announcesWhatItWrites)
     EXPECT_EQ(read, "written");
     EXPECT_EQ(changes.count(), 1);
 }
+
+} // namespace VRunningCellTest

@@ -6,6 +6,8 @@
 
 #include <type_traits>
 
+namespace VScalarFunctorTest {
+
 using namespace Orla;
 
 using Functor = VScalarFunctor::Functor;
@@ -91,3 +93,5 @@ TEST(VScalarFunctor, isMadeAValueAndInputTypeByASingleDeclaration)
     EXPECT_FALSE(value->isDifferentFrom(&other));
     EXPECT_TRUE(TypedSlotCreator::find(typeid(VScalarFunctor)));
 }
+
+} // namespace VScalarFunctorTest

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace VStringListTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -409,3 +411,5 @@ TEST_F(StringSelectionInput, runsItsReadersOnlyInTheChangedPool)
     VScheduler::run(m_first);
     EXPECT_THAT(m_object->seen, ElementsAre("d")) << "nothing changed";
 }
+
+} // namespace VStringListTest

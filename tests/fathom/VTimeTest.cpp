@@ -8,6 +8,8 @@
 #include <type_traits>
 #include <utility>
 
+namespace VTimeTest {
+
 using namespace Orla;
 
 static_assert(!std::is_convertible_v<double, VTime>, "a bare number is not a time");
@@ -15,12 +17,17 @@ static_assert(!std::has_virtual_destructor_v<VTime>);
 static_assert(std::is_same_v<decltype(std::declval<VTime&>()++), VTime&>);
 static_assert(std::is_same_v<decltype(std::declval<VTime&>()--), VTime&>);
 
+} // namespace VTimeTest
+
 template<>
-std::vector<VTime> samples<VTime>()
+std::vector<Orla::VTime> samples<Orla::VTime>()
 {
+    using Orla::VTime;
     return {VTime{}, VTime{3}, VTime{1.0 / 3, 0, 10, 0.1, "", "", ""}, VTime{5, 10, 0},
             VTime{1517356800, 1517356800, 1518048000, 10800, "", "", ""}};
 }
+
+namespace VTimeTest {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(VTime, ValueLaws, VTime);
 INSTANTIATE_TYPED_TEST_SUITE_P(VTime, SlotLaws, VTime);
@@ -432,3 +439,5 @@ TEST(VTime, refusesTextThatDoesNotBeginWithANumber)
         EXPECT_EQ(read, before);
     }
 }
+
+} // namespace VTimeTest

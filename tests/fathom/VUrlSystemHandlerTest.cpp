@@ -8,6 +8,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace VUrlSystemHandlerTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -144,3 +146,5 @@ TEST_F(VUrlSystemHandlerDeathTest, isReleasedAtProcessExitAndThenOpensNothing)
         },
         testing::ExitedWithCode(0), "");
 }
+
+} // namespace VUrlSystemHandlerTest

@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+namespace VValueParameterTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -172,3 +174,5 @@ TEST_F(VValueParameterTest, printsItsGlobalValueAtHighVerbosity)
     }
     setVerbosity(before);
 }
+
+} // namespace VValueParameterTest

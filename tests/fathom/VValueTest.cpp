@@ -15,6 +15,8 @@
 #include <thread>
 #include <type_traits>
 
+namespace VValueTest {
+
 using namespace Orla;
 
 static_assert(std::is_base_of_v<VValueBase, VTypedValueBase<double>>);
@@ -76,8 +78,12 @@ using Shared = std::shared_ptr<int>;
 
 } // namespace
 
+} // namespace VValueTest
+
 template<>
-struct Orla::VValueTrait<Brittle> {
+struct Orla::VValueTrait<VValueTest::Brittle> {
+    using Brittle = VValueTest::Brittle;
+
     static std::string Text(const Brittle& value) { return VValueTrait<int>::Text(value.number); }
 
     static bool setValueFromText(Brittle& value, const std::string& text)
@@ -89,7 +95,9 @@ struct Orla::VValueTrait<Brittle> {
 };
 
 template<>
-struct Orla::VValueTrait<Shared> {
+struct Orla::VValueTrait<VValueTest::Shared> {
+    using Shared = VValueTest::Shared;
+
     static std::string Text(const Shared& value) { return value ? VValueTrait<int>::Text(*value) : "none"; }
 
     static bool setValueFromText(Shared& value, const std::string& text)
@@ -100,10 +108,14 @@ struct Orla::VValueTrait<Shared> {
 };
 
 template<>
-struct Orla::VValueOperations<Shared> {
+struct Orla::VValueOperations<VValueTest::Shared> {
+    using Shared = VValueTest::Shared;
+
     static bool areDifferent(const Shared& a, const Shared& b) { return *a != *b; }
     static Shared copyOf(const Shared& value) { return std::make_shared<int>(*value); }
 };
+
+namespace VValueTest {
 
 namespace {
 
@@ -371,3 +383,5 @@ TEST_F(VValueOfBrittle, propagatesExceptionsOfAssignment)
     EXPECT_THROW(a->getValue(target), std::runtime_error);
     EXPECT_EQ(a->Text(), "0");
 }
+
+} // namespace VValueTest

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace VValueTypeTest {
+
 namespace {
 
 // A type as a client library defines it: a plain value, its text form and one declaration.
@@ -21,8 +23,12 @@ struct Unused {
 
 } // namespace
 
+} // namespace VValueTypeTest
+
 template<>
-struct Orla::VValueTrait<Depth> {
+struct Orla::VValueTrait<VValueTypeTest::Depth> {
+    using Depth = VValueTypeTest::Depth;
+
     static std::string Text(const Depth& depth) { return VValueTrait<double>::Text(depth.metres) + "m"; }
 
     static bool setValueFromText(Depth& depth, const std::string& text)
@@ -32,10 +38,14 @@ struct Orla::VValueTrait<Depth> {
 };
 
 template<>
-struct Orla::VValueTrait<Unused> {
+struct Orla::VValueTrait<VValueTypeTest::Unused> {
+    using Unused = VValueTypeTest::Unused;
+
     static std::string Text(const Unused&) { return ""; }
     static bool setValueFromText(Unused&, const std::string&) { return true; }
 };
+
+namespace VValueTypeTest {
 
 namespace {
 
@@ -44,11 +54,16 @@ const Orla::VValueType<Unused> unusedType;
 
 } // namespace
 
+} // namespace VValueTypeTest
+
 template<>
-std::vector<Depth> samples<Depth>()
+std::vector<VValueTypeTest::Depth> samples<VValueTypeTest::Depth>()
 {
+    using VValueTypeTest::Depth;
     return {Depth{}, Depth{10.5}, Depth{-1}};
 }
+
+namespace VValueTypeTest {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(VValueType, ValueLaws, Depth);
 INSTANTIATE_TYPED_TEST_SUITE_P(VValueType, SlotLaws, Depth);
@@ -79,3 +94,5 @@ TEST(VValueType, canBeDeclaredTwiceForTheSameType)
     const std::vector<std::string> names = VValueCreator::names();
     EXPECT_EQ(std::count(names.begin(), names.end(), "Depth"), 1);
 }
+
+} // namespace VValueTypeTest

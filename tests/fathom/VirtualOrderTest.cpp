@@ -22,6 +22,8 @@
 
 #include <dlfcn.h>
 
+namespace VirtualOrderTest {
+
 extern "C" void __cxa_pure_virtual();
 
 using namespace Orla;
@@ -371,3 +373,5 @@ TEST(VirtualOrder, matchesTheDocumentedOrderOfUrlHandlers)
     EXPECT_THAT(order.names(), ElementsAre("extremeUnction", "destructor", "destructor", "openUrl"));
     EXPECT_THAT(order.ownEntries(), IsSubsetOf(unctionAndDestructor));
 }
+
+} // namespace VirtualOrderTest

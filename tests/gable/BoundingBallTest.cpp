@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace BoundingBallTest {
+
 using namespace Gyre;
 
 static_assert(BoundingBall({1, 2, 3}, 4).squaredRadius() == 16);
@@ -19,3 +21,5 @@ TEST(BoundingBall, keepsTheSquareOfItsRadius)
     EXPECT_EQ(ball.center(), PhysicalSpace::point(1, 1, 1));
     EXPECT_EQ(ball.squaredRadius(), 9.0);
 }
+
+} // namespace BoundingBallTest

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace BoundingBoxTest {
+
 using namespace Gyre;
 
 TEST(BoundingBox, enclosesItselfInABall)
@@ -45,3 +47,5 @@ TEST(BoundingBox, printsItsCorners)
     BoundingBox({0, 1, 2}, {3, 4, 5.5}).speak("name");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "name: BBox from (0, 1, 2) to (3, 4, 5.5)\n");
 }
+
+} // namespace BoundingBoxTest

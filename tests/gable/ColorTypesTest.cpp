@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace ColorTypesTest {
+
 static_assert(sizeof(Gyre::rgba_float_t) == 4 * sizeof(float));
 
 TEST(ColorTypes, startBlackAndOpaque)
@@ -9,3 +11,5 @@ TEST(ColorTypes, startBlackAndOpaque)
     EXPECT_EQ(Gyre::rgba_float_t(), (Gyre::rgba_float_t{0, 0, 0, 1}));
     EXPECT_FALSE((Gyre::rgba_float_t{0, 0, 0, 0.5f}) == Gyre::rgba_float_t());
 }
+
+} // namespace ColorTypesTest

@@ -8,6 +8,8 @@
 #include <string>
 #include <type_traits>
 
+namespace FixedArrayTest {
+
 using namespace Gyre;
 
 using Point = FixedArray<double, 3>;
@@ -96,3 +98,5 @@ TEST(FixedArray, isCopiedElementByElement)
     first = second;
     EXPECT_EQ(first, second);
 }
+
+} // namespace FixedArrayTest

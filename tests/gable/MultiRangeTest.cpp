@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace MultiRangeTest {
+
 using Gyre::MultiRange;
 
 TEST(MultiRange, readsNumbersUntilParsingFails)
@@ -46,3 +48,5 @@ TEST(MultiRange, isASequenceOfDoubles)
     EXPECT_TRUE(MultiRange().empty());
     EXPECT_EQ(MultiRange().begin(), MultiRange().end());
 }
+
+} // namespace MultiRangeTest

@@ -4,6 +4,8 @@
 
 #include <type_traits>
 
+namespace PhysicalSpaceTest {
+
 using namespace Gyre;
 
 using point = PhysicalSpace::point;
@@ -44,3 +46,5 @@ TEST(PhysicalSpace, accessesCoordinatesByNameAndByIndex)
     EXPECT_EQ(place.x(), 9.0);
     EXPECT_EQ(vector(plain), vector(9, 2, 3));
 }
+
+} // namespace PhysicalSpaceTest

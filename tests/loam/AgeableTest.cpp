@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace AgeableTest {
+
 using namespace Loam;
 
 static_assert(!std::is_convertible_v<Ageable::Age, Ageable>, "a number is not an age stamp");
@@ -86,3 +88,5 @@ TEST(Ageable, givesEachAgeOnceWhenThreadsTouchConcurrently)
     EXPECT_EQ(all.size(), ages.size() * Touches);
     EXPECT_EQ(all.back(), Ageable::GlobalTime.load());
 }
+
+} // namespace AgeableTest

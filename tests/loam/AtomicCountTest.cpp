@@ -6,6 +6,8 @@
 #include <thread>
 #include <vector>
 
+namespace AtomicCountTest {
+
 using namespace Loam;
 
 namespace {
@@ -95,3 +97,5 @@ TEST(AtomicCount, makesEarlierWritesVisibleToTheThreadThatReachesZero)
         ASSERT_EQ(sum, 3);
     }
 }
+
+} // namespace AtomicCountTest

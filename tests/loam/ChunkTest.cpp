@@ -12,6 +12,8 @@
 #include <thread>
 #include <vector>
 
+namespace ChunkTest {
+
 using namespace Loam;
 
 static_assert(std::is_same_v<StrongPtr<TypedChunk<double>>, StrongPtr<TypedChunk<double>, ChunkBase>>);
@@ -257,3 +259,5 @@ TEST_F(ChunkTest, countsExactlyWhenThreadsCreateChunksConcurrently)
         thread.join();
     EXPECT_EQ(added(), 0u);
 }
+
+} // namespace ChunkTest

@@ -11,6 +11,8 @@
 
 #include <dlfcn.h>
 
+namespace EnvironmentTest {
+
 using namespace Loam;
 
 namespace {
@@ -156,3 +158,5 @@ TEST_F(Environment, returnsTheFormerPathOfADeletedLibrary)
     fs::remove(copy);
     EXPECT_EQ(getLibraryPath(dlsym(library.get(), "cos")), copy.string());
 }
+
+} // namespace EnvironmentTest

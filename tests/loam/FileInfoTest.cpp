@@ -11,6 +11,8 @@
 
 #include <sys/stat.h>
 
+namespace FileInfoTest {
+
 using namespace Loam;
 
 static_assert(!std::is_convertible_v<std::string, FileInfo>, "not every string is a path");
@@ -155,3 +157,5 @@ TEST_F(FileInfoTest, returnsSizesBeyondFourGigabytes)
     fs::resize_file(large, 5'000'000'000); // sparse: takes no space
     EXPECT_EQ(FileInfo(large).size(), 5'000'000'000u);
 }
+
+} // namespace FileInfoTest

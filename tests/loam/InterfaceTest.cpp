@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace InterfaceTest {
+
 using namespace Loam;
 
 namespace {
@@ -100,3 +102,5 @@ TEST(InterfaceContainer, iteratesInInsertionOrder)
         seen.push_back(StrongPtr<Shape>(interface)->corners);
     EXPECT_EQ(seen, (std::vector{5, 4}));
 }
+
+} // namespace InterfaceTest

@@ -21,6 +21,8 @@
 
 #include <locale.h>
 
+namespace NumbersTest {
+
 using namespace Loam;
 
 template<class T>
@@ -936,3 +938,5 @@ TEST_P(Numbers, skipsOnlyTheSixBlanksOfTheCLocale)
     const std::string noBreakSpace = "\xa0";
     EXPECT_EQ(skipBlanks(noBreakSpace.data(), noBreakSpace.data() + 1), noBreakSpace.data());
 }
+
+} // namespace NumbersTest

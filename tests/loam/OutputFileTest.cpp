@@ -18,6 +18,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+namespace OutputFileTest {
+
 using namespace Loam;
 using testing::ElementsAre;
 
@@ -203,3 +205,5 @@ TEST(OutputFile, worksWhenMoreFilesAreOpenThanAreTracked)
     }
     EXPECT_EQ(folder.names().size(), 100u);
 }
+
+} // namespace OutputFileTest

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace ReferenceBaseTest {
+
 using namespace Loam;
 
 namespace {
@@ -438,3 +440,5 @@ TEST_F(ReferenceBaseTest, letsAPointerOutliveAStaticObject)
         },
         testing::ExitedWithCode(0), "");
 }
+
+} // namespace ReferenceBaseTest

@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+namespace ReferenceBlockTest {
+
 using namespace Loam;
 
 // Threads that use the counts of one object concurrently. The sanitizers detect what
@@ -222,3 +224,5 @@ TEST_F(ReferenceBlockTest, tracksNewObjectsPerThread)
     runTogether(work, work);
     EXPECT_EQ(Shared::destroyed, 4000);
 }
+
+} // namespace ReferenceBlockTest

@@ -8,6 +8,8 @@
 #include <string>
 #include <variant>
 
+namespace ResultTest {
+
 namespace {
 
 using Loam::attempt;
@@ -84,3 +86,5 @@ TEST(Attempt, givesAReasonForExceptionsWithoutAMessage)
 }
 
 } // namespace
+
+} // namespace ResultTest

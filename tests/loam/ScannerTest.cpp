@@ -11,6 +11,8 @@
 #include <random>
 #include <string>
 
+namespace ScannerTest {
+
 using Loam::Scanner;
 
 namespace {
@@ -124,3 +126,5 @@ TEST(Scanner, stopsAtTheFirstNul)
 }
 
 } // namespace
+
+} // namespace ScannerTest

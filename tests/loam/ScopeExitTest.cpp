@@ -7,6 +7,8 @@
 #include <string>
 #include <type_traits>
 
+namespace ScopeExitTest {
+
 using namespace Loam;
 
 static_assert(!std::is_copy_constructible_v<ScopeExit<void (*)()>>, "the function must be called once");
@@ -42,3 +44,5 @@ TEST(ScopeExitDeathTest, callsTheFunctionOfAStaticObjectWhenTheProgramEnds)
         },
         testing::ExitedWithCode(7), "");
 }
+
+} // namespace ScopeExitTest

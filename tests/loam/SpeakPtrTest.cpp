@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+namespace SpeakPtrTest {
+
 using namespace Loam;
 
 namespace {
@@ -63,3 +65,5 @@ TEST(SpeakPtr, reportsAnEmptyReference)
     EXPECT_EQ(printedBy([] { SpeakPtr::printRS("start", nullptr, nullptr); }),
               "start: object " + addressOf(nullptr) + ", empty reference\n");
 }
+
+} // namespace SpeakPtrTest

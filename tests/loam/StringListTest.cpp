@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace StringListTest {
+
 using namespace Loam;
 
 namespace {
@@ -120,3 +122,5 @@ TEST(StringList, copiesItsStringsButNotItsOwners)
     EXPECT_TRUE(assigned.empty());
     EXPECT_EQ(copy->size(), 3u);
 }
+
+} // namespace StringListTest

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace StringUtilTest {
+
 using namespace Loam;
 
 static_assert(StringUtil::afterFirst("a,b", ',') == "b");
@@ -205,3 +207,5 @@ TEST(StringUtil, truncatesLongTextsBetweenCharacters)
     // The last of the 200 bytes would be the first half of an umlaut.
     EXPECT_EQ(StringUtil::printable(std::string(199, 'a') + "ööö"), std::string(199, 'a') + "...");
 }
+
+} // namespace StringUtilTest

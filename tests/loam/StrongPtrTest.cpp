@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+namespace StrongPtrTest {
+
 using namespace Loam;
 
 namespace {
@@ -264,3 +266,5 @@ TEST_F(StrongPtrTest, releasesLongChainsFromEitherEnd)
     last->next.reset();
     EXPECT_TRUE(first.expired());
 }
+
+} // namespace StrongPtrTest

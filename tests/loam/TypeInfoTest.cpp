@@ -7,20 +7,26 @@
 #include <unordered_map>
 #include <vector>
 
+namespace TypeInfoTest {
+
 using namespace Loam;
 
 static_assert(std::is_convertible_v<const std::type_info&, TypeInfo>, "a typeid converts to a TypeInfo");
 static_assert(std::is_trivially_copyable_v<TypeInfo>);
 static_assert(!std::is_default_constructible_v<TypeInfo>, "a TypeInfo always names a type");
 
+} // namespace TypeInfoTest
+
 namespace Orla {
 
-struct VTime {
-    virtual ~VTime() = default;
+struct VHour {
+    virtual ~VHour() = default;
 };
-struct VDate : VTime {};
+struct VDay : VHour {};
 
 } // namespace Orla
+
+namespace TypeInfoTest {
 
 namespace {
 
@@ -36,16 +42,16 @@ public:
 
 TEST(TypeInfo, equalsTheTypeItWasMadeFrom)
 {
-    const TypeInfo time = typeid(Orla::VTime);
-    EXPECT_EQ(time, TypeInfo(typeid(Orla::VTime)));
-    EXPECT_EQ(time, typeid(const Orla::VTime&));
-    EXPECT_NE(time, TypeInfo(typeid(Orla::VTime*)));
-    EXPECT_EQ(&time.info(), &typeid(Orla::VTime));
-    EXPECT_STREQ(time.name(), typeid(Orla::VTime).name());
+    const TypeInfo time = typeid(Orla::VHour);
+    EXPECT_EQ(time, TypeInfo(typeid(Orla::VHour)));
+    EXPECT_EQ(time, typeid(const Orla::VHour&));
+    EXPECT_NE(time, TypeInfo(typeid(Orla::VHour*)));
+    EXPECT_EQ(&time.info(), &typeid(Orla::VHour));
+    EXPECT_STREQ(time.name(), typeid(Orla::VHour).name());
 
-    const Orla::VDate date;
-    const Orla::VTime& base = date;
-    EXPECT_EQ(TypeInfo(typeid(base)), TypeInfo(typeid(Orla::VDate)));
+    const Orla::VDay date;
+    const Orla::VHour& base = date;
+    EXPECT_EQ(TypeInfo(typeid(base)), TypeInfo(typeid(Orla::VDay)));
 
     TypeInfo changed = time;
     changed = typeid(int);
@@ -54,7 +60,7 @@ TEST(TypeInfo, equalsTheTypeItWasMadeFrom)
 
 TEST(TypeInfo, isOrderedLikeStdTypeInfo)
 {
-    const std::vector<TypeInfo> types{typeid(int),         typeid(double), typeid(Orla::VTime),
+    const std::vector<TypeInfo> types{typeid(int),         typeid(double), typeid(Orla::VHour),
                                       typeid(std::string), typeid(Local),  typeid(Local*)};
     for (const TypeInfo& a : types) {
         for (const TypeInfo& b : types) {
@@ -79,20 +85,20 @@ TEST(TypeInfo, servesAsAKeyOfOrderedAndUnorderedMaps)
 
 TEST(TypeInfo, equalsAndHashesLikeTheSameTypeOfAnotherLibrary)
 {
-    const std::string name = typeid(Orla::VTime).name();
+    const std::string name = typeid(Orla::VHour).name();
     const ForeignType foreign(name.c_str());
-    EXPECT_EQ(TypeInfo(foreign), TypeInfo(typeid(Orla::VTime)));
-    EXPECT_EQ(std::hash<TypeInfo>()(foreign), std::hash<TypeInfo>()(typeid(Orla::VTime)));
-    EXPECT_EQ(TypeInfo(foreign) <=> TypeInfo(typeid(Orla::VTime)), std::strong_ordering::equal);
+    EXPECT_EQ(TypeInfo(foreign), TypeInfo(typeid(Orla::VHour)));
+    EXPECT_EQ(std::hash<TypeInfo>()(foreign), std::hash<TypeInfo>()(typeid(Orla::VHour)));
+    EXPECT_EQ(TypeInfo(foreign) <=> TypeInfo(typeid(Orla::VHour)), std::strong_ordering::equal);
 }
 
 TEST(TypeKey, isTheSameForATypeInEveryLibrary)
 {
-    EXPECT_EQ(typeKey(typeid(Orla::VTime)), typeid(Orla::VTime).name());
-    EXPECT_NE(typeKey(typeid(Orla::VTime)), typeKey(typeid(Orla::VDate)));
+    EXPECT_EQ(typeKey(typeid(Orla::VHour)), typeid(Orla::VHour).name());
+    EXPECT_NE(typeKey(typeid(Orla::VHour)), typeKey(typeid(Orla::VDay)));
 
-    const std::string name = typeid(std::vector<Orla::VTime>).name();
-    EXPECT_EQ(typeKey(ForeignType(name.c_str())), typeKey(typeid(std::vector<Orla::VTime>)));
+    const std::string name = typeid(std::vector<Orla::VHour>).name();
+    EXPECT_EQ(typeKey(ForeignType(name.c_str())), typeKey(typeid(std::vector<Orla::VHour>)));
 }
 
 TEST(TypeKey, distinguishesNamesakesInUnnamedNamespaces)
@@ -129,3 +135,5 @@ TEST(TypeKey, ownsItsText)
     name.assign(name.size(), '#');
     EXPECT_EQ(key, "N5Vivid5ColorE");
 }
+
+} // namespace TypeInfoTest

@@ -12,7 +12,11 @@
 #include <thread>
 #include <vector>
 
+namespace TypenameTest {
+
 using namespace Loam;
+
+} // namespace TypenameTest
 
 namespace Orla {
 
@@ -34,6 +38,8 @@ struct Hidden {};
 } // namespace
 
 } // namespace Orla
+
+namespace TypenameTest {
 
 namespace {
 
@@ -274,3 +280,5 @@ TEST(Typename, isUniqueWhenThreadsQueryConcurrently)
     for (const auto& thread : found)
         EXPECT_EQ(thread.size(), std::size_t{3 * typeCount});
 }
+
+} // namespace TypenameTest

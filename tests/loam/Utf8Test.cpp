@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace Utf8Test {
+
 using namespace Loam;
 
 TEST(Utf8, isValidIfEveryCharacterHasItsShortestEncoding)
@@ -92,3 +94,5 @@ TEST(Utf8, consistsOfCharactersThatBeginWithAnotherByteThanTheyContinueWith)
             EXPECT_TRUE(isContinuation(text[i]));
     }
 }
+
+} // namespace Utf8Test

@@ -5,6 +5,8 @@
 #include <type_traits>
 #include <unordered_set>
 
+namespace WeakPtrTest {
+
 using namespace Loam;
 
 namespace {
@@ -173,3 +175,5 @@ TEST(WeakPtr, isEqualIfTheObjectIsOrWasTheSame)
     const std::unordered_set<WeakPtr<MixIn>> set{mixIn, copy, WeakPtr<MixIn>(makeStrong<Joined>())};
     EXPECT_EQ(set.size(), 2u);
 }
+
+} // namespace WeakPtrTest

@@ -15,6 +15,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace CatalogueTest {
+
 using namespace Quakes;
 using Orla::Range;
 using testing::ElementsAre;
@@ -343,3 +345,5 @@ TEST(Catalogue, isRegisteredAsValueAndAsInput)
     Orla::VValueCreator::createValue("Catalogue", "no event", ok);
     EXPECT_FALSE(ok);
 }
+
+} // namespace CatalogueTest

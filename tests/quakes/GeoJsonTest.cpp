@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+namespace GeoJsonTest {
+
 using namespace Quakes;
 using testing::Each;
 using testing::ElementsAre;
@@ -383,3 +385,5 @@ TEST(GeoJson, returnsNothingWhenStopped)
     EXPECT_EQ(readGeoJson(EARTHQUAKES_JSON, stop), std::nullopt);
     EXPECT_EQ(asked, 1);
 }
+
+} // namespace GeoJsonTest

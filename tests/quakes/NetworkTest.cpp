@@ -18,6 +18,8 @@
 #include <utility>
 #include <vector>
 
+namespace NetworkTest {
+
 using Orla::StrongPtr;
 using Orla::VObject;
 using testing::Contains;
@@ -222,3 +224,5 @@ TEST(QuakesLibrary, refusesToConnectDifferentTypesAndNamesBoth)
     ASSERT_FALSE(done);
     EXPECT_EQ(done.reason(), "it gives number where earthquake catalogue is expected");
 }
+
+} // namespace NetworkTest

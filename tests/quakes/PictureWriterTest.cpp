@@ -15,6 +15,8 @@
 
 #include <string>
 
+namespace PictureWriterTest {
+
 using Quakes::Catalogue;
 using Quakes::ColorRule;
 using Earth::Land;
@@ -190,3 +192,5 @@ TEST_F(PictureWriterTest, writesTheSameBytesEachTime)
         EXPECT_EQ(writeFile(std::string("second.") + ending), first) << ending;
     }
 }
+
+} // namespace PictureWriterTest

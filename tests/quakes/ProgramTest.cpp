@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace ProgramTest {
+
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -250,3 +252,5 @@ TEST(Program, leavesOnlyCompletePicturesWhenInterrupted)
         EXPECT_THAT(contentOf(folder.file(name)), testing::EndsWith(std::string("IEND\xae\x42\x60\x82"))) << name;
     }
 }
+
+} // namespace ProgramTest

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace QuakeFilterTest {
+
 using Orla::Range;
 using Orla::VTime;
 using Quakes::Catalogue;
@@ -370,3 +372,5 @@ TEST_F(QuakeFilterChoices, settleAfterOneRun)
 {
     EXPECT_EQ(filter.run().updates, 1u) << "publishing the choices must not cause another run";
 }
+
+} // namespace QuakeFilterTest

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace QuakePageTest {
+
 using Quakes::Catalogue;
 using Quakes::Quake;
 using testing::ElementsAre;
@@ -92,3 +94,5 @@ TEST_F(QuakePages, warnIfTheyCannotBeOpened)
     press("o");
     EXPECT_EQ(page.text("status"), "<FONT COLOR=magenta>cannot open https://example.org/a</FONT>");
 }
+
+} // namespace QuakePageTest

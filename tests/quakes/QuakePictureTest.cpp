@@ -16,6 +16,8 @@
 #include <utility>
 #include <vector>
 
+namespace QuakePictureTest {
+
 using Earth::Canvas;
 using Quakes::Catalogue;
 using Quakes::ColorRule;
@@ -189,3 +191,5 @@ TEST(QuakePicture, drawsSmallEventsOverLargeOnes)
     const Drawn map{picture};
     EXPECT_LE(difference(map.at(-140, 5), rgb(quakeColor(quakeAt(0, 0, 3, 600), ColorRule::Depth, 0))), 1);
 }
+
+} // namespace QuakePictureTest

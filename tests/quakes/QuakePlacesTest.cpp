@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+namespace QuakePlacesTest {
+
 using Quakes::Catalogue;
 using Quakes::Quake;
 
@@ -63,3 +65,5 @@ TEST_F(QuakePlacesTest, followTheSelectedChart)
     places.run();
     EXPECT_EQ(places.text("strongest").substr(0, 13), "{20037508.342");
 }
+
+} // namespace QuakePlacesTest

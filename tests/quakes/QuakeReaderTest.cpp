@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace QuakeReaderTest {
+
 using Quakes::Catalogue;
 using testing::AllOf;
 using testing::ElementsAre;
@@ -120,3 +122,5 @@ TEST(QuakeReader, canBeCancelledAndRestarted)
     EXPECT_EQ(reader.run().outcome, Orla::VScheduler::Outcome::Done);
     EXPECT_EQ(reader.value<Catalogue>("catalog").size(), 1707u);
 }
+
+} // namespace QuakeReaderTest

@@ -8,6 +8,8 @@
 #include <limits>
 #include <string>
 
+namespace QuakeStyleTest {
+
 using Quakes::ColorRule;
 using Quakes::colorRuleName;
 using Quakes::colorRuleOfName;
@@ -116,3 +118,5 @@ TEST(QuakeStyle, marksValuesInTheOrderOfTheScale)
     EXPECT_STREQ(Quakes::colorLegend(ColorRule::Depth).title, "Depth (km)");
     EXPECT_STREQ(Quakes::colorLegend(ColorRule::Age).title, "Age (hours)");
 }
+
+} // namespace QuakeStyleTest

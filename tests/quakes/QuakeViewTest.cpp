@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace QuakeViewTest {
+
 using Quakes::Catalogue;
 using Quakes::Quake;
 
@@ -106,3 +108,5 @@ TEST_F(Views, includeEverythingWhenTheCameraIsAtItsFocus)
     view.run();
     EXPECT_EQ(counts(view), "2 0 0");
 }
+
+} // namespace QuakeViewTest

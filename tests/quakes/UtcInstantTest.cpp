@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace UtcInstantTest {
+
 TEST(UtcInstant, interpretsTheTimeAsAFractionOfItsRange)
 {
     Evaluation instant{"UtcInstant"};
@@ -47,3 +49,5 @@ TEST(UtcInstant, runsOnlyWhenTheTimeOrTheRangeChanges)
     EXPECT_EQ(instant.text("utc"), "1970-01-01T00:00:15Z");
     EXPECT_EQ(instant.run().updates, 0u);
 }
+
+} // namespace UtcInstantTest

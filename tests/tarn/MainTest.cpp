@@ -8,6 +8,8 @@
 
 #include <string>
 
+namespace MainTest {
+
 using testing::HasSubstr;
 
 static_assert(Tarn::Fine == 0 && Tarn::ObjectFailed == 1 && Tarn::NotUnderstood == 2 && Tarn::WrongUsage == 3
@@ -48,3 +50,5 @@ TEST(Main, exitsWithStatus4WhenTheNetworkCannotBeRead)
         EXPECT_EQ(directory.err, "tarn: cannot read " + folder.path() + ": Is a directory\n");
     }
 }
+
+} // namespace MainTest

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+namespace ManualTest {
+
 using namespace Tarn;
 using testing::ContainerEq;
 using testing::HasSubstr;
@@ -139,3 +141,5 @@ TEST(Manual, hasExamplesThatTheProgramAccepts)
         }
     }
 }
+
+} // namespace ManualTest

@@ -11,6 +11,8 @@
 #    pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 #endif
 
+namespace AllocationFailureTest {
+
 // Fails each allocation of a short run in turn. The caller must receive std::bad_alloc or
 // a warning, and everything must work afterwards.
 
@@ -35,14 +37,16 @@ void* allocate(std::size_t size, std::size_t alignment)
 
 } // namespace
 
+} // namespace AllocationFailureTest
+
 void* operator new(std::size_t size)
 {
-    return allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+    return AllocationFailureTest::allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
 }
 
 void* operator new(std::size_t size, std::align_val_t alignment)
 {
-    return allocate(size, static_cast<std::size_t>(alignment));
+    return AllocationFailureTest::allocate(size, static_cast<std::size_t>(alignment));
 }
 
 void operator delete(void* memory) noexcept
@@ -64,6 +68,8 @@ void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
 {
     std::free(memory);
 }
+
+namespace AllocationFailureTest {
 
 using namespace Orla;
 
@@ -294,3 +300,5 @@ TEST_F(AllocationFailureTest, doesNotPreventTheDestructionOfPoolsParametersAndOb
         EXPECT_EQ(Node::living, 0u);
     }
 }
+
+} // namespace AllocationFailureTest

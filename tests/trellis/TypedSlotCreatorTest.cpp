@@ -4,6 +4,8 @@
 
 #include <loam/TypeInfo.hpp>
 
+namespace TypedSlotCreatorTest {
+
 using namespace Orla;
 using testing::Contains;
 using testing::Not;
@@ -73,3 +75,5 @@ TEST_F(TypedSlotCreatorTest, createsInputsFromText)
     creator->newSlot(node.get(), "other", "many", ok, nullptr, 0);
     EXPECT_FALSE(ok);
 }
+
+} // namespace TypedSlotCreatorTest

@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VActionNotifierTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 
@@ -138,3 +140,5 @@ TEST_F(VActionNotifierTest, isNotifiedOfAnnouncedAndRemovedObjects)
     EXPECT_EQ(Notifier::events.size(), 2u);
     EXPECT_EQ(VManagedObject::count(), 0u);
 }
+
+} // namespace VActionNotifierTest

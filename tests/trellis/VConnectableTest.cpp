@@ -6,6 +6,8 @@
 
 #include <limits>
 
+namespace VConnectableTest {
+
 using namespace Orla;
 
 namespace {
@@ -151,3 +153,5 @@ TEST_F(VConnectableTest, leavesTheSlotUnchangedIfNoProviderIsFoundOrCreated)
     EXPECT_FALSE(attach({}, true));
     EXPECT_TRUE(reads(other));
 }
+
+} // namespace VConnectableTest

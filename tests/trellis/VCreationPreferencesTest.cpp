@@ -4,6 +4,8 @@
 
 #include <limits>
 
+namespace VCreationPreferencesTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 
@@ -75,3 +77,5 @@ TEST(VCreationPreferences, areFoundAmongInterfaces)
     interfaces.add(preferences);
     EXPECT_EQ(interfaces.find<VCreationPreferences>(), preferences);
 }
+
+} // namespace VCreationPreferencesTest

@@ -5,6 +5,8 @@
 #include <chrono>
 #include <stdexcept>
 
+namespace VExecutorTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 
@@ -62,3 +64,5 @@ TEST_F(VExecutorTest, propagatesExceptionsOfTheExecutor)
     EXPECT_TRUE(VScheduler::isDue(reader, pool));
     EXPECT_EQ(VScheduler::run(pool).updates, 1u);
 }
+
+} // namespace VExecutorTest

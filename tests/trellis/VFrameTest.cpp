@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VFrameTest {
+
 using namespace Orla;
 
 namespace {
@@ -89,3 +91,5 @@ TEST_F(VFrameTest, keepsTheFlagsOfItsCellsApart)
             EXPECT_EQ(frame.flags(i), i % 2 == 0 ? before[i] | VFrame::Plain : before[i]) << i;
     });
 }
+
+} // namespace VFrameTest

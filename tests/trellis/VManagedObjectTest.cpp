@@ -4,6 +4,8 @@
 
 #include <limits>
 
+namespace VManagedObjectTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -177,3 +179,5 @@ TEST_F(VManagedObjectTest, survivesAVisitThatThrows)
     add("c");
     EXPECT_THAT(namesBetween(0, 0), ElementsAre("b", "c"));
 }
+
+} // namespace VManagedObjectTest

@@ -4,6 +4,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VNetworkTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -213,3 +215,5 @@ TEST_F(VNetworkTest, mayBeCreatedAndDestroyedManyTimes)
     }
     EXPECT_EQ(Node::living, 0u);
 }
+
+} // namespace VNetworkTest

@@ -6,6 +6,8 @@
 
 #include <optional>
 
+namespace VObjectCreatorTest {
+
 using namespace Orla;
 using testing::AllOf;
 using testing::Contains;
@@ -101,3 +103,5 @@ TEST_F(VObjectCreatorTest, isFoundAsTheUniqueProviderOfAType)
     EXPECT_EQ(found->typeName(), "B ticker");
     EXPECT_FALSE(VObjectCreator::findUnique(typeid(float)));
 }
+
+} // namespace VObjectCreatorTest

@@ -4,6 +4,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VObjectTest {
+
 using namespace Orla;
 using testing::AllOf;
 using testing::ElementsAre;
@@ -217,3 +219,5 @@ TEST_F(VObjectTest, isNotCreatedForAMissingInput)
     EXPECT_THAT(steps, IsEmpty());
     warnings();
 }
+
+} // namespace VObjectTest

@@ -4,6 +4,8 @@
 
 #include <stdexcept>
 
+namespace VObserverTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -157,3 +159,5 @@ TEST_F(VObserverTest, mayBeRemovedByAnUpdate)
     EXPECT_EQ(VScheduler::run(pool).updates, 1u);
     EXPECT_THAT(listener.events(), ElementsAre("a due: scheduled", "a began"));
 }
+
+} // namespace VObserverTest

@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VParameterTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -317,3 +319,5 @@ TEST_F(VParameterTest, removesItsVariablesWhenItIsDestroyed)
     EXPECT_EQ(pool->variableCount(), 0u);
     EXPECT_FALSE(other->retrieveValue("limit"));
 }
+
+} // namespace VParameterTest

@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VPolyOutputTest {
+
 using namespace Orla;
 
 namespace {
@@ -175,3 +177,5 @@ TEST_F(VPolyOutputTest, doesNotJoinRemovedObjects)
     EXPECT_EQ(second.count(), 0);
     EXPECT_FALSE(selector->findSlot("charts.second"));
 }
+
+} // namespace VPolyOutputTest

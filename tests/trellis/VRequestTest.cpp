@@ -5,6 +5,8 @@
 #include <limits>
 #include <thread>
 
+namespace VRequestTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 
@@ -66,3 +68,5 @@ TEST(VRequest, isCancelledFromAnotherThread)
     other.join();
     EXPECT_TRUE(request.isCancelled());
 }
+
+} // namespace VRequestTest

@@ -8,6 +8,8 @@
 #include <random>
 #include <stdexcept>
 
+namespace VSchedulerTest {
+
 using namespace Orla;
 using testing::Each;
 using testing::ElementsAre;
@@ -575,3 +577,5 @@ TEST_F(VSchedulerTest, rerunsAnObjectThatSchedulesItself)
     VScheduler::schedule(node, 1, pool);
     EXPECT_EQ(VScheduler::run(pool).updates, 5u);
 }
+
+} // namespace VSchedulerTest

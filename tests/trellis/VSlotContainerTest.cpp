@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VSlotContainerTest {
+
 using namespace Orla;
 using testing::AllOf;
 using testing::ElementsAre;
@@ -321,3 +323,5 @@ TEST_F(VSlotContainerTest, leavesItsReadersTheLastValuesWhenItIsDestroyed)
     EXPECT_EQ(runAll({reader}, pool).failures, 0u);
     EXPECT_EQ(reader->read(pool, "out"), 2);
 }
+
+} // namespace VSlotContainerTest

@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VSlotGlobalsTest {
+
 using namespace Orla;
 using testing::AllOf;
 using testing::ElementsAre;
@@ -39,3 +41,5 @@ TEST_F(VSlotGlobalsTest, addsParametersLikeTheContainer)
     EXPECT_TRUE(slot->hasFlag(VSlot::Passive));
     EXPECT_FALSE(VSlotGlobals::addParameter(nullptr, "limit", 4, parameter, true));
 }
+
+} // namespace VSlotGlobalsTest

@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VSlotTest {
+
 using namespace Orla;
 
 namespace {
@@ -148,3 +150,5 @@ TEST_F(VSlotTest, isHeldOnceInASetAndFoundByName)
         set.remove(*set[set.size() / 2]);
     EXPECT_FALSE(set.find("slot 1"));
 }
+
+} // namespace VSlotTest

@@ -6,6 +6,8 @@
 
 #include <optional>
 
+namespace VTypeLabelTest {
+
 using Orla::VTypeLabel;
 
 namespace {
@@ -64,3 +66,5 @@ TEST(VTypeLabel, isNotConfusedWithTheNameOfATypeWithoutLabel)
 }
 
 } // namespace
+
+} // namespace VTypeLabelTest

@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace VValueBaseTest {
+
 using namespace Orla;
 
 namespace {
@@ -69,3 +71,5 @@ TEST_F(VValueBaseTest, isKeptAliveByItsComponents)
     low.reset();
     EXPECT_EQ(livingTestValues, 0u);
 }
+
+} // namespace VValueBaseTest

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace VValueComponentsTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -20,11 +22,17 @@ class VValueComponentsTest : public FrameworkTest {};
 
 } // namespace
 
+} // namespace VValueComponentsTest
+
 template<>
-struct Orla::VValueTrait<Point> {
+struct Orla::VValueTrait<VValueComponentsTest::Point> {
+    using Point = VValueComponentsTest::Point;
+
     static std::string Text(const Point&) { return {}; }
     static bool setValueFromText(Point&, const std::string&) { return false; }
 };
+
+namespace VValueComponentsTest {
 
 TEST_F(VValueComponentsTest, existWhileTheyAreRegistered)
 {
@@ -83,3 +91,5 @@ TEST_F(VValueComponentsTest, mayQueryOthersWhileTheyAreCreated)
                                        TestPart<Point, &Point::x>::component("x")}};
     EXPECT_EQ(contentOf(testValue(Point{})->component("first letter")), 1);
 }
+
+} // namespace VValueComponentsTest

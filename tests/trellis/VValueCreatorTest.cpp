@@ -4,6 +4,8 @@
 
 #include <loam/TypeInfo.hpp>
 
+namespace VValueCreatorTest {
+
 using namespace Orla;
 using testing::AllOf;
 using testing::Contains;
@@ -97,3 +99,5 @@ TEST_F(VValueCreatorTest, mayHaveSeveralNames)
     EXPECT_THAT(VValueCreator::names(), testing::IsSupersetOf({"another name", "one name"}));
     EXPECT_TRUE(std::ranges::is_sorted(VValueCreator::names()));
 }
+
+} // namespace VValueCreatorTest

@@ -4,6 +4,8 @@
 
 #include <limits>
 
+namespace VValueTraitTest {
+
 using namespace Orla;
 
 namespace {
@@ -116,3 +118,5 @@ TEST(VValueTrait, readsStringsVerbatim)
         EXPECT_EQ(text(value), value);
     }
 }
+
+} // namespace VValueTraitTest

@@ -4,6 +4,8 @@
 
 #include <functional>
 
+namespace ValueNotifierListTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -261,3 +263,5 @@ TEST_F(ValueNotifierListTest, forgetsDestroyedShadows)
         watched, [](const WeakPtrImpl<ValuePool>& each) { return each.referenceBlock()->weakCount() > 1; });
     EXPECT_LT(remembered, 20);
 }
+
+} // namespace ValueNotifierListTest

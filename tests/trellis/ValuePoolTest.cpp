@@ -4,6 +4,8 @@
 
 #include <random>
 
+namespace ValuePoolTest {
+
 using namespace Orla;
 using testing::ElementsAre;
 
@@ -310,3 +312,5 @@ TEST_F(ValuePoolTest, removesVariablesThatHoldTheLastPointerToAnObject)
     pool.reset();
     EXPECT_EQ(Node::living, 0u);
 }
+
+} // namespace ValuePoolTest

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace VprintfTest {
+
 using namespace Orla;
 
 namespace {
@@ -43,3 +45,5 @@ TEST_F(Verbosity, decidesWhatIsPrinted)
         EXPECT_EQ(printed(level), expected ? "level " + std::to_string(level) + "\n" : "");
     }
 }
+
+} // namespace VprintfTest

@@ -9,6 +9,8 @@
 #include <random>
 #include <vector>
 
+namespace FrustumKernelTest {
+
 using namespace Orla;
 
 namespace {
@@ -80,3 +82,5 @@ TEST(FrustumKernel, givesTheResultsOfTheSingleBoxQueryAtEveryWidth)
 }
 
 } // namespace
+
+} // namespace FrustumKernelTest

@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace CheckTest {
+
 namespace {
 
 ProcessResult check(const std::string& network)
@@ -51,3 +53,5 @@ TEST(CheckCommand, notesSharedHotKeysWithoutCountingFaults)
     EXPECT_EQ(result.err, "net.toml: note: key \"w\" is the hot key of \"a\", \"b\"\n"
                           "net.toml: 2 objects, 0 connections, no faults\n");
 }
+
+} // namespace CheckTest

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace CommandLineTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -143,3 +145,5 @@ TEST(CommandLine, listsCommandsStatusesAndVariablesInTheGeneralHelp)
     for (const char* status : {"\n  0  ", "\n  1  ", "\n  2  ", "\n  3  ", "\n  4  ", "129, 130, 143"})
         EXPECT_THAT(help, HasSubstr(status));
 }
+
+} // namespace CommandLineTest

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace CommandTest {
+
 using namespace Tarn;
 
 TEST(Command, writesTheSynopsisTheDescriptionAndTheOptions)
@@ -34,3 +36,5 @@ TEST(Command, omitsWhatACommandDoesNotHave)
     EXPECT_THAT(helpOn(Command{.name = "dig", .summary = "Digs.", .libraryFolders = "the garden"}),
                 testing::MatchesRegex("Usage: tarn dig\n\nDigs\\.\n\nLibraries are (.|\n)* and\nin the garden\\.\n"));
 }
+
+} // namespace CommandTest

@@ -8,6 +8,8 @@
 #include <sstream>
 #include <string>
 
+namespace CommandsTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -85,3 +87,5 @@ TEST(Commands, recogniseOtherNamesOfStandardOutput)
         EXPECT_EQ(runTarn({"run", file, "--table=" + name}).out, "step,sum\n0,1\n");
     }
 }
+
+} // namespace CommandsTest

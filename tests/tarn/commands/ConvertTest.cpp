@@ -10,6 +10,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace ConvertTest {
+
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -87,3 +89,5 @@ TEST(ConvertCommand, requiresTwoNamesAndCompleteSettings)
     EXPECT_EQ(runTarn({"convert", "none.toml", "-"}).status, 4);
     EXPECT_THAT(runTarn({"convert", "--help"}).out, HasSubstr("Comments are not kept."));
 }
+
+} // namespace ConvertTest

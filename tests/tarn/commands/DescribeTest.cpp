@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+namespace DescribeTest {
+
 using testing::AllOf;
 using testing::ContainsRegex;
 using testing::HasSubstr;
@@ -59,3 +61,5 @@ TEST(DescribeCommand, returnsStatus2IfALibraryIsMissingEvenIfTheTypeExists)
     EXPECT_THAT(result.out, HasSubstr("Value type number\n"));
     EXPECT_THAT(result.err, HasSubstr("tarn: library \"none\" was not found"));
 }
+
+} // namespace DescribeTest

@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace GraphTest {
+
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -73,3 +75,5 @@ TEST(GraphCommand, drawsNothingIfThereAreFaults)
               "sub/net.toml: 1 fault; nothing was drawn\n");
     EXPECT_THAT(folder.names(), ElementsAre("sub"));
 }
+
+} // namespace GraphTest

@@ -6,6 +6,8 @@
 
 #include <nlohmann/json.hpp>
 
+namespace LibrariesTest {
+
 using testing::HasSubstr;
 using testing::Not;
 
@@ -41,3 +43,5 @@ TEST(LibrariesCommand, returnsStatus2IfANamedLibraryCannotBeLoaded)
     EXPECT_TRUE(read["libraries"][1]["path"].is_null());
     EXPECT_EQ(runTarn({"libraries", "testobjects"}, options).status, 0);
 }
+
+} // namespace LibrariesTest

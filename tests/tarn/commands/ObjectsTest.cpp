@@ -8,6 +8,8 @@
 
 #include <string>
 
+namespace ObjectsTest {
+
 using nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
@@ -41,3 +43,5 @@ TEST(ObjectsCommand, hidesInputsAboveALevel)
     for (const json& type : hidden["objectTypes"])
         EXPECT_TRUE(type["inputs"].empty()) << type;
 }
+
+} // namespace ObjectsTest

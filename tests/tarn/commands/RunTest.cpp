@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace RunTest {
+
 using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -183,3 +185,5 @@ TEST(RunCommand, printsOutputsAfterTheTable)
                   .out,
               "step,time\n0,0\n1,0.25\nclock.GlobalTime.time: 0.25\n");
 }
+
+} // namespace RunTest

@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace StandardStreamsTest {
+
 using testing::HasSubstr;
 
 static_assert(!std::is_copy_constructible_v<Tarn::StandardStreams>);
@@ -78,3 +80,5 @@ TEST(StandardStreams, reportAnErrorWhenTheReaderIsClosed)
     EXPECT_EQ(result.status, 4);
     EXPECT_THAT(result.err, HasSubstr("tarn: cannot write standard output: Broken pipe\n"));
 }
+
+} // namespace StandardStreamsTest

@@ -9,6 +9,8 @@
 #include <limits>
 #include <string>
 
+namespace TypeArgumentsTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -62,3 +64,5 @@ TEST(TypeArguments, reportMissingLibrariesBesideTheTypesOfTheOthers)
         EXPECT_THAT(result.out, HasSubstr("Adder"));
     }
 }
+
+} // namespace TypeArgumentsTest

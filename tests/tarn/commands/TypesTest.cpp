@@ -8,6 +8,8 @@
 
 #include <string>
 
+namespace TypesTest {
+
 using testing::AllOf;
 using testing::ContainsRegex;
 using testing::HasSubstr;
@@ -40,3 +42,5 @@ TEST(TypesCommand, listsTheSameTypesForPrograms)
     EXPECT_THAT(listed["valueTypes"].dump(), HasSubstr("\"double\""));
     EXPECT_THAT(listed["objectTypes"].dump(), AllOf(HasSubstr("\"GlobalTime\""), HasSubstr("\"Adder\"")));
 }
+
+} // namespace TypesTest

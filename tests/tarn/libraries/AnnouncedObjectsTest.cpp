@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace AnnouncedObjectsTest {
+
 using namespace Tarn;
 using Orla::StrongPtr;
 using Orla::VManagedObject;
@@ -51,3 +53,5 @@ TEST(AnnouncedObjects, areRemovedInReverseOrder)
     removeAnnouncedObjects();
     EXPECT_THAT(log->removed, ElementsAre("two", "one"));
 }
+
+} // namespace AnnouncedObjectsTest

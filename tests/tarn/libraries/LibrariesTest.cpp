@@ -15,6 +15,8 @@
 
 #include <dlfcn.h>
 
+namespace LibrariesTest {
+
 using namespace Tarn;
 using testing::ContainsRegex;
 using testing::ElementsAre;
@@ -149,3 +151,5 @@ TEST(Libraries, areSearchedInTheInstallationTheVariableAndTheNetworkFolder)
     EXPECT_THAT(Libraries::searchPath("/network"),
                 testing::ElementsAre(beside, "/a/b", Loam::getCurrentDir() + "/relative", "/network", "/network/lib"));
 }
+
+} // namespace LibrariesTest

@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <string>
 
+namespace LibraryFilesTest {
+
 using namespace Tarn;
 using testing::Contains;
 using testing::HasSubstr;
@@ -62,3 +64,5 @@ TEST(LibraryFiles, reportWhichFileShadowsOthersOfTheSameName)
     EXPECT_EQ(files[3].path, "");
     EXPECT_THAT(files[3].loading.reason(), HasSubstr("library \"none\" was not found"));
 }
+
+} // namespace LibraryFilesTest

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+namespace ObjectTrackerTest {
+
 using namespace Tarn;
 using Orla::StrongPtr;
 
@@ -117,3 +119,5 @@ TEST(ObjectTracker, staysSmallAsObjectsComeAndGo)
     EXPECT_EQ(first.referenceBlock()->weakCount(), 1u);
     network.close();
 }
+
+} // namespace ObjectTrackerTest

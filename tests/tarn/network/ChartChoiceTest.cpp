@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+namespace ChartChoiceTest {
+
 using testing::HasSubstr;
 
 namespace {
@@ -56,3 +58,5 @@ TEST(ChartChoice, isAFaultIfNoObjectDependsOnCharts)
     EXPECT_THAT(evaluate(object("a", "Adder"), {"--chart=y"}).err,
                 HasSubstr("--chart: found \"y\", but no object depends on a chart\n"));
 }
+
+} // namespace ChartChoiceTest

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+namespace ConversionTest {
+
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -392,3 +394,5 @@ TEST(Conversion, writesTenThousandObjects)
         network += object("object " + std::to_string(i), "Adder", "set.a = " + std::to_string(i) + "\n");
     EXPECT_EQ(convert(network).text, network);
 }
+
+} // namespace ConversionTest

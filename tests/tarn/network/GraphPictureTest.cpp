@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+namespace GraphPictureTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -182,3 +184,5 @@ TEST(GraphPicture, isDrawnFromWholeNetworksWithoutADisplay)
                                                              "</TABLE>", "␁&", "#65;", "\\"));
     EXPECT_THAT(folder.names(), ElementsAre("net.toml", "one.png", "one.svg", "two.png", "two.svg"));
 }
+
+} // namespace GraphPictureTest

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace NetworkAssemblyTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -245,3 +247,5 @@ TEST_F(NetworkAssemblyTest, listsTenThousandFaults)
                          "\"object 0\"?");
     EXPECT_EQ(faults[9999], "net:40001:17: object \"object 9999\", input \"a\": no object is named \"objct 9999\"");
 }
+
+} // namespace NetworkAssemblyTest

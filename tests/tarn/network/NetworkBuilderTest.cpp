@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace NetworkBuilderTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -80,3 +82,5 @@ TEST_F(NetworkBuilderTest, reportsASetUpFunctionThatThrows)
                 ElementsAre("net:2:1: object \"a\" cannot be set up: no partner"));
     EXPECT_EQ(network().objectCount, 0u);
 }
+
+} // namespace NetworkBuilderTest

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace NetworkGraphTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -177,3 +179,5 @@ TEST(NetworkGraph, requestsAFasterLayoutForLargeNetworks)
     graph.objects.push_back(graph.objects[0]);
     EXPECT_THAT(dotText(graph), HasSubstr("graph [rankdir=LR, nslimit=1, nslimit1=1, mclimit=0.1]\n"));
 }
+
+} // namespace NetworkGraphTest

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace NetworkInputsTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -98,3 +100,5 @@ TEST_F(NetworkInputsTest, leaveNoObjects)
     EXPECT_EQ(Orla::VManagedObject::find("u"), nullptr);
     EXPECT_EQ(Orla::VManagedObject::find("e"), nullptr);
 }
+
+} // namespace NetworkInputsTest

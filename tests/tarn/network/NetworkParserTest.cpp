@@ -11,6 +11,8 @@
 #include <system_error>
 #include <vector>
 
+namespace NetworkParserTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -264,3 +266,5 @@ TEST(NetworkParser, mayBeTruncatedAnywhere)
     }
     EXPECT_THAT(faultsOf(whole), IsEmpty());
 }
+
+} // namespace NetworkParserTest

@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace NetworkWriterTest {
+
 using namespace Tarn;
 using testing::IsEmpty;
 
@@ -90,3 +92,5 @@ TEST(NetworkWriter, writesOrdinaryObjectsTheSameForKnownAndUnknownTypes)
     EXPECT_EQ(again(network("Known")), network("Known"));
     EXPECT_EQ(again(network("Strange")), network("Strange"));
 }
+
+} // namespace NetworkWriterTest

@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace OutputReferenceTest {
+
 using namespace Tarn;
 using Orla::StrongPtr;
 
@@ -20,11 +22,17 @@ struct Riddle {
 
 } // namespace
 
+} // namespace OutputReferenceTest
+
 template<>
-struct Orla::VValueTrait<Riddle> {
+struct Orla::VValueTrait<OutputReferenceTest::Riddle> {
+    using Riddle = OutputReferenceTest::Riddle;
+
     static std::string Text(const Riddle&) { throw std::runtime_error("guess"); }
     static bool setValueFromText(Riddle&, const std::string&) { return true; }
 };
+
+namespace OutputReferenceTest {
 
 namespace {
 
@@ -98,3 +106,5 @@ TEST_F(OutputReferenceTest, failsWithAReasonIfTheValueHasNoText)
     EXPECT_EQ(textOf("time.tme"), "failed: it has no value");
     EXPECT_EQ(textOf("riddle"), "failed: guess");
 }
+
+} // namespace OutputReferenceTest

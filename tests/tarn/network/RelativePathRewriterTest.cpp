@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 
+namespace RelativePathRewriterTest {
+
 using namespace Tarn;
 
 namespace {
@@ -95,3 +97,5 @@ TEST_F(RelativePathRewriterTest, followsSymbolicLinks)
     ASSERT_TRUE(moved);
     EXPECT_TRUE(std::filesystem::equivalent(folder().file("new/deep/" + *moved), folder().file("far/away/y.json")));
 }
+
+} // namespace RelativePathRewriterTest

@@ -16,6 +16,8 @@
 #include <string>
 #include <vector>
 
+namespace RestorableTextTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -29,8 +31,12 @@ struct Loose {
     friend bool operator==(const Loose& a, const Loose& b) { return a.first == b.first; }
 };
 
+} // namespace RestorableTextTest
+
 template<>
-struct Orla::VValueTrait<Loose> {
+struct Orla::VValueTrait<RestorableTextTest::Loose> {
+    using Loose = RestorableTextTest::Loose;
+
     static std::string Text(const Loose& loose)
     {
         return "<" + std::to_string(loose.first) + ">" + std::to_string(loose.second);
@@ -44,6 +50,8 @@ struct Orla::VValueTrait<Loose> {
         return slash == std::string::npos || VValueTrait<int>::setValueFromText(loose.second, text.substr(slash + 1));
     }
 };
+
+namespace RestorableTextTest {
 
 namespace {
 
@@ -276,3 +284,5 @@ TEST_F(RestorableTextTest, doesNotExistForValuesThatAFileCannotHold)
     ASSERT_TRUE(libraries().load("testobjects"));
     EXPECT_FALSE(formOf(fresh("Ticket"), {"please"}));
 }
+
+} // namespace RestorableTextTest

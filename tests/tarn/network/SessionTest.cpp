@@ -9,6 +9,8 @@
 #include <string>
 #include <type_traits>
 
+namespace SessionTest {
+
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
@@ -136,3 +138,5 @@ TEST(Session, loadsTenThousandObjects)
         network += "[[object]]\nname = 'object " + std::to_string(i) + "'\ntype = 'Adder'\n";
     EXPECT_EQ(check(network).err, "net.toml: 10000 objects, 0 connections, no faults\n");
 }
+
+} // namespace SessionTest

@@ -9,6 +9,8 @@
 
 #include <list>
 
+namespace SlotLookupTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 
@@ -94,3 +96,5 @@ TEST(ObjectNames, findNothingWhenEmpty)
     std::string_view rest;
     EXPECT_EQ(ObjectNames{}.findAtStart(".x", rest), ObjectNames::npos);
 }
+
+} // namespace SlotLookupTest

@@ -11,6 +11,8 @@
 #include <limits>
 #include <vector>
 
+namespace TimeProviderTest {
+
 using namespace Tarn;
 using Orla::StrongPtr;
 using Orla::VTime;
@@ -161,3 +163,5 @@ TEST(StepCount, includesBothEnds)
     }
     EXPECT_TRUE(std::isnan(TimeProvider::stepCount(VTime{0, 0, std::nan(""), 1, "", "", ""})));
 }
+
+} // namespace TimeProviderTest

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+namespace UnknownObjectTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -96,3 +98,5 @@ TEST(UnknownObject, refusesTablesNestedTooDeeplyToBeWritten)
                 ElementsAre("net:1:8: object \"odd\": \"deep\" is nested too deeply to be written again"));
     EXPECT_EQ(object.kept, "flat = 1\n");
 }
+
+} // namespace UnknownObjectTest

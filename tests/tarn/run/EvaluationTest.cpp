@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace EvaluationTest {
+
 using testing::AllOf;
 using testing::HasSubstr;
 
@@ -184,3 +186,5 @@ TEST(Evaluation, attributesFailuresAtTheEndToTheLastStep)
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, HasSubstr("5 steps, 1 failure, the first in step 4\n"));
 }
+
+} // namespace EvaluationTest

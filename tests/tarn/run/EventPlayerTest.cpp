@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace EventPlayerTest {
+
 namespace {
 
 ProcessResult play(const std::string& events, const std::string& network)
@@ -52,3 +54,5 @@ TEST(EventPlayer, leavesTheGrabToItsHolder)
                           "0,\"2@1,1:1:0:::0;3@2,2:0:0:::0;4@3,3:1:0:::0;3@4,4:0:0:::0;\","
                           "\"(not mine)(not mine)4@3,3:1:0:::0;3@4,4:0:0:::0;\"\n");
 }
+
+} // namespace EventPlayerTest

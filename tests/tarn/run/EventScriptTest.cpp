@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace EventScriptTest {
+
 using namespace Tarn;
 using Orla::VInteractionEvent;
 using testing::ElementsAre;
@@ -177,3 +179,5 @@ TEST(EventScript, keepsTheEventsWithoutFaults)
     EXPECT_EQ(parseEvents(script, faults).size(), 2u);
     EXPECT_EQ(faults.size(), 1u);
 }
+
+} // namespace EventScriptTest

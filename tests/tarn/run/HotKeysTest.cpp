@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace HotKeysTest {
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -52,3 +54,5 @@ TEST_F(HotKeys, areShownWithoutControlCharacters)
     EXPECT_EQ(Tarn::nameOfKey(' '), "space");
     EXPECT_EQ(Tarn::nameOfKey('\x1b'), "\"\\x1b\"");
 }
+
+} // namespace HotKeysTest

@@ -7,6 +7,8 @@
 #include <csignal>
 #include <string>
 
+namespace InterruptionTest {
+
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -112,3 +114,5 @@ TEST(Interruption, endsImmediatelyOnTheSecondSignal)
     EXPECT_TRUE(result.status == 143 || result.status == 130) << result.status;
     EXPECT_THAT(result.err, HasSubstr("tarn: interrupted a second time\n"));
 }
+
+} // namespace InterruptionTest

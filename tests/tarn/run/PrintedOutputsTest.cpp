@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace PrintedOutputsTest {
+
 namespace {
 
 const std::string network = clockInQuarters + object("a.b", "Adder", "connect = { a = 'clock.GlobalTime.time' }\n")
@@ -74,3 +76,5 @@ TEST(PrintedOutputs, showTheLastGoodValuesAfterAFailure)
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "f.out: 42\n");
 }
+
+} // namespace PrintedOutputsTest

@@ -12,6 +12,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+namespace ProgressTest {
+
 using Tarn::Progress;
 using testing::HasSubstr;
 using testing::Not;
@@ -112,3 +114,5 @@ TEST(Progress, isNotShownWithoutATerminal)
     EXPECT_THAT(result.err, Not(HasSubstr("\x1b")));
     EXPECT_THAT(result.err, Not(HasSubstr("5/5")));
 }
+
+} // namespace ProgressTest

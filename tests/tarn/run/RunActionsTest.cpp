@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+namespace RunActionsTest {
+
 TEST(RunActions, areEmittedAfterEachStepAndAtTheEnd)
 {
     const ProcessResult result = evaluate(clockInQuarters + object("run", "Run")
@@ -20,3 +22,5 @@ TEST(RunActions, needNoListener)
     EXPECT_EQ(evaluate(object("run", "Run") + object("a", "Adder")).status, 0);
     EXPECT_FALSE(Tarn::RunActions::find().emitFinished(Loam::makeStrong<Orla::ValuePool>()));
 }
+
+} // namespace RunActionsTest

@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+namespace StatusReportTest {
+
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -49,3 +51,5 @@ TEST(StatusReport, omitsObjectsWithoutAMessage)
     const ProcessResult result = evaluate(teller("a", "info", "") + teller("b", "info", " \\n"));
     EXPECT_THAT(result.err, EndsWith("net.toml: 2 objects, 1 step\n"));
 }
+
+} // namespace StatusReportTest

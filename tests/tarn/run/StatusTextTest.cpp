@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <string>
 
+namespace StatusTextTest {
+
 using namespace Tarn;
 using Orla::StatusIndicator;
 
@@ -105,3 +107,5 @@ TEST(StatusText, mayBeLong)
     EXPECT_EQ(plainText(repeated("<b>x</b>")), repeated("x"));
     EXPECT_EQ(plainText(repeated("<") + "<b>"), repeated("<"));
 }
+
+} // namespace StatusTextTest

@@ -9,6 +9,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace TableWriterTest {
+
 using namespace Tarn;
 
 TEST(TableWriter, quotesFieldsThatWouldBreakTheTable)
@@ -58,3 +60,5 @@ TEST(TableWriter, writesEachRowToAStreamImmediately)
     ::close(ends[0]);
     ::close(ends[1]);
 }
+
+} // namespace TableWriterTest

@@ -13,6 +13,8 @@
 #include <thread>
 #include <vector>
 
+namespace TaskExecutorTest {
+
 using Tarn::TaskExecutor;
 
 // What a task uses after it has woken the test is shared, or the test could destroy it too
@@ -60,3 +62,5 @@ TEST(TaskExecutor, runsTasksAfterItsOwnEnd)
     begin->count_down();
     EXPECT_EQ(ran->get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
 }
+
+} // namespace TaskExecutorTest

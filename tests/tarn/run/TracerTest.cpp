@@ -18,6 +18,8 @@
 #include <thread>
 #include <vector>
 
+namespace TracerTest {
+
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -185,3 +187,5 @@ TEST(Tracer, writesACompleteTraceAfterASignal)
     EXPECT_EQ(process.wait().status, 130);
     EXPECT_THAT(updatesOf(json::parse(contentOf(trace))), ElementsAre("s 0: scheduled with 0, cancelled"));
 }
+
+} // namespace TracerTest

@@ -6,6 +6,8 @@
 
 #include <filesystem>
 
+namespace UrlHandlerTest {
+
 namespace {
 
 // Creates a browser that records the addresses it gets. Returns the variable that selects it.
@@ -60,3 +62,5 @@ TEST(UrlHandler, refusesUnsafeAndInvalidUrls)
     Tarn::UrlHandler handler;
     EXPECT_FALSE(handler.openUrl("https://a\nb"));
 }
+
+} // namespace UrlHandlerTest

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <string>
 
+namespace WarningPrinterTest {
+
 using namespace Tarn;
 
 TEST(WarningPrinter, printsEachWarningOnceAndCountsRepeatsAtTheEnd)
@@ -31,3 +33,5 @@ TEST(WarningPrinter, losesNoWarnings)
     EXPECT_EQ(std::ranges::count(printed, '\n'), 10010);
     EXPECT_TRUE(printed.ends_with("tarn: warning: 10009\n"));
 }
+
+} // namespace WarningPrinterTest

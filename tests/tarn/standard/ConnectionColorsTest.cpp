@@ -11,6 +11,8 @@
 #include <set>
 #include <string>
 
+namespace ConnectionColorsTest {
+
 namespace {
 
 class ConnectionColors : public LoadedLibraries {
@@ -69,3 +71,5 @@ TEST_F(ConnectionColors, areVisibleOnWhite)
         EXPECT_GE(contrastToWhite(colorOf(type)), 2) << type << ": " << colorOf(type);
     EXPECT_GE(contrastToWhite(colorOf("Enum")), 2);
 }
+
+} // namespace ConnectionColorsTest

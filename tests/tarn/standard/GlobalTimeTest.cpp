@@ -3,6 +3,8 @@
 
 #include "tarn/LoadedLibraries.hpp"
 
+namespace GlobalTimeTest {
+
 using Orla::StrongPtr;
 using Orla::VObject;
 
@@ -56,3 +58,5 @@ TEST_F(GlobalTimeTest, isCreatedOnceForAllObjectsThatDependOnTime)
     EXPECT_EQ(one->findSlot("time")->parameter(), other->findSlot("time")->parameter());
     EXPECT_EQ(one->findSlot("time")->parameter()->DefaultValue()->Text(), "0[0,1]@1");
 }
+
+} // namespace GlobalTimeTest

@@ -2,6 +2,8 @@
 
 #include "tarn/LoadedLibraries.hpp"
 
+namespace InteractionSourceTest {
+
 using Orla::StrongPtr;
 using Orla::VInteractionEvent;
 using Orla::VObject;
@@ -50,3 +52,5 @@ TEST_F(InteractionSourceTest, letsOneObjectGrabTheEventsOfAll)
     event.ungrab(one);
     EXPECT_TRUE(eventOf(one, pool).mayuse(other));
 }
+
+} // namespace InteractionSourceTest

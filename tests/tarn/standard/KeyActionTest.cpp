@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace KeyActionTest {
+
 TEST(KeyAction, emitsItsActionOncePerPressOfItsKey)
 {
     const TestFolder folder;
@@ -28,3 +30,5 @@ TEST(KeyAction, forwardsActionsWithTheirNumbers)
                                           + column("count", "counter.count"));
     EXPECT_EQ(result.out, "step,count\n0,1\n1,2\n2,3\n3,4\n4,5\n") << result.err;
 }
+
+} // namespace KeyActionTest

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace RunTest {
+
 TEST(Run, numbersItsActionsOneAndTwo)
 {
     // The counters add up the numbers of the actions that reach them.
@@ -24,3 +26,5 @@ TEST(Run, mayExistSeveralTimes)
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.out, "step\n0\nfirst.count: 2\nsecond.count: 2\n");
 }
+
+} // namespace RunTest

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace ValueTypesTest {
+
 using testing::ContainsRegex;
 
 TEST(ValueTypes, areListedWithTheirNamesInCode)
@@ -59,3 +61,5 @@ TEST(ValueTypes, areListedWithTheirNamesInCode)
         EXPECT_THAT(result.out, ContainsRegex("\n  " + std::string(label) + "  +" + name
                                               + "  +value and input  +(-|green|#[0-9A-F]+)  +\".*\"\n"));
 }
+
+} // namespace ValueTypesTest

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace DeepTomlKeysTest {
+
 using namespace Tarn;
 
 namespace {
@@ -77,3 +79,5 @@ TEST(DeepTomlKeys, findsDeepKeysAfterStringsAndComments)
         EXPECT_TRUE(findDeepKey(start + deep));
     }
 }
+
+} // namespace DeepTomlKeysTest

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace FaultsTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 
@@ -37,3 +39,5 @@ TEST(Faults, havePlacesCountedInCharacters)
     EXPECT_EQ(placeAt(text, text.find('b')), (Place{2, 3}));
     EXPECT_EQ(placeAt(text, text.size()), (Place{3, 1}));
 }
+
+} // namespace FaultsTest

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace MessagesTest {
+
 using namespace Tarn;
 
 TEST(Messages, quoteAndEscapeNames)
@@ -61,3 +63,5 @@ TEST(Messages, suggestOrListTheAvailableNames)
     EXPECT_EQ(insteadOf("depth", {}), "");
     EXPECT_EQ(insteadOf("depth", std::vector<std::string>(13, "x")), "");
 }
+
+} // namespace MessagesTest

@@ -10,6 +10,8 @@
 #include <string>
 #include <system_error>
 
+namespace ReadFileTest {
+
 using namespace Tarn;
 
 TEST(ReadFile, returnsEveryByte)
@@ -41,3 +43,5 @@ TEST(ReadFile, knowsTheFolderOfAFile)
 {
     EXPECT_EQ(folderOf("/a/b/c.toml"), "/a/b");
 }
+
+} // namespace ReadFileTest

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace TextTableTest {
+
 using Tarn::TextTable;
 
 TEST(TextTable, alignsItsColumnsByCharacters)
@@ -23,3 +25,5 @@ TEST(TextTable, hasNoTrailingBlanks)
     EXPECT_EQ(table.text(""), "long  one\na\n");
     EXPECT_EQ(TextTable{}.text("  "), "");
 }
+
+} // namespace TextTableTest

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+namespace TomlTableTest {
+
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -67,3 +69,5 @@ TEST(TomlTable, isMissingWithOneFaultIfTheTextIsNotToml)
         key += ".a";
     EXPECT_THAT(faultsOf(key + " = 1\n"), ElementsAre("file:1:1: a key of more than 16 parts"));
 }
+
+} // namespace TomlTableTest

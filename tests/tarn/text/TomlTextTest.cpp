@@ -16,6 +16,8 @@
 #include <string>
 #include <vector>
 
+namespace TomlTextTest {
+
 using namespace Tarn;
 using testing::IsEmpty;
 
@@ -237,3 +239,5 @@ TEST(TomlText, writesEachValueOnOneLineInOneSpellingInEveryLocale)
         EXPECT_EQ(tomlValue(*again->get("x")), spelled);
     }
 }
+
+} // namespace TomlTextTest

@@ -16,6 +16,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace TypeCatalogueTest {
+
 using namespace Tarn;
 using Orla::StrongPtr;
 using testing::ElementsAre;
@@ -71,11 +73,17 @@ struct Secret {
 
 } // namespace
 
+} // namespace TypeCatalogueTest
+
 template<>
-struct Orla::VValueTrait<Secret> {
+struct Orla::VValueTrait<TypeCatalogueTest::Secret> {
+    using Secret = TypeCatalogueTest::Secret;
+
     static std::string Text(const Secret&) { throw std::runtime_error("it is secret"); }
     static bool setValueFromText(Secret&, const std::string&) { return true; }
 };
+
+namespace TypeCatalogueTest {
 
 TEST(TypeCatalogue, describesAnObjectTypeAndLeavesNoObject)
 {
@@ -191,3 +199,5 @@ TEST(TypeCatalogue, reportsRefusedLibraries)
     const TypeCatalogue catalogue{{"none"}};
     EXPECT_THAT(catalogue.refusals(), testing::Contains(HasSubstr("library \"none\" was not found")));
 }
+
+} // namespace TypeCatalogueTest

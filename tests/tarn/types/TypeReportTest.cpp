@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace TypeReportTest {
+
 using namespace Tarn;
 using nlohmann::json;
 using testing::HasSubstr;
@@ -204,3 +206,5 @@ TEST(TypeReport, isTheSameInEveryLocale)
         EXPECT_TRUE(plain.out.ends_with("\n"));
     }
 }
+
+} // namespace TypeReportTest

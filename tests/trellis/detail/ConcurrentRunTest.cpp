@@ -9,6 +9,8 @@
 #include <set>
 #include <thread>
 
+namespace ConcurrentRunTest {
+
 // Evaluates one pool in several threads.
 
 using namespace Orla;
@@ -407,3 +409,5 @@ TEST_F(ConcurrentRunTest, runsObjectsThatShareMoreThanValuesInTurn)
     EXPECT_EQ(run(pool, threads).updates, 20u);
     EXPECT_EQ(order, expected);
 }
+
+} // namespace ConcurrentRunTest

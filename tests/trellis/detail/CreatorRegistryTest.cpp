@@ -5,6 +5,8 @@
 #include <atomic>
 #include <thread>
 
+namespace CreatorRegistryTest {
+
 using namespace Orla;
 using namespace Orla::Detail;
 using Loam::makeStrong;
@@ -118,3 +120,5 @@ TEST(CreatorRegistry, mayBeQueriedWhileLibrariesComeAndGo)
     other.join();
     EXPECT_THAT(registry.names(), ElementsAre("lasting"));
 }
+
+} // namespace CreatorRegistryTest

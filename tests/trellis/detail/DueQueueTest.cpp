@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <random>
 
+namespace DueQueueTest {
+
 // The queue of due objects, observed through the order in which they run.
 
 using namespace Orla;
@@ -57,3 +59,5 @@ TEST_F(DueQueueTest, holdsSourcesBeforeTheirReaders)
         EXPECT_EQ(orders.size(), count);
     }
 }
+
+} // namespace DueQueueTest

@@ -5,6 +5,8 @@
 #include <array>
 #include <random>
 
+namespace EvaluationOrderTest {
+
 // The evaluation order, as shown by the numbers of the containers. The next evaluation
 // computes it.
 
@@ -245,3 +247,5 @@ TEST_F(EvaluationOrderTest, isComputedForLongLoopsOnAnOrdinaryStack)
     std::ranges::sort(orders);
     EXPECT_EQ(std::ranges::adjacent_find(orders), orders.end());
 }
+
+} // namespace EvaluationOrderTest

@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+namespace FrameHooksTest {
+
 // How pools follow changes of the wiring.
 
 using namespace Orla;
@@ -168,3 +170,5 @@ TEST_F(FrameHooksTest, notifyAListenerAddedAfterTheFirstEvaluation)
     runAll({node}, pool);
     EXPECT_THAT(listener->pools, ElementsAre(pool));
 }
+
+} // namespace FrameHooksTest

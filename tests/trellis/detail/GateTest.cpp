@@ -7,6 +7,8 @@
 #include <random>
 #include <thread>
 
+namespace GateTest {
+
 // Threads that use and change networks, observed through `VNetwork`. Run this under
 // ThreadSanitizer, too.
 
@@ -177,3 +179,5 @@ TEST_F(GateTest, letsAnUpdateDestroyItsNetworkWhileOtherThreadsEvaluateIt)
         ASSERT_EQ(nodes[0]->network(), nullptr);
     }
 }
+
+} // namespace GateTest

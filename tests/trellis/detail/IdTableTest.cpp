@@ -11,6 +11,8 @@
 #include <unordered_map>
 #include <vector>
 
+namespace IdTableTest {
+
 using namespace Orla;
 using namespace Orla::Detail;
 
@@ -145,3 +147,5 @@ TEST(IdTable, isConsistentWhenTheDestructorOfAnErasedValueReadsIt)
         EXPECT_EQ(table.size(), ids.size());
     }
 }
+
+} // namespace IdTableTest

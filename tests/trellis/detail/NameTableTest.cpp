@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+namespace NameTableTest {
+
 using Orla::Detail::NameTable;
 using testing::IsNull;
 using testing::Pointee;
@@ -51,3 +53,5 @@ TEST(NameTable, visitsEachNameOnce)
     table.forEach([&](const std::string& name, int value) { visited.emplace_back(name, value); });
     EXPECT_THAT(visited, UnorderedElementsAre(std::pair("a", 2), std::pair("b", 1), std::pair("c", 1)));
 }
+
+} // namespace NameTableTest

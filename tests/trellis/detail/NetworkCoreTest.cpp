@@ -5,6 +5,8 @@
 
 #include <memory>
 
+namespace NetworkCoreTest {
+
 // The part of a network that its objects share, observed through `VNetwork`.
 
 using namespace Orla;
@@ -80,3 +82,5 @@ TEST_F(NetworkCoreTest, isUsedWhileOtherThreadsUseOtherNetworks)
         }
     });
 }
+
+} // namespace NetworkCoreTest

@@ -6,6 +6,8 @@
 #include <limits>
 #include <random>
 
+namespace NetworkObjectsTest {
+
 // The registry of a network's objects, observed through `VManagedObject` and `VNetwork`.
 
 using namespace Orla;
@@ -175,3 +177,5 @@ TEST_F(NetworkObjectsTest, includeOneUniqueObjectPerKindThatIsHeldWeakly)
     network.setUniqueObject(typeid(double), clock);
     EXPECT_EQ(network.uniqueObject(typeid(double)), clock);
 }
+
+} // namespace NetworkObjectsTest

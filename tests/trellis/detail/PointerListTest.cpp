@@ -5,6 +5,8 @@
 #include <array>
 #include <utility>
 
+namespace PointerListTest {
+
 using Orla::Detail::PointerList;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -91,3 +93,5 @@ TEST_F(PointerListTest, isEmptyAfterItIsMovedFrom)
         EXPECT_THAT(list, IsEmpty());
     }
 }
+
+} // namespace PointerListTest

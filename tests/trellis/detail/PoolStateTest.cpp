@@ -8,6 +8,8 @@
 #include <set>
 #include <stdexcept>
 
+namespace PoolStateTest {
+
 // Frames and queues are internal; the tests observe them through pools and the scheduler.
 
 using namespace Orla;
@@ -458,3 +460,5 @@ TEST_F(FailureInPoolTest, spreadsExactlyToDependentObjectsInRandomNetworks)
         }
     }
 }
+
+} // namespace PoolStateTest

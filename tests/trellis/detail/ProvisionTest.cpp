@@ -3,6 +3,8 @@
 
 #include "support/TestNetwork.hpp"
 
+namespace ProvisionTest {
+
 // Providers that are created for an input, observed through `VObject` and `VConnectable`.
 
 using namespace Orla;
@@ -66,3 +68,5 @@ TEST_F(ProvisionTest, doesNotCreateAProviderForAProviderOfTheSameKind)
     EXPECT_EQ(VManagedObject::count(), 1u);
     VManagedObject::remove(VManagedObject::find("Clock"));
 }
+
+} // namespace ProvisionTest

@@ -5,6 +5,8 @@
 #include <loam/Environment.hpp>
 #include <loam/TypeInfo.hpp>
 
+namespace RegistryReportTest {
+
 // The warning about a refused registration; the registries have their own tests.
 
 using namespace Orla;
@@ -38,3 +40,5 @@ TEST_F(RegistryReport, namesBothOwnersWithTypeAndLibrary)
                                               HasSubstr(Loam::typeKey(typeid(First))),
                                               HasSubstr(Loam::typeKey(typeid(Second))), HasSubstr(library))));
 }
+
+} // namespace RegistryReportTest

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace SerialRunTest {
+
 // Runs of one pool in the calling thread, observed through the scheduler; above all, runs of
 // objects that read each other in a loop.
 
@@ -328,3 +330,5 @@ TEST_F(SerialRunTest, stopsALargeLoopAfterAsManyRoundsAsASmallOne)
     EXPECT_EQ(warnings().size(), 1u);
     EXPECT_THAT(runsOf(ring), Each(testing::Le(Limit)));
 }
+
+} // namespace SerialRunTest

@@ -7,6 +7,8 @@
 #include <mutex>
 #include <thread>
 
+namespace SpinLockTest {
+
 using namespace Orla;
 
 TEST(SpinLock, admitsOneThreadAtATime)
@@ -23,3 +25,5 @@ TEST(SpinLock, admitsOneThreadAtATime)
     });
     EXPECT_EQ(count, 3000);
 }
+
+} // namespace SpinLockTest

@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <thread>
 
+namespace UpdateTest {
+
 // One update of one object, observed through the scheduler.
 
 using namespace Orla;
@@ -248,3 +250,5 @@ TEST_F(UpdateTest, runsInOnePoolAtATimeIfItsObjectKeepsState)
     });
     EXPECT_EQ(state, 400);
 }
+
+} // namespace UpdateTest

@@ -1,5 +1,7 @@
 #include "support/TestNetwork.hpp"
 
+namespace WiringTest {
+
 // Connections, above all those through inputs that are passed on, observed through slots.
 
 using namespace Orla;
@@ -279,3 +281,5 @@ TEST_F(WiringTest, reusesTheCellOfARemovedInputButNotItsValue)
     EXPECT_EQ(second->place().cell, cell);
     EXPECT_EQ(contentOf(second->getLocalValue(pool)), 1);
 }
+
+} // namespace WiringTest
