@@ -31,6 +31,11 @@ bool VActionNotifier::warned(const std::string&)
     return false;
 }
 
+bool VActionNotifier::failed(const std::string& message)
+{
+    return warned(message);
+}
+
 void VActionNotifier::objectCreated(const StrongPtr<VManagedObject>&, const Loam::InterfaceContainer&,
                                     const StrongPtr<VObjectCreator>&)
 {
@@ -86,6 +91,14 @@ void VActionNotifier::Warning(const std::string& message)
 {
     bool shown = false;
     forEachLiving([&](VActionNotifier& notifier) { shown |= notifier.warned(message); });
+    if (!shown)
+        std::fprintf(stderr, "%s\n", message.c_str());
+}
+
+void VActionNotifier::Error(const std::string& message)
+{
+    bool shown = false;
+    forEachLiving([&](VActionNotifier& notifier) { shown |= notifier.failed(message); });
     if (!shown)
         std::fprintf(stderr, "%s\n", message.c_str());
 }

@@ -38,6 +38,11 @@ public:
     /// Called when \p object has been removed from the registry. The default does nothing.
     virtual void objectRemoved(const StrongPtr<VManagedObject>& object);
 
+    /// Receives the message of a fault that leaves results missing: a failed update, or a loop
+    /// that did not settle. Returns true if the message was shown; the default passes it to
+    /// `warned`.
+    virtual bool failed(const std::string& message);
+
     /// Adds a notifier. Returns false if the pointer is null or the notifier was added before.
     static bool add(const StrongPtr<VActionNotifier>& notifier);
     static bool remove(const StrongPtr<VActionNotifier>& notifier);
@@ -45,6 +50,9 @@ public:
     /// Passes \p message to all notifiers. If none of them shows it, prints it to standard
     /// error.
     static void Warning(const std::string& message);
+
+    /// As above, for a fault that leaves results missing; calls `failed`.
+    static void Error(const std::string& message);
 
     /// Announces \p object: adds it to the registry of its network, which keeps it alive, and
     /// calls all notifiers.

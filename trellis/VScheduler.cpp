@@ -111,6 +111,27 @@ std::vector<StrongPtr<VObject>> VScheduler::waitingFor(const VObject& object, co
     return failed;
 }
 
+std::vector<VScheduler::Failure> VScheduler::failures(const StrongPtr<ValuePool>& pool)
+{
+    std::vector<Failure> failures;
+    const PoolUse use{pool};
+    PoolState* const state = Orla::stateOf(pool);
+    if (!state)
+        return failures;
+    for (VFrame* const frame : state->failedFrames()) {
+        if (StrongPtr<VObject> object = WeakPtrImpl<VObject>(Detail::PoolState::objectOf(*frame)).lock())
+            failures.push_back({std::move(object), state->reasonOf(*frame)});
+    }
+    return failures;
+}
+
+std::size_t VScheduler::countWaiting(const VObject& object, const StrongPtr<ValuePool>& pool)
+{
+    const PoolUse use{pool};
+    VFrame* const frame = frameOf(object, pool);
+    return frame ? Orla::stateOf(pool)->countWaiting(*frame) : 0;
+}
+
 bool VScheduler::observe(const StrongPtr<ValuePool>& pool, Observer* observer)
 {
     if (!pool || !pool->root())

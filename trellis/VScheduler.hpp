@@ -76,9 +76,22 @@ public:
     /// Destroyed objects are not included. Empty if \p object does not wait.
     static std::vector<StrongPtr<VObject>> waitingFor(const VObject& object, const StrongPtr<ValuePool>& pool);
 
+    /// An object whose last update in a pool failed.
+    struct Failure {
+        StrongPtr<VObject> object;
+        std::string reason; ///< the message of the exception; empty if the update returned false
+    };
+
+    /// Returns the objects whose last update in \p pool failed, in evaluation order.
+    static std::vector<Failure> failures(const StrongPtr<ValuePool>& pool);
+
+    /// Returns the number of objects that wait for \p object in \p pool, directly or
+    /// indirectly.
+    static std::size_t countWaiting(const VObject& object, const StrongPtr<ValuePool>& pool);
+
     /// Runs the due objects of the request's pool, and those that become due, until none is
     /// due. An update that throws or returns false is reported through
-    /// `VActionNotifier::Warning` with the object's name; objects that do not read its outputs
+    /// `VActionNotifier::Error` with the object's name; objects that do not read its outputs
     /// run as usual.
     static Summary run(VRequest& request);
 

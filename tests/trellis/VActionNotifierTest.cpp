@@ -45,10 +45,11 @@ protected:
     StrongPtr<Notifier> first{new Notifier("first", true)};
     StrongPtr<Notifier> second{new Notifier("second")};
 
-    static std::string onStandardError(const std::string& message)
+    static std::string onStandardError(const std::string& message,
+                                       void (*notify)(const std::string&) = &VActionNotifier::Warning)
     {
         testing::internal::CaptureStderr();
-        VActionNotifier::Warning(message);
+        notify(message);
         return testing::internal::GetCapturedStderr();
     }
 };
@@ -71,6 +72,25 @@ TEST_F(VActionNotifierTest, receivesWarningsInTheOrderOfAdding)
     VActionNotifier::add(first);
     VActionNotifier::Warning("careful");
     EXPECT_THAT(Notifier::events, ElementsAre("second warned: careful", "first warned: careful"));
+}
+
+TEST_F(VActionNotifierTest, receivesFailuresAsWarningsByDefault)
+{
+    struct Discerning : Notifier {
+        using Notifier::Notifier;
+        bool failed(const std::string& message) override
+        {
+            events.push_back(name + " failed: " + message);
+            return true;
+        }
+    };
+    const StrongPtr<VActionNotifier> discerning{new Discerning("third")};
+    VActionNotifier::add(second);
+    EXPECT_EQ(onStandardError("careful", &VActionNotifier::Error), "careful\n");
+    VActionNotifier::add(discerning);
+    EXPECT_EQ(onStandardError("broken", &VActionNotifier::Error), "");
+    EXPECT_THAT(Notifier::events,
+                ElementsAre("second warned: careful", "second warned: broken", "third failed: broken"));
 }
 
 TEST_F(VActionNotifierTest, writesWarningsToStandardErrorUnlessTheyAreShown)

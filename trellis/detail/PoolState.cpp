@@ -251,6 +251,8 @@ void PoolState::releaseCell(VFrame& frame, std::uint32_t cell) noexcept
 
 void PoolState::freeFrame(VFrame& frame) noexcept
 {
+    if (frame.m_hasFailed)
+        m_reasons.erase(&frame);
     const std::uint32_t count = frame.cellCount();
     for (std::uint32_t cell = 0; cell < count; ++cell)
         releaseCell(frame, cell);
@@ -1011,9 +1013,21 @@ void PoolState::fail(VFrame& frame) noexcept
     markWaiting(frame);
 }
 
+void PoolState::keepReason(const VFrame& frame, const std::string& reason)
+{
+    m_reasons[&frame] = reason;
+}
+
+std::string PoolState::reasonOf(const VFrame& frame) const
+{
+    const auto reason = m_reasons.find(&frame);
+    return reason == m_reasons.end() ? std::string{} : reason->second;
+}
+
 void PoolState::recover(VFrame& frame) noexcept
 {
     frame.m_hasFailed = false;
+    m_reasons.erase(&frame);
     if (frame.m_isWaiting)
         return; // its readers keep waiting
     release(frame);
@@ -1101,6 +1115,35 @@ std::vector<VObject*> PoolState::failedSources(VFrame& start)
         });
     }
     return failed;
+}
+
+std::vector<VFrame*> PoolState::failedFrames()
+{
+    const auto lock = lockTables();
+    std::vector<VFrame*> failed;
+    forEachFrame([&failed](VFrame& frame) {
+        if (frame.m_hasFailed && frame.m_object)
+            failed.push_back(&frame);
+    });
+    std::ranges::sort(failed, {}, [](const VFrame* frame) {
+        return std::pair{frame->m_order, frame->m_container->wiring().index};
+    });
+    return failed;
+}
+
+std::size_t PoolState::countWaiting(VFrame& start)
+{
+    const auto lock = lockTables();
+    std::vector<VFrame*> waiting{&start};
+    std::unordered_set<const VFrame*> seen{&start};
+    for (std::size_t i = 0; i < waiting.size(); ++i) {
+        VFrame& source = *waiting[i];
+        forEachReader(source, [&](VFrame& reader) {
+            if (reader.m_isWaiting && makesWait(source, reader) && seen.insert(&reader).second)
+                waiting.push_back(&reader);
+        });
+    }
+    return waiting.size() - 1;
 }
 
 void PoolState::updateWaiting(VFrame& frame) noexcept

@@ -221,6 +221,8 @@ public:
 
     static bool isDue(const VFrame& frame) noexcept { return frame.m_isDue; }
 
+    static VObject* objectOf(const VFrame& frame) noexcept { return frame.m_object; }
+
     template<class State>
     static State stateOf(const VFrame& frame) noexcept
     {
@@ -274,6 +276,12 @@ public:
     /// wait.
     void fail(VFrame& frame) noexcept;
 
+    /// Keeps the reason why the update of \p frame has failed.
+    void keepReason(const VFrame& frame, const std::string& reason);
+
+    /// Returns the reason of the failed frame; empty if it has none.
+    std::string reasonOf(const VFrame& frame) const;
+
     /// Called when the update of \p frame has succeeded after a failure. Frames that wait only
     /// for it stop waiting.
     void recover(VFrame& frame) noexcept;
@@ -292,6 +300,12 @@ public:
 
     /// Returns the failed objects that the frame's object waits for, nearest first.
     std::vector<VObject*> failedSources(VFrame& frame);
+
+    /// Returns the frames whose last update failed, in evaluation order.
+    std::vector<VFrame*> failedFrames();
+
+    /// Returns the number of objects that wait for the object of a failed frame.
+    std::size_t countWaiting(VFrame& frame);
 
     // For `FrameHooks`
 
@@ -404,6 +418,7 @@ private:
     std::vector<NamedVariable> m_names;
     std::unordered_map<std::string, std::size_t> m_nameIndex; // only for many variables
     IdTable<double> m_precisions;                             // by frame
+    std::unordered_map<const VFrame*, std::string> m_reasons; // of failed frames
     std::vector<ValuePool*> m_views;                          // of this pool
     std::size_t m_deadCount = 0;                              // dead frames in the queues
     bool m_isOutOfOrder = false;

@@ -70,8 +70,8 @@ void SerialRun::stopLoop(VFrame& frame)
                 m_pool.stop(*stopped);
         }
     }
-    VActionNotifier::Warning("A loop did not settle and was stopped after " + std::to_string(VScheduler::MaximalRounds)
-                             + " rounds: " + members);
+    VActionNotifier::Error("A loop did not settle and was stopped after " + std::to_string(VScheduler::MaximalRounds)
+                           + " rounds: " + members);
 }
 
 } // namespace Orla::Detail

@@ -104,10 +104,13 @@ void Update::concludeCarefully(Result result)
         m_pool.setPrecision(m_frame, m_precision);
         m_pool.makeDue(m_frame, VObserver::Cause::Cancelled);
         break;
-    case Result::Failed:
+    case Result::Failed: {
         m_pool.fail(m_frame);
-        VActionNotifier::Warning(object().describe() + " failed: " + failure());
+        const std::string reason = failure();
+        m_pool.keepReason(m_frame, m_thrown ? reason : std::string{});
+        VActionNotifier::Error(object().describe() + " failed: " + reason);
         break;
+    }
     case Result::Succeeded:
         m_frame.m_lastRun = m_startedAt + 1;
         if (m_frame.m_hasRewired) [[unlikely]]

@@ -16,6 +16,7 @@ using namespace Orla;
 using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 namespace {
 
@@ -229,6 +230,58 @@ TEST_F(FailureInPoolTest, makesReadersWaitUntilTheObjectSucceeds)
     EXPECT_THAT(runsOf({chain[1], chain[2]}), Each(1u));
     EXPECT_EQ(stateOf(chain[2]), State::UpToDate);
     EXPECT_EQ(chain[2]->read(pool, "out"), 3);
+}
+
+TEST_F(FailureInPoolTest, isListedWithItsReasonUntilTheObjectSucceedsOrIsDestroyed)
+{
+    const auto source = makeNode("source");
+    const auto reader = makeNode("reader");
+    connect(source, reader);
+    auto apart = makeNode("apart");
+    source->work = fail;
+    apart->work = [](Node&, VRequest&, double) { return false; };
+    const auto listed = [&] {
+        std::vector<std::string> lines;
+        for (const VScheduler::Failure& failure : VScheduler::failures(pool))
+            lines.push_back(failure.object->Name() + ": " + failure.reason);
+        return lines;
+    };
+    EXPECT_THAT(listed(), IsEmpty());
+    runAll({reader, source, apart}, pool);
+    warnings();
+    EXPECT_THAT(listed(), UnorderedElementsAre("source: broken", "apart: "));
+
+    apart.reset();
+    EXPECT_THAT(listed(), ElementsAre("source: broken"));
+    source->work = [](Node&, VRequest&, double) -> bool { throw std::runtime_error{"still broken"}; };
+    VScheduler::schedule(source, 0, pool);
+    run();
+    EXPECT_THAT(listed(), ElementsAre("source: still broken")) << "the last reason";
+    source->work = nullptr;
+    VScheduler::schedule(source, 0, pool);
+    run();
+    EXPECT_THAT(listed(), IsEmpty());
+    EXPECT_THAT(VScheduler::failures(nullptr), IsEmpty());
+}
+
+TEST_F(FailureInPoolTest, countsEachWaitingObjectOnce)
+{
+    const auto source = makeNode("source");
+    const auto left = makeNode("left");
+    const auto right = makeNode("right");
+    const auto join = makeNode("join", {"left", "right"});
+    const auto other = makeNode("other");
+    connect(source, left);
+    connect(source, right);
+    connect(left, join, "left");
+    connect(right, join, "right");
+    source->work = fail;
+    runAll({source, left, right, join, other}, pool);
+    warnings();
+    EXPECT_EQ(VScheduler::countWaiting(*source, pool), 3u);
+    EXPECT_EQ(VScheduler::countWaiting(*left, pool), 1u);
+    EXPECT_EQ(VScheduler::countWaiting(*other, pool), 0u);
+    EXPECT_EQ(VScheduler::countWaiting(*source, nullptr), 0u);
 }
 
 TEST_F(FailureInPoolTest, keepsAReaderWaitingUntilAllOfItsSourcesSucceed)
