@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -111,6 +112,10 @@ std::string format(double value, std::chars_format form, int precision, std::siz
 
 char* writeNumber(char* first, char* last, double value) noexcept
 {
+    // Readers of integers stop at the exponent of 1e+05.
+    constexpr double exactWholeNumbers = 9007199254740992; // 2 to the power of 53
+    if (std::abs(value) < exactWholeNumbers && value == std::trunc(value) && !(value == 0 && std::signbit(value)))
+        return writeNumber(first, last, static_cast<long long>(value));
     return writeFloating(first, last, value);
 }
 

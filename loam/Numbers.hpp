@@ -30,6 +30,9 @@ inline constexpr std::size_t numberTextSize = 24;
 /// Writes the shortest text that reads back as the same bits: "45" for 45.0, and
 /// "inf", "-inf", "nan" or "-nan" for special values. Writes no terminating NUL.
 ///
+/// Whole numbers of type double below 2 to the power of 53 are written as digits, "100000"
+/// instead of the shorter "1e+05", which a reader of integers would take as 1.
+///
 /// Returns the end of the text, or null if it does not fit; the content of
 /// [first, last) is then unspecified.
 LOAM_API char* writeNumber(char* first, char* last, double value) noexcept;

@@ -237,7 +237,7 @@ TEST(GlobeProjection, refusesCamerasThatCannotSeeTheEarthFromOutside)
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(message(camera), "no error");
     EXPECT_EQ(message({{6e6, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30}),
-              "camera: found the position {6e+06,0,0} inside the Earth, expected one outside it, in metres from its "
+              "camera: found the position {6000000,0,0} inside the Earth, expected one outside it, in metres from its "
               "centre");
     EXPECT_EQ(message({{0, 0, b + 1}, {0, 0, 0}, {1, 0, 0}, 30}), "no error") << "just above the pole";
     EXPECT_NE(message({{0, 0, b - 1}, {0, 0, 0}, {1, 0, 0}, 30}), "no error") << "just below the pole";
