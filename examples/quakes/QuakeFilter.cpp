@@ -4,7 +4,6 @@
 #include <fathom/TimeDependent.hpp>
 #include <fathom/VFlagList.hpp>
 #include <fathom/VMultipleStringList.hpp>
-#include <fathom/VObjectStatus.hpp>
 #include <fathom/VOutput.hpp>
 #include <fathom/VStringList.hpp>
 
@@ -13,6 +12,7 @@
 #include <algorithm>
 #include <limits>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -46,12 +46,17 @@ std::set<std::string> distinct(const Catalogue& catalogue, std::string Quake::*p
     return texts;
 }
 
-std::string listed(const std::set<std::string>& texts)
+// A misspelt kind would select nothing, or everything.
+void requireKinds(const Orla::FlagList& wanted, const std::set<std::string>& known)
 {
-    std::string list;
-    for (const std::string& text : texts)
-        list += (list.empty() ? "" : ", ") + text;
-    return list;
+    for (const auto& [name, isOn] : wanted) {
+        if (known.empty() || known.contains(name))
+            continue;
+        std::string list;
+        for (const std::string& kind : known)
+            list += (list.empty() ? "" : ", ") + kind;
+        throw std::invalid_argument("no event has the kind " + name + "; the data has " + list);
+    }
 }
 
 } // namespace
@@ -69,72 +74,48 @@ std::string listed(const std::set<std::string>& texts)
 ///   on, only events of those kinds pass; otherwise all events except those of kinds that
 ///   are off.
 ///
-/// The status warns about selections that the data does not have.
-class QuakeFilter : public Orla::VObject, public Orla::TimeDependent, public Orla::StatusIndicator {
+/// Fails if no event of the data has one of these kinds.
+///
+/// The output `matching` has the selected events of all times.
+class QuakeFilter : public Orla::VObject, public Orla::TimeDependent {
 public:
     QuakeFilter(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
-        : VObject{name, level, preferences}
-        , TimeDependent{"time", "range", preferences, Orla::VTime{0}}
-        , StatusIndicator{this, "", 0, Slotname}
+        : VObject{name, level, preferences}, TimeDependent{"time", "range", preferences, Orla::VTime{0}}
     {
     }
 
     bool update(Orla::VRequest& request, double) override
     {
         const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
-        const double now = getTime(pool, 0, Orla::Range{});
-        const Catalogue happened = passing(pool).until(now);
+        if (request.hasChanged(m_all) || request.hasChanged(m_magnitude) || request.hasChanged(m_networks)
+            || request.hasChanged(m_magnitudeType) || request.hasChanged(m_kinds))
+            m_matching(pool) <<= matching(pool);
+        const Catalogue happened = m_matching.value(pool).until(getTime(pool, 0, Orla::Range{}));
         m_selected(pool) <<= happened;
         m_count(pool) <<= static_cast<double>(happened.size());
         return true;
     }
 
 private:
-    struct Wanted {
-        Catalogue all;
-        Orla::Range magnitude{-infinity, infinity};
-        std::vector<std::string> networks;
-        std::string magnitudeType;
-        Orla::FlagList kinds;
-
-        friend bool operator==(const Wanted&, const Wanted&) = default;
-    };
-
-    // The choices that the data offers.
-    struct Choices {
-        std::set<std::string> networks;
-        std::set<std::string> magnitudeTypes;
-        std::set<std::string> kinds;
-    };
-
-    // Applies everything except the time. Recomputes only if an input has changed.
-    const Catalogue& passing(const StrongPtr<Orla::ValuePool>& pool)
+    // Applies everything except the time.
+    Catalogue matching(const StrongPtr<Orla::ValuePool>& pool) const
     {
-        Wanted wanted;
-        wanted.all = m_all.value(pool);
-        if (!(wanted.all == m_last.all))
-            m_choices = choicesOf(wanted.all);
-        wanted.magnitude = m_magnitude.value(pool);
-        wanted.networks = offerNetworks(pool);
-        wanted.magnitudeType = offerMagnitudeTypes(pool);
-        wanted.kinds = m_kinds.value(pool);
-        if (!(wanted == m_last)) {
-            m_passing = wanted.all.withMagnitude(wanted.magnitude).where([&wanted](const Quake& quake) {
-                return hasWantedNetwork(wanted.networks, quake) && hasWantedType(wanted.magnitudeType, quake)
-                       && isWantedKind(wanted.kinds, quake);
-            });
-            m_last = wanted;
-        }
-        warnAboutMissingChoices(pool, wanted);
-        return m_passing;
+        const Catalogue all = m_all.value(pool);
+        const std::vector<std::string> networks = offerNetworks(pool, distinct(all, &Quake::net));
+        const std::string type = offerMagnitudeTypes(pool, distinct(all, &Quake::magnitudeType));
+        const Orla::FlagList kinds = m_kinds.value(pool);
+        requireKinds(kinds, flagsOf(all));
+        return all.withMagnitude(m_magnitude.value(pool)).where([&](const Quake& quake) {
+            return hasWantedNetwork(networks, quake) && hasWantedType(type, quake) && isWantedKind(kinds, quake);
+        });
     }
 
-    static Choices choicesOf(const Catalogue& all)
+    static std::set<std::string> flagsOf(const Catalogue& all)
     {
-        Choices choices{distinct(all, &Quake::net), distinct(all, &Quake::magnitudeType), {}};
+        std::set<std::string> flags;
         for (const std::string& kind : distinct(all, &Quake::type))
-            choices.kinds.insert(flagOf(kind));
-        return choices;
+            flags.insert(flagOf(kind));
+        return flags;
     }
 
     static bool hasWantedNetwork(const std::vector<std::string>& networks, const Quake& quake)
@@ -158,14 +139,14 @@ private:
 
     // Returns the selected type. Publishes the types of the data unless the input is
     // connected.
-    std::string offerMagnitudeTypes(const StrongPtr<Orla::ValuePool>& pool) const
+    std::string offerMagnitudeTypes(const StrongPtr<Orla::ValuePool>& pool, const std::set<std::string>& types) const
     {
         const OneOf held = m_magnitudeType.value(pool);
         const std::string chosen = held ? held->selection : std::string();
         if (m_magnitudeType.slot()->isConnected())
             return chosen;
         const auto fresh = Loam::makeStrong<Orla::StringSelection>(AnyType);
-        for (const std::string& type : m_choices.magnitudeTypes)
+        for (const std::string& type : types)
             fresh->append(type);
         // Keeps a selection that the data does not have: the next data may have it.
         if (!chosen.empty())
@@ -174,7 +155,8 @@ private:
     }
 
     // As above, for the networks. Returns the selected networks in order.
-    std::vector<std::string> offerNetworks(const StrongPtr<Orla::ValuePool>& pool) const
+    std::vector<std::string> offerNetworks(const StrongPtr<Orla::ValuePool>& pool,
+                                           const std::set<std::string>& networks) const
     {
         const StrongPtr<Orla::VValueBase> value = m_networks.slot()->getLocalValue(pool);
         auto* const typed = Orla::VTypedValueBase<SomeOf>::cast(value.get());
@@ -182,7 +164,7 @@ private:
         if (typed)
             typed->getValue(held);
         const auto fresh = Loam::makeStrong<Orla::MultipleStringSelection>();
-        for (const std::string& network : m_choices.networks)
+        for (const std::string& network : networks)
             fresh->append(network);
         if (held)
             *fresh->selection = *held->selection;
@@ -192,27 +174,6 @@ private:
         return {fresh->selection->begin(), fresh->selection->end()};
     }
 
-    void warnAboutMissingChoices(const StrongPtr<Orla::ValuePool>& pool, const Wanted& wanted) const
-    {
-        std::string warning;
-        const auto check = [&warning](const char* what, const std::string& name, const std::set<std::string>& known) {
-            if (known.empty() || known.contains(name))
-                return;
-            warning += std::string(warning.empty() ? "" : "<BR>") + "no event has the " + what + " " + escaped(name)
-                       + "; the data has " + escaped(listed(known));
-        };
-        for (const std::string& network : wanted.networks)
-            check("network", network, m_choices.networks);
-        if (wanted.magnitudeType != AnyType)
-            check("magnitude type", wanted.magnitudeType, m_choices.magnitudeTypes);
-        for (const auto& [name, isOn] : wanted.kinds)
-            check("kind", name, m_choices.kinds);
-        if (warning.empty())
-            setStatusInfo(pool, "");
-        else
-            setStatusWarning(pool, warning);
-    }
-
     Orla::TypedSlot<Catalogue> m_all{this, "catalog", Catalogue{}, 0};
     Orla::TypedSlot<Orla::Range> m_magnitude{this, "magnitude", Orla::Range{-infinity, infinity}, 0};
     Orla::TypedSlot<SomeOf> m_networks{this, "networks", Loam::makeStrong<Orla::MultipleStringSelection>(), 0};
@@ -220,11 +181,8 @@ private:
                                            true};
     Orla::TypedSlot<bool[]> m_kinds{this, "kinds", "", 0};
     Orla::VOutput<Catalogue> m_selected{this, "catalog", Catalogue{}};
+    Orla::VOutput<Catalogue> m_matching{this, "matching", Catalogue{}};
     Orla::VOutput<double> m_count{this, "count", 0.0};
-
-    Wanted m_last;
-    Choices m_choices;
-    Catalogue m_passing;
 };
 
 } // namespace Quakes

@@ -85,10 +85,12 @@ void printOutputs(const PrintedOutputs& printed, const Session& session, const S
     std::vector<std::string> failures;
     print(streams, printed.lines(session.pool(), failures));
     for (const std::string& failure : failures)
-        say(failure);
-    if (!failures.empty() && summary.isFine())
+        say("error: " + failure);
+    // Outputs of failed objects are not further failures.
+    if (!failures.empty() && summary.isFine()) {
         summary.firstTrouble = summary.steps - 1;
-    summary.failures += failures.size();
+        summary.failures += failures.size();
+    }
 }
 
 int reportEvaluation(const Session& session, const EvaluationSummary& summary)
@@ -103,8 +105,8 @@ int reportEvaluation(const Session& session, const EvaluationSummary& summary)
         message += ", the first in step " + std::to_string(summary.firstTrouble);
     printLine(message);
     if (summary.timeIsLost)
-        say("object " + inQuotes(session.timeProvider().name()) + ", which provided the time, was removed before step "
-            + std::to_string(summary.steps));
+        say("error: object " + inQuotes(session.timeProvider().name())
+            + ", which provided the time, was removed before step " + std::to_string(summary.steps));
     const StatusReport report{session.pool()};
     printReport(report);
     return summary.isFine() && !report.hasErrors() ? Fine : ObjectFailed;
@@ -180,6 +182,10 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
         return reportInterruption(session, summary, output.get());
     if (summary.chartIsMissing)
         return reportMissingChart(session);
+    if (!summary.unknownChoices.empty()) {
+        reportFaults(summary.unknownChoices, "; the evaluation ended in step " + std::to_string(summary.steps));
+        return ObjectFailed;
+    }
     if (output)
         output->commit();
     printOutputs(printed, session, streams, summary);
@@ -202,11 +208,13 @@ the time.
 Relative names in the texts of inputs are resolved in the folder of the network.
 
 FILE.csv is replaced only when the table is complete; if something fails before, it
-stays unchanged. An object that reports an error does not end the run: the table shows
-its last good values, and the exit status is 1.
+stays unchanged. An object that fails does not end the run: objects that read its
+outputs wait until it succeeds, cells of the table without a result are empty, and the
+exit status is 1.
 
-At the end, every object that reports a status is listed with it, errors first. An
-error makes the exit status 1.
+At the end, the objects whose last update failed are listed, with the numbers of objects
+that wait for them, and every object that reports a status, errors first. An error makes
+the exit status 1.
 
 SIGINT and SIGTERM end the run within a second, with exit status 130 or 143. FILE.csv
 then stays unchanged; standard output has the rows of the steps before.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tarn/network/OutputReference.hpp>
+#include <tarn/text/Faults.hpp>
 
 #include <trellis/VSlot.hpp>
 
@@ -18,9 +19,17 @@ struct Network {
         OutputReference output;
     };
 
+    /// A selection that was set by a text.
+    struct Choice {
+        Orla::StrongPtr<Orla::VSlot> input;
+        Place place; ///< of the text; empty if it is from the command line
+        std::string description;
+    };
+
     std::size_t objectCount = 0;
     std::vector<Orla::StrongPtr<Orla::VSlot>> connected; ///< the inputs that the file connects
     std::vector<Column> columns;
+    std::vector<Choice> choices;
 };
 
 } // namespace Tarn

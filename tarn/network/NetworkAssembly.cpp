@@ -2,12 +2,17 @@
 
 #include <tarn/text/Messages.hpp>
 
+#include <fathom/VMultipleStringList.hpp>
+#include <fathom/VStringList.hpp>
+
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VTypeLabel.hpp>
 
+#include <loam/Numbers.hpp>
 #include <loam/Result.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace Tarn {
@@ -22,6 +27,17 @@ namespace {
 // Maximum number of suggestions. More faults of a kind are usually one mistake, and guessing
 // the intended name for each would take longer than everything else.
 constexpr std::size_t MostGuesses = 100;
+
+// Returns the number in a text that consists of digits, or an infinite one; else nothing.
+std::optional<double> wholeNumber(const std::string& text)
+{
+    double number = 0;
+    const char* const end = text.data() + text.size();
+    if (text.empty() || Loam::readNumber(text.data(), end, number) != end
+        || (std::isfinite(number) && number != std::trunc(number)))
+        return std::nullopt;
+    return number;
+}
 
 std::string placeText(const Faults& faults, Place place)
 {
@@ -56,9 +72,11 @@ void NetworkAssembly::assemble(const std::vector<std::string>& overrides,
 {
     for (std::size_t number = 0; number < m_objects.size(); ++number)
         createObject(number, missingLibraries);
+    for (const std::string& override : overrides)
+        prepareOverride(override);
     for (std::size_t number = 0; number < m_objects.size(); ++number)
         setInputs(number);
-    for (const std::string& override : overrides)
+    for (const Override& override : m_overrides)
         applyOverride(override);
     for (std::size_t number = 0; number < m_objects.size(); ++number)
         connectInputs(number);
@@ -110,7 +128,7 @@ void NetworkAssembly::setInputs(std::size_t number)
             setExactly(number, input, setting);
         else
             setText({number, input, setting.value.place, entry.description + ", input " + inQuotes(input->name()),
-                     setting.value.text});
+                     setting.value.text, setting.isNumber});
     }
 }
 
@@ -132,7 +150,8 @@ void NetworkAssembly::setExactly(std::size_t number, const StrongPtr<VSlot>& inp
                                               + ", which the exact text gives; remove one of the two");
 }
 
-void NetworkAssembly::applyOverride(const std::string& override)
+// Finds the input and keeps the value that its object declares.
+void NetworkAssembly::prepareOverride(const std::string& override)
 {
     const std::string description = "--set=" + printable(override);
     std::string_view rest;
@@ -165,19 +184,56 @@ void NetworkAssembly::applyOverride(const std::string& override)
                      + ", so a text would have no effect");
         return;
     }
-    setText({number, input, {}, description, std::string(rest.substr(input->name().size() + 1))});
+    m_overrides.push_back({{number, input, {}, description, std::string(rest.substr(input->name().size() + 1))},
+                           input->ownParameter()->newValue()});
+}
+
+// Starts from the declared value: some texts, such as those of selections, are read into the
+// value that is there.
+void NetworkAssembly::applyOverride(const Override& override)
+{
+    override.text.input->ownParameter()->setGlobalValue(override.declared, {});
+    std::erase_if(m_network.choices, [&](const Network::Choice& each) { return each.input == override.text.input; });
+    setText(override.text);
 }
 
 bool NetworkAssembly::setText(const GivenText& given)
 {
     beforeText(given);
     const Result<bool> accepted = Loam::attempt([&] { return given.input->setInitialText(given.text); });
-    if (accepted && *accepted)
+    if (accepted && *accepted) {
+        if (given.isNumber)
+            checkNumber(given);
+        noteChoice(given);
         return true;
+    }
     m_faults.add(given.place, given.description + ": the text " + inQuotes(given.text)
                                   + " is refused, expected a value of type " + Orla::VTypeLabel::of(given.input->type())
                                   + (accepted ? "" : " (" + accepted.reason() + ")"));
     return false;
+}
+
+// A number that is not a text must be kept whole: an integer input would read 1.5 as 1.
+void NetworkAssembly::checkNumber(const GivenText& given)
+{
+    const std::string kept = given.input->ownParameter()->DefaultValue()->Text();
+    const std::optional<double> number = wholeNumber(kept);
+    if (!number || kept == given.text || Loam::numberText(*number) == given.text)
+        return;
+    m_faults.add(given.place, given.description + ": the number " + given.text + " would become " + kept
+                                  + ", expected a value of type " + Orla::VTypeLabel::of(given.input->type()));
+}
+
+void NetworkAssembly::noteChoice(const GivenText& given)
+{
+    const std::type_info& type = given.input->type();
+    if (type != typeid(StrongPtr<Orla::StringSelection, Loam::StringList>)
+        && type != typeid(StrongPtr<Orla::MultipleStringSelection, Loam::StringList>))
+        return;
+    // Of several exact texts for one input, the last one counts.
+    if (!m_network.choices.empty() && m_network.choices.back().input == given.input)
+        m_network.choices.pop_back();
+    m_network.choices.push_back({given.input, given.place, given.description});
 }
 
 StrongPtr<VSlot> NetworkAssembly::findInput(std::size_t number, const PlacedText& name)

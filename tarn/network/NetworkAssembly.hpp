@@ -47,6 +47,7 @@ protected:
         Place place;             // empty for one from the command line
         std::string description; // the input's name in messages
         std::string text;
+        bool isNumber = false; // in the file it is a number, not a string
     };
 
     const NetworkFile& file() const noexcept { return m_file; }
@@ -54,6 +55,12 @@ protected:
     std::vector<Object>& objects() noexcept { return m_objects; } // in file order
 
 private:
+    // A text from the command line, and the value that the object declares for its input.
+    struct Override {
+        GivenText text;
+        Orla::StrongPtr<Orla::VValueBase> declared;
+    };
+
     /// Is called for each object whose type is unknown.
     virtual void onUnknownType(Place place, const std::string& message);
 
@@ -67,8 +74,11 @@ private:
     void setInputs(std::size_t number);
     void setExactly(std::size_t number, const Orla::StrongPtr<Orla::VSlot>& input,
                     const NetworkFile::InputText& setting);
-    void applyOverride(const std::string& override);
+    void applyOverride(const Override& override);
+    void prepareOverride(const std::string& override);
     bool setText(const GivenText& given);
+    void checkNumber(const GivenText& given);
+    void noteChoice(const GivenText& given);
     void connectInputs(std::size_t number);
     void addColumn(std::size_t number);
     Orla::StrongPtr<Orla::VSlot> findInput(std::size_t number, const PlacedText& name);
@@ -77,6 +87,7 @@ private:
 
     const NetworkFile& m_file;
     Faults& m_faults;
+    std::vector<Override> m_overrides;
     std::vector<Object> m_objects;
     Network m_network;
     ObjectNames m_names;

@@ -3,6 +3,7 @@
 #include <tarn/network/SlotLookup.hpp>
 #include <tarn/text/Messages.hpp>
 
+#include <trellis/VScheduler.hpp>
 #include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueComponents.hpp>
 
@@ -41,8 +42,42 @@ Result<void> OutputReference::checkMember() const
                    + insteadOf(member, Orla::VValueComponents::names(type))};
 }
 
+namespace {
+
+const Orla::VObject* objectOf(const Orla::VSlot& output)
+{
+    const Orla::VSlotContainer* const container = output.container();
+    return container ? container->object() : nullptr;
+}
+
+std::string reasonOfFailure(const Orla::VObject& object, const StrongPtr<Orla::ValuePool>& pool)
+{
+    for (const Orla::VScheduler::Failure& failure : Orla::VScheduler::failures(pool)) {
+        if (failure.object.get() == &object)
+            return object.describe() + " failed" + (failure.reason.empty() ? "" : ": " + failure.reason);
+    }
+    std::string message = object.describe() + " waits";
+    if (const auto sources = Orla::VScheduler::waitingFor(object, pool); !sources.empty())
+        message += " for " + sources.front()->describe() + ", which failed";
+    return message;
+}
+
+} // namespace
+
+bool OutputReference::hasResult(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    using State = Orla::VScheduler::State;
+    const Orla::VObject* const object = objectOf(*output);
+    if (!object || output->hasFlag(Orla::VSlot::StaysValid))
+        return true;
+    const State state = Orla::VScheduler::stateOf(*object, pool);
+    return state != State::Failed && state != State::Waiting;
+}
+
 Result<std::string> OutputReference::text(const StrongPtr<Orla::ValuePool>& pool) const
 {
+    if (!hasResult(pool))
+        return Failure{reasonOfFailure(*objectOf(*output), pool)};
     return Loam::attempt([&] {
         StrongPtr<Orla::VValueBase> value = output->getLocalValue(pool);
         if (value && !member.empty())

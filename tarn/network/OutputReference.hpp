@@ -22,8 +22,12 @@ struct OutputReference {
     /// Fails if the output's values do not have the component.
     Loam::Result<void> checkMember() const;
 
-    /// Returns the text form of the value in \p pool. Fails if the value does not exist or if its
-    /// type throws.
+    /// Returns true if the value in \p pool is a result: the object neither failed nor waits
+    /// for a failed one, or the output stays valid all the same.
+    bool hasResult(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
+
+    /// Returns the text form of the value in \p pool. Fails if the value is not a result, if it
+    /// does not exist or if its type throws.
     Loam::Result<std::string> text(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 };
 

@@ -1,6 +1,7 @@
 #include <tarn/run/Evaluation.hpp>
 
 #include <tarn/network/ChartChoice.hpp>
+#include <tarn/network/ChoiceCheck.hpp>
 #include <tarn/run/EventPlayer.hpp>
 #include <tarn/run/Progress.hpp>
 #include <tarn/run/RunActions.hpp>
@@ -32,13 +33,16 @@ std::vector<std::string> titlesOf(const Network& network)
     return titles;
 }
 
-// Returns an empty text and counts a failure if the value has no text.
+// Returns an empty text if the object failed or waits, and if the value has no text. The latter
+// counts as a failure.
 std::string textOf(const Network::Column& column, const StrongPtr<Orla::ValuePool>& pool, EvaluationSummary& summary)
 {
+    if (!column.output.hasResult(pool))
+        return {};
     Loam::Result<std::string> text = column.output.text(pool);
     if (text)
         return *std::move(text);
-    Orla::VActionNotifier::Warning("Column " + inQuotes(column.title) + " is empty: " + text.reason());
+    Orla::VActionNotifier::Error("Column " + inQuotes(column.title) + " is empty: " + text.reason());
     ++summary.failures;
     return {};
 }
@@ -101,6 +105,9 @@ private:
         }
         if (m_actions.emitStepped(m_pool) && !runDue())
             return false;
+        m_choices.addFaults(m_pool, m_summary.unknownChoices);
+        if (!m_summary.unknownChoices.empty())
+            return false;
         if (m_task.table) {
             std::vector<std::string> row{std::to_string(step)};
             for (const Network::Column& column : m_session.network().columns)
@@ -134,10 +141,11 @@ private:
     const Orla::VCancellation& m_cancellation;
     const StrongPtr<Orla::ValuePool>& m_pool = m_session.pool();
     const ChartChoice m_chart = ChartChoice::find();
+    ChoiceCheck m_choices{m_session.network()};
     const EventPlayer m_player = EventPlayer::find();
     const RunActions m_actions = RunActions::find();
     TaskExecutor m_executor;
-    EvaluationSummary m_summary;
+    EvaluationSummary m_summary{.unknownChoices = Faults{m_session.faults().file()}};
     std::size_t m_nextEvent = 0;
 };
 

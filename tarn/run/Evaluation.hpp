@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tarn/run/EventScript.hpp>
+#include <tarn/text/Faults.hpp>
 
 #include <trellis/VRequest.hpp>
 
@@ -22,10 +23,11 @@ struct EvaluationSummary {
     bool cancelled = false;         ///< the step in progress is not in the table
     bool timeIsLost = false;        ///< the time provider was removed before the last step
     bool chartIsMissing = false;    ///< no object offers the wanted chart
+    Faults unknownChoices{{}};      ///< texts that choose what an object does not offer
 
     bool isFine() const noexcept
     {
-        return failures == 0 && stopped == 0 && !cancelled && !timeIsLost && !chartIsMissing;
+        return failures == 0 && stopped == 0 && !cancelled && !timeIsLost && !chartIsMissing && unknownChoices.empty();
     }
 };
 
@@ -39,7 +41,8 @@ struct EvaluationTask {
 
 /// Steps the time of \p session from beginning to end. Each step runs due objects, plays its
 /// events one by one, emits the actions that report the step, and writes a row of the table.
-/// If no object offers the wanted chart in the first step, the evaluation ends there.
+/// If no object offers the wanted chart in the first step, the evaluation ends there. It also
+/// ends in the step in which an object does not offer what a text chooses.
 /// \pre The session has no faults.
 /// \throw Loam::FileError if the table cannot be written.
 EvaluationSummary evaluate(const Session& session, const EvaluationTask& task, const Orla::VCancellation& cancellation);

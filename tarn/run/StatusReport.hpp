@@ -4,33 +4,47 @@
 
 #include <trellis/ValuePool.hpp>
 
+#include <cstddef>
 #include <string>
+#include <unordered_map>
 #include <vector>
+
+namespace Orla {
+class VObject;
+}
 
 namespace Tarn {
 
-/// The status of the objects of a network, as plain text.
+/// The failures and the status of the objects of a network, as plain text.
 class StatusReport {
 public:
     struct Entry {
         std::string object;
         Severity severity;
         std::string text;
+        std::size_t waiting = 0; ///< number of objects that wait for this failed one
     };
 
-    /// Collects the status in \p pool of all announced objects that report one: errors, then
-    /// warnings, then the rest, each in the order of the objects.
+    /// Collects the objects whose last update in \p pool failed, and the status of all other
+    /// announced objects that report one: errors, then warnings, then the rest, each in the
+    /// order of the objects. The status of a failed object may be from before the failure, and
+    /// so may good news of an object that waits; both are left out.
     explicit StatusReport(const Orla::StrongPtr<Orla::ValuePool>& pool);
 
     const std::vector<Entry>& entries() const noexcept { return m_entries; }
 
     bool hasErrors() const noexcept;
 
-    /// Returns the entries as lines, `OBJECT: error: TEXT`, one per line of a text.
+    /// Returns the entries as lines, `OBJECT: error: TEXT`, one per line of a text. Of very many
+    /// failures, the last ones are only counted.
     std::vector<std::string> lines() const;
 
 private:
+    void addFailures(const Orla::StrongPtr<Orla::ValuePool>& pool,
+                     const std::unordered_map<const Orla::VObject*, std::string>& reasons);
+
     std::vector<Entry> m_entries;
+    std::size_t m_unlisted = 0; // failed objects
 };
 
 } // namespace Tarn

@@ -8,7 +8,7 @@ namespace Tarn {
 
 namespace {
 
-// Bounds the memory for warnings that differ each time.
+// Bounds the memory for messages that differ each time.
 constexpr std::size_t MostRemembered = 10000;
 
 } // namespace
@@ -30,6 +30,16 @@ WarningPrinter::~WarningPrinter() = default;
 
 bool WarningPrinter::warned(const std::string& message)
 {
+    return print("warning: " + message);
+}
+
+bool WarningPrinter::failed(const std::string& message)
+{
+    return print("error: " + message);
+}
+
+bool WarningPrinter::print(const std::string& message)
+{
     const auto found = m_counts.find(message);
     if (found != m_counts.end()) {
         ++found->second;
@@ -37,7 +47,7 @@ bool WarningPrinter::warned(const std::string& message)
     }
     if (m_counts.size() < MostRemembered)
         m_counts.emplace(message, 1);
-    say("warning: " + message);
+    say(message);
     return true;
 }
 
@@ -45,7 +55,7 @@ void WarningPrinter::printRepeats() const
 {
     for (const auto& [message, count] : m_counts) {
         if (count > 1)
-            say("warning: " + message + " (" + std::to_string(count) + " times in all)");
+            say(message + " (" + std::to_string(count) + " times in all)");
     }
 }
 

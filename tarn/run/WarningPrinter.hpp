@@ -8,18 +8,21 @@
 
 namespace Tarn {
 
-/// Prints each warning to standard error once, so an object that warns in every step does not
-/// bury the warnings of others.
+/// Prints each warning and each error to standard error once, so an object that warns in every
+/// step does not bury the messages of others.
 class WarningPrinter final : public Orla::VActionNotifier {
 public:
     ~WarningPrinter() override;
 
     bool warned(const std::string& message) override;
+    bool failed(const std::string& message) override;
 
-    /// Prints the number of occurrences of each repeated warning.
+    /// Prints the number of occurrences of each repeated message.
     void printRepeats() const;
 
 private:
+    bool print(const std::string& message);
+
     std::map<std::string, std::size_t> m_counts;
 };
 

@@ -215,11 +215,14 @@ TEST(Program, findsItsDataInTheDataFolders)
     EXPECT_EQ(found.status, 0) << found.err;
 }
 
-TEST(Program, warnsAboutAChoiceThatTheDataDoesNotHave)
+TEST(Program, refusesChoicesThatTheDataDoesNotHave)
 {
-    const ProcessResult result = run({"--set=shown.networks={xx}", "--steps=1"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.err, HasSubstr("  shown: warning: no event has the network xx; the data has ak, ci"));
+    const ProcessResult network = run({"--set=shown.networks={xx}", "--steps=1"});
+    EXPECT_EQ(network.status, 1);
+    EXPECT_THAT(network.err, HasSubstr("--set=shown.networks={xx}: \"xx\" is not among the "));
+    const ProcessResult kind = run({"--set=shown.kinds=+quake", "--steps=1"});
+    EXPECT_EQ(kind.status, 1);
+    EXPECT_THAT(kind.err, HasSubstr("  shown: error: no event has the kind quake; the data has "));
 }
 
 TEST(Program, reportsAPictureThatCannotBeWritten)

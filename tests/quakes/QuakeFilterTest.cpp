@@ -4,6 +4,8 @@
 #include <fathom/Range.hpp>
 #include <fathom/VTime.hpp>
 
+#include <trellis/VScheduler.hpp>
+
 #include <gmock/gmock.h>
 
 #include <cmath>
@@ -266,7 +268,6 @@ TEST_F(QuakeFilterChoices, areFilledInFromTheData)
     EXPECT_THAT(run(), ElementsAre("a", "b", "c", "d", "e"));
     EXPECT_EQ(held("networks"), "@{ak}{ci}{us}");
     EXPECT_EQ(held("magnitudeType"), "any@any|ml|mww|");
-    EXPECT_EQ(filter.text("status"), "");
 }
 
 TEST_F(QuakeFilterChoices, selectNetworks)
@@ -333,21 +334,15 @@ TEST_F(QuakeFilterChoices, canBeCombined)
     EXPECT_THAT(run(), ElementsAre("c", "e"));
 }
 
-TEST_F(QuakeFilterChoices, warnAboutChoicesThatTheDataDoesNotHave)
+TEST_F(QuakeFilterChoices, failForAKindThatTheDataDoesNotHave)
 {
-    filter.setText("networks", "{us}{<xx>}");
-    filter.setText("magnitudeType", "mb@mb|");
-    filter.setText("kinds", "+quake");
-    EXPECT_THAT(run(), ElementsAre());
-    EXPECT_EQ(filter.text("status"),
-              "<FONT COLOR=magenta>no event has the network &lt;xx&gt;; the data has ak, ci, us<BR>"
-              "no event has the magnitude type mb; the data has ml, mww<BR>"
-              "no event has the kind quake; the data has earthquake, explosion, quarry_blast</FONT>");
-    filter.setText("networks", "{us}");
-    filter.setText("magnitudeType", "any");
-    filter.setText("kinds", "");
-    run();
-    EXPECT_EQ(filter.text("status"), "");
+    filter.setText("kinds", "+earthquake +quake");
+    EXPECT_EQ(filter.run().failures, 1u);
+    const auto failures = Orla::VScheduler::failures(filter.pool);
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_EQ(failures[0].reason, "no event has the kind quake; the data has earthquake, explosion, quarry_blast");
+    filter.setText("kinds", "+earthquake");
+    EXPECT_THAT(run(), ElementsAre("a", "c"));
 }
 
 TEST_F(QuakeFilterChoices, belongToTheirPool)

@@ -474,6 +474,57 @@ private:
     TypedSlot<std::string> m_text;
 };
 
+// Succeeds with a status at time 0 and fails afterwards: throws, returns false, or reports an
+// error and returns false.
+class FailingTeller final : public Orla::VObject, public Orla::TimeDependent, public Orla::StatusIndicator {
+public:
+    FailingTeller(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}
+        , TimeDependent{"time", "range", preferences, Orla::VTime{}}
+        , StatusIndicator{this, "", 0, Slotname}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        const std::string how = m_how.value(pool);
+        if (timeSlot().value(pool).time <= 0) {
+            setStatusInfo(pool, m_status.value(pool));
+            return true;
+        }
+        if (how == "throw")
+            throw std::runtime_error("out of paint");
+        if (how == "report")
+            setStatusError(pool, "no paint left", false);
+        return false;
+    }
+
+private:
+    TypedSlot<std::string> m_how{this, "how", "throw", 0};
+    TypedSlot<std::string> m_status{this, "status", "", 0};
+    VOutput<double> m_out{this, "out", 42};
+};
+
+// Reports the number that it read.
+class Reteller final : public Orla::VObject, public Orla::StatusIndicator {
+public:
+    Reteller(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, StatusIndicator{this, "", 0, Slotname}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        setStatusInfo(pool, "read " + Orla::VValueTrait<double>::Text(m_a.value(pool)));
+        return true;
+    }
+
+private:
+    TypedSlot<double> m_a{this, "a", 0, 0};
+};
+
 class Opener final : public Orla::VObject {
 public:
     Opener(const std::string& name, int level, const Preferences& preferences)
@@ -540,6 +591,33 @@ private:
     TypedSlot<Orla::Enum> m_case;
     TypedSlot<One> m_one;
     TypedSlot<Many> m_many;
+};
+
+// Fills its lists from the input `offered`, as objects do from their data.
+class Picker final : public Orla::VObject {
+public:
+    using One = StrongPtr<Orla::StringSelection, Orla::StringList>;
+    using Many = StrongPtr<Orla::MultipleStringSelection, Orla::StringList>;
+
+    using VObject::VObject;
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        const std::string offered = m_offered.value(pool);
+        m_chosen(pool) <<= updateSelection(m_one, pool, Loam::makeStrong<Orla::StringSelection>(',', offered, ""));
+        const auto fresh = Loam::makeStrong<Orla::MultipleStringSelection>("", offered, ',');
+        if (const Many held = m_many.value(pool))
+            *fresh->selection = *held->selection;
+        return m_many.slot()->set(pool, Many{fresh});
+    }
+
+private:
+    TypedSlot<std::string> m_offered{this, "offered", "", 0};
+    TypedSlot<One> m_one{this, "one", Loam::makeStrong<Orla::StringSelection>(), 0};
+    TypedSlot<Many> m_many{this, "many", Loam::makeStrong<Orla::MultipleStringSelection>(), 0};
+    TypedSlot<int> m_count{this, "count", 0, 0};
+    VOutput<std::string> m_chosen{this, "chosen", ""};
 };
 
 class TicketReader final : public Orla::VObject {
@@ -622,6 +700,9 @@ const Orla::VObjectType<Listener> listenerType{"Listener"};
 const Orla::VObjectType<ActionCounter> actionCounterType{"ActionCounter"};
 const Orla::VObjectType<Touchy> touchyType{"Touchy"};
 const Orla::VObjectType<Teller> tellerType{"Teller"};
+const Orla::VObjectType<FailingTeller> failingTellerType{"FailingTeller"};
+const Orla::VObjectType<Picker> pickerType{"Picker"};
+const Orla::VObjectType<Reteller> retellerType{"Reteller"};
 const Orla::VObjectType<Opener> openerType{"Opener"};
 
 } // namespace

@@ -15,6 +15,7 @@ namespace NetworkAssemblyTest {
 using namespace Tarn;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 namespace {
 
@@ -218,8 +219,37 @@ TEST_F(NetworkAssemblyTest, refusesInvalidOverrides)
                     "--set=third.a=1: no object is named \"third\"",
                     "--set=first.c=1: Adder has no input \"c\"; available: a, b",
                     "--set=first.sum=1: Adder has no input \"sum\"; available: a, b",
-                    "--set=first.a=x: the text \"x\" is refused, expected a value of type number",
-                    "--set=second.a=1: the input reads \"first.sum\", so a text would have no effect"));
+                    "--set=second.a=1: the input reads \"first.sum\", so a text would have no effect",
+                    "--set=first.a=x: the text \"x\" is refused, expected a value of type number"));
+}
+
+TEST_F(NetworkAssemblyTest, startsOverridesFromTheDeclaredValue)
+{
+    const std::string file =
+        "[[object]]\nname = 'p'\ntype = 'Picker'\nset = { one = 'Asia@Asia|', many = '{a}@{a}{b}' }\n";
+    EXPECT_THAT(faultsOf(file, {"p.one=Africa@Africa|Europe|", "p.many={c}"}), IsEmpty());
+    EXPECT_EQ(textOf("p", "one"), "Africa@Africa|Europe|") << "the list of the file would refuse this choice";
+    EXPECT_EQ(textOf("p", "many"), "{c}@") << "not with the choices of the file";
+    EXPECT_THAT(faultsOf(file, {"p.one=Africa@Africa|", "p.one=Oceania@Oceania|"}), IsEmpty());
+    EXPECT_EQ(textOf("p", "one"), "Oceania@Oceania|") << "of two overrides, the last one counts";
+}
+
+TEST_F(NetworkAssemblyTest, refusesNumbersThatTheInputWouldTruncate)
+{
+    const auto setting = [](const std::string& number) {
+        return "[[object]]\nname = 'p'\ntype = 'Picker'\nset = { count = " + number + " }\n";
+    };
+    EXPECT_THAT(faultsOf(setting("1.5")), ElementsAre("net:5:17: object \"p\", input \"count\": the number 1.5 would "
+                                                      "become 1, expected a value of type integer"));
+    EXPECT_THAT(faultsOf(setting("1e300")), SizeIs(1));
+    for (const char* number : {"12", "-3", "100000.0", "1e5", "0x10"}) {
+        EXPECT_THAT(faultsOf(setting(number)), IsEmpty()) << number;
+    }
+    EXPECT_EQ(textOf("p", "count"), "16");
+    EXPECT_THAT(faultsOf(setting("'1.5'")), IsEmpty()) << "a text is read as the type reads it";
+    EXPECT_EQ(textOf("p", "count"), "1");
+    EXPECT_THAT(faultsOf("[[object]]\nname = 'a'\ntype = 'Adder'\nset = { a = 1.5, b = -0.0 }\n"), IsEmpty());
+    EXPECT_EQ(textOf("a", "b"), "-0");
 }
 
 TEST_F(NetworkAssemblyTest, readsTheExactTextAndRefusesADisplayedTextThatDoesNotMatch)

@@ -82,16 +82,29 @@ TEST(Evaluation, keepsInputsOfTheSameNameApart)
     EXPECT_EQ(result.out, "step,one,two\n0,11,22\n");
 }
 
-TEST(Evaluation, continuesWithAWarningWhenAnObjectThrows)
+TEST(Evaluation, continuesWithOtherObjectsWhenAnObjectThrows)
 {
     const ProcessResult result =
         evaluate(clockInQuarters + object("painter", "Failing") + object("reader", "TimeReader")
                  + column("painted", "painter.out") + column("time", "reader.out"));
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "step,painted,time\n0,42,0\n1,42,0.25\n2,42,0.5\n3,42,0.75\n4,42,1\n");
-    EXPECT_THAT(result.err, HasSubstr("warning: Failing \"painter\" failed: out of paint\n"));
-    EXPECT_THAT(result.err, HasSubstr("warning: Failing \"painter\" failed: out of paint (4 times in all)\n"));
+    EXPECT_EQ(result.out, "step,painted,time\n0,42,0\n1,,0.25\n2,,0.5\n3,,0.75\n4,,1\n");
+    EXPECT_THAT(result.err, HasSubstr("tarn: error: Failing \"painter\" failed: out of paint\n"));
+    EXPECT_THAT(result.err, HasSubstr("tarn: error: Failing \"painter\" failed: out of paint (4 times in all)\n"));
     EXPECT_THAT(result.err, HasSubstr("net.toml: 3 objects, 5 steps, 4 failures, the first in step 1\n"));
+}
+
+TEST(Evaluation, leavesCellsOfFailedAndWaitingObjectsEmpty)
+{
+    const ProcessResult result = evaluate(
+        clockInQuarters + object("broken", "Failing", "connect = { how = 'how.out' }\n")
+        + object("how", "Echo", "set = { text = 'throw' }\n")
+        + object("sum", "Adder", "connect = { a = 'broken.out' }\n")
+        + object("total", "Adder", "set = { b = 1 }\nconnect = { a = 'sum.sum' }\n") + column("broken", "broken.out")
+        + column("how", "how.out") + column("sum", "sum.sum") + column("total", "total.sum"));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out,
+              "step,broken,how,sum,total\n0,42,throw,42,43\n1,,throw,,\n2,,throw,,\n3,,throw,,\n4,,throw,,\n");
 }
 
 TEST(Evaluation, countsUpdatesThatReturnFalseAsFailures)
@@ -141,7 +154,8 @@ TEST(Evaluation, endsWhenTheTimeProviderIsRemoved)
                  + object("killer", "Remover", "set = { victim = 'clock' }\n") + column("time", "reader.out"));
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "step,time\n0,0\n1,0.25\n");
-    EXPECT_THAT(result.err, HasSubstr("tarn: object \"clock\", which provided the time, was removed before step 2\n"));
+    EXPECT_THAT(result.err,
+                HasSubstr("tarn: error: object \"clock\", which provided the time, was removed before step 2\n"));
 }
 
 TEST(Evaluation, endsWhenAnObjectCancelsIt)

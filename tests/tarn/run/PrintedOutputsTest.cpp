@@ -9,6 +9,8 @@
 
 namespace PrintedOutputsTest {
 
+using testing::HasSubstr;
+
 namespace {
 
 const std::string network = clockInQuarters + object("a.b", "Adder", "connect = { a = 'clock.GlobalTime.time' }\n")
@@ -70,11 +72,19 @@ TEST(PrintedOutputs, areRefusedWithASuggestionBeforeAnythingRuns)
               "net.toml: 6 faults; nothing was evaluated\n");
 }
 
-TEST(PrintedOutputs, showTheLastGoodValuesAfterAFailure)
+TEST(PrintedOutputs, areReplacedByTheFailureOfTheirObject)
 {
-    const ProcessResult result = run(clockInQuarters + object("f", "Failing"), {"--print=f.out"});
+    const ProcessResult result =
+        run(clockInQuarters + object("f", "Failing") + object("sum", "Adder", "connect = { a = 'f.out' }\n")
+                + object("other", "Adder", "set = { a = 1 }\n"),
+            {"--print=f.out", "--print=sum.sum", "--print=other.sum"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "f.out: 42\n");
+    EXPECT_EQ(result.out, "other.sum: 1\n");
+    EXPECT_THAT(result.err,
+                HasSubstr("tarn: error: output \"f.out\" cannot be printed: Failing \"f\" failed: out of paint\n"
+                          "tarn: error: output \"sum.sum\" cannot be printed: Adder \"sum\" waits for "
+                          "Failing \"f\", which failed\n"));
+    EXPECT_THAT(result.err, HasSubstr("net.toml: 4 objects, 5 steps, 4 failures, the first in step 1\n"));
 }
 
 } // namespace PrintedOutputsTest

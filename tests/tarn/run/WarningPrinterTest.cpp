@@ -23,6 +23,19 @@ TEST(WarningPrinter, printsEachWarningOnceAndCountsRepeatsAtTheEnd)
                                                       "tarn: warning: too hot (3 times in all)\n");
 }
 
+TEST(WarningPrinter, labelsFailuresAsErrors)
+{
+    const auto printer = Loam::makeStrong<WarningPrinter>();
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(printer->failed("too hot"));
+    EXPECT_TRUE(printer->warned("too hot"));
+    EXPECT_TRUE(printer->failed("too hot"));
+    printer->printRepeats();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "tarn: error: too hot\n"
+                                                      "tarn: warning: too hot\n"
+                                                      "tarn: error: too hot (2 times in all)\n");
+}
+
 TEST(WarningPrinter, losesNoWarnings)
 {
     const auto printer = Loam::makeStrong<WarningPrinter>();
