@@ -34,11 +34,15 @@ ChartChoice ChartChoice::find()
 void ChartChoice::want(const std::string& name) const
 {
     m_selector->findSlot("chartname")->setInitialText(name);
+    // Objects that offer charts and also follow the chart would otherwise run twice: first
+    // without a chart, and again when the selector has found theirs.
+    m_selector->findOutput("CurrentChart")->setInitialText(name);
 }
 
-std::string ChartChoice::current(const StrongPtr<Orla::ValuePool>& pool) const
+bool ChartChoice::isSelected(const std::string& name, const StrongPtr<Orla::ValuePool>& pool) const
 {
-    return read<Orla::VChart>(*m_selector, "CurrentChart", pool).name();
+    return read<Orla::VChart>(*m_selector, "CurrentChart", pool).name() == name
+           && read<Orla::VChartList>(*m_selector, "atlas", pool).find(name);
 }
 
 std::vector<std::string> ChartChoice::names(const StrongPtr<Orla::ValuePool>& pool) const

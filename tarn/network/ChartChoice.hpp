@@ -19,12 +19,12 @@ public:
 
     explicit operator bool() const noexcept { return bool(m_selector); }
 
-    /// Makes the selector request the chart \p name in every new pool and select it as soon as
-    /// an object offers it.
+    /// Makes all objects follow the chart \p name in every new pool, from their first update on,
+    /// and the selector select it as soon as an object offers it.
     void want(const std::string& name) const;
 
-    /// Returns the name of the chart selected in \p pool; empty if none is.
-    std::string current(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
+    /// Returns true if the chart \p name is selected in \p pool and an object offers it.
+    bool isSelected(const std::string& name, const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
     /// Returns the names of the charts available in \p pool.
     std::vector<std::string> names(const Orla::StrongPtr<Orla::ValuePool>& pool) const;

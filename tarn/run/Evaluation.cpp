@@ -132,7 +132,7 @@ private:
     bool hasChart()
     {
         const std::string& wanted = m_session.wantedChart().text;
-        m_summary.chartIsMissing = !wanted.empty() && m_chart.current(m_pool) != wanted;
+        m_summary.chartIsMissing = !wanted.empty() && !m_chart.isSelected(wanted, m_pool);
         return !m_summary.chartIsMissing;
     }
 

@@ -378,6 +378,28 @@ private:
     VOutput<std::string> m_out;
 };
 
+// Offers a chart, follows the chart, and outputs the charts of its updates.
+class Cartographer final : public Orla::VObject, public Orla::Atlas, public Orla::VChartDependent {
+public:
+    Cartographer(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, Atlas{"atlas"}, VChartDependent{"chart", 0}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        Orla::VChartList charts;
+        charts.insert("geographic");
+        publish(pool, charts);
+        m_seen(pool) <<= m_seen.value(pool) + '[' + getChart(pool).name() + ']';
+        return true;
+    }
+
+private:
+    VOutput<std::string> m_seen{this, "seen", ""};
+};
+
 // Logs all events, and holds the grab from a press to the release.
 class Listener final : public Orla::VObject, public Orla::Interactive {
 public:
@@ -701,6 +723,7 @@ const Orla::VObjectType<ActionCounter> actionCounterType{"ActionCounter"};
 const Orla::VObjectType<Touchy> touchyType{"Touchy"};
 const Orla::VObjectType<Teller> tellerType{"Teller"};
 const Orla::VObjectType<FailingTeller> failingTellerType{"FailingTeller"};
+const Orla::VObjectType<Cartographer> cartographerType{"Cartographer"};
 const Orla::VObjectType<Picker> pickerType{"Picker"};
 const Orla::VObjectType<Reteller> retellerType{"Reteller"};
 const Orla::VObjectType<Opener> openerType{"Opener"};

@@ -32,6 +32,12 @@ TEST(ChartChoice, appliesToTheWholeNetwork)
     EXPECT_EQ(result.out, "step,chart,also\n0,plate carree,plate carree\n");
 }
 
+TEST(ChartChoice, reachesObjectsThatOfferChartsInTheirFirstUpdate)
+{
+    const std::string network = object("map", "Cartographer") + column("seen", "map.seen");
+    EXPECT_EQ(evaluate(network, {"--chart=geographic"}).out, "step,seen\n0,[geographic]\n");
+}
+
 TEST(ChartChoice, isReadFromTheNetworkUnlessTheCommandLineOverridesIt)
 {
     const std::string network = "chart = 'geocentric'\n" + charted;
