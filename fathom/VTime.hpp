@@ -3,6 +3,7 @@
 #include <fathom/Export.hpp>
 #include <fathom/Range.hpp>
 
+#include <concepts>
 #include <string>
 
 namespace Orla {
@@ -34,6 +35,10 @@ public:
     /// outside becomes the nearer end or, with \p cyclic, the opposite one. Does not copy the
     /// flags. In an inverted interval, a time before the begin becomes the end; NaN stays.
     VTime(double t, const VTime& like, bool cyclic);
+
+    /// A flag is not the end of an interval: `VTime{t, x, true}` lacks the time to copy from.
+    template<std::same_as<bool> Flag>
+    VTime(double t, double begin, Flag end) = delete;
 
     VTime(const VTime&) = default;
     VTime& operator=(const VTime&) = default;

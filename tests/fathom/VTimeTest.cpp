@@ -13,6 +13,9 @@ namespace VTimeTest {
 using namespace Orla;
 
 static_assert(!std::is_convertible_v<double, VTime>, "a bare number is not a time");
+static_assert(!std::is_constructible_v<VTime, int, double, bool>, "a flag is not the end of an interval");
+static_assert(std::is_constructible_v<VTime, int, double, int>);
+static_assert(std::is_constructible_v<VTime, int, VTime, bool>);
 static_assert(!std::has_virtual_destructor_v<VTime>);
 static_assert(std::is_same_v<decltype(std::declval<VTime&>()++), VTime&>);
 static_assert(std::is_same_v<decltype(std::declval<VTime&>()--), VTime&>);
