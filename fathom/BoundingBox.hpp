@@ -16,11 +16,14 @@ struct FATHOM_API VValueTrait<StrongPtr<Gyre::BoundingBox, InterfaceBase>> {
 
     static std::string Text(const Box& box);
 
-    /// Reads the minimum before the first ";" and the maximum after the last one. Sets both
-    /// corners and a new ball in place, so every holder of the same box sees the change;
-    /// creates a box if the pointer is null. Returns false and changes nothing if a corner
-    /// cannot be read. "[?" before the first ";" or "?]" after the last one resets the
-    /// pointer; the box and its other holders are unaffected.
+    /// Reads the minimum before the first ";" and the maximum after the last one, both from the
+    /// whole text if it has no ";". Sets both corners and a new ball in place, so every holder
+    /// of the same box sees the change; creates a box if the pointer is null. Returns false and
+    /// changes nothing if a corner cannot be read.
+    ///
+    /// Resets the pointer if the first piece is exactly "[?" or the last one exactly "?]"; the
+    /// box and its other holders are unaffected. A piece with anything else in it, even a
+    /// blank, is read as a corner.
     static bool setValueFromText(Box& box, const std::string& text);
 
     static bool TypenameInitialized;

@@ -18,7 +18,8 @@ namespace Orla {
 /// is not reported in another. The object therefore runs in one pool at a time.
 class FATHOM_API HotKey : public Interactive {
 public:
-    /// A key, and whether its next stroke counts.
+    /// A key, and whether its next stroke counts. It starts disarmed, unlike the object's own
+    /// key: an event must arm it before the first stroke is reported.
     struct FATHOM_API Key {
         char key = 0; ///< 0 means no key
         bool armed = false;

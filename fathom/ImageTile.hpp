@@ -18,6 +18,10 @@ using Loam::ChunkBase;
 using Loam::StrongPtr;
 
 /// A piece of a frame buffer. Its pixels are in two chunks of memory, which tiles may share.
+///
+/// A copied tile spans (1,1), an assigned one keeps its span. A tile that is passed or returned
+/// by value, and a value that a pool copies from the initial value, is copied; `setValue`,
+/// `getValue` and the operators of outputs assign.
 class FATHOM_API ImageTile {
 public:
     /// A pair of pixel counts.
@@ -27,7 +31,7 @@ public:
     ImageTile(const Size& theSize, const StrongPtr<ChunkBase, ChunkBase>& primary,
               const StrongPtr<ChunkBase, ChunkBase>& secondary, const Size& theOffset, const Size& theSpan);
 
-    /// Copies everything except the span; the span of the copy is (1,1).
+    /// Copies everything except the span; the span of the copy is (1,1). Moving copies, too.
     ImageTile(const ImageTile& other);
 
     /// Copies everything, including the span.

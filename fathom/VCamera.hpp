@@ -54,8 +54,9 @@ template<>
 struct FATHOM_API VValueTrait<VCamera> {
     static std::string Text(const VCamera& camera);
 
-    /// Accepts a text with all ten numbers. Blanks are allowed only before a number. If the
-    /// text is refused, the numbers read before the fault stay in the camera.
+    /// Accepts a text with all ten numbers, and ignores any text after the last one. Blanks are
+    /// allowed only before a number. If the text is refused, the numbers read before the fault
+    /// stay in the camera.
     static bool setValueFromText(VCamera& camera, const std::string& text);
 };
 

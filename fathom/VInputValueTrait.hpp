@@ -7,6 +7,9 @@ namespace Orla {
 ///
 ///     static void init(T& value);  // initialises a new value
 ///     static bool setValueFromText(T& value, const std::string& text);
+///
+/// The specialisation for `Gyre::PhysicalSpace::bivector` has no `init`: a new bivector is zero
+/// already.
 template<class T>
 struct VInputValueTrait;
 

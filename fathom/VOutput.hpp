@@ -121,8 +121,8 @@ bool assignIfDifferent(const StrongPtr<VParameter>& parameter, const StrongPtr<V
 } // namespace Detail
 
 /// Writes \p value if the pool holds a different one, and announces the change. Returns false
-/// and announces nothing if the pool already holds \p value or holds no value of the type yet:
-/// this operator never creates a variable.
+/// and announces nothing if the pool already holds \p value, if it holds no value of the type
+/// yet, or if the parameter or the pool is null: this operator never creates a variable.
 template<class T>
 bool operator<<=(const VOutputAssignmentContext<T>& out, const T& value)
 {
@@ -138,7 +138,8 @@ bool operator<<=(const std::pair<const TypedSlot<T>, const StrongPtr<ValuePool>>
 }
 
 /// Writes \p value without comparing, creates the variable if it is missing, and announces the
-/// change. Returns false if the parameter is switched off or refuses the value.
+/// change. Returns false if the parameter is null or switched off, if the pool is null, or if
+/// the value is refused.
 template<class T>
 bool operator<<(const VOutputAssignmentContext<T>& out, const T& value)
 {
@@ -153,7 +154,7 @@ bool operator<<(const VOutputAssignmentContext<T>& out, const T& value)
 }
 
 /// Reads the output's value in the pool, creating the variable if it is missing. Returns false
-/// and leaves \p value unchanged if the parameter is switched off.
+/// and leaves \p value unchanged if the parameter is null or switched off, or the pool is null.
 template<class T>
 bool operator>>(const VOutputAssignmentContext<T>& out, T& value)
 {

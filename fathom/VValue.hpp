@@ -69,7 +69,10 @@ public:
     /// \throw std::bad_alloc or a class derived from it; the memory count is unchanged then.
     virtual StrongPtr<ChunkBase> getChunkOfValue(unsigned long long count) const = 0;
 
-    /// Returns \p value as a value of type \p T, or null if it has another type.
+    /// Returns \p value as a value of type \p T, or null if it is null or has another type.
+    ///
+    /// The result owns nothing: keep the strong pointer for as long as you use it. The result
+    /// of `cast(slot.getValueBase(pool).get())` may dangle after the statement.
     static VTypedValueBase* cast(VValueBase* value) noexcept
     {
         if (!value)

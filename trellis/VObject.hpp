@@ -38,6 +38,8 @@ public:
 /// `docs/architecture.md` shows the path of a value through the classes.
 class TRELLIS_API VObject : public VManagedObject, public virtual VSkale {
 public:
+    /// Creates an object of the current network. Traversals visit objects with a lower
+    /// \p level first; it does not affect the order of updates. \p preferences may be null.
     VObject(const std::string& name, int level, const StrongPtr<VCreationPreferences, InterfaceBase>& preferences);
     ~VObject() override;
 
