@@ -17,6 +17,9 @@ class FATHOM_API Frustum {
 public:
     enum Plane { Top, Bottom, Left, Right, Near, Far };
 
+    /// The number of planes.
+    static constexpr std::size_t PlaneCount = 6;
+
     /// Corners of boxes, one array per coordinate.
     struct Boxes {
         const double* minimum[3];
@@ -34,6 +37,12 @@ public:
     /// entirely outside a plane. A box that touches a plane counts as inside it.
     int isVisible(const Gyre::BoundingBox& box) const noexcept;
 
+    /// The same for the box between two corners, without creating a `BoundingBox`.
+    int isVisible(const Gyre::PhysicalSpace::point& minimum, const Gyre::PhysicalSpace::point& maximum) const noexcept
+    {
+        return isVisible(minimum.data(), maximum.data());
+    }
+
     /// Writes the result of `isVisible` for each of \p count boxes.
     /// \pre Each array has \p count elements.
     void classify(const Boxes& boxes, std::size_t count, std::int8_t* results) const noexcept;
@@ -47,8 +56,6 @@ public:
 private:
     int isVisible(const double* minimum, const double* maximum) const noexcept;
     void normalise() noexcept;
-
-    static constexpr std::size_t PlaneCount = 6;
 
     Gyre::PhysicalSpace::vector m_normals[PlaneCount];
     Gyre::PhysicalSpace::point m_points[PlaneCount];

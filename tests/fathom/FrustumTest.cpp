@@ -96,7 +96,7 @@ TEST(Frustum, hasBitExactPlanes)
     for (const auto& [camera, aspect, nearDistance, farDistance, planes] : cases) {
         SCOPED_TRACE(VValueTrait<VCamera>::Text(camera));
         const Frustum frustum = frustumOf(camera, aspect, nearDistance, farDistance);
-        for (std::size_t i = 0; i < 6; ++i) {
+        for (std::size_t i = 0; i < Frustum::PlaneCount; ++i) {
             SCOPED_TRACE(i);
             const auto plane = static_cast<Frustum::Plane>(i);
             expectSameNumbers(frustum.normal(plane).data(), planes[i].normal, 3);
@@ -147,6 +147,19 @@ TEST_F(Visibility, doesNotNormalizeInvertedBoxes)
     EXPECT_EQ(isVisible({0.1, -4, 0.1}, {-0.1, -5, -0.1}), 1);
     EXPECT_EQ(isVisible({0.1, 5, 0.1}, {-0.1, -25, -0.1}), 0)
         << "the corner taken as the farthest along the normal is the nearest";
+}
+
+TEST_F(Visibility, isTheSameForTheTwoCornersOfABox)
+{
+    unsigned counts[3] = {};
+    for (double y = -13; y < 3; y += 0.25) {
+        const Point minimum{-0.1, y, -0.1};
+        const Point maximum{0.1, y + 1, 0.1};
+        EXPECT_EQ(frustum.isVisible(minimum, maximum), isVisible(minimum, maximum)) << y;
+        ++counts[frustum.isVisible(minimum, maximum) + 1];
+    }
+    for (const unsigned count : counts)
+        EXPECT_GT(count, 0u) << "the boxes lie inside, outside and across planes";
 }
 
 TEST(Frustum, ignoresPlanesWithoutADirection)
