@@ -6,6 +6,7 @@
 #include <loam/StringList.hpp>
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 
 namespace Orla {
@@ -86,6 +87,10 @@ public:
 
     /// Takes the first \p count names and chooses the first. Skips null names.
     Enum(const char* const* names, unsigned count);
+
+    /// The same for the names in braces: `Enum{"linear", "cubic"}`. Implicit, so an input of
+    /// this type can be declared with its names.
+    Enum(std::initializer_list<const char*> names) : Enum(names.begin(), static_cast<unsigned>(names.size())) {}
 
     /// Shares \p selection; null makes an empty enum.
     explicit Enum(const StrongPtr<VEnumSelection, StringList>& selection) noexcept : m_selection{selection} {}

@@ -10,6 +10,10 @@ MultiRange::MultiRange(std::vector<double> bounds) noexcept : m_bounds{std::move
 {
 }
 
+MultiRange::MultiRange(std::initializer_list<double> bounds) : m_bounds(bounds)
+{
+}
+
 MultiRange::MultiRange(const std::string& text)
 {
     const char* place = Loam::skipBlanks(text.data(), text.data() + text.size());

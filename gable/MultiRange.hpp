@@ -3,6 +3,7 @@
 #include <gable/Export.hpp>
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,9 @@ public:
     MultiRange() = default;
 
     explicit MultiRange(std::vector<double> bounds) noexcept;
+
+    /// Takes the bounds in order. Implicit, so a function that takes ranges accepts `{0, 1}`.
+    MultiRange(std::initializer_list<double> bounds);
 
     /// Reads an optional "[" and numbers separated by ";" or ",". Stops without an error
     /// at the first text that is not a number and keeps the numbers before it.

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <initializer_list>
 #include <limits>
 #include <new>
 #include <type_traits>
@@ -93,6 +94,10 @@ public:
     /// of them.
     /// \throw std::bad_alloc or a class derived from it.
     static StrongPtr<TypedChunk<T>, ChunkBase> createNewChunk(std::size_t size, bool initialise = true);
+
+    /// Creates a chunk of the elements in braces.
+    /// \throw std::bad_alloc or a class derived from it.
+    static StrongPtr<TypedChunk<T>, ChunkBase> createNewChunk(std::initializer_list<T> elements);
 };
 
 /// A chunk that owns its elements in a vector.
@@ -131,7 +136,7 @@ public:
     TypedChunk() = default;
 
     /// Creates \p size value-initialised elements.
-    explicit TypedChunk(std::size_t size) : TypedChunk{size, T{}} {}
+    explicit TypedChunk(std::size_t size) : TypedChunk(size, T{}) {}
 
     /// Creates \p size copies of \p value.
     /// \throw std::bad_alloc or a class derived from it.
@@ -140,6 +145,11 @@ public:
         checkSize(size);
         m_elements.assign(size, value);
     }
+
+    /// Creates the elements in braces: `TypedChunk<int>{3}` has one element,
+    /// `TypedChunk<int>(3)` has three.
+    /// \throw std::bad_alloc or a class derived from it.
+    TypedChunk(std::initializer_list<T> elements) : m_elements(elements) {}
 
     /// Returns the vector of elements, which may grow and shrink.
     Vector& base_vector() noexcept { return m_elements; }
@@ -187,6 +197,12 @@ StrongPtr<TypedChunk<T>, ChunkBase> TypedChunkBase<T>::createNewChunk(std::size_
     chunk->checkSize(size);
     chunk->base_vector().resize(size);
     return chunk;
+}
+
+template<class T>
+StrongPtr<TypedChunk<T>, ChunkBase> TypedChunkBase<T>::createNewChunk(std::initializer_list<T> elements)
+{
+    return makeStrong<TypedChunk<T>>(elements);
 }
 
 extern template class LOAM_EXTERN_TEMPLATE TypedChunk<double>;

@@ -13,6 +13,10 @@ StringList::StringList(const std::string& text, char separator)
     StringUtil::split(text, m_strings, separator);
 }
 
+StringList::StringList(std::initializer_list<std::string> strings) : m_strings(strings)
+{
+}
+
 StringList::StringList(const StringList& other) = default;
 StringList& StringList::operator=(const StringList& other) = default;
 StringList::~StringList() = default;

@@ -3,6 +3,7 @@
 #include <loam/Export.hpp>
 #include <loam/StrongPtr.hpp>
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -25,6 +26,10 @@ public:
     /// Splits \p text at each \p separator. Empty pieces are kept, except for an empty
     /// last piece; an empty text has no pieces.
     StringList(const std::string& text, char separator);
+
+    /// Takes the strings in order. Implicit, so a function that takes a list accepts
+    /// `{"a", "b"}`.
+    StringList(std::initializer_list<std::string> strings);
 
     StringList(const StringList& other);
     StringList& operator=(const StringList& other);

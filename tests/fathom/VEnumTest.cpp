@@ -237,6 +237,17 @@ TEST(Enum, offersTheGivenNamesAndChoosesTheFirst)
     EXPECT_TRUE(Enum(nullptr, 3).selection()->empty());
 }
 
+TEST(Enum, offersTheNamesInBraces)
+{
+    const Enum choice{"linear", "cubic", nullptr, "linear"};
+    ASSERT_TRUE(choice.selection());
+    EXPECT_EQ(*choice.selection(), VEnumSelection("linear,cubic,linear", ','));
+    EXPECT_FALSE(Enum{}.selection());
+    const StrongPtr<VSlotContainer> container(new VSlotContainer);
+    const TypedSlot<Enum> slot(container.get(), "method", {"linear", "cubic"}, 0);
+    EXPECT_EQ(slot.initialValue(), (Enum{"linear", "cubic"}));
+}
+
 TEST(Enum, comparesItsExactName)
 {
     EXPECT_TRUE(cubic().Equal("cubic"));

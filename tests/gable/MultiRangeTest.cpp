@@ -49,4 +49,12 @@ TEST(MultiRange, isASequenceOfDoubles)
     EXPECT_EQ(MultiRange().begin(), MultiRange().end());
 }
 
+TEST(MultiRange, takesTheBoundsInBraces)
+{
+    const MultiRange range = {0, 1, -2.5, 3};
+    EXPECT_EQ(range, MultiRange(std::vector<double>{0, 1, -2.5, 3}));
+    EXPECT_EQ(MultiRange{7}.size(), 1u) << "a bound, not a number of bounds";
+    EXPECT_TRUE(MultiRange{}.empty());
+}
+
 } // namespace MultiRangeTest

@@ -260,4 +260,14 @@ TEST_F(ChunkTest, countsExactlyWhenThreadsCreateChunksConcurrently)
     EXPECT_EQ(added(), 0u);
 }
 
+TEST_F(ChunkTest, holdsTheElementsInBraces)
+{
+    const TypedChunk<double> chunk{1, 2.5, -3};
+    EXPECT_EQ(std::vector<double>(chunk.begin(), chunk.end()), (std::vector<double>{1, 2.5, -3}));
+    EXPECT_EQ(TypedChunk<std::size_t>{3}.size(), 1u) << "an element, not a size";
+    const auto created = TypedChunk<int>::createNewChunk({4, 5});
+    EXPECT_EQ(std::vector<int>(created->begin(), created->end()), (std::vector<int>{4, 5}));
+    EXPECT_EQ(TypedChunk<int>::createNewChunk(2)->size(), 2u);
+}
+
 } // namespace ChunkTest

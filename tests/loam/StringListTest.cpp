@@ -123,4 +123,12 @@ TEST(StringList, copiesItsStringsButNotItsOwners)
     EXPECT_EQ(copy->size(), 3u);
 }
 
+TEST(StringList, takesTheStringsInBraces)
+{
+    EXPECT_EQ(contentOf(StringList{"b", "a", "b"}), (Strings{"b", "a", "b"}));
+    EXPECT_EQ(contentOf({"a,b", ""}), (Strings{"a,b", ""})) << "strings are not split";
+    EXPECT_EQ(contentOf(StringList{"a,b", ','}), (Strings{"a", "b"})) << "a text and its separator";
+    EXPECT_TRUE(StringList{}.empty());
+}
+
 } // namespace StringListTest
