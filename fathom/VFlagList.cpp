@@ -47,6 +47,21 @@ unsigned long long FlagList::addFlagsFromString(std::string_view text, char sepa
     return pieces;
 }
 
+bool FlagList::removeFlag(std::string_view name)
+{
+    const auto found = m_flags.find(name);
+    if (found == m_flags.end())
+        return false;
+    m_flags.erase(found);
+    return true;
+}
+
+bool FlagList::isOn(std::string_view name) const noexcept
+{
+    bool present = false;
+    return (*this)(name, present);
+}
+
 bool FlagList::operator()(std::string_view name, bool& present) const noexcept
 {
     const auto found = m_flags.find(name);

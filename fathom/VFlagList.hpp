@@ -45,11 +45,19 @@ public:
     /// empty last one.
     unsigned long long addFlagsFromString(std::string_view text, char separator);
 
+    /// Removes the flag, as if it had never been set. Returns false if it never was.
+    bool removeFlag(std::string_view name);
+
+    /// Returns whether the flag is on; `absentValue()` if it was never set.
+    bool isOn(std::string_view name) const noexcept;
+
+    /// Returns the state that flags have that were never set: false.
+    bool absentValue() const noexcept { return m_absentValue; }
+
     /// Returns true if the flag was ever set, on or off.
     bool contains(std::string_view name) const noexcept { return m_flags.find(name) != m_flags.end(); }
 
-    /// Returns whether the flag is on, and sets \p present. For a flag that was never set,
-    /// returns false and clears \p present.
+    /// As `isOn`, and sets \p present to whether the flag was ever set.
     bool operator()(std::string_view name, bool& present) const noexcept;
 
     std::size_t size() const noexcept { return m_flags.size(); }
@@ -62,7 +70,7 @@ public:
     /// Prints each flag to standard output, as `a: true`.
     void speak() const;
 
-    /// Compares names and states.
+    /// Compares names and states; a flag that is off differs from one that was never set.
     friend bool operator==(const FlagList&, const FlagList&) = default;
 
 private:

@@ -106,6 +106,27 @@ TEST(FlagList, distinguishesOffFromNeverSet)
     EXPECT_FALSE(flags.contains("On"));
 }
 
+TEST(FlagList, answersForOneFlagWithoutAskingWhetherItIsPresent)
+{
+    const FlagList flags("a -b", ' ');
+    EXPECT_TRUE(flags.isOn("a"));
+    EXPECT_FALSE(flags.isOn("b"));
+    EXPECT_EQ(flags.isOn("c"), flags.absentValue());
+    EXPECT_FALSE(flags.absentValue());
+}
+
+TEST(FlagList, forgetsARemovedFlag)
+{
+    FlagList flags("a -b", ' ');
+    EXPECT_TRUE(flags.removeFlag("a"));
+    EXPECT_FALSE(flags.contains("a"));
+    EXPECT_EQ(flags, FlagList("-b", ' '));
+    EXPECT_FALSE(flags.removeFlag("a"));
+    EXPECT_FALSE(flags.removeFlag("-b")) << "a sign is part of the name";
+    EXPECT_TRUE(flags.removeFlag("b"));
+    EXPECT_TRUE(flags.empty());
+}
+
 TEST(FlagList, addsThePiecesOfATextAndReturnsTheirNumber)
 {
     FlagList flags("a -z", ' ');
