@@ -18,7 +18,7 @@ std::size_t findUnquoted(std::string_view text, char c, char quote) noexcept
     return std::string_view::npos;
 }
 
-template<class Container>
+template<PieceContainer Container>
 std::size_t split(const std::string& text, Container& pieces, char separator, bool flag, char quote)
 {
     const std::size_t before = pieces.size();

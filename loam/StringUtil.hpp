@@ -2,6 +2,7 @@
 
 #include <loam/Export.hpp>
 
+#include <concepts>
 #include <cstddef>
 #include <list>
 #include <string>
@@ -9,6 +10,10 @@
 #include <vector>
 
 namespace Loam::StringUtil {
+
+/// The containers that `split` is instantiated for.
+template<class T>
+concept PieceContainer = std::same_as<T, std::vector<std::string>> || std::same_as<T, std::list<std::string>>;
 
 /// Splits \p text at each separator, appends the pieces to \p pieces and returns
 /// the number of pieces appended.
@@ -20,7 +25,7 @@ namespace Loam::StringUtil {
 /// of the text.
 ///
 /// \pre \p text is not one of the strings in \p pieces.
-template<class Container>
+template<PieceContainer Container>
 std::size_t split(const std::string& text, Container& pieces, char separator, bool flag = true, char quote = 0);
 
 extern template LOAM_EXTERN_TEMPLATE std::size_t split(const std::string&, std::vector<std::string>&, char, bool, char);

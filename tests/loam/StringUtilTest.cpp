@@ -13,6 +13,13 @@ using namespace Loam;
 
 static_assert(StringUtil::afterFirst("a,b", ',') == "b");
 
+template<class Container>
+concept CanHoldPieces = requires(const std::string& text, Container& pieces) { StringUtil::split(text, pieces, ','); };
+
+static_assert(CanHoldPieces<std::vector<std::string>>);
+static_assert(CanHoldPieces<std::list<std::string>>);
+static_assert(!CanHoldPieces<std::vector<std::string_view>>, "split is not instantiated for it");
+
 namespace {
 
 using Pieces = std::vector<std::string>;
