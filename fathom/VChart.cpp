@@ -111,7 +111,7 @@ bool VChartSelector::update(VRequest& request, double)
     std::vector<VChart> fresh; // merged once, at the end
     forEachInput(
         [&](const StrongPtr<VSlot>& slot) {
-            const StrongPtr<VValueBase> value = slot->getLocalValue(pool);
+            const StrongPtr<VValueBase> value = slot->getValueBase(pool);
             const auto* const offered = VTypedValueBase<VChartList>::cast(value.get());
             VChartList charts;
             if (!offered || !offered->getValue(charts))
@@ -124,6 +124,9 @@ bool VChartSelector::update(VRequest& request, double)
         0);
     known.insert(VChartList{std::move(fresh)});
 
+    // The initial name may have been read from text, which only a variable takes into account.
+    if (const StrongPtr<VSlot>& slot = m_chartname.slot())
+        slot->getLocalValue(pool);
     const std::string name = m_chartname.value(pool);
     if (typed && typed->setValue(known))
         m_atlas.parameter()->notifyValueChange(atlas, pool, "");

@@ -139,8 +139,13 @@ public:
     /// that pool, and without a pool.
     bool selectChart(const WeakPtrImpl<ValuePool>& pool, const std::string& name);
 
+    const TypedSlot<std::string>& chartnameSlot() const noexcept { return m_chartname; }
+    const VOutput<VChartList>& atlas() const noexcept { return m_atlas; }
+    const VOutput<VChart>& currentChart() const noexcept { return m_currentChart; }
+
     /// Adds the charts of all inputs to `atlas`, announces it, and picks the chart that
-    /// `chartname` names if the atlas contains it. Charts are never removed from the atlas,
+    /// `chartname` names if the atlas contains it. An input that the pool holds no value of
+    /// adds no charts, and no variable is created for it. Charts are never removed from the atlas,
     /// even when no object offers them any more: a picked chart stays selectable. Always
     /// returns true.
     bool update(VRequest& request, double precision) override;

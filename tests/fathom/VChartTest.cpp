@@ -497,6 +497,30 @@ TEST_F(VChartSelectorTest, readsTheComponentThatAnInputNames)
     EXPECT_THAT(namesIn(atlas()), ElementsAre("local"));
 }
 
+TEST_F(VChartSelectorTest, takesNoChartsFromAnInputThatIsNotSetAndLeavesItUnset)
+{
+    const auto own = Loam::makeStrong<VValueParameter<VChartList>>(listOf({"initial"}), "more", nullptr);
+    const StrongPtr<VSlot> input = selector()->addParameter("more", 0, own, true);
+    ASSERT_TRUE(input);
+    update(pool);
+    EXPECT_THAT(namesIn(atlas()), IsEmpty());
+    EXPECT_FALSE(input->getValueBase(pool));
+    ASSERT_TRUE(input->set(pool, listOf({"set"})));
+    update(pool);
+    EXPECT_THAT(namesIn(atlas()), ElementsAre("set"));
+}
+
+TEST_F(VChartSelectorTest, givesAccessToItsInputAndOutputs)
+{
+    announce<Chartmaker>("land", listOf({"geographic"}));
+    const auto object = selector();
+    runEverything();
+    EXPECT_TRUE(object->selectChart(pool, "geographic"));
+    EXPECT_EQ(object->chartnameSlot().value(pool), "geographic");
+    EXPECT_EQ(object->atlas().value(pool), listOf({"geographic"}));
+    EXPECT_EQ(object->currentChart().value(pool), VChart{"geographic"});
+}
+
 TEST_F(VChartSelectorTest, survivesAnUpdateWithoutAPool)
 {
     announce<Chartmaker>("land", listOf({"geographic"}));
@@ -574,6 +598,18 @@ TEST_F(AtlasTest, joinsASelectorThatIsCreatedLater)
     ASSERT_TRUE(selector()->findSlot("land.charts"));
     runEverything();
     EXPECT_TRUE(atlas().find("geographic"));
+}
+
+TEST_F(AtlasTest, joinsASelectorThatIsRegisteredWithoutAnAnnouncement)
+{
+    const auto before = announce<Chartmaker>("before");
+    const auto quiet = Loam::makeStrong<VChartSelector>("quiet", 0, nullptr);
+    ASSERT_TRUE(VManagedObject::add(quiet));
+    const auto after = announce<Chartmaker>("after");
+    EXPECT_EQ(before->requesterCount(), 1);
+    EXPECT_EQ(after->requesterCount(), 1);
+    EXPECT_TRUE(quiet->findSlot("before.charts"));
+    EXPECT_TRUE(quiet->findSlot("after.charts"));
 }
 
 TEST_F(AtlasTest, contributesEvenIfAnotherHasTheSameNames)
