@@ -61,7 +61,8 @@ public:
     bool addOrRemove(const std::string& string);
 
     /// Compares only the choices, intentionally: a changed selection alone is not a change,
-    /// and the code that changes it announces it.
+    /// and the code that changes it announces it. Pointers to selections are equal only if they
+    /// share one object, as all `StrongPtr`s.
     friend bool operator==(const MultipleStringSelection& a, const MultipleStringSelection& b) noexcept
     {
         return static_cast<const StringList&>(a) == static_cast<const StringList&>(b);
@@ -70,14 +71,6 @@ public:
     /// The selected strings; never null, never shared with another object.
     const StrongPtr<StringList> selection;
 };
-
-/// Compares the choices; null equals only null. To check whether two pointers share an object,
-/// compare `get()`.
-inline bool operator==(const StrongPtr<MultipleStringSelection, StringList>& a,
-                       const StrongPtr<MultipleStringSelection, StringList>& b) noexcept
-{
-    return a.get() == b.get() || (a && b && *a == *b);
-}
 
 /// Text form of a shared selection: the selected strings in braces, "@", and the
 /// choices in braces: `{c}{a}@{a}{b}{c}`. Nothing is escaped. The empty text for null.
@@ -100,7 +93,10 @@ template<>
 struct FATHOM_API VValueOperations<StrongPtr<MultipleStringSelection, StringList>> {
     using Selection = StrongPtr<MultipleStringSelection, StringList>;
 
-    static bool areDifferent(const Selection& a, const Selection& b) noexcept { return !(a == b); }
+    static bool areDifferent(const Selection& a, const Selection& b) noexcept
+    {
+        return a != b && (!a || !b || !(*a == *b));
+    }
     static Selection copyOf(const Selection& selection);
 };
 
