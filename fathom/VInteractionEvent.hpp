@@ -23,8 +23,8 @@ class FATHOM_API VInteractionEvent {
 public:
     /// One entry of a grab stack.
     struct FATHOM_API GrabReason {
-        /// Why a grab is held; passed through unchanged.
-        enum Type { Unspecified, Pointer, Keyboard };
+        /// Why a grab is held; passed through unchanged, also a number without a name.
+        enum Type : int { Unspecified, Pointer, Keyboard };
 
         WeakPtrImpl<VObject, VManagedObjectBase> object; ///< the object that grabbed
         Type type = Unspecified;

@@ -13,6 +13,7 @@
 #include <chrono>
 #include <string>
 #include <thread>
+#include <type_traits>
 #include <vector>
 
 namespace VInteractionEventTest {
@@ -21,6 +22,8 @@ using namespace Orla;
 
 using Grabber = VInteractionEvent::InteractionGrabber;
 using GrabReason = VInteractionEvent::GrabReason;
+
+static_assert(std::is_same_v<std::underlying_type_t<GrabReason::Type>, int>);
 
 namespace {
 
@@ -181,6 +184,8 @@ TEST_F(GrabStack, replacesTheReasonOfTheCurrentHolder)
     event.grab(a, GrabReason::Keyboard, 2, second);
     ASSERT_EQ(grabber->stack().size(), 1u);
     EXPECT_EQ(grabber->stack().front().type, GrabReason::Keyboard);
+    event.grab(a, static_cast<GrabReason::Type>(-12345), 2, second);
+    EXPECT_EQ(grabber->stack().front().type, -12345) << "a reason without a name";
     EXPECT_EQ(grabber->stack().front().value, 2);
     EXPECT_EQ(grabber->stack().front().data, second);
 }
