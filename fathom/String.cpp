@@ -1,8 +1,16 @@
 #include <fathom/String.hpp>
 
+#include <fathom/VOutput.hpp>
+
 #include <trellis/VTypeLabel.hpp>
 
 namespace Orla {
+
+bool operator<<=(const std::pair<const TypedSlot<std::string>, const StrongPtr<ValuePool>>& in,
+                 const std::string& value)
+{
+    return Detail::assignInputIfDifferent(in.first, in.second, value);
+}
 
 template class FATHOM_TEMPLATE VTypedValueBase<std::string>;
 template class FATHOM_TEMPLATE VValue<std::string>;

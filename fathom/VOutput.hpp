@@ -1,6 +1,7 @@
 #pragma once
 
 #include <fathom/Export.hpp>
+#include <fathom/String.hpp>
 #include <fathom/TypedSlot.hpp>
 #include <fathom/VRunningCell.hpp>
 #include <fathom/VValueParameter.hpp>
@@ -118,30 +119,41 @@ bool assignIfDifferent(const StrongPtr<VParameter>& parameter, const StrongPtr<V
     return true;
 }
 
+template<class T>
+bool assignInputIfDifferent(const TypedSlot<T>& input, const StrongPtr<ValuePool>& pool, const T& value)
+{
+    const StrongPtr<VSlot>& slot = input.slot();
+    return slot && assignIfDifferent<T>(slot->parameter(), pool, slot->member(), value);
+}
+
 } // namespace Detail
 
 /// Writes \p value if the pool holds a different one, and announces the change. Returns false
 /// and announces nothing if the pool already holds \p value, if it holds no value of the type
 /// yet, or if the parameter or the pool is null: this operator never creates a variable.
 template<class T>
-bool operator<<=(const VOutputAssignmentContext<T>& out, const T& value)
+bool operator<<=(const VOutputAssignmentContext<T>& out, const std::type_identity_t<T>& value)
 {
     return Detail::assignIfDifferent<T>(out.parameter, out.pool, {}, value);
 }
 
 /// The same for an input, written by its own object.
 template<class T>
-bool operator<<=(const std::pair<const TypedSlot<T>, const StrongPtr<ValuePool>>& in, const T& value)
+bool operator<<=(const std::pair<const TypedSlot<T>, const StrongPtr<ValuePool>>& in,
+                 const std::type_identity_t<T>& value)
 {
-    const StrongPtr<VSlot>& slot = in.first.slot();
-    return slot && Detail::assignIfDifferent<T>(slot->parameter(), in.second, slot->member(), value);
+    return Detail::assignInputIfDifferent(in.first, in.second, value);
 }
+
+/// The same for a text. A function, so its first argument may also be a pair that converts.
+FATHOM_API bool operator<<=(const std::pair<const TypedSlot<std::string>, const StrongPtr<ValuePool>>& in,
+                            const std::string& value);
 
 /// Writes \p value without comparing, creates the variable if it is missing, and announces the
 /// change. Returns false if the parameter is null or switched off, if the pool is null, or if
 /// the value is refused.
 template<class T>
-bool operator<<(const VOutputAssignmentContext<T>& out, const T& value)
+bool operator<<(const VOutputAssignmentContext<T>& out, const std::type_identity_t<T>& value)
 {
     if (!out.parameter || !out.parameter->isEnabled())
         return false;

@@ -2,11 +2,17 @@
 
 #include "Recorders.hpp"
 
+#include <fathom/Double.hpp>
 #include <fathom/Range.hpp>
 #include <fathom/String.hpp>
+#include <fathom/VChart.hpp>
 #include <fathom/VTime.hpp>
 
 #include <gmock/gmock.h>
+
+#include <string>
+#include <type_traits>
+#include <utility>
 
 namespace VOutputTest {
 
@@ -52,6 +58,12 @@ protected:
 };
 
 const std::string other = "other";
+
+using TextInPool = std::pair<const TypedSlot<std::string>, const StrongPtr<ValuePool>>;
+
+static_assert(std::is_same_v<decltype(static_cast<bool (*)(const TextInPool&, const std::string&)>(&operator<<=)),
+                             bool (*)(const TextInPool&, const std::string&)>,
+              "the form for texts is a function, not only a template");
 
 } // namespace
 
@@ -189,6 +201,30 @@ TEST_F(VOutputTest, isAssignedThroughAnInputByTheSameRules)
     input.parameter()->setEnabled(false);
     EXPECT_FALSE(input(m_pool) <<= other);
     EXPECT_EQ(changes.count(), 2);
+}
+
+TEST_F(VOutputTest, convertsWhatIsAssignedOrWrittenToItsType)
+{
+    EXPECT_TRUE(here() << "text");
+    EXPECT_TRUE(here() <<= "other text");
+    EXPECT_EQ(heldText(), "other text");
+
+    const VOutput<double> number(m_container.get(), "number", 0.5);
+    EXPECT_TRUE(VOutputAssignmentContext<double>(number(m_pool)) << 1);
+    EXPECT_EQ(number.value(m_pool), 1.0);
+    EXPECT_TRUE(VOutputAssignmentContext<double>(number(m_pool)) <<= 2);
+    EXPECT_EQ(number.value(m_pool), 2.0);
+
+    const TypedSlot<std::string> text(m_container.get(), "text", "initial", 0);
+    text.slot()->getLocalValue(m_pool);
+    EXPECT_TRUE(text(m_pool) <<= "a");
+    EXPECT_TRUE((std::pair<TypedSlot<std::string>, StrongPtr<ValuePool>>(text, m_pool) <<= "b"));
+    EXPECT_EQ(text.value(m_pool), "b");
+
+    const TypedSlot<VChart> chart(m_container.get(), "chart", {}, 0);
+    chart.slot()->getLocalValue(m_pool);
+    EXPECT_TRUE(chart(m_pool) <<= "plan");
+    EXPECT_EQ(chart.value(m_pool), VChart{"plan"});
 }
 
 TEST_F(VOutputTest, isAssignedThroughAnInputConnectedToIt)
