@@ -61,6 +61,8 @@ template<class T>
 struct VValueOperations<StrongPtr<TypedChunk<T>, ChunkBase>> {
     using Array = StrongPtr<TypedChunk<T>, ChunkBase>;
 
+    static constexpr bool copiesPlainly = true;
+
     static bool areDifferent(const Array& a, const Array& b)
     {
         if (a == b)

@@ -51,10 +51,13 @@ public:
     /// it under the number \p expertLevel. Unless \p triggers is set, a change of its value
     /// does not make the object due.
     ///
+    /// The input keeps copies of \p initialValue by `VValueOperations`; later changes of what
+    /// that points to do not affect them.
+    ///
     /// A null \p that is reported; the input then always reads its initial value.
     TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue,
               const StrongPtr<VCreationPreferences, InterfaceBase>& preferences, int expertLevel, bool triggers)
-        : m_name{name}, m_preferences{preferences}, m_initialValue(initialValue)
+        : m_name{name}, m_preferences{preferences}, m_initialValue(Detail::independent(initialValue))
     {
         if (!that)
             VSlotGlobals::assertionFail(nullptr, name, typeid(T));
@@ -98,7 +101,8 @@ public:
     StrongPtr<VParameter, ValueNotifierList> parameter() const { return m_slot ? m_slot->parameter() : nullptr; }
 
     /// Reads the input in \p pool into \p value. Returns false and leaves \p value unchanged
-    /// if the pool holds no value.
+    /// if the pool holds no value. Assigns as `getValue` does: a pointer, or an `Enum`, then
+    /// refers to the object that the pool holds.
     bool read(const StrongPtr<ValuePool>& pool, T& value) const
     {
         if (const VRunningCell<T> cell{pool.get(), m_place}) {
@@ -113,27 +117,33 @@ public:
     }
 
     /// Returns the input's value in \p pool, or the initial value if the pool holds no value.
+    /// The result is a copy by `VValueOperations`: changing a selection or a box that was
+    /// returned does not affect the pool. Pass it to `set` to change the value.
     T value(const StrongPtr<ValuePool>& pool) const
     {
         if (const VRunningCell<T> cell{pool.get(), m_place}) {
             if (const VValue<T>* const plain = cell.plain()) [[likely]]
-                return plain->content();
+                return Detail::independent(plain->content());
         }
         T value{};
-        if (read(pool, value))
+        if (read(pool, value)) {
+            if constexpr (!Detail::copiesPlainly<T>)
+                value = VValueOperations<T>::copyOf(value);
             return value;
+        }
         return VValueOperations<T>::copyOf(m_initialValue);
     }
 
-    /// Writes \p value to the input in \p pool, creating the variable if it is missing, and
-    /// announces the change. Returns false without a slot or a pool.
+    /// Writes a copy of \p value by `VValueOperations` to the input in \p pool, creating the
+    /// variable if it is missing, and announces the change. Returns false without a slot or a
+    /// pool.
     bool set(const StrongPtr<ValuePool>& pool, const T& value) const
     {
         if (!m_slot)
             return false;
         const StrongPtr<VValueBase> found = m_slot->getLocalValue(pool);
         VTypedValueBase<T>* const typed = VTypedValueBase<T>::cast(found.get());
-        if (!typed || !typed->setValue(value))
+        if (!typed || !typed->setValue(Detail::independent(value)))
             return false;
         m_slot->parameter()->notifyValueChange(found, pool, m_slot->member());
         return true;

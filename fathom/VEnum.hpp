@@ -75,8 +75,10 @@ private:
 
 /// The value of a parameter that offers a fixed list of named cases, one of them chosen.
 ///
-/// Copies share names and choice: a choice made through one copy applies to all. Values do not
-/// share them, so a choice in one pool does not affect another.
+/// Copies share names and choice: a choice made through one copy applies to all. Values,
+/// inputs and outputs do not share them with the enums that they are given or return, nor with
+/// each other: to choose in a pool, pass the changed enum to `TypedSlot::set`. Only `getValue`
+/// and `TypedSlot::read` hand out what a value holds.
 class FATHOM_API Enum {
 public:
     /// The result of a query for a case if no case matches.
@@ -154,7 +156,8 @@ struct FATHOM_API VValueTrait<Enum> {
     static bool setValueFromText(Enum& value, const std::string& text);
 };
 
-/// A copied value has its own selection, so a choice in one pool does not affect other pools.
+/// A copied value has its own names and choice, so a choice in one pool does not affect other
+/// pools.
 template<>
 struct FATHOM_API VValueOperations<Enum> {
     static bool areDifferent(const Enum& a, const Enum& b) noexcept { return !(a == b); }

@@ -89,7 +89,7 @@ public:
         T container{};
         if (!read(container))
             return false;
-        container.*Member = value;
+        container.*Member = Detail::independent(value);
         return m_container->setValue(container);
     }
 

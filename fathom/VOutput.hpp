@@ -59,13 +59,17 @@ public:
     VOutputReference<T> operator()(const StrongPtr<ValuePool>& pool) const { return {m_parameter, pool, m_place}; }
 
     /// Returns the output's value in \p pool, or the initial value if the pool holds no value.
+    /// The result is a copy by `VValueOperations`, as that of `TypedSlot::value`.
     T value(const StrongPtr<ValuePool>& pool) const
     {
         const StrongPtr<VValueBase> found = m_parameter->getValueBase(pool);
         const VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(found.get());
         T value{};
-        if (typed && typed->getValue(value))
+        if (typed && typed->getValue(value)) {
+            if constexpr (!Detail::copiesPlainly<T>)
+                value = VValueOperations<T>::copyOf(value);
             return value;
+        }
         const StrongPtr<VValueBase> initial = m_parameter->newValue();
         if (const auto* const prototype = VTypedValueBase<T>::cast(initial.get()))
             prototype->getValue(value);
@@ -113,7 +117,7 @@ bool assignIfDifferent(const StrongPtr<VParameter>& parameter, const StrongPtr<V
         if (areSame(current, value))
             return false;
     }
-    if (!typed->setValue(value))
+    if (!typed->setValue(independent(value)))
         return false;
     parameter->notifyValueChange(found, pool, member);
     return true;
@@ -130,7 +134,8 @@ bool assignInputIfDifferent(const TypedSlot<T>& input, const StrongPtr<ValuePool
 
 /// Writes \p value if the pool holds a different one, and announces the change. Returns false
 /// and announces nothing if the pool already holds \p value, if it holds no value of the type
-/// yet, or if the parameter or the pool is null: this operator never creates a variable.
+/// yet, or if the parameter or the pool is null: this operator never creates a variable. This
+/// and `<<` write a copy by `VValueOperations`.
 template<class T>
 bool operator<<=(const VOutputAssignmentContext<T>& out, const std::type_identity_t<T>& value)
 {
@@ -159,7 +164,7 @@ bool operator<<(const VOutputAssignmentContext<T>& out, const std::type_identity
         return false;
     const StrongPtr<VValueBase> found = out.parameter->getLocalValue(out.pool);
     VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(found.get());
-    if (!typed || !typed->setValue(value))
+    if (!typed || !typed->setValue(Detail::independent(value)))
         return false;
     out.parameter->notifyValueChange(found, out.pool);
     return true;
@@ -167,6 +172,7 @@ bool operator<<(const VOutputAssignmentContext<T>& out, const std::type_identity
 
 /// Reads the output's value in the pool, creating the variable if it is missing. Returns false
 /// and leaves \p value unchanged if the parameter is null or switched off, or the pool is null.
+/// Assigns as `getValue` does; `VOutput::value` returns a copy.
 template<class T>
 bool operator>>(const VOutputAssignmentContext<T>& out, T& value)
 {

@@ -65,7 +65,7 @@ public:
     void write(VValue<T>& to, const T& value) const
     {
         m_frame->prepareToAnnounce(m_cell);
-        to.content() = value;
+        to.content() = Detail::independent(value);
         to.touch();
         m_frame->announce(m_cell);
     }

@@ -15,6 +15,11 @@ using Loam::StringList;
 
 /// Strings to choose from, and the chosen one. The choice is kept as text, so it survives when
 /// the list is rebuilt.
+///
+/// Inputs, outputs and new values keep copies of the selection that they are given, and
+/// `TypedSlot::value`, `VOutput::value` and `VSlot::get` return copies. The object itself is
+/// shared by copies of a `StrongPtr`, by `VValue::setValue`, `getValue` and `getValueFrom`, by
+/// `TypedSlot::read`, and by `updateSelection`, which enters the new list itself.
 class FATHOM_API StringSelection : public StringList {
 public:
     /// Creates a selection without strings; nothing is chosen.
@@ -66,8 +71,8 @@ struct FATHOM_API VValueTrait<StrongPtr<StringSelection, StringList>> {
     static bool setValueFromText(Selection& selection, const std::string& text);
 };
 
-/// Selections differ if list or choice differs. A copied value has its own selection, so a
-/// choice in one pool does not affect other pools.
+/// Selections differ if list or choice differs. A copied value has its own list and choice, so
+/// a choice in one pool does not affect other pools.
 template<>
 struct FATHOM_API VValueOperations<StrongPtr<StringSelection, StringList>> {
     using Selection = StrongPtr<StringSelection, StringList>;

@@ -35,8 +35,17 @@ class VValue;
 
 /// How a value compares and copies the `T` that it holds. Specialise it for types whose `==`
 /// or copy constructor is not suitable.
+///
+/// Values of different pools, the initial value, and what callers pass and receive share
+/// nothing but what `copyOf` shares: the constructor of a value, `TypedSlot`, `VSlot::set` and
+/// `get`, `VOutput::value` and the writing operators of outputs call it. `getValue`, and
+/// `setValue` of a `StrongPtr`, assign; they share what an assignment of \p T shares.
 template<class T>
 struct VValueOperations {
+    /// `copyOf` does what the copy constructor does, so values need not call it in order to
+    /// separate copies. Leave this out of a specialisation whose `copyOf` does more.
+    static constexpr bool copiesPlainly = true;
+
     static bool areDifferent(const T& a, const T& b) { return !(a == b); }
     static T copyOf(const T& value) { return value; }
 };
@@ -44,9 +53,35 @@ struct VValueOperations {
 /// NaN, which is unordered, does not differ from anything.
 template<>
 struct VValueOperations<double> {
+    static constexpr bool copiesPlainly = true;
+
     static bool areDifferent(double a, double b) noexcept { return a < b || a > b; }
     static double copyOf(double value) noexcept { return value; }
 };
+
+namespace Detail {
+
+template<class T>
+inline constexpr bool copiesPlainly = requires { requires VValueOperations<T>::copiesPlainly; };
+
+// Returns a copy that shares nothing with `value` that it must not share, or `value` itself if
+// an ordinary copy will do.
+template<class T>
+decltype(auto) independent(const T& value)
+{
+    if constexpr (copiesPlainly<T>)
+        return (value);
+    else
+        return VValueOperations<T>::copyOf(value);
+}
+
+// Pointers are assigned as such; other types are separated when a value takes them.
+template<class T>
+inline constexpr bool sharesAssigned = copiesPlainly<T>;
+template<class T>
+inline constexpr bool sharesAssigned<StrongPtr<T>> = true;
+
+} // namespace Detail
 
 /// A value whose type is known: reads, writes and compares it.
 template<class T>
@@ -58,11 +93,14 @@ public:
 
     StrongPtr<ChunkBase> getChunk(unsigned long long count) const override { return getChunkOfValue(count); }
 
-    /// Assigns the held value to \p value. Returns false if it is not available.
+    /// Assigns the held value to \p value. Returns false if it is not available. A pointer, or
+    /// an `Enum`, then refers to the object that the value holds: change that only in order to
+    /// change the value, and announce it.
     virtual bool getValue(T& value) const = 0;
 
     /// Assigns \p value to the held value. Returns false if it is refused. Does not change the
-    /// age: the caller announces the change.
+    /// age: the caller announces the change. A `StrongPtr` is assigned as such: the value and
+    /// the caller then share the object.
     virtual bool setValue(const T& value) = 0;
 
     /// Returns a new array of \p count copies of the held value.
@@ -116,7 +154,8 @@ public:
     using Creator = TypedValueCreator<T>;
 
     VValue() : m_value{} {}
-    explicit VValue(const T& value) : m_value(value) {}
+    /// Holds a copy of \p value by `VValueOperations`.
+    explicit VValue(const T& value) : m_value(Detail::independent(value)) {}
     VValue(const VValue&) = delete;
     VValue& operator=(const VValue&) = delete;
 
@@ -143,7 +182,11 @@ public:
         }
         const StrongPtr<VValueBase> alive = other.lock();
         const VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(alive.get());
-        return typed && typed->getValue(m_value);
+        if (!typed || !typed->getValue(m_value))
+            return false;
+        if constexpr (!Detail::sharesAssigned<T>)
+            m_value = VValueOperations<T>::copyOf(m_value);
+        return true;
     }
 
     bool setValueFromText(const std::string& text) override { return VValueTrait<T>::setValueFromText(m_value, text); }
@@ -169,7 +212,10 @@ public:
 
     bool setValue(const T& value) override
     {
-        m_value = value;
+        if constexpr (Detail::sharesAssigned<T>)
+            m_value = value;
+        else
+            m_value = VValueOperations<T>::copyOf(value);
         return true;
     }
 
@@ -287,7 +333,7 @@ bool VSlot::set(const StrongPtr<ValuePool>& pool, const T& value) const
 {
     const StrongPtr<VValueBase> found = getLocalValue(pool);
     VTypedValueBase<T>* const typed = VTypedValueBase<T>::cast(found.get());
-    if (!typed || !typed->setValue(value))
+    if (!typed || !typed->setValue(Detail::independent(value)))
         return false;
     parameter()->notifyValueChange(found, pool, member());
     return true;
@@ -299,7 +345,11 @@ std::optional<T> VSlot::get(const StrongPtr<ValuePool>& pool) const
     const StrongPtr<VValueBase> found = getValueBase(pool);
     const VTypedValueBase<T>* const typed = VTypedValueBase<T>::cast(found.get());
     T value{};
-    return typed && typed->getValue(value) ? std::optional<T>(std::move(value)) : std::nullopt;
+    if (!typed || !typed->getValue(value))
+        return std::nullopt;
+    if constexpr (!Detail::copiesPlainly<T>)
+        value = VValueOperations<T>::copyOf(value);
+    return std::optional<T>(std::move(value));
 }
 
 } // namespace Orla

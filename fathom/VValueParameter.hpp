@@ -51,8 +51,13 @@ public:
     {
         // Ignores whether the component accepts the value: announces what the prototype now
         // holds.
-        if (const StrongPtr<VValueBase> component = m_prototype->component(member))
-            component->getValueFrom(value);
+        if (const StrongPtr<VValueBase> component = m_prototype->component(member)) {
+            // The prototype must not share a selection with the given value.
+            if constexpr (Detail::copiesPlainly<T>)
+                component->getValueFrom(value);
+            else
+                component->getValueFrom(value ? value->copy() : nullptr);
+        }
         if (isPrinted(50))
             Vprintf(50, "VParameter::setGlobalValue() got variable with %s\n", m_prototype->Text().c_str());
         touchValue(nullptr);

@@ -420,6 +420,21 @@ TEST(EnumValue, isCopiedIndependently)
     EXPECT_EQ(VValue<Enum>().copy()->Text(), "");
 }
 
+TEST(EnumValue, sharesNoChoiceWithWhatItIsGiven)
+{
+    Enum given = lettersWith("b");
+    const StrongPtr<VValue<Enum>> value(new VValue<Enum>(given));
+    EXPECT_TRUE(given.select("a"));
+    EXPECT_EQ(value->Text(), "b{a}{b}{c}");
+    EXPECT_TRUE(value->setValue(given));
+    EXPECT_TRUE(given.select("c"));
+    EXPECT_EQ(value->Text(), "a{a}{b}{c}");
+    const StrongPtr<VValue<Enum>> taker(new VValue<Enum>);
+    EXPECT_TRUE(taker->getValueFrom(value));
+    EXPECT_TRUE(taker->setValueFromText("c"));
+    EXPECT_EQ(value->Text(), "a{a}{b}{c}");
+}
+
 TEST(EnumValue, isEmptyIfItIsCreatedFromText)
 {
     bool ok = true;
@@ -471,6 +486,44 @@ TEST_F(EnumInput, isNotChangedThroughTheValueOfAPoolWithoutAVariable)
     m_rule.value(m_first).select("a");
     EXPECT_EQ(textIn(m_first), "b{a}{b}{c}");
     EXPECT_EQ(m_rule.parameter()->DefaultValue()->Text(), "b{a}{b}{c}");
+}
+
+TEST_F(EnumInput, sharesNoChoiceWithWhatItIsGivenOrReturns)
+{
+    Enum given = lettersWith("a");
+    const TypedSlot<Enum> input(m_container.get(), "input", given, 0);
+    EXPECT_TRUE(given.select("c"));
+    EXPECT_EQ(input.value(m_first), lettersWith("a"));
+    EXPECT_EQ(input.parameter()->DefaultValue()->Text(), "a{a}{b}{c}");
+
+    EXPECT_TRUE(input.set(m_first, given));
+    EXPECT_TRUE(given.select("b"));
+    Enum returned = input.value(m_first);
+    EXPECT_EQ(returned, lettersWith("c"));
+    EXPECT_TRUE(returned.select("a"));
+    EXPECT_TRUE(returned.addCase("d"));
+    EXPECT_EQ(input.value(m_first), lettersWith("c"));
+
+    EXPECT_TRUE(input.slot()->set(m_first, given));
+    EXPECT_TRUE(given.select("c"));
+    EXPECT_TRUE(input.slot()->get<Enum>(m_first)->select("a"));
+    EXPECT_EQ(input.value(m_first), lettersWith("b"));
+
+    EXPECT_TRUE(input(m_first) <<= given);
+    EXPECT_TRUE(given.select("a"));
+    EXPECT_EQ(input.value(m_first), lettersWith("c"));
+}
+
+TEST_F(EnumInput, sharesNoChoiceWithAnOutputThatItReads)
+{
+    const VOutput<Enum> output(m_container.get(), "output", lettersWith("a"));
+    Enum written = lettersWith("b");
+    EXPECT_TRUE(output(m_first) << written);
+    EXPECT_TRUE(written.select("c"));
+    EXPECT_TRUE(output.value(m_first).select("c"));
+    EXPECT_EQ(output.value(m_first), lettersWith("b"));
+    EXPECT_TRUE(output.value(m_second).select("c")) << "the initial value";
+    EXPECT_EQ(output.value(m_second), lettersWith("a"));
 }
 
 TEST_F(EnumInput, isWrittenOnlyIfTheChoiceDiffers)

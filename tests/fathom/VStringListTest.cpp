@@ -268,6 +268,67 @@ TEST_F(StringSelectionInput, isNotChangedThroughTheValueOfAPoolWithoutAVariable)
     EXPECT_EQ(initialText(), "b@a|b|c|");
 }
 
+TEST_F(StringSelectionInput, sharesNoChoiceWithWhatItIsGivenOrReturns)
+{
+    const Selection given = make("a,b,c", "a");
+    const TypedSlot<Selection> input(m_object.get(), "input", given, nullptr, 0, true);
+    given->selection = "c";
+    EXPECT_EQ(input.value(m_first)->selection, "a");
+    EXPECT_EQ(input.parameter()->DefaultValue()->Text(), "a@a|b|c|");
+
+    EXPECT_TRUE(input.set(m_first, given));
+    given->selection = "b";
+    EXPECT_EQ(input.value(m_first)->selection, "c");
+    input.value(m_first)->selection = "a";
+    EXPECT_EQ(input.value(m_first)->selection, "c");
+
+    EXPECT_TRUE(input.slot()->set(m_first, given));
+    given->selection = "c";
+    input.slot()->get<Selection>(m_first).value()->selection = "a";
+    EXPECT_EQ(input.value(m_first)->selection, "b");
+
+    EXPECT_TRUE(input(m_first) <<= given);
+    given->selection = "a";
+    EXPECT_EQ(input.value(m_first)->selection, "c");
+
+    const VValue<Selection> value(given);
+    given->selection = "b";
+    EXPECT_EQ(value.Text(), "a@a|b|c|");
+    const StrongPtr<VValueBase> global(new VValue<Selection>(make("a,b", "b")));
+    EXPECT_TRUE(input.parameter()->setGlobalValue(global, ""));
+    heldBy(global)->selection = "a";
+    EXPECT_EQ(input.parameter()->DefaultValue()->Text(), "b@a|b|");
+}
+
+TEST_F(StringSelectionInput, sharesNoChoiceWithTheUpdateThatReadsIt)
+{
+    // Reads and writes through the frame of the running update.
+    class Careless final : public VObject {
+    public:
+        Careless() : VObject{"careless", 0, nullptr} { enableRequestProcessing(); }
+
+        bool update(VRequest& request, double) override
+        {
+            const StrongPtr<ValuePool>& pool = request.valuePool();
+            field.value(pool)->selection = "a";
+            seen = field.value(pool)->selection;
+            const Selection written = make("x,y", "x");
+            result(pool) << written;
+            written->selection = "y";
+            return true;
+        }
+
+        TypedSlot<Selection> field{this, "field", make("a,b", "b"), nullptr, 0, true};
+        VOutput<Selection> result{this, "result", make("", "")};
+        std::string seen;
+    };
+    const auto careless = Loam::makeStrong<Careless>();
+    VScheduler::schedule(careless, 0, m_first);
+    VScheduler::run(m_first);
+    EXPECT_EQ(careless->seen, "b");
+    EXPECT_EQ(careless->result.value(m_first)->selection, "x");
+}
+
 TEST_F(StringSelectionInput, existsButHoldsNothingIfItIsCreatedFromText)
 {
     const StrongPtr<TypedSlotCreator> creator = TypedSlotCreator::find(typeid(Selection));

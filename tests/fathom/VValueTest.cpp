@@ -242,19 +242,23 @@ TEST(VValue, sharesTheSingleCreatorOfItsType)
 
 TEST(VValue, canBeCopiedWithoutSharing)
 {
-    const auto held = std::make_shared<int>(5);
-    const auto value = make(held);
+    const auto given = std::make_shared<int>(5);
+    const auto value = make(given);
     const StrongPtr<VValue<Shared>> copy(value->copy());
+    *given = 7;
+    EXPECT_EQ(value->Text(), "5");
     EXPECT_FALSE(value->isDifferentFrom(copy));
-    *held = 6;
-    EXPECT_EQ(copy->Text(), "5");
-    EXPECT_TRUE(value->isDifferentFrom(copy));
 
     Shared read;
     value->getValue(read);
-    EXPECT_EQ(read, held) << "reading and writing share as the type does";
-    copy->setValue(held);
-    EXPECT_FALSE(value->isDifferentFrom(copy));
+    *read = 6;
+    EXPECT_EQ(value->Text(), "6") << "reading shares as the type does";
+    EXPECT_EQ(copy->Text(), "5");
+    EXPECT_TRUE(value->isDifferentFrom(copy));
+
+    copy->setValue(given);
+    *given = 8;
+    EXPECT_EQ(copy->Text(), "7");
 }
 
 TEST(TypedValueCreator, returnsTheValueEvenIfTheTextIsRefused)
