@@ -46,7 +46,11 @@ struct VValueOperations {
     /// separate copies. Leave this out of a specialisation whose `copyOf` does more.
     static constexpr bool copiesPlainly = true;
 
-    static bool areDifferent(const T& a, const T& b) { return !(a == b); }
+    static bool areDifferent(const T& a, const T& b)
+        requires requires { !(a == b); }
+    {
+        return !(a == b);
+    }
     static T copyOf(const T& value) { return value; }
 };
 
@@ -58,6 +62,26 @@ struct VValueOperations<double> {
     static bool areDifferent(double a, double b) noexcept { return a < b || a > b; }
     static double copyOf(double value) noexcept { return value; }
 };
+
+/// What a type needs in order to be the type of a value: a default constructor and copies, a
+/// text form, and `==` or its own `VValueOperations`.
+template<class T>
+concept ValueContent =
+    std::default_initializable<T> && std::copyable<T> && requires(T& value, const T& other, const std::string& text) {
+        {
+            VValueTrait<T>::Text(other)
+        } -> std::convertible_to<std::string>;
+        {
+            VValueTrait<T>::setValueFromText(value, text)
+        } -> std::convertible_to<bool>;
+    } && requires(const T& a, const T& b) {
+        {
+            VValueOperations<T>::areDifferent(a, b)
+        } -> std::convertible_to<bool>;
+        {
+            VValueOperations<T>::copyOf(a)
+        } -> std::convertible_to<T>;
+    };
 
 namespace Detail {
 
@@ -150,6 +174,8 @@ private:
 /// A value that holds one \p T.
 template<class T>
 class FATHOM_VISIBLE VValue : public VTypedValueBase<T>, public Ageable {
+    static_assert(ValueContent<T>, "the type of a value must meet ValueContent");
+
 public:
     using Creator = TypedValueCreator<T>;
 

@@ -16,7 +16,7 @@ namespace Orla {
 ///
 /// Several libraries may do so for the same type: one of them serves it, and the others take
 /// over when it is unloaded.
-template<class T>
+template<ValueContent T>
 class VValueType {
 public:
     /// Messages call the type \p label, or its `Loam::Typename` if that is empty; see

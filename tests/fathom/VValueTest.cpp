@@ -76,9 +76,31 @@ struct Brittle {
 // A pointer; a copy of its value must not share the object it points to.
 using Shared = std::shared_ptr<int>;
 
+// Each lacks one thing that a value type needs.
+struct WithoutText {
+    bool operator==(const WithoutText&) const = default;
+};
+struct WithoutComparison {};
+struct WithoutDefault {
+    explicit WithoutDefault(int) {}
+    bool operator==(const WithoutDefault&) const = default;
+};
+
 } // namespace
 
 } // namespace VValueTest
+
+template<>
+struct Orla::VValueTrait<VValueTest::WithoutComparison> {
+    static std::string Text(const VValueTest::WithoutComparison&) { return {}; }
+    static bool setValueFromText(VValueTest::WithoutComparison&, const std::string&) { return false; }
+};
+
+template<>
+struct Orla::VValueTrait<VValueTest::WithoutDefault> {
+    static std::string Text(const VValueTest::WithoutDefault&) { return {}; }
+    static bool setValueFromText(VValueTest::WithoutDefault&, const std::string&) { return false; }
+};
 
 template<>
 struct Orla::VValueTrait<VValueTest::Brittle> {
@@ -136,6 +158,12 @@ StrongPtr<VValue<T>> make(const T& held)
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 
 } // namespace
+
+static_assert(ValueContent<double> && ValueContent<std::string> && ValueContent<Brittle>);
+static_assert(ValueContent<Shared>, "its == would do, but it has its own operations");
+static_assert(!ValueContent<WithoutText>);
+static_assert(!ValueContent<WithoutComparison>);
+static_assert(!ValueContent<WithoutDefault>);
 
 TEST(VValue, refusesTheContentOfAnotherTypeEvenIfItsTextWouldFit)
 {
