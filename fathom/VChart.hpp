@@ -7,7 +7,7 @@
 #include <fathom/VValue.hpp>
 
 #include <trellis/VObject.hpp>
-#include <trellis/VPolyOutput.hpp>
+#include <fathom/VPolyOutput.hpp>
 #include <trellis/VSkale.hpp>
 
 #include <loam/Chunk.hpp>

@@ -1,4 +1,4 @@
-#include <trellis/VPolyOutput.hpp>
+#include <trellis/VPolyConnection.hpp>
 
 #include <trellis/detail/NetworkObjects.hpp>
 #include <trellis/detail/Wiring.hpp>

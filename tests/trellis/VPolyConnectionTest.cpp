@@ -1,8 +1,8 @@
-#include <trellis/VPolyOutput.hpp>
+#include <trellis/VPolyConnection.hpp>
 
 #include "support/TestNetwork.hpp"
 
-namespace VPolyOutputTest {
+namespace VPolyConnectionTest {
 
 using namespace Orla;
 
@@ -20,9 +20,9 @@ bool isSelector(const VObject& object)
     return dynamic_cast<const Selector*>(&object) != nullptr;
 }
 
-class VPolyOutputTest : public FrameworkTest {
+class VPolyConnectionTest : public FrameworkTest {
 protected:
-    ~VPolyOutputTest() override
+    ~VPolyConnectionTest() override
     {
         for (const StrongPtr<Node>& node : announced)
             VManagedObject::remove(node);
@@ -54,7 +54,7 @@ protected:
 
 } // namespace
 
-TEST_F(VPolyOutputTest, joinsPresentObjectsAndThoseAnnouncedLater)
+TEST_F(VPolyConnectionTest, joinsPresentObjectsAndThoseAnnouncedLater)
 {
     const auto before = announce<Selector>("before");
     const auto provider = makeProvider("charts");
@@ -75,7 +75,7 @@ TEST_F(VPolyOutputTest, joinsPresentObjectsAndThoseAnnouncedLater)
     EXPECT_EQ(announced.back()->inputs().size(), 0u);
 }
 
-TEST_F(VPolyOutputTest, makesRequestersDueWhenTheOutputChanges)
+TEST_F(VPolyConnectionTest, makesRequestersDueWhenTheOutputChanges)
 {
     const auto pool = Loam::makeStrong<ValuePool>();
     const auto selector = announce<Selector>("selector");
@@ -88,7 +88,7 @@ TEST_F(VPolyOutputTest, makesRequestersDueWhenTheOutputChanges)
     EXPECT_GT(selector->evaluationOrder(), provider->evaluationOrder());
 }
 
-TEST_F(VPolyOutputTest, joinsAnObjectOnce)
+TEST_F(VPolyConnectionTest, joinsAnObjectOnce)
 {
     const auto selector = announce<Selector>("selector");
     const auto provider = makeProvider("charts");
@@ -102,7 +102,7 @@ TEST_F(VPolyOutputTest, joinsAnObjectOnce)
     EXPECT_EQ(selector->inputs().size(), 1u);
 }
 
-TEST_F(VPolyOutputTest, choosesAFreeNameIfOwnersHaveTheSameName)
+TEST_F(VPolyConnectionTest, choosesAFreeNameIfOwnersHaveTheSameName)
 {
     const auto selector = announce<Selector>("selector");
     std::vector<StrongPtr<Node>> providers;
@@ -116,14 +116,14 @@ TEST_F(VPolyOutputTest, choosesAFreeNameIfOwnersHaveTheSameName)
     EXPECT_EQ(selector->findSlot("charts.out #3")->parameter(), outputOf(providers[2]));
 }
 
-TEST_F(VPolyOutputTest, namesTheInputAfterTheOutputAloneIfItHasNoOwner)
+TEST_F(VPolyConnectionTest, namesTheInputAfterTheOutputAloneIfItHasNoOwner)
 {
     const auto selector = announce<Selector>("selector");
     const VPolyConnection connection(testParameter("loose"), &isSelector);
     EXPECT_TRUE(selector->findSlot("loose"));
 }
 
-TEST_F(VPolyOutputTest, leavesTheLastValuesToJoinedObjectsWhenItIsDestroyed)
+TEST_F(VPolyConnectionTest, leavesTheLastValuesToJoinedObjectsWhenItIsDestroyed)
 {
     const auto pool = Loam::makeStrong<ValuePool>();
     const auto selector = announce<Selector>("selector");
@@ -137,7 +137,7 @@ TEST_F(VPolyOutputTest, leavesTheLastValuesToJoinedObjectsWhenItIsDestroyed)
     EXPECT_EQ(late->inputs().size(), 0u);
 }
 
-TEST_F(VPolyOutputTest, checksEachObjectOnceForAnyNumberOfOutputs)
+TEST_F(VPolyConnectionTest, checksEachObjectOnceForAnyNumberOfOutputs)
 {
     static unsigned asked = 0;
     const VPolyConnection::IsRequester isRequester = [](const VObject& object) {
@@ -166,7 +166,7 @@ TEST_F(VPolyOutputTest, checksEachObjectOnceForAnyNumberOfOutputs)
     EXPECT_FALSE(late->findSlot("charts.out10"));
 }
 
-TEST_F(VPolyOutputTest, doesNotJoinRemovedObjects)
+TEST_F(VPolyConnectionTest, doesNotJoinRemovedObjects)
 {
     const auto selector = announce<Selector>("selector");
     const auto provider = makeProvider("charts");
@@ -178,4 +178,4 @@ TEST_F(VPolyOutputTest, doesNotJoinRemovedObjects)
     EXPECT_FALSE(selector->findSlot("charts.second"));
 }
 
-} // namespace VPolyOutputTest
+} // namespace VPolyConnectionTest
