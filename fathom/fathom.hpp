@@ -1,53 +1,49 @@
 #pragma once
 
+// All headers of fathom and of the libraries below it. Single headers compile faster; for code
+// that only passes pointers, Forward.hpp suffices.
+
+#include <fathom/Action.hpp>
+#include <fathom/BoundingBall.hpp>
+#include <fathom/BoundingBox.hpp>
+#include <fathom/Char.hpp>
+#include <fathom/Chunk.hpp>
+#include <fathom/ColorTypes.hpp>
+#include <fathom/CommandLineParser.hpp>
+#include <fathom/Double.hpp>
+#include <fathom/Frustum.hpp>
+#include <fathom/GyreFixedArray.hpp>
+#include <fathom/GyrePhysicalSpaceBiVector.hpp>
+#include <fathom/GyrePhysicalSpacePoint.hpp>
+#include <fathom/HotKey.hpp>
+#include <fathom/ImageTile.hpp>
+#include <fathom/MultiRange.hpp>
+#include <fathom/Position2D.hpp>
+#include <fathom/Range.hpp>
+#include <fathom/String.hpp>
+#include <fathom/TimeDependent.hpp>
+#include <fathom/TypedSlot.hpp>
+#include <fathom/VCamera.hpp>
+#include <fathom/VChart.hpp>
+#include <fathom/VConnectionTypeColors.hpp>
+#include <fathom/VEnum.hpp>
+#include <fathom/VFlagList.hpp>
+#include <fathom/VInputValueTrait.hpp>
+#include <fathom/VInteractionEvent.hpp>
+#include <fathom/VMemberValue.hpp>
+#include <fathom/VMultiPointerDevice.hpp>
+#include <fathom/VMultipleStringList.hpp>
+#include <fathom/VObjectStatus.hpp>
+#include <fathom/VOutput.hpp>
+#include <fathom/VPolyOutput.hpp>
+#include <fathom/VRunningCell.hpp>
+#include <fathom/VScalarFunctor.hpp>
+#include <fathom/VStringList.hpp>
+#include <fathom/VTime.hpp>
+#include <fathom/VUrlSystemHandler.hpp>
+#include <fathom/VValue.hpp>
+#include <fathom/VValueParameter.hpp>
+#include <fathom/VValueType.hpp>
+
+#include <gable/gable.hpp>
 #include <trellis/trellis.hpp>
-
-// Forward declarations, for code that only passes pointers.
-namespace Orla {
-
-class Atlas;
-class CatchStatus;
-class CommandLineParser;
-class Enum;
-class FlagList;
-class Frustum;
-class HotKey;
-class ImageTile;
-class Interactive;
-class MultipleStringSelection;
-class Range;
-class StatusIndicator;
-class StringSelection;
-class TimeDependent;
-class VAction;
-class VCamera;
-class VChart;
-class VChartDependent;
-class VChartList;
-class VChartSelector;
-class VConnectionTypeColors;
-class VEnumSelection;
-class VInteractionEvent;
-class VMultiPointerDevice;
-class VObjectStatus;
-class VScalarFunctor;
-class VTime;
-class VUrlSystemHandler;
-template<class T>
-class TypedSlot;
-template<class T>
-class TypedValueCreator;
-template<class T>
-class VOutput;
-template<class T>
-class VTypedValueBase;
-template<class T>
-class VValue;
-template<class T>
-class VValueParameter;
-template<class T>
-struct VInputValueTrait;
-template<class T>
-struct VOutputAssignmentContext;
-
-} // namespace Orla

@@ -1,16 +1,13 @@
 #pragma once
 
-#include <cstddef>
+// All headers of gable and of the libraries below it. Single headers compile faster; for code
+// that only passes pointers, Forward.hpp suffices.
 
-// Forward declarations, for code that only passes references.
-namespace Gyre {
+#include <gable/BoundingBall.hpp>
+#include <gable/BoundingBox.hpp>
+#include <gable/ColorTypes.hpp>
+#include <gable/FixedArray.hpp>
+#include <gable/MultiRange.hpp>
+#include <gable/PhysicalSpace.hpp>
 
-class BoundingBall;
-class BoundingBox;
-class MultiRange;
-struct PhysicalSpace;
-struct rgba_float_t;
-template<class T, std::size_t N>
-struct FixedArray;
-
-} // namespace Gyre
+#include <loam/loam.hpp>

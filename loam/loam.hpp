@@ -1,21 +1,28 @@
 #pragma once
 
+// All headers of loam. Single headers compile faster; for code
+// that only passes pointers, Forward.hpp suffices.
+
+#include <loam/Ageable.hpp>
+#include <loam/Ascii.hpp>
+#include <loam/AtomicCount.hpp>
+#include <loam/Chunk.hpp>
+#include <loam/Environment.hpp>
+#include <loam/FileError.hpp>
+#include <loam/FileInfo.hpp>
+#include <loam/Interface.hpp>
+#include <loam/Numbers.hpp>
+#include <loam/OutputFile.hpp>
+#include <loam/ReferenceBase.hpp>
+#include <loam/ReferenceBlock.hpp>
+#include <loam/Result.hpp>
+#include <loam/Scanner.hpp>
+#include <loam/ScopeExit.hpp>
+#include <loam/SpeakPtr.hpp>
+#include <loam/StringList.hpp>
+#include <loam/StringUtil.hpp>
+#include <loam/StrongPtr.hpp>
+#include <loam/TypeInfo.hpp>
+#include <loam/Typename.hpp>
+#include <loam/Utf8.hpp>
 #include <loam/WeakPtr.hpp>
-
-// Forward declarations, for code that only passes pointers.
-namespace Loam {
-
-class Ageable;
-class ChunkBase;
-class FileInfo;
-class InterfaceBase;
-class InterfaceContainer;
-class Scanner;
-class StringList;
-class TypeInfo;
-template<class T>
-class Chunk;
-template<class T>
-class TypedChunk;
-
-} // namespace Loam
