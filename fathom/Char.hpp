@@ -4,7 +4,7 @@
 #include <fathom/TypedSlot.hpp>
 #include <fathom/VValue.hpp>
 
-// Single characters as values and inputs.
+// Single characters as values and inputs; Options.cpp instantiates and registers them.
 namespace Orla {
 
 extern template class FATHOM_EXTERN_TEMPLATE VTypedValueBase<char>;

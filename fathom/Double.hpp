@@ -3,7 +3,7 @@
 #include <fathom/Export.hpp>
 #include <fathom/VValue.hpp>
 
-// Numbers as values.
+// Numbers as values; Options.cpp instantiates and registers them.
 namespace Orla {
 
 extern template class FATHOM_EXTERN_TEMPLATE VTypedValueBase<double>;

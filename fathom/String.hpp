@@ -6,7 +6,7 @@
 
 #include <string>
 
-// Strings as values and inputs.
+// Strings as values and inputs; Options.cpp instantiates and registers them.
 namespace Orla {
 
 extern template class FATHOM_EXTERN_TEMPLATE VTypedValueBase<std::string>;

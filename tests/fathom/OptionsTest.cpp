@@ -1,11 +1,16 @@
+#include <fathom/Char.hpp>
 #include <fathom/Double.hpp>
+#include <fathom/String.hpp>
 
+#include "support/SlotLaws.hpp"
 #include "support/ValueLaws.hpp"
 
 #include <cmath>
 #include <limits>
+#include <string>
+#include <vector>
 
-namespace DoubleTest {
+namespace OptionsTest {
 
 using namespace Orla;
 
@@ -13,7 +18,7 @@ using Limits = std::numeric_limits<double>;
 
 constexpr double NaN = Limits::quiet_NaN();
 
-} // namespace DoubleTest
+} // namespace OptionsTest
 
 template<>
 std::vector<double> samples<double>()
@@ -23,7 +28,19 @@ std::vector<double> samples<double>()
         0, 45, -1.5, 0.1, 1.0 / 3, 1e300, Limits::denorm_min(), Limits::max(), Limits::infinity(), -Limits::infinity()};
 }
 
-namespace DoubleTest {
+template<>
+std::vector<char> samples<char>()
+{
+    return {'\0', ' ', 'a', '5', '\n', std::numeric_limits<char>::max()};
+}
+
+template<>
+std::vector<std::string> samples<std::string>()
+{
+    return {"", " a text ", "5", "line\nline", std::string("a\0b", 3), std::string(1000, 'x')};
+}
+
+namespace OptionsTest {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Double, ValueLaws, double);
 
@@ -73,4 +90,41 @@ TEST(Double, isIntentionallyNeverDifferentFromNaN)
         EXPECT_FALSE(VValue<double>(a).isDifferentFrom(Loam::makeStrong<VValue<double>>(b))) << a << ' ' << b;
 }
 
-} // namespace DoubleTest
+INSTANTIATE_TYPED_TEST_SUITE_P(Char, ValueLaws, char);
+INSTANTIATE_TYPED_TEST_SUITE_P(Char, SlotLaws, char);
+
+TEST(Char, isNulByDefault)
+{
+    char character = 'x';
+    EXPECT_TRUE(VValue<char>().getValue(character));
+    EXPECT_EQ(character, '\0');
+}
+
+TEST(Char, acceptsOneCharacterOrTheEmptyTextForNul)
+{
+    VValue<char> value('x');
+    EXPECT_FALSE(value.setValueFromText("ab"));
+    EXPECT_EQ(value.Text(), "x");
+    EXPECT_TRUE(value.setValueFromText(""));
+    EXPECT_EQ(value.Text(), "");
+    char character = 'x';
+    EXPECT_TRUE(value.getValue(character));
+    EXPECT_EQ(character, '\0');
+}
+
+INSTANTIATE_TYPED_TEST_SUITE_P(String, ValueLaws, std::string);
+INSTANTIATE_TYPED_TEST_SUITE_P(String, SlotLaws, std::string);
+
+TEST(String, isRegisteredUnderItsUserVisibleName)
+{
+    EXPECT_TRUE(VValueCreator::find("string"));
+}
+
+TEST(String, isItsOwnText)
+{
+    VValue<std::string> value("before");
+    EXPECT_TRUE(value.setValueFromText(" as it is\t"));
+    EXPECT_EQ(value.Text(), " as it is\t");
+}
+
+} // namespace OptionsTest
