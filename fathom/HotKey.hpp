@@ -14,8 +14,11 @@ namespace Orla {
 /// the next one is reported only after an event has armed the key again. The first keystroke
 /// needs no arming.
 ///
-/// Whether the key is armed is state of the object: a keystroke that was reported in one pool
-/// is not reported in another. The object therefore runs in one pool at a time.
+/// Whether the key is armed is state of the object, not of a pool. If the object is evaluated in
+/// several pools, a keystroke is reported in the first that sees it and not in the others, and
+/// an event that arms the key in one pool arms it for all. The object therefore runs in one pool
+/// at a time. To report a keystroke in each pool, keep one `Key` per pool and pass it to
+/// `isPressed`.
 class FATHOM_API HotKey : public Interactive {
 public:
     /// A key, and whether its next stroke counts. It starts disarmed, unlike the object's own
