@@ -6,6 +6,7 @@
 
 #include <trellis/VTypeLabel.hpp>
 
+#include <loam/SpeakPtr.hpp>
 #include <loam/StringUtil.hpp>
 
 #include <cstdio>
@@ -21,11 +22,15 @@ using Point = VValueTrait<Gyre::PhysicalSpace::point>;
 
 std::string VValueTrait<Box>::Text(const Box& box)
 {
+    if (!Loam::SpeakPtr::checkType<InterfaceBase>(box, "Text"))
+        return "[?;?]";
     return box ? "[" + Point::Text(box->minimum()) + ";" + Point::Text(box->maximum()) + "]" : "[?;?]";
 }
 
 bool VValueTrait<Box>::setValueFromText(Box& box, const std::string& text)
 {
+    if (!Loam::SpeakPtr::checkType<InterfaceBase>(box, "setValueFromText"))
+        return false;
     const std::string left = text.substr(0, text.find(';'));
     const std::string right(Loam::StringUtil::afterLast(text, ';'));
     if (left == "[?" || right == "?]") {
@@ -63,6 +68,8 @@ Box VValueOperations<Box>::copyOf(const Box& box)
 
 void speak(const Box& box, const char* name)
 {
+    if (!Loam::SpeakPtr::checkType<InterfaceBase>(box, "speak"))
+        return;
     if (box)
         box->speak(name);
     else

@@ -5,6 +5,7 @@
 #include <trellis/VTypeLabel.hpp>
 
 #include <loam/Numbers.hpp>
+#include <loam/SpeakPtr.hpp>
 
 #include <algorithm>
 #include <cstddef>
@@ -14,7 +15,7 @@ namespace Orla {
 template<class T>
 std::string Stringify(const StrongPtr<TypedChunk<T>>& array)
 {
-    if (!array)
+    if (!array || !Loam::SpeakPtr::checkType<ChunkBase>(array, "Stringify"))
         return {};
     constexpr std::size_t BlockNumbers = 256;
     char block[BlockNumbers * (Loam::numberTextSize + 1)];
@@ -41,6 +42,7 @@ bool ParseString(StrongPtr<TypedChunk<T>>& array, const std::string& text)
 {
     const auto commas = static_cast<std::size_t>(std::count(text.begin(), text.end(), ','));
     const std::size_t count = commas + (text.empty() || text.back() == ',' ? 0 : 1);
+    Loam::SpeakPtr::checkType<ChunkBase>(array, "ParseString"); // replaced in any case
     const StrongPtr<TypedChunk<T>> numbers = Loam::TypedChunkBase<T>::createNewChunk(count, true);
     bool anyRead = false;
     const char* piece = text.data();

@@ -4,6 +4,7 @@
 #include <fathom/VValue.hpp>
 
 #include <loam/Chunk.hpp>
+#include <loam/SpeakPtr.hpp>
 
 #include <cstring>
 #include <string>
@@ -14,7 +15,8 @@ namespace Orla {
 using Loam::TypedChunk;
 
 /// Returns the numbers of \p array, each followed by a comma: `1,2,3,`. Returns the empty text
-/// for an empty or null array.
+/// for an empty or null array, and for a pointer to another kind of array, which is reported
+/// through `Loam::SpeakPtr`.
 template<class T>
 FATHOM_API std::string Stringify(const StrongPtr<TypedChunk<T>>& array);
 
@@ -54,7 +56,8 @@ struct FATHOM_API VValueTrait<StrongPtr<TypedChunk<long long>, ChunkBase>> : VAr
     static bool TypenameInitialized;
 };
 
-/// Arrays differ if their contents differ, bit by bit. Copies share the array; to change
+/// Arrays differ if their contents differ, bit by bit, or if a pointer refers to another kind of
+/// array, which is reported. Copies share the array; to change
 /// numbers, make a new one.
 template<class T>
     requires std::is_arithmetic_v<T>
@@ -67,6 +70,10 @@ struct VValueOperations<StrongPtr<TypedChunk<T>, ChunkBase>> {
     {
         if (a == b)
             return false;
+        using Loam::SpeakPtr;
+        if (!SpeakPtr::checkType<ChunkBase>(a, "isDifferentFrom")
+            || !SpeakPtr::checkType<ChunkBase>(b, "isDifferentFrom"))
+            return true;
         return !a || !b || a->size() != b->size()
                || (a->size() > 0 && std::memcmp(a->data(), b->data(), a->size() * sizeof(T)) != 0);
     }

@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 namespace BoundingBoxTest {
 
 using namespace Orla;
@@ -114,6 +117,21 @@ TEST(BoundingBox, isPrintedBySpeak)
     speak(Box(), "here");
     speak(makeBox({0, 0, 0}, {1, 1, 1}), "there");
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "here: empty BBox\nthere: BBox from (0, 0, 0) to (1, 1, 1)\n");
+}
+
+TEST(BoundingBox, isReportedBeforeItIsReadIfThePointerRefersToAnotherObject)
+{
+    const auto other = Loam::makeStrong<InterfaceBase>();
+    Box wrong(reinterpret_cast<Gyre::BoundingBox*>(other.get()));
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(Trait::Text(wrong), "[?;?]");
+    EXPECT_FALSE(Trait::setValueFromText(wrong, "[{0,0,0};{1,1,1}]"));
+    speak(wrong, "here");
+    const std::string printed = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(std::ranges::count(printed, '\n'), 3);
+    for (const char* place : {"Text: ", "setValueFromText: ", "speak: "})
+        EXPECT_NE(printed.find(place), std::string::npos) << place << " in " << printed;
+    EXPECT_NE(printed.find("the object is a InterfaceBase, not a BoundingBox\n"), std::string::npos) << printed;
 }
 
 TEST(BoundingBox, hasItsNameAndColour)

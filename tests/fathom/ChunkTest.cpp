@@ -221,4 +221,28 @@ TEST(Arrays, subtractTheirMemoryFromTheTotalWhenDestroyed)
 
 } // namespace
 
+TEST(ArrayPointer, isReportedBeforeReadingIfItRefersToAnotherKindOfArray)
+{
+    const Array<int> ints = arrayOf<int>({1, 2, 3});
+    // What a wrong cast leaves; a static_cast would already be an error of its own.
+    Array<double> wrong(reinterpret_cast<TypedChunk<double>*>(ints.get()));
+    const Array<double> right = arrayOf<double>({1});
+    const auto reported = [](auto&& function) {
+        testing::internal::CaptureStdout();
+        function();
+        const std::string text = testing::internal::GetCapturedStdout();
+        const bool isComplete =
+            text.ends_with("inconsistent: the object is a TypedChunk<int>, not a TypedChunk<double>\n");
+        return isComplete ? text.substr(0, text.find(": object ")) : text;
+    };
+    EXPECT_EQ(reported([&] { EXPECT_EQ(Stringify(wrong), ""); }), "Stringify");
+    EXPECT_EQ(reported([&] { EXPECT_TRUE(VValueOperations<Array<double>>::areDifferent(wrong, right)); }),
+              "isDifferentFrom");
+    EXPECT_EQ(reported([&] { EXPECT_TRUE(VValueOperations<Array<double>>::areDifferent(right, wrong)); }),
+              "isDifferentFrom");
+    EXPECT_EQ(reported([&] { EXPECT_TRUE(ParseString(wrong, "4,5")); }), "ParseString");
+    EXPECT_EQ(reported([&] { EXPECT_EQ(Stringify(wrong), "4,5,"); }), "") << "it is replaced";
+    EXPECT_EQ(Stringify(ints), "1,2,3,") << "the other array is unchanged";
+}
+
 } // namespace ChunkTest

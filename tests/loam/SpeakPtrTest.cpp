@@ -1,5 +1,7 @@
 #include <loam/SpeakPtr.hpp>
 
+#include <loam/Typename.hpp>
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -64,6 +66,26 @@ TEST(SpeakPtr, reportsAnEmptyReference)
 {
     EXPECT_EQ(printedBy([] { SpeakPtr::printRS("start", nullptr, nullptr); }),
               "start: object " + addressOf(nullptr) + ", empty reference\n");
+}
+
+TEST(SpeakPtr, reportsAPointerToAnObjectOfAnotherClass)
+{
+    struct Part : Thing {};
+    struct Other : Thing {};
+    const auto part = makeStrong<Part>();
+    EXPECT_EQ(printedBy([&] {
+                  EXPECT_TRUE(SpeakPtr::checkType<Thing>(part, "here"));
+                  EXPECT_TRUE(SpeakPtr::checkType<Thing>(StrongPtr<Part>(), "here"));
+                  EXPECT_TRUE(SpeakPtr::checkType<Thing>(StrongPtr<Thing>(part), "here")) << "a derived class";
+              }),
+              "");
+    const StrongPtr<Other> wrong(reinterpret_cast<Other*>(part.get()));
+    const std::string printed = printedBy([&] { EXPECT_FALSE(SpeakPtr::checkType<Thing>(wrong, "the scene")); });
+    EXPECT_TRUE(printed.starts_with("the scene: object " + addressOf(part.get()) + ", 2 strong, 1 weak, inconsistent"))
+        << printed;
+    EXPECT_NE(printed.find("is a " + Typename(typeid(Part)) + ", not a " + Typename(typeid(Other)) + "\n"),
+              std::string::npos)
+        << printed;
 }
 
 } // namespace SpeakPtrTest
