@@ -9,26 +9,42 @@ namespace Orla {
 namespace {
 
 // Keyed by text, because a `type_info` does not outlive the library that defines it.
-std::map<std::string, std::string>& table()
+struct ColourTable {
+    ~ColourTable() { isDestroyed = true; }
+
+    std::map<std::string, std::string> colours;
+
+    static constinit bool isDestroyed;
+};
+
+constinit bool ColourTable::isDestroyed = false;
+
+// Returns null after the table was destroyed at exit.
+std::map<std::string, std::string>* colourTable()
 {
-    static std::map<std::string, std::string> colours;
-    colours[Loam::typeKey(typeid(int))] = "green";
-    colours[Loam::typeKey(typeid(double))] = "green";
-    return colours;
+    if (ColourTable::isDestroyed)
+        return nullptr;
+    static ColourTable theTable;
+    theTable.colours[Loam::typeKey(typeid(int))] = "green";
+    theTable.colours[Loam::typeKey(typeid(double))] = "green";
+    return &theTable.colours;
 }
 
 } // namespace
 
 void VConnectionTypeColors::set(const std::type_info& type, const std::string& colour)
 {
-    table()[Loam::typeKey(type)] = colour;
+    if (auto* const colours = colourTable())
+        (*colours)[Loam::typeKey(type)] = colour;
 }
 
 std::string VConnectionTypeColors::get(const std::type_info& type)
 {
-    const auto& colours = table();
-    const auto found = colours.find(Loam::typeKey(type));
-    return found == colours.end() ? std::string() : found->second;
+    const auto* const colours = colourTable();
+    if (!colours)
+        return {};
+    const auto found = colours->find(Loam::typeKey(type));
+    return found == colours->end() ? std::string() : found->second;
 }
 
 } // namespace Orla

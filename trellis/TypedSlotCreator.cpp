@@ -9,10 +9,9 @@ namespace Orla {
 
 namespace {
 
-Detail::CreatorRegistry<TypedSlotCreator>& slotCreators()
+Detail::CreatorRegistry<TypedSlotCreator>* slotCreators()
 {
-    static Detail::CreatorRegistry<TypedSlotCreator> theRegistry;
-    return theRegistry;
+    return Detail::creatorRegistry<TypedSlotCreator>();
 }
 
 } // namespace
@@ -25,22 +24,25 @@ bool TypedSlotCreator::registerTypedSlotCreator(const std::type_info& type,
                                                 const WeakPtrImpl<TypedSlotCreator>& creator)
 {
     const StrongPtr<TypedSlotCreator> alive = creator.lock();
-    if (!alive)
+    auto* const registry = slotCreators();
+    if (!alive || !registry)
         return false;
     const TypedSlotCreator& self = *alive;
     // The type is the key, so two types never have the same name here.
     const std::string key = Loam::typeKey(type);
-    return slotCreators().add(creator, key, key, Detail::ownerOf(type, typeid(self))).empty();
+    return registry->add(creator, key, key, {Detail::ownerOf(type, typeid(self)), {}}).empty();
 }
 
 StrongPtr<TypedSlotCreator> TypedSlotCreator::find(const std::type_info& type)
 {
-    return slotCreators().find(Loam::typeKey(type));
+    const auto* const registry = slotCreators();
+    return registry ? registry->find(Loam::typeKey(type)) : nullptr;
 }
 
 std::vector<std::string> TypedSlotCreator::typeKeys()
 {
-    return slotCreators().names();
+    const auto* const registry = slotCreators();
+    return registry ? registry->names() : std::vector<std::string>{};
 }
 
 } // namespace Orla

@@ -9,10 +9,9 @@ namespace Orla {
 
 namespace {
 
-Detail::CreatorRegistry<VObjectCreator>& objectCreators()
+Detail::CreatorRegistry<VObjectCreator>* objectCreators()
 {
-    static Detail::CreatorRegistry<VObjectCreator> theRegistry;
-    return theRegistry;
+    return Detail::creatorRegistry<VObjectCreator>();
 }
 
 } // namespace
@@ -22,20 +21,21 @@ VObjectCreator::~VObjectCreator() = default;
 bool VObjectCreator::registerCreator(const WeakPtrImpl<VObjectCreator>& creator, const std::string& name)
 {
     const StrongPtr<VObjectCreator> alive = creator.lock();
-    if (!alive)
+    auto* const registry = objectCreators();
+    if (!alive || !registry)
         return false;
     const VObjectCreator& self = *alive;
     const std::string owner = Detail::ownerOf(alive->objectType(), typeid(self));
-    if (!Detail::acceptedOrReported("object type", name, owner,
-                                    objectCreators().add(creator, name, Loam::typeKey(alive->objectType()), owner)))
-        return false;
     alive->m_name = name;
-    return true;
+    return Detail::acceptedOrReported(
+        "object type", name, owner,
+        registry->add(creator, name, Loam::typeKey(alive->objectType()), {owner, Detail::libraryOf(typeid(self))}));
 }
 
 StrongPtr<VObjectCreator> VObjectCreator::find(std::string_view typeName)
 {
-    return objectCreators().find(typeName);
+    const auto* const registry = objectCreators();
+    return registry ? registry->find(typeName) : nullptr;
 }
 
 StrongPtr<VObjectCreator> VObjectCreator::findUnique(const std::type_info& outputType)
@@ -50,7 +50,20 @@ StrongPtr<VObjectCreator> VObjectCreator::findUnique(const std::type_info& outpu
 
 std::vector<std::string> VObjectCreator::names()
 {
-    return objectCreators().names();
+    const auto* const registry = objectCreators();
+    return registry ? registry->names() : std::vector<std::string>{};
+}
+
+std::vector<std::string> VObjectCreator::libraries(std::string_view typeName)
+{
+    const auto* const registry = objectCreators();
+    return registry ? registry->libraries(typeName) : std::vector<std::string>{};
+}
+
+std::vector<StrongPtr<VObjectCreator>> VObjectCreator::creators()
+{
+    const auto* const registry = objectCreators();
+    return registry ? registry->creators() : std::vector<StrongPtr<VObjectCreator>>{};
 }
 
 } // namespace Orla

@@ -29,10 +29,14 @@ public:
     const std::string& typeName() const noexcept { return m_name; }
 
     /// Registers \p creator under \p name. Returns false if another type has the name, with a
-    /// warning that names both owners.
+    /// warning that names both owners; the creator is then found only as LIBRARY:NAME, until
+    /// the other type is no longer registered. Also returns false if \p creator has expired.
     static bool registerCreator(const WeakPtrImpl<VObjectCreator>& creator, const std::string& name);
 
-    /// Returns null if no loaded library has a type of that name.
+    /// Finds the type registered as \p typeName. "LIBRARY:NAME" selects the type of one library
+    /// if several have different types of that name; LIBRARY is the plain name of its file.
+    /// Returns null if no loaded library has the type, and after the end of `main` once the
+    /// registry is destroyed.
     static StrongPtr<VObjectCreator> find(std::string_view typeName);
 
     /// Returns the creator whose objects are a network's unique provider of \p outputType, or
@@ -41,6 +45,15 @@ public:
 
     /// Returns the registered names in alphabetical order.
     static std::vector<std::string> names();
+
+    /// Returns the plain names of the libraries that registered different types under
+    /// \p typeName, one per type. The first one has the name; more than one means that the
+    /// name alone is ambiguous.
+    static std::vector<std::string> libraries(std::string_view typeName);
+
+    /// Returns all registered creators, including those that wait behind another one. A creator
+    /// with several names appears several times.
+    static std::vector<StrongPtr<VObjectCreator>> creators();
 
 protected:
     /// If the objects are a network's unique provider of a type, \p uniqueOutput is that type,

@@ -18,7 +18,8 @@ struct LabelTable {
 
 LabelTable& labelTable()
 {
-    static LabelTable theTable;
+    // Never destroyed, because objects that outlive all static objects look labels up.
+    static LabelTable& theTable = *new LabelTable;
     return theTable;
 }
 

@@ -21,7 +21,8 @@ struct ComponentTable {
 
 ComponentTable& componentTable()
 {
-    static ComponentTable theTable;
+    // Never destroyed, because values that outlive all static objects look components up.
+    static ComponentTable& theTable = *new ComponentTable;
     return theTable;
 }
 

@@ -9,10 +9,9 @@ namespace Orla {
 
 namespace {
 
-Detail::CreatorRegistry<VValueCreator>& valueCreators()
+Detail::CreatorRegistry<VValueCreator>* valueCreators()
 {
-    static Detail::CreatorRegistry<VValueCreator> theRegistry;
-    return theRegistry;
+    return Detail::creatorRegistry<VValueCreator>();
 }
 
 } // namespace
@@ -22,17 +21,20 @@ VValueCreator::~VValueCreator() = default;
 bool VValueCreator::registerCreator(const WeakPtrImpl<VValueCreator>& creator, const std::string& name)
 {
     const StrongPtr<VValueCreator> alive = creator.lock();
-    if (!alive)
+    auto* const registry = valueCreators();
+    if (!alive || !registry)
         return false;
     const VValueCreator& self = *alive;
     const std::string owner = Detail::ownerOf(alive->valueType(), typeid(self));
-    return Detail::acceptedOrReported("value type", name, owner,
-                                      valueCreators().add(creator, name, Loam::typeKey(alive->valueType()), owner));
+    return Detail::acceptedOrReported(
+        "value type", name, owner,
+        registry->add(creator, name, Loam::typeKey(alive->valueType()), {owner, Detail::libraryOf(typeid(self))}));
 }
 
 StrongPtr<VValueCreator> VValueCreator::find(std::string_view typeName)
 {
-    return valueCreators().find(typeName);
+    const auto* const registry = valueCreators();
+    return registry ? registry->find(typeName) : nullptr;
 }
 
 StrongPtr<VValueBase> VValueCreator::createValue(std::string_view typeName, const std::string& text, bool& ok)
@@ -44,7 +46,20 @@ StrongPtr<VValueBase> VValueCreator::createValue(std::string_view typeName, cons
 
 std::vector<std::string> VValueCreator::names()
 {
-    return valueCreators().names();
+    const auto* const registry = valueCreators();
+    return registry ? registry->names() : std::vector<std::string>{};
+}
+
+std::vector<std::string> VValueCreator::libraries(std::string_view typeName)
+{
+    const auto* const registry = valueCreators();
+    return registry ? registry->libraries(typeName) : std::vector<std::string>{};
+}
+
+std::vector<StrongPtr<VValueCreator>> VValueCreator::creators()
+{
+    const auto* const registry = valueCreators();
+    return registry ? registry->creators() : std::vector<StrongPtr<VValueCreator>>{};
 }
 
 } // namespace Orla

@@ -100,4 +100,17 @@ TEST_F(VValueCreatorTest, mayHaveSeveralNames)
     EXPECT_TRUE(std::ranges::is_sorted(VValueCreator::names()));
 }
 
+TEST_F(VValueCreatorTest, listsEveryRegisteredCreatorOfAName)
+{
+    const auto first = Loam::makeStrong<Creator<double>>();
+    const auto rival = Loam::makeStrong<Creator<std::string>>();
+    VValueCreator::registerCreator(first, "shared");
+    VValueCreator::registerCreator(rival, "shared");
+    EXPECT_THAT(VValueCreator::creators(),
+                testing::IsSupersetOf({StrongPtr<VValueCreator>(first), StrongPtr<VValueCreator>(rival)}));
+    EXPECT_EQ(VValueCreator::libraries("shared").size(), 2u);
+    EXPECT_THAT(VValueCreator::libraries("none"), testing::IsEmpty());
+    EXPECT_EQ(warnings().size(), 1u);
+}
+
 } // namespace VValueCreatorTest

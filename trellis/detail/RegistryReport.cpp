@@ -16,6 +16,13 @@ std::string ownerOf(const std::type_info& type, const std::type_info& creator)
     return owner;
 }
 
+std::string libraryOf(const std::type_info& creator)
+{
+    const std::string path = Loam::getLibraryPath(&creator);
+    const std::string file = path.substr(path.rfind('/') + 1); // npos + 1 is 0
+    return file.substr(0, file.find(".so"));
+}
+
 bool acceptedOrReported(const char* kind, const std::string& name, const std::string& owner, const std::string& holder)
 {
     if (holder.empty())
