@@ -179,16 +179,19 @@ class FATHOM_VISIBLE VValue : public VTypedValueBase<T>, public Ageable {
 public:
     using Creator = TypedValueCreator<T>;
 
-    VValue() : m_value{} {}
+    VValue() : m_value{} { countCreated(); }
     /// Holds a copy of \p value by `VValueOperations`.
-    explicit VValue(const T& value) : m_value(Detail::independent(value)) {}
+    explicit VValue(const T& value) : m_value(Detail::independent(value)) { countCreated(); }
     VValue(const VValue&) = delete;
     VValue& operator=(const VValue&) = delete;
 
     ~VValue() override
     {
-        if (theTypedValueCreator)
-            theTypedValueCreator->countDestroyedValue();
+        if (!theTypedValueCreator)
+            return;
+        theTypedValueCreator->countDestroyedValue();
+        if constexpr (IsCounted)
+            theTypedValueCreator->countValue(-1);
     }
 
     const std::type_info& getType() const override { return typeid(T); }
@@ -288,12 +291,26 @@ private:
     template<class Content>
     VValue(Loam::RootFirst tag, Content& content) : VTypedValueBase<T>{tag}, m_value(content())
     {
+        countCreated();
     }
 
     struct InPlace {};
     template<class Content>
     VValue(InPlace, Content& content) : m_value(content())
     {
+        countCreated();
+    }
+
+    // A library stays in memory while values exist whose code it contains. The code of these
+    // two types, which are created most often, is always in fathom itself.
+    static constexpr bool IsCounted = !std::is_same_v<T, double> && !std::is_same_v<T, char>;
+
+    static void countCreated() noexcept
+    {
+        if constexpr (IsCounted) {
+            if (theTypedValueCreator)
+                theTypedValueCreator->countValue(1);
+        }
     }
 
     T m_value;

@@ -10,6 +10,7 @@ class ChunkBase;
 class FileInfo;
 class InterfaceBase;
 class InterfaceContainer;
+class LoadedLibrary;
 class Scanner;
 class StringList;
 class TypeInfo;

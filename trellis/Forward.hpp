@@ -11,6 +11,7 @@ class VConnectable;
 class VCreationPreferences;
 class VExecutor;
 class VFrame;
+class VLibrary;
 class VManagedObject;
 class VManagedObjectBase;
 class VNetwork;

@@ -416,4 +416,30 @@ TEST_F(VValueOfBrittle, propagatesExceptionsOfAssignment)
     EXPECT_EQ(a->Text(), "0");
 }
 
+TEST(VValue, isCountedByItsCreatorWhileItExists)
+{
+    const TypedValueCreator<Range>& creator = VValue<Range>::myTypedValueCreator();
+    const int before = creator.existingValues();
+    {
+        const VValue<Range> unset;
+        const VValue<Range> set{Range{1, 2}};
+        EXPECT_EQ(creator.existingValues(), before + 2);
+        const StrongPtr<VValueBase> copy = set.copy();
+        bool ok = false;
+        const StrongPtr<VValueBase> created = VValueCreator::createValue("Range", "1:2", ok);
+        EXPECT_EQ(creator.existingValues(), before + 4);
+    }
+    EXPECT_EQ(creator.existingValues(), before);
+}
+
+TEST(VValue, isNotCountedIfItCannotBeCreated)
+{
+    const TypedValueCreator<Brittle>& creator = VValue<Brittle>::myTypedValueCreator();
+    const int before = creator.existingValues();
+    Brittle::refuses = "construction";
+    EXPECT_THROW(VValue<Brittle>{}, std::runtime_error);
+    Brittle::refuses.clear();
+    EXPECT_EQ(creator.existingValues(), before);
+}
+
 } // namespace VValueTest

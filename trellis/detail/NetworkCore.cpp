@@ -14,11 +14,44 @@ __attribute__((tls_model("initial-exec")))
 #endif
 thread_local NetworkCore* t_current = nullptr;
 
+struct CoreList {
+    std::mutex mutex;
+    std::vector<NetworkCore*> cores;
+};
+
+CoreList& coreList()
+{
+    // Never destroyed, because objects may outlive all static objects.
+    static CoreList& theList = *new CoreList;
+    return theList;
+}
+
 } // namespace
 
 NetworkCore::Extension::~Extension() = default;
 
-NetworkCore::~NetworkCore() = default;
+NetworkCore::NetworkCore()
+{
+    const std::lock_guard lock{coreList().mutex};
+    coreList().cores.push_back(this);
+}
+
+NetworkCore::~NetworkCore()
+{
+    const std::lock_guard lock{coreList().mutex};
+    std::erase(coreList().cores, this);
+}
+
+std::vector<Loam::StrongPtr<NetworkCore>> NetworkCore::all()
+{
+    const std::lock_guard lock{coreList().mutex};
+    std::vector<Loam::StrongPtr<NetworkCore>> living;
+    for (NetworkCore* core : coreList().cores) {
+        if (auto alive = Loam::WeakPtrImpl<NetworkCore>(core).lock())
+            living.push_back(std::move(alive));
+    }
+    return living;
+}
 
 NetworkCore& NetworkCore::defaultCore()
 {

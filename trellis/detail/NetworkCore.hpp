@@ -30,13 +30,16 @@ public:
         virtual ~Extension();
     };
 
-    NetworkCore() = default;
+    NetworkCore();
     ~NetworkCore() override;
 
     /// Returns the network in which this thread creates objects: the network of the innermost
     /// scope, else the default network.
     static NetworkCore& current() noexcept;
     static NetworkCore& defaultCore();
+
+    /// Returns all networks that have not been destroyed and keeps them alive.
+    static std::vector<Loam::StrongPtr<NetworkCore>> all();
 
     /// Makes \p core the current network of this thread; null selects the default one. Returns
     /// the previous one.
