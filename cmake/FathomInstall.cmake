@@ -19,6 +19,7 @@ install(FILES
     "${PROJECT_BINARY_DIR}/cmake/fathomConfig.cmake"
     "${PROJECT_BINARY_DIR}/cmake/fathomConfigVersion.cmake"
     "${PROJECT_SOURCE_DIR}/cmake/FathomObjectLibrary.cmake"
+    "${PROJECT_SOURCE_DIR}/${FATHOM_OBJECT_LIBRARY_STAMP}"
     "${PROJECT_SOURCE_DIR}/cmake/hidden-symbols.map"
     DESTINATION "${package_dir}"
     COMPONENT fathom_development)

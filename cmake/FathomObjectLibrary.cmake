@@ -5,9 +5,11 @@ include_guard(GLOBAL)
 
 # Makes <target> a library that the host loads at run time by its plain name:
 # "quakes" loads the file quakes.so. It may link with other object libraries, which are
-# beside it.
+# beside it. The target must link with fathom. A note in the file has the version of the binary
+# interface; the host does not load a library without it.
 function(fathom_object_library target)
     target_compile_features(${target} PRIVATE cxx_std_20)
+    target_sources(${target} PRIVATE "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/ObjectLibraryStamp.cpp")
     set_target_properties(${target} PROPERTIES
         PREFIX ""
         CXX_VISIBILITY_PRESET hidden

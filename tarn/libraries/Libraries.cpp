@@ -1,8 +1,10 @@
 #include <tarn/libraries/Libraries.hpp>
 
+#include <tarn/libraries/LibraryCheck.hpp>
 #include <tarn/text/Messages.hpp>
 
 #include <trellis/VActionNotifier.hpp>
+#include <trellis/VLibrary.hpp>
 
 #include <loam/Environment.hpp>
 #include <loam/StringUtil.hpp>
@@ -29,18 +31,48 @@ std::string join(const std::vector<std::string>& texts, const char* between)
     return joined;
 }
 
+// Adds the folder as an absolute path, unless it is there already.
+void addFolder(const std::string& folder, std::vector<std::string>& folders)
+{
+    std::error_code error;
+    const fs::path absolute = fs::absolute(folder, error);
+    std::string normal = (error ? fs::path(folder) : absolute).lexically_normal().string();
+    if (normal.size() > 1 && normal.ends_with('/'))
+        normal.pop_back();
+    if (std::ranges::find(folders, normal) == folders.end())
+        folders.push_back(std::move(normal));
+}
+
+Loam::Result<void*> open(const std::string& path)
+{
+    if (const Loam::Result<void> fits = checkLibraryFile(path); !fits)
+        return Loam::Failure{printable(path) + ": " + fits.reason()};
+    void* const handle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle) {
+        const char* const error = ::dlerror();
+        return Loam::Failure{error ? error : path + ": no reason was given"};
+    }
+    if (Orla::VLibrary{handle}.registersTypes())
+        return handle;
+    ::dlclose(handle);
+    return Loam::Failure{printable(path) + ": the library registers neither object types nor value types"};
+}
+
 } // namespace
 
 Libraries::Libraries(std::vector<std::string> folders) : m_folders{std::move(folders)}
 {
 }
 
-void Libraries::unload()
+Loam::Result<void> Libraries::unload()
 {
     while (!m_libraries.empty()) {
-        ::dlclose(m_libraries.back().handle);
+        const Library& last = m_libraries.back();
+        if (const Loam::Result<void> unloaded = Orla::VLibrary{last.handle}.unload(); !unloaded)
+            return Loam::Failure{"library " + inQuotes(last.name) + " stays in memory because " + unloaded.reason()};
         m_libraries.pop_back();
     }
+    return {};
 }
 
 Loam::Result<void> Libraries::load(const std::string& name)
@@ -53,13 +85,12 @@ Loam::Result<void> Libraries::load(const std::string& name)
         const std::string path = folder + '/' + name + ".so";
         if (::access(path.c_str(), F_OK) != 0)
             continue;
-        void* handle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        const Loam::Result<void*> handle = open(path);
         if (!handle) {
-            const char* error = ::dlerror();
-            reasons.emplace_back(error ? error : path + ": no reason was given");
+            reasons.push_back(handle.reason());
             continue;
         }
-        m_libraries.push_back({name, handle});
+        m_libraries.push_back({name, *handle});
         if (!reasons.empty())
             Orla::VActionNotifier::Warning(title + " was loaded from " + printable(path)
                                            + " after other files failed to load: " + join(reasons, "; "));
@@ -88,21 +119,19 @@ std::vector<std::string> Libraries::loadAll(const std::vector<PlacedText>& names
 
 std::vector<std::string> Libraries::searchPath(const std::string& networkFolder)
 {
+    std::vector<std::string> folders = searchPath();
+    addFolder(networkFolder, folders);
+    addFolder(networkFolder + "/lib", folders);
+    return folders;
+}
+
+std::vector<std::string> Libraries::searchPath()
+{
     std::vector<std::string> wanted{Loam::getExecutableDir() + "/../lib/fathom"};
     Loam::StringUtil::split(Loam::getEnvString("TARN_LIBRARIES"), wanted, ':', false);
-    wanted.push_back(networkFolder);
-    wanted.push_back(networkFolder + "/lib");
-
     std::vector<std::string> folders;
-    for (const std::string& folder : wanted) {
-        std::error_code error;
-        const fs::path absolute = fs::absolute(folder, error);
-        std::string normal = (error ? fs::path(folder) : absolute).lexically_normal().string();
-        if (normal.size() > 1 && normal.ends_with('/'))
-            normal.pop_back();
-        if (std::ranges::find(folders, normal) == folders.end())
-            folders.push_back(std::move(normal));
-    }
+    for (const std::string& folder : wanted)
+        addFolder(folder, folders);
     return folders;
 }
 

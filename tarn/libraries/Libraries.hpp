@@ -22,22 +22,27 @@ public:
     Libraries& operator=(const Libraries&) = delete;
 
     /// Loads the library \p name: the file NAME.so in the first folder that has a loadable
-    /// one. Does nothing if the library is already loaded. The reason of a failure names each
-    /// file found.
+    /// one. Does nothing if the library is already loaded. A file that is not an object library,
+    /// was built for another binary interface or registers no types is not loadable. The reason
+    /// of a failure names each file found.
     Loam::Result<void> load(const std::string& name);
 
     /// Loads the library of standard objects, then those that a network names. Adds a fault per
     /// library that cannot be loaded, and returns their names.
     std::vector<std::string> loadAll(const std::vector<PlacedText>& names, Faults& faults);
 
-    /// Unloads all libraries, last one first.
-    /// \pre Everything that came from the libraries is destroyed.
-    void unload();
+    /// Unloads all libraries, last one first. A library of which something is still in use, and
+    /// those loaded before it, stay in memory; the reason of the failure names it.
+    Loam::Result<void> unload();
 
     /// Returns the folders to search for libraries of a network in \p networkFolder:
     /// ../lib/fathom beside the program, the folders in the environment variable
     /// TARN_LIBRARIES (separated by colons), \p networkFolder and its subfolder "lib".
     static std::vector<std::string> searchPath(const std::string& networkFolder);
+
+    /// The same without a network: only the folders that the user installed libraries in or
+    /// named.
+    static std::vector<std::string> searchPath();
 
 private:
     struct Library {

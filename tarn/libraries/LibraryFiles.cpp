@@ -2,6 +2,7 @@
 
 #include <tarn/libraries/Libraries.hpp>
 
+#include <trellis/VActionNotifier.hpp>
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VValueCreator.hpp>
 
@@ -76,8 +77,8 @@ void lookInto(LibraryFile& file, const std::string& folder)
     file.loading = libraries.load(file.name);
     file.objectTypes = added<Orla::VObjectCreator>(objectTypes, file.path);
     file.valueTypes = added<Orla::VValueCreator>(valueTypes, file.path);
-    // No objects were created.
-    libraries.unload();
+    if (const Loam::Result<void> unloaded = libraries.unload(); !unloaded)
+        Orla::VActionNotifier::Warning("The " + unloaded.reason());
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 #include <tarn/text/Messages.hpp>
 #include <tarn/text/ReadFile.hpp>
 
+#include <trellis/VActionNotifier.hpp>
+
 #include <loam/FileError.hpp>
 #include <loam/Numbers.hpp>
 
@@ -37,7 +39,6 @@ Place placeOfSetting(const NetworkFile& file, const std::string& object, const s
 Session::Session(const std::string& path, const std::vector<std::string>& overrides,
                  std::optional<std::uint64_t> stepLimit, const std::optional<std::string>& chart)
     : m_faults{path}
-    , m_tracker{Loam::makeStrong<ObjectTracker>()}
     , m_folder{folderOf(path)}
     , m_libraries{Libraries::searchPath(m_folder)}
     , m_pool{Loam::makeStrong<Orla::ValuePool>(path)}
@@ -48,7 +49,6 @@ Session::Session(const std::string& path, const std::vector<std::string>& overri
     const NetworkFile file = parseNetwork(text, m_faults);
     m_objects.emplace(m_folder);
     m_scope.emplace(*m_objects);
-    Orla::VActionNotifier::add(m_tracker);
     const std::vector<std::string> missing = m_libraries.loadAll(file.libraries, m_faults);
     m_network = buildNetwork(file, overrides, missing, m_faults);
     m_chart = chart ? PlacedText{*chart, {}} : file.chart;
@@ -60,15 +60,14 @@ Session::Session(const std::string& path, const std::vector<std::string>& overri
 
 Session::~Session()
 {
-    m_tracker->countValues(m_pool);
     m_timeProvider = {};
     m_network = {};
     m_pool.reset();
     removeAnnouncedObjects();
     m_scope.reset();
     m_objects.reset();
-    Orla::VActionNotifier::remove(m_tracker);
-    m_tracker->unloadUnlessInUse(m_libraries);
+    if (const Loam::Result<void> unloaded = m_libraries.unload(); !unloaded)
+        Orla::VActionNotifier::Warning("The " + unloaded.reason());
 }
 
 void Session::chooseChart()

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <tarn/libraries/ObjectTracker.hpp>
 #include <tarn/text/Faults.hpp>
 #include <tarn/libraries/Libraries.hpp>
 #include <tarn/network/NetworkBuilder.hpp>
@@ -62,7 +61,6 @@ private:
     void countSteps(const NetworkFile& file, std::optional<std::uint64_t> limit);
 
     Faults m_faults;
-    Orla::StrongPtr<ObjectTracker> m_tracker;
     std::string m_folder;
     Libraries m_libraries;
     std::optional<Orla::VNetwork> m_objects; // the network of the file's objects

@@ -5,6 +5,7 @@
 #include <fathom/VConnectionTypeColors.hpp>
 
 #include <trellis/TypedSlotCreator.hpp>
+#include <trellis/VActionNotifier.hpp>
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueComponents.hpp>
@@ -88,9 +89,8 @@ ValueTypeDescription describe(const std::string& name, Orla::VValueCreator& crea
 } // namespace
 
 TypeCatalogue::TypeCatalogue(const std::vector<std::string>& libraries)
-    : m_tracker{Loam::makeStrong<ObjectTracker>()}, m_libraries{Libraries::searchPath(Loam::getCurrentDir())}
+    : m_libraries{Libraries::searchPath(Loam::getCurrentDir())}
 {
-    Orla::VActionNotifier::add(m_tracker);
     std::vector<std::string> names{StandardLibrary};
     names.insert(names.end(), libraries.begin(), libraries.end());
     for (const std::string& name : names) {
@@ -101,8 +101,8 @@ TypeCatalogue::TypeCatalogue(const std::vector<std::string>& libraries)
 
 TypeCatalogue::~TypeCatalogue()
 {
-    Orla::VActionNotifier::remove(m_tracker);
-    m_tracker->unloadUnlessInUse(m_libraries);
+    if (const Loam::Result<void> unloaded = m_libraries.unload(); !unloaded)
+        Orla::VActionNotifier::Warning("The " + unloaded.reason());
 }
 
 std::vector<ValueTypeDescription> TypeCatalogue::valueTypes() const
@@ -156,8 +156,6 @@ std::vector<ObjectTypeDescription> TypeCatalogue::objectTypes(const std::string&
         const StrongPtr<Orla::VObject> object = creator->create(name, 0, nullptr);
         if (!object)
             throw std::runtime_error("its creator returned null");
-        m_tracker->objectCreated(object, {}, creator);
-        m_tracker->countValues(nullptr);
         readSlots(*object, highestLevel, description);
     });
     if (!made)

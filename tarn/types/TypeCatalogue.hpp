@@ -1,6 +1,5 @@
 #pragma once
 
-#include <tarn/libraries/ObjectTracker.hpp>
 #include <tarn/libraries/Libraries.hpp>
 
 #include <cstddef>
@@ -79,7 +78,6 @@ public:
     std::vector<ObjectTypeDescription> objectTypes(const std::string& name, int highestLevel = AllLevels) const;
 
 private:
-    Orla::StrongPtr<ObjectTracker> m_tracker;
     Libraries m_libraries;
     std::vector<std::string> m_refusals;
 };

@@ -18,7 +18,7 @@ protected:
     ~LoadedLibraries() override
     {
         Tarn::removeAnnouncedObjects();
-        m_libraries.unload();
+        EXPECT_TRUE(m_libraries.unload());
     }
 
 private:

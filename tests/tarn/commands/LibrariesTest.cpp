@@ -30,10 +30,10 @@ TEST(LibrariesCommand, returnsStatus2IfANamedLibraryCannotBeLoaded)
     EXPECT_EQ(all.status, 0);
     EXPECT_THAT(all.out,
                 HasSubstr("broken, " + folder.file("broken.so") + "\n  refused: library \"broken\" cannot be loaded: "
-                          + folder.file("broken.so") + ": file too short\n"));
+                          + folder.file("broken.so") + ": the file is not a shared library\n"));
     const ProcessResult named = runTarn({"libraries", "broken"}, options);
     EXPECT_EQ(named.status, 2);
-    EXPECT_THAT(named.out, HasSubstr("file too short\n"));
+    EXPECT_THAT(named.out, HasSubstr("the file is not a shared library\n"));
     EXPECT_THAT(named.out, Not(HasSubstr("standard,")));
     const ProcessResult missing = runTarn({"libraries", "none", "testobjects", "--json"}, options);
     EXPECT_EQ(missing.status, 2);

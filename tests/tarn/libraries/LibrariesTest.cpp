@@ -74,7 +74,7 @@ TEST(Libraries, registerTheirTypesAndRemoveThemWhenUnloaded)
     EXPECT_TRUE(Orla::VObjectCreator::find("GlobalTime"));
     EXPECT_TRUE(Orla::VObjectCreator::find("Adder"));
     EXPECT_TRUE(Orla::VValueCreator::find("int"));
-    libraries.unload();
+    EXPECT_TRUE(libraries.unload());
     EXPECT_EQ(Orla::VValueCreator::names(), values);
     EXPECT_EQ(Orla::VObjectCreator::names(), objects);
     EXPECT_FALSE(isLoaded(objectsFile));
@@ -85,7 +85,7 @@ TEST(Libraries, areLoadedOnce)
     Libraries libraries{{TEST_OBJECTS_FOLDER}};
     EXPECT_TRUE(libraries.load("testobjects"));
     EXPECT_TRUE(libraries.load("testobjects"));
-    libraries.unload();
+    EXPECT_TRUE(libraries.unload());
     EXPECT_FALSE(isLoaded(objectsFile));
 }
 
@@ -120,15 +120,51 @@ TEST(Libraries, addOneFaultPerMissingLibraryAtItsFirstPlace)
                                             HasSubstr("library \"standard\" was not found")));
 }
 
-TEST(Libraries, reportTheLoadersReasonForEachFileThatCannotBeLoaded)
+TEST(Libraries, reportTheReasonForEachFileThatCannotBeLoaded)
 {
     const TestFolder folder;
-    folder.write("a/broken.so", "This is not a library, but a text that is longer than the header of a library.\n");
+    folder.write("a/broken.so", "This is not a library.\n");
     folder.write("b/broken.so", "");
     Libraries libraries{{folder.file("a"), folder.file("none"), folder.file("b")}};
-    EXPECT_THAT(libraries.load("broken").reason(),
-                MatchesRegex("library \"broken\" cannot be loaded: " + folder.file("a/broken.so") + ": .*ELF.*; "
-                             + folder.file("b/broken.so") + ": .+"));
+    EXPECT_EQ(libraries.load("broken").reason(), "library \"broken\" cannot be loaded: " + folder.file("a/broken.so")
+                                                     + ": the file is not a shared library; "
+                                                     + folder.file("b/broken.so")
+                                                     + ": the file is not a shared library");
+}
+
+TEST(Libraries, areRefusedAndUnloadedIfTheyRegisterNoTypes)
+{
+    Libraries libraries{{ODD_LIBRARIES_FOLDER}};
+    EXPECT_EQ(libraries.load("emptylibrary").reason(),
+              "library \"emptylibrary\" cannot be loaded: " ODD_LIBRARIES_FOLDER
+              "/emptylibrary.so: the library registers neither object types nor value types");
+    EXPECT_FALSE(isLoaded(ODD_LIBRARIES_FOLDER "/emptylibrary.so"));
+}
+
+TEST(Libraries, stayInMemoryWhileAnObjectOfThemExists)
+{
+    Libraries libraries{{STANDARD_FOLDER, TEST_OBJECTS_FOLDER}};
+    ASSERT_TRUE(libraries.load("standard"));
+    ASSERT_TRUE(libraries.load("testobjects"));
+    Orla::StrongPtr<Orla::VObject> adder = Orla::VObjectCreator::find("Adder")->create("first", 0, nullptr);
+    EXPECT_EQ(libraries.unload().reason(),
+              "library \"testobjects\" stays in memory because Adder \"first\" is still in use");
+    EXPECT_TRUE(Orla::VObjectCreator::find("GlobalTime")) << "a library that was loaded before it was unloaded";
+    adder.reset();
+    EXPECT_TRUE(libraries.unload());
+    EXPECT_FALSE(isLoaded(objectsFile));
+}
+
+TEST(Libraries, mayBeLoadedAndUnloadedRepeatedly)
+{
+    for (int i = 0; i < 20; ++i) {
+        Libraries libraries{{STANDARD_FOLDER, TEST_OBJECTS_FOLDER}};
+        ASSERT_TRUE(libraries.load("testobjects"));
+        ASSERT_TRUE(libraries.load("quakes"));
+        ASSERT_TRUE(libraries.unload());
+        ASSERT_FALSE(isLoaded(objectsFile));
+        ASSERT_FALSE(isLoaded(STANDARD_FOLDER "/earth.so"));
+    }
 }
 
 TEST(Libraries, areLoadedFromTheNextFolderWhenTheFirstFileIsBroken)
@@ -141,7 +177,7 @@ TEST(Libraries, areLoadedFromTheNextFolderWhenTheFirstFileIsBroken)
     EXPECT_TRUE(libraries.load("testobjects"));
     EXPECT_TRUE(Orla::VObjectCreator::find("Adder"));
     EXPECT_THAT(listener->last, ContainsRegex(folder.file("testobjects.so") + ": .+"));
-    libraries.unload();
+    EXPECT_TRUE(libraries.unload());
 }
 
 TEST(Libraries, areSearchedInTheInstallationTheVariableAndTheNetworkFolder)
@@ -150,6 +186,7 @@ TEST(Libraries, areSearchedInTheInstallationTheVariableAndTheNetworkFolder)
     const std::string beside = std::filesystem::path(Loam::getExecutableDir()).parent_path().string() + "/lib/fathom";
     EXPECT_THAT(Libraries::searchPath("/network"),
                 testing::ElementsAre(beside, "/a/b", Loam::getCurrentDir() + "/relative", "/network", "/network/lib"));
+    EXPECT_THAT(Libraries::searchPath(), testing::ElementsAre(beside, "/a/b", Loam::getCurrentDir() + "/relative"));
 }
 
 } // namespace LibrariesTest

@@ -156,7 +156,7 @@ TEST(Conversion, keepsEveryValueOfEveryType)
             EXPECT_TRUE(!read->isDifferentFrom(held) || held->isDifferentFrom(held->copy()));
         }
     }
-    libraries.unload();
+    EXPECT_TRUE(libraries.unload());
 }
 
 TEST(Conversion, keepsChoicesWithAnyNames)

@@ -64,7 +64,7 @@ protected:
     {
         EXPECT_TRUE(m_libraries.load("standard"));
     }
-    ~RestorableTextTest() override { m_libraries.unload(); }
+    ~RestorableTextTest() override { EXPECT_TRUE(m_libraries.unload()); }
 
     Libraries& libraries() noexcept { return m_libraries; }
 

@@ -74,7 +74,7 @@ TEST(Session, reportsLibrariesThatCannotBeLoadedAndContinues)
     const ProcessResult result = runTarn({"check", file});
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.err, HasSubstr(file + ":2:14: library \"broken\" cannot be loaded: " + folder.file("broken.so")
-                                      + ": file too short\n"));
+                                      + ": the file is not a shared library\n"));
     EXPECT_THAT(result.err, HasSubstr(file + ":2:24: library \"none\" was not found: no file none.so in "));
     EXPECT_THAT(result.err, HasSubstr(file + ":6:13: object \"a\", input \"a\": the text \"x\" is refused"));
     EXPECT_THAT(result.err, HasSubstr(file + ": 3 faults\n"));
@@ -127,7 +127,8 @@ TEST(Session, keepsLibrariesInMemoryWhileAnObjectIsHeld)
     const std::string file = folder.write("net.toml", head + "[[object]]\nname = 'vine'\ntype = 'Clinging'\n");
     const ProcessResult result = runTarn({"run", file});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.err, HasSubstr("The libraries stay in memory because object \"vine\" is still in use\n"));
+    EXPECT_THAT(result.err,
+                HasSubstr("The library \"testobjects\" stays in memory because Clinging \"vine\" is still in use\n"));
     EXPECT_THAT(runTarn({"check", file}).err, Not(HasSubstr("stay in memory")));
 }
 

@@ -191,7 +191,7 @@ TEST(TypeCatalogue, releasesPartnersAndLibraries)
     }
     const ProcessResult hoarder = runTarn({"describe", "Hoarder", "--library=testobjects"});
     EXPECT_EQ(hoarder.status, 0);
-    EXPECT_EQ(hoarder.err, "tarn: warning: The libraries stay in memory because object \"hoard\" is still in use\n");
+    EXPECT_EQ(hoarder.err, "tarn: warning: The library \"testobjects\" stays in memory because Adder \"hoard\" is still in use\n");
 }
 
 TEST(TypeCatalogue, reportsRefusedLibraries)
