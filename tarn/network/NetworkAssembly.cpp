@@ -44,6 +44,17 @@ std::string placeText(const Faults& faults, Place place)
     return faults.file() + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
 }
 
+// Returns the complete names of the object types that are called `type`, such as `"a:T" or
+// "b:T"`; an empty text unless there are several.
+std::string rivalsOf(const std::string& type)
+{
+    const std::vector<std::string> libraries = Orla::VObjectCreator::libraries(type);
+    std::string names;
+    for (std::size_t i = 0; libraries.size() > 1 && i < libraries.size(); ++i)
+        names += (i == 0 ? "" : " or ") + inQuotes(libraries[i] + ':' + type);
+    return names;
+}
+
 } // namespace
 
 NetworkAssembly::NetworkAssembly(const NetworkFile& file, Faults& faults)
@@ -108,6 +119,12 @@ void NetworkAssembly::createObject(std::size_t number, const std::vector<std::st
         if (!missing.empty())
             message += " (not loaded: " + missing + ")";
         onUnknownType(entry.type.place, message);
+        return;
+    }
+    if (const std::string libraries = rivalsOf(entry.type.text); !libraries.empty()) {
+        m_faults.add(entry.type.place, entry.description + ": several libraries have different object types "
+                                           + inQuotes(entry.type.text) + "; write " + libraries);
+        made.creator.reset();
         return;
     }
     const Result<void> done = Loam::attempt([&] { made.object = made.creator->create(entry.name.text, 0, nullptr); });

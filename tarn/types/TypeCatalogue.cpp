@@ -23,9 +23,22 @@ namespace {
 using Orla::StrongPtr;
 using Orla::VSlot;
 
-ObjectTypeDescription nameAndFile(const Orla::VObjectCreator& creator)
+// Returns LIBRARY:NAME for each library if several have different types of that name, else the
+// name itself.
+std::vector<std::string> completeNames(const std::string& name)
 {
-    return {.name = creator.typeName(),
+    const std::vector<std::string> libraries = Orla::VObjectCreator::libraries(name);
+    if (libraries.size() < 2)
+        return {name};
+    std::vector<std::string> names;
+    for (const std::string& library : libraries)
+        names.push_back(library + ':' + name);
+    return names;
+}
+
+ObjectTypeDescription nameAndFile(const std::string& name, const Orla::VObjectCreator& creator)
+{
+    return {.name = name,
             .library = Loam::getLibraryPath(&creator.objectType()),
             .failure = {},
             .inputs = {},
@@ -86,6 +99,21 @@ ValueTypeDescription describe(const std::string& name, Orla::VValueCreator& crea
     return description;
 }
 
+ObjectTypeDescription describe(const std::string& name, const Orla::VObjectCreator& creator, int highestLevel)
+{
+    ObjectTypeDescription description = nameAndFile(name, creator);
+    const Loam::Result<void> made = Loam::attempt([&] {
+        const StrongPtr<Orla::VObject> object = creator.create(creator.typeName(), 0, nullptr);
+        if (!object)
+            throw std::runtime_error("its creator returned null");
+        readSlots(*object, highestLevel, description);
+    });
+    if (!made)
+        description.failure = made.reason();
+    removeAnnouncedObjects();
+    return description;
+}
+
 } // namespace
 
 TypeCatalogue::TypeCatalogue(const std::vector<std::string>& libraries)
@@ -140,28 +168,22 @@ std::vector<ObjectTypeDescription> TypeCatalogue::objectTypeFiles() const
 {
     std::vector<ObjectTypeDescription> all;
     for (const std::string& name : Orla::VObjectCreator::names()) {
-        if (const StrongPtr<Orla::VObjectCreator> creator = Orla::VObjectCreator::find(name))
-            all.push_back(nameAndFile(*creator));
+        for (const std::string& each : completeNames(name)) {
+            if (const StrongPtr<Orla::VObjectCreator> creator = Orla::VObjectCreator::find(each))
+                all.push_back(nameAndFile(each, *creator));
+        }
     }
     return all;
 }
 
 std::vector<ObjectTypeDescription> TypeCatalogue::objectTypes(const std::string& name, int highestLevel) const
 {
-    const StrongPtr<Orla::VObjectCreator> creator = Orla::VObjectCreator::find(name);
-    if (!creator)
-        return {};
-    ObjectTypeDescription description = nameAndFile(*creator);
-    const Loam::Result<void> made = Loam::attempt([&] {
-        const StrongPtr<Orla::VObject> object = creator->create(name, 0, nullptr);
-        if (!object)
-            throw std::runtime_error("its creator returned null");
-        readSlots(*object, highestLevel, description);
-    });
-    if (!made)
-        description.failure = made.reason();
-    removeAnnouncedObjects();
-    return {description};
+    std::vector<ObjectTypeDescription> found;
+    for (const std::string& each : completeNames(name)) {
+        if (const StrongPtr<Orla::VObjectCreator> creator = Orla::VObjectCreator::find(each))
+            found.push_back(describe(each, *creator, highestLevel));
+    }
+    return found;
 }
 
 } // namespace Tarn

@@ -72,7 +72,8 @@ public:
     /// Returns the types that are registered as, or labelled, \p name.
     std::vector<ValueTypeDescription> valueTypes(const std::string& name) const;
 
-    /// Returns the registered object type \p name, or an empty list. Creates an object, so its
+    /// Returns the registered object type \p name, or an empty list. If several libraries have
+    /// different types of that name, returns each, named LIBRARY:NAME. Creates an object, so its
     /// constructor runs, and destroys it unannounced, along with everything the constructor
     /// announced. Inputs above \p highestLevel are only counted.
     std::vector<ObjectTypeDescription> objectTypes(const std::string& name, int highestLevel = AllLevels) const;

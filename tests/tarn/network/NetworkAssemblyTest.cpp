@@ -278,4 +278,20 @@ TEST_F(NetworkAssemblyTest, listsTenThousandFaults)
     EXPECT_EQ(faults[9999], "net:40001:17: object \"object 9999\", input \"a\": no object is named \"objct 9999\"");
 }
 
+TEST_F(NetworkAssemblyTest, requiresTheLibraryOfATypeThatSeveralLibrariesDefine)
+{
+    Libraries rivals{{ODD_LIBRARIES_FOLDER}};
+    ASSERT_TRUE(rivals.load("rivalobjects"));
+    EXPECT_THAT(faultsOf("[[object]]\nname = 'one'\ntype = 'Adder'\n"),
+                ElementsAre("net:4:8: object \"one\": several libraries have different object types \"Adder\"; write "
+                            "\"testobjects:Adder\" or \"rivalobjects:Adder\""));
+    EXPECT_THAT(faultsOf("[[object]]\nname = 'one'\ntype = 'testobjects:Adder'\nset = { a = 1 }\n"
+                         "[[object]]\nname = 'two'\ntype = 'Echo'\n"),
+                IsEmpty());
+    EXPECT_THAT(faultsOf("[[object]]\nname = 'one'\ntype = 'rivalobjects:Adder'\nset = { a = 1 }\n"),
+                ElementsAre("net:5:9: object \"one\": rivalobjects:Adder has no input \"a\""));
+    faultsOf("");
+    EXPECT_TRUE(rivals.unload());
+}
+
 } // namespace NetworkAssemblyTest

@@ -191,13 +191,31 @@ TEST(TypeCatalogue, releasesPartnersAndLibraries)
     }
     const ProcessResult hoarder = runTarn({"describe", "Hoarder", "--library=testobjects"});
     EXPECT_EQ(hoarder.status, 0);
-    EXPECT_EQ(hoarder.err, "tarn: warning: The library \"testobjects\" stays in memory because Adder \"hoard\" is still in use\n");
+    EXPECT_EQ(hoarder.err,
+              "tarn: warning: The library \"testobjects\" stays in memory because Adder \"hoard\" is still in use\n");
 }
 
 TEST(TypeCatalogue, reportsRefusedLibraries)
 {
     const TypeCatalogue catalogue{{"none"}};
     EXPECT_THAT(catalogue.refusals(), testing::Contains(HasSubstr("library \"none\" was not found")));
+}
+
+TEST(TypeCatalogue, namesTypesThatSeveralLibrariesDefineWithTheirLibrary)
+{
+    const TarnProcess::Options both{.environment = {"TARN_LIBRARIES=" TEST_OBJECTS_FOLDER ":" ODD_LIBRARIES_FOLDER},
+                                    .shell = {}};
+    const std::vector<std::string> libraries{"--library=testobjects", "--library=rivalobjects"};
+    const ProcessResult described = runTarn({"describe", "Adder", libraries[0], libraries[1]}, both);
+    EXPECT_THAT(described.out, HasSubstr("Object type testobjects:Adder, " TEST_OBJECTS_FOLDER "/testobjects.so\n"));
+    EXPECT_THAT(described.out, HasSubstr("Object type rivalobjects:Adder, " ODD_LIBRARIES_FOLDER "/rivalobjects.so\n"));
+    const ProcessResult one = runTarn({"describe", "rivalobjects:Adder", libraries[0], libraries[1]}, both);
+    EXPECT_EQ(one.status, 0);
+    EXPECT_THAT(one.out, testing::StartsWith("Object type rivalobjects:Adder, "));
+    EXPECT_THAT(one.out, testing::Not(HasSubstr("testobjects:")));
+    const ProcessResult types = runTarn({"types", libraries[0], libraries[1]}, both);
+    EXPECT_THAT(types.out, HasSubstr("\n  rivalobjects:Adder "));
+    EXPECT_THAT(types.out, HasSubstr("\n  testobjects:Adder "));
 }
 
 } // namespace TypeCatalogueTest
