@@ -40,6 +40,24 @@ void forget(std::size_t place) noexcept
         theUnfinished[place] = nullptr;
 }
 
+// Files that are completed if the process must exit.
+std::atomic<OutputFile*> theSaved[MostUnfinished];
+static_assert(std::atomic<OutputFile*>::is_always_lock_free);
+
+// Writes as much as possible. Returns the number of bytes written.
+std::size_t writeAll(int descriptor, std::string_view bytes) noexcept
+{
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t written = ::write(descriptor, bytes.data() + done, bytes.size() - done);
+        if (written >= 0)
+            done += static_cast<std::size_t>(written);
+        else if (errno != EINTR)
+            break;
+    }
+    return done;
+}
+
 std::string processFile(int descriptor)
 {
     return "/proc/self/fd/" + std::to_string(descriptor);
@@ -139,6 +157,7 @@ void OutputFile::openBeside(unsigned mode, bool keepMode)
 
 void OutputFile::discard() noexcept
 {
+    saveNoLonger();
     if (m_owned && m_descriptor >= 0)
         ::close(m_descriptor);
     m_descriptor = -1;
@@ -158,19 +177,14 @@ void OutputFile::write(std::string_view bytes)
 
 void OutputFile::flush()
 {
-    std::size_t done = 0;
-    while (done < m_pending.size()) {
-        const ssize_t written = ::write(m_descriptor, m_pending.data() + done, m_pending.size() - done);
-        if (written >= 0)
-            done += static_cast<std::size_t>(written);
-        else if (errno != EINTR)
-            throw FileError{"cannot write " + m_name, errno};
-    }
+    if (writeAll(m_descriptor, m_pending) < m_pending.size())
+        throw FileError{"cannot write " + m_name, errno};
     m_pending.clear();
 }
 
 void OutputFile::commit()
 {
+    saveNoLonger();
     flush();
     if (!m_owned)
         return;
@@ -200,6 +214,48 @@ void OutputFile::removeUnfinished() noexcept
     for (const std::atomic<const char*>& entry : theUnfinished) {
         if (const char* path = entry.load())
             ::unlink(path);
+    }
+}
+
+void OutputFile::saveIfUnfinished(const std::string& path, const std::string& ending)
+{
+    saveNoLonger();
+    m_ending = ending;
+    m_savedPath = path;
+    m_savedName = nameBeside(path, 0);
+    m_descriptorPath = processFile(m_descriptor);
+    for (m_savedPlace = 0; m_savedPlace < MostUnfinished; ++m_savedPlace) {
+        OutputFile* none = nullptr;
+        m_isSaved = theSaved[m_savedPlace].compare_exchange_strong(none, this);
+        if (m_isSaved)
+            return;
+    }
+}
+
+void OutputFile::saveNoLonger() noexcept
+{
+    if (std::exchange(m_isSaved, false))
+        theSaved[m_savedPlace] = nullptr;
+}
+
+void OutputFile::save() noexcept
+{
+    if (writeAll(m_descriptor, m_pending) < m_pending.size())
+        return;
+    writeAll(m_descriptor, m_ending);
+    if (!m_isFile)
+        return;
+    if (!m_temporary.empty())
+        ::rename(m_temporary.c_str(), m_savedPath.c_str());
+    else if (::linkat(AT_FDCWD, m_descriptorPath.c_str(), AT_FDCWD, m_savedName.c_str(), AT_SYMLINK_FOLLOW) == 0)
+        ::rename(m_savedName.c_str(), m_savedPath.c_str());
+}
+
+void OutputFile::saveUnfinished() noexcept
+{
+    for (std::atomic<OutputFile*>& entry : theSaved) {
+        if (OutputFile* const file = entry.exchange(nullptr))
+            file->save();
     }
 }
 

@@ -46,19 +46,36 @@ public:
     /// unusable afterwards.
     static void removeUnfinished() noexcept;
 
+    /// Lets `saveUnfinished` complete this output: it writes \p ending, and a file then appears
+    /// as \p path, which may be its target. A stream ignores \p path.
+    void saveIfUnfinished(const std::string& path, const std::string& ending);
+
+    /// Completes the outputs for which `saveIfUnfinished` was called, as far as they have been
+    /// written; errors are ignored. For programs that must exit immediately: it may be called in
+    /// a signal handler, and the outputs are unusable afterwards.
+    static void saveUnfinished() noexcept;
+
     /// Returns true if the output is written directly to its target.
     bool isStream() const noexcept { return !m_isFile; }
 
 private:
     void openBeside(unsigned mode, bool keepMode);
     void discard() noexcept;
+    void save() noexcept;
+    void saveNoLonger() noexcept;
 
     std::string m_name;      // in messages
     std::string m_path;      // of the target
     std::string m_temporary; // of the temporary file; empty while it has no name
     std::string m_pending;
-    std::size_t m_place = 0; // index among the unfinished files
+    std::string m_ending; // this and the next three are for `save`, which must not allocate
+    std::string m_savedPath;
+    std::string m_savedName; // temporary, beside the saved path
+    std::string m_descriptorPath;
+    std::size_t m_place = 0;      // index among the unfinished files
+    std::size_t m_savedPlace = 0; // index among the files to save
     int m_descriptor = -1;
+    bool m_isSaved = false; // is among the files to save
     bool m_owned = false;
     bool m_isFile = false;
 };

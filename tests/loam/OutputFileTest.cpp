@@ -206,4 +206,41 @@ TEST(OutputFile, worksWhenMoreFilesAreOpenThanAreTracked)
     EXPECT_EQ(folder.names().size(), 100u);
 }
 
+TEST(OutputFile, isSavedWithItsEndingIfItIsUnfinished)
+{
+    const TestFolder folder;
+    folder.write("old", "old");
+    OutputFile kept{folder.file("old")};
+    kept.saveIfUnfinished(folder.file("old"), "]");
+    kept.write("[1");
+    kept.flush();
+    kept.write(",2");
+    OutputFile elsewhere{folder.file("table")};
+    elsewhere.saveIfUnfinished(folder.file("table.incomplete"), {});
+    elsewhere.write("row");
+    OutputFile plain{folder.file("plain")};
+    plain.write("lost");
+    OutputFile done{folder.file("done")};
+    done.saveIfUnfinished(folder.file("unused"), "wrong");
+    done.write("complete");
+    done.commit();
+    OutputFile::saveUnfinished();
+    EXPECT_THAT(folder.names(), ElementsAre("done", "old", "table.incomplete"));
+    EXPECT_EQ(contentOf(folder.file("old")), "[1,2]");
+    EXPECT_EQ(contentOf(folder.file("table.incomplete")), "row");
+    EXPECT_EQ(contentOf(folder.file("done")), "complete");
+}
+
+TEST(OutputFile, isNotSavedAfterItIsDestroyed)
+{
+    const TestFolder folder;
+    {
+        OutputFile output{folder.file("result")};
+        output.saveIfUnfinished(folder.file("result"), {});
+        output.write("dropped");
+    }
+    OutputFile::saveUnfinished();
+    EXPECT_THAT(folder.names(), ElementsAre());
+}
+
 } // namespace OutputFileTest
