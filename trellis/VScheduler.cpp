@@ -185,4 +185,9 @@ VScheduler::Summary VScheduler::run(VRequest& request, VExecutor& executor)
     return runWith<Detail::ConcurrentRun>(request, executor);
 }
 
+std::size_t VScheduler::running(std::span<const VObject*> objects) noexcept
+{
+    return Detail::RunningObjects::list(objects);
+}
+
 } // namespace Orla

@@ -6,6 +6,7 @@
 #include <trellis/VRequest.hpp>
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -113,6 +114,12 @@ public:
     /// Replaces the pool's observer; null removes it. Remove an observer before destroying
     /// it. Returns false for a null pool.
     static bool observe(const StrongPtr<ValuePool>& pool, Observer* observer);
+
+    /// Copies the objects whose updates are running in any thread to \p objects, and returns
+    /// their number. The innermost one of this thread is the first; if this thread runs none,
+    /// the order is arbitrary. For reports on a hang or a crash: it may be called in a signal
+    /// handler, and objects of other threads may end at any time.
+    static std::size_t running(std::span<const VObject*> objects) noexcept;
 };
 
 } // namespace Orla

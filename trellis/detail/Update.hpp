@@ -1,10 +1,12 @@
 #pragma once
 
 #include <trellis/detail/PoolState.hpp>
+#include <trellis/detail/RunningObjects.hpp>
 
 #include <trellis/VObject.hpp>
 #include <trellis/VRequest.hpp>
 
+#include <atomic>
 #include <exception>
 #include <string>
 #include <utility>
@@ -40,6 +42,9 @@ public:
             return Result::Skipped;
         m_startedAt = Ageable::now();
         VFrame* const outer = std::exchange(pool.m_running, &m_frame);
+        std::atomic<const VObject*>& running = RunningObjects::ofThisThread();
+        const VObject* const outerObject = running.load(std::memory_order_relaxed);
+        running.store(m_frame.m_object, std::memory_order_relaxed);
         bool succeeded = false;
         try {
             succeeded = m_frame.m_object->update(request, m_precision);
@@ -47,6 +52,7 @@ public:
             // A failing object must not end the evaluation of the others.
             m_thrown = std::current_exception();
         }
+        running.store(outerObject, std::memory_order_relaxed);
         pool.m_running = outer;
         if (m_hasTurn) [[unlikely]]
             giveTurn();
