@@ -1,6 +1,7 @@
 #include <tarn/commands/CommandLine.hpp>
 #include <tarn/commands/ExitStatus.hpp>
 #include <tarn/commands/StandardStreams.hpp>
+#include <tarn/run/CrashReport.hpp>
 #include <tarn/run/UrlHandler.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/commands/Commands.hpp>
@@ -53,6 +54,7 @@ int performSafely(int argc, char** argv, const StandardStreams& streams)
 int main(int argc, char** argv)
 {
     const Tarn::StandardStreams streams;
+    const Tarn::CrashReport crashReport;
     const auto warnings = Loam::makeStrong<Tarn::WarningPrinter>();
     Orla::VActionNotifier::add(warnings);
     Orla::VUrlSystemHandler::TheUrlSystemHandler = Loam::makeStrong<Tarn::UrlHandler>();

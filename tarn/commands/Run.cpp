@@ -3,6 +3,7 @@
 #include <tarn/commands/ExitStatus.hpp>
 #include <tarn/network/ChartChoice.hpp>
 #include <tarn/network/Session.hpp>
+#include <tarn/run/CrashReport.hpp>
 #include <tarn/run/Evaluation.hpp>
 #include <tarn/run/EventPlayer.hpp>
 #include <tarn/run/Interruption.hpp>
@@ -164,14 +165,17 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
 
     const std::unique_ptr<Loam::OutputFile> output = table.empty() ? nullptr : openResult(table, streams);
     std::unique_ptr<TableWriter> writer;
-    if (output)
+    if (output) {
         writer = std::make_unique<TableWriter>(*output);
+        output->saveIfUnfinished(table + ".incomplete", {});
+    }
     task.table = writer.get();
     const std::unique_ptr<Loam::OutputFile> traceOutput = trace.empty() ? nullptr : openResult(trace, streams);
     std::unique_ptr<Tracer> tracer;
     if (traceOutput)
-        tracer = std::make_unique<Tracer>(*traceOutput, session.pool(), "tarn run " + arguments.names[0]);
+        tracer = std::make_unique<Tracer>(*traceOutput, session.pool(), "tarn run " + arguments.names[0], trace);
     task.tracer = tracer.get();
+    CrashReport::watchForExit();
     EvaluationSummary summary = evaluate(session, task, interruption.cancellation());
     // Completed even if the evaluation ended early, when a trace is most useful.
     if (tracer) {
@@ -208,7 +212,9 @@ the time.
 Relative names in the texts of inputs are resolved in the folder of the network.
 
 FILE.csv is replaced only when the table is complete; if something fails before, it
-stays unchanged. An object that fails does not end the run: objects that read its
+stays unchanged. If an object crashes, calls exit or ignores an interruption, it is
+named, the rows of the steps before are in FILE.csv.incomplete, and the trace ends
+where it happened. An object that fails does not end the run: objects that read its
 outputs wait until it succeeds, cells of the table without a result are empty, and the
 exit status is 1.
 

@@ -1,6 +1,7 @@
 #include <tarn/libraries/Libraries.hpp>
 
 #include <tarn/libraries/LibraryCheck.hpp>
+#include <tarn/text/Activity.hpp>
 #include <tarn/text/Messages.hpp>
 
 #include <trellis/VActionNotifier.hpp>
@@ -47,6 +48,7 @@ Loam::Result<void*> open(const std::string& path)
 {
     if (const Loam::Result<void> fits = checkLibraryFile(path); !fits)
         return Loam::Failure{printable(path) + ": " + fits.reason()};
+    const Activity activity{"loading", path.c_str()};
     void* const handle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle) {
         const char* const error = ::dlerror();
@@ -68,6 +70,7 @@ Loam::Result<void> Libraries::unload()
 {
     while (!m_libraries.empty()) {
         const Library& last = m_libraries.back();
+        const Activity activity{"unloading", last.name.c_str()};
         if (const Loam::Result<void> unloaded = Orla::VLibrary{last.handle}.unload(); !unloaded)
             return Loam::Failure{"library " + inQuotes(last.name) + " stays in memory because " + unloaded.reason()};
         m_libraries.pop_back();

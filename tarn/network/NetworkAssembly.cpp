@@ -1,5 +1,6 @@
 #include <tarn/network/NetworkAssembly.hpp>
 
+#include <tarn/text/Activity.hpp>
 #include <tarn/text/Messages.hpp>
 
 #include <fathom/VMultipleStringList.hpp>
@@ -127,6 +128,7 @@ void NetworkAssembly::createObject(std::size_t number, const std::vector<std::st
         made.creator.reset();
         return;
     }
+    const Activity activity{"creating the object", entry.name.text.c_str()};
     const Result<void> done = Loam::attempt([&] { made.object = made.creator->create(entry.name.text, 0, nullptr); });
     if (!made.object)
         m_faults.add(entry.type.place,
@@ -217,6 +219,7 @@ void NetworkAssembly::applyOverride(const Override& override)
 bool NetworkAssembly::setText(const GivenText& given)
 {
     beforeText(given);
+    const Activity activity{"setting", given.description.c_str()};
     const Result<bool> accepted = Loam::attempt([&] { return given.input->setInitialText(given.text); });
     if (accepted && *accepted) {
         if (given.isNumber)

@@ -1,5 +1,7 @@
 #include <tarn/run/Interruption.hpp>
 
+#include <tarn/run/EmergencyMessage.hpp>
+
 #include <loam/OutputFile.hpp>
 
 #include <atomic>
@@ -29,17 +31,29 @@ static_assert(std::atomic<int>::is_always_lock_free, "a signal handler must not 
 
 // Everything from here to the class runs in signal handlers.
 
-template<std::size_t Size>
-[[noreturn]] void endAtOnce(const char (&message)[Size])
+[[noreturn]] void endAtOnce(EmergencyMessage& message)
 {
+    message.write();
+    Loam::OutputFile::saveUnfinished();
     Loam::OutputFile::removeUnfinished();
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message, Size - 1);
     ::_exit(128 + theSignal.load());
 }
 
 void graceIsOver(int)
 {
-    endAtOnce("tarn: interrupted; an object did not stop in time\n");
+    EmergencyMessage message;
+    message << "tarn: interrupted; ";
+    if (!message.appendCulprit())
+        message << "an object";
+    message << " did not stop in time";
+    endAtOnce(message);
+}
+
+[[noreturn]] void endAtSecondSignal()
+{
+    EmergencyMessage message;
+    message << "tarn: interrupted a second time";
+    endAtOnce(message);
 }
 
 void interrupted(int signal)
@@ -47,7 +61,7 @@ void interrupted(int signal)
     const int error = errno;
     int none = 0;
     if (!theSignal.compare_exchange_strong(none, signal))
-        endAtOnce("tarn: interrupted a second time\n");
+        endAtSecondSignal();
     if (Orla::VCancellation* cancellation = theCancellation.load())
         cancellation->cancel();
     if (theTimerExists) {

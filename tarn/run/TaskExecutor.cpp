@@ -1,5 +1,7 @@
 #include <tarn/run/TaskExecutor.hpp>
 
+#include <tarn/run/CrashReport.hpp>
+
 #include <tbb/info.h>
 #include <tbb/task_arena.h>
 
@@ -32,6 +34,7 @@ void runNext()
         task = std::move(waiting().tasks.front());
         waiting().tasks.pop_front();
     }
+    CrashReport::useSignalStack();
     task();
 }
 

@@ -17,6 +17,7 @@ using Orla::StrongPtr;
 
 constexpr int TheProcess = 1;
 constexpr int TheThread = 1;
+constexpr char End[] = "\n]}\n";
 
 std::string asLine(const Json& json)
 {
@@ -50,8 +51,9 @@ const char* outcomeOf(Orla::VScheduler::Observer::Result result) noexcept
 
 } // namespace
 
-Tracer::Tracer(Loam::OutputFile& output, const StrongPtr<Orla::ValuePool>& pool, const std::string& title)
-    : m_output{output}, m_pool{pool}
+Tracer::Tracer(Loam::OutputFile& output, const StrongPtr<Orla::ValuePool>& pool, const std::string& title,
+               const std::string& path)
+    : m_output{output}, m_pool{pool}, m_path{path}
 {
     Json process;
     process["name"] = "process_name";
@@ -60,6 +62,7 @@ Tracer::Tracer(Loam::OutputFile& output, const StrongPtr<Orla::ValuePool>& pool,
     process["tid"] = TheThread;
     process["args"]["name"] = title;
     m_output.write("{\"displayTimeUnit\":\"ms\",\"traceEvents\":[\n" + asLine(process));
+    m_output.saveIfUnfinished(m_path, End);
     Orla::VScheduler::observe(m_pool, this);
 }
 
@@ -100,7 +103,7 @@ void Tracer::finish()
     stop();
     guarded([&] {
         endStep(now);
-        m_output.write("\n]}\n");
+        m_output.write(End);
     });
     if (m_failure)
         std::rethrow_exception(m_failure);
@@ -125,6 +128,17 @@ void Tracer::began(const Orla::VObject& object) noexcept
         m_running = {};
         if (auto entry = m_due.extract(&object))
             m_running = std::move(entry.mapped());
+        // The trace ends with this event if the object never returns.
+        Json event;
+        event["name"] = object.Name();
+        event["cat"] = Loam::Typename(typeid(object));
+        event["ph"] = "B";
+        event["ts"] = microseconds(Clock::now() - m_start);
+        event["pid"] = TheProcess;
+        event["tid"] = TheThread;
+        event["args"]["step"] = m_step;
+        event["args"]["reason"] = reasonOf(m_running);
+        m_output.saveIfUnfinished(m_path, ",\n" + asLine(event) + End);
     });
     m_begin = Clock::now();
 }
@@ -138,6 +152,7 @@ void Tracer::ended(const Orla::VObject& object, Result result) noexcept
         event["args"]["reason"] = reasonOf(m_running);
         event["args"]["outcome"] = outcomeOf(result);
         m_running = {};
+        m_output.saveIfUnfinished(m_path, End);
         m_output.write(",\n" + asLine(event));
     });
 }

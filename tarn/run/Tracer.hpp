@@ -20,9 +20,12 @@ namespace Tarn {
 /// event per update and one per step, each with its start and duration in microseconds.
 class Tracer final : public Orla::VScheduler::Observer {
 public:
-    /// Starts the trace of \p pool in \p output; \p title is the name of the trace. \p output
-    /// must outlive the tracer.
-    Tracer(Loam::OutputFile& output, const Orla::StrongPtr<Orla::ValuePool>& pool, const std::string& title);
+    /// Starts the trace of \p pool in \p output; \p title is the name of the trace. If the
+    /// program crashes, the last event is the beginning of the update that was running, and a
+    /// trace that is a file appears as \p path. \p output must outlive the
+    /// tracer.
+    Tracer(Loam::OutputFile& output, const Orla::StrongPtr<Orla::ValuePool>& pool, const std::string& title,
+           const std::string& path = {});
     ~Tracer() override;
     Tracer(const Tracer&) = delete;
     Tracer& operator=(const Tracer&) = delete;
@@ -57,6 +60,7 @@ private:
 
     Loam::OutputFile& m_output;
     Orla::StrongPtr<Orla::ValuePool> m_pool;
+    std::string m_path; // of the trace after a crash
     const Clock::time_point m_start = Clock::now();
     std::unordered_map<const Orla::VObject*, Due> m_due;
     Due m_running;

@@ -1,6 +1,7 @@
 #include <tarn/types/TypeCatalogue.hpp>
 
 #include <tarn/libraries/AnnouncedObjects.hpp>
+#include <tarn/text/Activity.hpp>
 
 #include <fathom/VConnectionTypeColors.hpp>
 
@@ -102,6 +103,7 @@ ValueTypeDescription describe(const std::string& name, Orla::VValueCreator& crea
 ObjectTypeDescription describe(const std::string& name, const Orla::VObjectCreator& creator, int highestLevel)
 {
     ObjectTypeDescription description = nameAndFile(name, creator);
+    const Activity activity{"creating an object of type", name.c_str()};
     const Loam::Result<void> made = Loam::attempt([&] {
         const StrongPtr<Orla::VObject> object = creator.create(creator.typeName(), 0, nullptr);
         if (!object)

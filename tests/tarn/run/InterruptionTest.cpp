@@ -97,9 +97,10 @@ TEST(Interruption, endsObjectsThatIgnoreIt)
     process.send(SIGINT);
     const ProcessResult result = process.wait();
     EXPECT_EQ(result.status, 130);
-    EXPECT_THAT(result.err, HasSubstr("tarn: interrupted; an object did not stop in time\n"));
+    EXPECT_THAT(result.err, HasSubstr("tarn: interrupted; object \"slow\" did not stop in time\n"));
     EXPECT_EQ(contentOf(folder.file("table.csv")), "old");
-    EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv"));
+    EXPECT_EQ(contentOf(folder.file("table.csv.incomplete")), "step\n");
+    EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv", "table.csv.incomplete"));
 }
 
 TEST(Interruption, endsImmediatelyOnTheSecondSignal)

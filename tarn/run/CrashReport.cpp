@@ -1,0 +1,143 @@
+#include <tarn/run/CrashReport.hpp>
+
+#include <tarn/run/EmergencyMessage.hpp>
+
+#include <loam/OutputFile.hpp>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <iterator>
+#include <memory>
+#include <new>
+
+#include <unistd.h>
+
+namespace Tarn {
+
+namespace {
+
+struct FatalSignal {
+    int number;
+    const char* description;
+};
+
+constexpr FatalSignal FatalSignals[] = {{SIGSEGV, "segmentation fault"},
+                                        {SIGBUS, "bus error"},
+                                        {SIGFPE, "arithmetic exception"},
+                                        {SIGILL, "illegal instruction"},
+                                        {SIGABRT, "abort"}};
+
+constexpr std::size_t SignalStackSize = 65536;
+
+struct sigaction theFormerCrashActions[std::size(FatalSignals)];
+std::atomic<bool> theCrashIsReported{false};
+std::atomic<bool> theExitIsWatched{false};
+
+void saveOutputs() noexcept
+{
+    Loam::OutputFile::saveUnfinished();
+    Loam::OutputFile::removeUnfinished();
+}
+
+// Everything from here on runs in signal handlers and exit handlers.
+
+void reportCrash(int signal)
+{
+    // Other threads wait until the process ends.
+    while (theCrashIsReported.exchange(true))
+        ::pause();
+    const auto* const found = std::ranges::find(FatalSignals, signal, &FatalSignal::number);
+    EmergencyMessage message;
+    message << "tarn: crashed (" << found->description << ") in ";
+    if (!message.appendCulprit())
+        message << "the program itself";
+    message.write();
+    saveOutputs();
+    for (std::size_t i = 0; i < std::size(FatalSignals); ++i)
+        ::sigaction(FatalSignals[i].number, &theFormerCrashActions[i], nullptr);
+}
+
+void handleCrash(int signal, siginfo_t* info, void*)
+{
+    reportCrash(signal);
+    // A fault happens again when the handler returns; a signal that was sent does not.
+    if (!info || info->si_code <= 0)
+        std::raise(signal);
+}
+
+void reportExit()
+{
+    EmergencyMessage message;
+    message << "tarn: the program was ended by ";
+    if (!theExitIsWatched || !message.appendCulprit() || theCrashIsReported.exchange(true))
+        return;
+    message << ", which called exit";
+    message.write();
+    saveOutputs();
+    ::_exit(1);
+}
+
+// Gives the thread a signal stack, unless it has one, and removes it when the thread ends.
+class SignalStack {
+public:
+    SignalStack() noexcept
+    {
+        stack_t stack{};
+        if (::sigaltstack(nullptr, &stack) != 0 || (stack.ss_flags & SS_DISABLE) == 0)
+            return;
+        m_memory.reset(new (std::nothrow) char[SignalStackSize]);
+        stack = {.ss_sp = m_memory.get(), .ss_flags = 0, .ss_size = SignalStackSize};
+        if (m_memory)
+            ::sigaltstack(&stack, nullptr);
+    }
+
+    ~SignalStack()
+    {
+        const stack_t none{.ss_sp = nullptr, .ss_flags = SS_DISABLE, .ss_size = 0};
+        if (m_memory)
+            ::sigaltstack(&none, nullptr);
+    }
+
+    SignalStack(const SignalStack&) = delete;
+    SignalStack& operator=(const SignalStack&) = delete;
+
+private:
+    std::unique_ptr<char[]> m_memory;
+};
+
+} // namespace
+
+CrashReport::CrashReport()
+{
+    useSignalStack();
+    struct sigaction action {};
+    sigfillset(&action.sa_mask);
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK;
+    action.sa_sigaction = handleCrash;
+    for (std::size_t i = 0; i < std::size(FatalSignals); ++i)
+        ::sigaction(FatalSignals[i].number, &action, &theFormerCrashActions[i]);
+    theExitIsWatched = true;
+    watchForExit();
+}
+
+CrashReport::~CrashReport()
+{
+    theExitIsWatched = false;
+    for (std::size_t i = 0; i < std::size(FatalSignals); ++i)
+        ::sigaction(FatalSignals[i].number, &theFormerCrashActions[i], nullptr);
+}
+
+void CrashReport::watchForExit() noexcept
+{
+    // Without memory for an entry, exit handlers that were registered earlier run.
+    static_cast<void>(std::atexit(reportExit));
+    static_cast<void>(std::at_quick_exit(reportExit));
+}
+
+void CrashReport::useSignalStack() noexcept
+{
+    static thread_local const SignalStack stack;
+}
+
+} // namespace Tarn

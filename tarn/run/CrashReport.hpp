@@ -1,0 +1,29 @@
+#pragma once
+
+#include <csignal>
+
+namespace Tarn {
+
+/// While it exists, the program reports a crash or an unexpected end before it ends: which object
+/// was running, or what else the program was doing with code of a library. Outputs for which
+/// `Loam::OutputFile::saveIfUnfinished` was called are completed.
+///
+/// After a fatal signal the former handler runs, by default the system's, so the exit status and
+/// the memory dump are those of any program. A call of `exit` or `quick_exit` in code of a
+/// library ends the program with status 1. Only one instance may exist at a time.
+class CrashReport {
+public:
+    CrashReport();
+    ~CrashReport();
+    CrashReport(const CrashReport&) = delete;
+    CrashReport& operator=(const CrashReport&) = delete;
+
+    /// Call it again when libraries have been loaded: their own exit handlers then run later.
+    static void watchForExit() noexcept;
+
+    /// Lets this thread report an overflow of its stack until it ends. The constructor does so
+    /// for its thread.
+    static void useSignalStack() noexcept;
+};
+
+} // namespace Tarn

@@ -1,0 +1,137 @@
+#include <tarn/run/CrashReport.hpp>
+
+#include "support/Sanitizers.hpp"
+#include "tarn/TarnProcess.hpp"
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include <csignal>
+#include <string>
+
+namespace CrashReportTest {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+namespace {
+
+const TarnProcess::Options oddLibraries{.environment = {"TARN_LIBRARIES=" ODD_LIBRARIES_FOLDER}, .shell = {}};
+
+// Returns a network of three steps in which the object "bad one" crashes in the second.
+std::string networkThatCrashes(const std::string& how)
+{
+    return "format = 1\nlibraries = ['crashingobjects']\n"
+           "[[object]]\nname = 'clock'\ntype = 'GlobalTime'\nset = { time = '0[0,2]@1' }\n"
+           "[[object]]\nname = 'bad one'\ntype = 'Crasher'\nset = { how = '"
+           + how + "' }\n[[column]]\ntitle = 'out'\nvalue = 'bad one.out'\n";
+}
+
+ProcessResult runCrashing(const TestFolder& folder, const std::string& how, const std::vector<std::string>& options)
+{
+    std::vector<std::string> arguments{"run", folder.write("net.toml", networkThatCrashes(how))};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return runTarn(arguments, oddLibraries);
+}
+
+} // namespace
+
+TEST(CrashReport, namesTheObjectThatCrashed)
+{
+    const struct {
+        const char* how;
+        const char* what;
+        int signal;
+    } cases[] = {
+        {"fault", "segmentation fault", SIGSEGV},
+        {"overflow", "segmentation fault", SIGSEGV},
+        {"division", "arithmetic exception", SIGFPE},
+        {"abort", "abort", SIGABRT},
+        {"terminate", "abort", SIGABRT},
+    };
+    for (const auto& [how, what, signal] : cases) {
+        SCOPED_TRACE(how);
+        const TestFolder folder;
+        const ProcessResult result = runCrashing(folder, how, {});
+        EXPECT_THAT(result.err, HasSubstr(std::string("tarn: crashed (") + what + ") in object \"bad one\"\n"));
+#ifndef SANITIZED // sanitizers exit with a status of their own
+        EXPECT_EQ(result.status, 1000 + signal);
+#else
+        EXPECT_GT(signal, 0);
+#endif
+    }
+}
+
+TEST(CrashReport, leavesTheRowsAndTheTraceUpToTheCrash)
+{
+    const TestFolder folder;
+    folder.write("table.csv", "old");
+    folder.write("trace.json", "old");
+    runCrashing(folder, "fault", {"--table=" + folder.file("table.csv"), "--trace=" + folder.file("trace.json")});
+    EXPECT_EQ(contentOf(folder.file("table.csv")), "old");
+    EXPECT_EQ(contentOf(folder.file("table.csv.incomplete")), "step,out\n0,0\n");
+    const auto trace = nlohmann::json::parse(contentOf(folder.file("trace.json")));
+    const auto& last = trace["traceEvents"].back();
+    EXPECT_EQ(last["ph"], "B");
+    EXPECT_EQ(last["name"], "bad one");
+    EXPECT_EQ(last["args"]["step"], 1);
+    EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv", "table.csv.incomplete", "trace.json"));
+}
+
+TEST(CrashReport, leavesTheTraceOnStandardOutputUsable)
+{
+    const TestFolder folder;
+    const ProcessResult result = runCrashing(folder, "fault", {"--trace=-"});
+    EXPECT_EQ(nlohmann::json::parse(result.out)["traceEvents"].back()["name"], "bad one");
+}
+
+TEST(CrashReport, treatsACallOfExitInAnUpdateAsAnError)
+{
+    for (const char* how : {"exit", "quick_exit"}) {
+        SCOPED_TRACE(how);
+        const TestFolder folder;
+        const ProcessResult result = runCrashing(folder, how, {"--table=" + folder.file("table.csv")});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.err, HasSubstr("tarn: the program was ended by object \"bad one\", which called exit\n"));
+        EXPECT_EQ(contentOf(folder.file("table.csv.incomplete")), "step,out\n0,0\n");
+        EXPECT_THAT(folder.names(), Not(testing::Contains("table.csv")));
+    }
+}
+
+TEST(CrashReport, treatsACallOfExitInAConstructorAsAnError)
+{
+    const TestFolder folder;
+    const std::string file = folder.write("net.toml", "format = 1\nlibraries = ['crashingobjects']\n[[object]]\n"
+                                                      "name = 'early'\ntype = 'QuitterInConstructor'\n");
+    const ProcessResult result = runTarn({"check", file}, oddLibraries);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "tarn: the program was ended by creating the object \"early\", which called exit\n");
+}
+
+TEST(CrashReport, namesTheLibraryWhoseInitialisationFailed)
+{
+    const ProcessResult result = runTarn({"libraries", "throwinglibrary"}, oddLibraries);
+    EXPECT_THAT(result.err,
+                HasSubstr("tarn: crashed (abort) in loading \"" ODD_LIBRARIES_FOLDER "/throwinglibrary.so\"\n"));
+    EXPECT_GT(result.status, 1);
+}
+
+TEST(CrashReport, restoresTheSignalHandlers)
+{
+    struct sigaction before {};
+    ::sigaction(SIGSEGV, nullptr, &before);
+    {
+        const Tarn::CrashReport report;
+        struct sigaction during {};
+        ::sigaction(SIGSEGV, nullptr, &during);
+        EXPECT_NE(during.sa_sigaction, before.sa_sigaction);
+    }
+    struct sigaction after {};
+    ::sigaction(SIGSEGV, nullptr, &after);
+    EXPECT_EQ(after.sa_sigaction, before.sa_sigaction);
+}
+
+} // namespace CrashReportTest
