@@ -15,7 +15,10 @@ namespace {
 
 int performLibraries(const Arguments& arguments, const StandardStreams& streams)
 {
-    const auto files = findLibraryFiles(Libraries::searchPath(Loam::getCurrentDir()), arguments.names);
+    // Loading a library runs its code, so the working folder must not be enough of a reason.
+    const auto folders =
+        arguments.names.empty() ? Libraries::searchPath() : Libraries::searchPath(Loam::getCurrentDir());
+    const auto files = findLibraryFiles(folders, arguments.names);
     print(streams, arguments.has("json") ? libraryListJson(files) : libraryListText(files));
     // Files that the user did not name do not affect the exit status.
     const bool failed = std::ranges::any_of(files, [](const LibraryFile& file) { return !file.loading; });
@@ -33,7 +36,8 @@ const Command& librariesCommand()
         .summary = "Lists object libraries and their types.",
         .help = R"(Loads each library found, or each library named, and lists its file, object types and
 value types. A file that cannot be loaded is listed with the reason; if it was named,
-the exit status is 2.
+the exit status is 2. Loading a library runs its code, so only libraries that are named
+are searched for in the working folder.
 )",
         .options = {jsonOption()},
         .libraryFolders = WorkingFolders,

@@ -25,7 +25,8 @@ TEST(LibrariesCommand, returnsStatus2IfANamedLibraryCannotBeLoaded)
 {
     const TestFolder folder;
     folder.write("broken.so", "This is a text.");
-    const TarnProcess::Options options{.environment = {}, .shell = "cd '" + folder.path() + "'"};
+    const TarnProcess::Options options{.environment = {"TARN_LIBRARIES=" TEST_OBJECTS_FOLDER ":" + folder.path()},
+                                       .shell = {}};
     const ProcessResult all = runTarn({"libraries"}, options);
     EXPECT_EQ(all.status, 0);
     EXPECT_THAT(all.out,
@@ -42,6 +43,17 @@ TEST(LibrariesCommand, returnsStatus2IfANamedLibraryCannotBeLoaded)
     EXPECT_EQ(read["libraries"][0]["name"], "testobjects");
     EXPECT_TRUE(read["libraries"][1]["path"].is_null());
     EXPECT_EQ(runTarn({"libraries", "testobjects"}, options).status, 0);
+}
+
+TEST(LibrariesCommand, loadsLibrariesOfTheWorkingFolderOnlyIfTheyAreNamed)
+{
+    const TarnProcess::Options inFolder{.environment = {}, .shell = "cd '" ODD_LIBRARIES_FOLDER "'"};
+    const ProcessResult all = runTarn({"libraries"}, inFolder);
+    EXPECT_EQ(all.status, 0);
+    EXPECT_EQ(all.err, "") << "a library of the working folder ends the program";
+    EXPECT_THAT(all.out, Not(HasSubstr(ODD_LIBRARIES_FOLDER)));
+    EXPECT_THAT(runTarn({"libraries", "rivalobjects"}, inFolder).out,
+                HasSubstr("rivalobjects, " ODD_LIBRARIES_FOLDER "/rivalobjects.so\n"));
 }
 
 } // namespace LibrariesTest
