@@ -2,7 +2,49 @@
 
 #include <loam/Utf8.hpp>
 
+#include <algorithm>
+
 namespace Loam::StringUtil {
+
+namespace {
+
+void appendHex(std::string& shown, unsigned char byte)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    shown += digits[byte >> 4];
+    shown += digits[byte & 0xFu];
+}
+
+// Returns true for characters beyond ASCII that control a terminal, break a line, or change
+// the direction of the text around them.
+bool isControl(char32_t code) noexcept
+{
+    return (code >= 0x80 && code < 0xA0) || code == 0x061C || code == 0x200E || code == 0x200F
+           || (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+// Appends a character, or its number if it is a control character.
+void appendVisibly(std::string& shown, std::string_view character)
+{
+    char32_t code = 0;
+    // No control character has more than three bytes.
+    if (character.size() == 2)
+        code = (static_cast<unsigned char>(character[0]) & 0x1Fu) << 6
+               | (static_cast<unsigned char>(character[1]) & 0x3Fu);
+    else if (character.size() == 3)
+        code = (static_cast<unsigned char>(character[0]) & 0x0Fu) << 12
+               | (static_cast<unsigned char>(character[1]) & 0x3Fu) << 6
+               | (static_cast<unsigned char>(character[2]) & 0x3Fu);
+    if (!isControl(code)) {
+        shown += character;
+        return;
+    }
+    shown += "\\u";
+    appendHex(shown, static_cast<unsigned char>(code >> 8));
+    appendHex(shown, static_cast<unsigned char>(code & 0xFFu));
+}
+
+} // namespace
 
 std::size_t findUnquoted(std::string_view text, char c, char quote) noexcept
 {
@@ -43,33 +85,36 @@ std::string crop_before_first(const std::string& text, char c)
 std::string escaped(std::string_view text)
 {
     std::string shown;
-    const auto addHex = [&shown](unsigned char byte) {
-        constexpr char digits[] = "0123456789abcdef";
-        shown += digits[byte >> 4];
-        shown += digits[byte & 0xFu];
-    };
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = 0; i < text.size();) {
         const char letter = text[i];
         const auto code = static_cast<unsigned char>(letter);
+        const std::size_t length = characterLength(text.substr(i));
         if (letter == '\n') {
             shown += "\\n";
         } else if (letter == '\t') {
             shown += "\\t";
         } else if (letter == '\r') {
             shown += "\\r";
-        } else if (code < 0x20 || code == 0x7F) {
+        } else if (code < 0x20 || code == 0x7F || length == 0) {
             shown += "\\x";
-            addHex(code);
-        } else if (const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
-                   code == 0xC2 && next >= 0x80 && next < 0xA0) {
-            shown += "\\u00"; // the control characters U+0080 to U+009F
-            addHex(next);
-            ++i;
+            appendHex(shown, code);
         } else if (letter == '\\') {
             shown += "\\\\";
         } else {
-            shown += letter;
+            appendVisibly(shown, text.substr(i, length));
         }
+        i += std::max<std::size_t>(length, 1);
+    }
+    return shown;
+}
+
+std::string unicodeEscaped(std::string_view text)
+{
+    std::string shown;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::size_t length = std::max<std::size_t>(characterLength(text.substr(i)), 1);
+        appendVisibly(shown, text.substr(i, length));
+        i += length;
     }
     return shown;
 }

@@ -64,9 +64,14 @@ constexpr std::string_view afterLast(std::string_view text, char c) noexcept
     return text.substr(text.rfind(c) + 1); // npos + 1 is 0
 }
 
-/// Returns \p text with control characters and backslashes escaped, so a name cannot
-/// break a line of output or control the terminal.
+/// Returns \p text with control characters, direction marks, bytes that are not UTF-8, and
+/// backslashes escaped, so a name cannot break a line of output, control the terminal or
+/// change the order of the text around it.
 LOAM_API std::string escaped(std::string_view text);
+
+/// Returns \p text with the control characters and direction marks beyond ASCII written as
+/// `\uXXXX`, as strings of JSON and TOML allow. Changes nothing else.
+LOAM_API std::string unicodeEscaped(std::string_view text);
 
 /// Like `escaped`, for messages: cuts a text of more than 200 bytes at a character
 /// boundary and appends "...".

@@ -4,11 +4,10 @@
 
 namespace Loam {
 
-namespace {
-
-// Returns the length in bytes of the well-formed character at the start of `text`, or 0.
 std::size_t characterLength(std::string_view text) noexcept
 {
+    if (text.empty())
+        return 0;
     const auto first = static_cast<unsigned char>(text[0]);
     if (first < 0x80)
         return 1;
@@ -22,8 +21,6 @@ std::size_t characterLength(std::string_view text) noexcept
         return 0;
     return length;
 }
-
-} // namespace
 
 std::size_t findInvalidUtf8(std::string_view text) noexcept
 {

@@ -8,6 +8,10 @@
 
 namespace Loam {
 
+/// Returns the number of bytes of the well-formed character at the start of \p text; 0 if
+/// \p text is empty or does not begin with one.
+LOAM_API std::size_t characterLength(std::string_view text) noexcept;
+
 /// Returns the position of the first byte outside any well-formed UTF-8 character, or `npos`.
 LOAM_API std::size_t findInvalidUtf8(std::string_view text) noexcept;
 

@@ -10,6 +10,7 @@
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VTypeLabel.hpp>
 
+#include <loam/StringUtil.hpp>
 #include <loam/Typename.hpp>
 #include <loam/Utf8.hpp>
 
@@ -145,10 +146,11 @@ std::string apart(std::string_view piece)
 }
 
 // Returns the text for a label in Graphviz's HTML-like language. It is drawn literally: line
-// breaks break lines, and other control characters appear as control pictures.
+// breaks break lines, other control characters of ASCII appear as control pictures, and those
+// beyond ASCII as numbers.
 std::string inLabel(const std::string& raw)
 {
-    const std::string text = Loam::validUtf8(raw);
+    const std::string text = Loam::StringUtil::unicodeEscaped(Loam::validUtf8(raw));
     std::string label;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto code = static_cast<unsigned char>(text[i]);

@@ -2,6 +2,7 @@
 
 #include <loam/Numbers.hpp>
 #include <loam/OutputFile.hpp>
+#include <loam/StringUtil.hpp>
 #include <loam/Typename.hpp>
 
 #include <nlohmann/json.hpp>
@@ -21,7 +22,7 @@ constexpr char End[] = "\n]}\n";
 
 std::string asLine(const Json& json)
 {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return Loam::StringUtil::unicodeEscaped(json.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 double microseconds(std::chrono::steady_clock::duration time)

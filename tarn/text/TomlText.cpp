@@ -4,6 +4,7 @@
 
 #include <loam/Ascii.hpp>
 #include <loam/Numbers.hpp>
+#include <loam/StringUtil.hpp>
 
 #include <algorithm>
 #include <charconv>
@@ -81,7 +82,8 @@ std::string tomlValue(const toml::node& node)
         return tomlNumber(number->get());
     std::ostringstream text;
     text << toml::toml_formatter{node, toml::format_flags::allow_unicode_strings};
-    return text.str();
+    // Standard output may be a terminal.
+    return Loam::StringUtil::unicodeEscaped(text.str());
 }
 
 } // namespace Tarn

@@ -15,8 +15,8 @@ namespace Tarn {
 /// \pre \p key is UTF-8.
 std::string tomlKey(std::string_view key);
 
-/// Returns \p text on one line, in double quotes. Escapes the control characters of ASCII and
-/// all line separators of Unicode.
+/// Returns \p text on one line, in double quotes. Escapes control characters, line separators
+/// and direction marks.
 /// \pre \p text is UTF-8.
 std::string tomlString(std::string_view text);
 

@@ -3,6 +3,7 @@
 #include <tarn/text/TextTable.hpp>
 #include <tarn/text/Messages.hpp>
 
+#include <loam/StringUtil.hpp>
 #include <loam/Utf8.hpp>
 
 #include <nlohmann/json.hpp>
@@ -142,7 +143,7 @@ Json jsonList(const Descriptions& descriptions)
 
 std::string indented(const Json& json)
 {
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    return Loam::StringUtil::unicodeEscaped(json.dump(2, ' ', false, Json::error_handler_t::replace)) + '\n';
 }
 
 } // namespace

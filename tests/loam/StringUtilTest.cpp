@@ -198,7 +198,26 @@ TEST(StringUtil, escapesControlCharacters)
     EXPECT_EQ(StringUtil::printable(std::string("a\0b", 3)), "a\\x00b");
     EXPECT_EQ(StringUtil::printable("Größe \"x\""), "Größe \"x\"");
     EXPECT_EQ(StringUtil::printable("\u0080a\u009B[31m\u009F\u00A0"), "\\u0080a\\u009b[31m\\u009f\u00A0");
-    EXPECT_EQ(StringUtil::printable("a\xC2"), "a\xC2");
+}
+
+TEST(StringUtil, escapesCharactersThatReorderTheTextAroundThem)
+{
+    EXPECT_EQ(StringUtil::escaped("\u061c\u200e\u200f|\u202a\u202b\u202c\u202d\u202e|\u2066\u2067\u2068\u2069"),
+              "\\u061c\\u200e\\u200f|\\u202a\\u202b\\u202c\\u202d\\u202e|\\u2066\\u2067\\u2068\\u2069");
+    EXPECT_EQ(StringUtil::escaped("\u2028\u2029"), "\\u2028\\u2029");
+    const std::string harmless = "\u061b\u061d\u200d\u2010\u2027\u202f\u2065\u206a שלום 😀";
+    EXPECT_EQ(StringUtil::escaped(harmless), harmless);
+}
+
+TEST(StringUtil, escapesBytesThatAreNotUtf8)
+{
+    EXPECT_EQ(StringUtil::escaped("a\xC2"), "a\\xc2");
+    EXPECT_EQ(StringUtil::escaped("\x9b[31m\xff ä\xe2\x80"), "\\x9b[31m\\xff ä\\xe2\\x80");
+}
+
+TEST(StringUtil, escapesOnlyCharactersBeyondAsciiForUnicodeStrings)
+{
+    EXPECT_EQ(StringUtil::unicodeEscaped("a\n\x1b\\ä\u0085\u202e\xff"), "a\n\x1b\\ä\\u0085\\u202e\xff");
 }
 
 TEST(StringUtil, escapesTextsOfAnyLength)

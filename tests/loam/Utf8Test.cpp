@@ -43,6 +43,16 @@ TEST(Utf8, isInvalidOtherwise)
     }
 }
 
+TEST(Utf8, hasCharactersOfOneToFourBytes)
+{
+    EXPECT_EQ(characterLength(""), 0u);
+    EXPECT_EQ(characterLength("ab"), 1u);
+    EXPECT_EQ(characterLength("äb"), 2u);
+    EXPECT_EQ(characterLength("€b"), 3u);
+    EXPECT_EQ(characterLength("😀b"), 4u);
+    EXPECT_EQ(characterLength("\xC3(b"), 0u);
+}
+
 TEST(Utf8, isCountedInCharacters)
 {
     EXPECT_EQ(countCharacters(""), 0u);

@@ -254,7 +254,7 @@ TEST(Conversion, reportsThePlaceOfWhateverCannotBeKept)
          "restores it\n"},
         {head + object("e", "Echo"),
          {"--set=e.text=\xFF"},
-         "--set=e.text=\xFF: the value cannot be kept: the text is not valid UTF-8\n"},
+         "--set=e.text=\\xff: the value cannot be kept: the text is not valid UTF-8\n"},
         {head + object("t", "Strange"),
          {"--set=t.x=1"},
          "--set=t.x=1: object \"t\" has no inputs because its type is unknown\n"},

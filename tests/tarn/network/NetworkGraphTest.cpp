@@ -161,6 +161,7 @@ TEST(NetworkGraph, escapesNamesInLabels)
         {"\\N\\", "\\<FONT FACE=\"sans-serif\">N</FONT>\\"},
         {"\\\\N", "\\<FONT FACE=\"sans-serif\">\\</FONT>N"},
         {"& a;", "&amp; a;"},
+        {"a\u202eb", "a\\<FONT FACE=\"sans-serif\">u</FONT>202eb"},
     };
     for (const auto& [name, label] : cases) {
         SCOPED_TRACE(name);

@@ -68,7 +68,7 @@ TEST(Tracer, writesCompleteEventsInMicroseconds)
 {
     const TestFolder folder;
     const auto pool = Loam::makeStrong<Orla::ValuePool>("pool");
-    const auto sleeper = Loam::makeStrong<Sleeper>("\xFF\"sleeper\"\n", 0, nullptr);
+    const auto sleeper = Loam::makeStrong<Sleeper>("\xFF\"sleeper\"\n\u202e", 0, nullptr);
     sleeper->enableRequestProcessing();
     {
         Loam::OutputFile output{folder.file("trace.json")};
@@ -82,12 +82,13 @@ TEST(Tracer, writesCompleteEventsInMicroseconds)
         Orla::VScheduler::schedule(sleeper, 0, pool);
         Orla::VScheduler::run(pool);
     }
+    EXPECT_THAT(contentOf(folder.file("trace.json")), HasSubstr("\\n\\u202e\""));
     const json trace = json::parse(contentOf(folder.file("trace.json")));
     ASSERT_EQ(trace["traceEvents"].size(), 3u);
     EXPECT_EQ(trace["traceEvents"][0],
               json::parse(R"({"name":"process_name","ph":"M","pid":1,"tid":1,"args":{"name":"a title"}})"));
     const json& update = trace["traceEvents"][1];
-    EXPECT_EQ(update["name"], "\uFFFD\"sleeper\"\n");
+    EXPECT_EQ(update["name"], "\uFFFD\"sleeper\"\n\u202e");
     EXPECT_THAT(update["cat"].get<std::string>(), HasSubstr("Sleeper"));
     EXPECT_EQ(update["ph"], "X");
     EXPECT_EQ(update["pid"], 1);

@@ -103,6 +103,7 @@ TEST(TomlText, writesStringsOnOneLine)
         {std::string("a\0\x01\x1F\x7F", 5), R"("a\u0000\u0001\u001F\u007F")"},
         {std::string("ä\0\x7F\t\"", 6), R"("ä\u0000\u007F\t\"")"},
         {"\xC2\x85 \xE2\x80\xA8 \xE2\x80\xA9", R"("\u0085 \u2028 \u2029")"},
+        {"\u0080\u009b \u200e\u202e\u2066", R"("\u0080\u009b \u200e\u202e\u2066")"},
         {"ä \u00A0\uFEFF\U0001F30D", "\"ä \u00A0\uFEFF\U0001F30D\""},
     };
     const UnderDecimalComma comma;

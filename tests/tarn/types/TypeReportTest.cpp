@@ -178,6 +178,10 @@ TEST(TypeReport, isValidJsonForAnyName)
     type.name = "\xFF\"\\\n\x01";
     const json read = json::parse(objectListJson({type}));
     EXPECT_EQ(read["objectTypes"][0]["name"], "\uFFFD\"\\\n\x01");
+    type.name = "\u009b\u202e";
+    const std::string text = objectListJson({type});
+    EXPECT_THAT(text, HasSubstr("\"\\u009b\\u202e\""));
+    EXPECT_EQ(json::parse(text)["objectTypes"][0]["name"], type.name);
     const json described = json::parse(runTarn({"describe", "Misnamed", "--library=testobjects", "--json"}).out);
     EXPECT_EQ(described["objectTypes"][0]["inputs"][0]["name"], "\uFFFD<b>&amp;\"{in|x}\\N");
     EXPECT_EQ(described["objectTypes"][0]["outputs"][0]["name"], "</TABLE>\n\x01&#65;\\");
