@@ -1,15 +1,13 @@
 #include <earth/ChartPlaces.hpp>
+#include <earth/DataFile.hpp>
 #include <earth/DateLine.hpp>
 #include <earth/Land.hpp>
 #include <earth/TopoJson.hpp>
 
-#include <fathom/CommandLineParser.hpp>
 #include <fathom/String.hpp>
 #include <fathom/VConnectionTypeColors.hpp>
 
 #include <trellis/VObjectCreator.hpp>
-
-#include <loam/FileInfo.hpp>
 
 #include <limits>
 #include <stdexcept>
@@ -49,8 +47,7 @@ public:
 private:
     void read(const std::string& file, const std::string& object)
     {
-        const bool isThere = Loam::FileInfo{file}.exists();
-        const Shapes shapes = readTopoJson(isThere ? file : Orla::CommandLineParser{}.resolvePath(file), object);
+        const Shapes shapes = readTopoJson(findData(file), object);
         constexpr double none = std::numeric_limits<double>::quiet_NaN();
         m_coast.clear();
         for (const Polygon& polygon : shapes.polygons) {

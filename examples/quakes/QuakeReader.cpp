@@ -1,13 +1,12 @@
 #include "Catalogue.hpp"
 #include "GeoJson.hpp"
 
-#include <fathom/CommandLineParser.hpp>
+#include <earth/DataFile.hpp>
+
 #include <fathom/String.hpp>
 #include <fathom/VOutput.hpp>
 
 #include <trellis/VObjectCreator.hpp>
-
-#include <loam/FileInfo.hpp>
 
 #include <stdexcept>
 
@@ -27,9 +26,7 @@ public:
         if (file.empty())
             throw std::runtime_error{"the input \"file\" is empty, expected the name of a GeoJSON file"};
 
-        const bool isThere = Loam::FileInfo{file}.exists();
-        const std::string found = isThere ? file : Orla::CommandLineParser{}.resolvePath(file);
-        const std::optional<Catalogue> catalogue = readGeoJson(found, [&request](double fraction) {
+        const std::optional<Catalogue> catalogue = readGeoJson(Earth::findData(file), [&request](double fraction) {
             request.reportProgress(fraction);
             return !request.isCancelled();
         });

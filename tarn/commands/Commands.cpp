@@ -8,6 +8,7 @@
 #include <fathom/CommandLineParser.hpp>
 
 #include <loam/FileError.hpp>
+#include <loam/FileInfo.hpp>
 #include <loam/OutputFile.hpp>
 
 #include <algorithm>
@@ -77,7 +78,12 @@ std::string findNetwork(const std::string& name)
     std::error_code error;
     if (std::filesystem::path(name).is_absolute() || std::filesystem::exists(name, error))
         return name;
-    return Orla::CommandLineParser{}.resolvePath(name);
+    // CommandLineParser::resolvePath prints each name that it tries.
+    for (const std::string& folder : Orla::CommandLineParser::getDataDirs()) {
+        if (std::string file = folder + '/' + name; Loam::FileInfo{file}.exists())
+            return file;
+    }
+    return name;
 }
 
 int reportFaults(const Faults& faults, const std::string& consequence)

@@ -213,6 +213,7 @@ TEST(Program, findsItsDataInTheDataFolders)
         runTarn({"run", folder.file("net.toml")},
                 {.environment = {"TARN_DATA=" EXAMPLES_FOLDER "/quakes;" EXAMPLES_FOLDER "/earth"}, .shell = {}});
     EXPECT_EQ(found.status, 0) << found.err;
+    EXPECT_THAT(found.err, Not(HasSubstr("Checking file")));
 }
 
 TEST(Program, refusesChoicesThatTheDataDoesNotHave)
