@@ -37,7 +37,8 @@ const Command& checkCommand()
         .mostNames = 1,
         .summary = "Loads a network and lists its faults.",
         .help = R"(Loads the network and its libraries, creates and connects its objects, and lists all
-faults with their places. Evaluates nothing. The exit status is 2 if there are faults.
+faults with their places; of more than 20 similar ones, only the first 20. Evaluates
+nothing. The exit status is 2 if there are faults.
 
 Keys that are the hot key of several objects are listed too, but are not faults.
 )",

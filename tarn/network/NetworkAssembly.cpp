@@ -40,6 +40,16 @@ std::optional<double> wholeNumber(const std::string& text)
     return number;
 }
 
+// Returns the names in quotes, at most three of them.
+std::string listed(const std::vector<std::string>& names)
+{
+    constexpr std::size_t MostListed = 3;
+    std::string list;
+    for (std::size_t i = 0; i < std::min(names.size(), MostListed); ++i)
+        list += (i == 0 ? "" : ", ") + inQuotes(names[i]);
+    return names.size() > MostListed ? list + " and " + std::to_string(names.size() - MostListed) + " more" : list;
+}
+
 std::string placeText(const Faults& faults, Place place)
 {
     return faults.file() + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
@@ -114,11 +124,8 @@ void NetworkAssembly::createObject(std::size_t number, const std::vector<std::st
         std::string message = entry.description + ": no library has an object type " + inQuotes(entry.type.text);
         if (const std::string near = nearest(entry.type.text, Orla::VObjectCreator::names()); !near.empty())
             message += "; did you mean " + inQuotes(near) + "?";
-        std::string missing;
-        for (const std::string& library : missingLibraries)
-            missing += (missing.empty() ? "" : ", ") + inQuotes(library);
-        if (!missing.empty())
-            message += " (not loaded: " + missing + ")";
+        if (!missingLibraries.empty())
+            message += " (not loaded: " + listed(missingLibraries) + ")";
         onUnknownType(entry.type.place, message);
         return;
     }

@@ -1,8 +1,10 @@
 #include <tarn/run/WarningPrinter.hpp>
 
 #include <tarn/run/Progress.hpp>
+#include <tarn/text/Messages.hpp>
 
 #include <cstdio>
+#include <string_view>
 
 namespace Tarn {
 
@@ -11,13 +13,18 @@ namespace {
 // Bounds the memory for messages that differ each time.
 constexpr std::size_t MostRemembered = 10000;
 
+constexpr std::size_t MostListed = 12;
+
+// Between the object and the reason in the scheduler's messages.
+constexpr std::string_view Failed = " failed: ";
+
 } // namespace
 
 void printLine(const std::string& line)
 {
     Progress::hide();
     // Written in one piece because libraries may write at the same time.
-    const std::string whole = line + '\n';
+    const std::string whole = onOneLine(line) + '\n';
     std::fwrite(whole.data(), 1, whole.size(), stderr);
 }
 
@@ -30,32 +37,76 @@ WarningPrinter::~WarningPrinter() = default;
 
 bool WarningPrinter::warned(const std::string& message)
 {
-    return print("warning: " + message);
+    return print("warning: ", message);
 }
 
 bool WarningPrinter::failed(const std::string& message)
 {
-    return print("error: " + message);
+    {
+        const std::lock_guard lock{m_mutex};
+        if (isKnownFailure(message))
+            return true;
+    }
+    return print("error: ", message);
 }
 
-bool WarningPrinter::print(const std::string& message)
+bool WarningPrinter::print(const std::string& kind, const std::string& message)
 {
-    const auto found = m_counts.find(message);
-    if (found != m_counts.end()) {
+    const std::lock_guard lock{m_mutex};
+    if (const auto found = m_counts.find(kind + message); found != m_counts.end()) {
         ++found->second;
         return true;
     }
     if (m_counts.size() < MostRemembered)
-        m_counts.emplace(message, 1);
-    say(message);
+        m_counts.emplace(kind + message, 1);
+    if (m_similar[kind].add(message))
+        say(kind + message);
+    return true;
+}
+
+bool WarningPrinter::isKnownFailure(const std::string& message)
+{
+    const std::size_t end = message.find(Failed);
+    if (end == std::string::npos)
+        return false;
+    const std::string object = message.substr(0, end);
+    const std::string reason = message.substr(end + Failed.size());
+    const auto found = m_failures.find(reason);
+    if (found == m_failures.end()) {
+        if (m_failures.size() < MostRemembered)
+            m_failures.emplace(reason, Failure{object, {}});
+        return false;
+    }
+    if (found->second.first == object)
+        return false;
+    found->second.others.insert(object);
     return true;
 }
 
 void WarningPrinter::printRepeats() const
 {
+    const std::lock_guard lock{m_mutex};
+    for (const auto& [reason, failure] : m_failures) {
+        if (failure.others.empty())
+            continue;
+        std::string list;
+        std::size_t listed = 0;
+        for (const std::string& object : failure.others) {
+            if (listed++ == MostListed)
+                break;
+            list += (list.empty() ? "" : ", ") + object;
+        }
+        if (failure.others.size() > MostListed)
+            list += " and " + std::to_string(failure.others.size() - MostListed) + " more";
+        say("error: " + list + " failed for the same reason as " + failure.first);
+    }
     for (const auto& [message, count] : m_counts) {
         if (count > 1)
             say(message + " (" + std::to_string(count) + " times in all)");
+    }
+    for (const auto& [kind, similar] : m_similar) {
+        for (const std::string& more : similar.summary())
+            say(kind + more);
     }
 }
 

@@ -1,15 +1,20 @@
 #pragma once
 
+#include <tarn/text/SimilarMessages.hpp>
+
 #include <trellis/VActionNotifier.hpp>
 
 #include <cstddef>
 #include <map>
+#include <mutex>
+#include <set>
 #include <string>
 
 namespace Tarn {
 
-/// Prints each warning and each error to standard error once, so an object that warns in every
-/// step does not bury the messages of others.
+/// Prints warnings and errors to standard error. Prints each one only once, the reason for which
+/// several objects fail only once, and few of many similar messages, so an object that warns in
+/// every step does not bury the messages of others. It may be used in several threads.
 class WarningPrinter final : public Orla::VActionNotifier {
 public:
     ~WarningPrinter() override;
@@ -17,16 +22,29 @@ public:
     bool warned(const std::string& message) override;
     bool failed(const std::string& message) override;
 
-    /// Prints the number of occurrences of each repeated message.
+    /// Prints which objects failed for a reason that was printed for another one, the number
+    /// of occurrences of each repeated message, and the numbers of similar ones not printed.
     void printRepeats() const;
 
 private:
-    bool print(const std::string& message);
+    struct Failure {
+        std::string first;
+        std::set<std::string> others;
+    };
 
+    bool print(const std::string& kind, const std::string& message);
+
+    // Returns true if another object has failed for the same reason. The object is then
+    // remembered for the end.
+    bool isKnownFailure(const std::string& message);
+
+    mutable std::mutex m_mutex;
     std::map<std::string, std::size_t> m_counts;
+    std::map<std::string, Failure> m_failures; // objects, by reason
+    std::map<std::string, SimilarMessages> m_similar; // by kind of message
 };
 
-/// Prints a line to standard error.
+/// Prints a line to standard error. Escapes control characters that \p line still contains.
 void printLine(const std::string& line);
 
 /// Prints a line that begins with the program's name to standard error.

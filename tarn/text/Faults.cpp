@@ -1,6 +1,7 @@
 #include <tarn/text/Faults.hpp>
 
 #include <tarn/text/Messages.hpp>
+#include <tarn/text/SimilarMessages.hpp>
 
 #include <loam/Utf8.hpp>
 
@@ -36,12 +37,17 @@ std::vector<std::string> Faults::lines() const
     });
 
     std::vector<std::string> lines;
+    SimilarMessages similar;
     for (const Fault* fault : sorted) {
+        if (!similar.add(fault->message))
+            continue;
         const auto [line, column] = fault->place;
         lines.push_back(fault->place
                             ? m_file + ':' + std::to_string(line) + ':' + std::to_string(column) + ": " + fault->message
                             : fault->message);
     }
+    for (const std::string& more : similar.summary())
+        lines.push_back(m_file + ": " + more);
     return lines;
 }
 

@@ -45,7 +45,8 @@ public:
     std::size_t size() const noexcept { return m_faults.size(); }
 
     /// Returns one line per fault, `FILE:LINE:COLUMN: MESSAGE`, sorted by place. Faults
-    /// without a place are bare messages and come last.
+    /// without a place are bare messages and come last. Of many similar faults, the first
+    /// ones are listed and the others are counted in lines at the end.
     std::vector<std::string> lines() const;
 
 private:

@@ -36,15 +36,51 @@ TEST(WarningPrinter, labelsFailuresAsErrors)
                                                       "tarn: error: too hot (2 times in all)\n");
 }
 
-TEST(WarningPrinter, losesNoWarnings)
+TEST(WarningPrinter, printsWarningsOnOneLineWithoutControlCharacters)
+{
+    testing::internal::CaptureStderr();
+    Loam::makeStrong<WarningPrinter>()->warned("a\nb\x1b[31m \\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "tarn: warning: a\\nb\\x1b[31m \\n\n");
+}
+
+TEST(WarningPrinter, countsSimilarWarningsAtTheEnd)
 {
     const auto printer = Loam::makeStrong<WarningPrinter>();
     testing::internal::CaptureStderr();
-    for (int i = 0; i < 10010; ++i)
-        printer->warned(std::to_string(i));
+    for (int i = 0; i < 20010; ++i)
+        printer->warned("value " + std::to_string(i));
+    printer->printRepeats();
     const std::string printed = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(std::ranges::count(printed, '\n'), 10010);
-    EXPECT_TRUE(printed.ends_with("tarn: warning: 10009\n"));
+    EXPECT_EQ(std::ranges::count(printed, '\n'), 21);
+    EXPECT_TRUE(printed.ends_with("tarn: warning: value 19\ntarn: warning: 19990 more like: value 0\n"));
+}
+
+TEST(WarningPrinter, printsAReasonForWhichSeveralObjectsFailOnce)
+{
+    const auto printer = Loam::makeStrong<WarningPrinter>();
+    testing::internal::CaptureStderr();
+    printer->failed("Map \"a\" failed: no chart");
+    printer->failed("Map \"b\" failed: no data");
+    printer->failed("Globe \"c\" failed: no chart");
+    printer->failed("Globe \"d\" failed: no chart");
+    printer->failed("Globe \"d\" failed: no chart");
+    printer->printRepeats();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "tarn: error: Map \"a\" failed: no chart\n"
+              "tarn: error: Map \"b\" failed: no data\n"
+              "tarn: error: Globe \"c\", Globe \"d\" failed for the same reason as Map \"a\"\n");
+}
+
+TEST(WarningPrinter, listsAFewOfManyObjectsThatFailForTheSameReason)
+{
+    const auto printer = Loam::makeStrong<WarningPrinter>();
+    testing::internal::CaptureStderr();
+    for (char letter = 'a'; letter <= 'z'; ++letter)
+        printer->failed(letter + std::string(" failed: no chart"));
+    printer->printRepeats();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "tarn: error: a failed: no chart\n"
+              "tarn: error: b, c, d, e, f, g, h, i, j, k, l, m and 13 more failed for the same reason as a\n");
 }
 
 } // namespace WarningPrinterTest

@@ -1,8 +1,12 @@
 #include <tarn/text/Faults.hpp>
 
+#include <tarn/text/SimilarMessages.hpp>
+
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace FaultsTest {
 
@@ -21,6 +25,20 @@ TEST(Faults, areListedByPlaceWithCommandLineFaultsLast)
     EXPECT_THAT(faults.lines(),
                 ElementsAre("net.toml:2:9: earliest", "net.toml:2:10: early, first", "net.toml:2:10: early, second",
                             "net.toml:10:2: late", "--set=a.b=c: wrong"));
+}
+
+TEST(Faults, areCountedIfManyAreSimilar)
+{
+    Faults faults{"net.toml"};
+    for (std::uint32_t i = 1; i <= 3000; ++i)
+        faults.add({i, 1}, "object \"o" + std::to_string(i) + "\": wrong");
+    faults.add({5000, 1}, "another fault");
+    const std::vector<std::string> lines = faults.lines();
+    ASSERT_EQ(lines.size(), SimilarMessages::MostShown + 2);
+    EXPECT_EQ(lines[19], "net.toml:20:1: object \"o20\": wrong");
+    EXPECT_EQ(lines[20], "net.toml:5000:1: another fault");
+    EXPECT_EQ(lines[21], "net.toml: 2980 more like: object \"o1\": wrong");
+    EXPECT_EQ(faults.size(), 3001u);
 }
 
 TEST(Faults, stayOnOneLineForAnyFileName)
