@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -71,6 +72,8 @@ Result<std::invoke_result_t<Function>> attempt(Function&& function)
         } else {
             return std::forward<Function>(function)();
         }
+    } catch (const std::bad_alloc&) {
+        return Failure{"out of memory"};
     } catch (const std::exception& error) {
         return Failure{error.what()[0] ? error.what() : "an exception without a message"};
     } catch (...) {

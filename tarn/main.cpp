@@ -9,6 +9,7 @@
 #include <loam/FileError.hpp>
 
 #include <exception>
+#include <new>
 #include <string>
 
 namespace Tarn {
@@ -41,6 +42,9 @@ int performSafely(int argc, char** argv, const StandardStreams& streams)
     } catch (const Loam::FileError& error) {
         say(error.what());
         return FileFailed;
+    } catch (const std::bad_alloc&) {
+        say("out of memory");
+        return ObjectFailed;
     } catch (const std::exception& error) {
         say(std::string("cannot continue: ") + error.what());
         return ObjectFailed;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <variant>
@@ -83,6 +84,7 @@ TEST(Attempt, givesAReasonForExceptionsWithoutAMessage)
 {
     EXPECT_EQ(attempt([] { throw std::runtime_error(""); }).reason(), "an exception without a message");
     EXPECT_EQ(attempt([] { throw 5; }).reason(), "something other than a std::exception was thrown");
+    EXPECT_EQ(attempt([] { throw std::bad_alloc{}; }).reason(), "out of memory");
 }
 
 } // namespace

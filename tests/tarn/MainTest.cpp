@@ -2,6 +2,7 @@
 
 #include <tarn/commands/ExitStatus.hpp>
 
+#include "support/Sanitizers.hpp"
 #include "tarn/TarnProcess.hpp"
 
 #include <gmock/gmock.h>
@@ -50,5 +51,16 @@ TEST(Main, exitsWithStatus4WhenTheNetworkCannotBeRead)
         EXPECT_EQ(directory.err, "tarn: cannot read " + folder.path() + ": Is a directory\n");
     }
 }
+
+#ifndef SANITIZED
+TEST(Main, exitsWithStatus1WhenTheMemoryIsExhausted)
+{
+    const TestFolder folder;
+    const std::string file = folder.write("net.toml", std::string(100 << 20, '#'));
+    const ProcessResult result = runTarn({"check", file}, {{}, "ulimit -v 150000"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "tarn: out of memory\n");
+}
+#endif
 
 } // namespace MainTest

@@ -81,6 +81,8 @@ std::string Update::failure() const
         return "its update returned false";
     try {
         std::rethrow_exception(m_thrown);
+    } catch (const std::bad_alloc&) {
+        return "out of memory";
     } catch (const std::exception& error) {
         return error.what();
     } catch (const char* message) {

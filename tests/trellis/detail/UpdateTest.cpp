@@ -4,6 +4,7 @@
 #include <trellis/VRequest.hpp>
 
 #include <atomic>
+#include <new>
 #include <stdexcept>
 #include <thread>
 
@@ -56,6 +57,7 @@ TEST_F(UpdateTest, isReportedWithAnythingThatItThrows)
         {"null", [] { throw static_cast<const char*>(nullptr); }, ""},
         {"string", [] { throw std::string{"a string"}; }, "a string"},
         {"number", [] { throw 5; }, "something other than a std::exception"},
+        {"memory", [] { throw std::bad_array_new_length{}; }, "failed: out of memory"},
     };
     for (const auto& [name, fail, message] : cases) {
         SCOPED_TRACE(name);
