@@ -36,6 +36,8 @@ Environment:
   TARN_DATA       Folders, separated by semicolons, in which networks and data are
                   looked for that are not found under their names.
   TARN_LIBRARIES  Folders, separated by colons, in which libraries are looked for.
+  BROWSER         Commands, separated by colons, of which the first that works shows
+                  web pages; "%s" is replaced by the address.
 )";
 
 class ArgumentParser final : public Orla::CommandLineParser {

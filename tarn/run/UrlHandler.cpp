@@ -1,7 +1,12 @@
 #include <tarn/run/UrlHandler.hpp>
 
+#include <loam/StringUtil.hpp>
+
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
+#include <string_view>
+#include <vector>
 
 #include <poll.h>
 #include <spawn.h>
@@ -27,6 +32,54 @@ bool isSafe(const std::string& url)
            });
 }
 
+// Returns the words of a command. An unclosed quote extends to the end.
+std::vector<std::string> wordsOf(std::string_view command)
+{
+    std::vector<std::string> words;
+    bool isInside = false;
+    char quote = 0;
+    for (std::size_t at = 0; at < command.size(); ++at) {
+        const char letter = command[at];
+        if (quote == 0 && (letter == ' ' || letter == '\t')) {
+            isInside = false;
+            continue;
+        }
+        if (!isInside)
+            words.emplace_back();
+        isInside = true;
+        if (letter == '\\' && quote != '\'' && at + 1 < command.size())
+            words.back() += command[++at];
+        else if (quote == 0 && (letter == '"' || letter == '\''))
+            quote = letter;
+        else if (letter == quote)
+            quote = 0;
+        else
+            words.back() += letter;
+    }
+    return words;
+}
+
+std::vector<std::string> argumentsOf(std::string_view command, const std::string& url)
+{
+    std::vector<std::string> arguments = wordsOf(command);
+    // Programs always run in the background.
+    if (!arguments.empty() && arguments.back() == "&")
+        arguments.pop_back();
+    bool hasUrl = false;
+    for (std::string& argument : arguments) {
+        for (std::size_t at = 0; (at = argument.find('%', at)) != std::string::npos && at + 1 < argument.size();) {
+            const char kind = argument[at + 1];
+            const std::string text = kind == 's' ? url : kind == 'c' ? ":" : kind == '%' ? "%" : argument.substr(at, 2);
+            hasUrl |= kind == 's';
+            argument.replace(at, 2, text);
+            at += text.size();
+        }
+    }
+    if (!arguments.empty() && !hasUrl)
+        arguments.push_back(url);
+    return arguments;
+}
+
 // Returns true unless the process fails before the time is over.
 bool seemsToWork(pid_t process)
 {
@@ -41,6 +94,20 @@ bool seemsToWork(pid_t process)
     return waited != process || (WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
+// Returns true if the program was started and seems to work.
+bool start(std::vector<std::string> arguments)
+{
+    if (arguments.empty())
+        return false;
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments)
+        pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    pid_t process = -1;
+    return ::posix_spawnp(&process, pointers[0], nullptr, nullptr, pointers.data(), environ) == 0
+           && seemsToWork(process);
+}
+
 } // namespace
 
 UrlHandler::~UrlHandler() = default;
@@ -49,12 +116,12 @@ bool UrlHandler::openUrl(const std::string& url)
 {
     if (!isSafe(url))
         return false;
-    const char* chosen = std::getenv("BROWSER");
-    std::string program = chosen && *chosen ? chosen : "xdg-open";
-    std::string text = url;
-    char* const arguments[] = {program.data(), text.data(), nullptr};
-    pid_t process = -1;
-    return ::posix_spawnp(&process, program.c_str(), nullptr, nullptr, arguments, environ) == 0 && seemsToWork(process);
+    const char* const chosen = std::getenv("BROWSER");
+    bool isOpen = false;
+    Loam::StringUtil::forEachPiece(chosen && *chosen ? chosen : "xdg-open", ':', [&](std::string_view command) {
+        isOpen = isOpen || start(argumentsOf(command, url));
+    });
+    return isOpen;
 }
 
 } // namespace Tarn

@@ -42,6 +42,39 @@ TEST(UrlHandler, reportsABrowserThatFailsOrIsMissing)
     EXPECT_EQ(open("https://example.org", "BROWSER=" + folder.file("none")).out, "step,opened\n0,no\n");
 }
 
+TEST(UrlHandler, triesTheBrowsersOfTheListInOrder)
+{
+    const TestFolder folder;
+    const std::string works = makeBrowser(folder, "exit 0").substr(8);
+    const std::string fails = folder.write("fails", "#!/bin/sh\nexit 1\n");
+    std::filesystem::permissions(fails, std::filesystem::perms::owner_all);
+    const std::string list = "BROWSER=:" + folder.file("none") + ":" + fails + " : " + works + ":" + works;
+    EXPECT_EQ(open("https://example.org", list).out, "step,opened\n0,yes\n");
+    EXPECT_EQ(contentOf(folder.file("shown")), "https://example.org|");
+    EXPECT_EQ(open("https://example.org", "BROWSER=:").out, "step,opened\n0,no\n");
+}
+
+TEST(UrlHandler, passesTheArgumentsOfTheBrowser)
+{
+    const struct {
+        const char* arguments;
+        const char* passed;
+    } cases[] = {
+        {" --new  -x", "--new|-x|https://a/?b=%73|"},
+        {" --url=%s --last", "--url=https://a/?b=%73|--last|"},
+        {" '%s' \"a b\" c\\ d 'e\"f' ''", "https://a/?b=%73|a b|c d|e\"f||"},
+        {" %%s %c %x %", "%s|:|%x|%|https://a/?b=%73|"},
+        {" ; echo `x` $HOME &", ";|echo|`x`|$HOME|https://a/?b=%73|"},
+        {" 'unclosed quote", "unclosed quote|https://a/?b=%73|"},
+    };
+    for (const auto& [arguments, passed] : cases) {
+        SCOPED_TRACE(arguments);
+        const TestFolder folder;
+        EXPECT_EQ(open("https://a/?b=%73", makeBrowser(folder, "exit 0") + arguments).out, "step,opened\n0,yes\n");
+        EXPECT_EQ(contentOf(folder.file("shown")), passed);
+    }
+}
+
 TEST(UrlHandler, doesNotWaitForABrowserThatStaysOpen)
 {
     const TestFolder folder;
