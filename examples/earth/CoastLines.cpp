@@ -37,17 +37,24 @@ public:
         const Chart chart = chartIn(pool);
         if (file.empty())
             throw std::runtime_error{"the input \"file\" is empty, expected the name of a TopoJSON file"};
-        if (file != m_lastFile || object != m_lastObject)
-            read(file, object);
+        try {
+            if (file != m_lastFile || object != m_lastObject)
+                read(file, object, request);
+        } catch (const ReadingStopped&) {
+            return false;
+        }
         m_land(pool) <<= m_lastLand;
         give(pool, chart, m_coast);
         return true;
     }
 
 private:
-    void read(const std::string& file, const std::string& object)
+    void read(const std::string& file, const std::string& object, const Orla::VRequest& request)
     {
-        const Shapes shapes = readTopoJson(findData(file), object);
+        const Shapes shapes = readTopoJson(findData(file), object, [&request](double fraction) {
+            request.reportProgress(fraction);
+            return !request.isCancelled();
+        });
         constexpr double none = std::numeric_limits<double>::quiet_NaN();
         m_coast.clear();
         for (const Polygon& polygon : shapes.polygons) {

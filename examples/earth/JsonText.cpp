@@ -39,7 +39,9 @@ void refuseJson(std::string place, const nlohmann::json* found, std::string expe
     throw JsonFault{std::move(place), described(found), std::move(expected)};
 }
 
-std::ifstream openJson(const std::string& file, const std::string& expected)
+JsonFile::JsonFile(const std::string& file, const std::string& expected, std::uint64_t largest,
+                   ReadingProgress progress)
+    : m_file{file}, m_largest{largest}, m_progress{std::move(progress)}
 {
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(file, ignored);
@@ -48,10 +50,29 @@ std::ifstream openJson(const std::string& file, const std::string& expected)
     if (is_directory(status))
         throw std::runtime_error{file + ": found a folder, expected " + expected};
     errno = 0;
-    std::ifstream stream{file, std::ios::binary};
-    if (!stream)
+    if (!m_content.open(file, std::ios::in | std::ios::binary))
         throw std::runtime_error{file + ": cannot be opened: " + std::generic_category().message(errno)};
-    return stream;
+    if (is_regular_file(status)) {
+        const std::uintmax_t size = std::filesystem::file_size(file, ignored);
+        m_size = ignored ? 0 : size;
+    }
+}
+
+JsonFile::int_type JsonFile::underflow()
+{
+    constexpr std::size_t blockSize = 65536;
+    m_block.resize(blockSize);
+    const std::streamsize got = m_content.sgetn(m_block.data(), static_cast<std::streamsize>(m_block.size()));
+    m_read += static_cast<std::uint64_t>(got);
+    if (m_read > m_largest)
+        throw std::runtime_error{m_file + ": larger than " + std::to_string(m_largest >> 20)
+                                 + " MiB, expected a smaller file"};
+    // The file may grow meanwhile.
+    const double fraction = m_size == 0 ? 0 : std::min(1.0, static_cast<double>(m_read) / static_cast<double>(m_size));
+    if (m_progress && !m_progress(fraction))
+        throw ReadingStopped{};
+    setg(m_block.data(), m_block.data(), m_block.data() + got);
+    return got == 0 ? traits_type::eof() : traits_type::to_int_type(m_block.front());
 }
 
 void rethrowJsonFault(const std::string& name)

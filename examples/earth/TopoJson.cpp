@@ -10,7 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
+#include <istream>
 #include <optional>
 #include <utility>
 
@@ -97,8 +97,13 @@ public:
         const Path path{root, "arcs"};
         const Json& arcs = array(find(document, "arcs"), path, "an array of arcs");
         m_arcs.reserve(arcs.size());
-        for (std::size_t i = 0; i < arcs.size(); ++i)
+        std::size_t positions = 0;
+        for (std::size_t i = 0; i < arcs.size(); ++i) {
             m_arcs.push_back(arc(arcs[i], {path, i}));
+            positions += m_arcs.back().size();
+        }
+        constexpr std::size_t uses = 16; // borders of countries are used twice per object
+        m_left = std::max<std::size_t>(uses * positions, 1'000'000);
     }
 
     void read(const Json& geometry, const Path& path, Shapes& shapes, int depth = 0) const
@@ -227,6 +232,10 @@ private:
             const Path place{path, i};
             const bool isBackwards = indices[i].is_number_integer() && indices[i] < 0;
             Line arc = m_arcs[arcIndex(indices[i], place)];
+            m_left -= std::min(m_left, arc.size());
+            if (m_left == 0)
+                throw JsonFault{place.text(), "more positions than memory should be spent on",
+                                "shapes that use each arc a few times"};
             if (isBackwards)
                 std::reverse(arc.begin(), arc.end());
             if (i > 0 && result.back() != arc.front())
@@ -283,6 +292,7 @@ private:
     LonLat m_scale{1, 1};
     LonLat m_translate;
     std::vector<Line> m_arcs;
+    mutable std::size_t m_left = 0; // positions that shapes may still have
 };
 
 Shapes shapesOf(const Json& document, std::string_view object)
@@ -323,9 +333,12 @@ Shapes shapesOfTopoJson(std::string_view text, const std::string& name, std::str
     }
 }
 
-Shapes readTopoJson(const std::string& file, std::string_view object)
+Shapes readTopoJson(const std::string& file, std::string_view object, const ReadingProgress& progress)
 {
-    std::ifstream stream = openJson(file, "a TopoJSON file");
+    // The parsed document takes up to twenty times the size of the file.
+    constexpr std::uint64_t largest = std::uint64_t{256} << 20;
+    JsonFile content{file, "a TopoJSON file", largest, progress};
+    std::istream stream{&content};
     try {
         return shapesOf(Json::parse(stream), object);
     } catch (...) {

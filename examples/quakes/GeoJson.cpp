@@ -1,15 +1,13 @@
 #include "GeoJson.hpp"
 
-#include <earth/JsonText.hpp>
-
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
+#include <cstdint>
+#include <functional>
+#include <istream>
 #include <string_view>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -21,8 +19,6 @@ using Earth::JsonFault;
 using Earth::refuseJson;
 using Earth::shortened;
 using Json = nlohmann::json;
-
-struct Stopped {};
 
 // Looks up the members of one object. A null member counts as missing. Messages put the
 // prefix before the key of a member.
@@ -187,30 +183,20 @@ private:
 
 } // namespace
 
-std::optional<Catalogue> readGeoJson(const std::string& file, const ReadingProgress& progress)
+std::optional<Catalogue> readGeoJson(const std::string& file, const Earth::ReadingProgress& progress)
 {
-    std::ifstream stream = Earth::openJson(file, "a GeoJSON file");
-    std::error_code sizeUnknown;
-    const double size = static_cast<double>(std::filesystem::file_size(file, sizeUnknown));
-
+    constexpr std::uint64_t largest = std::uint64_t{1} << 30;
+    Earth::JsonFile content{file, "a GeoJSON file", largest, progress};
+    std::istream stream{&content};
     EventTaker taker;
-    const auto listener = [&](int depth, Json::parse_event_t event, const Json& parsed) {
-        const bool keep = taker(depth, event, parsed);
-        constexpr std::size_t often = 256;
-        if (!keep && progress && taker.events.size() % often == 0
-            && !progress(sizeUnknown ? 0 : static_cast<double>(stream.tellg()) / size))
-            throw Stopped{};
-        return keep;
-    };
-
     try {
-        const Json document = Json::parse(stream, listener);
+        const Json document = Json::parse(stream, std::ref(taker));
         if (!document.is_object())
             refuseJson("", &document, "an object of type \"FeatureCollection\"");
         const Members collection{document, ""};
         collection.expectText("type", "FeatureCollection", "\"FeatureCollection\"");
         collection.array("features", "an array of events");
-    } catch (const Stopped&) {
+    } catch (const Earth::ReadingStopped&) {
         return std::nullopt;
     } catch (...) {
         Earth::rethrowJsonFault(file);

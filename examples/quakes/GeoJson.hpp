@@ -2,15 +2,12 @@
 
 #include "Catalogue.hpp"
 
-#include <functional>
+#include <earth/JsonText.hpp>
+
 #include <optional>
 #include <string>
 
 namespace Quakes {
-
-/// Called repeatedly with the fraction of a file that was read; returns true to
-/// continue.
-using ReadingProgress = std::function<bool(double fraction)>;
 
 /// Reads a GeoJSON file in which each feature is an event at a point, as earthquake
 /// services publish it: `time` is in milliseconds since 1970 UTC, the third coordinate
@@ -19,11 +16,11 @@ using ReadingProgress = std::function<bool(double fraction)>;
 /// `time`, `id`, longitude and latitude are required. The depth and the
 /// properties `mag`, `magType`, `net`, `place`, `type` and `url` may be null or missing.
 /// Other members are ignored. Memory use depends on the events, not on the size of the
-/// file.
+/// file. Files of more than 1 GiB are refused.
 ///
 /// Returns nothing if \p progress returned false.
 /// \throw std::runtime_error with the name of the file, the event's index and id,
 /// what was found and what was expected.
-std::optional<Catalogue> readGeoJson(const std::string& file, const ReadingProgress& progress = {});
+std::optional<Catalogue> readGeoJson(const std::string& file, const Earth::ReadingProgress& progress = {});
 
 } // namespace Quakes

@@ -120,6 +120,18 @@ TEST_F(CoastLinesTest, remainIfTheNextFileIsBroken)
     EXPECT_EQ(coordinates().size(), 18u);
 }
 
+TEST_F(CoastLinesTest, canBeCancelledAndRestarted)
+{
+    const TemporaryFile file{square(20)};
+    coast.set("file", file.name());
+    Orla::VCancellation cancellation;
+    Orla::VRequest request{coast.pool, [&](double) { cancellation.cancel(); }, cancellation};
+    EXPECT_EQ(Orla::VScheduler::run(request).outcome, Orla::VScheduler::Outcome::Cancelled);
+    EXPECT_EQ(coast.value<Land>("land").polygons().size(), 0u);
+    EXPECT_EQ(coast.run().outcome, Orla::VScheduler::Outcome::Done);
+    EXPECT_EQ(coast.value<Land>("land").polygons().size(), 1u);
+}
+
 TEST(LandValue, isCalledLand)
 {
     EXPECT_EQ(Orla::VTypeLabel::of(typeid(Land)), "land");

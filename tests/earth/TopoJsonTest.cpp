@@ -256,4 +256,22 @@ TEST(TopoJson, readsTheLandOfTheWorld)
     EXPECT_NEAR(north, 83.645130, 1e-6);
 }
 
+TEST(TopoJson, refusesShapesThatRepeatLongArcsTooOften)
+{
+    std::string arc = "[0,0]";
+    for (int i = 0; i < 2000; ++i)
+        arc += ",[1,1],[0,0]";
+    const auto lines = [&arc](int count) {
+        std::string indices = "[0]";
+        for (int i = 1; i < count; ++i)
+            indices += ",[0]";
+        return R"({"type":"Topology","objects":{"lines":{"type":"MultiLineString","arcs":[)" + indices
+               + R"(]}},"arcs":[[)" + arc + "]]}";
+    };
+    EXPECT_EQ(shapes(lines(249)).lines.size(), 249u); // fewer than a million positions
+    EXPECT_EQ(message(lines(250)),
+              "land.json: objects.lines.arcs[249][0]: found more positions than memory should be spent on, expected "
+              "shapes that use each arc a few times");
+}
+
 } // namespace TopoJsonTest
