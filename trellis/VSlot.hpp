@@ -31,7 +31,8 @@ public:
         Passive = 0x02,       ///< a change of its value does not make the object due
         Output = 0x04,        ///< created by registering an output
         AddedLater = 0x08,    ///< added from outside, not declared by the object
-        StaysValid = 0x10     ///< an output that stays valid after a failed update
+        StaysValid = 0x10,    ///< an output that stays valid after a failed update
+        NamesResult = 0x20    ///< an input with the name of a file that the object writes
     };
 
     VSlot(VSlotContainer& container, const std::string& name, int expertLevel, const StrongPtr<VParameter>& parameter,

@@ -1,6 +1,7 @@
 #include <tarn/commands/Commands.hpp>
 
 #include <tarn/commands/ExitStatus.hpp>
+#include <tarn/run/Interruption.hpp>
 #include <tarn/text/Faults.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
@@ -71,6 +72,22 @@ std::string absolutePath(const std::string& name)
     if (error)
         throw Loam::FileError{"cannot find " + printable(name), error.value()};
     return path.string();
+}
+
+std::string resultPath(const std::string& option, const std::string& name, const std::string& network)
+{
+    if (isStandardOutput(name))
+        return name;
+    std::error_code error;
+    if (std::filesystem::equivalent(network, name, error) && !error)
+        throw UsageError{"--" + option + "=" + printable(name) + " would overwrite the network"};
+    return absolutePath(name);
+}
+
+int reportNothingWritten()
+{
+    say("interrupted; nothing was written");
+    return 128 + Interruption::signal();
 }
 
 std::string findNetwork(const std::string& name)

@@ -36,6 +36,14 @@ bool isStandardOutput(const std::string& name);
 /// \throw Loam::FileError
 std::unique_ptr<Loam::OutputFile> openResult(const std::string& path, const StandardStreams& streams);
 
+/// Returns \p name, the file of the option --\p option, as an absolute path; a name of standard
+/// output unchanged.
+/// \throw UsageError if it is the file \p network; Loam::FileError
+std::string resultPath(const std::string& option, const std::string& name, const std::string& network);
+
+/// Reports that a signal arrived before the result was complete. Returns the exit status.
+int reportNothingWritten();
+
 /// Returns the option `--set`, which several commands have.
 Option setOption();
 

@@ -2,6 +2,7 @@
 
 #include <tarn/network/Conversion.hpp>
 #include <tarn/commands/ExitStatus.hpp>
+#include <tarn/run/Interruption.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
 
@@ -9,6 +10,8 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace Tarn {
 
@@ -18,6 +21,7 @@ int performConvert(const Arguments& arguments, const StandardStreams& streams)
 {
     const std::vector<std::string> overrides = overridesOf(arguments);
     const std::string network = findNetwork(arguments.names[0]);
+    const Interruption interruption;
     const std::string& target = arguments.names[1];
     const bool isFile = !isStandardOutput(target);
     const std::string path = isFile ? absolutePath(target) : target;
@@ -26,15 +30,19 @@ int performConvert(const Arguments& arguments, const StandardStreams& streams)
     if (!conversion.faults().empty())
         return reportFaults(conversion.faults(), "; nothing was written");
     const auto output = openResult(path, streams);
+    std::vector<std::string> changes;
     // The destination of a stream is unknown; its names stay relative to the old folder.
     if (!output->isStream() && !arguments.has("keep-names")) {
-        for (const std::string& message : conversion.moveTo(std::filesystem::path(path).parent_path().string()))
-            printLine(message);
+        changes = conversion.moveTo(std::filesystem::path(path).parent_path().string());
         if (!conversion.faults().empty())
             return reportFaults(conversion.faults(), "; nothing was written");
     }
     output->write(conversion.text());
+    if (Interruption::signal() != 0)
+        return reportNothingWritten();
     output->commit();
+    for (const std::string& change : changes)
+        printLine(change);
     if (!conversion.unknown().empty())
         return reportFaults(conversion.unknown(), "; unknown parts were written unchanged");
     printLine(conversion.faults().file() + ": " + counted(conversion.objectCount(), "object") + ", "
@@ -63,7 +71,8 @@ other faults, nothing is written.
 
 File names are relative to the folder of the network. If OUT.toml is in another folder,
 texts that name a file beside IN.toml are adapted to name the same file from there, and
-listed; names of folders are only listed.
+listed; names of folders are only listed. Names of files that an object writes are not
+adapted, so the new network does not overwrite the results of the old one.
 )",
         .options =
             {

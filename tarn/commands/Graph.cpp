@@ -4,11 +4,13 @@
 #include <tarn/network/GraphPicture.hpp>
 #include <tarn/network/NetworkGraph.hpp>
 #include <tarn/network/Session.hpp>
+#include <tarn/run/Interruption.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
 
 #include <loam/OutputFile.hpp>
 
+#include <memory>
 #include <optional>
 
 namespace Tarn {
@@ -38,7 +40,8 @@ int performGraph(const Arguments& arguments, const StandardStreams& streams)
     const Kind kind = kindOf(*output);
     const bool isFile = !isStandardOutput(*output);
     const std::string network = findNetwork(arguments.names[0]);
-    const std::string path = isFile ? absolutePath(*output) : *output;
+    const Interruption interruption;
+    const std::string path = resultPath("output", *output, network);
 
     const Session session{network, {}, {}};
     if (!session.faults().empty())
@@ -47,13 +50,11 @@ int performGraph(const Arguments& arguments, const StandardStreams& streams)
     std::string picture = dotText(graph);
     if (kind != Kind::Dot)
         picture = drawGraph(picture, kind == Kind::Svg ? PictureFormat::Svg : PictureFormat::Png);
-    if (!isFile) {
-        print(streams, picture);
-    } else {
-        Loam::OutputFile file{path};
-        file.write(picture);
-        file.commit();
-    }
+    const std::unique_ptr<Loam::OutputFile> file = openResult(path, streams);
+    file->write(picture);
+    if (Interruption::signal() != 0)
+        return reportNothingWritten();
+    file->commit();
     printLine(session.faults().file() + ": " + counted(graph.objects.size(), "object") + ", "
               + counted(graph.connections.size(), "connection") + ", drawn to "
               + (isFile ? printable(*output) : "standard output"));

@@ -44,13 +44,18 @@ std::optional<std::uint64_t> readSteps(const std::optional<std::string>& text)
 std::string placeOf(const Arguments& arguments, const std::string& option, const std::string& network)
 {
     const std::optional<std::string> name = arguments.text(option);
-    if (!name || isStandardOutput(*name))
-        return name.value_or("");
-    const std::string path = std::filesystem::path(absolutePath(*name)).lexically_normal().string();
+    return name ? resultPath(option, *name, network) : std::string();
+}
+
+// Returns true if both are the same file, or standard output.
+bool areSame(const std::string& one, const std::string& other)
+{
+    if (isStandardOutput(one) || isStandardOutput(other))
+        return isStandardOutput(one) && isStandardOutput(other);
     std::error_code error;
-    if (std::filesystem::equivalent(network, path, error) && !error)
-        throw UsageError{"--" + option + "=" + printable(*name) + " would overwrite the network"};
-    return path;
+    std::error_code otherError;
+    const std::filesystem::path resolved = std::filesystem::weakly_canonical(one, error);
+    return resolved == std::filesystem::weakly_canonical(other, otherError) && !error && !otherError;
 }
 
 std::vector<ScriptedEvent> readEvents(const std::optional<std::string>& path, Faults& faults)
@@ -145,7 +150,7 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
     const Interruption interruption;
     const std::string table = placeOf(arguments, "table", network);
     const std::string trace = placeOf(arguments, "trace", network);
-    if (!trace.empty() && (trace == table || (isStandardOutput(trace) && isStandardOutput(table))))
+    if (!trace.empty() && !table.empty() && areSame(trace, table))
         throw UsageError{"--trace=" + printable(trace) + " would overwrite the table"};
     if (isStandardOutput(trace) && arguments.has("print"))
         throw UsageError{"--print would write into the trace on standard output"};

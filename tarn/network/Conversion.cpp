@@ -110,7 +110,7 @@ void Conversion::keepValue(std::size_t number, const NetworkInputs::Input& input
         text.exact.push_back({exact, Somewhere});
     text.isNumber = isNumberType(*input.type);
     if (*input.type == typeid(std::string))
-        m_heldTexts.push_back({number, texts.size() - 1});
+        m_heldTexts.push_back({number, texts.size() - 1, input.namesResult});
 }
 
 std::vector<std::string> Conversion::moveTo(const std::string& folder)
@@ -126,7 +126,12 @@ std::vector<std::string> Conversion::moveTo(const std::string& folder)
     for (const HeldText& held : m_heldTexts) {
         NetworkFile::Object& object = m_file.objects[held.object];
         NetworkFile::InputText& text = object.texts[held.text];
-        if (const std::optional<std::string> moved = rewriter.moved(text.value.text)) {
+        if (held.namesResult) {
+            if (rewriter.concerns(text.value.text))
+                messages.push_back(
+                    start(object, text)
+                    + " names a result and is left unchanged; the new network writes it in its own folder");
+        } else if (const std::optional<std::string> moved = rewriter.moved(text.value.text)) {
             if (Loam::isUtf8(*moved)) {
                 messages.push_back(start(object, text) + " is written as " + inQuotes(*moved)
                                    + ", which is the same file from the new folder");

@@ -44,6 +44,7 @@ private:
     struct HeldText {
         std::size_t object;
         std::size_t text;
+        bool namesResult;
     };
 
     void makeCanonical(const NetworkInputs& inputs);

@@ -49,13 +49,15 @@ private:
         auto entry = inputs.find(given.input->name());
         if (entry == inputs.end())
             entry = inputs
-                        .emplace(given.input->name(), NetworkInputs::Input{.name = given.input->name(),
-                                                                           .type = &given.input->type(),
-                                                                           .place = {},
-                                                                           .description = {},
-                                                                           .given = parameter.newValue(),
-                                                                           .value = parameter.DefaultValue(),
-                                                                           .texts = {}})
+                        .emplace(given.input->name(),
+                                 NetworkInputs::Input{.name = given.input->name(),
+                                                      .type = &given.input->type(),
+                                                      .place = {},
+                                                      .description = {},
+                                                      .given = parameter.newValue(),
+                                                      .value = parameter.DefaultValue(),
+                                                      .texts = {},
+                                                      .namesResult = given.input->hasFlag(Orla::VSlot::NamesResult)})
                         .first;
         entry->second.place = given.place;
         entry->second.description = given.description;

@@ -23,6 +23,7 @@ struct NetworkInputs {
         Orla::StrongPtr<Orla::VValueBase> given; ///< the value that the object gives it
         Orla::StrongPtr<Orla::VValueBase> value; ///< its current value
         std::vector<std::string> texts;          ///< read in order into \p given, they produce \p value
+        bool namesResult;                        ///< true for the name of a file that the object writes
     };
 
     struct Object {

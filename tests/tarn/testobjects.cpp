@@ -23,6 +23,7 @@
 #include <algorithm>
 #include <chrono>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -312,6 +313,33 @@ public:
     }
 
     bool update(Orla::VRequest&, double) override { return true; }
+};
+
+// Its creation is interrupted by the user if its name is "interrupted".
+class Interrupted final : public Orla::VObject {
+public:
+    Interrupted(const std::string& name, int level, const Preferences& preferences) : VObject{name, level, preferences}
+    {
+        if (name == "interrupted")
+            std::raise(SIGINT);
+    }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+};
+
+// Has an input with the name of a result.
+class FileWriter final : public Orla::VObject {
+public:
+    FileWriter(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, m_file{this, "file", "", 0}
+    {
+        m_file.slot()->setFlag(Orla::VSlot::NamesResult);
+    }
+
+    bool update(Orla::VRequest&, double) override { return true; }
+
+private:
+    TypedSlot<std::string> m_file;
 };
 
 class Unfinishable final : public Orla::VObject {
@@ -714,6 +742,8 @@ const Orla::VObjectType<Talker> talkerType{"Talker"};
 const Orla::VObjectType<LocaleSetter> localeSetterType{"LocaleSetter"};
 const Orla::VObjectType<FileReader> fileReaderType{"FileReader"};
 const Orla::VObjectType<Unmakable> unmakableType{"Unmakable"};
+const Orla::VObjectType<Interrupted> interruptedType{"Interrupted"};
+const Orla::VObjectType<FileWriter> fileWriterType{"FileWriter"};
 const Orla::VObjectType<Unfinishable> unfinishableType{"Unfinishable"};
 const Orla::VObjectType<Clinging> clingingType{"Clinging"};
 const Orla::VObjectType<Chartmaker> chartmakerType{"Chartmaker"};

@@ -82,6 +82,36 @@ TEST(ConvertCommand, leavesTheOldFileInAReadOnlyFolder)
     ASSERT_EQ(::chmod(folder.file("locked").c_str(), 0755), 0);
 }
 
+TEST(ConvertCommand, leavesTheOldFileIfItIsInterrupted)
+{
+    const TestFolder folder;
+    const std::string file =
+        folder.write("net.toml", network + "[[object]]\nname = \"interrupted\"\ntype = \"Interrupted\"\n");
+    const std::string target = folder.write("target.toml", "old");
+    const ProcessResult result = runTarn({"convert", file, target});
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.err, "tarn: interrupted; nothing was written\n");
+    EXPECT_EQ(contentOf(target), "old");
+    EXPECT_EQ(runTarn({"convert", file, "-"}).out, "");
+    EXPECT_THAT(folder.names(), ElementsAre("net.toml", "target.toml"));
+}
+
+TEST(ConvertCommand, reportsChangedNamesOnlyOnceTheyAreWritten)
+{
+    const TestFolder folder;
+    folder.write("old/word", "");
+    const std::string file =
+        folder.write("old/net.toml", network + "[[object]]\nname = \"e\"\ntype = \"Echo\"\nset.text = \"word\"\n"
+                                         + "[[object]]\nname = \"f\"\ntype = \"Echo\"\nset.text = \""
+                                         + std::string(100000, 'x') + "\"\n");
+    std::filesystem::create_directory(folder.file("new"));
+    const ProcessResult failed = runTarn({"convert", file, folder.file("new/net.toml")}, {{}, "ulimit -f 8"});
+    EXPECT_EQ(failed.status, 4);
+    EXPECT_EQ(failed.err, "tarn: cannot write " + folder.file("new/net.toml") + ": File too large\n");
+    EXPECT_THAT(runTarn({"convert", file, folder.file("new/net.toml")}).err,
+                HasSubstr("is written as \"../old/word\""));
+}
+
 TEST(ConvertCommand, requiresTwoNamesAndCompleteSettings)
 {
     EXPECT_EQ(runTarn({"convert", "net.toml"}).status, 3);

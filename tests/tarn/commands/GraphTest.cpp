@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <string>
 
 namespace GraphTest {
@@ -63,6 +64,34 @@ TEST(GraphCommand, refusesOtherExtensionsAndAMissingOutput)
     const ProcessResult missing = runTarn({"graph", "net.toml"});
     EXPECT_EQ(missing.status, 3);
     EXPECT_THAT(missing.err, HasSubstr("tarn: no --output, expected --output=FILE.svg|.png|.dot\n"));
+}
+
+TEST(GraphCommand, refusesToOverwriteItsNetwork)
+{
+    const TestFolder folder;
+    const std::string network = networkHead + object("a", "Adder");
+    folder.write("net.dot", network);
+    std::filesystem::create_symlink("net.dot", folder.file("link.svg"));
+    for (const std::string output : {"net.dot", "./net.dot", "link.svg"}) {
+        SCOPED_TRACE(output);
+        const ProcessResult result =
+            runTarn({"graph", "net.dot", "--output=" + output}, {{}, "cd '" + folder.path() + "'"});
+        EXPECT_EQ(result.status, 3);
+        EXPECT_THAT(result.err, StartsWith("tarn: --output=" + output + " would overwrite the network\n"));
+        EXPECT_EQ(contentOf(folder.file("net.dot")), network);
+    }
+}
+
+TEST(GraphCommand, leavesTheOldFileIfItIsInterrupted)
+{
+    const TestFolder folder;
+    folder.write("net.svg", "old");
+    const ProcessResult result = graph(folder, object("interrupted", "Interrupted"), "net.svg");
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.err, "tarn: interrupted; nothing was written\n");
+    EXPECT_EQ(contentOf(folder.file("net.svg")), "old");
+    EXPECT_EQ(graph(folder, object("interrupted", "Interrupted"), "-").out, "");
+    EXPECT_THAT(folder.names(), ElementsAre("net.svg", "sub"));
 }
 
 TEST(GraphCommand, drawsNothingIfThereAreFaults)

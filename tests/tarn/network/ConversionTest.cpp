@@ -358,6 +358,21 @@ TEST(Conversion, keepsFileNamesValidInAnotherFolder)
     EXPECT_THAT(printed.err, Not(HasSubstr("is written as")));
 }
 
+TEST(Conversion, leavesNamesOfResultsUnchangedInAnotherFolder)
+{
+    const TestFolder folder;
+    folder.write("old/globe.png", "");
+    std::filesystem::create_directories(folder.file("new"));
+    const std::string network = head + object("w", "FileWriter", "set.file = \"globe.png\"\n");
+    const std::string old = folder.write("old/net.toml", network);
+    const ProcessResult result = runTarn({"convert", old, folder.file("new/net.toml")});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(contentOf(folder.file("new/net.toml")), network);
+    EXPECT_THAT(result.err, HasSubstr(old
+                                      + ": object \"w\", input \"file\": \"globe.png\" names a result and is left "
+                                        "unchanged; the new network writes it in its own folder\n"));
+}
+
 TEST(Conversion, writesNetworksThatRunAsBefore)
 {
     const TestFolder folder;
