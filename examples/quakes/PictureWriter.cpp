@@ -21,6 +21,7 @@
 
 #include <cmath>
 #include <exception>
+#include <new>
 #include <stdexcept>
 
 namespace Quakes {
@@ -39,7 +40,8 @@ using Action = StrongPtr<Orla::VAction>;
 /// number of the step. The input `range` gives the seconds since 1970 at the times 0
 /// and 1.
 ///
-/// The status reports the written file or the error.
+/// The status reports the written file or the error. The error of a step remains until the
+/// next sequence begins.
 class PictureWriter : public Orla::VObject,
                       public Orla::TimeDependent,
                       public Earth::ChartFollower,
@@ -50,6 +52,8 @@ public:
         , TimeDependent{"time", "range", preferences, Orla::VTime{0}}
         , StatusIndicator{this, "", 0, Slotname}
     {
+        m_file.slot()->setFlag(Orla::VSlot::NamesResult);
+        m_frames.slot()->setFlag(Orla::VSlot::NamesResult);
     }
 
     bool update(Orla::VRequest& request, double number) override
@@ -64,21 +68,36 @@ public:
         if (pattern.empty())
             return true;
         try {
+            if (isFrame && stepIn(pool) == 0)
+                m_missing = 0;
             const std::string file = isFrame ? Earth::frameName(pattern, stepIn(pool)) : pattern;
             write(file, pool);
             ++m_written;
             std::string message = "wrote " + escaped(file);
             if (m_written > 1)
                 message += ", the last of " + std::to_string(m_written) + " pictures";
-            setStatusInfo(pool, message);
+            // A later picture does not replace one that is missing.
+            if (m_missing == 0)
+                setStatusInfo(pool, message);
+        } catch (const std::bad_alloc&) {
+            reportMissing("out of memory", isFrame, pool);
         } catch (const std::exception& error) {
-            setStatusError(pool, escaped(error.what()), false);
+            reportMissing(error.what(), isFrame, pool);
         }
         return true;
     }
 
 private:
     static constexpr double StepNumber = 1;
+
+    void reportMissing(const std::string& reason, bool isFrame, const StrongPtr<Orla::ValuePool>& pool)
+    {
+        if (isFrame)
+            ++m_missing;
+        setStatusError(
+            pool, escaped(reason) + (m_missing > 1 ? "; " + std::to_string(m_missing) + " pictures are missing" : ""),
+            false);
+    }
 
     static Orla::Enum colorRules()
     {
@@ -134,6 +153,7 @@ private:
     Orla::TypedSlot<std::string> m_frames{this, "frames", "", 0};
     Orla::TypedSlot<Action> m_step{this, "step", Action{}, 0};
     std::size_t m_written = 0;
+    std::size_t m_missing = 0; // pictures of steps that were not written
 };
 
 } // namespace Quakes

@@ -185,6 +185,25 @@ TEST_F(PictureWriterTest, reportsFaultsAndLeavesTheFileUnchanged)
     EXPECT_THAT(folder.names(), ElementsAre("old.png"));
 }
 
+TEST_F(PictureWriterTest, remembersMissingPicturesUntilTheNextSequence)
+{
+    writer.set("file", folder.file("last.png"));
+    writer.set("frames", folder.file("later/frame-#.png"));
+    act(EndOfStep);
+    act(EndOfStep);
+    EXPECT_THAT(writer.text("status"),
+                HasSubstr("later/frame-2.png: No such file or directory; 2 pictures are missing"));
+    folder.write("later/x", "");
+    act(EndOfStep);
+    act(EndOfRun);
+    EXPECT_THAT(folder.names(), ElementsAre("last.png", "later"));
+    EXPECT_THAT(writer.text("status"), HasSubstr("2 pictures are missing"));
+
+    writer.set("time", Orla::VTime{0, 0, 1, 0.25, "", "", {}});
+    act(EndOfStep);
+    EXPECT_THAT(writer.text("status"), StartsWith("wrote "));
+}
+
 TEST_F(PictureWriterTest, writesTheSameBytesEachTime)
 {
     for (const char* ending : {"png", "svg"}) {
