@@ -171,7 +171,7 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
     const std::unique_ptr<Loam::OutputFile> output = table.empty() ? nullptr : openResult(table, streams);
     std::unique_ptr<TableWriter> writer;
     if (output) {
-        writer = std::make_unique<TableWriter>(*output);
+        writer = std::make_unique<TableWriter>(*output, isStandardOutput(table) && streams.isTerminal());
         output->saveIfUnfinished(table + ".incomplete", {});
     }
     task.table = writer.get();
@@ -228,7 +228,8 @@ that wait for them, and every object that reports a status, errors first. An err
 the exit status 1.
 
 SIGINT and SIGTERM end the run within a second, with exit status 130 or 143. FILE.csv
-then stays unchanged; standard output has the rows of the steps before.
+then stays unchanged; standard output has the rows of the steps before. To keep these
+rows, write the table with "--table=- > FILE.csv".
 )",
         .options =
             {

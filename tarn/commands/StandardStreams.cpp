@@ -35,4 +35,9 @@ StandardStreams::~StandardStreams()
         ::close(m_results);
 }
 
+bool StandardStreams::isTerminal() const noexcept
+{
+    return m_results >= 0 && ::isatty(m_results) == 1;
+}
+
 } // namespace Tarn

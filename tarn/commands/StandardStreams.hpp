@@ -17,6 +17,9 @@ public:
     /// Returns the descriptor of the real standard output; -1 if it was closed.
     int results() const noexcept { return m_results; }
 
+    /// Returns true if the real standard output is a terminal.
+    bool isTerminal() const noexcept;
+
 private:
     int m_results = -1;
 };

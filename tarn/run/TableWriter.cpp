@@ -1,5 +1,7 @@
 #include <tarn/run/TableWriter.hpp>
 
+#include <tarn/text/Messages.hpp>
+
 #include <loam/OutputFile.hpp>
 
 namespace Tarn {
@@ -23,7 +25,7 @@ void TableWriter::writeRow(const std::vector<std::string>& fields)
     for (std::size_t i = 0; i < fields.size(); ++i) {
         if (i > 0)
             row += ',';
-        row += field(fields[i]);
+        row += field(m_isTerminal ? onOneLine(fields[i]) : fields[i]);
     }
     row += '\n';
     m_output.write(row);

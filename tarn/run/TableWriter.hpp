@@ -14,7 +14,12 @@ namespace Tarn {
 /// comma, a quote or a line break is quoted, with quotes in it doubled.
 class TableWriter {
 public:
-    explicit TableWriter(Loam::OutputFile& output) noexcept : m_output{output} {}
+    /// With \p isTerminal, control characters in the fields are escaped, so texts from data
+    /// cannot control the terminal that shows the table.
+    explicit TableWriter(Loam::OutputFile& output, bool isTerminal = false) noexcept
+        : m_output{output}, m_isTerminal{isTerminal}
+    {
+    }
 
     /// Adds a row. A stream receives it immediately and in one piece.
     /// \throw Loam::FileError
@@ -25,6 +30,7 @@ public:
 
 private:
     Loam::OutputFile& m_output;
+    bool m_isTerminal;
 };
 
 } // namespace Tarn

@@ -4,8 +4,15 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
+#include <cstdlib>
+#include <string>
 #include <type_traits>
 #include <vector>
+
+#include <fcntl.h>
+#include <sys/types.h>
+#include <unistd.h>
 
 namespace StandardStreamsTest {
 
@@ -40,6 +47,29 @@ TEST(StandardStreams, leaveStandardOutputEmptyIfNoResultIsRequested)
     EXPECT_EQ(runTarn({"check", file}).out, "");
     EXPECT_EQ(runTarn({"run", folder.file("none")}).out, "");
     EXPECT_EQ(runTarn({"nonsense"}).out, "");
+}
+
+TEST(StandardStreams, showATableWithoutControlCharactersOnATerminal)
+{
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
+    ASSERT_GE(terminal, 0);
+    ASSERT_EQ(::grantpt(terminal), 0);
+    ASSERT_EQ(::unlockpt(terminal), 0);
+    const std::string name = ::ptsname(terminal);
+    const int other = ::open(name.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC); // keeps the output until it is read
+
+    const TestFolder folder;
+    const std::string file = folder.write("net.toml", "format = 1\nlibraries = ['testobjects']\n[[object]]\n"
+                                                      "name = 'echo'\ntype = 'Echo'\nset.text = \"\\u001b[31m\"\n"
+                                                      "[[column]]\ntitle = 'text'\nvalue = 'echo.out'\n");
+    EXPECT_EQ(runTarn({"run", file, "--table=-"}, {{}, "exec >" + name}).status, 0);
+    char shown[100];
+    const ssize_t length = ::read(terminal, shown, sizeof shown);
+    ASSERT_GT(length, 0);
+    EXPECT_EQ(std::string(shown, static_cast<std::size_t>(length)), "step,text\r\n0,\\x1b[31m\r\n");
+    ::close(other);
+    ::close(terminal);
+    EXPECT_EQ(runTarn({"run", file, "--table=-"}).out, "step,text\n0,\x1b[31m\n");
 }
 
 TEST(StandardStreams, mayBeClosed)

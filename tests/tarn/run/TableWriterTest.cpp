@@ -47,6 +47,18 @@ TEST(TableWriter, endsRowsWithALineFeed)
     EXPECT_EQ(contentOf(folder.file("table.csv")), "step,a\n0,\"b,c\"\n");
 }
 
+TEST(TableWriter, escapesControlCharactersOnlyForATerminal)
+{
+    const TestFolder folder;
+    for (const bool isTerminal : {false, true}) {
+        Loam::OutputFile output{folder.file("table.csv")};
+        TableWriter{output, isTerminal}.writeRow({"\x1b[31m,", "\u202e\\"});
+        output.commit();
+        EXPECT_EQ(contentOf(folder.file("table.csv")),
+                  isTerminal ? "\"\\x1b[31m,\",\\u202e\\\n" : "\"\x1b[31m,\",\u202e\\\n");
+    }
+}
+
 TEST(TableWriter, writesEachRowToAStreamImmediately)
 {
     int ends[2];
