@@ -5,6 +5,7 @@
 #include <tarn/run/Interruption.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
+#include <tarn/text/SimilarMessages.hpp>
 
 #include <loam/OutputFile.hpp>
 
@@ -16,6 +17,17 @@
 namespace Tarn {
 
 namespace {
+
+void printSimilar(const std::string& start, const std::vector<std::string>& messages)
+{
+    SimilarMessages similar;
+    for (const std::string& message : messages) {
+        if (similar.add(message))
+            printLine(start + message);
+    }
+    for (const std::string& more : similar.summary())
+        printLine(start + more);
+}
 
 int performConvert(const Arguments& arguments, const StandardStreams& streams)
 {
@@ -41,8 +53,7 @@ int performConvert(const Arguments& arguments, const StandardStreams& streams)
     if (Interruption::signal() != 0)
         return reportNothingWritten();
     output->commit();
-    for (const std::string& change : changes)
-        printLine(change);
+    printSimilar(conversion.faults().file() + ": ", changes);
     if (!conversion.unknown().empty())
         return reportFaults(conversion.unknown(), "; unknown parts were written unchanged");
     printLine(conversion.faults().file() + ": " + counted(conversion.objectCount(), "object") + ", "

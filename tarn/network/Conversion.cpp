@@ -119,9 +119,8 @@ std::vector<std::string> Conversion::moveTo(const std::string& folder)
     std::vector<std::string> messages;
     if (!rewriter.isNeeded())
         return messages;
-    const auto start = [this](const NetworkFile::Object& object, const NetworkFile::InputText& text) {
-        return m_faults.file() + ": " + object.description + ", input " + inQuotes(text.input.text) + ": "
-               + inQuotes(text.value.text);
+    const auto start = [](const NetworkFile::Object& object, const NetworkFile::InputText& text) {
+        return object.description + ", input " + inQuotes(text.input.text) + ": " + inQuotes(text.value.text);
     };
     for (const HeldText& held : m_heldTexts) {
         NetworkFile::Object& object = m_file.objects[held.object];
@@ -137,7 +136,8 @@ std::vector<std::string> Conversion::moveTo(const std::string& folder)
                                    + ", which is the same file from the new folder");
                 text.value.text = *moved;
             } else {
-                m_faults.add(start(object, text) + " names a file whose name from the new folder is not valid UTF-8");
+                m_faults.add(m_faults.file() + ": " + start(object, text)
+                             + " names a file whose name from the new folder is not valid UTF-8");
             }
         } else if (rewriter.concerns(text.value.text)) {
             messages.push_back(start(object, text) + " is also the name of a folder and is left unchanged");
@@ -154,7 +154,7 @@ std::vector<std::string> Conversion::moveTo(const std::string& folder)
     }
     for (const PlacedText& library : m_file.libraries) {
         if (hasLibrary(m_folder, library.text) && !hasLibrary(folder, library.text))
-            messages.push_back(m_faults.file() + ": library " + inQuotes(library.text)
+            messages.push_back("library " + inQuotes(library.text)
                                + " is not found from the new folder; it is beside the old network");
     }
     return messages;

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -110,6 +111,21 @@ TEST(ConvertCommand, reportsChangedNamesOnlyOnceTheyAreWritten)
     EXPECT_EQ(failed.err, "tarn: cannot write " + folder.file("new/net.toml") + ": File too large\n");
     EXPECT_THAT(runTarn({"convert", file, folder.file("new/net.toml")}).err,
                 HasSubstr("is written as \"../old/word\""));
+}
+
+TEST(ConvertCommand, countsManyChangedNames)
+{
+    const TestFolder folder;
+    folder.write("old/word", "");
+    std::string text = network;
+    for (int i = 0; i < 100; ++i)
+        text += "[[object]]\nname = \"e" + std::to_string(i) + "\"\ntype = \"Echo\"\nset.text = \"word\"\n";
+    const std::string file = folder.write("old/net.toml", text);
+    std::filesystem::create_directory(folder.file("new"));
+    const ProcessResult result = runTarn({"convert", file, folder.file("new/net.toml")});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(std::ranges::count(result.err, '\n'), 22);
+    EXPECT_THAT(result.err, HasSubstr(file + ": 80 more like: object \"e0\", input \"text\": \"word\" is written as"));
 }
 
 TEST(ConvertCommand, requiresTwoNamesAndCompleteSettings)
