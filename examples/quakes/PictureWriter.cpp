@@ -94,9 +94,10 @@ private:
     {
         if (isFrame)
             ++m_missing;
-        setStatusError(
-            pool, escaped(reason) + (m_missing > 1 ? "; " + std::to_string(m_missing) + " pictures are missing" : ""),
-            false);
+        std::string message = escaped(reason);
+        if (m_missing > (isFrame ? 1u : 0u))
+            message += "; pictures of steps that are missing: " + std::to_string(m_missing);
+        setStatusError(pool, message, false);
     }
 
     static Orla::Enum colorRules()

@@ -192,12 +192,16 @@ TEST_F(PictureWriterTest, remembersMissingPicturesUntilTheNextSequence)
     act(EndOfStep);
     act(EndOfStep);
     EXPECT_THAT(writer.text("status"),
-                HasSubstr("later/frame-2.png: No such file or directory; 2 pictures are missing"));
+                HasSubstr("later/frame-2.png: No such file or directory; pictures of steps that are missing: 2"));
     folder.write("later/x", "");
     act(EndOfStep);
     act(EndOfRun);
     EXPECT_THAT(folder.names(), ElementsAre("last.png", "later"));
-    EXPECT_THAT(writer.text("status"), HasSubstr("2 pictures are missing"));
+    EXPECT_THAT(writer.text("status"), HasSubstr("are missing: 2"));
+
+    writer.set("file", folder.file("none/last.png"));
+    act(EndOfRun);
+    EXPECT_THAT(writer.text("status"), HasSubstr("directory; pictures of steps that are missing: 2"));
 
     writer.set("time", Orla::VTime{0, 0, 1, 0.25, "", "", {}});
     act(EndOfStep);
