@@ -11,6 +11,7 @@
 #include <loam/FileError.hpp>
 #include <loam/FileInfo.hpp>
 #include <loam/Interface.hpp>
+#include <loam/InterfaceVersion.hpp>
 #include <loam/LoadedLibrary.hpp>
 #include <loam/Numbers.hpp>
 #include <loam/OutputFile.hpp>

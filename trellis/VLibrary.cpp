@@ -21,7 +21,7 @@ std::vector<StrongPtr<Creator>> distinctCreators()
 {
     std::vector<StrongPtr<Creator>> creators = Creator::creators();
     std::ranges::sort(creators, {}, [](const auto& creator) { return creator.get(); });
-    creators.erase(std::ranges::unique(creators).begin(), creators.end());
+    creators.erase(std::unique(creators.begin(), creators.end()), creators.end());
     return creators;
 }
 
@@ -32,11 +32,17 @@ bool isHeld(const StrongPtr<Creator>& creator)
     return creator.referenceBlock()->strongCount() > 1;
 }
 
+// A reference, because Clang warns about calls in the operand of `typeid`.
+template<class T>
+bool hasCodeOf(const VLibrary& library, const T& object)
+{
+    return library.contains(&typeid(object));
+}
+
 template<class Creator>
 bool registers(const VLibrary& library)
 {
-    return std::ranges::any_of(Creator::creators(),
-                               [&](const auto& creator) { return library.contains(&typeid(*creator)); });
+    return std::ranges::any_of(Creator::creators(), [&](const auto& creator) { return hasCodeOf(library, *creator); });
 }
 
 } // namespace
@@ -54,20 +60,20 @@ std::optional<std::string> VLibrary::use() const
 {
     for (const auto& network : Detail::NetworkCore::all()) {
         for (const StrongPtr<VSlotContainer>& container : network->containers()) {
-            if (contains(&typeid(*container)))
+            if (hasCodeOf(*this, *container))
                 return container->describe();
         }
     }
     for (const StrongPtr<VValueCreator>& creator : VValueCreator::creators()) {
-        if (creator->existingValues() > 0 && contains(&typeid(*creator)))
+        if (creator->existingValues() > 0 && hasCodeOf(*this, *creator))
             return "a value of type " + VTypeLabel::of(creator->valueType());
     }
     for (const StrongPtr<VObjectCreator>& creator : distinctCreators<VObjectCreator>()) {
-        if (isHeld(creator) && contains(&typeid(*creator)))
+        if (isHeld(creator) && hasCodeOf(*this, *creator))
             return "the creator of \"" + creator->typeName() + '"';
     }
     for (const StrongPtr<VValueCreator>& creator : distinctCreators<VValueCreator>()) {
-        if (isHeld(creator) && contains(&typeid(*creator)))
+        if (isHeld(creator) && hasCodeOf(*this, *creator))
             return "the creator of values of type " + VTypeLabel::of(creator->valueType());
     }
     return std::nullopt;

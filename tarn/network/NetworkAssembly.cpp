@@ -43,11 +43,13 @@ std::optional<double> wholeNumber(const std::string& text)
 // Returns the names in quotes, at most three of them.
 std::string listed(const std::vector<std::string>& names)
 {
-    constexpr std::size_t MostListed = 3;
+    constexpr std::size_t MostLibrariesListed = 3;
     std::string list;
-    for (std::size_t i = 0; i < std::min(names.size(), MostListed); ++i)
+    for (std::size_t i = 0; i < std::min(names.size(), MostLibrariesListed); ++i)
         list += (i == 0 ? "" : ", ") + inQuotes(names[i]);
-    return names.size() > MostListed ? list + " and " + std::to_string(names.size() - MostListed) + " more" : list;
+    return names.size() > MostLibrariesListed
+               ? list + " and " + std::to_string(names.size() - MostLibrariesListed) + " more"
+               : list;
 }
 
 std::string placeText(const Faults& faults, Place place)

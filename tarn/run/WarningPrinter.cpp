@@ -13,7 +13,7 @@ namespace {
 // Bounds the memory for messages that differ each time.
 constexpr std::size_t MostRemembered = 10000;
 
-constexpr std::size_t MostListed = 12;
+constexpr std::size_t MostNamed = 12;
 
 // Between the object and the reason in the scheduler's messages.
 constexpr std::string_view Failed = " failed: ";
@@ -92,12 +92,12 @@ void WarningPrinter::printRepeats() const
         std::string list;
         std::size_t listed = 0;
         for (const std::string& object : failure.others) {
-            if (listed++ == MostListed)
+            if (listed++ == MostNamed)
                 break;
             list += (list.empty() ? "" : ", ") + object;
         }
-        if (failure.others.size() > MostListed)
-            list += " and " + std::to_string(failure.others.size() - MostListed) + " more";
+        if (failure.others.size() > MostNamed)
+            list += " and " + std::to_string(failure.others.size() - MostNamed) + " more";
         say("error: " + list + " failed for the same reason as " + failure.first);
     }
     for (const auto& [message, count] : m_counts) {

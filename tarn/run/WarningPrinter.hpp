@@ -40,7 +40,7 @@ private:
 
     mutable std::mutex m_mutex;
     std::map<std::string, std::size_t> m_counts;
-    std::map<std::string, Failure> m_failures; // objects, by reason
+    std::map<std::string, Failure> m_failures;        // objects, by reason
     std::map<std::string, SimilarMessages> m_similar; // by kind of message
 };
 

@@ -48,8 +48,10 @@ protected:
 TEST_F(VLibraryTest, containsItsOwnCodeAndThatOfLibrariesThatOnlyItNeeds)
 {
     EXPECT_TRUE(library.registersTypes());
-    EXPECT_TRUE(library.contains(&typeid(*VObjectCreator::find("FirstCounter"))));
-    EXPECT_TRUE(library.contains(&typeid(*VValueCreator::find("Range")))) << "fathom";
+    const VObjectCreator& own = *VObjectCreator::find("FirstCounter");
+    const VValueCreator& fathoms = *VValueCreator::find("Range");
+    EXPECT_TRUE(library.contains(&typeid(own)));
+    EXPECT_TRUE(library.contains(&typeid(fathoms)));
     EXPECT_FALSE(library.contains(&typeid(VObject))) << "the program needs trellis, too";
     EXPECT_FALSE(library.contains(this));
     EXPECT_FALSE(library.contains(nullptr));
