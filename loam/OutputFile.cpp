@@ -70,19 +70,24 @@ std::string nameBeside(const std::string& path, int number)
            + std::to_string(::getpid()) + '-' + std::to_string(number) + ".tmp";
 }
 
-// Gives an unnamed file a temporary name, which it needs to replace another file.
-// Returns false and sets errno on failure.
-bool giveName(int descriptor, const std::string& path, std::string& name)
+// Gives an unnamed file a temporary name, which it needs to replace another file, and
+// remembers it. Returns false and sets errno on failure.
+bool giveName(int descriptor, const std::string& path, std::string& name, std::size_t& place)
 {
     const std::string self = processFile(descriptor);
     for (int number = 1;; ++number) {
-        std::string free = nameBeside(path, number);
-        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, free.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-            name = std::move(free);
+        name = nameBeside(path, number);
+        // First, because a signal may arrive as soon as the file has the name.
+        place = remember(name.c_str());
+        if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
             return true;
-        }
-        if (errno != EEXIST)
-            return false;
+        const int error = errno;
+        forget(place);
+        if (error == EEXIST)
+            continue;
+        name.clear();
+        errno = error;
+        return false;
     }
 }
 
@@ -192,11 +197,8 @@ void OutputFile::commit()
     // synchronized, and need not be.
     if (m_isFile && ::fsync(m_descriptor) != 0 && errno != EINVAL && errno != EROFS && errno != ENOTSUP)
         throw FileError{"cannot write " + m_name, errno};
-    if (m_isFile && m_temporary.empty()) {
-        if (!giveName(m_descriptor, m_path, m_temporary))
-            throw FileError{"cannot write " + m_name, errno};
-        m_place = remember(m_temporary.c_str());
-    }
+    if (m_isFile && m_temporary.empty() && !giveName(m_descriptor, m_path, m_temporary, m_place))
+        throw FileError{"cannot write " + m_name, errno};
     const bool closed = ::close(m_descriptor) == 0;
     m_descriptor = -1;
     if (!closed)

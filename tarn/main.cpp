@@ -7,14 +7,22 @@
 #include <tarn/commands/Commands.hpp>
 
 #include <loam/FileError.hpp>
+#include <loam/OutputFile.hpp>
 
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string>
 
+#include <unistd.h>
+
 namespace Tarn {
 
 namespace {
+
+constexpr char OutOfMemory[] = "tarn: out of memory\n";
 
 int perform(const CommandLine& line, const StandardStreams& streams)
 {
@@ -51,18 +59,61 @@ int performSafely(int argc, char** argv, const StandardStreams& streams)
     }
 }
 
+// Ends the program by the signal, as the system would, but without unfinished files.
+void endBySignal(int signal)
+{
+    Loam::OutputFile::removeUnfinished();
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+// For everything before and after an evaluation, which handles signals itself.
+void handleSignals()
+{
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        struct sigaction former {};
+        ::sigaction(signal, nullptr, &former);
+        if (former.sa_handler != SIG_IGN)
+            std::signal(signal, endBySignal);
+    }
+}
+
+// Destructors that need memory cannot report that there is none. Ends the program with a
+// message; anything else is a mistake in the program, of which a dump is more useful.
+[[noreturn]] void endWithoutMemory()
+{
+    try {
+        if (const std::exception_ptr thrown = std::current_exception())
+            std::rethrow_exception(thrown);
+    } catch (const std::bad_alloc&) {
+        Loam::OutputFile::removeUnfinished();
+        std::fputs(OutOfMemory, stderr);
+        ::_exit(ObjectFailed);
+    } catch (...) {
+    }
+    std::abort();
+}
+
 } // namespace
 
 } // namespace Tarn
 
 int main(int argc, char** argv)
 {
-    const Tarn::StandardStreams streams;
-    const Tarn::CrashReport crashReport;
-    const auto warnings = Loam::makeStrong<Tarn::WarningPrinter>();
-    Orla::VActionNotifier::add(warnings);
-    Orla::VUrlSystemHandler::TheUrlSystemHandler = Loam::makeStrong<Tarn::UrlHandler>();
-    const int status = Tarn::performSafely(argc, argv, streams);
-    warnings->printRepeats();
-    return status;
+    std::set_terminate(Tarn::endWithoutMemory);
+    Tarn::handleSignals();
+    try {
+        const Tarn::StandardStreams streams;
+        const Tarn::CrashReport crashReport;
+        const auto warnings = Loam::makeStrong<Tarn::WarningPrinter>();
+        Orla::VActionNotifier::add(warnings);
+        Orla::VUrlSystemHandler::TheUrlSystemHandler = Loam::makeStrong<Tarn::UrlHandler>();
+        const int status = Tarn::performSafely(argc, argv, streams);
+        warnings->printRepeats();
+        return status;
+    } catch (...) {
+        // Not even a message could be composed.
+        std::fputs(Tarn::OutOfMemory, stderr);
+        return Tarn::ObjectFailed;
+    }
 }

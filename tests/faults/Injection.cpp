@@ -1,0 +1,167 @@
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+// Replaces functions of the program that it is linked with, so that a call of them fails.
+// Environment variables select the fault:
+//
+//     FAULT_KIND    "allocation": an allocation throws
+//                   "memory": this one and all later ones throw
+//                   "write": writing, or completing a file, fails as on a full disk, and so do all
+//                            later attempts
+//                   "signal": an allocation is preceded by SIGTERM
+//                   "interrupt": a write, or a step of completing a file, is preceded by SIGTERM
+//     FAULT_AT      the number of the call, from 1; 0 for none
+//     FAULT_COUNT   a file that receives the number of calls at the end
+//
+// Calls are counted from the start of `main` on: until then nothing could handle a fault.
+
+// The replacements pair like the standard functions, but the compiler cannot see it.
+#if defined(__GNUC__) && !defined(__clang__)
+#    pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
+
+namespace {
+
+enum class Kind { None, Allocation, Memory, Write, Signal, Interrupt };
+
+Kind theKind = Kind::None;
+long theFault = 0;
+long theCalls = 0;
+
+const char* setting(const char* name)
+{
+    const char* const text = std::getenv(name);
+    return text ? text : "";
+}
+
+void writeCount()
+{
+    const Kind kind = theKind;
+    theKind = Kind::None;
+    const char* const path = setting("FAULT_COUNT");
+    if (kind == Kind::None || !*path)
+        return;
+    char digits[24];
+    char* first = digits + sizeof digits;
+    for (long rest = theCalls; first == digits + sizeof digits || rest > 0; rest /= 10)
+        *--first = static_cast<char>('0' + rest % 10);
+    const int file = static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, O_WRONLY | O_CREAT | O_TRUNC, 0600));
+    ::syscall(SYS_write, file, first, static_cast<std::size_t>(digits + sizeof digits - first));
+    ::syscall(SYS_close, file);
+}
+
+// Sets up the fault before `main`, after the shared libraries were set up.
+struct Plan {
+    Plan()
+    {
+        const char* const kind = setting("FAULT_KIND");
+        theFault = std::atol(setting("FAULT_AT"));
+        if (std::strcmp(kind, "allocation") == 0)
+            theKind = Kind::Allocation;
+        else if (std::strcmp(kind, "memory") == 0)
+            theKind = Kind::Memory;
+        else if (std::strcmp(kind, "write") == 0)
+            theKind = Kind::Write;
+        else if (std::strcmp(kind, "signal") == 0)
+            theKind = Kind::Signal;
+        else if (std::strcmp(kind, "interrupt") == 0)
+            theKind = Kind::Interrupt;
+        std::atexit(writeCount);
+    }
+} plan;
+
+void count(bool isCounted, Kind signal)
+{
+    if (isCounted && ++theCalls == theFault && theKind == signal)
+        std::raise(SIGTERM);
+}
+
+bool allocationFails()
+{
+    count(theKind == Kind::Allocation || theKind == Kind::Memory || theKind == Kind::Signal, Kind::Signal);
+    return theFault > 0
+           && ((theKind == Kind::Allocation && theCalls == theFault)
+               || (theKind == Kind::Memory && theCalls >= theFault));
+}
+
+bool writeFails()
+{
+    count(theKind == Kind::Write || theKind == Kind::Interrupt, Kind::Interrupt);
+    if (theKind != Kind::Write || theFault == 0 || theCalls < theFault)
+        return false;
+    errno = ENOSPC;
+    return true;
+}
+
+void* allocate(std::size_t size, std::size_t alignment)
+{
+    if (!allocationFails()) {
+        const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
+        if (void* const memory = std::aligned_alloc(alignment, rounded > 0 ? rounded : alignment))
+            return memory;
+    }
+    throw std::bad_alloc{};
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    return allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment)
+{
+    return allocate(size, static_cast<std::size_t>(alignment));
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
+{
+    std::free(memory);
+}
+
+// Messages on standard error are not counted: no result depends on them.
+extern "C" ssize_t write(int file, const void* bytes, std::size_t size)
+{
+    if (file != STDERR_FILENO && writeFails())
+        return -1;
+    return ::syscall(SYS_write, file, bytes, size);
+}
+
+extern "C" int fsync(int file)
+{
+    return writeFails() ? -1 : static_cast<int>(::syscall(SYS_fsync, file));
+}
+
+extern "C" int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept
+{
+    return writeFails() ? -1 : static_cast<int>(::syscall(SYS_linkat, fromFolder, from, toFolder, to, flags));
+}
+
+extern "C" int rename(const char* from, const char* to) noexcept
+{
+    return writeFails() ? -1 : static_cast<int>(::syscall(SYS_renameat2, AT_FDCWD, from, AT_FDCWD, to, 0));
+}
