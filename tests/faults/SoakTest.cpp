@@ -54,7 +54,7 @@ void expectSame(const Living& found, const Living& expected)
     EXPECT_EQ(found.objects, expected.objects);
     EXPECT_EQ(found.values, expected.values);
     EXPECT_EQ(found.chunkBytes, expected.chunkBytes);
-    EXPECT_NEAR(static_cast<double>(found.blocks), static_cast<double>(expected.blocks), Tolerance);
+    EXPECT_LE(found.blocks, expected.blocks + Tolerance); // tables may also shrink
 }
 
 // Has a clock, a loop that settles, charts, actions, texts, failures and a status.
