@@ -1,5 +1,6 @@
 #include <tarn/libraries/Libraries.hpp>
 
+#include <tarn/libraries/Initialization.hpp>
 #include <tarn/libraries/LibraryCheck.hpp>
 #include <tarn/text/Activity.hpp>
 #include <tarn/text/Messages.hpp>
@@ -88,6 +89,7 @@ Loam::Result<void> Libraries::load(const std::string& name)
         const std::string path = folder + '/' + name + ".so";
         if (::access(path.c_str(), F_OK) != 0)
             continue;
+        const Initialization initialization{title};
         const Loam::Result<void*> handle = open(path);
         if (!handle) {
             reasons.push_back(handle.reason());

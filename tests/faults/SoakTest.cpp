@@ -132,7 +132,7 @@ TEST(RepeatedLoading, leavesNothingRegisteredAndNothingAllocated)
         ASSERT_TRUE(libraries.load(Tarn::StandardLibrary));
         ASSERT_TRUE(libraries.load("testobjects"));
         ASSERT_TRUE(Orla::VObjectCreator::find("Adder"));
-        libraries.unload();
+        EXPECT_TRUE(libraries.unload());
     };
     const auto values = Orla::VValueCreator::names();
     for (int i = 0; i < 3; ++i)

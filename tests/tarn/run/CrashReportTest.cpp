@@ -111,14 +111,6 @@ TEST(CrashReport, treatsACallOfExitInAConstructorAsAnError)
     EXPECT_EQ(result.err, "tarn: the program was ended by creating the object \"early\", which called exit\n");
 }
 
-TEST(CrashReport, namesTheLibraryWhoseInitialisationFailed)
-{
-    const ProcessResult result = runTarn({"libraries", "throwinglibrary"}, oddLibraries);
-    EXPECT_THAT(result.err,
-                HasSubstr("tarn: crashed (abort) in loading \"" ODD_LIBRARIES_FOLDER "/throwinglibrary.so\"\n"));
-    EXPECT_GT(result.status, 1);
-}
-
 TEST(CrashReport, restoresTheSignalHandlers)
 {
     struct sigaction before {};
