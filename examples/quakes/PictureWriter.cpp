@@ -121,7 +121,8 @@ private:
         picture.title = m_title.value(pool);
         picture.instant = getTime(pool, 0, Orla::Range{});
         picture.quakes = m_catalogue.value(pool);
-        if (const auto* rules = m_color.value(pool).selection())
+        const Orla::Enum color = m_color.value(pool);
+        if (const auto* rules = color.selection())
             picture.colorRule = colorRuleOfName(rules->selectedName()).value_or(ColorRule::Depth);
         draw(canvas, picture, m_land.value(pool).polygons(), *makeView(canvas, chartIn(pool), m_camera.value(pool)));
         const std::string bytes = canvas.finished();
