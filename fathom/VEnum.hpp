@@ -106,7 +106,8 @@ public:
     bool select(unsigned number) noexcept { return m_selection && m_selection->select(number); }
     bool select(const std::string& name) noexcept { return m_selection && m_selection->select(name); }
 
-    /// Returns names and choice, for reading; null for an empty enum.
+    /// Returns names and choice, for reading; null for an empty enum. Valid while this enum or a
+    /// copy of it exists: keep the enum that `TypedSlot::value` returns.
     const VEnumSelection* selection() const noexcept { return m_selection.get(); }
 
     /// Returns true if the chosen name is exactly \p name.
