@@ -13,6 +13,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
+#include <cstring>
 #include <string>
 
 namespace PictureWriterTest {
@@ -187,12 +189,13 @@ TEST_F(PictureWriterTest, reportsFaultsAndLeavesTheFileUnchanged)
 
 TEST_F(PictureWriterTest, remembersMissingPicturesUntilTheNextSequence)
 {
+    const std::string reason = std::strerror(ENOENT); // in the language of the locale
     writer.set("file", folder.file("last.png"));
     writer.set("frames", folder.file("later/frame-#.png"));
     act(EndOfStep);
     act(EndOfStep);
     EXPECT_THAT(writer.text("status"),
-                HasSubstr("later/frame-2.png: No such file or directory; pictures of steps that are missing: 2"));
+                HasSubstr("later/frame-2.png: " + reason + "; pictures of steps that are missing: 2"));
     folder.write("later/x", "");
     act(EndOfStep);
     act(EndOfRun);
@@ -201,7 +204,7 @@ TEST_F(PictureWriterTest, remembersMissingPicturesUntilTheNextSequence)
 
     writer.set("file", folder.file("none/last.png"));
     act(EndOfRun);
-    EXPECT_THAT(writer.text("status"), HasSubstr("directory; pictures of steps that are missing: 2"));
+    EXPECT_THAT(writer.text("status"), HasSubstr(reason + "; pictures of steps that are missing: 2"));
 
     writer.set("time", Orla::VTime{0, 0, 1, 0.25, "", "", {}});
     act(EndOfStep);

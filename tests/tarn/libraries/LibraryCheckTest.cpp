@@ -6,6 +6,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <string>
 
@@ -90,7 +92,7 @@ TEST(LibraryCheck, refusesFilesThatAreNotObjectLibraries)
         {folder.file("folder.so"), notALibrary},
         {folder.file("pipe.so"), notALibrary},
         {"/dev/null", notALibrary},
-        {folder.file("missing.so"), "cannot read it: No such file or directory"},
+        {folder.file("missing.so"), std::string("cannot read it: ") + std::strerror(ENOENT)},
         {TARN_PROGRAM, withoutNote},
         {STANDARD_FOLDER "/../libloam.so", withoutNote},
     };
