@@ -22,8 +22,6 @@ namespace Orla {
 /// Copies share the framework's slot.
 template<class T>
 class FATHOM_VISIBLE TypedSlot {
-    static_assert(ValueContent<T>, "the type of an input must meet ValueContent");
-
 public:
     /// Creates inputs of the type from text.
     class SlotCreator : public TypedSlotCreator {

@@ -36,8 +36,6 @@ struct VOutputReference {
 /// initialised in its constructor.
 template<class T>
 class FATHOM_VISIBLE VOutput {
-    static_assert(ValueContent<T>, "the type of an output must meet ValueContent");
-
 public:
     /// Adds an output \p name with the value \p initialValue to \p that.
     VOutput(VSlotContainer* that, const std::string& name, const T& initialValue,
