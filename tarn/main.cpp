@@ -78,8 +78,8 @@ void handleSignals()
     }
 }
 
-// Destructors that need memory cannot report that there is none. Ends the program with a
-// message; anything else is a mistake in the program, of which a dump is more useful.
+// The terminate handler. A std::bad_alloc that leaves a destructor ends the program with a
+// message. Anything else is a bug, for which a core dump is more useful.
 [[noreturn]] void endWithoutMemory()
 {
     try {

@@ -29,8 +29,9 @@ public:
     const std::string& typeName() const noexcept { return m_name; }
 
     /// Registers \p creator under \p name. Returns false if another type has the name, with a
-    /// warning that names both owners; the creator is then found only as LIBRARY:NAME, until
-    /// the other type is no longer registered. Also returns false if \p creator has expired.
+    /// warning that names both owners; the creator is then found only as LIBRARY:NAME, and
+    /// takes over NAME when the first type is unregistered. Also returns false if \p creator has
+    /// expired.
     static bool registerCreator(const WeakPtrImpl<VObjectCreator>& creator, const std::string& name);
 
     /// Finds the type registered as \p typeName. "LIBRARY:NAME" selects the type of one library

@@ -19,8 +19,8 @@ namespace Orla::Detail {
 /// is unloaded.
 ///
 /// A second creator of the same type is used once the first is destroyed. A creator of a
-/// different type under a taken name is found only together with the name of its library,
-/// until the other type is no longer registered.
+/// different type under a taken name is found only together with the name of its library. It
+/// takes over the plain name when the first type is unregistered.
 ///
 /// The registry has a lock, so it may be read while libraries are loaded and unloaded.
 template<class Creator>
