@@ -1,3 +1,5 @@
+#include "support/ReplacedNew.hpp"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
@@ -22,11 +24,6 @@
 //     FAULT_COUNT   a file that receives the number of calls at the end
 //
 // Calls are counted from the start of `main` on: until then nothing could handle a fault.
-
-// The replacements pair like the standard functions, but the compiler cannot see it.
-#if defined(__GNUC__) && !defined(__clang__)
-#    pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-#endif
 
 namespace {
 
@@ -101,46 +98,20 @@ bool writeFails()
     return true;
 }
 
-void* allocate(std::size_t size, std::size_t alignment)
-{
-    if (!allocationFails()) {
-        const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
-        if (void* const memory = std::aligned_alloc(alignment, rounded > 0 ? rounded : alignment))
-            return memory;
-    }
-    throw std::bad_alloc{};
-}
-
 } // namespace
 
-void* operator new(std::size_t size)
+void ReplacedNew::allocating()
 {
-    return allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+    if (allocationFails())
+        throw std::bad_alloc{};
 }
 
-void* operator new(std::size_t size, std::align_val_t alignment)
+void ReplacedNew::allocated() noexcept
 {
-    return allocate(size, static_cast<std::size_t>(alignment));
 }
 
-void operator delete(void* memory) noexcept
+void ReplacedNew::released() noexcept
 {
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
-{
-    std::free(memory);
 }
 
 // Messages on standard error are not counted: no result depends on them.

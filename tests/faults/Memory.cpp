@@ -1,14 +1,9 @@
 #include "Memory.hpp"
 
-#include <atomic>
-#include <cstddef>
-#include <cstdlib>
-#include <new>
+#include "support/ReplacedNew.hpp"
 
-// The replacements pair like the standard functions, but the compiler cannot see it.
-#if defined(__GNUC__) && !defined(__clang__)
-#    pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-#endif
+#include <atomic>
+#include <new>
 
 namespace Memory {
 
@@ -17,27 +12,6 @@ namespace {
 std::atomic<long> theBlocks{0};
 std::atomic<long> theAllocationsLeft{-1};
 std::atomic<bool> theFailure{false};
-
-void* allocate(std::size_t size, std::size_t alignment)
-{
-    if (theAllocationsLeft >= 0 && theAllocationsLeft-- == 0) {
-        theFailure = true;
-        throw std::bad_alloc{};
-    }
-    const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
-    void* const memory = std::aligned_alloc(alignment, rounded > 0 ? rounded : alignment);
-    if (!memory)
-        throw std::bad_alloc{};
-    ++theBlocks;
-    return memory;
-}
-
-void release(void* memory) noexcept
-{
-    if (memory)
-        --theBlocks;
-    std::free(memory);
-}
 
 } // namespace
 
@@ -59,32 +33,20 @@ bool hasFailed() noexcept
 
 } // namespace Memory
 
-void* operator new(std::size_t size)
+void ReplacedNew::allocating()
 {
-    return Memory::allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+    if (Memory::theAllocationsLeft >= 0 && Memory::theAllocationsLeft-- == 0) {
+        Memory::theFailure = true;
+        throw std::bad_alloc{};
+    }
 }
 
-void* operator new(std::size_t size, std::align_val_t alignment)
+void ReplacedNew::allocated() noexcept
 {
-    return Memory::allocate(size, static_cast<std::size_t>(alignment));
+    ++Memory::theBlocks;
 }
 
-void operator delete(void* memory) noexcept
+void ReplacedNew::released() noexcept
 {
-    Memory::release(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    Memory::release(memory);
-}
-
-void operator delete(void* memory, std::align_val_t) noexcept
-{
-    Memory::release(memory);
-}
-
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
-{
-    Memory::release(memory);
+    --Memory::theBlocks;
 }

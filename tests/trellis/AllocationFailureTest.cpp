@@ -1,15 +1,10 @@
+#include "support/ReplacedNew.hpp"
 #include "support/TestNetwork.hpp"
 
 #include <trellis/VExecutor.hpp>
 #include <trellis/VNetwork.hpp>
 
-#include <cstdlib>
 #include <new>
-
-// The replacements pair like the standard functions, but the compiler cannot see it.
-#if defined(__GNUC__) && !defined(__clang__)
-#    pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-#endif
 
 namespace AllocationFailureTest {
 
@@ -23,50 +18,25 @@ long allocationsLeft = -1;
 bool everyAllocationFails = false;
 bool hasFailed = false;
 
-void* allocate(std::size_t size, std::size_t alignment)
-{
-    if (everyAllocationFails || (allocationsLeft >= 0 && allocationsLeft-- == 0)) {
-        hasFailed = true;
-        throw std::bad_alloc{};
-    }
-    const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
-    if (void* const memory = std::aligned_alloc(alignment, rounded > 0 ? rounded : alignment))
-        return memory;
-    throw std::bad_alloc{};
-}
-
 } // namespace
 
 } // namespace AllocationFailureTest
 
-void* operator new(std::size_t size)
+void ReplacedNew::allocating()
 {
-    return AllocationFailureTest::allocate(size, __STDCPP_DEFAULT_NEW_ALIGNMENT__);
+    using namespace AllocationFailureTest;
+    if (everyAllocationFails || (allocationsLeft >= 0 && allocationsLeft-- == 0)) {
+        hasFailed = true;
+        throw std::bad_alloc{};
+    }
 }
 
-void* operator new(std::size_t size, std::align_val_t alignment)
+void ReplacedNew::allocated() noexcept
 {
-    return AllocationFailureTest::allocate(size, static_cast<std::size_t>(alignment));
 }
 
-void operator delete(void* memory) noexcept
+void ReplacedNew::released() noexcept
 {
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::align_val_t) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept
-{
-    std::free(memory);
 }
 
 namespace AllocationFailureTest {
