@@ -22,7 +22,7 @@ using Orla::StrongPtr;
 using Orla::VObjectStatus;
 
 // More failures of one run usually have one cause, and counting waiting objects takes time.
-constexpr std::size_t MostListed = 100;
+constexpr std::size_t MostFailures = 100;
 
 // Errors come first.
 int rankOf(const StatusReport::Entry& entry) noexcept
@@ -35,21 +35,17 @@ bool isBlank(const std::string& text) noexcept
     return text.find_first_not_of(" \t\r\n") == std::string::npos;
 }
 
-using Failures = std::unordered_map<const Orla::VObject*, std::string>; // reasons
-
-Failures failuresOf(const StrongPtr<Orla::ValuePool>& pool)
-{
-    Failures failures;
-    for (const Orla::VScheduler::Failure& failure : Orla::VScheduler::failures(pool))
-        failures.emplace(failure.object.get(), failure.reason);
-    return failures;
-}
-
 } // namespace
 
 StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool)
 {
-    Failures failures = failuresOf(pool);
+    using State = Orla::VScheduler::State;
+    std::vector<Orla::VScheduler::Failure> failures = Orla::VScheduler::failures(pool);
+    std::unordered_map<const Orla::VObject*, std::string*> reasons;
+    for (Orla::VScheduler::Failure& failure : failures)
+        reasons.emplace(failure.object.get(), &failure.reason);
+
+    std::vector<Entry> reported;
     Orla::VObject::forEachOutput(
         typeid(VObjectStatus), [&](const StrongPtr<Orla::VObject>& object, const StrongPtr<Orla::VSlot>& output) {
             const std::optional<VObjectStatus> status = output->get<VObjectStatus>(pool);
@@ -57,37 +53,24 @@ StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool)
                 return;
             const std::string text = plainText(status->text);
             const Severity severity = severityOf(status->text);
-            const auto failure = failures.find(object.get());
-            if (failure != failures.end()) {
+            if (const auto failed = reasons.find(object.get()); failed != reasons.end()) {
                 // The object may have reported the reason before it returned false.
-                if (failure->second.empty() && severity == Severity::Error)
-                    failure->second = text;
+                if (failed->second->empty() && severity == Severity::Error)
+                    *failed->second = text;
             } else if (severity != Severity::Information
-                       || (!isBlank(text)
-                           && Orla::VScheduler::stateOf(*object, pool) != Orla::VScheduler::State::Waiting)) {
-                m_entries.push_back({object->Name(), severity, text});
+                       || (!isBlank(text) && Orla::VScheduler::stateOf(*object, pool) != State::Waiting)) {
+                reported.push_back({object->Name(), severity, text});
             }
         });
-    addFailures(pool, failures);
-    std::ranges::stable_sort(m_entries, {}, rankOf);
-}
 
-void StatusReport::addFailures(const StrongPtr<Orla::ValuePool>& pool,
-                               const std::unordered_map<const Orla::VObject*, std::string>& reasons)
-{
-    std::vector<Entry> failed;
-    for (const Orla::VScheduler::Failure& failure : Orla::VScheduler::failures(pool)) {
-        if (failed.size() == MostListed) {
-            ++m_unlisted;
-            continue;
-        }
-        const auto reason = reasons.find(failure.object.get());
-        const std::string text =
-            reason == reasons.end() || isBlank(reason->second) ? "its update failed" : reason->second;
-        failed.push_back(
-            {failure.object->Name(), Severity::Error, text, Orla::VScheduler::countWaiting(*failure.object, pool)});
-    }
-    m_entries.insert(m_entries.begin(), failed.begin(), failed.end());
+    m_unlisted = failures.size() - std::min(failures.size(), MostFailures);
+    failures.resize(failures.size() - m_unlisted);
+    for (const Orla::VScheduler::Failure& failure : failures)
+        m_entries.push_back({failure.object->Name(), Severity::Error,
+                             isBlank(failure.reason) ? "its update failed" : failure.reason,
+                             Orla::VScheduler::countWaiting(*failure.object, pool)});
+    m_entries.insert(m_entries.end(), reported.begin(), reported.end());
+    std::ranges::stable_sort(m_entries, {}, rankOf);
 }
 
 bool StatusReport::hasErrors() const noexcept

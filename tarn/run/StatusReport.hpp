@@ -6,12 +6,7 @@
 
 #include <cstddef>
 #include <string>
-#include <unordered_map>
 #include <vector>
-
-namespace Orla {
-class VObject;
-}
 
 namespace Tarn {
 
@@ -40,9 +35,6 @@ public:
     std::vector<std::string> lines() const;
 
 private:
-    void addFailures(const Orla::StrongPtr<Orla::ValuePool>& pool,
-                     const std::unordered_map<const Orla::VObject*, std::string>& reasons);
-
     std::vector<Entry> m_entries;
     std::size_t m_unlisted = 0; // failed objects
 };
