@@ -105,6 +105,7 @@ TEST(Evaluation, leavesCellsOfFailedAndWaitingObjectsEmpty)
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out,
               "step,broken,how,sum,total\n0,42,throw,42,43\n1,,throw,,\n2,,throw,,\n3,,throw,,\n4,,throw,,\n");
+    EXPECT_THAT(result.err, HasSubstr(", 4 failures, ")) << "an empty cell is not another failure";
 }
 
 TEST(Evaluation, countsUpdatesThatReturnFalseAsFailures)
