@@ -174,8 +174,6 @@ private:
 /// A value that holds one \p T.
 template<class T>
 class FATHOM_VISIBLE VValue : public VTypedValueBase<T>, public Ageable {
-    static_assert(ValueContent<T>, "the type of a value must meet ValueContent");
-
 public:
     using Creator = TypedValueCreator<T>;
 
@@ -305,8 +303,10 @@ private:
     // two types, which are created most often, is always in fathom itself.
     static constexpr bool IsCounted = !std::is_same_v<T, double> && !std::is_same_v<T, char>;
 
+    // Every constructor calls this. Code that only reads values need not know their text form.
     static void countCreated() noexcept
     {
+        static_assert(ValueContent<T>, "the type of a value must meet ValueContent");
         if constexpr (IsCounted) {
             if (theTypedValueCreator)
                 theTypedValueCreator->countValue(1);

@@ -165,6 +165,12 @@ static_assert(!ValueContent<WithoutText>);
 static_assert(!ValueContent<WithoutComparison>);
 static_assert(!ValueContent<WithoutDefault>);
 
+TEST(VValue, canBeReadByCodeThatDoesNotKnowTheTextForm)
+{
+    const StrongPtr<VValueBase> other = make(1.5);
+    EXPECT_EQ(VTypedValueBase<WithoutText>::cast(other.get()), nullptr);
+}
+
 TEST(VValue, refusesTheContentOfAnotherTypeEvenIfItsTextWouldFit)
 {
     const auto number = make(2.5);
