@@ -45,12 +45,21 @@ void addFolder(const std::string& folder, std::vector<std::string>& folders)
         folders.push_back(std::move(normal));
 }
 
+// An exception from the initialization of a library must not pass through the C library, which
+// holds a lock; it ends the program here, see Initialization. The C library declares that dlopen
+// does not throw, so compilers would omit the handler without the volatile pointer.
+void* initialized(const std::string& path) noexcept
+{
+    void* (*const volatile open)(const char*, int) = ::dlopen;
+    return open(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
 Loam::Result<void*> open(const std::string& path)
 {
     if (const Loam::Result<void> fits = checkLibraryFile(path); !fits)
         return Loam::Failure{printable(path) + ": " + fits.reason()};
     const Activity activity{"loading", path.c_str()};
-    void* const handle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* const handle = initialized(path);
     if (!handle) {
         const char* const error = ::dlerror();
         return Loam::Failure{error ? error : path + ": no reason was given"};
