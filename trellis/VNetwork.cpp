@@ -6,6 +6,7 @@
 #include <trellis/detail/Wiring.hpp>
 
 #include <filesystem>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -108,6 +109,20 @@ std::string VNetwork::resolve(const std::string& fileName) const
     if (m_folder.empty() || path.is_absolute())
         return fileName;
     return (std::filesystem::path(m_folder) / path).string();
+}
+
+std::string VNetwork::findFile(const std::string& fileName) const
+{
+    namespace fs = std::filesystem;
+    std::string here = resolve(fileName);
+    std::error_code error;
+    if (fs::path(fileName).is_absolute() || fileName.empty() || fs::exists(here, error))
+        return here;
+    for (const std::string& folder : m_dataFolders) {
+        if (const fs::path there = fs::path(folder) / fileName; fs::exists(there, error))
+            return there.string();
+    }
+    return here;
 }
 
 std::size_t VNetwork::objectCount() const

@@ -7,6 +7,7 @@
 #include <string>
 #include <typeinfo>
 #include <utility>
+#include <vector>
 
 namespace Orla {
 
@@ -103,6 +104,13 @@ public:
     /// exist.
     std::string resolve(const std::string& fileName) const;
 
+    /// Returns the path of a file that is read: \p fileName in the network's folder if it is
+    /// there, else in the first of the data folders that has it, else as `resolve`.
+    std::string findFile(const std::string& fileName) const;
+
+    const std::vector<std::string>& dataFolders() const noexcept { return m_dataFolders; }
+    void setDataFolders(std::vector<std::string> folders) { m_dataFolders = std::move(folders); }
+
     /// Returns the number of registered objects.
     std::size_t objectCount() const;
 
@@ -128,6 +136,7 @@ private:
 
     StrongPtr<Detail::NetworkCore> m_core;
     std::string m_folder;
+    std::vector<std::string> m_dataFolders;
 };
 
 } // namespace Orla

@@ -5,8 +5,11 @@
 #include <trellis/detail/Provision.hpp>
 
 #include <trellis/VActionNotifier.hpp>
+#include <trellis/VNetwork.hpp>
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VTypeLabel.hpp>
+
+#include <filesystem>
 
 namespace Orla {
 
@@ -30,6 +33,24 @@ VObject::~VObject()
     wiring().isEvaluated = false;
     wiring().object = nullptr;
     wiring().name = nullptr;
+}
+
+std::string VObject::inputFile(const std::string& name) const
+{
+    const VNetwork* const own = network();
+    return own ? own->findFile(name) : name;
+}
+
+std::string VObject::resultFile(const std::string& name, const StrongPtr<ValuePool>& pool) const
+{
+    std::filesystem::path path = name;
+    if (pool && !pool->resultTag().empty() && !name.empty()) {
+        const std::string extension = path.extension().string();
+        path.replace_extension();
+        path += '-' + pool->resultTag() + extension;
+    }
+    const VNetwork* const own = network();
+    return own ? own->resolve(path.string()) : path.string();
 }
 
 void VObject::enableRequestProcessing()

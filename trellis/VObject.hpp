@@ -56,6 +56,16 @@ public:
     /// Returns the preferences that the object was created with; may be null.
     const StrongPtr<VCreationPreferences, InterfaceBase>& creationPreferences() const noexcept { return m_preferences; }
 
+    /// Returns the path of the file \p name that the object reads; see `VNetwork::findFile`. A
+    /// relative name does not start at the working directory, so an object must not open \p name
+    /// itself.
+    std::string inputFile(const std::string& name) const;
+
+    /// Returns the path of the file \p name that the object writes in an evaluation of \p pool:
+    /// a relative name starts at the network's folder. If the pool has a result tag, "-" and the
+    /// tag are inserted before the extension: "map.png" becomes "map-case7.png".
+    std::string resultFile(const std::string& name, const StrongPtr<ValuePool>& pool) const;
+
     /// Runs the set-up functions, enables request processing and announces the object.
     static void finishCreation(const StrongPtr<VObject>& object, const Loam::InterfaceContainer& interfaces = {},
                                const StrongPtr<VObjectCreator>& creator = {});

@@ -10,11 +10,12 @@
 
 namespace Orla {
 
-ValuePool::ValuePool(std::string name) : m_name{std::move(name)}
+ValuePool::ValuePool(std::string name, std::string resultTag)
+    : m_name{std::move(name)}, m_resultTag{std::move(resultTag)}
 {
 }
 
-ValuePool::ValuePool(Detail::PoolState& state) : m_name{state.pool().m_name}
+ValuePool::ValuePool(Detail::PoolState& state) : ValuePool{state.pool().m_name, state.pool().m_resultTag}
 {
     state.m_views.push_back(this);
     m_state = &state;

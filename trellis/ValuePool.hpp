@@ -32,13 +32,15 @@ class PoolState;
 /// `docs/architecture.md` shows the path of a value through the classes.
 class TRELLIS_API ValuePool : public Loam::ReferenceBase<ValuePool> {
 public:
-    /// \p name appears in messages.
-    explicit ValuePool(std::string name = {});
+    /// \p name appears in messages. \p resultTag distinguishes the files that are written during
+    /// the evaluation from those of other pools; see `VObject::resultFile`.
+    explicit ValuePool(std::string name = {}, std::string resultTag = {});
     ValuePool(const ValuePool&) = delete;
     ValuePool& operator=(const ValuePool&) = delete;
     ~ValuePool() override;
 
     const std::string& Name() const noexcept;
+    const std::string& resultTag() const noexcept { return m_resultTag; }
 
     /// Returns the variable entered under \p name, or null.
     StrongPtr<VValueBase> retrieveValue(const std::string& name) const;
@@ -79,6 +81,7 @@ private:
     explicit ValuePool(Detail::PoolState& state);
 
     std::string m_name;
+    std::string m_resultTag;
     Detail::PoolState* m_state = nullptr; // owned, unless the pool is a view
     VFrame* m_running = nullptr;
     bool m_isView = false;

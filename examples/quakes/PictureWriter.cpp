@@ -21,6 +21,7 @@
 
 #include <cmath>
 #include <exception>
+#include <filesystem>
 #include <new>
 #include <stdexcept>
 
@@ -41,7 +42,8 @@ using Action = StrongPtr<Orla::VAction>;
 /// and 1.
 ///
 /// The status reports the written file or the error. The error of a step remains until the
-/// next sequence begins.
+/// next sequence begins. The output `written` counts the pictures of the run, and `missing`
+/// those of the sequence that could not be written.
 class PictureWriter : public Orla::VObject,
                       public Orla::TimeDependent,
                       public Earth::ChartFollower,
@@ -69,16 +71,12 @@ public:
             return true;
         try {
             if (isFrame && stepIn(pool) == 0)
-                m_missing = 0;
+                m_missing(pool) <<= 0;
             const std::string file = isFrame ? Earth::frameName(pattern, stepIn(pool)) : pattern;
-            write(file, pool);
-            ++m_written;
-            std::string message = "wrote " + escaped(file);
-            if (m_written > 1)
-                message += ", the last of " + std::to_string(m_written) + " pictures";
-            // A later picture does not replace one that is missing.
-            if (m_missing == 0)
-                setStatusInfo(pool, message);
+            const std::filesystem::path path = resultFile(file, pool);
+            write(path.string(), pool);
+            // As the input names it, but with the number of the case.
+            reportWritten(std::filesystem::path(file).replace_filename(path.filename()).string(), pool);
         } catch (const std::bad_alloc&) {
             reportMissing("out of memory", isFrame, pool);
         } catch (const std::exception& error) {
@@ -90,13 +88,25 @@ public:
 private:
     static constexpr double StepNumber = 1;
 
+    void reportWritten(const std::string& file, const StrongPtr<Orla::ValuePool>& pool)
+    {
+        const int written = m_written.value(pool) + 1;
+        m_written(pool) <<= written;
+        std::string message = "wrote " + escaped(file);
+        if (written > 1)
+            message += ", the last of " + std::to_string(written) + " pictures";
+        // A later picture does not replace one that is missing.
+        if (m_missing.value(pool) == 0)
+            setStatusInfo(pool, message);
+    }
+
     void reportMissing(const std::string& reason, bool isFrame, const StrongPtr<Orla::ValuePool>& pool)
     {
-        if (isFrame)
-            ++m_missing;
+        const int missing = m_missing.value(pool) + (isFrame ? 1 : 0);
+        m_missing(pool) <<= missing;
         std::string message = escaped(reason);
-        if (m_missing > (isFrame ? 1u : 0u))
-            message += "; pictures of steps that are missing: " + std::to_string(m_missing);
+        if (missing > (isFrame ? 1 : 0))
+            message += "; pictures of steps that are missing: " + std::to_string(missing);
         setStatusError(pool, message, false);
     }
 
@@ -154,8 +164,8 @@ private:
     Orla::TypedSlot<Action> m_write{this, "write", Action{}, 0};
     Orla::TypedSlot<std::string> m_frames{this, "frames", "", 0};
     Orla::TypedSlot<Action> m_step{this, "step", Action{}, 0};
-    std::size_t m_written = 0;
-    std::size_t m_missing = 0; // pictures of steps that were not written
+    Orla::VOutput<int> m_written{this, "written", 0};
+    Orla::VOutput<int> m_missing{this, "missing", 0};
 };
 
 } // namespace Quakes

@@ -1,8 +1,6 @@
 #include "Catalogue.hpp"
 #include "GeoJson.hpp"
 
-#include <earth/DataFile.hpp>
-
 #include <fathom/String.hpp>
 #include <fathom/VOutput.hpp>
 
@@ -12,8 +10,7 @@
 
 namespace Quakes {
 
-/// Reads the events of a GeoJSON file. If the file does not exist, it is searched for in
-/// the data folders of the program. If the file cannot be read, the update fails and the
+/// Reads the events of a GeoJSON file. If the file cannot be read, the update fails and the
 /// previous events are kept.
 class QuakeReader : public Orla::VObject {
 public:
@@ -26,7 +23,7 @@ public:
         if (file.empty())
             throw std::runtime_error{"the input \"file\" is empty, expected the name of a GeoJSON file"};
 
-        const std::optional<Catalogue> catalogue = readGeoJson(Earth::findData(file), [&request](double fraction) {
+        const std::optional<Catalogue> catalogue = readGeoJson(inputFile(file), [&request](double fraction) {
             request.reportProgress(fraction);
             return !request.isCancelled();
         });

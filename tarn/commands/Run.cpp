@@ -214,7 +214,9 @@ const Command& runCommand()
         .help = R"(Evaluates the network once per step of its global time, or once if no object provides
 the time.
 
-Relative names in the texts of inputs are resolved in the folder of the network.
+Relative names in the texts of inputs are resolved in the folder of the network, then, for
+files that are read, in those of TARN_DATA. Names in options are relative to the working
+directory.
 
 FILE.csv is replaced only when the table is complete; if something fails before, it
 stays unchanged. If an object crashes, calls exit or ignores an interruption, it is

@@ -1,6 +1,5 @@
 #include <tarn/network/Conversion.hpp>
 
-#include <tarn/libraries/AnnouncedObjects.hpp>
 #include <tarn/network/NetworkParser.hpp>
 #include <tarn/network/NetworkWriter.hpp>
 #include <tarn/network/RelativePathRewriter.hpp>
@@ -9,20 +8,17 @@
 #include <tarn/text/Messages.hpp>
 #include <tarn/text/ReadFile.hpp>
 
+#include <trellis/VNetwork.hpp>
 #include <trellis/VObjectCreator.hpp>
 
-#include <loam/FileError.hpp>
 #include <loam/Utf8.hpp>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
-
-#include <unistd.h>
 
 namespace Tarn {
 
@@ -58,8 +54,9 @@ Conversion::Conversion(const std::string& path, const std::vector<std::string>& 
     : m_faults{path}, m_unknown{path}, m_folder{folderOf(path)}, m_libraries{Libraries::searchPath(m_folder)}
 {
     const std::string text = readFile(path);
-    if (::chdir(m_folder.c_str()) != 0)
-        throw Loam::FileError{"cannot enter " + printable(m_folder), errno};
+    Orla::VNetwork network{m_folder};
+    network.setDataFolders(dataFolders());
+    const Orla::VNetwork::Scope scope{network};
     // Which types are known depends on the libraries; the second pass reports the faults.
     Faults ignored{path};
     const std::vector<std::string> missing = m_libraries.loadAll(parseNetwork(text, ignored).libraries, m_unknown);
@@ -68,8 +65,6 @@ Conversion::Conversion(const std::string& path, const std::vector<std::string>& 
     m_connectionCount = inputs.connectionCount;
     if (m_faults.empty())
         makeCanonical(inputs);
-    // Removes the objects that constructors announced.
-    removeAnnouncedObjects();
 }
 
 void Conversion::makeCanonical(const NetworkInputs& inputs)

@@ -13,8 +13,7 @@ namespace Tarn {
 
 /// Reads a saved network and returns it in its canonical form.
 ///
-/// The folder of the file becomes the working directory, as in a run. Libraries stay in
-/// memory.
+/// Libraries stay in memory.
 class Conversion {
 public:
     /// Reads the file \p path, creates its objects, applies \p overrides and destroys the

@@ -8,15 +8,9 @@
 
 #include <trellis/VActionNotifier.hpp>
 
-#include <loam/FileError.hpp>
 #include <loam/Numbers.hpp>
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
-#include <system_error>
-
-#include <unistd.h>
 
 namespace Tarn {
 
@@ -44,10 +38,9 @@ Session::Session(const std::string& path, const std::vector<std::string>& overri
     , m_pool{Loam::makeStrong<Orla::ValuePool>(path)}
 {
     const std::string text = readFile(path);
-    if (::chdir(m_folder.c_str()) != 0)
-        throw Loam::FileError{"cannot enter " + printable(m_folder), errno};
     const NetworkFile file = parseNetwork(text, m_faults);
     m_objects.emplace(m_folder);
+    m_objects->setDataFolders(dataFolders());
     m_scope.emplace(*m_objects);
     const std::vector<std::string> missing = m_libraries.loadAll(file.libraries, m_faults);
     m_network = buildNetwork(file, overrides, missing, m_faults);

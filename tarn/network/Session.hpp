@@ -25,8 +25,9 @@ inline constexpr double MostCountedSteps = 1e15;
 
 /// A saved network, from reading its file to destroying its last object.
 ///
-/// The folder of the file becomes the working directory: relative names in the texts of
-/// inputs are resolved there. Only one session may exist at a time.
+/// Relative file names in the texts of inputs start at the folder of the file; files that are
+/// read may also be in the folders of the environment variable TARN_DATA. Only one session may
+/// exist at a time.
 class Session {
 public:
     /// Reads the file \p path, loads its libraries and creates its objects; \p overrides as in

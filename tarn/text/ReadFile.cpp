@@ -2,9 +2,12 @@
 
 #include <tarn/text/Messages.hpp>
 
+#include <loam/Environment.hpp>
 #include <loam/FileError.hpp>
 #include <loam/ScopeExit.hpp>
+#include <loam/StringUtil.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <filesystem>
@@ -54,6 +57,15 @@ std::string folderOf(const std::string& path)
     if (error)
         throw Loam::FileError{"cannot read " + printable(path), error.value()};
     return absolute.parent_path().string();
+}
+
+std::vector<std::string> dataFolders()
+{
+    std::string value = Loam::getEnvString("TARN_DATA");
+    std::ranges::replace(value, '\\', '/');
+    std::vector<std::string> folders;
+    Loam::StringUtil::split(value, folders, ';', false);
+    return folders;
 }
 
 } // namespace Tarn

@@ -118,5 +118,5 @@ public:
     }
 
     const Orla::StrongPtr<Orla::VObject> object;
-    const Orla::StrongPtr<Orla::ValuePool> pool{new Orla::ValuePool("test")};
+    Orla::StrongPtr<Orla::ValuePool> pool{new Orla::ValuePool("test")};
 };

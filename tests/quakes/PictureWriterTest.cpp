@@ -106,6 +106,18 @@ TEST_F(PictureWriterTest, numbersThePicturesOfSteps)
     EXPECT_EQ(writer.text("status"), "wrote " + folder.file("frame-003.svg") + ", the last of 2 pictures");
 }
 
+TEST_F(PictureWriterTest, namesAndCountsThePicturesOfEachCase)
+{
+    writer.set("frames", folder.file("frame-#.svg"));
+    act(EndOfStep);
+    writer.pool = Loam::makeStrong<Orla::ValuePool>("seventh", "case7");
+    writer.set("frames", folder.file("frame-#.svg"));
+    writer.set("time", Orla::VTime{0.5, 0, 1, 0.25, "", "", {}});
+    act(EndOfStep);
+    EXPECT_THAT(folder.names(), ElementsAre("frame-2-case7.svg", "frame-2.svg"));
+    EXPECT_EQ(writer.text("status"), "wrote " + folder.file("frame-2-case7.svg"));
+}
+
 TEST_F(PictureWriterTest, drawsAMapOrAGlobeDependingOnTheChart)
 {
     const std::string map = writeFile("map.png");

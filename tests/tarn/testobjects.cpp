@@ -292,7 +292,7 @@ public:
 
     bool update(Orla::VRequest& request, double) override
     {
-        std::ifstream file(m_file.value(request.valuePool()));
+        std::ifstream file(inputFile(m_file.value(request.valuePool())));
         std::string line;
         if (!std::getline(file, line))
             throw std::runtime_error("cannot read " + m_file.value(request.valuePool()));

@@ -2,7 +2,10 @@
 
 #include <trellis/VObjectCreator.hpp>
 
+#include "support/TestFolder.hpp"
 #include "support/TestNetwork.hpp"
+
+#include <filesystem>
 
 namespace VNetworkTest {
 
@@ -173,6 +176,25 @@ TEST_F(VNetworkTest, resolvesRelativeFileNames)
     EXPECT_EQ(network.resolve("week.json"), "/data/quakes/week.json");
     EXPECT_EQ(network.resolve("/other/week.json"), "/other/week.json");
     EXPECT_EQ(VNetwork{}.resolve("week.json"), "week.json");
+}
+
+TEST_F(VNetworkTest, findsFilesInItsFolderFirstThenInTheDataFolders)
+{
+    const TestFolder folder;
+    for (const char* const name : {"own", "first", "second"})
+        std::filesystem::create_directory(folder.file(name));
+    folder.write("own/here.json", "");
+    folder.write("first/here.json", "");
+    folder.write("first/there.json", "");
+    folder.write("second/there.json", "");
+    folder.write("second/last.json", "");
+    VNetwork network{folder.file("own")};
+    network.setDataFolders({folder.file("first"), folder.file("second")});
+    EXPECT_EQ(network.findFile("here.json"), folder.file("own/here.json"));
+    EXPECT_EQ(network.findFile("there.json"), folder.file("first/there.json"));
+    EXPECT_EQ(network.findFile("last.json"), folder.file("second/last.json"));
+    EXPECT_EQ(network.findFile("missing.json"), folder.file("own/missing.json"));
+    EXPECT_EQ(network.findFile("/there.json"), "/there.json");
 }
 
 TEST_F(VNetworkTest, mayBeDestroyedByItsOwnUpdate)

@@ -1,5 +1,6 @@
 #include <trellis/VObject.hpp>
 
+#include <trellis/VNetwork.hpp>
 #include <trellis/VObjectCreator.hpp>
 
 #include "support/TestNetwork.hpp"
@@ -101,6 +102,31 @@ protected:
 } // namespace
 
 static_assert(std::is_base_of_v<VManagedObject, VObject> && std::is_base_of_v<VSlotContainer, VObject>);
+
+TEST_F(VObjectTest, findsFilesInTheFolderOfItsNetwork)
+{
+    VNetwork network{"/data/quakes"};
+    const VNetwork::Scope scope{network};
+    const auto node = makeNode("node");
+    const auto pool = Loam::makeStrong<ValuePool>("run");
+    EXPECT_EQ(node->inputFile("week.json"), "/data/quakes/week.json");
+    EXPECT_EQ(node->resultFile("map.png", pool), "/data/quakes/map.png");
+    EXPECT_EQ(node->resultFile("/tmp/map.png", pool), "/tmp/map.png");
+    EXPECT_EQ(node->resultFile("map.png", nullptr), "/data/quakes/map.png");
+}
+
+TEST_F(VObjectTest, addsTheTagOfThePoolToTheNamesOfResults)
+{
+    VNetwork network{"/data"};
+    const VNetwork::Scope scope{network};
+    const auto node = makeNode("node");
+    const auto pool = Loam::makeStrong<ValuePool>("seventh", "case7");
+    EXPECT_EQ(node->resultFile("map.png", pool), "/data/map-case7.png");
+    EXPECT_EQ(node->resultFile("maps.d/map", pool), "/data/maps.d/map-case7");
+    EXPECT_EQ(node->resultFile(".hidden", pool), "/data/.hidden-case7");
+    EXPECT_EQ(node->resultFile("/tmp/map.tar.gz", pool), "/tmp/map.tar-case7.gz");
+    EXPECT_EQ(node->inputFile("week.json"), "/data/week.json");
+}
 
 TEST_F(VObjectTest, isCreatedInFourSteps)
 {
