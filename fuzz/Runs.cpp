@@ -3,8 +3,6 @@
 #include <tarn/network/NetworkParser.hpp>
 #include <tarn/network/Session.hpp>
 #include <tarn/run/Evaluation.hpp>
-#include <tarn/run/EventPlayer.hpp>
-#include <tarn/run/StatusReport.hpp>
 #include <tarn/run/TableWriter.hpp>
 
 #include <loam/OutputFile.hpp>
@@ -31,21 +29,20 @@ bool hasUnwanted(std::string_view text)
 
 void run(const std::string& network, std::string_view script)
 {
-    const Tarn::Session session{network, {}, 3};
+    const Tarn::Session session = Tarn::Session::load(network, {.stepLimit = 3});
     if (!session.faults().empty())
         return;
+    Tarn::Context context{session};
+    const std::uint64_t steps = *context.stepCount();
     Tarn::Faults faults{"events.toml"};
-    std::vector<Tarn::ScriptedEvent> events;
-    if (Tarn::EventPlayer::find())
-        events = Tarn::parseEvents(script, faults);
+    context.schedule(Tarn::parseEvents(script, faults));
     Loam::OutputFile output{"/dev/null"};
     Tarn::TableWriter table{output};
     const Orla::VCancellation cancellation;
-    const Tarn::EvaluationSummary summary =
-        Tarn::evaluate(session, {.table = &table, .events = std::move(events)}, cancellation);
-    Fuzz::require(summary.steps <= session.stepCount(), "no step is evaluated twice");
-    Fuzz::require(summary.steps == session.stepCount() || !summary.isFine(), "a run that is fine is complete");
-    const Tarn::StatusReport report{session.pool()};
+    const Tarn::EvaluationSummary summary = Tarn::evaluate(session, context, {.table = &table}, cancellation);
+    Fuzz::require(summary.steps <= steps, "no step is evaluated twice");
+    Fuzz::require(summary.steps == steps || !summary.isFine(), "a run that is fine is complete");
+    const Tarn::StatusReport report = context.statuses();
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 
 #include <tarn/commands/ExitStatus.hpp>
 #include <tarn/run/HotKeys.hpp>
-#include <tarn/network/Session.hpp>
+#include <tarn/network/SessionCore.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
 
@@ -12,17 +12,18 @@ namespace {
 
 int performCheck(const Arguments& arguments, const StandardStreams&)
 {
-    const Session session{findNetwork(arguments.names[0]), {}, {}};
+    const Session session = Session::load(findNetwork(arguments.names[0]));
     if (!session.faults().empty())
         return reportFaults(session.faults(), "");
+    const Orla::VNetwork::Scope scope{session.network()};
     for (const SharedHotKey& shared : sharedHotKeys()) {
         std::string names;
         for (const std::string& object : shared.objects)
             names += (names.empty() ? "" : ", ") + inQuotes(object);
         printLine(session.faults().file() + ": note: key " + nameOfKey(shared.key) + " is the hot key of " + names);
     }
-    printLine(session.faults().file() + ": " + counted(session.network().objectCount, "object") + ", "
-              + counted(session.network().connected.size(), "connection") + ", no faults");
+    printLine(session.faults().file() + ": " + counted(session.core()->network().objectCount, "object") + ", "
+              + counted(session.core()->network().connected.size(), "connection") + ", no faults");
     return Fine;
 }
 

@@ -3,7 +3,7 @@
 #include <tarn/commands/ExitStatus.hpp>
 #include <tarn/network/GraphPicture.hpp>
 #include <tarn/network/NetworkGraph.hpp>
-#include <tarn/network/Session.hpp>
+#include <tarn/network/SessionCore.hpp>
 #include <tarn/run/Interruption.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
@@ -32,6 +32,12 @@ Kind kindOf(const std::string& output)
     throw UsageError{"--output=" + printable(output) + ": expected a name that ends in .svg, .png or .dot"};
 }
 
+NetworkGraph graphOf(const Session& session)
+{
+    const Orla::VNetwork::Scope scope{session.network()};
+    return NetworkGraph::of(session.core()->network());
+}
+
 int performGraph(const Arguments& arguments, const StandardStreams& streams)
 {
     const std::optional<std::string> output = arguments.text("output");
@@ -43,10 +49,10 @@ int performGraph(const Arguments& arguments, const StandardStreams& streams)
     const Interruption interruption;
     const std::string path = resultPath("output", *output, network);
 
-    const Session session{network, {}, {}};
+    const Session session = Session::load(network);
     if (!session.faults().empty())
         return reportFaults(session.faults(), "; nothing was drawn");
-    const NetworkGraph graph = NetworkGraph::of(session.network());
+    const NetworkGraph graph = graphOf(session);
     std::string picture = dotText(graph);
     if (kind != Kind::Dot)
         picture = drawGraph(picture, kind == Kind::Svg ? PictureFormat::Svg : PictureFormat::Png);

@@ -1,8 +1,8 @@
 #include <tarn/commands/Commands.hpp>
 
 #include <tarn/commands/ExitStatus.hpp>
-#include <tarn/network/ChartChoice.hpp>
 #include <tarn/network/Session.hpp>
+#include <tarn/network/SessionCore.hpp>
 #include <tarn/run/CrashReport.hpp>
 #include <tarn/run/Evaluation.hpp>
 #include <tarn/run/EventPlayer.hpp>
@@ -23,6 +23,7 @@
 #include <memory>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 namespace Tarn {
 
@@ -64,16 +65,19 @@ std::vector<ScriptedEvent> readEvents(const std::optional<std::string>& path, Fa
 }
 
 // Reports events that would never be played.
-void checkEvents(const std::vector<ScriptedEvent>& events, const Session& session, Faults& faults)
+void checkEvents(const std::vector<ScriptedEvent>& events, const Session& session, std::uint64_t steps, Faults& faults)
 {
     if (events.empty())
         return;
+    const Orla::VNetwork::Scope scope{session.network()};
     if (!EventPlayer::find())
-        faults.add("--events: no object of " + inQuotes(session.faults().file()) + " listens to events");
+        faults.add(FaultKind::Option,
+                   "--events: no object of " + inQuotes(session.faults().file()) + " listens to events");
     for (const ScriptedEvent& event : events) {
-        if (event.step >= session.stepCount())
-            faults.add(event.place, "step " + std::to_string(event.step) + " is not evaluated; the last one is "
-                                        + std::to_string(session.stepCount() - 1));
+        if (event.step >= steps)
+            faults.add(FaultKind::Event, event.place,
+                       "step " + std::to_string(event.step) + " is not evaluated; the last one is "
+                           + std::to_string(steps - 1));
     }
 }
 
@@ -83,13 +87,13 @@ void printReport(const StatusReport& report)
         printLine(line);
 }
 
-void printOutputs(const PrintedOutputs& printed, const Session& session, const StandardStreams& streams,
+void printOutputs(const PrintedOutputs& printed, const Context& context, const StandardStreams& streams,
                   EvaluationSummary& summary)
 {
     if (printed.empty())
         return;
     std::vector<std::string> failures;
-    print(streams, printed.lines(session.pool(), failures));
+    print(streams, printed.lines(context.pool(), failures));
     for (const std::string& failure : failures)
         say("error: " + failure);
     // Outputs of failed objects are not further failures.
@@ -99,10 +103,10 @@ void printOutputs(const PrintedOutputs& printed, const Session& session, const S
     }
 }
 
-int reportEvaluation(const Session& session, const EvaluationSummary& summary)
+int reportEvaluation(const Session& session, const Context& context, const EvaluationSummary& summary)
 {
-    std::string message = session.faults().file() + ": " + counted(session.network().objectCount, "object") + ", "
-                          + counted(summary.steps, "step");
+    std::string message = session.faults().file() + ": " + counted(session.core()->network().objectCount, "object")
+                          + ", " + counted(summary.steps, "step");
     if (summary.failures > 0)
         message += ", " + counted(summary.failures, "failure");
     if (summary.stopped > 0)
@@ -111,25 +115,25 @@ int reportEvaluation(const Session& session, const EvaluationSummary& summary)
         message += ", the first in step " + std::to_string(summary.firstTrouble);
     printLine(message);
     if (summary.timeIsLost)
-        say("error: object " + inQuotes(session.timeProvider().name())
+        say("error: object " + inQuotes(session.core()->timeProvider().name())
             + ", which provided the time, was removed before step " + std::to_string(summary.steps));
-    const StatusReport report{session.pool()};
+    const StatusReport report = context.statuses();
     printReport(report);
     return summary.isFine() && !report.hasErrors() ? Fine : ObjectFailed;
 }
 
-int reportMissingChart(const Session& session)
+int reportMissingChart(const Session& session, const Context& context)
 {
-    const std::vector<std::string> names = ChartChoice::find().names(session.pool());
-    const PlacedText& wanted = session.wantedChart();
+    const std::vector<std::string> names = context.charts();
+    const PlacedText& wanted = session.core()->wantedChart();
     Faults faults{session.faults().file()};
-    faults.add(wanted.place, std::string(wanted.place ? "" : "--") + "chart: no object offers the chart "
-                                 + inQuotes(wanted.text)
-                                 + (names.empty() ? "; available: none" : insteadOf({}, names)));
+    faults.add(FaultKind::Chart, wanted.place,
+               std::string(wanted.place ? "" : "--") + "chart: no object offers the chart " + inQuotes(wanted.text)
+                   + (names.empty() ? "; available: none" : insteadOf({}, names)));
     return reportFaults(faults, "; nothing was evaluated beyond the first step");
 }
 
-int reportInterruption(const Session& session, const EvaluationSummary& summary, const Loam::OutputFile* table)
+int reportInterruption(const Context& context, const EvaluationSummary& summary, const Loam::OutputFile* table)
 {
     const int signal = Interruption::signal();
     std::string message = signal != 0 ? "interrupted" : "an object cancelled the evaluation";
@@ -137,7 +141,7 @@ int reportInterruption(const Session& session, const EvaluationSummary& summary,
     if (table)
         message += table->isStream() ? "; the table ends before that step" : "; no table was written";
     say(message);
-    printReport(StatusReport{session.pool()});
+    printReport(context.statuses());
     return signal != 0 ? 128 + signal : ObjectFailed;
 }
 
@@ -156,15 +160,16 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
         throw UsageError{"--print would write into the trace on standard output"};
 
     Faults eventFaults{arguments.text("events").value_or("")};
-    EvaluationTask task{.events = readEvents(arguments.text("events"), eventFaults), .showsProgress = true};
-    const Session session{network, overrides, steps, arguments.text("chart")};
+    std::vector<ScriptedEvent> events = readEvents(arguments.text("events"), eventFaults);
+    const Session session = Session::load(network, {overrides, arguments.text("chart"), steps});
     if (!session.faults().empty())
         return reportFaults(session.faults(), "; nothing was evaluated");
-    checkEvents(task.events, session, eventFaults);
+    Context context{session, network};
+    checkEvents(events, session, *context.stepCount(), eventFaults);
     if (!eventFaults.empty())
         return reportFaults(eventFaults, "; nothing was evaluated");
     Faults printFaults{session.faults().file()};
-    const PrintedOutputs printed{arguments.texts("print"), printFaults};
+    const PrintedOutputs printed{session, arguments.texts("print"), printFaults};
     if (!printFaults.empty())
         return reportFaults(printFaults, "; nothing was evaluated");
 
@@ -174,31 +179,32 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
         writer = std::make_unique<TableWriter>(*output, isStandardOutput(table) && streams.isTerminal());
         output->saveIfUnfinished(table + ".incomplete", {});
     }
-    task.table = writer.get();
+    EvaluationTask task{.table = writer.get(), .showsProgress = true};
     const std::unique_ptr<Loam::OutputFile> traceOutput = trace.empty() ? nullptr : openResult(trace, streams);
     std::unique_ptr<Tracer> tracer;
     if (traceOutput)
-        tracer = std::make_unique<Tracer>(*traceOutput, session.pool(), "tarn run " + arguments.names[0], trace);
+        tracer = std::make_unique<Tracer>(*traceOutput, context.pool(), "tarn run " + arguments.names[0], trace);
     task.tracer = tracer.get();
     CrashReport::watchForExit();
-    EvaluationSummary summary = evaluate(session, task, interruption.cancellation());
+    context.schedule(std::move(events));
+    EvaluationSummary summary = evaluate(session, context, task, interruption.cancellation());
     // Completed even if the evaluation ended early, when a trace is most useful.
     if (tracer) {
         tracer->finish();
         traceOutput->commit();
     }
     if (summary.cancelled || Interruption::signal() != 0)
-        return reportInterruption(session, summary, output.get());
+        return reportInterruption(context, summary, output.get());
     if (summary.chartIsMissing)
-        return reportMissingChart(session);
+        return reportMissingChart(session, context);
     if (!summary.unknownChoices.empty()) {
         reportFaults(summary.unknownChoices, "; the evaluation ended in step " + std::to_string(summary.steps));
         return ObjectFailed;
     }
     if (output)
         output->commit();
-    printOutputs(printed, session, streams, summary);
-    return reportEvaluation(session, summary);
+    printOutputs(printed, context, streams, summary);
+    return reportEvaluation(session, context, summary);
 }
 
 } // namespace

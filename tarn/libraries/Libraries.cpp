@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
@@ -70,26 +71,72 @@ Loam::Result<void*> open(const std::string& path)
     return Loam::Failure{printable(path) + ": the library registers neither object types nor value types"};
 }
 
+// What all Libraries share.
+struct Users {
+    std::recursive_mutex mutex; // a library may load others while it is initialized
+    std::vector<const Libraries*> all;
+    std::vector<Libraries::Library> closing; // unloaded by their users, but still in memory
+};
+
+// Never destroyed: libraries may be unloaded while the program exits.
+Users& users()
+{
+    static Users& users = *new Users;
+    return users;
+}
+
 } // namespace
 
-Libraries::Libraries(std::vector<std::string> folders) : m_folders{std::move(folders)}
+Libraries::Libraries(std::vector<std::string> folders)
+    : m_folders{std::move(folders)}, m_thread{std::this_thread::get_id()}
 {
+    const std::lock_guard lock{users().mutex};
+    users().all.push_back(this);
+}
+
+Libraries::~Libraries()
+{
+    const std::lock_guard lock{users().mutex};
+    std::erase(users().all, this);
 }
 
 Loam::Result<void> Libraries::unload()
 {
-    while (!m_libraries.empty()) {
-        const Library& last = m_libraries.back();
+    Users& common = users();
+    const std::lock_guard lock{common.mutex};
+    common.closing.insert(common.closing.end(), m_libraries.begin(), m_libraries.end());
+    m_libraries.clear();
+    const auto isElsewhere = [](const Libraries* each) {
+        return each->m_thread != std::this_thread::get_id() && !each->m_libraries.empty();
+    };
+    while (!common.closing.empty() && std::ranges::none_of(common.all, isElsewhere)) {
+        const Library last = common.closing.back();
+        common.closing.pop_back();
         const Activity activity{"unloading", last.name.c_str()};
-        if (const Loam::Result<void> unloaded = Orla::VLibrary{last.handle}.unload(); !unloaded)
+        if (isOpen(last.handle)) {
+            ::dlclose(last.handle); // does not unload it
+        } else if (const Loam::Result<void> unloaded = Orla::VLibrary{last.handle}.unload(); !unloaded) {
+            common.closing.push_back(last);
+            m_libraries = std::exchange(common.closing, {});
             return Loam::Failure{"library " + inQuotes(last.name) + " stays in memory because " + unloaded.reason()};
-        m_libraries.pop_back();
+        }
     }
     return {};
 }
 
+bool Libraries::isOpen(void* handle)
+{
+    const auto isIn = [handle](const std::vector<Library>& libraries) {
+        return std::ranges::find(libraries, handle, &Library::handle) != libraries.end();
+    };
+    return isIn(users().closing)
+           || std::ranges::any_of(users().all, [&](const Libraries* each) { return isIn(each->m_libraries); });
+}
+
 Loam::Result<void> Libraries::load(const std::string& name)
 {
+    // Also for initializations, which replace the terminate handler.
+    const std::lock_guard lock{users().mutex};
     if (std::ranges::find(m_libraries, name, &Library::name) != m_libraries.end())
         return {};
     const std::string title = "library " + inQuotes(name);
@@ -124,7 +171,7 @@ std::vector<std::string> Libraries::loadAll(const std::vector<PlacedText>& names
         if (std::ranges::find(missing, name) != missing.end())
             continue;
         if (const Loam::Result<void> loaded = load(name); !loaded) {
-            faults.add(place, loaded.reason());
+            faults.add(FaultKind::Library, place, loaded.reason());
             missing.push_back(name);
         }
     }

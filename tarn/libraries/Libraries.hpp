@@ -5,6 +5,7 @@
 #include <loam/Result.hpp>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace Tarn {
@@ -12,12 +13,19 @@ namespace Tarn {
 /// The library of standard objects, available to every network.
 inline constexpr char StandardLibrary[] = "standard";
 
-/// The object libraries of a run. They stay in memory until `unload` is called or the
+/// The object libraries of a network. They stay in memory until `unload` is called or the
 /// process ends.
+///
+/// Several threads may each have libraries, also the same ones. Code is unloaded only while no
+/// other thread has any, because objects and values must not be created meanwhile.
 class Libraries {
 public:
     /// Searches for libraries in \p folders, absolute paths, in this order.
     explicit Libraries(std::vector<std::string> folders);
+
+    /// Leaves libraries that were not unloaded in memory.
+    ~Libraries();
+
     Libraries(const Libraries&) = delete;
     Libraries& operator=(const Libraries&) = delete;
 
@@ -32,7 +40,9 @@ public:
     std::vector<std::string> loadAll(const std::vector<PlacedText>& names, Faults& faults);
 
     /// Unloads all libraries, last one first. A library of which something is still in use, and
-    /// those loaded before it, stay in memory; the reason of the failure names it.
+    /// those loaded before it, stay in memory; the reason of the failure names it. While another
+    /// thread has libraries, they stay in memory until the last thread unloads its own; the result
+    /// is then a success.
     Loam::Result<void> unload();
 
     /// Returns the folders to search for libraries of a network in \p networkFolder:
@@ -44,14 +54,18 @@ public:
     /// named.
     static std::vector<std::string> searchPath();
 
-private:
+    /// An open library. It is opened once more per user of the same file.
     struct Library {
         std::string name;
         void* handle;
     };
 
+private:
+    static bool isOpen(void* handle);
+
     std::vector<std::string> m_folders;
     std::vector<Library> m_libraries;
+    std::thread::id m_thread;
 };
 
 } // namespace Tarn

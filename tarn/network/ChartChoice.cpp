@@ -39,6 +39,12 @@ void ChartChoice::want(const std::string& name) const
     m_selector->findOutput("CurrentChart")->setInitialText(name);
 }
 
+void ChartChoice::want(const std::string& name, const StrongPtr<Orla::ValuePool>& pool) const
+{
+    m_selector->findSlot("chartname")->set(pool, name);
+    m_selector->findOutput("CurrentChart")->set(pool, name);
+}
+
 bool ChartChoice::isSelected(const std::string& name, const StrongPtr<Orla::ValuePool>& pool) const
 {
     return read<Orla::VChart>(*m_selector, "CurrentChart", pool).name() == name

@@ -23,6 +23,9 @@ public:
     /// and the selector select it as soon as an object offers it.
     void want(const std::string& name) const;
 
+    /// The same in \p pool only.
+    void want(const std::string& name, const Orla::StrongPtr<Orla::ValuePool>& pool) const;
+
     /// Returns true if the chart \p name is selected in \p pool and an object offers it.
     bool isSelected(const std::string& name, const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 

@@ -44,23 +44,41 @@ Selected selectedIn(Orla::VValueBase& value)
 
 } // namespace
 
+ChoiceCheck::ChoiceCheck(const std::vector<Network::Choice>& choices)
+{
+    for (const Network::Choice& choice : choices)
+        m_entries.push_back({choice});
+}
+
+bool ChoiceCheck::concerns(const std::type_info& type) noexcept
+{
+    return type == typeid(OneOf) || type == typeid(SomeOf);
+}
+
+void ChoiceCheck::replace(const Network::Choice& choice)
+{
+    std::erase_if(m_entries, [&](const Entry& each) { return each.choice.input == choice.input; });
+    m_entries.push_back({choice});
+}
+
 void ChoiceCheck::addFaults(const StrongPtr<Orla::ValuePool>& pool, Faults& faults)
 {
-    for (std::size_t number = 0; number < m_seen.size(); ++number) {
-        const Network::Choice& choice = m_network.choices[number];
+    for (auto& [choice, seen] : m_entries) {
         const StrongPtr<Orla::VValueBase> value = choice.input->getValueBase(pool);
-        if (!value || std::exchange(m_seen[number], value->age().stamp()) == value->age().stamp())
+        if (!value || std::exchange(seen, value->age().stamp()) == value->age().stamp())
             continue;
         const Strings offered = selectedIn(*value).choices;
         if (offered.empty())
             continue;
-        for (const std::string& wanted : selectedIn(*choice.input->ownParameter()->DefaultValue()).strings) {
-            if (std::ranges::find(offered, wanted) != offered.end())
+        const auto wanted = choice.wanted ? choice.wanted : choice.input->ownParameter()->DefaultValue();
+        for (const std::string& each : selectedIn(*wanted).strings) {
+            if (std::ranges::find(offered, each) != offered.end())
                 continue;
-            const std::string near = nearest(wanted, offered);
-            faults.add(choice.place, choice.description + ": " + inQuotes(wanted) + " is not among the "
-                                         + counted(offered.size(), "choice")
-                                         + (near.empty() ? "" : "; did you mean " + inQuotes(near) + "?"));
+            const std::string near = nearest(each, offered);
+            faults.add(FaultKind::Input, choice.place,
+                       choice.description + ": " + inQuotes(each) + " is not among the "
+                           + counted(offered.size(), "choice")
+                           + (near.empty() ? "" : "; did you mean " + inQuotes(near) + "?"));
         }
     }
 }

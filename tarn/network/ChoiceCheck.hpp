@@ -6,6 +6,7 @@
 #include <trellis/ValuePool.hpp>
 
 #include <cstdint>
+#include <typeinfo>
 #include <vector>
 
 namespace Tarn {
@@ -17,16 +18,25 @@ namespace Tarn {
 /// would silently choose something else.
 class ChoiceCheck {
 public:
-    /// \p network must outlive the check.
-    explicit ChoiceCheck(const Network& network) : m_network{network}, m_seen(network.choices.size()) {}
+    explicit ChoiceCheck(const std::vector<Network::Choice>& choices);
+
+    /// Returns true for selections, whose texts choose something.
+    static bool concerns(const std::type_info& type) noexcept;
+
+    /// Checks \p choice instead of an earlier one of its input.
+    void replace(const Network::Choice& choice);
 
     /// Adds a fault per text that names a string that is not among the choices in \p pool. Lists
     /// that are empty, and those that have not changed since the last call, are not checked.
     void addFaults(const Orla::StrongPtr<Orla::ValuePool>& pool, Faults& faults);
 
 private:
-    const Network& m_network;
-    std::vector<std::uint64_t> m_seen; // the ages of the checked values
+    struct Entry {
+        Network::Choice choice;
+        std::uint64_t seen = 0; // the age of the checked value
+    };
+
+    std::vector<Entry> m_entries;
 };
 
 } // namespace Tarn

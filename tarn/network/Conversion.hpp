@@ -2,8 +2,7 @@
 
 #include <tarn/text/Faults.hpp>
 #include <tarn/libraries/Libraries.hpp>
-#include <tarn/network/NetworkFile.hpp>
-#include <tarn/network/NetworkInputs.hpp>
+#include <tarn/network/CanonicalNetwork.hpp>
 
 #include <cstddef>
 #include <string>
@@ -35,26 +34,15 @@ public:
     /// \pre There are no faults.
     std::string text() const;
 
-    std::size_t objectCount() const noexcept { return m_file.objects.size(); }
+    std::size_t objectCount() const noexcept { return m_canonical.file().objects.size(); }
     std::size_t connectionCount() const noexcept { return m_connectionCount; }
 
 private:
-    // A text for an input of type `string`: the index of its object and its own index there.
-    struct HeldText {
-        std::size_t object;
-        std::size_t text;
-        bool namesResult;
-    };
-
-    void makeCanonical(const NetworkInputs& inputs);
-    void keepValue(std::size_t object, const NetworkInputs::Input& input);
-
     Faults m_faults;
     Faults m_unknown;
     std::string m_folder;
     Libraries m_libraries;
-    NetworkFile m_file;
-    std::vector<HeldText> m_heldTexts;
+    CanonicalNetwork m_canonical;
     std::size_t m_connectionCount = 0;
 };
 

@@ -1,10 +1,9 @@
 #include <tarn/network/NetworkAssembly.hpp>
 
+#include <tarn/libraries/Libraries.hpp>
+#include <tarn/network/ChoiceCheck.hpp>
 #include <tarn/text/Activity.hpp>
 #include <tarn/text/Messages.hpp>
-
-#include <fathom/VMultipleStringList.hpp>
-#include <fathom/VStringList.hpp>
 
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VTypeLabel.hpp>
@@ -57,14 +56,29 @@ std::string placeText(const Faults& faults, Place place)
     return faults.file() + ':' + std::to_string(place.line) + ':' + std::to_string(place.column);
 }
 
-// Returns the complete names of the object types that are called `type`, such as `"a:T" or
-// "b:T"`; an empty text unless there are several.
-std::string rivalsOf(const std::string& type)
+// Returns the libraries that have different object types called `type`; nothing if only one
+// library has such a type. If the network names some of them, the others do not count: other
+// networks of the program use them.
+std::vector<std::string> rivalsOf(const std::string& type, const NetworkFile& file)
 {
-    const std::vector<std::string> libraries = Orla::VObjectCreator::libraries(type);
+    std::vector<std::string> owners = Orla::VObjectCreator::libraries(type);
+    if (owners.size() < 2)
+        return {};
+    const auto isNamed = [&file](const std::string& library) {
+        return library == StandardLibrary
+               || std::ranges::find(file.libraries, library, &PlacedText::text) != file.libraries.end();
+    };
+    if (std::ranges::any_of(owners, isNamed))
+        std::erase_if(owners, [&](const std::string& library) { return !isNamed(library); });
+    return owners;
+}
+
+// Returns the complete names, such as `"a:T" or "b:T"`.
+std::string completeNames(const std::vector<std::string>& libraries, const std::string& type)
+{
     std::string names;
-    for (std::size_t i = 0; libraries.size() > 1 && i < libraries.size(); ++i)
-        names += (i == 0 ? "" : " or ") + inQuotes(libraries[i] + ':' + type);
+    for (const std::string& library : libraries)
+        names += (names.empty() ? "" : " or ") + inQuotes(library + ':' + type);
     return names;
 }
 
@@ -79,7 +93,7 @@ NetworkAssembly::~NetworkAssembly() = default;
 
 void NetworkAssembly::onUnknownType(Place place, const std::string& message)
 {
-    m_faults.add(place, message);
+    m_faults.add(FaultKind::Type, place, message);
 }
 
 void NetworkAssembly::onOverrideOfUnknownType(const std::string&)
@@ -114,14 +128,16 @@ void NetworkAssembly::createObject(std::size_t number, const std::vector<std::st
     const NetworkFile::Object& entry = m_file.objects[number];
     if (entry.name.place && !m_names.add(entry.name.text, number)) {
         const Place first = m_file.objects[m_names.find(entry.name.text)].name.place;
-        m_faults.add(entry.name.place,
+        m_faults.add(FaultKind::Object, entry.name.place,
                      entry.description + ": the name is used twice, first at " + placeText(m_faults, first));
     }
     if (!entry.type.place)
         return;
 
     Object& made = m_objects[number];
-    made.creator = Orla::VObjectCreator::find(entry.type.text);
+    const std::vector<std::string> rivals = rivalsOf(entry.type.text, m_file);
+    made.creator =
+        Orla::VObjectCreator::find(rivals.size() == 1 ? rivals.front() + ':' + entry.type.text : entry.type.text);
     if (!made.creator) {
         std::string message = entry.description + ": no library has an object type " + inQuotes(entry.type.text);
         if (const std::string near = nearest(entry.type.text, Orla::VObjectCreator::names()); !near.empty())
@@ -131,16 +147,17 @@ void NetworkAssembly::createObject(std::size_t number, const std::vector<std::st
         onUnknownType(entry.type.place, message);
         return;
     }
-    if (const std::string libraries = rivalsOf(entry.type.text); !libraries.empty()) {
-        m_faults.add(entry.type.place, entry.description + ": several libraries have different object types "
-                                           + inQuotes(entry.type.text) + "; write " + libraries);
+    if (rivals.size() > 1) {
+        m_faults.add(FaultKind::Type, entry.type.place,
+                     entry.description + ": several libraries have different object types " + inQuotes(entry.type.text)
+                         + "; write " + completeNames(rivals, entry.type.text));
         made.creator.reset();
         return;
     }
     const Activity activity{"creating the object", entry.name.text.c_str()};
     const Result<void> done = Loam::attempt([&] { made.object = made.creator->create(entry.name.text, 0, nullptr); });
     if (!made.object)
-        m_faults.add(entry.type.place,
+        m_faults.add(FaultKind::Object, entry.type.place,
                      entry.description + ": an object of type " + inQuotes(entry.type.text)
                          + " cannot be made: " + (done ? "its creator returned null" : done.reason()));
 }
@@ -173,9 +190,9 @@ void NetworkAssembly::setExactly(std::size_t number, const StrongPtr<VSlot>& inp
     // The user may have edited the text, unaware that only the exact text counts.
     const std::string shown = input->ownParameter()->DefaultValue()->Text();
     if (shown != setting.value.text)
-        m_faults.add(setting.value.place, description + ": the text " + inQuotes(setting.value.text)
-                                              + " does not match " + inQuotes(shown)
-                                              + ", which the exact text gives; remove one of the two");
+        m_faults.add(FaultKind::Input, setting.value.place,
+                     description + ": the text " + inQuotes(setting.value.text) + " does not match " + inQuotes(shown)
+                         + ", which the exact text gives; remove one of the two");
 }
 
 // Finds the input and keeps the value that its object declares.
@@ -186,8 +203,8 @@ void NetworkAssembly::prepareOverride(const std::string& override)
     const std::size_t number = m_names.findAtStart(override, rest);
     if (number == ObjectNames::npos) {
         const std::string_view target = std::string_view(override).substr(0, override.find('='));
-        m_faults.add(description + ": no object is named " + inQuotes(target.substr(0, target.rfind('.')))
-                     + nearestObject(target));
+        m_faults.add(FaultKind::Option, description + ": no object is named "
+                                            + inQuotes(target.substr(0, target.rfind('.'))) + nearestObject(target));
         return;
     }
     const NetworkFile::Object& entry = m_file.objects[number];
@@ -201,15 +218,15 @@ void NetworkAssembly::prepareOverride(const std::string& override)
     const StrongPtr<VSlot> input = findSlotAtStart(made.object->inputs(), rest, '=');
     if (!input || input->name().size() == rest.size()) {
         const std::string_view name = rest.substr(0, rest.find('='));
-        m_faults.add(description + ": " + entry.type.text + " has no input " + inQuotes(name)
-                     + insteadOf(name, namesOf(made.object->inputs())));
+        m_faults.add(FaultKind::Option, description + ": " + entry.type.text + " has no input " + inQuotes(name)
+                                            + insteadOf(name, namesOf(made.object->inputs())));
         return;
     }
     const auto connection = std::ranges::find(entry.connections, input->name(),
                                               [](const NetworkFile::Setting& each) { return each.input.text; });
     if (connection != entry.connections.end()) {
-        m_faults.add(description + ": the input reads " + inQuotes(connection->value.text)
-                     + ", so a text would have no effect");
+        m_faults.add(FaultKind::Option, description + ": the input reads " + inQuotes(connection->value.text)
+                                            + ", so a text would have no effect");
         return;
     }
     m_overrides.push_back({{number, input, {}, description, std::string(rest.substr(input->name().size() + 1))},
@@ -236,9 +253,9 @@ bool NetworkAssembly::setText(const GivenText& given)
         noteChoice(given);
         return true;
     }
-    m_faults.add(given.place, given.description + ": the text " + inQuotes(given.text)
-                                  + " is refused, expected a value of type " + Orla::VTypeLabel::of(given.input->type())
-                                  + (accepted ? "" : " (" + accepted.reason() + ")"));
+    m_faults.add(FaultKind::Input, given.place,
+                 given.description + ": the text " + inQuotes(given.text) + " is refused, expected a value of type "
+                     + Orla::VTypeLabel::of(given.input->type()) + (accepted ? "" : " (" + accepted.reason() + ")"));
     return false;
 }
 
@@ -249,15 +266,14 @@ void NetworkAssembly::checkNumber(const GivenText& given)
     const std::optional<double> number = wholeNumber(kept);
     if (!number || kept == given.text || Loam::numberText(*number) == given.text)
         return;
-    m_faults.add(given.place, given.description + ": the number " + given.text + " would become " + kept
-                                  + ", expected a value of type " + Orla::VTypeLabel::of(given.input->type()));
+    m_faults.add(FaultKind::Input, given.place,
+                 given.description + ": the number " + given.text + " would become " + kept
+                     + ", expected a value of type " + Orla::VTypeLabel::of(given.input->type()));
 }
 
 void NetworkAssembly::noteChoice(const GivenText& given)
 {
-    const std::type_info& type = given.input->type();
-    if (type != typeid(StrongPtr<Orla::StringSelection, Loam::StringList>)
-        && type != typeid(StrongPtr<Orla::MultipleStringSelection, Loam::StringList>))
+    if (!ChoiceCheck::concerns(given.input->type()))
         return;
     // Of several exact texts for one input, the last one counts.
     if (!m_network.choices.empty() && m_network.choices.back().input == given.input)
@@ -273,7 +289,7 @@ StrongPtr<VSlot> NetworkAssembly::findInput(std::size_t number, const PlacedText
     StrongPtr<VSlot> input = object->findSlot(name.text);
     if (!input) {
         const NetworkFile::Object& entry = m_file.objects[number];
-        m_faults.add(name.place,
+        m_faults.add(FaultKind::Input, name.place,
                      entry.description + ": " + entry.type.text + " has no input " + inQuotes(name.text)
                          + (object->findOutput(name.text) ? "; that is an output"
                                                           : insteadOf(name.text, namesOf(object->inputs()))));
@@ -287,14 +303,15 @@ void NetworkAssembly::connectInputs(std::size_t number)
     for (const auto& [name, output] : entry.connections) {
         const StrongPtr<VSlot> input = findInput(number, name);
         const std::string description = entry.description + ", input " + inQuotes(name.text);
-        const std::optional<OutputReference> source = findOutput(output.place, description, output.text);
+        const std::optional<OutputReference> source =
+            findOutput(FaultKind::Connection, output.place, description, output.text);
         if (!source || !input)
             continue;
         if (const Result<void> connected =
                 m_objects[number].object->tryAttachOutput(source->output, input, source->member))
             m_network.connected.push_back(input);
         else
-            m_faults.add(output.place,
+            m_faults.add(FaultKind::Connection, output.place,
                          description + ": " + inQuotes(output.text) + " does not fit: " + connected.reason());
     }
 }
@@ -306,29 +323,30 @@ void NetworkAssembly::addColumn(std::size_t number)
         return;
     const std::string description =
         title.place ? "column " + inQuotes(title.text) : "column number " + std::to_string(number + 1);
-    std::optional<OutputReference> output = findOutput(value.place, description, value.text);
+    std::optional<OutputReference> output = findOutput(FaultKind::Column, value.place, description, value.text);
     if (!output)
         return;
     if (const Result<void> exists = output->checkMember())
         m_network.columns.push_back({title.text, *std::move(output)});
     else
-        m_faults.add(value.place, description + ": " + exists.reason());
+        m_faults.add(FaultKind::Column, value.place, description + ": " + exists.reason());
 }
 
 // Finds the output that `text`, "OBJECT.OUTPUT" or "OBJECT.OUTPUT.MEMBER", names. Adds a fault
 // if it does not exist, unless its object already has one.
-std::optional<OutputReference> NetworkAssembly::findOutput(Place place, const std::string& description,
+std::optional<OutputReference> NetworkAssembly::findOutput(FaultKind kind, Place place, const std::string& description,
                                                            const std::string& text)
 {
     if (text.find('.') == std::string::npos) {
-        m_faults.add(place, description + ": found " + inQuotes(text) + ", expected \"OBJECT.OUTPUT\"");
+        m_faults.add(kind, place, description + ": found " + inQuotes(text) + ", expected \"OBJECT.OUTPUT\"");
         return std::nullopt;
     }
     std::string_view rest;
     const std::size_t number = m_names.findAtStart(text, rest);
     if (number == ObjectNames::npos) {
-        m_faults.add(place, description + ": no object is named " + inQuotes(text.substr(0, text.find('.')))
-                                + nearestObject(text));
+        m_faults.add(kind, place,
+                     description + ": no object is named " + inQuotes(text.substr(0, text.find('.')))
+                         + nearestObject(text));
         return std::nullopt;
     }
     const Object& made = m_objects[number];
@@ -338,7 +356,7 @@ std::optional<OutputReference> NetworkAssembly::findOutput(Place place, const st
     Result<OutputReference> output =
         OutputReference::find(*made.object, entry.description + " of type " + entry.type.text, rest);
     if (!output) {
-        m_faults.add(place, description + ": " + output.reason());
+        m_faults.add(kind, place, description + ": " + output.reason());
         return std::nullopt;
     }
     return *std::move(output);

@@ -82,7 +82,8 @@ private:
     void connectInputs(std::size_t number);
     void addColumn(std::size_t number);
     Orla::StrongPtr<Orla::VSlot> findInput(std::size_t number, const PlacedText& name);
-    std::optional<OutputReference> findOutput(Place place, const std::string& description, const std::string& text);
+    std::optional<OutputReference> findOutput(FaultKind kind, Place place, const std::string& description,
+                                              const std::string& text);
     std::string nearestObject(std::string_view text);
 
     const NetworkFile& m_file;

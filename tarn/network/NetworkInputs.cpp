@@ -37,10 +37,13 @@ public:
     }
 
 private:
-    void onUnknownType(Place place, const std::string& message) override { m_unknown.add(place, message); }
+    void onUnknownType(Place place, const std::string& message) override
+    {
+        m_unknown.add(FaultKind::Type, place, message);
+    }
 
     // The object is written again unchanged, so the text would be lost.
-    void onOverrideOfUnknownType(const std::string& message) override { faults().add(message); }
+    void onOverrideOfUnknownType(const std::string& message) override { faults().add(FaultKind::Option, message); }
 
     void beforeText(const GivenText& given) override
     {

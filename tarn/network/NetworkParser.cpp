@@ -94,18 +94,20 @@ bool Parser::formatIsKnown(const toml::table& root)
     const std::string current = std::to_string(NetworkFile::Format);
     const toml::node* node = root.get("format");
     if (!node) {
-        m_faults.add(Place{1, 1}, root.empty() ? "the file holds no network, expected format = " + current
-                                               : "missing key \"format\", expected format = " + current);
+        m_faults.add(FaultKind::Content, Place{1, 1},
+                     root.empty() ? "the file holds no network, expected format = " + current
+                                  : "missing key \"format\", expected format = " + current);
         return true;
     }
     const auto format = node->value_exact<std::int64_t>();
     if (!format) {
-        m_faults.add(placeOf(*node), std::string("format is ") + kindOf(*node) + ", expected the integer " + current);
+        m_faults.add(FaultKind::Content, placeOf(*node),
+                     std::string("format is ") + kindOf(*node) + ", expected the integer " + current);
         return true;
     }
     if (*format == NetworkFile::Format)
         return true;
-    m_faults.add(placeOf(*node),
+    m_faults.add(FaultKind::Content, placeOf(*node),
                  "format " + std::to_string(*format)
                      + (*format > NetworkFile::Format ? ": saved by a newer version" : ": no such format")
                      + "; this version reads format " + current);
@@ -116,16 +118,17 @@ void Parser::readLibraries(const toml::node& node)
 {
     const toml::array* names = node.as_array();
     if (!names) {
-        m_faults.add(placeOf(node), std::string("libraries is ") + kindOf(node) + ", expected an array of names");
+        m_faults.add(FaultKind::Content, placeOf(node),
+                     std::string("libraries is ") + kindOf(node) + ", expected an array of names");
         return;
     }
     for (const toml::node& element : *names) {
         const auto name = element.value_exact<std::string>();
         if (!name)
-            m_faults.add(placeOf(element),
+            m_faults.add(FaultKind::Content, placeOf(element),
                          std::string("libraries holds ") + kindOf(element) + ", expected names of libraries");
         else if (name->empty() || name->find_first_of(std::string_view("/\0", 2)) != std::string::npos)
-            m_faults.add(placeOf(element),
+            m_faults.add(FaultKind::Content, placeOf(element),
                          "library " + inQuotes(*name) + ": expected a plain name, without folder and ending");
         else
             m_file.libraries.push_back({*name, placeOf(element)});
@@ -136,9 +139,10 @@ void Parser::readChart(const toml::node& node)
 {
     const auto name = node.value_exact<std::string>();
     if (!name)
-        m_faults.add(placeOf(node), std::string("chart is ") + kindOf(node) + ", expected the name of a chart");
+        m_faults.add(FaultKind::Content, placeOf(node),
+                     std::string("chart is ") + kindOf(node) + ", expected the name of a chart");
     else if (name->empty())
-        m_faults.add(placeOf(node), "the name of the chart is empty");
+        m_faults.add(FaultKind::Content, placeOf(node), "the name of the chart is empty");
     else
         m_file.chart = {*name, placeOf(node)};
 }
@@ -155,7 +159,7 @@ NetworkFile::Object Parser::readObject(const toml::table& table)
     object.name = readText(object.description, table, "name");
     object.type = readText(object.description, table, "type");
     if (object.name.place && object.name.text.empty()) {
-        m_faults.add(object.name.place, object.description + ": the name is empty");
+        m_faults.add(FaultKind::Content, object.name.place, object.description + ": the name is empty");
         object.name.place = {};
     }
     if (object.type.place && m_isKnown && !m_isKnown(object.type.text)) {
@@ -189,7 +193,7 @@ std::vector<NetworkFile::InputText> Parser::readTexts(const std::string& owner, 
             if (readExact(owner + ", input " + inQuotes(key.text), *exact, setting))
                 texts.push_back(setting);
         } else
-            m_faults.add(placeOf(*value),
+            m_faults.add(FaultKind::Content, placeOf(*value),
                          owner + ", input " + inQuotes(key.text) + ": set to " + kindOf(*value)
                              + ", expected a text, a number, a truth value or a table with an exact text");
     }
@@ -215,12 +219,13 @@ bool Parser::readExact(const std::string& owner, const toml::table& table, Netwo
             for (const toml::node& element : *list)
                 setting.exact.push_back({*element.value_exact<std::string>(), placeOf(element)});
         } else {
-            m_faults.add(placeOf(*node), owner + ": " + key.text + " is " + kindOf(*node) + ", expected a text"
-                                             + (key.text == "exact" ? " or an array of texts" : ""));
+            m_faults.add(FaultKind::Content, placeOf(*node),
+                         owner + ": " + key.text + " is " + kindOf(*node) + ", expected a text"
+                             + (key.text == "exact" ? " or an array of texts" : ""));
         }
     }
     if (setting.exact.empty() && m_faults.size() == faultsBefore)
-        m_faults.add(placeOf(table), owner + ": missing key \"exact\"");
+        m_faults.add(FaultKind::Content, placeOf(table), owner + ": missing key \"exact\"");
     return m_faults.size() == faultsBefore;
 }
 
@@ -234,8 +239,9 @@ std::vector<NetworkFile::Setting> Parser::readConnections(const std::string& own
         if (const auto text = value->value_exact<std::string>())
             connections.push_back({key, {*text, placeOf(*value)}});
         else
-            m_faults.add(placeOf(*value), owner + ", input " + inQuotes(key.text) + ": connected to " + kindOf(*value)
-                                              + ", expected \"OBJECT.OUTPUT\"");
+            m_faults.add(FaultKind::Content, placeOf(*value),
+                         owner + ", input " + inQuotes(key.text) + ": connected to " + kindOf(*value)
+                             + ", expected \"OBJECT.OUTPUT\"");
     }
     return connections;
 }
@@ -255,12 +261,13 @@ PlacedText Parser::readText(const std::string& owner, const toml::table& table, 
 {
     const toml::node* node = table.get(key);
     if (!node) {
-        m_faults.add(placeOf(table), owner + ": missing key \"" + key + "\"");
+        m_faults.add(FaultKind::Content, placeOf(table), owner + ": missing key \"" + key + "\"");
         return {};
     }
     const auto text = node->value_exact<std::string>();
     if (!text) {
-        m_faults.add(placeOf(*node), owner + ": " + key + " is " + kindOf(*node) + ", expected a text");
+        m_faults.add(FaultKind::Content, placeOf(*node),
+                     owner + ": " + key + " is " + kindOf(*node) + ", expected a text");
         return {};
     }
     return {*text, placeOf(*node)};
@@ -271,14 +278,15 @@ void Parser::forEachTable(const toml::node& node, const std::string& key, Functi
 {
     const toml::array* array = node.as_array();
     if (!array) {
-        m_faults.add(placeOf(node), key + " is " + kindOf(node) + ", expected tables under the header [[" + key + "]]");
+        m_faults.add(FaultKind::Content, placeOf(node),
+                     key + " is " + kindOf(node) + ", expected tables under the header [[" + key + "]]");
         return;
     }
     for (const toml::node& element : *array) {
         if (const toml::table* table = element.as_table())
             function(*table);
         else
-            m_faults.add(placeOf(element),
+            m_faults.add(FaultKind::Content, placeOf(element),
                          key + " holds " + kindOf(element) + ", expected tables under the header [[" + key + "]]");
     }
 }
@@ -288,14 +296,16 @@ const toml::table* Parser::asTable(const std::string& owner, const char* key, co
 {
     const toml::table* table = node.as_table();
     if (!table)
-        m_faults.add(placeOf(node), owner + ": " + key + " is " + kindOf(node) + ", expected " + expected);
+        m_faults.add(FaultKind::Content, placeOf(node),
+                     owner + ": " + key + " is " + kindOf(node) + ", expected " + expected);
     return table;
 }
 
 void Parser::reportUnknownKey(const std::string& owner, const PlacedText& key, const Keys& known)
 {
-    m_faults.add(key.place, (owner.empty() ? "" : owner + ": ") + "unknown key " + inQuotes(key.text)
-                                + insteadOf(key.text, known));
+    m_faults.add(FaultKind::Content, key.place,
+                 (owner.empty() ? "" : owner + ": ") + "unknown key " + inQuotes(key.text)
+                     + insteadOf(key.text, known));
 }
 
 } // namespace

@@ -74,6 +74,19 @@ bool OutputReference::hasResult(const StrongPtr<Orla::ValuePool>& pool) const
     return state != State::Failed && state != State::Waiting;
 }
 
+Result<StrongPtr<Orla::VValueBase>> OutputReference::value(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    if (!hasResult(pool))
+        return Failure{reasonOfFailure(*objectOf(*output), pool)};
+    return Loam::attempt([&] {
+        const StrongPtr<Orla::VValueBase> value = output->getLocalValue(pool);
+        const StrongPtr<Orla::VValueBase> part = value && !member.empty() ? value->component(member) : value;
+        if (!part)
+            throw std::runtime_error("it has no value");
+        return part->copy();
+    });
+}
+
 Result<std::string> OutputReference::text(const StrongPtr<Orla::ValuePool>& pool) const
 {
     if (!hasResult(pool))

@@ -1,100 +1,137 @@
 #include <tarn/network/Session.hpp>
 
 #include <tarn/libraries/AnnouncedObjects.hpp>
-#include <tarn/network/ChartChoice.hpp>
-#include <tarn/network/NetworkParser.hpp>
-#include <tarn/text/Messages.hpp>
+#include <tarn/network/SessionCore.hpp>
 #include <tarn/text/ReadFile.hpp>
 
-#include <trellis/VActionNotifier.hpp>
+#include <loam/FileError.hpp>
+#include <loam/OutputFile.hpp>
 
-#include <loam/Numbers.hpp>
-
-#include <algorithm>
+#include <utility>
 
 namespace Tarn {
 
-namespace {
+using Loam::Failure;
+using Loam::Result;
 
-// Returns the place where the object's input is set, else the place of the object.
-Place placeOfSetting(const NetworkFile& file, const std::string& object, const std::string& input)
+Session::Session(const std::string& folder) : Session{std::make_shared<Detail::SessionCore>(folder)}
 {
-    const auto entry = std::ranges::find(file.objects, object, [](const auto& each) { return each.name.text; });
-    if (entry == file.objects.end())
-        return {};
-    const auto text = std::ranges::find(entry->texts, input, [](const auto& each) { return each.input.text; });
-    if (text == entry->texts.end())
-        return entry->place;
-    return text->exact.empty() ? text->value.place : text->exact.front().place;
 }
 
-} // namespace
-
-Session::Session(const std::string& path, const std::vector<std::string>& overrides,
-                 std::optional<std::uint64_t> stepLimit, const std::optional<std::string>& chart)
-    : m_faults{path}
-    , m_folder{folderOf(path)}
-    , m_libraries{Libraries::searchPath(m_folder)}
-    , m_pool{Loam::makeStrong<Orla::ValuePool>(path)}
+Session::Session(std::shared_ptr<Detail::SessionCore> core) noexcept : m_core{std::move(core)}
 {
-    const std::string text = readFile(path);
-    const NetworkFile file = parseNetwork(text, m_faults);
-    m_objects.emplace(m_folder);
-    m_objects->setDataFolders(dataFolders());
-    m_scope.emplace(*m_objects);
-    const std::vector<std::string> missing = m_libraries.loadAll(file.libraries, m_faults);
-    m_network = buildNetwork(file, overrides, missing, m_faults);
-    m_chart = chart ? PlacedText{*chart, {}} : file.chart;
-    if (m_faults.empty() && !m_chart.text.empty())
-        chooseChart();
-    if (m_faults.empty())
-        countSteps(file, stepLimit);
 }
 
-Session::~Session()
+Session::Session(Session&&) noexcept = default;
+Session& Session::operator=(Session&&) noexcept = default;
+Session::~Session() = default;
+
+Session Session::load(const std::string& path, const LoadOptions& options)
 {
-    m_timeProvider = {};
-    m_network = {};
-    m_pool.reset();
-    removeAnnouncedObjects();
-    m_scope.reset();
-    m_objects.reset();
-    if (const Loam::Result<void> unloaded = m_libraries.unload(); !unloaded)
-        Orla::VActionNotifier::Warning("The " + unloaded.reason());
+    return read(readFile(path), path, folderOf(path), options);
 }
 
-void Session::chooseChart()
+Session Session::read(const std::string& text, const std::string& title, const std::string& folder,
+                      const LoadOptions& options)
 {
-    if (const ChartChoice choice = ChartChoice::find())
-        choice.want(m_chart.text);
-    else
-        m_faults.add(m_chart.place, std::string(m_chart.place ? "" : "--") + "chart: found " + inQuotes(m_chart.text)
-                                        + ", but no object depends on a chart");
+    return Session{std::make_shared<Detail::SessionCore>(title, folder, text, options)};
 }
 
-void Session::countSteps(const NetworkFile& file, std::optional<std::uint64_t> limit)
+const Faults& Session::faults() const noexcept
 {
-    m_timeProvider = TimeProvider::find();
-    if (!m_timeProvider)
-        return;
-    const Orla::VTime time = m_timeProvider.time(m_pool);
-    const double count = TimeProvider::stepCount(time);
-    const auto report = [&](const std::string& expected) {
-        m_faults.add(placeOfSetting(file, m_timeProvider.name(), m_timeProvider.inputName()),
-                     "object " + inQuotes(m_timeProvider.name()) + ", input " + inQuotes(m_timeProvider.inputName())
-                         + ": the time " + Orla::VValueTrait<Orla::VTime>::Text(time) + " has "
-                         + Loam::numberText(count) + " steps, " + expected);
-    };
-    // Negated to refuse NaN too, which compares false with everything.
-    if (!(count >= 1 && count <= MostCountedSteps)) {
-        report("expected 1 or more, " + Loam::numberText(MostCountedSteps) + " at most");
-        return;
-    }
-    m_stepCount = static_cast<std::uint64_t>(count);
-    if (limit)
-        m_stepCount = std::min(m_stepCount, *limit);
-    else if (count > MostSteps)
-        report("more than " + Loam::numberText(MostSteps) + "; --steps=N evaluates the first N of them");
+    return m_core->faults();
+}
+
+Orla::VNetwork& Session::network() const noexcept
+{
+    return m_core->objects();
+}
+
+std::vector<std::string> Session::objects() const
+{
+    const Orla::VNetwork::Scope scope{network()};
+    std::vector<std::string> names;
+    for (const auto& object : announcedObjects())
+        names.push_back(object->Name());
+    return names;
+}
+
+std::vector<std::string> Session::columns() const
+{
+    std::vector<std::string> titles;
+    for (const Network::Column& column : m_core->network().columns)
+        titles.push_back(column.title);
+    return titles;
+}
+
+Result<void> Session::loadLibrary(const std::string& name)
+{
+    return m_core->loadLibrary(name);
+}
+
+Result<void> Session::setText(std::string_view input, const std::string& text)
+{
+    return m_core->setText(input, text);
+}
+
+Result<void> Session::setValue(std::string_view input, const Orla::StrongPtr<Orla::VValueBase>& value)
+{
+    return m_core->setValue(input, value);
+}
+
+Result<std::string> Session::text(std::string_view input) const
+{
+    const Result<Orla::StrongPtr<Orla::VSlot>> slot = m_core->findInput(input);
+    if (!slot)
+        return Failure{slot.reason()};
+    return Loam::attempt([&] { return (*slot)->ownParameter()->DefaultValue()->Text(); });
+}
+
+Result<void> Session::create(const std::string& type, const std::string& name)
+{
+    return m_core->create(type, name);
+}
+
+Result<void> Session::remove(const std::string& name)
+{
+    return m_core->remove(name);
+}
+
+Result<void> Session::connect(const std::string& output, const std::string& input)
+{
+    return m_core->connect(output, input);
+}
+
+Result<void> Session::disconnect(const std::string& input)
+{
+    return m_core->disconnect(input);
+}
+
+Result<void> Session::addColumn(const std::string& title, const std::string& output)
+{
+    return m_core->addColumn(title, output);
+}
+
+Result<void> Session::selectChart(const std::string& name)
+{
+    return m_core->selectChart(name);
+}
+
+Result<std::string> Session::savedText() const
+{
+    return m_core->savedText();
+}
+
+Result<void> Session::save(const std::string& path) const
+{
+    const Result<std::string> text = savedText();
+    if (!text)
+        return Failure{text.reason()};
+    return Loam::attempt([&] {
+        Loam::OutputFile file{path};
+        file.write(*text);
+        file.commit();
+    });
 }
 
 } // namespace Tarn

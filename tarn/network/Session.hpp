@@ -1,76 +1,147 @@
 #pragma once
 
+#include <tarn/Export.hpp>
 #include <tarn/text/Faults.hpp>
-#include <tarn/libraries/Libraries.hpp>
-#include <tarn/network/NetworkBuilder.hpp>
-#include <tarn/network/NetworkFile.hpp>
-#include <tarn/network/TimeProvider.hpp>
 
-#include <trellis/VNetwork.hpp>
-#include <trellis/ValuePool.hpp>
+#include <fathom/VValue.hpp>
 
+#include <loam/Result.hpp>
+
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
+
+namespace Orla {
+class VNetwork;
+}
 
 namespace Tarn {
 
-/// Maximum number of steps of a network that is run from beginning to end. Larger numbers are
-/// usually mistakes in its time.
-inline constexpr double MostSteps = 1e9;
+namespace Detail {
+class SessionCore;
+}
 
-/// Maximum number of steps whose numbers stay exact in all computations.
-inline constexpr double MostCountedSteps = 1e15;
+/// Changes to a network that is loaded.
+struct LoadOptions {
+    std::vector<std::string> overrides = {};     ///< each "OBJECT.SLOT=TEXT"; they replace texts of the file
+    std::optional<std::string> chart = {};       ///< replaces the chart named in the file
+    std::optional<std::uint64_t> stepLimit = {}; ///< the maximal number of steps
+};
 
-/// A saved network, from reading its file to destroying its last object.
+/// A network of objects, loaded from a saved one or built by the program.
 ///
-/// Relative file names in the texts of inputs start at the folder of the file; files that are
-/// read may also be in the folders of the environment variable TARN_DATA. Only one session may
-/// exist at a time.
-class Session {
+///     Tarn::Session session = Tarn::Session::load("quakes.toml");
+///     Tarn::Context context{session};
+///     while (context.evaluateStep())
+///         std::cout << *context.text("strong.count") << '\n';
+///
+/// Relative file names in the texts of inputs start at the session's folder; files that are read
+/// may also be in the folders of the environment variable TARN_DATA. The working directory never
+/// changes. Nothing is printed; `Orla::VActionNotifier` passes warnings on.
+///
+/// A slot is named by "OBJECT.SLOT". Functions that return a `Result` change nothing if they fail.
+///
+/// # Threads
+///
+/// Sessions are independent of each other. Several threads may use contexts of one session at the
+/// same time. One thread at a time may use the session itself; evaluations in other threads wait
+/// while it changes the network.
+class TARN_API Session {
 public:
-    /// Reads the file \p path, loads its libraries and creates its objects; \p overrides as in
-    /// `buildNetwork`. \p stepLimit limits the number of steps. \p chart replaces the chart
-    /// named in the file.
-    /// \throw Loam::FileError if the file cannot be read.
-    Session(const std::string& path, const std::vector<std::string>& overrides, std::optional<std::uint64_t> stepLimit,
-            const std::optional<std::string>& chart = {});
+    /// Creates a network without objects. Relative file names start at \p folder; empty means the
+    /// current working directory.
+    explicit Session(const std::string& folder = {});
 
-    /// Destroys the network, then unloads its libraries. If something from them is still in
-    /// use, they stay in memory and a warning is issued.
+    /// Loads the saved network \p path, its libraries, and its objects.
+    /// \throw Loam::FileError if the file cannot be read.
+    static Session load(const std::string& path, const LoadOptions& options = {});
+
+    /// Loads the saved network \p text as if it were a file in \p folder. \p title names it in
+    /// messages.
+    static Session read(const std::string& text, const std::string& title, const std::string& folder,
+                        const LoadOptions& options = {});
+
+    Session(Session&&) noexcept;
+    Session& operator=(Session&&) noexcept;
+
+    /// Destroys the network, unless contexts still use it; the last of them destroys it then.
+    /// Libraries that the network loaded are unloaded afterwards. If something from them is still
+    /// in use, they stay in memory and a warning is issued.
     ~Session();
 
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
+    /// Returns what is wrong with the saved network. If there are any faults, the network has no
+    /// objects and cannot be changed.
+    const Faults& faults() const noexcept;
 
-    /// If there are any faults, nothing may be evaluated.
-    const Faults& faults() const noexcept { return m_faults; }
+    /// Returns the network that has the objects.
+    Orla::VNetwork& network() const noexcept;
 
-    const Network& network() const noexcept { return m_network; }
-    const Orla::StrongPtr<Orla::ValuePool>& pool() const noexcept { return m_pool; }
-    const TimeProvider& timeProvider() const noexcept { return m_timeProvider; }
+    /// Returns the names of all objects, including those that were created automatically, in the
+    /// order of their announcement.
+    std::vector<std::string> objects() const;
 
-    /// The chart that all objects must follow; empty if the choice is theirs.
-    const PlacedText& wantedChart() const noexcept { return m_chart; }
+    /// Returns the titles of the columns of the table of results.
+    std::vector<std::string> columns() const;
 
-    /// Number of steps to run; 1 for a network without time.
-    std::uint64_t stepCount() const noexcept { return m_stepCount; }
+    /// Loads the object library \p name, from the folders that `tarn libraries` lists and that of
+    /// the network.
+    Loam::Result<void> loadLibrary(const std::string& name);
+
+    /// Sets the initial value of an input for all new contexts, from a text in the form that saved
+    /// networks use. Fails if the input is connected.
+    Loam::Result<void> setText(std::string_view input, const std::string& text);
+
+    /// Sets the initial value of an input for all new contexts. Fails if the input is connected or
+    /// has values of another type.
+    Loam::Result<void> setValue(std::string_view input, const Orla::StrongPtr<Orla::VValueBase>& value);
+
+    template<class T>
+    Loam::Result<void> set(std::string_view input, const T& value)
+    {
+        return setValue(input, Loam::makeStrong<Orla::VValue<T>>(value));
+    }
+
+    /// Returns the text of the initial value of an input.
+    Loam::Result<std::string> text(std::string_view input) const;
+
+    /// Creates, finishes and announces an object of a registered type.
+    Loam::Result<void> create(const std::string& type, const std::string& name);
+
+    /// Removes an object, its connections and its columns.
+    Loam::Result<void> remove(const std::string& name);
+
+    /// Connects an input to "OBJECT.OUTPUT" or "OBJECT.OUTPUT.MEMBER". Replaces an existing
+    /// connection. Fails if the types differ or the component does not exist.
+    Loam::Result<void> connect(const std::string& output, const std::string& input);
+
+    /// Disconnects an input, which then has its initial value.
+    Loam::Result<void> disconnect(const std::string& input);
+
+    /// Adds a column with the values of an output to the table of results.
+    Loam::Result<void> addColumn(const std::string& title, const std::string& output);
+
+    /// Makes all objects follow the chart \p name in new contexts.
+    Loam::Result<void> selectChart(const std::string& name);
+
+    /// Returns the network as a saved one in its canonical form, as `tarn convert` writes it. Fails
+    /// if the value of an input cannot be kept in a text.
+    Loam::Result<std::string> savedText() const;
+
+    /// Writes the saved network to a file, which is complete or left unchanged. Relative file names
+    /// in the texts are not adapted, so \p path should be in the folder of the network.
+    Loam::Result<void> save(const std::string& path) const;
+
+    /// For internal use.
+    const std::shared_ptr<Detail::SessionCore>& core() const noexcept { return m_core; }
 
 private:
-    void chooseChart();
-    void countSteps(const NetworkFile& file, std::optional<std::uint64_t> limit);
+    explicit Session(std::shared_ptr<Detail::SessionCore> core) noexcept;
 
-    Faults m_faults;
-    std::string m_folder;
-    Libraries m_libraries;
-    std::optional<Orla::VNetwork> m_objects; // the network of the file's objects
-    std::optional<Orla::VNetwork::Scope> m_scope;
-    Orla::StrongPtr<Orla::ValuePool> m_pool;
-    Network m_network;
-    TimeProvider m_timeProvider;
-    PlacedText m_chart;
-    std::uint64_t m_stepCount = 1;
+    std::shared_ptr<Detail::SessionCore> m_core;
 };
 
 } // namespace Tarn

@@ -12,7 +12,7 @@ void keepUnknown(NetworkFile::Object& object, const toml::table& table, Faults& 
         if (key.text == "name" || key.text == "type")
             continue;
         if (nestingOf(*node) > MostNested) {
-            faults.add(placeOf(*node),
+            faults.add(FaultKind::Content, placeOf(*node),
                        object.description + ": " + inQuotes(key.text) + " is nested too deeply to be written again");
             continue;
         }

@@ -89,10 +89,11 @@ private:
     {
         const toml::node* const node = m_table.get(key);
         if (node)
-            m_faults.add(placeOf(*node),
+            m_faults.add(FaultKind::Event, placeOf(*node),
                          std::string(key) + " is " + printable(tomlValue(*node)) + ", expected " + expected);
         else
-            m_faults.add(placeOf(m_table), std::string("missing key \"") + key + "\", expected " + expected);
+            m_faults.add(FaultKind::Event, placeOf(m_table),
+                         std::string("missing key \"") + key + "\", expected " + expected);
     }
 
     const toml::node* take(const char* key)
@@ -172,7 +173,8 @@ private:
             if (const auto modifier = find(Modifiers, name.value_exact<std::string>().value_or("")))
                 event.modifiers = static_cast<std::uint8_t>(event.modifiers | *modifier);
             else
-                m_faults.add(placeOf(name), "found " + printable(tomlValue(name)) + ", expected shift, control or alt");
+                m_faults.add(FaultKind::Event, placeOf(name),
+                             "found " + printable(tomlValue(name)) + ", expected shift, control or alt");
         }
     }
 
@@ -180,8 +182,9 @@ private:
     {
         for (const auto& [key, node] : entriesOf(m_table)) {
             if (std::ranges::find(m_known, key.text) == m_known.end())
-                m_faults.add(key.place, "unknown key " + inQuotes(key.text) + " of an event of kind \"" + kind + "\""
-                                            + insteadOf(key.text, m_known));
+                m_faults.add(FaultKind::Event, key.place,
+                             "unknown key " + inQuotes(key.text) + " of an event of kind \"" + kind + "\""
+                                 + insteadOf(key.text, m_known));
         }
     }
 
@@ -217,12 +220,13 @@ std::vector<ScriptedEvent> parseEvents(std::string_view text, Faults& faults)
         return events;
     for (const auto& [key, node] : entriesOf(*root)) {
         if (key.text != "event") {
-            faults.add(key.place, "unknown key " + inQuotes(key.text) + ", expected tables under the header [[event]]");
+            faults.add(FaultKind::Event, key.place,
+                       "unknown key " + inQuotes(key.text) + ", expected tables under the header [[event]]");
             continue;
         }
         const toml::array* const tables = node->as_array();
         if (!tables) {
-            faults.add(placeOf(*node),
+            faults.add(FaultKind::Event, placeOf(*node),
                        std::string("event is ") + kindOf(*node) + ", expected tables under the header [[event]]");
             continue;
         }
@@ -230,8 +234,9 @@ std::vector<ScriptedEvent> parseEvents(std::string_view text, Faults& faults)
             if (const toml::table* const table = element.as_table())
                 EventReader(*table, faults).read(events);
             else
-                faults.add(placeOf(element), std::string("event holds ") + kindOf(element)
-                                                 + ", expected tables under the header [[event]]");
+                faults.add(FaultKind::Event, placeOf(element),
+                           std::string("event holds ") + kindOf(element)
+                               + ", expected tables under the header [[event]]");
         }
     }
     return events;

@@ -10,13 +10,14 @@
 namespace Tarn {
 
 class Faults;
+class Session;
 
-/// Outputs of announced objects, whose values are printed one per line.
+/// Outputs of a session's objects, whose values are printed one per line.
 class PrintedOutputs {
 public:
     /// Finds the outputs named by \p references, each "OBJECT.OUTPUT" or
     /// "OBJECT.OUTPUT.MEMBER". Adds a fault for each reference that names nothing.
-    PrintedOutputs(const std::vector<std::string>& references, Faults& faults);
+    PrintedOutputs(const Session& session, const std::vector<std::string>& references, Faults& faults);
 
     bool empty() const noexcept { return m_outputs.empty(); }
 

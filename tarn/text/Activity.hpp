@@ -2,18 +2,25 @@
 
 #include <atomic>
 
+#include <unistd.h>
+
 namespace Tarn {
 
-/// What the program is doing outside of updates with code of a library, such as loading it. A
-/// report on a crash names it. Activities may be nested; only the main thread has any.
+/// What the main thread is doing outside of updates with code of a library, such as loading it. A
+/// report on a crash names it. Activities may be nested; those of other threads are ignored.
 class Activity {
 public:
     /// \p what and \p name, such as "loading" and a path, must outlive the activity.
     Activity(const char* what, const char* name) noexcept : m_what{what}, m_name{name}, m_outer{s_current.load()}
     {
-        s_current.store(this);
+        if (isMainThread())
+            s_current.store(this);
     }
-    ~Activity() { s_current.store(m_outer); }
+    ~Activity()
+    {
+        if (isMainThread())
+            s_current.store(m_outer);
+    }
     Activity(const Activity&) = delete;
     Activity& operator=(const Activity&) = delete;
 
@@ -24,6 +31,12 @@ public:
     const char* name() const noexcept { return m_name; }
 
 private:
+    static bool isMainThread() noexcept
+    {
+        static thread_local const bool isMain = ::gettid() == ::getpid();
+        return isMain;
+    }
+
     const char* m_what;
     const char* m_name;
     const Activity* m_outer;

@@ -22,9 +22,9 @@ Faults::Faults(std::string file) : m_file{printable(file)}
 {
 }
 
-void Faults::add(Place place, const std::string& message)
+void Faults::add(FaultKind kind, Place place, const std::string& message)
 {
-    m_faults.push_back({place, message});
+    m_faults.push_back({kind, place, message});
 }
 
 std::vector<std::string> Faults::lines() const

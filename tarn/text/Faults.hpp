@@ -27,6 +27,28 @@ struct PlacedText {
     Place place;
 };
 
+/// What a fault is about.
+enum class FaultKind : std::uint8_t {
+    Syntax,     ///< the text is not TOML or not UTF-8
+    Content,    ///< the entries are not those of a network
+    Library,    ///< a library cannot be loaded
+    Type,       ///< no library has the object type, or several have
+    Object,     ///< an object cannot be created, named or set up
+    Input,      ///< an input does not exist or refuses its text
+    Connection, ///< an output does not exist or does not fit the input
+    Column,     ///< a column names a component that does not exist
+    Chart,      ///< no object depends on a chart or offers the wanted one
+    Time,       ///< the time has no steps or too many
+    Event,      ///< an entry in a script of events
+    Option      ///< a setting from outside the file
+};
+
+struct Fault {
+    FaultKind kind;
+    Place place; ///< in the file; empty if the fault is not in it
+    std::string message;
+};
+
 /// Collects all faults of a saved network, not just the first.
 class Faults {
 public:
@@ -36,13 +58,16 @@ public:
     const std::string& file() const noexcept { return m_file; }
 
     /// Adds a fault in the file.
-    void add(Place place, const std::string& message);
+    void add(FaultKind kind, Place place, const std::string& message);
 
     /// Adds a fault without a place in the file, such as one on the command line.
-    void add(const std::string& message) { add(Place{}, message); }
+    void add(FaultKind kind, const std::string& message) { add(kind, Place{}, message); }
 
     bool empty() const noexcept { return m_faults.empty(); }
     std::size_t size() const noexcept { return m_faults.size(); }
+
+    /// Returns all faults, in the order in which they were found.
+    const std::vector<Fault>& all() const noexcept { return m_faults; }
 
     /// Returns one line per fault, `FILE:LINE:COLUMN: MESSAGE`, sorted by place. Faults
     /// without a place are bare messages and come last. Of many similar faults, the first
@@ -50,11 +75,6 @@ public:
     std::vector<std::string> lines() const;
 
 private:
-    struct Fault {
-        Place place;
-        std::string message;
-    };
-
     std::string m_file;
     std::vector<Fault> m_faults;
 };

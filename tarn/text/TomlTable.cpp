@@ -23,17 +23,17 @@ std::optional<toml::table> parseToml(std::string_view text, Faults& faults)
 {
     // The TOML reader rejects it too, but reports the place less precisely.
     if (const std::size_t invalid = Loam::findInvalidUtf8(text); invalid != std::string_view::npos) {
-        faults.add(placeAt(text, invalid), "invalid UTF-8 from here on");
+        faults.add(FaultKind::Syntax, placeAt(text, invalid), "invalid UTF-8 from here on");
         return std::nullopt;
     }
     if (const Place deep = findDeepKey(text)) {
-        faults.add(deep, "a key of more than " + std::to_string(MaximalKeyParts) + " parts");
+        faults.add(FaultKind::Syntax, deep, "a key of more than " + std::to_string(MaximalKeyParts) + " parts");
         return std::nullopt;
     }
     try {
         return toml::parse(text);
     } catch (const toml::parse_error& error) {
-        faults.add(placeOf(error.source()), printable(error.description()));
+        faults.add(FaultKind::Syntax, placeOf(error.source()), printable(error.description()));
         return std::nullopt;
     }
 }

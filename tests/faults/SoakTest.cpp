@@ -9,6 +9,7 @@
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VManagedObject.hpp>
+#include <trellis/VNetwork.hpp>
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VValueCreator.hpp>
 
@@ -78,17 +79,20 @@ Living after(std::uint64_t steps, std::uint64_t allSteps)
     const TestFolder folder;
     Living result;
     {
-        const Tarn::Session session{folder.write("net.toml", network(allSteps)), {}, steps};
+        const Tarn::Session session =
+            Tarn::Session::load(folder.write("net.toml", network(allSteps)), {.stepLimit = steps});
         EXPECT_TRUE(session.faults().empty()) << session.faults().lines().front();
         Loam::OutputFile output{"/dev/null"};
         Tarn::TableWriter table{output};
         const Orla::VCancellation cancellation;
         Tarn::EvaluationTask task;
         task.table = &table;
-        const Tarn::EvaluationSummary summary = Tarn::evaluate(session, task, cancellation);
+        Tarn::Context context{session};
+        const Tarn::EvaluationSummary summary = Tarn::evaluate(session, context, task, cancellation);
         EXPECT_EQ(summary.steps, steps);
+        const Orla::VNetwork::Scope scope{session.network()};
         result = living();
-        result.values = session.pool()->variableCount();
+        result.values = context.pool()->variableCount();
     }
     return result;
 }

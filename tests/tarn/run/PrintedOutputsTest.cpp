@@ -65,7 +65,7 @@ TEST(PrintedOutputs, areRefusedWithASuggestionBeforeAnythingRuns)
               "talker: puts in the constructor\n"
               "--print=a.b.sun: Adder \"a.b\" has no output \"sun\"; did you mean \"sum\"?\n"
               "--print=clok.GlobalTime: no object is named \"clok\"; did you mean \"clock\"?\n"
-              "--print=sum: expected OBJECT.OUTPUT\n"
+              "--print=sum: found \"sum\", expected OBJECT.OUTPUT\n"
               "--print=a.b.a: Adder \"a.b\" has no output \"a\"; that is an input\n"
               "--print=clock.GlobalTime.tme: values of type time have no component \"tme\"; did you mean \"time\"?\n"
               "--print=a.b.sum.: found nothing after the last dot, expected the name of a component\n"

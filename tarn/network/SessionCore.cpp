@@ -1,0 +1,478 @@
+#include <tarn/network/SessionCore.hpp>
+
+#include <tarn/libraries/AnnouncedObjects.hpp>
+#include <tarn/network/CanonicalNetwork.hpp>
+#include <tarn/network/ChartChoice.hpp>
+#include <tarn/network/ChoiceCheck.hpp>
+#include <tarn/network/NetworkBuilder.hpp>
+#include <tarn/network/NetworkParser.hpp>
+#include <tarn/text/Messages.hpp>
+#include <tarn/text/ReadFile.hpp>
+
+#include <trellis/VActionNotifier.hpp>
+#include <trellis/VObjectCreator.hpp>
+#include <trellis/VTypeLabel.hpp>
+
+#include <loam/Numbers.hpp>
+#include <loam/Utf8.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+namespace Tarn::Detail {
+
+using Loam::Failure;
+using Loam::Result;
+using Orla::StrongPtr;
+
+namespace {
+
+using Scope = Orla::VNetwork::Scope;
+using Change = Orla::VNetwork::Change;
+
+// Marks the entries that do not come from a file as present.
+constexpr Place Here{1, 1};
+
+std::string absoluteFolder(const std::string& folder)
+{
+    return std::filesystem::absolute(folder.empty() ? "." : folder).lexically_normal().string();
+}
+
+// Returns the entry of the input's text, or the end.
+auto findText(std::vector<NetworkFile::InputText>& texts, const std::string& input)
+{
+    return std::ranges::find(texts, input, [](const auto& each) { return each.input.text; });
+}
+
+// Returns the place where the object's input is set, else the place of the object.
+Place placeOfSetting(const NetworkFile& file, const std::string& object, const std::string& input)
+{
+    const auto entry = std::ranges::find(file.objects, object, [](const auto& each) { return each.name.text; });
+    if (entry == file.objects.end())
+        return {};
+    const auto text = std::ranges::find(entry->texts, input, [](const auto& each) { return each.input.text; });
+    if (text == entry->texts.end())
+        return entry->place;
+    return text->exact.empty() ? text->value.place : text->exact.front().place;
+}
+
+// Returns true if `reference`, such as "OBJECT.OUTPUT", names the object.
+bool refersTo(const std::string& reference, const ObjectNames& names, std::size_t object)
+{
+    std::string_view rest;
+    return names.findAtStart(reference, rest) == object;
+}
+
+} // namespace
+
+SessionCore::SessionCore(const std::string& folder)
+    : m_faults{"the network"}, m_folder{absoluteFolder(folder)}, m_libraries{Libraries::searchPath(m_folder)}
+{
+    m_objects.emplace(m_folder);
+    m_objects->setDataFolders(dataFolders());
+    m_libraries.loadAll({}, m_faults);
+}
+
+SessionCore::SessionCore(const std::string& title, const std::string& folder, const std::string& text,
+                         const LoadOptions& options)
+    : m_faults{title}
+    , m_folder{absoluteFolder(folder)}
+    , m_libraries{Libraries::searchPath(m_folder)}
+    , m_stepLimit{options.stepLimit}
+{
+    m_file = parseNetwork(text, m_faults);
+    m_objects.emplace(m_folder);
+    m_objects->setDataFolders(dataFolders());
+    const Scope scope{*m_objects};
+    const std::vector<std::string> missing = m_libraries.loadAll(m_file.libraries, m_faults);
+    m_network = buildNetwork(m_file, options.overrides, missing, m_faults);
+    if (options.chart)
+        m_file.chart = {*options.chart, {}};
+    m_chart = m_file.chart;
+    if (m_faults.empty() && !m_chart.text.empty())
+        chooseChart();
+    if (m_faults.empty())
+        checkTime();
+    if (m_faults.empty()) {
+        keepOverrides();
+        indexObjects();
+    } else {
+        m_timeProvider = {};
+        m_network = {};
+        removeAnnouncedObjects();
+    }
+}
+
+SessionCore::~SessionCore()
+{
+    m_timeProvider = {};
+    m_network = {};
+    m_objects.reset();
+    if (const Result<void> unloaded = m_libraries.unload(); !unloaded)
+        Orla::VActionNotifier::Warning("The " + unloaded.reason());
+}
+
+void SessionCore::chooseChart()
+{
+    if (const ChartChoice choice = ChartChoice::find())
+        choice.want(m_chart.text);
+    else
+        m_faults.add(FaultKind::Chart, m_chart.place,
+                     std::string(m_chart.place ? "" : "--") + "chart: found " + inQuotes(m_chart.text)
+                         + ", but no object depends on a chart");
+}
+
+void SessionCore::checkTime()
+{
+    m_timeProvider = TimeProvider::find();
+    if (!m_timeProvider)
+        return;
+    if (const Result<std::uint64_t> count = stepCount(Loam::makeStrong<Orla::ValuePool>()); !count)
+        m_faults.add(FaultKind::Time, placeOfSetting(m_file, m_timeProvider.name(), m_timeProvider.inputName()),
+                     count.reason());
+}
+
+Result<std::uint64_t> SessionCore::stepCount(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    if (!m_timeProvider)
+        return std::uint64_t{1};
+    const Orla::VTime time = m_timeProvider.time(pool);
+    const double count = TimeProvider::stepCount(time);
+    const auto failure = [&](const std::string& expected) {
+        return Failure{"object " + inQuotes(m_timeProvider.name()) + ", input " + inQuotes(m_timeProvider.inputName())
+                       + ": the time " + Orla::VValueTrait<Orla::VTime>::Text(time) + " has " + Loam::numberText(count)
+                       + " steps, " + expected};
+    };
+    // Negated to refuse NaN too, which compares false with everything.
+    if (!(count >= 1 && count <= MostCountedSteps))
+        return failure("expected 1 or more, " + Loam::numberText(MostCountedSteps) + " at most");
+    if (m_stepLimit)
+        return std::min(static_cast<std::uint64_t>(count), *m_stepLimit);
+    if (count > MostSteps)
+        return failure("more than " + Loam::numberText(MostSteps) + "; --steps=N evaluates the first N of them");
+    return static_cast<std::uint64_t>(count);
+}
+
+// The saved network has the texts that were set last.
+void SessionCore::keepOverrides()
+{
+    for (const Network::Override& each : m_network.overrides) {
+        std::vector<NetworkFile::InputText>& texts = m_file.objects[each.object].texts;
+        if (const auto text = findText(texts, each.input); text != texts.end())
+            texts.erase(text);
+        texts.push_back({{each.input, Here}, {each.text, Here}});
+    }
+}
+
+void SessionCore::indexObjects()
+{
+    m_names = {};
+    for (std::size_t number = 0; number < m_file.objects.size(); ++number)
+        m_names.add(m_file.objects[number].name.text, number);
+}
+
+Result<void> SessionCore::requireNoFaults() const
+{
+    return m_faults.empty() ? Result<void>{} : Failure{"the network has faults"};
+}
+
+Result<SessionCore::Named> SessionCore::findObject(std::string_view reference, const char* shape) const
+{
+    if (reference.find('.') == std::string_view::npos)
+        return Failure{"found " + inQuotes(reference) + ", expected " + shape};
+    std::string_view rest;
+    if (const std::size_t number = m_names.findAtStart(reference, rest); number != ObjectNames::npos) {
+        if (StrongPtr<Orla::VObject> object = m_network.objects[number].lock(); object && object->isRegistered())
+            return Named{std::move(object), rest};
+        return Failure{m_file.objects[number].description + " was removed during an evaluation"};
+    }
+    // An object that was created automatically.
+    for (std::size_t dot = reference.rfind('.'); dot != std::string_view::npos && dot > 0;
+         dot = reference.rfind('.', dot - 1)) {
+        if (StrongPtr<Orla::VObject> object{m_objects->find(std::string(reference.substr(0, dot)))})
+            return Named{std::move(object), reference.substr(dot + 1)};
+    }
+    const std::string_view name = reference.substr(0, reference.find('.'));
+    return Failure{"no object is named " + inQuotes(name) + insteadOf(name, m_names.names())};
+}
+
+Result<StrongPtr<Orla::VSlot>> SessionCore::findInput(std::string_view reference) const
+{
+    const Result<Named> named = findObject(reference, "OBJECT.INPUT");
+    if (!named)
+        return Failure{named.reason()};
+    const std::string name(named->rest);
+    if (StrongPtr<Orla::VSlot> input = named->object->findSlot(name))
+        return input;
+    return Failure{named->object->describe() + " has no input " + inQuotes(name)
+                   + (named->object->findOutput(name) ? "; that is an output"
+                                                      : insteadOf(name, namesOf(named->object->inputs())))};
+}
+
+Result<OutputReference> SessionCore::findOutput(std::string_view reference) const
+{
+    const Result<Named> named = findObject(reference, "OBJECT.OUTPUT");
+    if (!named)
+        return Failure{named.reason()};
+    Result<OutputReference> output = OutputReference::find(*named->object, named->object->describe(), named->rest);
+    if (!output)
+        return output;
+    if (const Result<void> exists = output->checkMember(); !exists)
+        return Failure{exists.reason()};
+    return output;
+}
+
+StrongPtr<Orla::VValueBase> SessionCore::declaredValue(const StrongPtr<Orla::VSlot>& input) const
+{
+    const auto found = m_network.declared.find(input.get());
+    return found == m_network.declared.end() ? input->ownParameter()->newValue() : found->second->copy();
+}
+
+// Returns the entry of the input's object in the saved network.
+Result<NetworkFile::Object*> SessionCore::entryOf(const Orla::VSlot& input)
+{
+    const Orla::VObject* const object = input.container() ? input.container()->object() : nullptr;
+    const std::size_t number = object ? m_names.find(object->Name()) : ObjectNames::npos;
+    if (number == ObjectNames::npos)
+        return Failure{(object ? object->describe() : "the object") + " is not part of the saved network"};
+    return &m_file.objects[number];
+}
+
+Result<void> SessionCore::loadLibrary(const std::string& name)
+{
+    if (Result<void> loaded = m_libraries.load(name); !loaded)
+        return loaded;
+    if (name != StandardLibrary
+        && std::ranges::find(m_file.libraries, name, &PlacedText::text) == m_file.libraries.end())
+        m_file.libraries.push_back({name, Here});
+    return {};
+}
+
+Result<void> SessionCore::setText(std::string_view reference, const std::string& text)
+{
+    const Result<StrongPtr<Orla::VSlot>> input = findInput(reference);
+    if (!input)
+        return Failure{input.reason()};
+    // Some texts, such as those of selections, are read into the value that is there.
+    const StrongPtr<Orla::VValueBase> value = declaredValue(*input);
+    const Result<bool> accepted = Loam::attempt([&] { return value->setValueFromText(text); });
+    if (!accepted || !*accepted)
+        return Failure{"the text " + inQuotes(text) + " is refused, expected a value of type "
+                       + Orla::VTypeLabel::of((*input)->type()) + (accepted ? "" : " (" + accepted.reason() + ")")};
+    const Result<void> set = setValue(reference, value);
+    if (!set)
+        return set;
+    NetworkFile::Object& entry = **entryOf(**input);
+    noteText(*input, entry, text);
+    if (ChoiceCheck::concerns((*input)->type()))
+        m_network.choices.push_back({*input, {}, entry.description + ", input " + inQuotes((*input)->name())});
+    return {};
+}
+
+Result<void> SessionCore::setValue(std::string_view reference, const StrongPtr<Orla::VValueBase>& value)
+{
+    const Result<StrongPtr<Orla::VSlot>> found = findInput(reference);
+    if (!found)
+        return Failure{found.reason()};
+    const StrongPtr<Orla::VSlot>& input = *found;
+    if (!value || value->getType() != input->type())
+        return Failure{"found a value of type " + (value ? Orla::VTypeLabel::of(value->getType()) : "null")
+                       + ", expected type " + Orla::VTypeLabel::of(input->type())};
+    const Result<NetworkFile::Object*> entry = entryOf(*input);
+    if (!entry)
+        return Failure{entry.reason()};
+    const auto connection = std::ranges::find((*entry)->connections, input->name(),
+                                              [](const NetworkFile::Setting& each) { return each.input.text; });
+    if (connection != (*entry)->connections.end())
+        return Failure{"the input reads " + inQuotes(connection->value.text) + ", so a value would have no effect"};
+    const Change change{*m_objects};
+    m_network.declared.try_emplace(input.get(), input->ownParameter()->newValue());
+    input->ownParameter()->setGlobalValue(value, {});
+    noteText(input, **entry, value->Text());
+    return {};
+}
+
+// Records the text in the saved network, instead of earlier ones.
+void SessionCore::noteText(const StrongPtr<Orla::VSlot>& input, NetworkFile::Object& entry, const std::string& text)
+{
+    if (const auto former = findText(entry.texts, input->name()); former != entry.texts.end())
+        entry.texts.erase(former);
+    entry.texts.push_back({{input->name(), Here}, {text, Here}});
+    std::erase_if(m_network.choices, [&](const Network::Choice& each) { return each.input == input; });
+}
+
+Result<void> SessionCore::create(const std::string& type, const std::string& name)
+{
+    if (Result<void> fine = requireNoFaults(); !fine)
+        return fine;
+    if (name.empty() || !Loam::isUtf8(name))
+        return Failure{"found the name " + inQuotes(name) + ", expected one that is not empty and valid UTF-8"};
+    if (m_objects->find(name))
+        return Failure{"the name " + inQuotes(name) + " is taken"};
+    NetworkFile file;
+    file.libraries = m_file.libraries;
+    file.objects.push_back({.place = Here,
+                            .name = {name, Here},
+                            .type = {type, Here},
+                            .texts = {},
+                            .connections = {},
+                            .kept = {},
+                            .description = "object " + inQuotes(name)});
+    const Scope scope{*m_objects};
+    const Change change{*m_objects};
+    Faults faults{m_faults.file()};
+    Network made = buildNetwork(file, {}, {}, faults);
+    if (!faults.empty()) {
+        if (const StrongPtr<Orla::VManagedObject> half = m_objects->find(name))
+            Orla::VManagedObject::remove(half);
+        return Failure{faults.all().front().message};
+    }
+    m_file.objects.push_back(std::move(file.objects.front()));
+    m_network.objects.push_back(made.objects.front());
+    m_network.objectCount = m_network.objects.size();
+    indexObjects();
+    m_timeProvider = TimeProvider::find();
+    return {};
+}
+
+Result<void> SessionCore::remove(const std::string& name)
+{
+    const std::size_t number = m_names.find(name);
+    if (number == ObjectNames::npos)
+        return Failure{"no object is named " + inQuotes(name) + insteadOf(name, m_names.names())};
+    const Scope scope{*m_objects};
+    const Change change{*m_objects};
+    for (NetworkFile::Object& object : m_file.objects)
+        std::erase_if(object.connections,
+                      [&](const NetworkFile::Setting& each) { return refersTo(each.value.text, m_names, number); });
+    std::erase_if(m_file.columns,
+                  [&](const NetworkFile::Column& each) { return refersTo(each.value.text, m_names, number); });
+    const StrongPtr<Orla::VObject> object = m_network.objects[number].lock();
+    const auto isOfObject = [&](const StrongPtr<Orla::VSlot>& slot) {
+        return !slot->container() || slot->container()->object() == object.get();
+    };
+    std::erase_if(m_network.columns, [&](const Network::Column& each) { return isOfObject(each.output.output); });
+    std::erase_if(m_network.choices, [&](const Network::Choice& each) { return isOfObject(each.input); });
+    if (object) {
+        for (const StrongPtr<Orla::VSlot>& input : object->inputs())
+            m_network.declared.erase(input.get());
+        Orla::VManagedObject::remove(object);
+    }
+    m_file.objects.erase(m_file.objects.begin() + static_cast<std::ptrdiff_t>(number));
+    m_network.objects.erase(m_network.objects.begin() + static_cast<std::ptrdiff_t>(number));
+    m_network.objectCount = m_network.objects.size();
+    indexObjects();
+    std::erase_if(m_network.connected, [](const StrongPtr<Orla::VSlot>& input) { return !input->isConnected(); });
+    m_timeProvider = TimeProvider::find();
+    return {};
+}
+
+Result<void> SessionCore::connect(const std::string& output, const std::string& input)
+{
+    const Result<OutputReference> source = findOutput(output);
+    if (!source)
+        return Failure{source.reason()};
+    const Result<StrongPtr<Orla::VSlot>> target = findInput(input);
+    if (!target)
+        return Failure{target.reason()};
+    const Result<NetworkFile::Object*> entry = entryOf(**target);
+    if (!entry)
+        return Failure{entry.reason()};
+    const Scope scope{*m_objects};
+    if (Result<void> connected = (*target)->container()->tryAttachOutput(source->output, *target, source->member);
+        !connected)
+        return connected;
+    std::erase_if((*entry)->connections,
+                  [&](const NetworkFile::Setting& each) { return each.input.text == (*target)->name(); });
+    (*entry)->connections.push_back({{(*target)->name(), Here}, {output, Here}});
+    if (std::ranges::find(m_network.connected, *target) == m_network.connected.end())
+        m_network.connected.push_back(*target);
+    m_timeProvider = TimeProvider::find();
+    return {};
+}
+
+Result<void> SessionCore::disconnect(const std::string& input)
+{
+    const Result<StrongPtr<Orla::VSlot>> target = findInput(input);
+    if (!target)
+        return Failure{target.reason()};
+    const Result<NetworkFile::Object*> entry = entryOf(**target);
+    if (!entry)
+        return Failure{entry.reason()};
+    const Scope scope{*m_objects};
+    const auto removed = std::erase_if(
+        (*entry)->connections, [&](const NetworkFile::Setting& each) { return each.input.text == (*target)->name(); });
+    if (removed == 0)
+        return Failure{"the input is not connected"};
+    (*target)->container()->detach(*target);
+    std::erase(m_network.connected, *target);
+    m_timeProvider = TimeProvider::find();
+    return {};
+}
+
+Result<void> SessionCore::addColumn(const std::string& title, const std::string& output)
+{
+    if (Result<void> fine = requireNoFaults(); !fine)
+        return fine;
+    Result<OutputReference> source = findOutput(output);
+    if (!source)
+        return Failure{source.reason()};
+    m_file.columns.push_back({{title, Here}, {output, Here}});
+    m_network.columns.push_back({title, *std::move(source)});
+    return {};
+}
+
+Result<void> SessionCore::selectChart(const std::string& name)
+{
+    const Scope scope{*m_objects};
+    const Change change{*m_objects};
+    const ChartChoice choice = ChartChoice::find();
+    if (!choice)
+        return Failure{"no object depends on a chart"};
+    choice.want(name);
+    m_chart = m_file.chart = {name, Here};
+    return {};
+}
+
+Result<std::string> SessionCore::savedText() const
+{
+    if (const Result<void> fine = requireNoFaults(); !fine)
+        return Failure{fine.reason()};
+    NetworkInputs inputs;
+    for (std::size_t number = 0; number < m_file.objects.size(); ++number) {
+        const NetworkFile::Object& entry = m_file.objects[number];
+        const StrongPtr<Orla::VObject> object = m_network.objects[number].lock();
+        if (!object)
+            return Failure{entry.description + " was removed during an evaluation"};
+        NetworkInputs::Object& made = inputs.objects.emplace_back();
+        made.isKnown = true;
+        made.names = namesOf(object->inputs());
+        for (const StrongPtr<Orla::VSlot>& input : object->inputs()) {
+            const auto text =
+                std::ranges::find(entry.texts, input->name(), [](const auto& each) { return each.input.text; });
+            if (text == entry.texts.end())
+                continue;
+            std::vector<std::string> texts;
+            for (const PlacedText& exact : text->exact)
+                texts.push_back(exact.text);
+            if (texts.empty())
+                texts.push_back(text->value.text);
+            made.set.push_back({.name = input->name(),
+                                .type = &input->type(),
+                                .place = {},
+                                .description = entry.description + ", input " + inQuotes(input->name()),
+                                .given = declaredValue(input),
+                                .value = input->ownParameter()->DefaultValue(),
+                                .texts = std::move(texts),
+                                .namesResult = input->hasFlag(Orla::VSlot::NamesResult)});
+        }
+    }
+    Faults faults{m_faults.file()};
+    const CanonicalNetwork canonical{m_file, inputs, faults};
+    if (!faults.empty())
+        return Failure{faults.all().front().message};
+    return Loam::attempt([&] { return canonicalText(canonical.file(), faults); });
+}
+
+} // namespace Tarn::Detail
