@@ -4,16 +4,10 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
-#include <iterator>
 
 namespace Earth {
 
 namespace {
-
-// Seven colours whose lightness in Oklab decreases from 0.88 to 0.27 in equal steps,
-// while the hue changes from yellow through red to violet.
-constexpr std::uint32_t table[] = {0xf6d56b, 0xf8a03e, 0xec6a41, 0xcd395d, 0x9b1d74, 0x601476, 0x29135b};
 
 using Triple = std::array<double, 3>;
 
@@ -68,9 +62,9 @@ Gyre::rgba_float_t color(const Triple& lab)
 
 } // namespace
 
-Gyre::rgba_float_t scaleColor(double position) noexcept
+Gyre::rgba_float_t mixedColor(std::span<const std::uint32_t> table, double position) noexcept
 {
-    constexpr std::size_t last = std::size(table) - 1;
+    const std::size_t last = table.size() - 1;
     const double place = (position > 0 ? std::min(position, 1.0) : 0) * static_cast<double>(last);
     const std::size_t index = std::min(static_cast<std::size_t>(place), last - 1);
     const double part = place - static_cast<double>(index);
@@ -80,6 +74,14 @@ Gyre::rgba_float_t scaleColor(double position) noexcept
     for (std::size_t i = 0; i < 3; ++i)
         between[i] = from[i] + (to[i] - from[i]) * part;
     return color(between);
+}
+
+Gyre::rgba_float_t scaleColor(double position) noexcept
+{
+    // Seven colours whose lightness in Oklab decreases from 0.88 to 0.27 in equal steps,
+    // while the hue changes from yellow through red to violet.
+    static constexpr std::uint32_t table[] = {0xf6d56b, 0xf8a03e, 0xec6a41, 0xcd395d, 0x9b1d74, 0x601476, 0x29135b};
+    return mixedColor(table, position);
 }
 
 } // namespace Earth

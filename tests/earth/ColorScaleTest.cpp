@@ -4,11 +4,13 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 
 namespace ColorScaleTest {
 
 using Gyre::rgba_float_t;
+using Earth::mixedColor;
 using Earth::scaleColor;
 
 namespace {
@@ -64,6 +66,19 @@ TEST(ColorScale, clampsPositionsToItsEnds)
     EXPECT_EQ(scaleColor(std::numeric_limits<double>::quiet_NaN()), scaleColor(0));
     EXPECT_EQ(scaleColor(1.5), scaleColor(1));
     EXPECT_EQ(scaleColor(infinity), scaleColor(1));
+}
+
+TEST(ColorScale, passesThroughTheColoursOfATable)
+{
+    constexpr std::uint32_t table[] = {0xffffff, 0x808080, 0x102030};
+    expectHex(mixedColor(table, 0), 0xff, 0xff, 0xff);
+    expectHex(mixedColor(table, 0.5), 0x80, 0x80, 0x80);
+    expectHex(mixedColor(table, 1), 0x10, 0x20, 0x30);
+    expectHex(mixedColor(table, 7), 0x10, 0x20, 0x30);
+    expectHex(mixedColor(table, std::numeric_limits<double>::quiet_NaN()), 0xff, 0xff, 0xff);
+    // Half-way in Oklab: the cube roots of the greys' linear values, 1 and 0.21586, are averaged.
+    const double grey = 255 * (1.055 * std::pow(std::pow((1 + std::cbrt(0.2158605)) / 2, 3), 1 / 2.4) - 0.055);
+    EXPECT_NEAR(static_cast<double>(mixedColor(table, 0.25).g) * 255, grey, 0.05);
 }
 
 } // namespace ColorScaleTest
