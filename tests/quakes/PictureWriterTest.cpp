@@ -13,8 +13,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cerrno>
-#include <cstring>
 #include <string>
 
 namespace PictureWriterTest {
@@ -23,15 +21,11 @@ using Quakes::Catalogue;
 using Quakes::ColorRule;
 using Earth::Land;
 using Quakes::Quake;
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 namespace {
 
 constexpr double EndOfRun = 2;
-constexpr double EndOfStep = 1;
 
 Quake quake(double time, double longitude, double latitude)
 {
@@ -57,16 +51,11 @@ protected:
 
     ~PictureWriterTest() override { Orla::VManagedObject::remove(Orla::VChartSelector::getChartSelector()); }
 
-    void act(double number)
-    {
-        Orla::VScheduler::schedule(writer.object, number, writer.pool);
-        EXPECT_EQ(writer.run().failures, 0u);
-    }
-
     std::string writeFile(const std::string& name)
     {
         writer.set("file", folder.file(name));
-        act(EndOfRun);
+        Orla::VScheduler::schedule(writer.object, EndOfRun, writer.pool);
+        EXPECT_EQ(writer.run().failures, 0u);
         return contentOf(folder.file(name));
     }
 
@@ -75,48 +64,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(PictureWriterTest, drawsOnlyOnActions)
-{
-    writer.set("file", folder.file("map.png"));
-    writer.set("frames", folder.file("frame-#.png"));
-    writer.run();
-    EXPECT_THAT(folder.names(), IsEmpty());
-    EXPECT_EQ(writer.text("status"), "");
-    act(EndOfRun);
-    EXPECT_THAT(folder.names(), ElementsAre("map.png"));
-    EXPECT_EQ(writer.text("status"), "wrote " + folder.file("map.png"));
-}
-
-TEST_F(PictureWriterTest, writesNothingWithoutAFileName)
-{
-    act(EndOfRun);
-    act(EndOfStep);
-    EXPECT_THAT(folder.names(), IsEmpty());
-    EXPECT_EQ(writer.text("status"), "");
-}
-
-TEST_F(PictureWriterTest, numbersThePicturesOfSteps)
-{
-    writer.set("frames", folder.file("frame-###.svg"));
-    act(EndOfStep);
-    writer.set("time", Orla::VTime{0.75, 0, 1, 0.25, "", "", {}});
-    act(EndOfStep);
-    EXPECT_THAT(folder.names(), ElementsAre("frame-002.svg", "frame-003.svg"));
-    EXPECT_EQ(writer.text("status"), "wrote " + folder.file("frame-003.svg") + ", the last of 2 pictures");
-}
-
-TEST_F(PictureWriterTest, namesAndCountsThePicturesOfEachCase)
-{
-    writer.set("frames", folder.file("frame-#.svg"));
-    act(EndOfStep);
-    writer.pool = Loam::makeStrong<Orla::ValuePool>("seventh", "case7");
-    writer.set("frames", folder.file("frame-#.svg"));
-    writer.set("time", Orla::VTime{0.5, 0, 1, 0.25, "", "", {}});
-    act(EndOfStep);
-    EXPECT_THAT(folder.names(), ElementsAre("frame-2-case7.svg", "frame-2.svg"));
-    EXPECT_EQ(writer.text("status"), "wrote " + folder.file("frame-2-case7.svg"));
-}
 
 TEST_F(PictureWriterTest, drawsAMapOrAGlobeDependingOnTheChart)
 {
@@ -157,70 +104,6 @@ TEST_F(PictureWriterTest, drawsTheGivenLand)
     const std::string without = writeFile("without.svg");
     writer.set("land", Land{{{{{-10, -10}, {10, -10}, {10, 10}, {-10, 10}}}}});
     EXPECT_NE(writeFile("with.svg"), without);
-}
-
-TEST_F(PictureWriterTest, reportsFaultsAndLeavesTheFileUnchanged)
-{
-    const auto expectError = [this](const std::string& text) {
-        EXPECT_THAT(writer.text("status"), StartsWith("<FONT COLOR=red>"));
-        EXPECT_THAT(writer.text("status"), HasSubstr(text));
-    };
-    folder.write("old.png", "old");
-    writer.set("file", folder.file("old.png"));
-
-    writer.set("width", 0.0);
-    act(EndOfRun);
-    expectError("the input \"width\" is 0, expected a whole number of pixels from 1 to 16384");
-    writer.set("width", 400.0);
-
-    writer.set("chart", Orla::VChart{"<polar>"});
-    act(EndOfRun);
-    expectError("found the chart \"&lt;polar&gt;\", expected geographic, geocentric, plate carree or a text for PROJ");
-
-    writer.set("chart", Orla::VChart{"geocentric"});
-    writer.set("camera", Orla::VCamera{{0, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30});
-    act(EndOfRun);
-    expectError("camera");
-    writer.set("chart", Orla::VChart{});
-    EXPECT_EQ(contentOf(folder.file("old.png")), "old");
-
-    writer.set("file", folder.file("picture.bmp"));
-    act(EndOfRun);
-    expectError(".bmp");
-    writer.set("file", folder.file("picture"));
-    act(EndOfRun);
-    expectError(".png");
-    writer.set("file", folder.file("none/picture.png"));
-    act(EndOfRun);
-    expectError("cannot write " + folder.file("none/picture.png"));
-    writer.set("frames", folder.file("always.png"));
-    act(EndOfStep);
-    expectError("has no \"#\" for the number of the step");
-    EXPECT_THAT(folder.names(), ElementsAre("old.png"));
-}
-
-TEST_F(PictureWriterTest, remembersMissingPicturesUntilTheNextSequence)
-{
-    const std::string reason = std::strerror(ENOENT); // in the language of the locale
-    writer.set("file", folder.file("last.png"));
-    writer.set("frames", folder.file("later/frame-#.png"));
-    act(EndOfStep);
-    act(EndOfStep);
-    EXPECT_THAT(writer.text("status"),
-                HasSubstr("later/frame-2.png: " + reason + "; pictures of steps that are missing: 2"));
-    folder.write("later/x", "");
-    act(EndOfStep);
-    act(EndOfRun);
-    EXPECT_THAT(folder.names(), ElementsAre("last.png", "later"));
-    EXPECT_THAT(writer.text("status"), HasSubstr("are missing: 2"));
-
-    writer.set("file", folder.file("none/last.png"));
-    act(EndOfRun);
-    EXPECT_THAT(writer.text("status"), HasSubstr(reason + "; pictures of steps that are missing: 2"));
-
-    writer.set("time", Orla::VTime{0, 0, 1, 0.25, "", "", {}});
-    act(EndOfStep);
-    EXPECT_THAT(writer.text("status"), StartsWith("wrote "));
 }
 
 TEST_F(PictureWriterTest, writesTheSameBytesEachTime)
