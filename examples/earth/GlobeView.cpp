@@ -43,7 +43,7 @@ void GlobeView::drawGraticule(Canvas& canvas) const
 
 void GlobeView::drawCoasts(Canvas& canvas, const std::vector<Polygon>& land) const
 {
-    strokeCoasts(canvas, land, 0.7);
+    strokeCoasts(canvas, land, Palette::coast, 0.7);
 }
 
 void GlobeView::drawShade(Canvas& canvas) const

@@ -20,6 +20,7 @@ public:
     std::vector<Canvas::Path> seenLine(const Line& line) const override { return m_globe.seenLine(line); }
     void beginClip(Canvas& canvas) const override { canvas.beginClip(m_space); }
     void drawSea(Canvas& canvas) const override;
+    void drawGround(Canvas& canvas, const Canvas::Color& color) const override { canvas.fill({m_disc}, color); }
     void drawGraticule(Canvas& canvas) const override;
     void drawCoasts(Canvas& canvas, const std::vector<Polygon>& land) const override;
     void drawShade(Canvas& canvas) const override;

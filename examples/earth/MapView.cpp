@@ -233,7 +233,7 @@ void MapView::drawGraticule(Canvas& canvas) const
 
 void MapView::drawCoasts(Canvas& canvas, const std::vector<Polygon>& land) const
 {
-    strokeCoasts(canvas, land, 0.6);
+    strokeCoasts(canvas, land, Palette::coast, 0.6);
 }
 
 void MapView::drawMark(Canvas& canvas, const LonLat& place, const Mark& mark) const

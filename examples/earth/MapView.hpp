@@ -27,6 +27,7 @@ public:
     std::vector<Canvas::Path> seenLine(const Line& line) const override;
     void beginClip(Canvas& canvas) const override { canvas.beginClip(m_outline); }
     void drawSea(Canvas& canvas) const override;
+    void drawGround(Canvas& canvas, const Canvas::Color& color) const override { canvas.fill(m_outline, color); }
     void drawGraticule(Canvas& canvas) const override;
     void drawCoasts(Canvas& canvas, const std::vector<Polygon>& land) const override;
 

@@ -61,28 +61,77 @@ Rectangle legendSpace(const Canvas& canvas) noexcept
             footerHeight * point};
 }
 
-void drawPictureFrame(Canvas& canvas, const std::string& title, const std::string& subtitle)
+Rectangle upperLegendSpace(const Canvas& canvas) noexcept
+{
+    constexpr double width = 350;
+    const double point = pixelsOfPoint(canvas);
+    return {canvas.width() - (margin + width) * point, 0, width * point, headerHeight * point};
+}
+
+void drawPictureFrame(Canvas& canvas, const std::string& title, const std::string& subtitle, double right)
 {
     canvas.clear(Palette::paper);
     const double point = pixelsOfPoint(canvas);
-    const double width = canvas.width() - 2 * margin * point;
+    const double width = canvas.width() - 2 * margin * point - right;
     writeFitted(canvas, {margin * point, 44 * point}, title, 25 * point, Palette::ink, width, true);
     writeFitted(canvas, {margin * point, 68 * point}, subtitle, 15 * point, Palette::faintInk, width, false);
 }
 
+namespace {
+
+constexpr double legendFontSize = 12;
+
+void drawLegendTitle(Canvas& canvas, const Rectangle& bar, const std::string& title)
+{
+    const double point = pixelsOfPoint(canvas);
+    canvas.text({bar.left, bar.top - 14 * point}, title, legendFontSize * point, Palette::ink, Canvas::Align::Left,
+                true);
+}
+
+void drawLegendValue(Canvas& canvas, const Rectangle& bar, double x, const std::string& text)
+{
+    const double point = pixelsOfPoint(canvas);
+    canvas.stroke({{{x, bar.bottom()}, {x, bar.bottom() + 5 * point}}}, Palette::faintInk, 0.7 * point);
+    canvas.text({x, bar.bottom() + 22 * point}, text, legendFontSize * point, Palette::faintInk, Canvas::Align::Center);
+}
+
+} // namespace
+
 void drawColorBar(Canvas& canvas, const Rectangle& bar, const ColorBar& content)
 {
-    constexpr double fontSize = 12;
-    const double point = pixelsOfPoint(canvas);
-    canvas.text({bar.left, bar.top - 14 * point}, content.title, fontSize * point, Palette::ink, Canvas::Align::Left,
-                true);
+    drawLegendTitle(canvas, bar, content.title);
     canvas.fill(bar, content.colors);
+    canvas.stroke(bar, Palette::faintInk, 0.7 * pixelsOfPoint(canvas));
+    for (const ColorBar::Value& value : content.values)
+        drawLegendValue(canvas, bar, bar.left + value.position * bar.width, Loam::numberText(value.value));
+}
+
+void drawColorClasses(Canvas& canvas, const Rectangle& bar, const ColorClasses& content)
+{
+    const double point = pixelsOfPoint(canvas);
+    drawLegendTitle(canvas, bar, content.title);
+    const double width = bar.width / static_cast<double>(std::max<std::size_t>(content.colors.size(), 1));
+    for (std::size_t i = 0; i < content.colors.size(); ++i)
+        canvas.fill({bar.left + static_cast<double>(i) * width, bar.top, width, bar.height}, content.colors[i]);
     canvas.stroke(bar, Palette::faintInk, 0.7 * point);
-    for (const ColorBar::Value& value : content.values) {
-        const double x = bar.left + value.position * bar.width;
-        canvas.stroke({{{x, bar.bottom()}, {x, bar.bottom() + 5 * point}}}, Palette::faintInk, 0.7 * point);
-        canvas.text({x, bar.bottom() + 22 * point}, Loam::numberText(value.value), fontSize * point, Palette::faintInk,
-                    Canvas::Align::Center);
+    double end = bar.left - bar.width;
+    for (std::size_t i = 0; i < content.bounds.size(); ++i) {
+        const std::string text = Loam::numberText(content.bounds[i]);
+        const double x = bar.left + static_cast<double>(i + 1) * width;
+        const double half = canvas.textWidth(text, legendFontSize * point) / 2;
+        if (x - half < end + 4 * point)
+            continue;
+        end = x + half;
+        drawLegendValue(canvas, bar, x, text);
+    }
+    if (content.hasUnknown) {
+        constexpr std::string_view label = "no data";
+        const double left = bar.right() - canvas.textWidth(label, legendFontSize * point) - 22 * point;
+        const Rectangle box{left, bar.top - 24 * point, 16 * point, 10 * point};
+        canvas.fill(box, content.unknown);
+        canvas.stroke(box, Palette::faintInk, 0.7 * point);
+        canvas.text({bar.right(), bar.top - 15 * point}, label, legendFontSize * point, Palette::faintInk,
+                    Canvas::Align::Right);
     }
 }
 

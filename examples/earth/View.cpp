@@ -47,7 +47,8 @@ void View::strokeLines(Canvas& canvas, const std::vector<Line>& lines, const Can
     canvas.stroke(paths, color, points * pixelsOfPoint(canvas));
 }
 
-void View::strokeCoasts(Canvas& canvas, const std::vector<Polygon>& land, double points) const
+void View::strokeCoasts(Canvas& canvas, const std::vector<Polygon>& land, const Canvas::Color& color,
+                        double points) const
 {
     std::vector<Line> coasts;
     for (const Polygon& polygon : land) {
@@ -58,7 +59,7 @@ void View::strokeCoasts(Canvas& canvas, const std::vector<Polygon>& land, double
             coasts.back().push_back(ring.front());
         }
     }
-    strokeLines(canvas, coasts, Palette::coast, points);
+    strokeLines(canvas, coasts, color, points);
 }
 
 void View::drawEarth(Canvas& canvas, const std::vector<Polygon>& land) const

@@ -51,6 +51,9 @@ public:
 
     virtual void drawSea(Canvas& canvas) const = 0;
 
+    /// Fills the whole map or disc, instead of the sea.
+    virtual void drawGround(Canvas& canvas, const Canvas::Color& color) const = 0;
+
     void drawLand(Canvas& canvas, const std::vector<Polygon>& land) const;
 
     virtual void drawGraticule(Canvas& canvas) const = 0;
@@ -77,12 +80,12 @@ public:
     /// Draws sea, land, graticule, coasts and shade.
     void drawEarth(Canvas& canvas, const std::vector<Polygon>& land) const;
 
-protected:
     /// Draws the visible parts of lines. \p points is their width.
     void strokeLines(Canvas& canvas, const std::vector<Line>& lines, const Canvas::Color& color, double points) const;
 
     /// Draws the visible parts of the outlines of land.
-    void strokeCoasts(Canvas& canvas, const std::vector<Polygon>& land, double points) const;
+    void strokeCoasts(Canvas& canvas, const std::vector<Polygon>& land, const Canvas::Color& color,
+                      double points) const;
 };
 
 /// Returns a globe, as \p camera sees it, if \p chart is geocentric, or else a map, in the space
