@@ -1,0 +1,78 @@
+#include "ColorMap.hpp"
+#include "Grid.hpp"
+#include "LevelAreas.hpp"
+
+#include <earth/Layer.hpp>
+
+#include <fathom/MultiRange.hpp>
+#include <fathom/String.hpp>
+#include <fathom/VOutput.hpp>
+
+#include <trellis/VObjectCreator.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <utility>
+
+namespace Rain {
+
+using Orla::StrongPtr;
+
+/// Colours a grid by classes of values between levels, as a layer of a map. Between the centres
+/// of cells, values are interpolated linearly. `title` is the title of the legend.
+class GridLayer : public Orla::VObject {
+public:
+    using VObject::VObject;
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const StrongPtr<Orla::ValuePool>& pool = request.valuePool();
+        const Grid grid = m_grid.value(pool);
+        const ColorMap colors{m_levels.value(pool)};
+        Earth::Layer::Content content;
+        content.legend = {m_title.value(pool), colors.colors(), colors.levels(), ColorMap::unknown, hasGaps(grid)};
+        double level = -std::numeric_limits<double>::infinity();
+        for (std::size_t i = 0; i < colors.colors().size(); ++i) {
+            request.reportProgress(static_cast<double>(i) / static_cast<double>(colors.colors().size()));
+            if (request.isCancelled())
+                return false;
+            // Each area covers those of lower classes, so there are no gaps between classes.
+            content.areas.push_back({areaAbove(grid, level), colors.colors()[i]});
+            if (i < colors.levels().size())
+                level = colors.levels()[i];
+        }
+        m_layer(pool) <<= Earth::Layer{std::move(content)};
+        return true;
+    }
+
+private:
+    // Returns true if some places on the Earth have no value.
+    static bool hasGaps(const Grid& grid)
+    {
+        const GridFrame& frame = grid.frame();
+        if (!frame.isWholeTurn())
+            return true;
+        constexpr double pole = 90;
+        const double first = frame.latitudeAt(0);
+        const double last = frame.latitudeAt(static_cast<double>(frame.rows - 1));
+        return std::max(first, last) < pole || std::min(first, last) > -pole
+               || std::any_of(grid.values()->begin(), grid.values()->end(),
+                              [](double value) { return std::isnan(value); });
+    }
+
+    Orla::TypedSlot<Grid> m_grid{this, "grid", Grid{}, 0};
+    Orla::TypedSlot<Gyre::MultiRange> m_levels{this, "levels", Gyre::MultiRange{500, 1000, 2000}, 0};
+    Orla::TypedSlot<std::string> m_title{this, "title", "", 0};
+    Orla::VOutput<Earth::Layer> m_layer{this, "layer", Earth::Layer{}};
+};
+
+} // namespace Rain
+
+namespace {
+
+const Orla::VObjectType<Rain::GridLayer> gridLayerType{"GridLayer"};
+
+} // namespace
