@@ -1,7 +1,10 @@
 #include <earth/ChartPlaces.hpp>
 
+#include <earth/DateLine.hpp>
+
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace Earth {
 
@@ -9,6 +12,20 @@ ChartPlaces::ChartPlaces()
     : m_places{this, "places", Loam::makeStrong<Loam::TypedChunk<double>>()}
     , m_box{this, "box", Loam::makeStrong<Gyre::BoundingBox>(point{}, point{})}
 {
+}
+
+std::vector<ChartPlaces::point> ChartPlaces::placesOf(const std::vector<Line>& lines)
+{
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    std::vector<point> places;
+    for (const Line& line : lines) {
+        for (const Line& part : cutLineAtDateLine(line)) {
+            for (const LonLat& place : part)
+                places.emplace_back(place.longitude, place.latitude, 0);
+            places.emplace_back(none, none, none);
+        }
+    }
+    return places;
 }
 
 void ChartPlaces::give(const Orla::StrongPtr<Orla::ValuePool>& pool, const Chart& chart,

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <earth/ChartFollower.hpp>
+#include <earth/Export.hpp>
+#include <earth/Shapes.hpp>
 
 #include <fathom/BoundingBox.hpp>
 #include <fathom/Chunk.hpp>
@@ -22,6 +24,9 @@ public:
     ChartPlaces();
 
 protected:
+    /// Returns the places of lines, cut at the date line, with a place of NaN after each part.
+    static std::vector<point> placesOf(const std::vector<Line>& lines);
+
     /// Publishes \p places converted to \p chart. Places that are not finite separate groups
     /// of places; they are kept, like places outside the chart's domain.
     void give(const Orla::StrongPtr<Orla::ValuePool>& pool, const Chart& chart, std::vector<point> places) const;

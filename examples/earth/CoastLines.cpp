@@ -1,5 +1,4 @@
 #include <earth/ChartPlaces.hpp>
-#include <earth/DateLine.hpp>
 #include <earth/Land.hpp>
 #include <earth/TopoJson.hpp>
 
@@ -8,9 +7,9 @@
 
 #include <trellis/VObjectCreator.hpp>
 
-#include <limits>
 #include <stdexcept>
 #include <typeinfo>
+#include <vector>
 
 namespace Earth {
 
@@ -56,21 +55,15 @@ private:
 
     static std::vector<ChartPlaces::point> coastOf(const Land& land)
     {
-        constexpr double none = std::numeric_limits<double>::quiet_NaN();
-        std::vector<ChartPlaces::point> coast;
+        std::vector<Line> coasts;
         for (const Polygon& polygon : land.polygons()) {
             for (const Ring& ring : polygon) {
-                Line closed = ring;
-                if (!closed.empty())
-                    closed.push_back(closed.front());
-                for (const Line& line : cutLineAtDateLine(closed)) {
-                    for (const LonLat& place : line)
-                        coast.emplace_back(place.longitude, place.latitude, 0);
-                    coast.emplace_back(none, none, none);
-                }
+                coasts.push_back(ring);
+                if (!ring.empty())
+                    coasts.back().push_back(ring.front());
             }
         }
-        return coast;
+        return placesOf(coasts);
     }
 
     Orla::TypedSlot<std::string> m_file{this, "file", "", 0};

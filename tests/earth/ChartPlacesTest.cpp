@@ -6,6 +6,8 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
+#include <vector>
 
 namespace ChartPlacesTest {
 
@@ -20,6 +22,8 @@ constexpr double none = std::numeric_limits<double>::quiet_NaN();
 
 class Places : public Orla::VObject, public ChartPlaces {
 public:
+    using ChartPlaces::placesOf;
+
     Places() : VObject{"places", 0, nullptr} {}
 
     bool update(Orla::VRequest& request, double) override
@@ -180,6 +184,17 @@ TEST_F(ChartPlacesTest, failInAnUnknownChart)
     ASSERT_EQ(warnings.all().size(), 1u);
     EXPECT_THAT(warnings.all()[0], testing::HasSubstr("found the chart \"polar\", expected geographic, "
                                                       "geocentric, plate carree or a text for PROJ"));
+}
+
+TEST_F(ChartPlacesTest, separatesLinesAndTheirPartsBesideTheDateLine)
+{
+    const std::vector<ChartPlaces::point> found = Places::placesOf({{{170, 0}, {-170, 10}}, {{1, 2}, {3, 4}}});
+    std::vector<double> numbers;
+    for (const ChartPlaces::point& place : found)
+        numbers.insert(numbers.end(), {place.x(), place.y(), place.z()});
+    using testing::IsNan;
+    EXPECT_THAT(numbers, ElementsAre(170, 0, 0, 180, 5, 0, IsNan(), IsNan(), IsNan(), -180, 5, 0, -170, 10, 0, IsNan(),
+                                     IsNan(), IsNan(), 1, 2, 0, 3, 4, 0, IsNan(), IsNan(), IsNan()));
 }
 
 } // namespace ChartPlacesTest
