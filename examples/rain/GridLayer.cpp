@@ -1,8 +1,10 @@
 #include "ColorMap.hpp"
 #include "Grid.hpp"
+#include "Isolines.hpp"
 #include "LevelAreas.hpp"
 
 #include <earth/Layer.hpp>
+#include <earth/Palette.hpp>
 
 #include <fathom/MultiRange.hpp>
 #include <fathom/String.hpp>
@@ -16,13 +18,15 @@
 #include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace Rain {
 
 using Orla::StrongPtr;
 
 /// Colours a grid by classes of values between levels, as a layer of a map. Between the centres
-/// of cells, values are interpolated linearly. `title` is the title of the legend.
+/// of cells, values are interpolated linearly. `title` is the title of the legend. The layer
+/// shows isolines if the input of that name is connected.
 class GridLayer : public Orla::VObject {
 public:
     using VObject::VObject;
@@ -43,6 +47,12 @@ public:
             content.areas.push_back({areaAbove(grid, level), colors.colors()[i]});
             if (i < colors.levels().size())
                 level = colors.levels()[i];
+        }
+        if (const IsolineSet isolines = m_isolines.value(pool); !isolines.lines().empty()) {
+            constexpr auto color = Earth::Palette::color(0x1c2936, 0.45f);
+            Earth::Layer::Lines& lines = content.lines.emplace_back(std::vector<Earth::Line>{}, color, 0.45);
+            for (const Isoline& isoline : isolines.lines())
+                lines.lines.push_back(isoline.places);
         }
         m_layer(pool) <<= Earth::Layer{std::move(content)};
         return true;
@@ -65,6 +75,7 @@ private:
 
     Orla::TypedSlot<Grid> m_grid{this, "grid", Grid{}, 0};
     Orla::TypedSlot<Gyre::MultiRange> m_levels{this, "levels", Gyre::MultiRange{500, 1000, 2000}, 0};
+    Orla::TypedSlot<IsolineSet> m_isolines{this, "isolines", IsolineSet{}, 0};
     Orla::TypedSlot<std::string> m_title{this, "title", "", 0};
     Orla::VOutput<Earth::Layer> m_layer{this, "layer", Earth::Layer{}};
 };
