@@ -1,6 +1,7 @@
 #include "Catalogue.hpp"
 #include "QuakePicture.hpp"
 
+#include <earth/Layer.hpp>
 #include <earth/PictureObject.hpp>
 
 #include <fathom/VEnum.hpp>
@@ -9,9 +10,9 @@
 
 namespace Quakes {
 
-/// Draws the events that have happened by the current time over the land, and writes the
-/// picture when it receives an action; see `PictureObject`. The input `range` gives the seconds
-/// since 1970 at the times 0 and 1.
+/// Draws the events that have happened by the current time over the land, or over the layer
+/// `under`, and writes the picture when it receives an action; see `PictureObject`. The input
+/// `range` gives the seconds since 1970 at the times 0 and 1.
 class PictureWriter final : public Earth::PictureObject {
 public:
     PictureWriter(const std::string& name, int level, const Orla::StrongPtr<Orla::VCreationPreferences>& preferences)
@@ -26,6 +27,7 @@ private:
         picture.title = titleIn(pool);
         picture.instant = getTime(pool, 0, Orla::Range{});
         picture.quakes = m_catalogue.value(pool);
+        picture.under = m_under.value(pool);
         const Orla::Enum color = m_color.value(pool);
         if (const auto* rules = color.selection())
             picture.colorRule = colorRuleOfName(rules->selectedName()).value_or(ColorRule::Depth);
@@ -41,6 +43,7 @@ private:
     }
 
     Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
+    Orla::TypedSlot<Earth::Layer> m_under{this, "under", Earth::Layer{}, 0};
     Orla::TypedSlot<Orla::Enum> m_color{this, "color", colorRules(), 0};
 };
 

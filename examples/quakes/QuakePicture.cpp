@@ -65,6 +65,9 @@ void drawColors(Canvas& canvas, ColorRule rule, bool hasUnknown, double right, d
 
 void drawFrame(Canvas& canvas, const QuakePicture& picture)
 {
+    const double point = Earth::pixelsOfPoint(canvas);
+    const Earth::Layer::Content* const under = picture.under.content();
+    const Rectangle upper = Earth::upperLegendSpace(canvas);
     const Catalogue happened = picture.quakes.until(picture.instant);
     bool hasUnknown = false;
     for (std::size_t i = 0; i < happened.size() && !hasUnknown; ++i)
@@ -72,8 +75,10 @@ void drawFrame(Canvas& canvas, const QuakePicture& picture)
 
     drawPictureFrame(canvas, picture.title,
                      Earth::utcText(picture.instant) + "  \u00b7  " + withThousands(happened.size())
-                         + (happened.size() == 1 ? " event" : " events"));
-    const double point = Earth::pixelsOfPoint(canvas);
+                         + (happened.size() == 1 ? " event" : " events"),
+                     under ? upper.width + 20 * point : 0);
+    if (under)
+        drawColorClasses(canvas, {upper.left, upper.top + 42 * point, upper.width, 12 * point}, under->legend);
     const Rectangle legend = Earth::legendSpace(canvas);
     drawSizes(canvas, picture.colorRule, legend.left, legend.top, point);
     drawColors(canvas, picture.colorRule, hasUnknown, legend.right(), legend.top, point);
@@ -85,7 +90,8 @@ void drawQuakes(Canvas& canvas, const QuakePicture& picture, const Earth::View& 
     for (const Quake* const quake : drawnQuakes(picture.quakes.until(picture.instant))) {
         Earth::View::Mark mark;
         mark.color = quakeColor(*quake, picture.colorRule, picture.instant);
-        mark.outline = outlineColor;
+        // Dark marks must stand out from dark places of a layer.
+        mark.outline = picture.under.content() ? Palette::paper : outlineColor;
         mark.outline.a *= mark.color.a;
         mark.radius = quakeRadius(quake->magnitude) * point;
         // Thin outlines around small events, so crowds of them do not turn black.
@@ -98,7 +104,7 @@ void draw(Canvas& canvas, const QuakePicture& picture, const std::vector<Earth::
 {
     drawFrame(canvas, picture);
     view.beginClip(canvas);
-    view.drawEarth(canvas, land);
+    drawEarth(canvas, view, land, picture.under);
     drawQuakes(canvas, picture, view);
     canvas.endClip();
     view.drawFrame(canvas);

@@ -4,6 +4,7 @@
 #include "QuakeStyle.hpp"
 
 #include <earth/Canvas.hpp>
+#include <earth/Layer.hpp>
 #include <earth/View.hpp>
 
 #include <string>
@@ -17,9 +18,10 @@ struct QuakePicture {
     double instant = 0; ///< seconds since 1970 UTC; later events are not drawn
     Catalogue quakes;
     ColorRule colorRule = ColorRule::Depth;
+    Earth::Layer under; ///< drawn below the events, with its legend beside the titles
 };
 
-/// Draws the titles above the map or globe and the legend below it.
+/// Draws the titles above the map or globe and the legends.
 void drawFrame(Earth::Canvas& canvas, const QuakePicture& picture);
 
 /// Draws the visible events.

@@ -3,6 +3,7 @@
 
 #include <quakes/Catalogue.hpp>
 #include <earth/Land.hpp>
+#include <earth/Layer.hpp>
 #include <quakes/QuakeStyle.hpp>
 
 #include "support/TestFolder.hpp"
@@ -103,6 +104,13 @@ TEST_F(PictureWriterTest, drawsTheGivenLand)
 {
     const std::string without = writeFile("without.svg");
     writer.set("land", Land{{{{{-10, -10}, {10, -10}, {10, 10}, {-10, 10}}}}});
+    EXPECT_NE(writeFile("with.svg"), without);
+}
+
+TEST_F(PictureWriterTest, drawsTheGivenLayer)
+{
+    const std::string without = writeFile("without.svg");
+    writer.set("under", Earth::Layer{Earth::Layer::Content{}});
     EXPECT_NE(writeFile("with.svg"), without);
 }
 

@@ -4,6 +4,7 @@
 #include "earth/Svg.hpp"
 #include "World.hpp"
 
+#include <earth/Layer.hpp>
 #include <earth/PictureFrame.hpp>
 
 #include <gtest/gtest.h>
@@ -38,7 +39,7 @@ std::string frame(const QuakePicture& picture, PictureFormat format = PictureFor
 
 QuakePicture titled(const std::string& title)
 {
-    return {title, 0, Catalogue{}, ColorRule::Depth};
+    return {title, 0, Catalogue{}, ColorRule::Depth, {}};
 }
 
 } // namespace
@@ -58,7 +59,7 @@ TEST(QuakePicture, leavesTheSpaceOfTheMapEmpty)
 
 TEST(QuakePicture, showsTheTitleTheInstantAndTheNumberOfEvents)
 {
-    const QuakePicture picture{"Title", 1517356800, Catalogue{}, ColorRule::Depth};
+    const QuakePicture picture{"Title", 1517356800, Catalogue{}, ColorRule::Depth, {}};
     const std::string plain = frame(picture);
     QuakePicture other = picture;
     other.title = "Titel";
@@ -104,7 +105,7 @@ TEST(QuakePicture, explainsGreyIfAValueIsUnknown)
         }
         return count;
     };
-    QuakePicture picture{"Title", 10, Catalogue{{quakeAt(0, 0, 5, 10)}}, ColorRule::Depth};
+    QuakePicture picture{"Title", 10, Catalogue{{quakeAt(0, 0, 5, 10)}}, ColorRule::Depth, {}};
     EXPECT_LT(greys(frame(picture)), 20);
     picture.quakes = Catalogue{{quakeAt(0, 0, 5, std::nullopt)}};
     EXPECT_GT(greys(frame(picture)), 50);
@@ -150,7 +151,7 @@ private:
 
 QuakePicture quakes(std::vector<Quakes::Quake> events, ColorRule rule = ColorRule::Depth)
 {
-    return {"Earthquakes", 1000, Catalogue{std::move(events)}, rule};
+    return {"Earthquakes", 1000, Catalogue{std::move(events)}, rule, {}};
 }
 
 } // namespace
@@ -190,6 +191,37 @@ TEST(QuakePicture, drawsSmallEventsOverLargeOnes)
     const QuakePicture picture = quakes({quakeAt(-140, 5, 3, 600), quakeAt(-140, 5, 7, 0)});
     const Drawn map{picture};
     EXPECT_LE(difference(map.at(-140, 5), rgb(quakeColor(quakeAt(0, 0, 3, 600), ColorRule::Depth, 0))), 1);
+}
+
+TEST(QuakePicture, drawsEventsOverALayerWithItsLegendBesideTheTitles)
+{
+    constexpr auto green = Palette::color(0x20a040);
+    constexpr auto grey = Palette::color(0xd8d8d8);
+    QuakePicture picture = quakes({quakeAt(-140, 5, 6, 10)});
+    picture.title = std::string(1000, 'W');
+    picture.under = Earth::Layer{{{{{{{-170, -20}, {-110, -20}, {-110, 20}, {-170, 20}}}, green}},
+                                  {},
+                                  {"Rain (mm)", {grey, green}, {5}, grey, false}}};
+    const Drawn map{picture};
+    EXPECT_LE(difference(map.at(-140, 5), rgb(quakeColor(picture.quakes[0], picture.colorRule, 0))), 1);
+    // The radius is 10.8 points; a degree is 2.8 pixels.
+    int nearest = 255;
+    for (double pixels = 9; pixels < 13; pixels += 0.25)
+        nearest = std::min(nearest, difference(map.at(-140 + pixels / 2.8, 5), rgb(Palette::paper)));
+    // Both the green and a dark outline differ by more than 200.
+    EXPECT_LT(nearest, 150) << "a light outline";
+    EXPECT_EQ(map.at(-125, 5), rgb(green));
+    EXPECT_EQ(map.at(-35, 5), rgb(grey)) << "outside the layer";
+
+    Canvas canvas{PictureFormat::Png, 900, 720};
+    drawFrame(canvas, picture);
+    const Picture frame{canvas.finished()};
+    EXPECT_EQ(frame.at(900 - 26 - 340, 48), rgb(grey));
+    EXPECT_EQ(frame.at(900 - 26 - 10, 48), rgb(green));
+    int blank = 0;
+    for (int x = 900 - 26 - 360; x < 900 - 26 - 352; ++x)
+        blank += frame.at(x, 40) == rgb(Palette::paper) ? 1 : 0;
+    EXPECT_EQ(blank, 8) << "the title ends before the legend";
 }
 
 } // namespace QuakePictureTest
