@@ -105,4 +105,36 @@ TEST(Program, drawsAGlobeAndAMapAlikeUnderAnyLocale)
     EXPECT_EQ(contentOf(folder.file("again.png")), contentOf(folder.file("map.png")));
 }
 
+TEST(Program, drawsEarthquakesOverPrecipitation)
+{
+    const TestFolder folder;
+    const auto written = [&](const std::string& name, const std::string& levels) {
+        const std::string file = folder.file(name);
+        const ProcessResult result =
+            runTarn({"run", OVER_NETWORK, "--table=-", "--set=picture.file=" + file, "--set=scale.levels=" + levels});
+        EXPECT_EQ(result.status, 0) << result.err;
+        const auto rows = cellsOf(result.out);
+        EXPECT_THAT(rows, SizeIs(10));
+        // The file has 85 events of magnitude 4.5 or more.
+        EXPECT_THAT(rows.back(), ElementsAre("8", "85", testing::_, testing::_));
+        return contentOf(file);
+    };
+    const std::string map = written("map.png", "[500;1000]");
+    EXPECT_THAT(map, StartsWith("\x89PNG"));
+    EXPECT_NE(written("other.png", "[500;2000]"), map) << "the layer is below the events";
+}
+
+TEST(Program, makesTheLayerBelowTheEarthquakesOnce)
+{
+    const TestFolder folder;
+    const ProcessResult result = runTarn({"run", OVER_NETWORK, "--trace=" + folder.file("trace.json")});
+    EXPECT_EQ(result.status, 0) << result.err;
+    const std::string trace = contentOf(folder.file("trace.json"));
+    std::size_t updates = 0;
+    for (std::size_t place = trace.find("\"name\":\"layer\""); place != std::string::npos;
+         place = trace.find("\"name\":\"layer\"", place + 1))
+        ++updates;
+    EXPECT_EQ(updates, 1u);
+}
+
 } // namespace ProgramTest
