@@ -18,7 +18,6 @@
 #include <limits>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace Rain {
 
@@ -50,9 +49,10 @@ public:
         }
         if (const IsolineSet isolines = m_isolines.value(pool); !isolines.lines().empty()) {
             constexpr auto color = Earth::Palette::color(0x1c2936, 0.45f);
-            Earth::Layer::Lines& lines = content.lines.emplace_back(std::vector<Earth::Line>{}, color, 0.45);
+            Earth::Layer::Lines lines{{}, color, 0.45};
             for (const Isoline& isoline : isolines.lines())
                 lines.lines.push_back(isoline.places);
+            content.lines.push_back(std::move(lines));
         }
         m_layer(pool) <<= Earth::Layer{std::move(content)};
         return true;
