@@ -57,8 +57,8 @@ set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_NAME tarn)
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SUGGESTS libfathom-dev)
 set(CPACK_DEBIAN_FATHOM_HOST_DESCRIPTION "data-flow visualization framework - program
-Loads saved networks of processing objects and evaluates them, with an example:
-a week of earthquakes as a table and as pictures.")
+Loads saved networks of processing objects and evaluates them, with examples: a week
+of earthquakes and the precipitation of a year, as tables and as pictures.")
 
 # Declares the package that dependents of these libraries need. CPack could write this file,
 # but only for all packages, and would warn about object libraries, which have no version.
