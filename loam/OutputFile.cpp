@@ -18,18 +18,26 @@ namespace {
 
 constexpr std::size_t BufferSize = 65536;
 
-// Files that are being written, for a signal handler, which must not wait for a lock.
+// A file that is being written, for a signal handler, which must not wait for a lock.
+struct Unfinished {
+    std::atomic<const char*> path{nullptr};
+    std::atomic<pid_t> process{0}; // a process that was forked since has a copy of the entry
+};
+
 // Programs have few at a time; files beyond the limit are not recorded.
 constexpr std::size_t MostUnfinished = 64;
-std::atomic<const char*> theUnfinished[MostUnfinished];
-static_assert(std::atomic<const char*>::is_always_lock_free);
+constinit Unfinished theUnfinished[MostUnfinished];
+static_assert(std::atomic<const char*>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free);
 
+// Call it before the file has the name, because a signal may arrive as soon as it has.
 std::size_t remember(const char* path) noexcept
 {
     for (std::size_t place = 0; place < MostUnfinished; ++place) {
         const char* none = nullptr;
-        if (theUnfinished[place].compare_exchange_strong(none, path))
+        if (theUnfinished[place].path.compare_exchange_strong(none, path)) {
+            theUnfinished[place].process = ::getpid();
             return place;
+        }
     }
     return MostUnfinished;
 }
@@ -37,7 +45,7 @@ std::size_t remember(const char* path) noexcept
 void forget(std::size_t place) noexcept
 {
     if (place < MostUnfinished)
-        theUnfinished[place] = nullptr;
+        theUnfinished[place].path = nullptr;
 }
 
 // Files that are completed if the process must exit.
@@ -77,7 +85,6 @@ bool giveName(int descriptor, const std::string& path, std::string& name, std::s
     const std::string self = processFile(descriptor);
     for (int number = 1;; ++number) {
         name = nameBeside(path, number);
-        // First, because a signal may arrive as soon as the file has the name.
         place = remember(name.c_str());
         if (::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
             return true;
@@ -149,13 +156,16 @@ void OutputFile::openBeside(unsigned mode, bool keepMode)
     m_descriptor = openUnnamed(m_path, mode);
     for (int number = 1; m_descriptor < 0; ++number) {
         m_temporary = nameBeside(m_path, number);
+        m_place = remember(m_temporary.c_str());
         m_descriptor = ::open(m_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (m_descriptor < 0 && errno != EEXIST)
-            throw FileError{"cannot write " + m_name, errno};
+        if (m_descriptor >= 0)
+            break;
+        const int error = errno;
+        forget(m_place);
+        if (error != EEXIST)
+            throw FileError{"cannot write " + m_name, error};
     }
     m_owned = true;
-    if (!m_temporary.empty())
-        m_place = remember(m_temporary.c_str());
     if (keepMode)
         ::fchmod(m_descriptor, mode);
 }
@@ -213,8 +223,9 @@ void OutputFile::commit()
 
 void OutputFile::removeUnfinished() noexcept
 {
-    for (const std::atomic<const char*>& entry : theUnfinished) {
-        if (const char* path = entry.load())
+    for (const Unfinished& entry : theUnfinished) {
+        const char* const path = entry.path.load();
+        if (path && entry.process.load() == ::getpid())
             ::unlink(path);
     }
 }
@@ -226,6 +237,7 @@ void OutputFile::saveIfUnfinished(const std::string& path, const std::string& en
     m_savedPath = path;
     m_savedName = nameBeside(path, 0);
     m_descriptorPath = processFile(m_descriptor);
+    m_process = ::getpid();
     for (m_savedPlace = 0; m_savedPlace < MostUnfinished; ++m_savedPlace) {
         OutputFile* none = nullptr;
         m_isSaved = theSaved[m_savedPlace].compare_exchange_strong(none, this);
@@ -242,7 +254,7 @@ void OutputFile::saveNoLonger() noexcept
 
 void OutputFile::save() noexcept
 {
-    if (writeAll(m_descriptor, m_pending) < m_pending.size())
+    if (m_process != ::getpid() || writeAll(m_descriptor, m_pending) < m_pending.size())
         return;
     writeAll(m_descriptor, m_ending);
     if (!m_isFile)

@@ -43,7 +43,7 @@ public:
 
     /// Removes the temporary files of all outputs of the process. For programs that must
     /// exit immediately: it may be called in a signal handler, and the outputs are
-    /// unusable afterwards.
+    /// unusable afterwards. Outputs of a process from which this one was forked stay.
     static void removeUnfinished() noexcept;
 
     /// Lets `saveUnfinished` complete this output: it writes \p ending, and a file then appears
@@ -52,7 +52,8 @@ public:
 
     /// Completes the outputs for which `saveIfUnfinished` was called, as far as they have been
     /// written; errors are ignored. For programs that must exit immediately: it may be called in
-    /// a signal handler, and the outputs are unusable afterwards.
+    /// a signal handler, and the outputs are unusable afterwards. Outputs of a process from which
+    /// this one was forked are not completed.
     static void saveUnfinished() noexcept;
 
     /// Returns true if the output is written directly to its target.
@@ -75,6 +76,7 @@ private:
     std::size_t m_place = 0;      // index among the unfinished files
     std::size_t m_savedPlace = 0; // index among the files to save
     int m_descriptor = -1;
+    int m_process = 0;      // that called saveIfUnfinished
     bool m_isSaved = false; // is among the files to save
     bool m_owned = false;
     bool m_isFile = false;

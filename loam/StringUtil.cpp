@@ -15,27 +15,36 @@ void appendHex(std::string& shown, unsigned char byte)
     shown += digits[byte & 0xFu];
 }
 
-// Returns true for characters beyond ASCII that control a terminal, break a line, or change
-// the direction of the text around them.
-bool isControl(char32_t code) noexcept
+// Returns the code point of a character of two or three bytes, else 0. No control character
+// beyond ASCII has another number of bytes.
+char32_t codeOf(std::string_view character) noexcept
+{
+    const auto bits = [&](std::size_t index, unsigned mask) {
+        return char32_t{static_cast<unsigned char>(character[index]) & mask};
+    };
+    if (character.size() == 2)
+        return bits(0, 0x1Fu) << 6 | bits(1, 0x3Fu);
+    if (character.size() == 3)
+        return bits(0, 0x0Fu) << 12 | bits(1, 0x3Fu) << 6 | bits(2, 0x3Fu);
+    return 0;
+}
+
+bool isControlBeyondAscii(char32_t code) noexcept
 {
     return (code >= 0x80 && code < 0xA0) || code == 0x061C || code == 0x200E || code == 0x200F
            || (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
 }
 
-// Appends a character, or its number if it is a control character.
+bool isControlOfAscii(char letter) noexcept
+{
+    return static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F;
+}
+
+// Appends a character, or its number if it is a control character beyond ASCII.
 void appendVisibly(std::string& shown, std::string_view character)
 {
-    char32_t code = 0;
-    // No control character has more than three bytes.
-    if (character.size() == 2)
-        code = (static_cast<unsigned char>(character[0]) & 0x1Fu) << 6
-               | (static_cast<unsigned char>(character[1]) & 0x3Fu);
-    else if (character.size() == 3)
-        code = (static_cast<unsigned char>(character[0]) & 0x0Fu) << 12
-               | (static_cast<unsigned char>(character[1]) & 0x3Fu) << 6
-               | (static_cast<unsigned char>(character[2]) & 0x3Fu);
-    if (!isControl(code)) {
+    const char32_t code = codeOf(character);
+    if (!isControlBeyondAscii(code)) {
         shown += character;
         return;
     }
@@ -82,12 +91,16 @@ std::string crop_before_first(const std::string& text, char c)
     return std::string(afterFirst(text, c));
 }
 
+bool isControl(std::string_view character) noexcept
+{
+    return character.size() == 1 ? isControlOfAscii(character.front()) : isControlBeyondAscii(codeOf(character));
+}
+
 std::string escaped(std::string_view text)
 {
     std::string shown;
     for (std::size_t i = 0; i < text.size();) {
         const char letter = text[i];
-        const auto code = static_cast<unsigned char>(letter);
         const std::size_t length = characterLength(text.substr(i));
         if (letter == '\n') {
             shown += "\\n";
@@ -95,9 +108,9 @@ std::string escaped(std::string_view text)
             shown += "\\t";
         } else if (letter == '\r') {
             shown += "\\r";
-        } else if (code < 0x20 || code == 0x7F || length == 0) {
+        } else if (isControlOfAscii(letter) || length == 0) {
             shown += "\\x";
-            appendHex(shown, code);
+            appendHex(shown, static_cast<unsigned char>(letter));
         } else if (letter == '\\') {
             shown += "\\\\";
         } else {
@@ -117,6 +130,14 @@ std::string unicodeEscaped(std::string_view text)
         i += length;
     }
     return shown;
+}
+
+std::string onOneLine(std::string_view message)
+{
+    std::string shown;
+    for (std::size_t end; (end = message.find('\\')) != std::string_view::npos; message.remove_prefix(end + 1))
+        shown += escaped(message.substr(0, end)) + '\\';
+    return shown + escaped(message);
 }
 
 std::string printable(std::string_view text)

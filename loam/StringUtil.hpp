@@ -69,9 +69,17 @@ constexpr std::string_view afterLast(std::string_view text, char c) noexcept
 /// change the order of the text around it.
 LOAM_API std::string escaped(std::string_view text);
 
+/// Returns true if \p character, one character in UTF-8, controls a terminal, breaks a line or
+/// changes the direction of the text around it. `escaped` replaces such characters.
+LOAM_API bool isControl(std::string_view character) noexcept;
+
 /// Returns \p text with the control characters and direction marks beyond ASCII written as
 /// `\uXXXX`, as strings of JSON and TOML allow. Changes nothing else.
 LOAM_API std::string unicodeEscaped(std::string_view text);
+
+/// Returns \p message as `escaped`, but keeps its backslashes: names in messages may already be
+/// escaped.
+LOAM_API std::string onOneLine(std::string_view message);
 
 /// Like `escaped`, for messages: cuts a text of more than 200 bytes at a character
 /// boundary and appends "...".

@@ -28,14 +28,6 @@ constexpr bool isWord(char c)
     return isDigit(c) || isLetter(c) || c == '_';
 }
 
-std::string demangled(const std::type_info& type)
-{
-    int status = 0;
-    const std::unique_ptr<char, decltype(&std::free)> text{abi::__cxa_demangle(type.name(), nullptr, nullptr, &status),
-                                                           &std::free};
-    return text ? text.get() : type.name();
-}
-
 // Removes the scopes of all names in a demangled text, the blanks between template arguments,
 // and the suffixes of numbers, which depend on the compiler: 3, 3u or 3ul.
 std::string withoutScopes(std::string_view full)
@@ -137,7 +129,7 @@ private:
 
     std::string freeName(const std::type_info& type) const
     {
-        const std::string full = demangled(type);
+        const std::string full = qualifiedTypename(type);
         std::string name = plainName(full);
         if (name.empty() || m_owners.contains(name))
             name = full;
@@ -159,6 +151,14 @@ Registry& registry()
 }
 
 } // namespace
+
+std::string qualifiedTypename(const std::type_info& type)
+{
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> text{abi::__cxa_demangle(type.name(), nullptr, nullptr, &status),
+                                                           &std::free};
+    return text ? text.get() : type.name();
+}
 
 std::string Typename(const std::type_info& type)
 {

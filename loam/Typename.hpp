@@ -18,6 +18,10 @@ namespace Loam {
 /// type keeps its name until setTypename or unsetTypename changes it.
 LOAM_API std::string Typename(const std::type_info& type);
 
+/// Returns the C++ name of a type with all its scopes, "Orla::VTime". Types local to different
+/// source files may share it.
+LOAM_API std::string qualifiedTypename(const std::type_info& type);
+
 /// Sets the name of a type and frees its former name.
 ///
 /// Returns false and changes nothing if the name is empty or was set for another

@@ -61,14 +61,6 @@ std::string inQuotes(std::string_view text)
     return shown + '"';
 }
 
-std::string onOneLine(std::string_view message)
-{
-    std::string shown;
-    for (std::size_t end; (end = message.find('\\')) != std::string_view::npos; message.remove_prefix(end + 1))
-        shown += escaped(message.substr(0, end)) + '\\';
-    return shown + escaped(message);
-}
-
 std::string counted(std::size_t count, const std::string& noun)
 {
     return std::to_string(count) + ' ' + noun + (count == 1 ? "" : "s");

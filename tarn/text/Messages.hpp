@@ -12,14 +12,11 @@
 namespace Tarn {
 
 using Loam::StringUtil::escaped;
+using Loam::StringUtil::onOneLine;
 using Loam::StringUtil::printable;
 
 /// Returns \p text as `printable`, in double quotes.
 std::string inQuotes(std::string_view text);
-
-/// Returns \p message as `escaped`, but keeps its backslashes: names in messages are already
-/// escaped, and texts of object libraries may not be.
-std::string onOneLine(std::string_view message);
 
 /// Returns, for example, "1 fault" or "2 faults".
 std::string counted(std::size_t count, const std::string& noun);

@@ -243,4 +243,22 @@ TEST(OutputFile, isNotSavedAfterItIsDestroyed)
     EXPECT_THAT(folder.names(), ElementsAre());
 }
 
+TEST(OutputFile, isLeftAloneByProcessesThatAreForkedLater)
+{
+    const TestFolder folder;
+    OutputFile output{folder.file("result")};
+    output.saveIfUnfinished(folder.file("incomplete"), "ending");
+    output.write("row");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        OutputFile::saveUnfinished();
+        OutputFile::removeUnfinished();
+        ::_exit(0);
+    }
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    output.commit();
+    EXPECT_EQ(contentOf(folder.file("result")), "row");
+    EXPECT_THAT(folder.names(), ElementsAre("result"));
+}
+
 } // namespace OutputFileTest

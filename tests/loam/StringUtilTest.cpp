@@ -234,4 +234,18 @@ TEST(StringUtil, truncatesLongTextsBetweenCharacters)
     EXPECT_EQ(StringUtil::printable(std::string(199, 'a') + "ööö"), std::string(199, 'a') + "...");
 }
 
+TEST(StringUtil, putsMessagesOnOneLineWithoutEscapingThemTwice)
+{
+    EXPECT_EQ(StringUtil::onOneLine("\\x1b \x1b[31m\\\n\u202e\x9b"), "\\x1b \\x1b[31m\\\\n\\u202e\\x9b");
+    EXPECT_EQ(StringUtil::onOneLine(""), "");
+}
+
+TEST(StringUtil, recognizesTheCharactersThatItEscapes)
+{
+    for (const char* const control : {"\n", "\x1b", "\x7f", "\u009b", "\u061c", "\u2028", "\u202e", "\u2069"})
+        EXPECT_TRUE(StringUtil::isControl(control)) << StringUtil::escaped(control);
+    for (const char* const harmless : {"a", " ", "\\", "\u00a0", "\u2027", "\u202f", "\U0001F30D", ""})
+        EXPECT_FALSE(StringUtil::isControl(harmless)) << harmless;
+}
+
 } // namespace StringUtilTest

@@ -281,4 +281,11 @@ TEST(Typename, isUniqueWhenThreadsQueryConcurrently)
         EXPECT_EQ(thread.size(), std::size_t{3 * typeCount});
 }
 
+TEST(Typename, isQualifiedWithItsScopesOnRequest)
+{
+    EXPECT_EQ(qualifiedTypename(typeid(Orla::VTime::Unit)), "Orla::VTime::Unit");
+    EXPECT_EQ(qualifiedTypename(typeid(Unnamed)), "TypenameTest::(anonymous namespace)::Unnamed");
+    EXPECT_EQ(qualifiedTypename(ForeignType("not mangled")), "not mangled");
+}
+
 } // namespace TypenameTest

@@ -14,12 +14,6 @@ TEST(Messages, quoteAndEscapeNames)
     EXPECT_EQ(inQuotes("say \"so\"\n"), "\"say \\\"so\\\"\\n\"");
 }
 
-TEST(Messages, stayOnOneLineAndAreNotEscapedTwice)
-{
-    EXPECT_EQ(onOneLine("\\x1b \x1b[31m\\\n\u202e\x9b"), "\\x1b \\x1b[31m\\\\n\\u202e\\x9b");
-    EXPECT_EQ(onOneLine(""), "");
-}
-
 TEST(Messages, countInSingularAndPlural)
 {
     EXPECT_EQ(counted(0, "fault"), "0 faults");
