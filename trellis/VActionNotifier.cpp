@@ -2,6 +2,8 @@
 
 #include <trellis/VManagedObject.hpp>
 
+#include <loam/StringUtil.hpp>
+
 #include <algorithm>
 #include <cstdio>
 #include <mutex>
@@ -20,6 +22,12 @@ Notifiers& notifiers()
 {
     static Notifiers& theNotifiers = *new Notifiers; // objects that outlive static objects may warn
     return theNotifiers;
+}
+
+// The text may come from a file, and standard error may be a terminal.
+void print(const std::string& message)
+{
+    std::fprintf(stderr, "%s\n", Loam::StringUtil::onOneLine(message).c_str());
 }
 
 } // namespace
@@ -92,7 +100,7 @@ void VActionNotifier::Warning(const std::string& message)
     bool shown = false;
     forEachLiving([&](VActionNotifier& notifier) { shown |= notifier.warned(message); });
     if (!shown)
-        std::fprintf(stderr, "%s\n", message.c_str());
+        print(message);
 }
 
 void VActionNotifier::Error(const std::string& message)
@@ -100,7 +108,7 @@ void VActionNotifier::Error(const std::string& message)
     bool shown = false;
     forEachLiving([&](VActionNotifier& notifier) { shown |= notifier.failed(message); });
     if (!shown)
-        std::fprintf(stderr, "%s\n", message.c_str());
+        print(message);
 }
 
 void VActionNotifier::VObjectCreation(const StrongPtr<VManagedObject>& object,

@@ -106,6 +106,12 @@ TEST_F(VActionNotifierTest, writesWarningsToStandardErrorUnlessTheyAreShown)
     EXPECT_EQ(onStandardError("not shown"), "not shown\n");
 }
 
+TEST_F(VActionNotifierTest, writesNoControlCharactersToStandardError)
+{
+    EXPECT_EQ(onStandardError("a\x1b[31m\nb\\n"), "a\\x1b[31m\\nb\\n\n");
+    EXPECT_EQ(onStandardError("\u202e", &VActionNotifier::Error), "\\u202e\n");
+}
+
 TEST_F(VActionNotifierTest, isNotKeptAlive)
 {
     VActionNotifier::add(first);
