@@ -79,6 +79,9 @@ StrongPtr<VObject> VObject::createObject(const std::string& typeName, const std:
     const StrongPtr<VObjectCreator> creator = VObjectCreator::find(typeName);
     if (!creator)
         return nullptr;
+    if (const std::vector<std::string> libraries = VObjectCreator::libraries(typeName); libraries.size() > 1)
+        VActionNotifier::Warning("Object \"" + name + "\" has the type \"" + typeName + "\" of library \""
+                                 + libraries[0] + "\"; library \"" + libraries[1] + "\" has another type of that name");
     StrongPtr<VObject> object = creator->create(name, 0, preferences);
     finishCreation(object, {}, creator);
     return object;

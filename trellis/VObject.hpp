@@ -71,7 +71,8 @@ public:
                                const StrongPtr<VObjectCreator>& creator = {});
 
     /// Creates and finishes an object of a registered type in the current network. Returns
-    /// null if no loaded library registers the type.
+    /// null if no loaded library registers the type. Warns if several libraries have different
+    /// types of that name; see VObjectCreator::find.
     static StrongPtr<VObject> createObject(const std::string& typeName, const std::string& name,
                                            const StrongPtr<VCreationPreferences>& preferences = {});
 

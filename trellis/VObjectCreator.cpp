@@ -26,10 +26,13 @@ bool VObjectCreator::registerCreator(const WeakPtrImpl<VObjectCreator>& creator,
         return false;
     const VObjectCreator& self = *alive;
     const std::string owner = Detail::ownerOf(alive->objectType(), typeid(self));
+    const std::string library = Detail::libraryOf(typeid(self));
     alive->m_name = name;
-    return Detail::acceptedOrReported(
-        "object type", name, owner,
-        registry->add(creator, name, Loam::typeKey(alive->objectType()), {owner, Detail::libraryOf(typeid(self))}));
+    const std::string holder = registry->add(creator, name, Loam::typeKey(alive->objectType()), {owner, library});
+    // Whether the rivals matter depends on the names that are used; VObject::createObject reports.
+    if (!holder.empty() && registry->find(library + ':' + name) == alive)
+        return false;
+    return Detail::acceptedOrReported("object type", name, owner, holder);
 }
 
 StrongPtr<VObjectCreator> VObjectCreator::find(std::string_view typeName)

@@ -28,10 +28,10 @@ public:
     /// Returns the name under which the type is registered; empty before registration.
     const std::string& typeName() const noexcept { return m_name; }
 
-    /// Registers \p creator under \p name. Returns false if another type has the name, with a
-    /// warning that names both owners; the creator is then found only as LIBRARY:NAME, and
-    /// takes over NAME when the first type is unregistered. Also returns false if \p creator has
-    /// expired.
+    /// Registers \p creator under \p name. Returns false if another type has the name; the
+    /// creator is then found only as LIBRARY:NAME, and takes over NAME when the first type is
+    /// unregistered. If both types are in one library, a warning names both. Also returns false
+    /// if \p creator has expired.
     static bool registerCreator(const WeakPtrImpl<VObjectCreator>& creator, const std::string& name);
 
     /// Finds the type registered as \p typeName. "LIBRARY:NAME" selects the type of one library

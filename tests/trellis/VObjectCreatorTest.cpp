@@ -2,8 +2,6 @@
 
 #include "support/TestNetwork.hpp"
 
-#include <loam/TypeInfo.hpp>
-
 #include <optional>
 
 namespace VObjectCreatorTest {
@@ -11,6 +9,7 @@ namespace VObjectCreatorTest {
 using namespace Orla;
 using testing::AllOf;
 using testing::Contains;
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
@@ -85,9 +84,8 @@ TEST_F(VObjectCreatorTest, isRefusedUnderTheNameOfAnotherType)
 {
     const VObjectType<Ticker> ticker{"taken"};
     const VObjectType<Counter> counter{"taken"};
-    EXPECT_THAT(warnings(),
-                ElementsAre(AllOf(HasSubstr("\"taken\""), HasSubstr("taken by type " + Loam::typeKey(typeid(Ticker))),
-                                  HasSubstr("refused for type " + Loam::typeKey(typeid(Counter))))));
+    EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("\"taken\""), ContainsRegex("taken by type [^;]*Ticker of "),
+                                              ContainsRegex("refused for type [^;]*Counter of "))));
     EXPECT_EQ(VObjectCreator::find("taken")->objectType(), typeid(Ticker));
     EXPECT_FALSE(VObjectCreator::registerCreator(nullptr, "missing"));
     EXPECT_FALSE(VObjectCreator::find("missing"));

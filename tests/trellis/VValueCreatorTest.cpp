@@ -83,9 +83,8 @@ TEST_F(VValueCreatorTest, isRefusedUnderTheNameOfAnotherType)
     EXPECT_TRUE(VValueCreator::registerCreator(first, "taken"));
     EXPECT_FALSE(VValueCreator::registerCreator(second, "taken"));
     EXPECT_EQ(VValueCreator::find("taken"), first);
-    EXPECT_THAT(warnings(),
-                ElementsAre(AllOf(HasSubstr("\"taken\""), HasSubstr("taken by type " + Loam::typeKey(typeid(double))),
-                                  HasSubstr("refused for type " + Loam::typeKey(typeid(std::string))))));
+    EXPECT_THAT(warnings(), ElementsAre(AllOf(HasSubstr("\"taken\""), HasSubstr("taken by type double of "),
+                                              HasSubstr("refused for type std::"))));
     EXPECT_TRUE(VValueCreator::registerCreator(second, "a free name"));
 }
 

@@ -3,14 +3,14 @@
 #include <trellis/VActionNotifier.hpp>
 
 #include <loam/Environment.hpp>
-#include <loam/TypeInfo.hpp>
+#include <loam/Typename.hpp>
 
 namespace Orla::Detail {
 
 std::string ownerOf(const std::type_info& type, const std::type_info& creator)
 {
-    // The registered name may be the disputed name itself.
-    std::string owner = "type " + Loam::typeKey(type);
+    // Its Loam::Typename may be the disputed name itself.
+    std::string owner = "type " + Loam::qualifiedTypename(type);
     if (const std::string library = Loam::getLibraryPath(&creator); !library.empty())
         owner += " of " + library;
     return owner;
