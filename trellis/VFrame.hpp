@@ -136,14 +136,15 @@ private:
     const VSlotContainer* m_container = nullptr;
     VObject* m_object = nullptr;
     Detail::PoolState* m_pool = nullptr;
-    VFrame* m_nextDue = nullptr;         // the next due frame with the same order number
-    std::uint64_t m_lastRun = 0;         // the object has seen all older values; 0 before its first success
-    void* m_more = nullptr;              // the cells beyond `m_inlineCells`
-    std::uint32_t m_order = 0;           // the container's order number
-    std::uint32_t m_pass : 23 = 0;       // the last pass that ran the object
-    std::uint32_t m_wasLong : 1 = false; // the last update was long; see `m_isShort`
-    std::uint32_t m_runs : 8 = 0;        // number of runs in that pass
-    std::uint32_t m_place = 0;           // index among the container's frames; guarded by their lock
+    VFrame* m_nextDue = nullptr;           // the next due frame with the same order number
+    std::uint64_t m_lastRun = 0;           // the object has seen all older values; 0 before its first success
+    void* m_more = nullptr;                // the cells beyond `m_inlineCells`
+    std::uint32_t m_order = 0;             // the container's order number
+    std::uint32_t m_pass : 22 = 0;         // the last pass that ran the object
+    std::uint32_t m_isStopped : 1 = false; // failed because its loop was stopped
+    std::uint32_t m_wasLong : 1 = false;   // the last update was long; see `m_isShort`
+    std::uint32_t m_runs : 8 = 0;          // number of runs in that pass
+    std::uint32_t m_place = 0;             // index among the container's frames; guarded by their lock
     std::uint8_t m_inlineCells = 0;
     bool m_isDead = false; // its container was destroyed; freed when nothing refers to it
     // Threads that run concurrent updates do not touch these.

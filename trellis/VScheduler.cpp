@@ -190,4 +190,9 @@ std::size_t VScheduler::running(std::span<const VObject*> objects) noexcept
     return Detail::RunningObjects::list(objects);
 }
 
+const VObject* VScheduler::runningInThisThread() noexcept
+{
+    return Detail::RunningObjects::inThisThread();
+}
+
 } // namespace Orla

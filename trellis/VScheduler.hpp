@@ -18,7 +18,8 @@ class VExecutor;
 ///
 /// In a network without loops, an object runs at most once per pass, however many of its
 /// inputs changed. An object does not run if none of its inputs changed. A loop runs until
-/// nothing changes.
+/// nothing changes. If it has not settled after `MaximalRounds`, its members count as failed
+/// until one of them becomes due again; then all of them run.
 ///
 /// After an update has failed, the objects that read its outputs, directly or indirectly,
 /// wait: they do not run until it succeeds, and their own outputs do not count as results. An
@@ -47,7 +48,7 @@ public:
         NotRun,   ///< it has never run and is not due
         Due,      ///< it runs in the next evaluation
         UpToDate, ///< its last update succeeded
-        Failed,   ///< its last update failed
+        Failed,   ///< its last update failed, or its loop did not settle
         Waiting   ///< it reads a failed object, directly or indirectly
     };
 
@@ -120,6 +121,10 @@ public:
     /// the order is arbitrary. For reports on a hang or a crash: it may be called in a signal
     /// handler, and objects of other threads may end at any time.
     static std::size_t running(std::span<const VObject*> objects) noexcept;
+
+    /// Returns the innermost object whose update is running in this thread, or null. It may be
+    /// called in a signal handler.
+    static const VObject* runningInThisThread() noexcept;
 };
 
 } // namespace Orla

@@ -1024,13 +1024,52 @@ std::string PoolState::reasonOf(const VFrame& frame) const
     return reason == m_reasons.end() ? std::string{} : reason->second;
 }
 
+void PoolState::stop(const std::vector<VFrame*>& loop, const std::string& reason)
+{
+    for (VFrame* frame : loop) {
+        frame->m_pass = pass & LastPass;
+        frame->m_runs = MaximalRuns + 1;
+        frame->m_isStopped = true;
+        frame->m_hasFailed = true;
+    }
+    // Afterwards, because the members do not wait for each other if all have failed.
+    for (VFrame* frame : loop)
+        markWaiting(*frame);
+    for (const VFrame* frame : loop)
+        keepReason(*frame, reason);
+}
+
+// The members that did not run again have not failed themselves, and may have missed changes.
+void PoolState::restartLoop(VFrame& start) noexcept
+{
+    start.m_isStopped = false;
+    start.m_container->outputs().forEach([&](const VSlot& slot) {
+        for (const VSlot* reader : slot.parameter()->readers()) {
+            VFrame* const member = reader->container() ? findFrame(*reader->container()) : nullptr;
+            if (member && member->m_isStopped)
+                makeDue(*member, VObserver::Cause::Changed);
+        }
+    });
+}
+
 void PoolState::recover(VFrame& frame) noexcept
 {
+    if (frame.m_isStopped)
+        restartLoop(frame);
     frame.m_hasFailed = false;
     m_reasons.erase(&frame);
     if (frame.m_isWaiting)
         return; // its readers keep waiting
     release(frame);
+}
+
+// Makes a frame due that was due while it waited.
+void PoolState::runIfMissed(VFrame& frame) noexcept
+{
+    if (!frame.m_missedRun)
+        return;
+    frame.m_missedRun = false;
+    makeDue(frame, VObserver::Cause::Changed);
 }
 
 // Stops the waiting of everything that waits only for `start`.
@@ -1067,10 +1106,8 @@ void PoolState::release(VFrame& start) noexcept
         waitingCount = 0;
         forEachFrame([&](VFrame& frame) {
             waitingCount += frame.m_isWaiting;
-            if (!frame.m_isWaiting && frame.m_missedRun) {
-                frame.m_missedRun = false;
-                makeDue(frame, VObserver::Cause::Changed);
-            }
+            if (!frame.m_isWaiting)
+                runIfMissed(frame);
         });
         return;
     }
@@ -1088,10 +1125,7 @@ void PoolState::release(VFrame& start) noexcept
             continue;
         if (observer)
             observer->stoppedWaiting(*frame->m_object);
-        if (frame->m_missedRun) {
-            frame->m_missedRun = false;
-            makeDue(*frame, VObserver::Cause::Changed);
-        }
+        runIfMissed(*frame);
     }
 }
 
@@ -1152,9 +1186,12 @@ void PoolState::updateWaiting(VFrame& frame) noexcept
     if (isMissing == frame.m_isWaiting)
         return;
     setWaiting(frame, isMissing);
-    if (isMissing)
+    if (isMissing) {
         markWaiting(frame);
-    else if (!frame.m_hasFailed)
+        return;
+    }
+    runIfMissed(frame);
+    if (!frame.m_hasFailed)
         release(frame);
 }
 

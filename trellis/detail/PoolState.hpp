@@ -209,7 +209,7 @@ public:
 
     /// The number of runs of an object per pass after which its loop counts as not settling.
     static constexpr unsigned MaximalRuns = 100;
-    static constexpr std::uint32_t LastPass = 0x7FFFFF; // then pass numbers start over
+    static constexpr std::uint32_t LastPass = 0x3FFFFF; // then pass numbers start over
 
     /// Calls \p function with the frames in the queue, roughly in order, until it returns
     /// false.
@@ -255,14 +255,11 @@ public:
         return true;
     }
 
-    /// Prevents an object from running again in this pass.
-    void stop(VFrame& frame) noexcept
-    {
-        frame.m_pass = pass & LastPass;
-        frame.m_runs = MaximalRuns + 1;
-    }
+    /// Makes the members of a loop fail because it did not settle, and prevents them from
+    /// running again in this pass.
+    void stop(const std::vector<VFrame*>& loop, const std::string& reason);
 
-    bool isStopped(const VFrame& frame) const noexcept { return frame.m_runs > MaximalRuns; }
+    bool isStopped(const VFrame& frame) const noexcept { return frame.m_isStopped && frame.m_runs > MaximalRuns; }
 
     /// Records which member of a loop is running, if any.
     void enterLoop(const VFrame& frame) noexcept { loopPosition = frame.m_isInLoop ? std::int64_t{frame.m_order} : -1; }
@@ -283,7 +280,7 @@ public:
     std::string reasonOf(const VFrame& frame) const;
 
     /// Called when the update of \p frame has succeeded after a failure. Frames that wait only
-    /// for it stop waiting.
+    /// for it stop waiting. If its loop was stopped, the other members become due.
     void recover(VFrame& frame) noexcept;
 
     /// Determines whether a frame whose connections changed has to wait.
@@ -380,6 +377,8 @@ private:
     void removeName(const VParameter& parameter) noexcept;
     void releaseCell(VFrame& frame, std::uint32_t cell) noexcept;
     void enqueueInLoop(VFrame& frame) noexcept;
+    void restartLoop(VFrame& start) noexcept;
+    void runIfMissed(VFrame& frame) noexcept;
     void sortIfOutOfOrder() noexcept
     {
         if (m_isOutOfOrder) [[unlikely]]

@@ -41,6 +41,11 @@ void RunningObjects::claimRecord() noexcept
     static thread_local const Release release;
 }
 
+const VObject* RunningObjects::inThisThread() noexcept
+{
+    return t_record ? t_record->object.load(std::memory_order_relaxed) : nullptr;
+}
+
 std::size_t RunningObjects::list(std::span<const VObject*> objects) noexcept
 {
     std::size_t count = 0;

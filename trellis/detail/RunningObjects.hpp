@@ -22,6 +22,9 @@ public:
         return t_record->object;
     }
 
+    /// Returns the object that this thread is updating, or null.
+    static const VObject* inThisThread() noexcept;
+
     /// Copies the running objects to \p objects, that of this thread first. Returns how many
     /// were copied.
     static std::size_t list(std::span<const VObject*> objects) noexcept;

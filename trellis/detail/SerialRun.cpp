@@ -60,18 +60,20 @@ void SerialRun::stopLoop(VFrame& frame)
     if (m_pool.isStopped(frame))
         return;
     ++m_summary.stopped;
+    const std::string rounds = std::to_string(VScheduler::MaximalRounds) + " rounds";
     std::string members;
     {
         const ChangeScope change{m_network};
+        std::vector<VFrame*> stopped;
         auto& container = const_cast<VSlotContainer&>(*frame.container());
         for (VSlotContainer* member : EvaluationOrder::loopOf(container)) {
             members += (members.empty() ? "" : ", ") + member->describe();
-            if (VFrame* const stopped = m_pool.frame(*member))
-                m_pool.stop(*stopped);
+            if (VFrame* const memberFrame = m_pool.frame(*member))
+                stopped.push_back(memberFrame);
         }
+        m_pool.stop(stopped, "its loop did not settle in " + rounds);
     }
-    VActionNotifier::Error("A loop did not settle and was stopped after " + std::to_string(VScheduler::MaximalRounds)
-                           + " rounds: " + members);
+    VActionNotifier::Error("A loop did not settle and was stopped after " + rounds + ": " + members);
 }
 
 } // namespace Orla::Detail

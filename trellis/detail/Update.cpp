@@ -22,6 +22,7 @@ void Update::release() noexcept
 bool Update::prepareCarefully()
 {
     if (m_frame.m_isStale) [[unlikely]] {
+        m_frame.m_missedRun = false; // it runs now, unless it still waits
         try {
             m_pool.complete(m_frame);
         } catch (...) {

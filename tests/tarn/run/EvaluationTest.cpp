@@ -127,13 +127,16 @@ TEST(Evaluation, settlesALoop)
 
 TEST(Evaluation, stopsALoopThatDoesNotSettleAndNamesItsObjects)
 {
-    const ProcessResult result = evaluate(object("hen", "Counter", "connect = { in = 'egg.out' }\n")
-                                          + object("egg", "Counter", "connect = { in = 'hen.out' }\n")
-                                          + object("other", "Adder", "set = { a = 1 }\n") + column("sum", "other.sum"));
+    const ProcessResult result = evaluate(
+        object("hen", "Counter", "connect = { in = 'egg.out' }\n")
+        + object("egg", "Counter", "connect = { in = 'hen.out' }\n") + object("other", "Adder", "set = { a = 1 }\n")
+        + object("reader", "Adder", "connect = { a = 'egg.out' }\n") + column("sum", "other.sum")
+        + column("egg", "egg.out") + column("read", "reader.sum"));
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "step,sum\n0,1\n");
+    EXPECT_EQ(result.out, "step,sum,egg,read\n0,1,,\n");
     EXPECT_THAT(result.err, AllOf(HasSubstr("A loop did not settle"), HasSubstr("\"hen\""), HasSubstr("\"egg\""),
-                                  HasSubstr("net.toml: 3 objects, 1 step, 1 loop stopped, the first in step 0\n")));
+                                  HasSubstr("net.toml: 4 objects, 1 step, 1 loop stopped, the first in step 0\n"),
+                                  HasSubstr("  egg: error: its loop did not settle in 100 rounds (1 object waits")));
 }
 
 TEST(Evaluation, keepsTheLastValueOfARemovedObject)

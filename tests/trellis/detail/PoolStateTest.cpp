@@ -400,6 +400,40 @@ TEST_F(FailureInPoolTest, doesNotStopAnObjectThatAcceptsFailedInputs)
     EXPECT_THAT(failed, ElementsAre(false, false));
 }
 
+TEST_F(FailureInPoolTest, makesAWaitingObjectDueThatBeginsToAcceptFailedInputs)
+{
+    const auto bad = makeNode("bad");
+    const auto report = makeNode("report");
+    connect(bad, report);
+    bad->work = fail;
+    runAll({bad, report}, pool);
+    warnings();
+    EXPECT_EQ(stateOf(report), State::Waiting);
+    EXPECT_EQ(report->runs, 0u);
+    report->acceptsFailedInputs();
+    EXPECT_EQ(stateOf(report), State::Due);
+    run();
+    EXPECT_EQ(report->runs, 1u);
+    EXPECT_EQ(stateOf(report), State::UpToDate);
+}
+
+TEST_F(FailureInPoolTest, runsAWaitingObjectOnceThatIsConnectedToAResult)
+{
+    const auto bad = makeNode("bad");
+    const auto good = makeNode("good");
+    const auto reader = makeNode("reader");
+    connect(bad, reader);
+    bad->work = fail;
+    runAll({bad, good, reader}, pool);
+    warnings();
+    EXPECT_EQ(stateOf(reader), State::Waiting);
+    reader->detach(reader->findSlot("in"));
+    connect(good, reader);
+    run();
+    EXPECT_EQ(reader->runs, 1u);
+    EXPECT_EQ(stateOf(reader), State::UpToDate);
+}
+
 TEST_F(FailureInPoolTest, doesNotInvalidateOutputsThatStayValid)
 {
     const auto source = makeNode("source");
