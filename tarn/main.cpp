@@ -1,10 +1,12 @@
 #include <tarn/commands/CommandLine.hpp>
+#include <tarn/commands/Commands.hpp>
 #include <tarn/commands/ExitStatus.hpp>
 #include <tarn/commands/StandardStreams.hpp>
 #include <tarn/run/CrashReport.hpp>
 #include <tarn/run/UrlHandler.hpp>
 #include <tarn/run/WarningPrinter.hpp>
-#include <tarn/commands/Commands.hpp>
+#include <tarn/text/EmergencyMessage.hpp>
+#include <tarn/text/EndProcess.hpp>
 
 #include <loam/FileError.hpp>
 #include <loam/OutputFile.hpp>
@@ -15,8 +17,6 @@
 #include <exception>
 #include <new>
 #include <string>
-
-#include <unistd.h>
 
 namespace Tarn {
 
@@ -80,7 +80,7 @@ void handleSignals()
 
 // The terminate handler. A std::bad_alloc that leaves a destructor ends the program with a
 // message. Anything else is a bug, for which a core dump is more useful.
-[[noreturn]] void endWithoutMemory()
+[[noreturn]] void endBecauseOfException()
 {
     try {
         if (const std::exception_ptr thrown = std::current_exception())
@@ -88,7 +88,11 @@ void handleSignals()
     } catch (const std::bad_alloc&) {
         Loam::OutputFile::removeUnfinished();
         std::fputs(OutOfMemory, stderr);
-        ::_exit(ObjectFailed);
+        endProcess(ObjectFailed);
+    } catch (const std::exception& error) {
+        EmergencyMessage message;
+        (message << "tarn: exception that was not caught: ").appendForeign(error.what());
+        message.write();
     } catch (...) {
     }
     std::abort();
@@ -98,9 +102,22 @@ void handleSignals()
 
 } // namespace Tarn
 
+// Libraries that call these functions of the C library call the following ones instead.
+
+extern "C" [[noreturn]] void _exit(int status)
+{
+    Tarn::CrashReport::reportExit();
+    Tarn::endProcess(status);
+}
+
+extern "C" [[noreturn]] void _Exit(int status) noexcept
+{
+    ::_exit(status);
+}
+
 int main(int argc, char** argv)
 {
-    std::set_terminate(Tarn::endWithoutMemory);
+    std::set_terminate(Tarn::endBecauseOfException);
     Tarn::handleSignals();
     try {
         const Tarn::StandardStreams streams;

@@ -58,8 +58,9 @@ std::vector<std::string> overridesOf(const Arguments& arguments)
 {
     std::vector<std::string> overrides = arguments.texts("set");
     for (const std::string& set : overrides) {
-        const std::string target = set.substr(0, set.find('='));
-        if (target.size() == set.size() || target.find('.') == std::string::npos)
+        // Names of objects may contain "=".
+        const std::size_t dot = set.find('.');
+        if (dot == std::string::npos || set.find('=', dot) == std::string::npos)
             throw UsageError{"--set=" + printable(set) + ": expected --set=OBJECT.SLOT=TEXT"};
     }
     return overrides;

@@ -145,6 +145,17 @@ int reportInterruption(const Context& context, const EvaluationSummary& summary,
     return signal != 0 ? 128 + signal : ObjectFailed;
 }
 
+// A full disk may also have kept objects from writing their files, which only they know.
+void commitTable(Loam::OutputFile& table, const Context& context)
+{
+    try {
+        table.commit();
+    } catch (const Loam::FileError&) {
+        printReport(context.statuses());
+        throw;
+    }
+}
+
 int performRun(const Arguments& arguments, const StandardStreams& streams)
 {
     const std::vector<std::string> overrides = overridesOf(arguments);
@@ -202,7 +213,7 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
         return ObjectFailed;
     }
     if (output)
-        output->commit();
+        commitTable(*output, context);
     printOutputs(printed, context, streams, summary);
     return reportEvaluation(session, context, summary);
 }

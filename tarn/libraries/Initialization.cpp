@@ -1,11 +1,13 @@
 #include <tarn/libraries/Initialization.hpp>
 
+#include <tarn/text/EmergencyMessage.hpp>
+#include <tarn/text/EndProcess.hpp>
+
 #include <loam/OutputFile.hpp>
 
-#include <cstring>
 #include <exception>
-
-#include <unistd.h>
+#include <new>
+#include <string_view>
 
 namespace Tarn {
 
@@ -16,32 +18,26 @@ constexpr int Status = 2;
 
 thread_local const std::string* theTitle = nullptr;
 
-void print(const char* text, std::size_t size) noexcept
-{
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text, size);
-}
-
 // Allocates nothing: the exception may report that no memory is left.
 [[noreturn]] void endBecauseOfLibrary()
 {
     Loam::OutputFile::removeUnfinished();
-    const auto say = [](const char* text) { print(text, std::strlen(text)); };
-    say("tarn: ");
-    if (theTitle)
-        print(theTitle->data(), theTitle->size());
-    say(" cannot be loaded: its initialization threw ");
+    EmergencyMessage message;
+    message << "tarn: " << (theTitle ? std::string_view(*theTitle) : "a library")
+            << " cannot be loaded: its initialization ";
     try {
         if (const std::exception_ptr thrown = std::current_exception())
             std::rethrow_exception(thrown);
-        say("no exception but ended the program");
+        message << "ended the program without an exception";
+    } catch (const std::bad_alloc&) {
+        message << "ran out of memory";
     } catch (const std::exception& error) {
-        say("an exception: ");
-        say(error.what());
+        (message << "threw an exception: ").appendForeign(error.what());
     } catch (...) {
-        say("an object that is not an exception of the standard library");
+        message << "threw an object that is not an exception of the standard library";
     }
-    say("\n");
-    ::_exit(Status);
+    message.write();
+    endProcess(Status);
 }
 
 } // namespace

@@ -76,6 +76,8 @@ public:
             GElf_Phdr part;
             if (!::gelf_getphdr(m_elf.get(), static_cast<int>(i), &part))
                 return Failure{"the file is damaged: " + errorText()};
+            if (part.p_filesz > ~part.p_offset)
+                return Failure{"the file is damaged: a part ends beyond any file"};
             size = std::max(size, part.p_offset + part.p_filesz);
             m_parts.push_back(part);
         }

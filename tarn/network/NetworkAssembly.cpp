@@ -202,7 +202,8 @@ void NetworkAssembly::prepareOverride(const std::string& override)
     std::string_view rest;
     const std::size_t number = m_names.findAtStart(override, rest);
     if (number == ObjectNames::npos) {
-        const std::string_view target = std::string_view(override).substr(0, override.find('='));
+        const std::string_view target =
+            std::string_view(override).substr(0, override.find('=', std::min(override.find('.'), override.size())));
         m_faults.add(FaultKind::Option, description + ": no object is named "
                                             + inQuotes(target.substr(0, target.rfind('.'))) + nearestObject(target));
         return;

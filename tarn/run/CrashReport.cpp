@@ -1,6 +1,7 @@
 #include <tarn/run/CrashReport.hpp>
 
-#include <tarn/run/EmergencyMessage.hpp>
+#include <tarn/text/EmergencyMessage.hpp>
+#include <tarn/text/EndProcess.hpp>
 
 #include <loam/OutputFile.hpp>
 
@@ -33,6 +34,8 @@ constexpr std::size_t SignalStackSize = 65536;
 struct sigaction theFormerCrashActions[std::size(FatalSignals)];
 std::atomic<bool> theCrashIsReported{false};
 std::atomic<bool> theExitIsWatched{false};
+std::atomic<pid_t> theWatchedProcess{0}; // not a process that code of a library forked from it
+static_assert(std::atomic<pid_t>::is_always_lock_free);
 
 void saveOutputs() noexcept
 {
@@ -42,6 +45,12 @@ void saveOutputs() noexcept
 
 // Everything from here on runs in signal handlers and exit handlers.
 
+void restoreActions() noexcept
+{
+    for (std::size_t i = 0; i < std::size(FatalSignals); ++i)
+        ::sigaction(FatalSignals[i].number, &theFormerCrashActions[i], nullptr);
+}
+
 void reportCrash(int signal)
 {
     // Other threads wait until the process ends.
@@ -49,33 +58,21 @@ void reportCrash(int signal)
         ::pause();
     const auto* const found = std::ranges::find(FatalSignals, signal, &FatalSignal::number);
     EmergencyMessage message;
-    message << "tarn: crashed (" << found->description << ") in ";
-    if (!message.appendCulprit())
-        message << "the program itself";
+    message << "tarn: crashed (" << found->description << ")";
+    if (!message.appendContext())
+        message << " in the program itself";
     message.write();
     saveOutputs();
-    for (std::size_t i = 0; i < std::size(FatalSignals); ++i)
-        ::sigaction(FatalSignals[i].number, &theFormerCrashActions[i], nullptr);
 }
 
 void handleCrash(int signal, siginfo_t* info, void*)
 {
-    reportCrash(signal);
+    if (::getpid() == theWatchedProcess)
+        reportCrash(signal);
+    restoreActions();
     // A fault happens again when the handler returns; a signal that was sent does not.
     if (!info || info->si_code <= 0)
         std::raise(signal);
-}
-
-void reportExit()
-{
-    EmergencyMessage message;
-    message << "tarn: the program was ended by ";
-    if (!theExitIsWatched || !message.appendCulprit() || theCrashIsReported.exchange(true))
-        return;
-    message << ", which called exit";
-    message.write();
-    saveOutputs();
-    ::_exit(1);
 }
 
 // Gives the thread a signal stack, unless it has one, and removes it when the thread ends.
@@ -117,6 +114,7 @@ CrashReport::CrashReport()
     action.sa_sigaction = handleCrash;
     for (std::size_t i = 0; i < std::size(FatalSignals); ++i)
         ::sigaction(FatalSignals[i].number, &action, &theFormerCrashActions[i]);
+    theWatchedProcess = ::getpid();
     theExitIsWatched = true;
     watchForExit();
 }
@@ -124,8 +122,19 @@ CrashReport::CrashReport()
 CrashReport::~CrashReport()
 {
     theExitIsWatched = false;
-    for (std::size_t i = 0; i < std::size(FatalSignals); ++i)
-        ::sigaction(FatalSignals[i].number, &theFormerCrashActions[i], nullptr);
+    restoreActions();
+}
+
+void CrashReport::reportExit() noexcept
+{
+    EmergencyMessage message;
+    message << "tarn: exit was called";
+    if (!theExitIsWatched || ::getpid() != theWatchedProcess || !message.appendContext()
+        || theCrashIsReported.exchange(true))
+        return;
+    message.write();
+    saveOutputs();
+    endProcess(1);
 }
 
 void CrashReport::watchForExit() noexcept

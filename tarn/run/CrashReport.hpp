@@ -10,13 +10,18 @@ namespace Tarn {
 ///
 /// After a fatal signal the former handler runs, by default the system's, so the exit status and
 /// the memory dump are those of any program. A call of `exit` or `quick_exit` in code of a
-/// library ends the program with status 1. Only one instance may exist at a time.
+/// library ends the program with status 1. Processes that such code forks from the program are
+/// not watched. Only one instance may exist at a time.
 class CrashReport {
 public:
     CrashReport();
     ~CrashReport();
     CrashReport(const CrashReport&) = delete;
     CrashReport& operator=(const CrashReport&) = delete;
+
+    /// Ends the program with status 1 if code of a library is running, which must have called
+    /// `exit` or a similar function. Otherwise does nothing.
+    static void reportExit() noexcept;
 
     /// Call it again when libraries have been loaded: their own exit handlers then run later.
     static void watchForExit() noexcept;

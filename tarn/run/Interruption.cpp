@@ -1,6 +1,7 @@
 #include <tarn/run/Interruption.hpp>
 
-#include <tarn/run/EmergencyMessage.hpp>
+#include <tarn/text/EmergencyMessage.hpp>
+#include <tarn/text/EndProcess.hpp>
 
 #include <loam/OutputFile.hpp>
 
@@ -23,6 +24,7 @@ constexpr int Signals[] = {SIGINT, SIGTERM, SIGHUP};
 
 std::atomic<Orla::VCancellation*> theCancellation{nullptr};
 std::atomic<int> theSignal{0};
+std::atomic<pid_t> theProcessToCancel{0};
 timer_t theTimer;
 bool theTimerExists = false;
 struct sigaction theFormerActions[std::size(Signals)];
@@ -36,14 +38,14 @@ static_assert(std::atomic<int>::is_always_lock_free, "a signal handler must not 
     message.write();
     Loam::OutputFile::saveUnfinished();
     Loam::OutputFile::removeUnfinished();
-    ::_exit(128 + theSignal.load());
+    endProcess(128 + theSignal.load());
 }
 
 void graceIsOver(int)
 {
     EmergencyMessage message;
     message << "tarn: interrupted; ";
-    if (!message.appendCulprit())
+    if (!message.appendRunning())
         message << "an object";
     message << " did not stop in time";
     endAtOnce(message);
@@ -59,6 +61,12 @@ void graceIsOver(int)
 void interrupted(int signal)
 {
     const int error = errno;
+    if (::getpid() != theProcessToCancel) {
+        // A process that an object forked ends as if it had no handler.
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+        return;
+    }
     int none = 0;
     if (!theSignal.compare_exchange_strong(none, signal))
         endAtSecondSignal();
@@ -77,6 +85,7 @@ void interrupted(int signal)
 Interruption::Interruption()
 {
     theSignal = 0;
+    theProcessToCancel = ::getpid();
     theCancellation = &m_cancellation;
 
     // Libraries are unlikely to use the timer's signal themselves.

@@ -10,7 +10,12 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
+#include <stdexcept>
 #include <string>
+#include <thread>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -58,6 +63,37 @@ private:
             std::exit(zero);
         else if (how == "quick_exit")
             std::quick_exit(zero);
+        else if (how == "_exit")
+            ::_exit(zero);
+        else if (how == "_Exit")
+            std::_Exit(zero);
+        else if (how == "throw in noexcept")
+            throwThrough();
+        else if (how == "fault in a thread")
+            std::thread([] { *reinterpret_cast<volatile int*>(8) = 1; }).join();
+        else if (how == "forked exit")
+            runForked([] { std::exit(3); });
+        else if (how == "forked fault")
+            runForked([] { *reinterpret_cast<volatile int*>(8) = 1; });
+        else if (how == "forked signal")
+            runForked([] { ::kill(::getpid(), SIGTERM); });
+    }
+
+    static void throwReason() { throw std::runtime_error("lost \x1B[1m"); }
+    static void throwThrough() noexcept { throwReason(); }
+
+    // Throws the status of a process that runs `child`.
+    static void runForked(void (*child)())
+    {
+        const pid_t process = ::fork();
+        if (process == 0) {
+            child();
+            ::_exit(0);
+        }
+        int status = 0;
+        ::waitpid(process, &status, 0);
+        throw std::runtime_error(WIFSIGNALED(status) ? "signal " + std::to_string(WTERMSIG(status))
+                                                     : "status " + std::to_string(WEXITSTATUS(status)));
     }
 
     Orla::TypedSlot<std::string> m_how{this, "how", "", 0};

@@ -45,8 +45,8 @@ TEST(Commands, haveDifferentNamesAndCompleteDescriptions)
 
 TEST(Commands, acceptSettingsWhoseTextsContainDotsAndEqualsSigns)
 {
-    EXPECT_THAT(overridesOf({.names = {}, .options = {{"set", {"a.b=1", "a.b.c=x=y.z", "a.b="}}}}),
-                ElementsAre("a.b=1", "a.b.c=x=y.z", "a.b="));
+    EXPECT_THAT(overridesOf({.names = {}, .options = {{"set", {"a.b=1", "a.b.c=x=y.z", "a.b=", "a=b.c=1"}}}}),
+                ElementsAre("a.b=1", "a.b.c=x=y.z", "a.b=", "a=b.c=1"));
     EXPECT_TRUE(overridesOf({}).empty());
 }
 

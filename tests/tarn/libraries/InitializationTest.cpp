@@ -36,10 +36,19 @@ TEST(Initialization, endsTheProgramWithTheLibraryAndTheReasonIfItThrows)
             runTarn(arguments, {.environment = {"TARN_LIBRARIES=" ODD_LIBRARIES_FOLDER}, .shell = {}});
         EXPECT_EQ(result.status, 2);
         EXPECT_EQ(result.err, "tarn: library \"throwinglibrary\" cannot be loaded: its initialization threw an "
-                              "exception: no licence\n");
+                              "exception: no?[1m licence\n");
         EXPECT_EQ(contentOf(folder.file("table.csv")), "old");
         EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv"));
     }
+}
+
+TEST(Initialization, reportsExhaustedMemoryInWords)
+{
+    const ProcessResult result =
+        runTarn({"libraries", "throwinglibrary"},
+                {.environment = {"TARN_LIBRARIES=" ODD_LIBRARIES_FOLDER, "TEST_NO_MEMORY=1"}, .shell = {}});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "tarn: library \"throwinglibrary\" cannot be loaded: its initialization ran out of memory\n");
 }
 
 } // namespace InitializationTest

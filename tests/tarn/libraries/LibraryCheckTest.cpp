@@ -7,10 +7,13 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <string>
 
+#include <elf.h>
 #include <sys/stat.h>
 
 namespace LibraryCheckTest {
@@ -127,6 +130,19 @@ TEST(LibraryCheck, survivesDamagedHeaders)
             EXPECT_FALSE(checkLibraryFile(folder.write("damaged.so", damaged))) << place;
         }
     }
+}
+
+TEST(LibraryCheck, refusesPartsWhoseEndIsNotANumberOf64Bits)
+{
+    const TestFolder folder;
+    std::string bytes = contentOf(objects);
+    // The first part, whose offset and size in the file follow the headers.
+    const std::uint64_t offset = ~std::uint64_t{0} - 0xFFF;
+    const std::uint64_t size = 0x2000;
+    std::memcpy(bytes.data() + sizeof(Elf64_Ehdr) + offsetof(Elf64_Phdr, p_offset), &offset, sizeof offset);
+    std::memcpy(bytes.data() + sizeof(Elf64_Ehdr) + offsetof(Elf64_Phdr, p_filesz), &size, sizeof size);
+    EXPECT_EQ(checkLibraryFile(folder.write("damaged.so", bytes)).reason(),
+              "the file is damaged: a part ends beyond any file");
 }
 
 } // namespace LibraryCheckTest

@@ -225,6 +225,13 @@ TEST_F(NetworkAssemblyTest, refusesInvalidOverrides)
                     "--set=first.a=x: the text \"x\" is refused, expected a value of type number"));
 }
 
+TEST_F(NetworkAssemblyTest, overridesInputsOfObjectsWhoseNamesContainEqualsSigns)
+{
+    EXPECT_THAT(faultsOf("[[object]]\nname = 'a=b'\ntype = 'Adder'\n", {"a=b.a=1.5", "a=c.a=1"}),
+                ElementsAre("--set=a=c.a=1: no object is named \"a=c\"; did you mean \"a=b\"?"));
+    EXPECT_EQ(textOf("a=b", "a"), "1.5");
+}
+
 TEST_F(NetworkAssemblyTest, startsOverridesFromTheDeclaredValue)
 {
     const std::string file =

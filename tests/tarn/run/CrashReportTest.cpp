@@ -65,6 +65,43 @@ TEST(CrashReport, namesTheObjectThatCrashed)
     }
 }
 
+TEST(CrashReport, namesTheObjectsThatRanWhenAnotherThreadCrashed)
+{
+    const TestFolder folder;
+    EXPECT_THAT(runCrashing(folder, "fault in a thread", {}).err,
+                HasSubstr("tarn: crashed (segmentation fault) while object \"bad one\" ran\n"));
+}
+
+TEST(CrashReport, hasTheTextOfAnExceptionThatWasNotCaught)
+{
+    const TestFolder folder;
+    EXPECT_THAT(runCrashing(folder, "throw in noexcept", {}).err,
+                HasSubstr("tarn: exception that was not caught: lost ?[1m\n"
+                          "tarn: crashed (abort) in object \"bad one\"\n"));
+}
+
+TEST(CrashReport, leavesProcessesThatAnObjectForksAlone)
+{
+    const struct {
+        const char* how;
+        const char* outcome;
+    } cases[] = {
+#ifndef SANITIZED // sanitizers exit with a status of their own
+        {"forked exit", "status 3"},
+        {"forked fault", "signal 11"},
+#endif
+        {"forked signal", "signal 15"}};
+    for (const auto& [how, outcome] : cases) {
+        SCOPED_TRACE(how);
+        const TestFolder folder;
+        const ProcessResult result = runCrashing(folder, how, {"--table=" + folder.file("table.csv")});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.err, StartsWith(std::string("tarn: error: Crasher \"bad one\" failed: ") + outcome));
+        EXPECT_EQ(contentOf(folder.file("table.csv")), "step,out\n0,0\n1,\n2,\n");
+        EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv"));
+    }
+}
+
 TEST(CrashReport, leavesTheRowsAndTheTraceUpToTheCrash)
 {
     const TestFolder folder;
@@ -90,12 +127,12 @@ TEST(CrashReport, leavesTheTraceOnStandardOutputUsable)
 
 TEST(CrashReport, treatsACallOfExitInAnUpdateAsAnError)
 {
-    for (const char* how : {"exit", "quick_exit"}) {
+    for (const char* how : {"exit", "quick_exit", "_exit", "_Exit"}) {
         SCOPED_TRACE(how);
         const TestFolder folder;
         const ProcessResult result = runCrashing(folder, how, {"--table=" + folder.file("table.csv")});
         EXPECT_EQ(result.status, 1);
-        EXPECT_THAT(result.err, HasSubstr("tarn: the program was ended by object \"bad one\", which called exit\n"));
+        EXPECT_THAT(result.err, HasSubstr("tarn: exit was called in object \"bad one\"\n"));
         EXPECT_EQ(contentOf(folder.file("table.csv.incomplete")), "step,out\n0,0\n");
         EXPECT_THAT(folder.names(), Not(testing::Contains("table.csv")));
     }
@@ -108,7 +145,7 @@ TEST(CrashReport, treatsACallOfExitInAConstructorAsAnError)
                                                       "name = 'early'\ntype = 'QuitterInConstructor'\n");
     const ProcessResult result = runTarn({"check", file}, oddLibraries);
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "tarn: the program was ended by creating the object \"early\", which called exit\n");
+    EXPECT_EQ(result.err, "tarn: exit was called while creating the object \"early\"\n");
 }
 
 TEST(CrashReport, restoresTheSignalHandlers)
