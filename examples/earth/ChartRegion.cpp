@@ -139,7 +139,8 @@ PlaneArea::Bounds frameOf(const Chart& chart)
 // Searches the frame by dividing it into quarters where necessary.
 class Search {
 public:
-    Search(const Chart& chart, const PlaneArea::Bounds& frame) : m_chart{chart}, m_frame{frame}
+    Search(const Chart& chart, const PlaneArea::Bounds& frame, std::size_t mostCells)
+        : m_chart{chart}, m_frame{frame}, m_mostCells{mostCells}
     {
         constexpr std::size_t samples = 24;
         for (std::size_t row = 1; row < samples; ++row) {
@@ -230,9 +231,7 @@ private:
     // Returns true if the whole cell is in the region; otherwise adds the parts that are.
     bool search(const Cell& cell)
     {
-        // Interrupted world maps need some 30,000.
-        constexpr std::size_t mostCells = 300'000;
-        if (++m_searched > mostCells)
+        if (++m_searched > m_mostCells)
             throw std::invalid_argument{"found the chart \"" + m_chart.name()
                                         + "\", which has too many cuts, expected one that is mostly continuous"};
         const double half = static_cast<double>(cell.size) / 2;
@@ -345,6 +344,7 @@ private:
 
     const Chart& m_chart;
     const PlaneArea::Bounds& m_frame;
+    std::size_t m_mostCells;
     std::size_t m_searched = 0;
     double m_leastEnlarged = std::numeric_limits<double>::infinity(); // of the largest scales
 };
@@ -357,12 +357,12 @@ std::shared_ptr<const ChartRegion> ChartRegion::of(const Chart& chart)
     return recent.get(chart.name(), [&] { return std::make_shared<const ChartRegion>(chart); });
 }
 
-ChartRegion::ChartRegion(const Chart& chart)
+ChartRegion::ChartRegion(const Chart& chart, std::size_t mostCells)
 {
     if (chart.isGeocentric())
         throw std::invalid_argument{"found the chart \"" + chart.name() + "\", expected one of a plane"};
     m_frame = frameOf(chart);
-    m_area = PlaneArea{Search{chart, m_frame}.rings};
+    m_area = PlaneArea{Search{chart, m_frame, mostCells}.rings};
     if (m_area.empty())
         throw std::invalid_argument{"the chart \"" + chart.name() + "\" shows no part of the Earth"};
 }

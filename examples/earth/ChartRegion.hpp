@@ -4,6 +4,7 @@
 #include <earth/Export.hpp>
 #include <earth/PlaneArea.hpp>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 
@@ -24,7 +25,9 @@ public:
     /// cut almost everywhere.
     static std::shared_ptr<const ChartRegion> of(const Chart& chart);
 
-    explicit ChartRegion(const Chart& chart);
+    /// Charts for which the search examines more than \p mostCells cells of the plane count as
+    /// cut almost everywhere. Interrupted world maps need some 30,000.
+    explicit ChartRegion(const Chart& chart, std::size_t mostCells = 300'000);
 
     /// The shown part, in the plane of longitude and latitude.
     const PlaneArea& area() const noexcept { return m_area; }

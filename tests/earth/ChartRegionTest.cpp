@@ -130,6 +130,18 @@ TEST(ChartRegion, isKept)
         thread.join();
 }
 
+TEST(ChartRegion, refusesChartsWithTooManyCuts)
+{
+    EXPECT_NO_THROW((ChartRegion{Chart{"+proj=igh"}, 40'000}));
+    try {
+        ChartRegion{Chart{"+proj=igh"}, 20'000};
+        ADD_FAILURE() << "the search examined all cells";
+    } catch (const std::invalid_argument& error) {
+        EXPECT_STREQ(error.what(),
+                     "found the chart \"+proj=igh\", which has too many cuts, expected one that is mostly continuous");
+    }
+}
+
 TEST(ChartRegion, refusesChartsThatAreNotFlat)
 {
     for (const char* chart : {"geocentric", "+proj=cart", "EPSG:4978"})

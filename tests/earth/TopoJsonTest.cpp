@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -272,6 +275,27 @@ TEST(TopoJson, refusesShapesThatRepeatLongArcsTooOften)
     EXPECT_EQ(message(lines(250)),
               "land.json: objects.lines.arcs[249][0]: found more positions than memory should be spent on, expected "
               "shapes that use each arc a few times");
+}
+
+TEST(TopoJson, hasThePlaceOfTheFaultInATextTruncatedAtAnyByte)
+{
+    const std::string whole = topology(R"({"type": "Polygon", "arcs": [[0, -2], [2]]})");
+    ASSERT_EQ(message(whole), "no error");
+    for (std::size_t length = 0; length < whole.size(); ++length)
+        EXPECT_TRUE(message(whole.substr(0, length)).starts_with("land.json: invalid JSON: parse error at line "))
+            << message(whole.substr(0, length));
+}
+
+TEST(TopoJson, refusesTruncatedFiles)
+{
+    std::ifstream file{LAND_JSON, std::ios::binary};
+    std::string whole{std::istreambuf_iterator<char>(file), {}};
+    whole.resize(whole.rfind('}') + 1);
+    ASSERT_GT(whole.size(), 50000u);
+    const std::size_t step = std::getenv("FAULTS_EVERY") ? 1 : 499;
+    for (std::size_t length = whole.size() - 1; length < whole.size(); length -= step)
+        ASSERT_TRUE(message(whole.substr(0, length)).starts_with("land.json: invalid JSON: parse error at line "))
+            << length;
 }
 
 } // namespace TopoJsonTest

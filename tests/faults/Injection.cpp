@@ -19,9 +19,11 @@
 //                   "write": writing, or completing a file, fails as on a full disk, and so do all
 //                            later attempts
 //                   "signal": an allocation is preceded by SIGTERM
-//                   "interrupt": a write, or a step of completing a file, is preceded by SIGTERM
+//                   "interrupt": a write, or a step of creating or completing a file, is preceded
+//                                by SIGTERM
 //     FAULT_AT      the number of the call, from 1; 0 for none
 //     FAULT_COUNT   a file that receives the number of calls at the end
+//     FAULT_NAMED   if set, the file system lacks unnamed temporary files
 //
 // Calls are counted from the start of `main` on: until then nothing could handle a fault.
 
@@ -32,6 +34,7 @@ enum class Kind { None, Allocation, Memory, Write, Signal, Interrupt };
 Kind theKind = Kind::None;
 long theFault = 0;
 long theCalls = 0;
+bool theFilesHaveNames = false;
 
 const char* setting(const char* name)
 {
@@ -71,6 +74,7 @@ struct Plan {
             theKind = Kind::Signal;
         else if (std::strcmp(kind, "interrupt") == 0)
             theKind = Kind::Interrupt;
+        theFilesHaveNames = *setting("FAULT_NAMED") != 0;
         std::atexit(writeCount);
     }
 } plan;
@@ -120,6 +124,23 @@ extern "C" ssize_t write(int file, const void* bytes, std::size_t size)
     if (file != STDERR_FILENO && writeFails())
         return -1;
     return ::syscall(SYS_write, file, bytes, size);
+}
+
+// The signal arrives as soon as the file exists.
+extern "C" int open(const char* path, int flags, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, flags);
+    const unsigned mode = flags & (O_CREAT | __O_TMPFILE) ? va_arg(arguments, unsigned) : 0;
+    va_end(arguments);
+    if (theFilesHaveNames && (flags & O_TMPFILE) == O_TMPFILE) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
+    const auto file = static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+    if (file >= 0 && (flags & O_CREAT) != 0)
+        count(theKind == Kind::Interrupt, Kind::Interrupt);
+    return file;
 }
 
 extern "C" int fsync(int file)

@@ -34,6 +34,8 @@ struct Task {
 
 class ProgramFaults : public testing::Test {
 protected:
+    ProgramFaults() { filesHaveNames = false; }
+
     struct Outcome {
         ProcessResult process;
         std::string file;
@@ -47,7 +49,8 @@ protected:
     {
         const TestFolder report;
         const std::vector<std::string> fault{"FAULT_KIND=" + kind, "FAULT_AT=" + std::to_string(number),
-                                             "FAULT_COUNT=" + report.file("count")};
+                                             "FAULT_COUNT=" + report.file("count"),
+                                             filesHaveNames ? "FAULT_NAMED=1" : "FAULT_NAMED="};
         Outcome outcome;
         outcome.process = runTarn(arguments, {.environment = fault, .shell = "cd '" + folder.path() + "'"});
         outcome.names = folder.names();
@@ -55,6 +58,9 @@ protected:
             outcome.calls = std::atol(contentOf(report.file("count")).c_str());
         return outcome;
     }
+
+    // Whether the file system lacks unnamed temporary files.
+    static inline bool filesHaveNames = false;
 
     static Outcome run(const Task& task, const std::string& kind, long number)
     {
@@ -155,6 +161,26 @@ TEST_F(ProgramFaults, leaveOnlyWholePicturesIfTheDiskIsFullFromAnyWriteOn)
     }
 }
 
+TEST_F(ProgramFaults, leaveTheOldTableAndNameMissingPicturesOnAFullFileSystem)
+{
+    const TestFolder folder;
+    folder.write("net.toml", "format = 1\nlibraries = ['earth', 'quakes']\n" + clockInQuarters + object("run", "Run")
+                                 + object("writer", "PictureWriter",
+                                          "set = { frames = 'full/frame-#.svg', width = 90, height = 90 }\n"
+                                          "connect = { step = 'run.stepped' }\n"));
+    // A limit of the size of files replaces the file system where users must not mount any.
+    const std::string run = "\"$@\"; status=$?; cat full/table.csv; ls -A full; exit $status";
+    const std::string shell = "cd '" + folder.path() + "'; mkdir full; if unshare -rm true 2>/dev/null; then "
+                              + "exec unshare -rm sh -c 'mount -t tmpfs -o size=8k none full || exit 99; "
+                              + "printf old > full/table.csv; cat /dev/zero > full/zeros 2>/dev/null; " + run
+                              + "' sh \"$@\"; fi; printf old > full/table.csv; : > full/zeros; ulimit -f 0; " + run;
+    const ProcessResult result = runTarn({"run", "net.toml", "--table=full/table.csv"}, {{}, shell});
+    EXPECT_EQ(result.status, 4) << result.err;
+    EXPECT_EQ(result.out, "oldtable.csv\nzeros\n");
+    EXPECT_THAT(result.err, HasSubstr("  writer: error: "));
+    EXPECT_THAT(result.err, HasSubstr("tarn: cannot write " + folder.file("full/table.csv") + ": "));
+}
+
 TEST_F(ProgramFaults, neverCauseAnIncompleteTableOrAWrongStatusIfAnAllocationFails)
 {
     failInTurn(tableOfRun, "allocation", [](const Outcome& outcome, const std::string& whole) {
@@ -206,6 +232,19 @@ TEST_F(ProgramFaults, leaveAWholeNetworkIfASignalArrivesAtAnyMoment)
             else
                 EXPECT_THAT(outcome.file, AnyOf(testing::StrEq("old"), testing::StrEq(whole)));
         });
+    }
+}
+
+TEST_F(ProgramFaults, leaveNoTemporaryFileOnFileSystemsWithoutUnnamedFiles)
+{
+    filesHaveNames = true;
+    for (const char* const kind : {"interrupt", "write"}) {
+        for (const Task& task : {tableOfRun, canonicalNetwork}) {
+            failInTurn(task, kind, [](const Outcome& outcome, const std::string& whole) {
+                EXPECT_TRUE(outcome.file == whole || (outcome.process.status != 0 && outcome.file == "old"))
+                    << outcome.file;
+            });
+        }
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -322,13 +323,22 @@ TEST(GeoJson, refusesTruncatedFiles)
     const std::string whole = earthquakes();
     ASSERT_THAT(whole, SizeIs(1219853));
     std::vector<std::size_t> lengths{0, 1, 2, whole.size() - 2, whole.size() - 1};
-    // A prime number cuts the lines at different places.
-    for (std::size_t length = 17; length < whole.size(); length += 60013)
+    // Prime numbers cut the lines at different places.
+    const std::size_t step = std::getenv("FAULTS_EVERY") ? 401 : 60013;
+    for (std::size_t length = 17; length < whole.size(); length += step)
         lengths.push_back(length);
     for (std::size_t length = whole.find("{\"type\":\"Feature\""); length < whole.find("\n"); length += 11)
         lengths.push_back(length);
     for (const std::size_t length : lengths)
         EXPECT_THAT(refusalOf(whole.substr(0, length)), StartsWith("invalid JSON: parse error at line")) << length;
+}
+
+TEST(GeoJson, hasThePlaceOfTheFaultInAFileTruncatedAtAnyByte)
+{
+    const std::string whole = collection(good + "," + good);
+    for (std::size_t length = 0; length < whole.size(); ++length)
+        EXPECT_THAT(refusalOf(whole.substr(0, length)), StartsWith("invalid JSON: parse error at line 1, column "))
+            << length;
 }
 
 TEST(GeoJson, reportsWhyAFileCannotBeOpened)
