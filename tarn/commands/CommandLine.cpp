@@ -26,7 +26,7 @@ Commands:
 constexpr char Closing[] = R"(
 Exit status:
   0  everything is fine
-  1  an object reported an error, or a loop did not settle
+  1  an object reported an error, a loop did not settle, or compared networks differ
   2  the network has faults
   3  the command line is wrong
   4  a file could not be read or written

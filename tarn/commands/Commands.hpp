@@ -13,6 +13,7 @@ namespace Tarn {
 const Command& checkCommand();
 const Command& convertCommand();
 const Command& describeCommand();
+const Command& diffCommand();
 const Command& graphCommand();
 const Command& librariesCommand();
 const Command& objectsCommand();

@@ -44,15 +44,15 @@ Selected selectedIn(Orla::VValueBase& value)
 
 } // namespace
 
+bool isSelection(const std::type_info& type) noexcept
+{
+    return type == typeid(OneOf) || type == typeid(SomeOf);
+}
+
 ChoiceCheck::ChoiceCheck(const std::vector<Network::Choice>& choices)
 {
     for (const Network::Choice& choice : choices)
         m_entries.push_back({choice});
-}
-
-bool ChoiceCheck::concerns(const std::type_info& type) noexcept
-{
-    return type == typeid(OneOf) || type == typeid(SomeOf);
 }
 
 void ChoiceCheck::replace(const Network::Choice& choice)

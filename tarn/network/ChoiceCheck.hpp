@@ -11,6 +11,9 @@
 
 namespace Tarn {
 
+/// Returns true for the type of a selection, whose text must choose what its object offers.
+bool isSelection(const std::type_info& type) noexcept;
+
 /// Finds texts that choose what an object does not offer.
 ///
 /// An object may fill the list of a selection from its data. A text read before that names its
@@ -19,9 +22,6 @@ namespace Tarn {
 class ChoiceCheck {
 public:
     explicit ChoiceCheck(const std::vector<Network::Choice>& choices);
-
-    /// Returns true for selections, whose texts choose something.
-    static bool concerns(const std::type_info& type) noexcept;
 
     /// Checks \p choice instead of an earlier one of its input.
     void replace(const Network::Choice& choice);

@@ -1,12 +1,8 @@
 #include <tarn/network/Conversion.hpp>
 
-#include <tarn/network/NetworkParser.hpp>
+#include <tarn/libraries/Libraries.hpp>
 #include <tarn/network/RelativePathRewriter.hpp>
 #include <tarn/text/Messages.hpp>
-#include <tarn/text/ReadFile.hpp>
-
-#include <trellis/VNetwork.hpp>
-#include <trellis/VObjectCreator.hpp>
 
 #include <loam/Utf8.hpp>
 
@@ -22,11 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool isKnownType(const std::string& type)
-{
-    return bool(Orla::VObjectCreator::find(type));
-}
-
 bool hasLibrary(const std::string& folder, const std::string& name)
 {
     return std::ranges::any_of(Libraries::searchPath(folder), [&](const std::string& place) {
@@ -38,20 +29,18 @@ bool hasLibrary(const std::string& folder, const std::string& name)
 } // namespace
 
 Conversion::Conversion(const std::string& path, const std::vector<std::string>& overrides)
-    : m_faults{path}, m_unknown{path}, m_folder{folderOf(path)}, m_libraries{Libraries::searchPath(m_folder)}
+    : Conversion{NetworkReading{NetworkSource{path}, overrides}}
 {
-    const std::string text = readFile(path);
-    Orla::VNetwork network{m_folder};
-    network.setDataFolders(dataFolders());
-    const Orla::VNetwork::Scope scope{network};
-    // Which types are known depends on the libraries; the second pass reports the faults.
-    Faults ignored{path};
-    const std::vector<std::string> missing = m_libraries.loadAll(parseNetwork(text, ignored).libraries, m_unknown);
-    NetworkFile file = parseNetwork(text, m_faults, &isKnownType);
-    const NetworkInputs inputs = readInputs(file, overrides, missing, m_faults, m_unknown);
-    m_connectionCount = inputs.connectionCount;
+}
+
+Conversion::Conversion(const NetworkReading& reading)
+    : m_faults{reading.faults()}
+    , m_unknown{reading.unknown()}
+    , m_folder{reading.folder()}
+    , m_connectionCount{reading.inputs().connectionCount}
+{
     if (m_faults.empty())
-        m_canonical = CanonicalNetwork{std::move(file), inputs, m_faults};
+        m_canonical = CanonicalNetwork{reading.file(), reading.inputs(), m_faults};
 }
 
 std::vector<std::string> Conversion::moveTo(const std::string& folder)

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <tarn/text/Faults.hpp>
-#include <tarn/libraries/Libraries.hpp>
 #include <tarn/network/CanonicalNetwork.hpp>
+#include <tarn/network/NetworkReading.hpp>
 
 #include <cstddef>
 #include <string>
@@ -38,10 +38,11 @@ public:
     std::size_t connectionCount() const noexcept { return m_connectionCount; }
 
 private:
+    explicit Conversion(const NetworkReading& reading);
+
     Faults m_faults;
     Faults m_unknown;
     std::string m_folder;
-    Libraries m_libraries;
     CanonicalNetwork m_canonical;
     std::size_t m_connectionCount = 0;
 };

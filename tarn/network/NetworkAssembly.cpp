@@ -274,7 +274,7 @@ void NetworkAssembly::checkNumber(const GivenText& given)
 
 void NetworkAssembly::noteChoice(const GivenText& given)
 {
-    if (!ChoiceCheck::concerns(given.input->type()))
+    if (!isSelection(given.input->type()))
         return;
     // Of several exact texts for one input, the last one counts.
     if (!m_network.choices.empty() && m_network.choices.back().input == given.input)

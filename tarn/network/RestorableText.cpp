@@ -24,16 +24,20 @@ Value readInto(const Value& given, const std::vector<std::string>& texts)
     return value;
 }
 
+// The text shows differences that a comparison ignores, such as the sign of zero; the comparison
+// finds those that the text omits.
+bool isSame(const Value& read, const Value& value, bool isCompared)
+{
+    return read && read->Text() == value->Text() && (!isCompared || !read->isDifferentFrom(value));
+}
+
 // Returns nothing if no text restores the value.
 std::optional<RestorableText> find(const Value& given, const Value& value, const std::vector<std::string>& texts)
 {
     RestorableText form;
     const std::string written = value->Text();
-    // The text shows differences that a comparison ignores, such as the sign of zero; the
-    // comparison finds those that the text omits.
     const auto restores = [&](const std::vector<std::string>& candidate, bool isCompared) {
-        const Value read = readInto(given, candidate);
-        return read && read->Text() == written && (!isCompared || !read->isDifferentFrom(value));
+        return isSame(readInto(given, candidate), value, isCompared);
     };
     if (Loam::isUtf8(written)) {
         form.text = written;
@@ -70,6 +74,12 @@ Loam::Result<RestorableText> restorableText(const Value& given, const Value& val
         return **std::move(found);
     return Loam::Failure{std::ranges::all_of(texts, Loam::isUtf8) ? "no text that a file can hold restores it"
                                                                   : "the text is not valid UTF-8"};
+}
+
+bool givesValue(const Value& given, const std::vector<std::string>& texts, const Value& value)
+{
+    const Loam::Result<bool> same = Loam::attempt([&] { return isSame(readInto(given, texts), value, true); });
+    return same && *same;
 }
 
 } // namespace Tarn

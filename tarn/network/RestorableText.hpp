@@ -28,4 +28,9 @@ Loam::Result<RestorableText> restorableText(const Orla::StrongPtr<Orla::VValueBa
                                             const Orla::StrongPtr<Orla::VValueBase>& value,
                                             const std::vector<std::string>& texts);
 
+/// Returns true if reading \p texts in order into a copy of \p given produces \p value, as far
+/// as its type distinguishes values. A value with NaN differs from all others.
+bool givesValue(const Orla::StrongPtr<Orla::VValueBase>& given, const std::vector<std::string>& texts,
+                const Orla::StrongPtr<Orla::VValueBase>& value);
+
 } // namespace Tarn

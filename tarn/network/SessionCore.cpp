@@ -265,7 +265,7 @@ Result<void> SessionCore::setText(std::string_view reference, const std::string&
         return set;
     NetworkFile::Object& entry = **entryOf(**input);
     noteText(*input, entry, text);
-    if (ChoiceCheck::concerns((*input)->type()))
+    if (isSelection((*input)->type()))
         m_network.choices.push_back({*input, {}, entry.description + ", input " + inQuotes((*input)->name())});
     return {};
 }

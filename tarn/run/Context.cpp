@@ -66,7 +66,7 @@ public:
             return Failure{"the text " + inQuotes(text) + " is refused, expected a value of type "
                            + Orla::VTypeLabel::of(input->type()) + (accepted ? "" : " (" + accepted.reason() + ")")};
         const Result<void> done = setValue(reference, value);
-        if (done && ChoiceCheck::concerns(input->type()))
+        if (done && isSelection(input->type()))
             choices.replace({input, {}, inQuotes(reference), value});
         return done;
     }

@@ -1,12 +1,10 @@
 #include <tarn/types/TypeReport.hpp>
 
+#include <tarn/text/JsonText.hpp>
 #include <tarn/text/TextTable.hpp>
 #include <tarn/text/Messages.hpp>
 
-#include <loam/StringUtil.hpp>
 #include <loam/Utf8.hpp>
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <utility>
@@ -14,8 +12,6 @@
 namespace Tarn {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr std::size_t LineWidth = 88;
 constexpr char Blank[] = "-";
@@ -96,11 +92,6 @@ std::string textOf(const ObjectTypeDescription& type)
     return text;
 }
 
-Json orNull(const std::string& text)
-{
-    return text.empty() ? Json(nullptr) : Json(text);
-}
-
 Json jsonOf(const ValueTypeDescription& type)
 {
     return {{"name", type.name},
@@ -139,11 +130,6 @@ Json jsonList(const Descriptions& descriptions)
     for (const auto& each : descriptions)
         list.push_back(jsonOf(each));
     return list;
-}
-
-std::string indented(const Json& json)
-{
-    return Loam::StringUtil::unicodeEscaped(json.dump(2, ' ', false, Json::error_handler_t::replace)) + '\n';
 }
 
 } // namespace

@@ -32,3 +32,13 @@ inline ProcessResult evaluate(const std::string& network, std::vector<std::strin
     options.insert(options.begin(), {"run", "net.toml", "--table=-"});
     return runTarn(options, {.environment = environment, .shell = "cd '" + folder.path() + "'"});
 }
+
+/// Compares two networks, which messages and results name a.toml and b.toml.
+inline ProcessResult compare(const std::string& a, const std::string& b, std::vector<std::string> options = {})
+{
+    const TestFolder folder;
+    folder.write("a.toml", networkHead + a);
+    folder.write("b.toml", networkHead + b);
+    options.insert(options.begin(), {"diff", "a.toml", "b.toml"});
+    return runTarn(options, {{}, "cd '" + folder.path() + "'"});
+}
