@@ -54,6 +54,10 @@ int performGraph(const Arguments& arguments, const StandardStreams& streams)
         return reportFaults(session.faults(), "; nothing was drawn");
     const NetworkGraph graph = graphOf(session);
     std::string picture = dotText(graph);
+    if (kind != Kind::Dot && graph.objects.size() > MostLaidOutWell)
+        printLine(session.faults().file() + ": note: with " + counted(graph.objects.size(), "object")
+                  + " the picture is laid out roughly and may take minutes; --output=FILE.dot writes the text form "
+                    "at once");
     if (kind != Kind::Dot)
         picture = drawGraph(picture, kind == Kind::Svg ? PictureFormat::Svg : PictureFormat::Png);
     const std::unique_ptr<Loam::OutputFile> file = openResult(path, streams);
@@ -81,6 +85,9 @@ const Command& graphCommand()
 left and outputs on the right, with the connections in the colours of their types.
 Dashed connections are not in the file but were made automatically. If there are
 faults, nothing is drawn.
+
+Pictures of more than 1000 objects have straight lines and may take minutes. The text form
+is written at once, and other programs can search, filter and draw it.
 )",
         .options =
             {

@@ -36,6 +36,10 @@ constexpr char Font[] = "sans-serif";
 constexpr std::size_t MostPolished = 100;
 constexpr char FewerRounds[] = ", nslimit=1, nslimit1=1, mclimit=0.1";
 
+// Even a few rounds over 10,000 objects take half a minute, and so does releasing what the
+// default ranking allocates; both grow with the square of the size.
+constexpr char NoRounds[] = ", newrank=true, nslimit=0, nslimit1=0, mclimit=0.01, splines=line";
+
 // Returns the registered names of object types; empty for a class that has several.
 std::map<std::type_index, std::string> registeredNames()
 {
@@ -237,6 +241,13 @@ std::string boxOf(const NetworkGraph::Object& object)
     return box + "</TABLE>";
 }
 
+const char* layoutOptions(std::size_t objects) noexcept
+{
+    if (objects > MostLaidOutWell)
+        return NoRounds;
+    return objects > MostPolished ? FewerRounds : "";
+}
+
 std::string legendOf(const NetworkGraph& graph)
 {
     std::map<std::string, std::string> colours;
@@ -264,9 +275,8 @@ NetworkGraph NetworkGraph::of(const Network& network)
 std::string dotText(const NetworkGraph& graph)
 {
     const std::string font(Font);
-    const std::string rounds = graph.objects.size() > MostPolished ? FewerRounds : "";
     std::string text = "digraph network {\n";
-    text += "    graph [rankdir=LR" + rounds + "]\n";
+    text += "    graph [rankdir=LR" + std::string(layoutOptions(graph.objects.size())) + "]\n";
     text += "    node [shape=plain, fontname=\"" + font + "\", fontsize=11]\n";
     text += "    edge [fontname=\"" + font + "\", fontsize=9, arrowsize=0.6]\n";
     for (std::size_t number = 0; number < graph.objects.size(); ++number)

@@ -8,6 +8,10 @@ namespace Tarn {
 
 struct Network;
 
+/// Maximum number of objects in a drawing whose layout is refined. Larger drawings have straight
+/// lines and uneven distances.
+inline constexpr std::size_t MostLaidOutWell = 1000;
+
 /// The objects of the current network and their connections, for a drawing.
 struct NetworkGraph {
     struct Object {

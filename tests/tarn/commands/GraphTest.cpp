@@ -50,6 +50,20 @@ TEST(GraphCommand, writesTheFormatOfTheExtensionIntoTheFolderInWhichItWasStarted
     }
 }
 
+TEST(GraphCommand, recommendsTheTextFormForPicturesOfLargeNetworks)
+{
+    const TestFolder folder;
+    std::string network = object("o0", "Adder");
+    for (int i = 1; i <= 1000; ++i)
+        network += object("o" + std::to_string(i), "Adder", "connect.a = 'o" + std::to_string(i / 2) + ".sum'\n");
+    const std::string note = "sub/net.toml: note: with 1001 objects the picture is laid out roughly and may take "
+                             "minutes; --output=FILE.dot writes the text form at once\n";
+    const std::string drawn = "sub/net.toml: 1001 objects, 1000 connections, drawn to ";
+    EXPECT_EQ(graph(folder, network, "net.svg").err, note + drawn + "net.svg\n");
+    EXPECT_THAT(contentOf(folder.file("net.svg")), HasSubstr("o1000"));
+    EXPECT_EQ(graph(folder, network, "net.dot").err, drawn + "net.dot\n");
+}
+
 TEST(GraphCommand, refusesOtherExtensionsAndAMissingOutput)
 {
     for (const std::string output : {"x.pdf", "x", "svg", "x.svg.gz"}) {

@@ -179,6 +179,11 @@ TEST(NetworkGraph, requestsAFasterLayoutForLargeNetworks)
     EXPECT_THAT(dotText(graph), HasSubstr("graph [rankdir=LR]\n"));
     graph.objects.push_back(graph.objects[0]);
     EXPECT_THAT(dotText(graph), HasSubstr("graph [rankdir=LR, nslimit=1, nslimit1=1, mclimit=0.1]\n"));
+    graph.objects.resize(MostLaidOutWell, graph.objects[0]);
+    EXPECT_THAT(dotText(graph), Not(HasSubstr("splines=line")));
+    graph.objects.push_back(graph.objects[0]);
+    EXPECT_THAT(dotText(graph), HasSubstr("graph [rankdir=LR, newrank=true, nslimit=0, nslimit1=0, mclimit=0.01, "
+                                          "splines=line]\n"));
 }
 
 } // namespace NetworkGraphTest
