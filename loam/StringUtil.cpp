@@ -99,8 +99,15 @@ bool isControl(std::string_view character) noexcept
 std::string escaped(std::string_view text)
 {
     std::string shown;
+    shown.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
         const char letter = text[i];
+        const auto code = static_cast<unsigned char>(letter);
+        if (code >= 0x20 && code < 0x7F && letter != '\\') {
+            shown += letter;
+            ++i;
+            continue;
+        }
         const std::size_t length = characterLength(text.substr(i));
         if (letter == '\n') {
             shown += "\\n";

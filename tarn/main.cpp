@@ -18,6 +18,8 @@
 #include <new>
 #include <string>
 
+#include <malloc.h>
+
 namespace Tarn {
 
 namespace {
@@ -117,6 +119,9 @@ extern "C" [[noreturn]] void _Exit(int status) noexcept
 
 int main(int argc, char** argv)
 {
+    // A large network consists of millions of small blocks. With the lists that this turns off,
+    // the C library walks through them again and again while they are released.
+    ::mallopt(M_MXFAST, 0);
     std::set_terminate(Tarn::endBecauseOfException);
     Tarn::handleSignals();
     try {

@@ -151,10 +151,9 @@ NetworkFile::Object Parser::readObject(const toml::table& table)
 {
     NetworkFile::Object object;
     object.place = placeOf(table);
-    object.description = "object number " + std::to_string(m_file.objects.size() + 1);
     const toml::node* name = table.get("name");
-    if (name && name->is_string())
-        object.description = "object " + inQuotes(*name->value_exact<std::string>());
+    object.description = name && name->is_string() ? "object " + inQuotes(name->as_string()->get())
+                                                   : "object number " + std::to_string(m_file.objects.size() + 1);
 
     object.name = readText(object.description, table, "name");
     object.type = readText(object.description, table, "type");

@@ -52,8 +52,11 @@ std::size_t mistakes(std::string_view a, std::string_view b, std::size_t limit)
 
 std::string inQuotes(std::string_view text)
 {
-    std::string shown = "\"";
-    for (const char letter : printable(text)) {
+    const std::string content = printable(text);
+    std::string shown;
+    shown.reserve(content.size() + 2);
+    shown += '"';
+    for (const char letter : content) {
         if (letter == '"')
             shown += '\\';
         shown += letter;

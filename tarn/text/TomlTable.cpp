@@ -67,9 +67,10 @@ const char* kindOf(const toml::node& node)
 std::vector<TomlEntry> entriesOf(const toml::table& table)
 {
     std::vector<TomlEntry> entries;
+    entries.reserve(table.size());
     for (const auto& [key, value] : table)
         entries.push_back({{std::string(key.str()), placeOf(key.source())}, &value});
-    std::ranges::stable_sort(entries, {}, [](const TomlEntry& entry) { return entry.key.place; });
+    std::ranges::sort(entries, {}, [](const TomlEntry& entry) { return entry.key.place; });
     return entries;
 }
 
