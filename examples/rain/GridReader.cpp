@@ -1,7 +1,6 @@
 #include "Grid.hpp"
 #include "GridJson.hpp"
 
-
 #include <fathom/Chunk.hpp>
 #include <fathom/String.hpp>
 #include <fathom/VOutput.hpp>
