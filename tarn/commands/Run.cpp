@@ -122,14 +122,16 @@ int reportEvaluation(const Session& session, const Context& context, const Evalu
     return summary.isFine() && !report.hasErrors() ? Fine : ObjectFailed;
 }
 
-int reportMissingChart(const Session& session, const Context& context)
+int reportMissingChart(const Session& session, const Context& context, const std::string& refusal)
 {
     const std::vector<std::string> names = context.charts();
     const PlacedText& wanted = session.core()->wantedChart();
     Faults faults{session.faults().file()};
     faults.add(FaultKind::Chart, wanted.place,
                std::string(wanted.place ? "" : "--") + "chart: no object offers the chart " + inQuotes(wanted.text)
-                   + (names.empty() ? "; available: none" : insteadOf({}, names)));
+                   + (!refusal.empty() ? ": " + refusal
+                      : names.empty()  ? "; available: none"
+                                       : insteadOf({}, names)));
     return reportFaults(faults, "; nothing was evaluated beyond the first step");
 }
 
@@ -207,7 +209,7 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
     if (summary.cancelled || Interruption::signal() != 0)
         return reportInterruption(context, summary, output.get());
     if (summary.chartIsMissing)
-        return reportMissingChart(session, context);
+        return reportMissingChart(session, context, summary.chartRefusal);
     if (!summary.unknownChoices.empty()) {
         reportFaults(summary.unknownChoices, "; the evaluation ended in step " + std::to_string(summary.steps));
         return ObjectFailed;

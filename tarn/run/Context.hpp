@@ -36,6 +36,7 @@ struct TARN_API EvaluationSummary {
     bool cancelled = false;         ///< the step in progress was not completed
     bool timeIsLost = false;        ///< the time provider was removed before the last step
     bool chartIsMissing = false;    ///< no object offers the wanted chart
+    std::string chartRefusal{};     ///< why an object refused it, if `evaluate` found out
     Faults unknownChoices{{}};      ///< texts that choose what an object does not offer
 
     bool isFine() const noexcept

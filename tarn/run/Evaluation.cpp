@@ -1,9 +1,11 @@
 #include <tarn/run/Evaluation.hpp>
 
-#include <tarn/network/Session.hpp>
+#include <tarn/network/SessionCore.hpp>
 #include <tarn/run/Progress.hpp>
 #include <tarn/run/TableWriter.hpp>
 #include <tarn/run/Tracer.hpp>
+#include <tarn/run/WarningPrinter.hpp>
+#include <tarn/text/Messages.hpp>
 
 #include <cstdint>
 #include <optional>
@@ -31,8 +33,23 @@ std::vector<std::string> rowOf(Context& context, std::uint64_t step)
     return row;
 }
 
+// A missing chart also makes objects fail. Their failures are not reported, except for the reason
+// of one, which is returned in `refusal`.
+bool evaluateFirst(const std::string& chart, Context& context, const Orla::VCancellation& cancellation,
+                   std::string& refusal)
+{
+    if (chart.empty())
+        return context.evaluateStep(cancellation);
+    HeldFailures failures;
+    const bool goesOn = context.evaluateStep(cancellation);
+    if (context.summary().chartIsMissing)
+        refusal = failures.take(inQuotes(chart));
+    return goesOn;
+}
+
 // Returns false if the evaluation ended before the last step.
-bool evaluateSteps(Context& context, const EvaluationTask& task, const Orla::VCancellation& cancellation)
+bool evaluateSteps(const std::string& chart, Context& context, const EvaluationTask& task,
+                   const Orla::VCancellation& cancellation, std::string& refusal)
 {
     const std::uint64_t count = *context.stepCount();
     std::optional<Progress> progress;
@@ -41,7 +58,7 @@ bool evaluateSteps(Context& context, const EvaluationTask& task, const Orla::VCa
     for (std::uint64_t step = 0; step < count; ++step) {
         if (task.tracer)
             task.tracer->beginStep(step);
-        if (!context.evaluateStep(cancellation))
+        if (!(step == 0 ? evaluateFirst(chart, context, cancellation, refusal) : context.evaluateStep(cancellation)))
             return false;
         if (task.table)
             task.table->writeRow(rowOf(context, step));
@@ -61,9 +78,13 @@ EvaluationSummary evaluate(const Session& session, Context& context, const Evalu
     // A trace shows how long each object takes, so objects run one at a time.
     if (task.tracer)
         context.setExecutor(nullptr);
-    if (evaluateSteps(context, task, cancellation) || context.summary().timeIsLost)
+    std::string refusal;
+    if (evaluateSteps(session.core()->wantedChart().text, context, task, cancellation, refusal)
+        || context.summary().timeIsLost)
         context.finish(cancellation);
-    return context.summary();
+    EvaluationSummary summary = context.summary();
+    summary.chartRefusal = refusal;
+    return summary;
 }
 
 } // namespace Tarn

@@ -3,6 +3,7 @@
 #include <tarn/run/Progress.hpp>
 #include <tarn/text/Messages.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <string_view>
 
@@ -41,6 +42,11 @@ bool WarningPrinter::warned(const std::string& message)
 }
 
 bool WarningPrinter::failed(const std::string& message)
+{
+    return HeldFailures::hold(*this, message) || printFailure(message);
+}
+
+bool WarningPrinter::printFailure(const std::string& message)
 {
     {
         const std::lock_guard lock{m_mutex};
@@ -108,6 +114,39 @@ void WarningPrinter::printRepeats() const
         for (const std::string& more : similar.summary())
             say(kind + more);
     }
+}
+
+HeldFailures::HeldFailures() noexcept
+{
+    s_current = this;
+}
+
+HeldFailures::~HeldFailures()
+{
+    s_current = nullptr;
+    for (const std::string& message : m_messages)
+        m_printer->printFailure(message);
+}
+
+std::string HeldFailures::take(const std::string& text)
+{
+    const std::lock_guard lock{m_mutex};
+    const auto mentions = [&text](const std::string& message) { return message.find(text) != std::string::npos; };
+    const auto first = std::ranges::find_if(m_messages, mentions);
+    std::string taken = first == m_messages.end() ? std::string() : *first;
+    std::erase_if(m_messages, mentions);
+    return taken;
+}
+
+bool HeldFailures::hold(WarningPrinter& printer, const std::string& message)
+{
+    HeldFailures* const held = s_current;
+    if (!held)
+        return false;
+    const std::lock_guard lock{held->m_mutex};
+    held->m_printer = Loam::StrongPtr<WarningPrinter>{&printer};
+    held->m_messages.push_back(message);
+    return true;
 }
 
 } // namespace Tarn

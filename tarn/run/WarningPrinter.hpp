@@ -4,11 +4,13 @@
 
 #include <trellis/VActionNotifier.hpp>
 
+#include <atomic>
 #include <cstddef>
 #include <map>
 #include <mutex>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace Tarn {
 
@@ -27,12 +29,15 @@ public:
     void printRepeats() const;
 
 private:
+    friend class HeldFailures;
+
     struct Failure {
         std::string first;
         std::set<std::string> others;
     };
 
     bool print(const std::string& kind, const std::string& message);
+    bool printFailure(const std::string& message);
 
     // Returns true if another object has failed for the same reason. The object is then
     // remembered for the end.
@@ -42,6 +47,31 @@ private:
     std::map<std::string, std::size_t> m_counts;
     std::map<std::string, Failure> m_failures;        // objects, by reason
     std::map<std::string, SimilarMessages> m_similar; // by kind of message
+};
+
+/// Keeps the failures of objects until it is destroyed, which prints them. For a step whose
+/// failures may be consequences of a fault that is not known yet. Only one may exist at a time.
+class HeldFailures {
+public:
+    HeldFailures() noexcept;
+    ~HeldFailures();
+    HeldFailures(const HeldFailures&) = delete;
+    HeldFailures& operator=(const HeldFailures&) = delete;
+
+    /// Removes the failures that contain \p text. Returns the first one; an empty text if no
+    /// failure contains it.
+    std::string take(const std::string& text);
+
+private:
+    friend class WarningPrinter;
+
+    static bool hold(WarningPrinter& printer, const std::string& message);
+
+    std::mutex m_mutex;
+    Loam::StrongPtr<WarningPrinter> m_printer;
+    std::vector<std::string> m_messages;
+
+    static inline std::atomic<HeldFailures*> s_current{nullptr};
 };
 
 /// Prints a line to standard error. Escapes control characters that \p line still contains.

@@ -132,7 +132,7 @@ TEST(ChartRegion, isKept)
 
 TEST(ChartRegion, refusesChartsWithTooManyCuts)
 {
-    EXPECT_NO_THROW((ChartRegion{Chart{"+proj=igh"}, 40'000}));
+    EXPECT_NO_THROW((ChartRegion{Chart{"+proj=igh"}, 50'000}));
     try {
         ChartRegion{Chart{"+proj=igh"}, 20'000};
         ADD_FAILURE() << "the search examined all cells";

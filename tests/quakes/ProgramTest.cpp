@@ -15,6 +15,7 @@ namespace ProgramTest {
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::MatchesRegex;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
@@ -75,12 +76,22 @@ TEST(Program, followsTheSelectedChart)
     EXPECT_THAT(strongest(run({"--table=-", "--chart=geocentric"}).out), StartsWith("{-3050187.746425"));
 }
 
-TEST(Program, listsTheChartsIfTheSelectedOneIsUnknown)
+TEST(Program, reportsAnUnknownChartOnce)
 {
     const ProcessResult result = run({"--chart=mercator"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("--chart: no object offers the chart \"mercator\"; available: geocentric, "
-                                      "geographic, plate carree\n"));
+    EXPECT_THAT(result.err,
+                MatchesRegex("--chart: no object offers the chart \"mercator\": [A-Za-z]+ \"[a-z]+\" failed: found the "
+                             "chart \"mercator\", expected geographic, geocentric, plate carree or a text for PROJ\n"
+                             "[^\n]*: 1 fault; nothing was evaluated beyond the first step\n"));
+}
+
+TEST(Program, reportsOtherFailuresBesidesAnUnknownChart)
+{
+    const ProcessResult result = run({"--chart=mercator", "--set=reader.file=missing.json"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("tarn: error: QuakeReader \"reader\" failed: "));
+    EXPECT_THAT(result.err, HasSubstr("--chart: no object offers the chart \"mercator\": "));
 }
 
 TEST(Program, followsAnyChartThatProjKnows)
@@ -98,8 +109,10 @@ TEST(Program, reportsWhyProjRefusesAChart)
 {
     const ProcessResult result = run({"--chart=+proj=nonsense"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("found the chart \"+proj=nonsense\", which PROJ refuses: Unknown projection\n"));
-    EXPECT_THAT(result.err, HasSubstr("--chart: no object offers the chart \"+proj=nonsense\""));
+    EXPECT_THAT(result.err,
+                MatchesRegex("--chart: no object offers the chart \"\\+proj=nonsense\": [A-Za-z]+ \"[a-z]+\" failed: "
+                             "found the chart \"\\+proj=nonsense\", which PROJ refuses: Unknown projection\n"
+                             "[^\n]*: 1 fault; nothing was evaluated beyond the first step\n"));
 }
 
 TEST(Program, drawsAGlobeAndAMap)

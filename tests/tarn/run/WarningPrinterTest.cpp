@@ -83,4 +83,23 @@ TEST(WarningPrinter, listsAFewOfManyObjectsThatFailForTheSameReason)
               "tarn: error: b, c, d, e, f, g, h, i, j, k, l, m and 13 more failed for the same reason as a\n");
 }
 
+TEST(HeldFailures, arePrintedAtTheEndUnlessTheyAreTaken)
+{
+    const auto printer = Loam::makeStrong<WarningPrinter>();
+    testing::internal::CaptureStderr();
+    {
+        HeldFailures held;
+        for (const char* const message : {"too hot", "too cold", "too wet", "hot, too"})
+            EXPECT_TRUE(printer->failed(message));
+        printer->warned("not held");
+        EXPECT_EQ(held.take("hot"), "too hot");
+        EXPECT_EQ(held.take("hot"), "");
+    }
+    printer->failed("later");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "tarn: warning: not held\n"
+                                                      "tarn: error: too cold\n"
+                                                      "tarn: error: too wet\n"
+                                                      "tarn: error: later\n");
+}
+
 } // namespace WarningPrinterTest
