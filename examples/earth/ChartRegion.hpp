@@ -26,7 +26,7 @@ public:
     static std::shared_ptr<const ChartRegion> of(const Chart& chart);
 
     /// Charts for which the search examines more than \p mostCells cells of the plane count as
-    /// cut almost everywhere. Goode's interrupted map, +proj=igh, needs 44,980.
+    /// cut almost everywhere. The interrupted map +proj=igh needs 44,980.
     explicit ChartRegion(const Chart& chart, std::size_t mostCells = 300'000);
 
     /// The shown part, in the plane of longitude and latitude.
