@@ -21,6 +21,7 @@
 //                   "signal": an allocation is preceded by SIGTERM
 //                   "interrupt": a write, or a step of creating or completing a file, is preceded
 //                                by SIGTERM
+//                   "insist": as "interrupt", but SIGTERM arrives twice
 //     FAULT_AT      the number of the call, from 1; 0 for none
 //     FAULT_COUNT   a file that receives the number of calls at the end
 //     FAULT_NAMED   if set, the file system lacks unnamed temporary files
@@ -29,7 +30,7 @@
 
 namespace {
 
-enum class Kind { None, Allocation, Memory, Write, Signal, Interrupt };
+enum class Kind { None, Allocation, Memory, Write, Signal, Interrupt, Insist };
 
 Kind theKind = Kind::None;
 long theFault = 0;
@@ -74,20 +75,30 @@ struct Plan {
             theKind = Kind::Signal;
         else if (std::strcmp(kind, "interrupt") == 0)
             theKind = Kind::Interrupt;
+        else if (std::strcmp(kind, "insist") == 0)
+            theKind = Kind::Insist;
         theFilesHaveNames = *setting("FAULT_NAMED") != 0;
         std::atexit(writeCount);
     }
 } plan;
 
-void count(bool isCounted, Kind signal)
+void count(bool isCounted, bool isSignal)
 {
-    if (isCounted && ++theCalls == theFault && theKind == signal)
+    if (!isCounted || ++theCalls != theFault || !isSignal)
+        return;
+    std::raise(SIGTERM);
+    if (theKind == Kind::Insist)
         std::raise(SIGTERM);
+}
+
+bool isInterrupted()
+{
+    return theKind == Kind::Interrupt || theKind == Kind::Insist;
 }
 
 bool allocationFails()
 {
-    count(theKind == Kind::Allocation || theKind == Kind::Memory || theKind == Kind::Signal, Kind::Signal);
+    count(theKind == Kind::Allocation || theKind == Kind::Memory || theKind == Kind::Signal, theKind == Kind::Signal);
     return theFault > 0
            && ((theKind == Kind::Allocation && theCalls == theFault)
                || (theKind == Kind::Memory && theCalls >= theFault));
@@ -95,7 +106,7 @@ bool allocationFails()
 
 bool writeFails()
 {
-    count(theKind == Kind::Write || theKind == Kind::Interrupt, Kind::Interrupt);
+    count(theKind == Kind::Write || isInterrupted(), isInterrupted());
     if (theKind != Kind::Write || theFault == 0 || theCalls < theFault)
         return false;
     errno = ENOSPC;
@@ -139,7 +150,7 @@ extern "C" int open(const char* path, int flags, ...)
     }
     const auto file = static_cast<int>(::syscall(SYS_openat, AT_FDCWD, path, flags, mode));
     if (file >= 0 && (flags & O_CREAT) != 0)
-        count(theKind == Kind::Interrupt, Kind::Interrupt);
+        count(isInterrupted(), true);
     return file;
 }
 

@@ -238,14 +238,14 @@ TEST_F(ProgramFaults, leaveAWholeNetworkIfASignalArrivesAtAnyMoment)
 TEST_F(ProgramFaults, leaveNoTemporaryFileOnFileSystemsWithoutUnnamedFiles)
 {
     filesHaveNames = true;
+    const auto expectWholeFiles = [](const Outcome& outcome, const std::string& whole) {
+        EXPECT_TRUE(outcome.file == whole || (outcome.process.status != 0 && outcome.file == "old")) << outcome.file;
+    };
     for (const char* const kind : {"interrupt", "write"}) {
-        for (const Task& task : {tableOfRun, canonicalNetwork}) {
-            failInTurn(task, kind, [](const Outcome& outcome, const std::string& whole) {
-                EXPECT_TRUE(outcome.file == whole || (outcome.process.status != 0 && outcome.file == "old"))
-                    << outcome.file;
-            });
-        }
+        for (const Task& task : {tableOfRun, canonicalNetwork})
+            failInTurn(task, kind, expectWholeFiles);
     }
+    failInTurn(canonicalNetwork, "insist", expectWholeFiles);
 }
 
 } // namespace ProgramFaultsTest

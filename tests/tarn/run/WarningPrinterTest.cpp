@@ -83,6 +83,17 @@ TEST(WarningPrinter, listsAFewOfManyObjectsThatFailForTheSameReason)
               "tarn: error: b, c, d, e, f, g, h, i, j, k, l, m and 13 more failed for the same reason as a\n");
 }
 
+TEST(WarningPrinter, countsAFailureThatOneObjectRepeats)
+{
+    const auto printer = Loam::makeStrong<WarningPrinter>();
+    testing::internal::CaptureStderr();
+    printer->failed("Pump \"a\" failed: too hot");
+    printer->failed("Pump \"a\" failed: too hot");
+    printer->printRepeats();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "tarn: error: Pump \"a\" failed: too hot\n"
+                                                      "tarn: error: Pump \"a\" failed: too hot (2 times in all)\n");
+}
+
 TEST(HeldFailures, arePrintedAtTheEndUnlessTheyAreTaken)
 {
     const auto printer = Loam::makeStrong<WarningPrinter>();

@@ -117,6 +117,24 @@ TEST_F(SerialRunTest, doesNotPassValuesOfALoopThatDoesNotSettleToItsReaders)
     EXPECT_EQ(failures[0].reason, "its loop did not settle in 100 rounds");
 }
 
+TEST_F(SerialRunTest, makesReadersWaitThatRanBeforeTheLoopDidNotSettle)
+{
+    const Nodes ring = makeRing("ring ", 2);
+    const auto downstream = makeNode("downstream");
+    connect(ring[1], downstream);
+    for (const StrongPtr<Node>& node : ring)
+        countTo(node, 5);
+    EXPECT_EQ(runAll({downstream, ring[0]}, pool).waiting, 0u);
+    EXPECT_EQ(VScheduler::stateOf(*downstream, pool), VScheduler::State::UpToDate);
+    for (const StrongPtr<Node>& node : ring)
+        countTo(node, 1e9);
+    VScheduler::schedule(ring[0], 0, pool);
+    EXPECT_EQ(VScheduler::run(pool).waiting, 1u);
+    warnings();
+    EXPECT_EQ(VScheduler::stateOf(*downstream, pool), VScheduler::State::Waiting);
+    EXPECT_EQ(downstream->read(pool, "out"), 6) << "it did not run again";
+}
+
 TEST_F(SerialRunTest, evaluatesAWholeLoopAgainAfterItDidNotSettle)
 {
     const Nodes ring = makeRing("ring ", 4);
