@@ -106,13 +106,13 @@ void handleSignals()
 
 // Libraries that call these functions of the C library call the following ones instead.
 
-extern "C" [[noreturn]] void _exit(int status)
+extern "C" void _exit(int status)
 {
     Tarn::CrashReport::reportExit();
     Tarn::endProcess(status);
 }
 
-extern "C" [[noreturn]] void _Exit(int status) noexcept
+extern "C" void _Exit(int status) noexcept
 {
     ::_exit(status);
 }
