@@ -1,5 +1,4 @@
 #include "earth/Evaluation.hpp"
-#include "earth/Picture.hpp"
 
 #include <quakes/Catalogue.hpp>
 #include <earth/Land.hpp>
@@ -8,7 +7,6 @@
 
 #include "support/TestFolder.hpp"
 
-#include <fathom/VCamera.hpp>
 #include <fathom/VChart.hpp>
 #include <fathom/VTime.hpp>
 
@@ -65,20 +63,6 @@ protected:
 };
 
 } // namespace
-
-TEST_F(PictureWriterTest, drawsAMapOrAGlobeDependingOnTheChart)
-{
-    const std::string map = writeFile("map.png");
-    writer.set("chart", Orla::VChart{"plate carree"});
-    EXPECT_EQ(writeFile("same.png"), map);
-    writer.set("chart", Orla::VChart{"geocentric"});
-    writer.set("camera", Orla::VCamera{{3e7, 0, 0}, {0, 0, 0}, {0, 0, 1}, 30});
-    const std::string globe = writeFile("globe.png");
-    EXPECT_NE(globe, map);
-    const Picture picture{globe};
-    EXPECT_EQ(picture.width, 400);
-    EXPECT_EQ(picture.height, 300);
-}
 
 TEST_F(PictureWriterTest, drawsEventsUpToTheCurrentInstant)
 {

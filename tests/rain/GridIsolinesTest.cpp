@@ -51,6 +51,9 @@ TEST_F(GridIsolinesTest, computeTheIsolinesOfAllLevels)
     EXPECT_EQ(isolines.text("count"), "2");
     const double length = Rain::lengthOf({{0, 0.5}, {1, 0.5}}) + Rain::lengthOf({{0, -0.5}, {1, -0.5}});
     EXPECT_DOUBLE_EQ(isolines.value<double>("length"), length);
+    isolines.setText("levels", "[5]");
+    EXPECT_EQ(isolines.run().failures, 0u);
+    EXPECT_EQ(isolines.text("count"), "1");
 }
 
 TEST_F(GridIsolinesTest, publishTheirPlacesInTheChartOfTheNetwork)

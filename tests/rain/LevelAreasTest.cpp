@@ -113,15 +113,17 @@ TEST(LevelAreas, consistOfRingsOfAtMostThirtyDegrees)
 
 TEST(LevelAreas, haveRingsThatNeverTouchThemselves)
 {
-    // Many values equal the level, and missing ones leave squares that touch at corners.
-    const Grid grid = gridOf("6x5 0,4 1,-1: 5,5,5,0,5,5,5,,5,5,,5,5,5,,5,5,9,0,5,5,,5,5,5,5,0,5,5,5");
-    const std::vector<Ring> rings = areaAbove(grid, 5);
-    EXPECT_GE(rings.size(), 2u);
-    for (const Ring& ring : rings) {
-        std::set<std::pair<double, double>> places;
-        for (const LonLat& place : ring)
-            EXPECT_TRUE(places.emplace(place.longitude, place.latitude).second)
-                << place.longitude << ' ' << place.latitude;
+    // Many values equal the level; and two areas touch at a corner, around which one of them winds.
+    const Grid many = gridOf("6x5 0,4 1,-1: 5,5,5,0,5,5,5,,5,5,,5,5,5,,5,5,9,0,5,5,,5,5,5,5,0,5,5,5");
+    const Grid corner = gridOf("5x4 0,3 1,-1: 9,9,,,,9,9,,9,9,9,9,9,9,9,9,9,9,9,");
+    EXPECT_EQ(areaAbove(corner, 5).size(), 2u);
+    for (const Grid& grid : {many, corner}) {
+        for (const Ring& ring : areaAbove(grid, 5)) {
+            std::set<std::pair<double, double>> places;
+            for (const LonLat& place : ring)
+                EXPECT_TRUE(places.emplace(place.longitude, place.latitude).second)
+                    << place.longitude << ' ' << place.latitude;
+        }
     }
 }
 
