@@ -14,8 +14,7 @@ namespace Rain {
 /// Reads the grid of a JSON file. `values` has its values as numbers, for objects that know no
 /// grids; missing values are NaN.
 ///
-/// If the file does not exist, it is searched for in the data folders of the program. If the
-/// file cannot be read, the update fails and the previous grid is kept.
+/// If the file cannot be read, the update fails and the previous grid is kept.
 class GridReader : public Orla::VObject {
 public:
     using VObject::VObject;

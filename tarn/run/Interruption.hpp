@@ -8,7 +8,8 @@ namespace Tarn {
 /// process. If an object ignores the cancellation for a second, or if a second signal
 /// arrives, the process removes unfinished files and exits immediately.
 ///
-/// Ignored signals stay ignored. Processes that an object forks end by the signals. Only one instance may exist at a time.
+/// Ignored signals stay ignored. Processes that an object forks end by the signals. Only one
+/// instance may exist at a time.
 class Interruption {
 public:
     Interruption();

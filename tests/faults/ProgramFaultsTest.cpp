@@ -170,8 +170,9 @@ TEST_F(ProgramFaults, leaveTheOldTableAndNameMissingPicturesOnAFullFileSystem)
                                           "connect = { step = 'run.stepped' }\n"));
     // A limit of the size of files replaces the file system where users must not mount any.
     const std::string run = "\"$@\"; status=$?; cat full/table.csv; ls -A full; exit $status";
-    const std::string shell = "cd '" + folder.path() + "'; mkdir full; if unshare -rm true 2>/dev/null; then "
-                              + "exec unshare -rm sh -c 'mount -t tmpfs -o size=8k none full || exit 99; "
+    const std::string mount = "mount -t tmpfs -o size=8k none full";
+    const std::string shell = "cd '" + folder.path() + "'; mkdir full; if unshare -rm " + mount
+                              + " 2>/dev/null; then exec unshare -rm sh -c '" + mount + " || exit 99; "
                               + "printf old > full/table.csv; cat /dev/zero > full/zeros 2>/dev/null; " + run
                               + "' sh \"$@\"; fi; printf old > full/table.csv; : > full/zeros; ulimit -f 0; " + run;
     const ProcessResult result = runTarn({"run", "net.toml", "--table=full/table.csv"}, {{}, shell});

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <fstream>
+#include <locale>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -89,6 +90,7 @@ TEST(Isolines, haveTheNumbersAndLengthsOfIndependentlyComputedOnes)
         SCOPED_TRACE(row);
         std::ranges::replace(row, ',', ' ');
         std::istringstream stream{row};
+        stream.imbue(std::locale::classic());
         std::size_t step = 0;
         double level = 0;
         std::ptrdiff_t closed = 0;
