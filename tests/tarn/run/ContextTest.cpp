@@ -5,6 +5,8 @@
 #include <fathom/Double.hpp>
 #include <fathom/VInteractionEvent.hpp>
 
+#include <trellis/VScheduler.hpp>
+
 #include "tarn/NetworkTexts.hpp"
 
 #include <gmock/gmock.h>
