@@ -42,7 +42,7 @@ public:
             request.reportProgress(static_cast<double>(i) / static_cast<double>(colors.colors().size()));
             if (request.isCancelled())
                 return false;
-            // Each area covers those of lower classes, so there are no gaps between classes.
+            // Each area overlaps those of the lower classes, which closes gaps between neighbours.
             content.areas.push_back({areaAbove(grid, level), colors.colors()[i]});
             if (i < colors.levels().size())
                 level = colors.levels()[i];

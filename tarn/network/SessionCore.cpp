@@ -30,6 +30,7 @@ namespace {
 
 using Scope = Orla::VNetwork::Scope;
 using Change = Orla::VNetwork::Change;
+using Use = Orla::VNetwork::Use;
 
 // Marks the entries that do not come from a file as present.
 constexpr Place Here{1, 1};
@@ -55,6 +56,13 @@ Place placeOfSetting(const NetworkFile& file, const std::string& object, const s
     if (text == entry->texts.end())
         return entry->place;
     return text->exact.empty() ? text->value.place : text->exact.front().place;
+}
+
+// Returns false if the entry has no connection of the input.
+bool forgetConnection(NetworkFile::Object& entry, const std::string& input)
+{
+    return std::erase_if(entry.connections, [&](const NetworkFile::Setting& each) { return each.input.text == input; })
+           > 0;
 }
 
 // Returns true if `reference`, such as "OBJECT.OUTPUT", names the object.
@@ -98,7 +106,7 @@ SessionCore::SessionCore(const std::string& title, const std::string& folder, co
         keepOverrides();
         indexObjects();
     } else {
-        m_timeProvider = {};
+        m_timeProvider.reset();
         m_network = {};
         removeAnnouncedObjects();
     }
@@ -106,7 +114,7 @@ SessionCore::SessionCore(const std::string& title, const std::string& folder, co
 
 SessionCore::~SessionCore()
 {
-    m_timeProvider = {};
+    m_timeProvider.reset();
     m_network = {};
     m_objects.reset();
     if (const Result<void> unloaded = m_libraries.unload(); !unloaded)
@@ -125,22 +133,39 @@ void SessionCore::chooseChart()
 
 void SessionCore::checkTime()
 {
-    m_timeProvider = TimeProvider::find();
-    if (!m_timeProvider)
+    const TimeProvider provider = timeProvider();
+    if (!provider)
         return;
-    if (const Result<std::uint64_t> count = stepCount(Loam::makeStrong<Orla::ValuePool>()); !count)
-        m_faults.add(FaultKind::Time, placeOfSetting(m_file, m_timeProvider.name(), m_timeProvider.inputName()),
-                     count.reason());
+    if (const Result<std::uint64_t> count = stepCount(provider, Loam::makeStrong<Orla::ValuePool>()); !count)
+        m_faults.add(FaultKind::Time, placeOfSetting(m_file, provider.name(), provider.inputName()), count.reason());
 }
 
-Result<std::uint64_t> SessionCore::stepCount(const StrongPtr<Orla::ValuePool>& pool) const
+TimeProvider SessionCore::timeProvider() const
 {
+    const Scope scope{*m_objects};
+    const Use use{*m_objects};
+    const std::lock_guard lock{m_timeMutex};
     if (!m_timeProvider)
+        m_timeProvider = TimeProvider::find();
+    return *m_timeProvider;
+}
+
+PlacedText SessionCore::wantedChart() const
+{
+    const Use use{*m_objects};
+    return m_chart;
+}
+
+Result<std::uint64_t> SessionCore::stepCount(const TimeProvider& provider, const StrongPtr<Orla::ValuePool>& pool) const
+{
+    if (!provider)
         return std::uint64_t{1};
-    const Orla::VTime time = m_timeProvider.time(pool);
+    const Scope scope{*m_objects};
+    const Use use{*m_objects};
+    const Orla::VTime time = provider.time(pool);
     const double count = TimeProvider::stepCount(time);
     const auto failure = [&](const std::string& expected) {
-        return Failure{"object " + inQuotes(m_timeProvider.name()) + ", input " + inQuotes(m_timeProvider.inputName())
+        return Failure{"object " + inQuotes(provider.name()) + ", input " + inQuotes(provider.inputName())
                        + ": the time " + Orla::VValueTrait<Orla::VTime>::Text(time) + " has " + Loam::numberText(count)
                        + " steps, " + expected};
     };
@@ -199,6 +224,7 @@ Result<SessionCore::Named> SessionCore::findObject(std::string_view reference, c
 
 Result<StrongPtr<Orla::VSlot>> SessionCore::findInput(std::string_view reference) const
 {
+    const Use use{*m_objects};
     const Result<Named> named = findObject(reference, "OBJECT.INPUT");
     if (!named)
         return Failure{named.reason()};
@@ -212,6 +238,7 @@ Result<StrongPtr<Orla::VSlot>> SessionCore::findInput(std::string_view reference
 
 Result<OutputReference> SessionCore::findOutput(std::string_view reference) const
 {
+    const Use use{*m_objects};
     const Result<Named> named = findObject(reference, "OBJECT.OUTPUT");
     if (!named)
         return Failure{named.reason()};
@@ -223,20 +250,47 @@ Result<OutputReference> SessionCore::findOutput(std::string_view reference) cons
     return output;
 }
 
+Result<OutputReference> SessionCore::findSlot(std::string_view reference) const
+{
+    const Use use{*m_objects};
+    const Result<Named> named = findObject(reference, "OBJECT.SLOT");
+    if (!named)
+        return Failure{named.reason()};
+    if (StrongPtr<Orla::VSlot> input = named->object->findSlot(std::string(named->rest)))
+        return OutputReference{std::move(input), {}};
+    return findOutput(reference);
+}
+
 StrongPtr<Orla::VValueBase> SessionCore::declaredValue(const StrongPtr<Orla::VSlot>& input) const
 {
     const auto found = m_network.declared.find(input.get());
     return found == m_network.declared.end() ? input->ownParameter()->newValue() : found->second->copy();
 }
 
-// Returns the entry of the input's object in the saved network.
-Result<NetworkFile::Object*> SessionCore::entryOf(const Orla::VSlot& input)
+// Starts from the declared value: some texts, such as those of selections, are read into the value
+// that is there.
+Result<StrongPtr<Orla::VValueBase>> SessionCore::valueOfText(const StrongPtr<Orla::VSlot>& input,
+                                                             const std::string& text) const
 {
-    const Orla::VObject* const object = input.container() ? input.container()->object() : nullptr;
-    const std::size_t number = object ? m_names.find(object->Name()) : ObjectNames::npos;
+    const Use use{*m_objects};
+    StrongPtr<Orla::VValueBase> value = declaredValue(input);
+    const Result<bool> accepted = Loam::attempt([&] { return value->setValueFromText(text); });
+    if (accepted && *accepted)
+        return value;
+    return Failure{"the text " + inQuotes(text) + " is refused, expected a value of type "
+                   + Orla::VTypeLabel::of(input->type()) + (accepted ? "" : " (" + accepted.reason() + ")")};
+}
+
+Result<SessionCore::OwnInput> SessionCore::findOwnInput(std::string_view reference)
+{
+    Result<StrongPtr<Orla::VSlot>> input = findInput(reference);
+    if (!input)
+        return Failure{input.reason()};
+    const Orla::VObject& object = *(*input)->container()->object();
+    const std::size_t number = m_names.find(object.Name());
     if (number == ObjectNames::npos)
-        return Failure{(object ? object->describe() : "the object") + " is not part of the saved network"};
-    return &m_file.objects[number];
+        return Failure{object.describe() + " is not part of the saved network"};
+    return OwnInput{*std::move(input), &m_file.objects[number]};
 }
 
 Result<void> SessionCore::loadLibrary(const std::string& name)
@@ -251,55 +305,48 @@ Result<void> SessionCore::loadLibrary(const std::string& name)
 
 Result<void> SessionCore::setText(std::string_view reference, const std::string& text)
 {
-    const Result<StrongPtr<Orla::VSlot>> input = findInput(reference);
+    const Change change{*m_objects};
+    const Result<OwnInput> input = findOwnInput(reference);
     if (!input)
         return Failure{input.reason()};
-    // Some texts, such as those of selections, are read into the value that is there.
-    const StrongPtr<Orla::VValueBase> value = declaredValue(*input);
-    const Result<bool> accepted = Loam::attempt([&] { return value->setValueFromText(text); });
-    if (!accepted || !*accepted)
-        return Failure{"the text " + inQuotes(text) + " is refused, expected a value of type "
-                       + Orla::VTypeLabel::of((*input)->type()) + (accepted ? "" : " (" + accepted.reason() + ")")};
-    const Result<void> set = setValue(reference, value);
-    if (!set)
-        return set;
-    NetworkFile::Object& entry = **entryOf(**input);
-    noteText(*input, entry, text);
-    if (isSelection((*input)->type()))
-        m_network.choices.push_back({*input, {}, entry.description + ", input " + inQuotes((*input)->name())});
-    return {};
+    const Result<StrongPtr<Orla::VValueBase>> value = valueOfText(input->slot, text);
+    if (!value)
+        return Failure{value.reason()};
+    const Result<void> assigned = assign(*input, *value, text);
+    if (assigned && isSelection(input->slot->type()))
+        m_network.choices.push_back(
+            {input->slot, {}, input->entry->description + ", input " + inQuotes(input->slot->name())});
+    return assigned;
 }
 
 Result<void> SessionCore::setValue(std::string_view reference, const StrongPtr<Orla::VValueBase>& value)
 {
-    const Result<StrongPtr<Orla::VSlot>> found = findInput(reference);
-    if (!found)
-        return Failure{found.reason()};
-    const StrongPtr<Orla::VSlot>& input = *found;
-    if (!value || value->getType() != input->type())
-        return Failure{"found a value of type " + (value ? Orla::VTypeLabel::of(value->getType()) : "null")
-                       + ", expected type " + Orla::VTypeLabel::of(input->type())};
-    const Result<NetworkFile::Object*> entry = entryOf(*input);
-    if (!entry)
-        return Failure{entry.reason()};
-    const auto connection = std::ranges::find((*entry)->connections, input->name(),
-                                              [](const NetworkFile::Setting& each) { return each.input.text; });
-    if (connection != (*entry)->connections.end())
-        return Failure{"the input reads " + inQuotes(connection->value.text) + ", so a value would have no effect"};
     const Change change{*m_objects};
-    m_network.declared.try_emplace(input.get(), input->ownParameter()->newValue());
-    input->ownParameter()->setGlobalValue(value, {});
-    noteText(input, **entry, value->Text());
-    return {};
+    const Result<OwnInput> input = findOwnInput(reference);
+    if (!input)
+        return Failure{input.reason()};
+    if (!value || value->getType() != input->slot->type())
+        return Failure{"found a value of type " + (value ? Orla::VTypeLabel::of(value->getType()) : "null")
+                       + ", expected type " + Orla::VTypeLabel::of(input->slot->type())};
+    return assign(*input, value, value->Text());
 }
 
-// Records the text in the saved network, instead of earlier ones.
-void SessionCore::noteText(const StrongPtr<Orla::VSlot>& input, NetworkFile::Object& entry, const std::string& text)
+// Sets the initial value, and records the text in the saved network instead of earlier ones.
+Result<void> SessionCore::assign(const OwnInput& input, const StrongPtr<Orla::VValueBase>& value,
+                                 const std::string& text)
 {
-    if (const auto former = findText(entry.texts, input->name()); former != entry.texts.end())
-        entry.texts.erase(former);
-    entry.texts.push_back({{input->name(), Here}, {text, Here}});
-    std::erase_if(m_network.choices, [&](const Network::Choice& each) { return each.input == input; });
+    const auto& [slot, entry] = input;
+    const auto connection = std::ranges::find(entry->connections, slot->name(),
+                                              [](const NetworkFile::Setting& each) { return each.input.text; });
+    if (connection != entry->connections.end())
+        return Failure{"the input reads " + inQuotes(connection->value.text) + ", so a value would have no effect"};
+    m_network.declared.try_emplace(slot.get(), slot->ownParameter()->newValue());
+    slot->ownParameter()->setGlobalValue(value, {});
+    if (const auto former = findText(entry->texts, slot->name()); former != entry->texts.end())
+        entry->texts.erase(former);
+    entry->texts.push_back({{slot->name(), Here}, {text, Here}});
+    std::erase_if(m_network.choices, [&](const Network::Choice& each) { return each.input == input.slot; });
+    return {};
 }
 
 Result<void> SessionCore::create(const std::string& type, const std::string& name)
@@ -331,18 +378,18 @@ Result<void> SessionCore::create(const std::string& type, const std::string& nam
     m_file.objects.push_back(std::move(file.objects.front()));
     m_network.objects.push_back(made.objects.front());
     m_network.objectCount = m_network.objects.size();
-    indexObjects();
-    m_timeProvider = TimeProvider::find();
+    m_names.add(name, m_network.objectCount - 1);
+    m_timeProvider.reset();
     return {};
 }
 
 Result<void> SessionCore::remove(const std::string& name)
 {
+    const Scope scope{*m_objects};
+    const Change change{*m_objects};
     const std::size_t number = m_names.find(name);
     if (number == ObjectNames::npos)
         return Failure{"no object is named " + inQuotes(name) + insteadOf(name, m_names.names())};
-    const Scope scope{*m_objects};
-    const Change change{*m_objects};
     for (NetworkFile::Object& object : m_file.objects)
         std::erase_if(object.connections,
                       [&](const NetworkFile::Setting& each) { return refersTo(each.value.text, m_names, number); });
@@ -364,50 +411,44 @@ Result<void> SessionCore::remove(const std::string& name)
     m_network.objectCount = m_network.objects.size();
     indexObjects();
     std::erase_if(m_network.connected, [](const StrongPtr<Orla::VSlot>& input) { return !input->isConnected(); });
-    m_timeProvider = TimeProvider::find();
+    m_timeProvider.reset();
     return {};
 }
 
-Result<void> SessionCore::connect(const std::string& output, const std::string& input)
+Result<void> SessionCore::connect(const std::string& output, const std::string& reference)
 {
+    const Scope scope{*m_objects};
+    const Change change{*m_objects};
     const Result<OutputReference> source = findOutput(output);
     if (!source)
         return Failure{source.reason()};
-    const Result<StrongPtr<Orla::VSlot>> target = findInput(input);
-    if (!target)
-        return Failure{target.reason()};
-    const Result<NetworkFile::Object*> entry = entryOf(**target);
-    if (!entry)
-        return Failure{entry.reason()};
-    const Scope scope{*m_objects};
-    if (Result<void> connected = (*target)->container()->tryAttachOutput(source->output, *target, source->member);
-        !connected)
+    const Result<OwnInput> input = findOwnInput(reference);
+    if (!input)
+        return Failure{input.reason()};
+    const auto& [slot, entry] = *input;
+    if (Result<void> connected = slot->container()->tryAttachOutput(source->output, slot, source->member); !connected)
         return connected;
-    std::erase_if((*entry)->connections,
-                  [&](const NetworkFile::Setting& each) { return each.input.text == (*target)->name(); });
-    (*entry)->connections.push_back({{(*target)->name(), Here}, {output, Here}});
-    if (std::ranges::find(m_network.connected, *target) == m_network.connected.end())
-        m_network.connected.push_back(*target);
-    m_timeProvider = TimeProvider::find();
+    forgetConnection(*entry, slot->name());
+    entry->connections.push_back({{slot->name(), Here}, {output, Here}});
+    if (std::ranges::find(m_network.connected, slot) == m_network.connected.end())
+        m_network.connected.push_back(slot);
+    m_timeProvider.reset();
     return {};
 }
 
-Result<void> SessionCore::disconnect(const std::string& input)
+Result<void> SessionCore::disconnect(const std::string& reference)
 {
-    const Result<StrongPtr<Orla::VSlot>> target = findInput(input);
-    if (!target)
-        return Failure{target.reason()};
-    const Result<NetworkFile::Object*> entry = entryOf(**target);
-    if (!entry)
-        return Failure{entry.reason()};
     const Scope scope{*m_objects};
-    const auto removed = std::erase_if(
-        (*entry)->connections, [&](const NetworkFile::Setting& each) { return each.input.text == (*target)->name(); });
-    if (removed == 0)
+    const Change change{*m_objects};
+    const Result<OwnInput> input = findOwnInput(reference);
+    if (!input)
+        return Failure{input.reason()};
+    const auto& [slot, entry] = *input;
+    if (!forgetConnection(*entry, slot->name()))
         return Failure{"the input is not connected"};
-    (*target)->container()->detach(*target);
-    std::erase(m_network.connected, *target);
-    m_timeProvider = TimeProvider::find();
+    slot->container()->detach(slot);
+    std::erase(m_network.connected, slot);
+    m_timeProvider.reset();
     return {};
 }
 
@@ -415,6 +456,7 @@ Result<void> SessionCore::addColumn(const std::string& title, const std::string&
 {
     if (Result<void> fine = requireNoFaults(); !fine)
         return fine;
+    const Change change{*m_objects};
     Result<OutputReference> source = findOutput(output);
     if (!source)
         return Failure{source.reason()};

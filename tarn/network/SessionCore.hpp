@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +27,9 @@ inline constexpr double MostSteps = 1e9;
 inline constexpr double MostCountedSteps = 1e15;
 
 /// What a session and its contexts share: the objects, and the saved network that describes them.
+///
+/// Contexts in other threads may read while one thread changes it: each function takes a `Use` or a
+/// `Change` of the network.
 class SessionCore {
 public:
     /// An empty network.
@@ -44,14 +48,16 @@ public:
     const Faults& faults() const noexcept { return m_faults; }
     Orla::VNetwork& objects() noexcept { return *m_objects; }
     const Network& network() const noexcept { return m_network; }
-    const TimeProvider& timeProvider() const noexcept { return m_timeProvider; }
+    TimeProvider timeProvider() const;
 
     /// The chart that all objects must follow; empty if the choice is theirs.
-    const PlacedText& wantedChart() const noexcept { return m_chart; }
+    PlacedText wantedChart() const;
 
-    /// Returns the number of steps from the beginning to the end of the time in \p pool, but no
-    /// more than the limit; 1 without a time. Fails if the time has no steps or too many.
-    Loam::Result<std::uint64_t> stepCount(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
+    /// Returns the number of steps from the beginning to the end of the time of \p provider in
+    /// \p pool, but no more than the limit; 1 without a provider. Fails if the time has no steps or
+    /// too many.
+    Loam::Result<std::uint64_t> stepCount(const TimeProvider& provider,
+                                          const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
     /// Finds the input "OBJECT.INPUT".
     Loam::Result<Orla::StrongPtr<Orla::VSlot>> findInput(std::string_view reference) const;
@@ -59,8 +65,13 @@ public:
     /// Finds the output "OBJECT.OUTPUT" or "OBJECT.OUTPUT.MEMBER", whose component exists.
     Loam::Result<OutputReference> findOutput(std::string_view reference) const;
 
-    /// Returns the value that the object declares for \p input.
-    Orla::StrongPtr<Orla::VValueBase> declaredValue(const Orla::StrongPtr<Orla::VSlot>& input) const;
+    /// Finds an input, or an output as `findOutput` does.
+    Loam::Result<OutputReference> findSlot(std::string_view reference) const;
+
+    /// Returns the value of \p input that \p text means in a saved network. Fails if the text is
+    /// refused.
+    Loam::Result<Orla::StrongPtr<Orla::VValueBase>> valueOfText(const Orla::StrongPtr<Orla::VSlot>& input,
+                                                                const std::string& text) const;
 
     Loam::Result<void> loadLibrary(const std::string& name);
     Loam::Result<void> setText(std::string_view input, const std::string& text);
@@ -80,23 +91,32 @@ private:
         std::string_view rest;
     };
 
+    // An input of an object in the saved network, and the entry of the object.
+    struct OwnInput {
+        Orla::StrongPtr<Orla::VSlot> slot;
+        NetworkFile::Object* entry;
+    };
+
     void chooseChart();
     void checkTime();
     void keepOverrides();
     void indexObjects();
     Loam::Result<void> requireNoFaults() const;
     Loam::Result<Named> findObject(std::string_view reference, const char* shape) const;
-    Loam::Result<NetworkFile::Object*> entryOf(const Orla::VSlot& input);
-    void noteText(const Orla::StrongPtr<Orla::VSlot>& input, NetworkFile::Object& entry, const std::string& text);
+    Loam::Result<OwnInput> findOwnInput(std::string_view reference);
+    Orla::StrongPtr<Orla::VValueBase> declaredValue(const Orla::StrongPtr<Orla::VSlot>& input) const;
+    Loam::Result<void> assign(const OwnInput& input, const Orla::StrongPtr<Orla::VValueBase>& value,
+                              const std::string& text);
 
     Faults m_faults;
     std::string m_folder;
     Libraries m_libraries;
-    std::optional<Orla::VNetwork> m_objects;
+    mutable std::optional<Orla::VNetwork> m_objects;
     NetworkFile m_file;
     Network m_network;
     ObjectNames m_names; // of the objects in m_file
-    TimeProvider m_timeProvider;
+    mutable std::mutex m_timeMutex;
+    mutable std::optional<TimeProvider> m_timeProvider; // found again after a change
     PlacedText m_chart;
     std::optional<std::uint64_t> m_stepLimit;
 };

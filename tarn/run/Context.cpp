@@ -59,15 +59,12 @@ public:
         if (!found)
             return Failure{found.reason()};
         const StrongPtr<Orla::VSlot>& input = *found;
-        // Some texts, such as those of selections, are read into the value that is there.
-        const StrongPtr<Orla::VValueBase> value = core->declaredValue(input);
-        const Result<bool> accepted = Loam::attempt([&] { return value->setValueFromText(text); });
-        if (!accepted || !*accepted)
-            return Failure{"the text " + inQuotes(text) + " is refused, expected a value of type "
-                           + Orla::VTypeLabel::of(input->type()) + (accepted ? "" : " (" + accepted.reason() + ")")};
-        const Result<void> done = setValue(reference, value);
+        const Result<StrongPtr<Orla::VValueBase>> value = core->valueOfText(input, text);
+        if (!value)
+            return Failure{value.reason()};
+        const Result<void> done = setValue(reference, *value);
         if (done && isSelection(input->type()))
-            choices.replace({input, {}, inQuotes(reference), value});
+            choices.replace({input, {}, inQuotes(reference), *value});
         return done;
     }
 
@@ -88,7 +85,6 @@ public:
     // Returns false if the evaluation ends in this step.
     bool performStep(const Orla::VCancellation& cancellation)
     {
-        const TimeProvider& provider = core->timeProvider();
         if (provider)
             setTime(summary.steps);
         if (!run(cancellation) || (summary.steps == 0 && !hasChart()))
@@ -108,8 +104,8 @@ public:
     {
         const VNetwork::Scope scope{core->objects()};
         if (!time)
-            time = core->timeProvider().time(pool);
-        core->timeProvider().setStep(pool, *time, step);
+            time = provider.time(pool);
+        provider.setStep(pool, *time, step);
     }
 
     bool playEvent(const ScriptedEvent& event)
@@ -133,8 +129,10 @@ public:
     bool hasChart()
     {
         const VNetwork::Scope scope{core->objects()};
-        const std::string& wanted = wantedChart ? *wantedChart : core->wantedChart().text;
+        const std::string& wanted = wantedChart ? *wantedChart : networkChart;
         summary.chartIsMissing = !wanted.empty() && !ChartChoice::find().isSelected(wanted, pool);
+        if (summary.chartIsMissing)
+            summary.chartRefusal = refusalOf(inQuotes(wanted));
         return !summary.chartIsMissing;
     }
 
@@ -153,6 +151,16 @@ public:
 
     std::uint64_t lastStep() const noexcept { return summary.steps == 0 ? 0 : summary.steps - 1; }
 
+    // Returns the first failure that mentions the text; empty if none does.
+    std::string refusalOf(const std::string& text) const
+    {
+        for (const Orla::VScheduler::Failure& failure : Orla::VScheduler::failures(pool)) {
+            if (failure.reason.find(text) != std::string::npos)
+                return failure.object->describe() + " failed: " + failure.reason;
+        }
+        return {};
+    }
+
     // Calls the function and notes whether it was the first in which something failed.
     template<class Function>
     bool watched(std::uint64_t step, Function&& function)
@@ -164,9 +172,17 @@ public:
         return goesOn;
     }
 
+    static ChoiceCheck choicesOf(Detail::SessionCore& core)
+    {
+        const VNetwork::Use use{core.objects()};
+        return ChoiceCheck{core.network().choices};
+    }
+
     std::shared_ptr<Detail::SessionCore> core; // outlives everything else here
     StrongPtr<Orla::ValuePool> pool;
-    ChoiceCheck choices{core->network().choices};
+    ChoiceCheck choices = choicesOf(*core);
+    const TimeProvider provider = core->timeProvider();
+    const std::string networkChart = core->wantedChart().text;
     TaskExecutor tasks;
     Orla::VExecutor* executor = &tasks;
     Orla::VRequest::Progress progress;
@@ -207,16 +223,17 @@ Result<void> Context::setValue(std::string_view input, const StrongPtr<Orla::VVa
 
 Result<StrongPtr<Orla::VValueBase>> Context::value(std::string_view slot) const
 {
-    const Detail::SessionCore& core = *m_implementation->core;
-    if (const Result<StrongPtr<Orla::VSlot>> input = core.findInput(slot)) {
-        if (const StrongPtr<Orla::VValueBase> found = (*input)->getLocalValue(pool()))
-            return found->copy();
-        return Failure{"the input has no value"};
-    }
-    const Result<OutputReference> output = core.findOutput(slot);
-    if (!output)
-        return Failure{output.reason()};
-    return output->value(pool());
+    Detail::SessionCore& core = *m_implementation->core;
+    const VNetwork::Scope scope{core.objects()};
+    const VNetwork::Use use{core.objects()};
+    const Result<OutputReference> found = core.findSlot(slot);
+    if (!found)
+        return Failure{found.reason()};
+    if (found->output->hasFlag(Orla::VSlot::Output))
+        return found->value(pool());
+    if (const StrongPtr<Orla::VValueBase> input = found->output->getLocalValue(pool()))
+        return input->copy();
+    return Failure{"the input has no value"};
 }
 
 Result<std::string> Context::text(std::string_view slot) const
@@ -230,6 +247,7 @@ Result<std::string> Context::text(std::string_view slot) const
 std::vector<std::optional<std::string>> Context::row()
 {
     std::vector<std::optional<std::string>> cells;
+    const VNetwork::Use use{m_implementation->core->objects()};
     m_implementation->watched(m_implementation->lastStep(), [&] {
         for (const Network::Column& column : m_implementation->core->network().columns)
             cells.push_back(m_implementation->textOf(column));
@@ -270,13 +288,12 @@ void Context::schedule(std::vector<ScriptedEvent> events)
 
 Result<std::uint64_t> Context::stepCount() const
 {
-    const VNetwork::Scope scope{m_implementation->core->objects()};
-    return m_implementation->core->stepCount(pool());
+    return m_implementation->core->stepCount(m_implementation->provider, pool());
 }
 
 void Context::setStep(std::uint64_t step)
 {
-    if (m_implementation->core->timeProvider())
+    if (m_implementation->provider)
         m_implementation->setTime(step);
 }
 
@@ -289,15 +306,16 @@ bool Context::evaluate(const Orla::VCancellation& cancellation)
 bool Context::evaluateStep(const Orla::VCancellation& cancellation)
 {
     EvaluationSummary& summary = m_implementation->summary;
-    const TimeProvider& provider = m_implementation->core->timeProvider();
-    if (provider && !provider.exists()) {
+    if (const TimeProvider& provider = m_implementation->provider; provider && !provider.exists()) {
         summary.timeIsLost = true;
         return false;
     }
     if (!m_implementation->count) {
         const Result<std::uint64_t> count = stepCount();
-        if (!count)
+        if (!count) {
+            summary.timeRefusal = count.reason();
             return false;
+        }
         m_implementation->count = *count;
     }
     if (summary.steps >= *m_implementation->count)

@@ -36,12 +36,14 @@ struct TARN_API EvaluationSummary {
     bool cancelled = false;         ///< the step in progress was not completed
     bool timeIsLost = false;        ///< the time provider was removed before the last step
     bool chartIsMissing = false;    ///< no object offers the wanted chart
-    std::string chartRefusal{};     ///< why an object refused it, if `evaluate` found out
+    std::string chartRefusal{};     ///< why an object refused it; may be empty
+    std::string timeRefusal{};      ///< why the steps of the time cannot be counted
     Faults unknownChoices{{}};      ///< texts that choose what an object does not offer
 
     bool isFine() const noexcept
     {
-        return failures == 0 && stopped == 0 && !cancelled && !timeIsLost && !chartIsMissing && unknownChoices.empty();
+        return failures == 0 && stopped == 0 && !cancelled && !timeIsLost && !chartIsMissing && timeRefusal.empty()
+               && unknownChoices.empty();
     }
 };
 

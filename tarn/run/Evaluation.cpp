@@ -33,23 +33,22 @@ std::vector<std::string> rowOf(Context& context, std::uint64_t step)
     return row;
 }
 
-// A missing chart also makes objects fail. Their failures are not reported, except for the reason
-// of one, which is returned in `refusal`.
-bool evaluateFirst(const std::string& chart, Context& context, const Orla::VCancellation& cancellation,
-                   std::string& refusal)
+// A missing chart also makes objects fail. Their failures are not reported; the summary has the
+// reason of one.
+bool evaluateFirst(const std::string& chart, Context& context, const Orla::VCancellation& cancellation)
 {
     if (chart.empty())
         return context.evaluateStep(cancellation);
     HeldFailures failures;
     const bool goesOn = context.evaluateStep(cancellation);
     if (context.summary().chartIsMissing)
-        refusal = failures.take(inQuotes(chart));
+        failures.drop(inQuotes(chart));
     return goesOn;
 }
 
 // Returns false if the evaluation ended before the last step.
 bool evaluateSteps(const std::string& chart, Context& context, const EvaluationTask& task,
-                   const Orla::VCancellation& cancellation, std::string& refusal)
+                   const Orla::VCancellation& cancellation)
 {
     const std::uint64_t count = *context.stepCount();
     std::optional<Progress> progress;
@@ -58,7 +57,7 @@ bool evaluateSteps(const std::string& chart, Context& context, const EvaluationT
     for (std::uint64_t step = 0; step < count; ++step) {
         if (task.tracer)
             task.tracer->beginStep(step);
-        if (!(step == 0 ? evaluateFirst(chart, context, cancellation, refusal) : context.evaluateStep(cancellation)))
+        if (!(step == 0 ? evaluateFirst(chart, context, cancellation) : context.evaluateStep(cancellation)))
             return false;
         if (task.table)
             task.table->writeRow(rowOf(context, step));
@@ -78,13 +77,9 @@ EvaluationSummary evaluate(const Session& session, Context& context, const Evalu
     // A trace shows how long each object takes, so objects run one at a time.
     if (task.tracer)
         context.setExecutor(nullptr);
-    std::string refusal;
-    if (evaluateSteps(session.core()->wantedChart().text, context, task, cancellation, refusal)
-        || context.summary().timeIsLost)
+    if (evaluateSteps(session.core()->wantedChart().text, context, task, cancellation) || context.summary().timeIsLost)
         context.finish(cancellation);
-    EvaluationSummary summary = context.summary();
-    summary.chartRefusal = refusal;
-    return summary;
+    return context.summary();
 }
 
 } // namespace Tarn

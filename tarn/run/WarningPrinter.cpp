@@ -3,7 +3,6 @@
 #include <tarn/run/Progress.hpp>
 #include <tarn/text/Messages.hpp>
 
-#include <algorithm>
 #include <cstdio>
 #include <string_view>
 
@@ -128,14 +127,10 @@ HeldFailures::~HeldFailures()
         m_printer->printFailure(message);
 }
 
-std::string HeldFailures::take(const std::string& text)
+void HeldFailures::drop(const std::string& text)
 {
     const std::lock_guard lock{m_mutex};
-    const auto mentions = [&text](const std::string& message) { return message.find(text) != std::string::npos; };
-    const auto first = std::ranges::find_if(m_messages, mentions);
-    std::string taken = first == m_messages.end() ? std::string() : *first;
-    std::erase_if(m_messages, mentions);
-    return taken;
+    std::erase_if(m_messages, [&text](const std::string& message) { return message.find(text) != std::string::npos; });
 }
 
 bool HeldFailures::hold(WarningPrinter& printer, const std::string& message)

@@ -58,9 +58,8 @@ public:
     HeldFailures(const HeldFailures&) = delete;
     HeldFailures& operator=(const HeldFailures&) = delete;
 
-    /// Removes the failures that contain \p text. Returns the first one; an empty text if no
-    /// failure contains it.
-    std::string take(const std::string& text);
+    /// Removes the failures that contain \p text.
+    void drop(const std::string& text);
 
 private:
     friend class WarningPrinter;

@@ -28,18 +28,19 @@ TEST_F(SessionCoreTest, countsTheStepsInEachPool)
     const auto one = Loam::makeStrong<Orla::ValuePool>("one");
     const auto two = Loam::makeStrong<Orla::ValuePool>("two");
     EXPECT_TRUE((*core.findInput("clock.time"))->set(two, std::string("0[0,1]@0.1")));
-    EXPECT_EQ(*core.stepCount(one), 5u);
-    EXPECT_EQ(*core.stepCount(two), 11u);
+    EXPECT_EQ(*core.stepCount(core.timeProvider(), one), 5u);
+    EXPECT_EQ(*core.stepCount(core.timeProvider(), two), 11u);
     EXPECT_TRUE((*core.findInput("clock.time"))->set(two, std::string("0[0,inf]@1")));
-    EXPECT_EQ(core.stepCount(two).reason(), "object \"clock\", input \"time\": the time 0[0,inf]@1 has inf steps, "
-                                            "expected 1 or more, 1000000000000000 at most");
+    EXPECT_EQ(core.stepCount(core.timeProvider(), two).reason(),
+              "object \"clock\", input \"time\": the time 0[0,inf]@1 has inf steps, "
+              "expected 1 or more, 1000000000000000 at most");
 }
 
 TEST_F(SessionCoreTest, limitsTheSteps)
 {
     SessionCore core{"net.toml", ".", networkHead + clockInQuarters, {.stepLimit = 3}};
     const Orla::VNetwork::Scope scope{core.objects()};
-    EXPECT_EQ(*core.stepCount(Loam::makeStrong<Orla::ValuePool>()), 3u);
+    EXPECT_EQ(*core.stepCount(core.timeProvider(), Loam::makeStrong<Orla::ValuePool>()), 3u);
 }
 
 TEST_F(SessionCoreTest, findsObjectsThatTheFileDoesNotName)

@@ -76,6 +76,16 @@ TEST_F(ContextTest, stepsFromTheBeginningToTheEndOfTheTime)
     EXPECT_TRUE(context.summary().isFine());
 }
 
+TEST_F(ContextTest, isNotFineIfItsTimeCannotBeStepped)
+{
+    const Session session = open(clockInQuarters);
+    Context context{session};
+    EXPECT_TRUE(context.setText("clock.time", "0[0,inf]@1"));
+    EXPECT_FALSE(context.evaluateStep());
+    EXPECT_FALSE(context.summary().isFine());
+    EXPECT_THAT(context.summary().timeRefusal, HasSubstr("the time 0[0,inf]@1 has inf steps"));
+}
+
 TEST_F(ContextTest, evaluatesAnyStep)
 {
     const Session session = open(clockInQuarters + object("reader", "TimeReader"));
