@@ -1,6 +1,5 @@
 #include <tarn/network/NetworkContent.hpp>
 
-#include <tarn/libraries/AnnouncedObjects.hpp>
 #include <tarn/network/ChoiceCheck.hpp>
 #include <tarn/network/NetworkBuilder.hpp>
 #include <tarn/network/NetworkGraph.hpp>
@@ -13,7 +12,6 @@
 #include <trellis/VNetwork.hpp>
 
 #include <loam/Result.hpp>
-#include <loam/ScopeExit.hpp>
 
 #include <toml++/toml.h>
 
@@ -132,7 +130,6 @@ private:
     {
         Orla::VNetwork objects{m_reading.folder()};
         const Orla::VNetwork::Scope scope{objects};
-        const Loam::ScopeExit removed{[] { removeAnnouncedObjects(); }};
         const Network network = buildNetwork(m_file, {}, {}, m_faults);
         if (!m_faults.empty())
             return;

@@ -21,6 +21,19 @@ using Loam::Result;
 using Orla::StrongPtr;
 using Orla::VNetwork;
 
+namespace {
+
+// Makes a network current in this thread, and keeps other threads from changing it. The scheduler
+// takes its own `Use`, so that changes need not wait for the end of an evaluation.
+struct Access {
+    explicit Access(VNetwork& network) : scope{network}, use{network} {}
+
+    VNetwork::Scope scope;
+    VNetwork::Use use;
+};
+
+} // namespace
+
 class Context::Implementation {
 public:
     Implementation(std::shared_ptr<Detail::SessionCore> shared, const std::string& name, const std::string& resultTag)
@@ -44,8 +57,7 @@ public:
             return Failure{input.reason()};
         if (!value)
             return Failure{"found no value, expected type " + Orla::VTypeLabel::of((*input)->type())};
-        const VNetwork::Scope scope{core->objects()};
-        const VNetwork::Use use{core->objects()};
+        const Access access{core->objects()};
         const StrongPtr<Orla::VValueBase> variable = (*input)->getLocalValue(pool);
         if (!variable || !variable->getValueFrom(Loam::WeakPtrImpl<Orla::VValueBase>(value)))
             return Failure{typeMismatch(*value, (*input)->type())};
@@ -70,9 +82,11 @@ public:
 
     bool run(const Orla::VCancellation& cancellation)
     {
-        const VNetwork::Scope scope{core->objects()};
-        if (!std::exchange(hasBegun, true))
+        if (!std::exchange(hasBegun, true)) {
+            const Access access{core->objects()};
             Orla::VScheduler::scheduleAll(pool);
+        }
+        const VNetwork::Scope scope{core->objects()};
         Orla::VRequest request{pool, progress, cancellation};
         const Orla::VScheduler::Summary done =
             executor ? Orla::VScheduler::run(request, *executor) : Orla::VScheduler::run(request);
@@ -96,13 +110,14 @@ public:
         }
         if (emit(&RunActions::emitStepped) && !run(cancellation))
             return false;
+        const Access access{core->objects()};
         choices.addFaults(pool, summary.unknownChoices);
         return summary.unknownChoices.empty();
     }
 
     void setTime(std::uint64_t step)
     {
-        const VNetwork::Scope scope{core->objects()};
+        const Access access{core->objects()};
         if (!time)
             time = provider.time(pool);
         provider.setStep(pool, *time, step);
@@ -110,7 +125,7 @@ public:
 
     bool playEvent(const ScriptedEvent& event)
     {
-        const VNetwork::Scope scope{core->objects()};
+        const Access access{core->objects()};
         if (!player)
             player = EventPlayer::find();
         if (*player)
@@ -120,7 +135,7 @@ public:
 
     bool emit(bool (RunActions::*report)(const StrongPtr<Orla::ValuePool>&) const)
     {
-        const VNetwork::Scope scope{core->objects()};
+        const Access access{core->objects()};
         if (!actions)
             actions = RunActions::find();
         return (*actions.*report)(pool);
@@ -128,7 +143,7 @@ public:
 
     bool hasChart()
     {
-        const VNetwork::Scope scope{core->objects()};
+        const Access access{core->objects()};
         const std::string& wanted = wantedChart ? *wantedChart : networkChart;
         summary.chartIsMissing = !wanted.empty() && !ChartChoice::find().isSelected(wanted, pool);
         if (summary.chartIsMissing)
@@ -224,8 +239,7 @@ Result<void> Context::setValue(std::string_view input, const StrongPtr<Orla::VVa
 Result<StrongPtr<Orla::VValueBase>> Context::value(std::string_view slot) const
 {
     Detail::SessionCore& core = *m_implementation->core;
-    const VNetwork::Scope scope{core.objects()};
-    const VNetwork::Use use{core.objects()};
+    const Access access{core.objects()};
     const Result<OutputReference> found = core.findSlot(slot);
     if (!found)
         return Failure{found.reason()};
@@ -247,7 +261,7 @@ Result<std::string> Context::text(std::string_view slot) const
 std::vector<std::optional<std::string>> Context::row()
 {
     std::vector<std::optional<std::string>> cells;
-    const VNetwork::Use use{m_implementation->core->objects()};
+    const Access access{m_implementation->core->objects()};
     m_implementation->watched(m_implementation->lastStep(), [&] {
         for (const Network::Column& column : m_implementation->core->network().columns)
             cells.push_back(m_implementation->textOf(column));
@@ -258,8 +272,7 @@ std::vector<std::optional<std::string>> Context::row()
 
 Result<void> Context::selectChart(const std::string& name)
 {
-    const VNetwork::Scope scope{m_implementation->core->objects()};
-    const VNetwork::Use use{m_implementation->core->objects()};
+    const Access access{m_implementation->core->objects()};
     const ChartChoice choice = ChartChoice::find();
     if (!choice)
         return Failure{"no object depends on a chart"};
@@ -270,7 +283,7 @@ Result<void> Context::selectChart(const std::string& name)
 
 std::vector<std::string> Context::charts() const
 {
-    const VNetwork::Scope scope{m_implementation->core->objects()};
+    const Access access{m_implementation->core->objects()};
     const ChartChoice choice = ChartChoice::find();
     return choice ? choice.names(pool()) : std::vector<std::string>{};
 }
@@ -340,7 +353,7 @@ const EvaluationSummary& Context::summary() const noexcept
 
 StatusReport Context::statuses() const
 {
-    const VNetwork::Scope scope{m_implementation->core->objects()};
+    const Access access{m_implementation->core->objects()};
     return StatusReport{pool()};
 }
 
