@@ -32,7 +32,7 @@ bool HotKey::Key::isRepeatedlyPressed(const VInteractionEvent& event) const
 HotKey::HotKey(const char* slotName, int expertLevel)
     : Interactive{slotName, expertLevel}, m_hotkey{this, "hotkey", 0, expertLevel}
 {
-    keepsState(); // whether the key is armed
+    runsInOnePool(); // an update may change whether the key is armed
 }
 
 HotKey::~HotKey() = default;
@@ -83,8 +83,13 @@ bool HotKey::HotKeyIsPressed(const StrongPtr<ValuePool>& pool)
     Key key{keyIn(pool), m_armed};
     if (key.key == 0)
         return false;
-    const bool result = key.isPressed(eventIn(pool));
+    const VInteractionEvent event = eventIn(pool);
+    const bool result = key.isPressed(event);
     m_armed = key.armed;
+    // Other events neither depend on the key nor change it.
+    if (VFrame* const frame = pool ? pool->runningFrame() : nullptr;
+        frame && !(event.keyText.empty() && event.armingKeyText.empty()))
+        frame->usesState();
     return result;
 }
 

@@ -62,6 +62,8 @@ public:
     /// The result is a copy by `VValueOperations`, as that of `TypedSlot::value`.
     T value(const StrongPtr<ValuePool>& pool) const
     {
+        if (const VRunningCell<T> cell{pool.get(), m_place})
+            cell.noteRead();
         const StrongPtr<VValueBase> found = m_parameter->getValueBase(pool);
         const VTypedValueBase<T>* typed = VTypedValueBase<T>::cast(found.get());
         T value{};
@@ -190,8 +192,10 @@ bool operator<<=(const VOutputReference<T>& out, const std::type_identity_t<T>& 
 {
     if (const VRunningCell<T> cell{out.pool.get(), out.place}) {
         if (VValue<T>* const held = cell.writable()) [[likely]] {
-            if (Detail::areSame(std::as_const(*held).content(), value))
+            if (Detail::areSame(std::as_const(*held).content(), value)) {
+                cell.noteWritten();
                 return false;
+            }
             cell.write(*held, value);
             return true;
         }
@@ -215,6 +219,7 @@ template<class T>
 bool operator>>(const VOutputReference<T>& out, T& value)
 {
     if (const VRunningCell<T> cell{out.pool.get(), out.place}) {
+        cell.noteRead();
         if (const VValue<T>* const held = cell.writable()) [[likely]] {
             value = held->content();
             return true;

@@ -18,8 +18,8 @@ class VRunningCell {
 public:
     /// Finds the cell at \p place if \p pool belongs to a running update of the place's
     /// container.
-    VRunningCell(const ValuePool* pool, const VSlotPlace& place) noexcept
-        : m_frame{pool ? VFrame::of(pool->runningFrame(), place) : nullptr}, m_cell{place.cell}
+    VRunningCell(ValuePool* pool, const VSlotPlace& place) noexcept
+        : m_pool{pool}, m_frame{pool ? VFrame::of(pool->runningFrame(), place) : nullptr}, m_cell{place.cell}
     {
     }
 
@@ -67,10 +67,23 @@ public:
         m_frame->prepareToAnnounce(m_cell);
         to.content() = Detail::independent(value);
         to.touch();
+        noteWritten();
         m_frame->announce(m_cell);
     }
 
+    /// Notes that the update has written the output, also if the value stayed the same.
+    void noteWritten() const noexcept { m_pool->noteWritten(m_cell); }
+
+    /// Notes that the update reads the output. Unless it has written the output, the value is
+    /// from an earlier update.
+    void noteRead() const noexcept
+    {
+        if (!m_pool->hasWritten(m_cell)) [[unlikely]]
+            m_frame->readEarlierOutput(m_cell);
+    }
+
 private:
+    ValuePool* m_pool;
     VFrame* m_frame;
     std::uint32_t m_cell;
 };

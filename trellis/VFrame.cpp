@@ -44,6 +44,29 @@ void VFrame::announce(std::uint32_t index)
     }
 }
 
+void VFrame::readEarlierOutput(std::uint32_t index) noexcept
+{
+    m_pool->noteHistory(*this, VHistory::Cause::ReadsOutput, index);
+}
+
+void VFrame::changedOwnInput(std::uint32_t index) noexcept
+{
+    // The first update completes inputs from data, for example the choices of a selection. Later
+    // ones find what it wrote.
+    if (m_lastRun != 0)
+        m_pool->noteHistory(*this, VHistory::Cause::ChangesInput, index);
+}
+
+void VFrame::writesFile() noexcept
+{
+    m_pool->noteHistory(*this, VHistory::Cause::WritesFile, 0);
+}
+
+void VFrame::usesState() noexcept
+{
+    m_pool->noteHistory(*this, VHistory::Cause::KeepsState, 0);
+}
+
 void VFrame::findReaders(std::uint32_t index)
 {
     PoolState& pool = *m_pool;

@@ -89,6 +89,19 @@ public:
     /// Makes the readers of an owned value due and notifies its listeners.
     void announce(std::uint32_t index);
 
+    /// Called when the object's update reads an output of its own that it has not written. The
+    /// value is from an earlier update; see `VScheduler::history`.
+    void readEarlierOutput(std::uint32_t index) noexcept;
+
+    /// Called when the object's update changes an input of its own.
+    void changedOwnInput(std::uint32_t index) noexcept;
+
+    /// Called when the object's update asks for the name of a file to write.
+    void writesFile() noexcept;
+
+    /// Called when the object's update uses members that earlier updates changed.
+    void usesState() noexcept;
+
 private:
     friend class Detail::DueQueue;
     friend class Detail::PoolState;

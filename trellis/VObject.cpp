@@ -44,6 +44,8 @@ std::string VObject::inputFile(const std::string& name) const
 std::string VObject::resultFile(const std::string& name, const StrongPtr<ValuePool>& pool) const
 {
     std::filesystem::path path = name;
+    if (VFrame* const frame = pool ? pool->runningFrame() : nullptr; frame && frame->container() == this)
+        frame->writesFile();
     if (pool && !pool->resultTag().empty() && !name.empty()) {
         const std::string extension = path.extension().string();
         path.replace_extension();

@@ -118,6 +118,9 @@ void VParameter::notifyValueChange(const StrongPtr<VValueBase>& value, const Str
 {
     if (value)
         value->age().touch();
+    if (VFrame* const frame = pool && m_slot ? VFrame::of(pool->runningFrame(), m_slot->place()) : nullptr;
+        frame && !m_slot->hasFlag(VSlot::Output))
+        frame->changedOwnInput(m_slot->place().cell);
     // An unused pool needs a state only if a slot reads the parameter.
     if (pool && pool->root() && (pool->state() || !m_readers.empty()))
         pool->stateOrNew().announce(*this, member);

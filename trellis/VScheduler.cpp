@@ -132,6 +132,13 @@ std::size_t VScheduler::countWaiting(const VObject& object, const StrongPtr<Valu
     return frame ? Orla::stateOf(pool)->countWaiting(*frame) : 0;
 }
 
+std::optional<VHistory> VScheduler::history(const StrongPtr<ValuePool>& pool)
+{
+    const PoolUse use{pool};
+    Detail::PoolState* const state = Orla::stateOf(pool);
+    return state ? state->history() : std::nullopt;
+}
+
 bool VScheduler::observe(const StrongPtr<ValuePool>& pool, Observer* observer)
 {
     if (!pool || !pool->root())

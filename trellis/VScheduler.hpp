@@ -1,11 +1,13 @@
 #pragma once
 
 #include <trellis/Export.hpp>
+#include <trellis/VHistory.hpp>
 #include <trellis/VObject.hpp>
 #include <trellis/VObserver.hpp>
 #include <trellis/VRequest.hpp>
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -90,6 +92,17 @@ public:
     /// Returns the number of objects that wait for \p object in \p pool, directly or
     /// indirectly.
     static std::size_t countWaiting(const VObject& object, const StrongPtr<ValuePool>& pool);
+
+    /// Returns why results in \p pool may depend on its earlier evaluations, for one object; or
+    /// nothing if the objects whose updates have run depend on their inputs only. A host may
+    /// evaluate such inputs, for example the steps of a time, in any order and in different
+    /// pools.
+    ///
+    /// Objects declare it, or it is noticed: an update reads an output of its own object through
+    /// `VOutput` before it has written the output, changes an input of its own object, or calls
+    /// `VObject::resultFile`. An update that does something else whose result lasts is not
+    /// noticed; its object calls `dependsOnEarlierUpdates` or `keepsState`.
+    static std::optional<VHistory> history(const StrongPtr<ValuePool>& pool);
 
     /// Runs the due objects of the request's pool, and those that become due, until none is
     /// due. An update that throws or returns false is reported through

@@ -220,6 +220,12 @@ void VSlotContainer::runSetupFunctions()
 
 void VSlotContainer::keepsState()
 {
+    runsInOnePool();
+    dependsOnEarlierUpdates();
+}
+
+void VSlotContainer::runsInOnePool()
+{
     const Detail::ChangeScope change{*m_wiring.network};
     m_wiring.keepsState = true;
     Detail::FrameHooks::switchesChanged(*this);
@@ -229,6 +235,13 @@ void VSlotContainer::runsInTurn()
 {
     const Detail::ChangeScope change{*m_wiring.network};
     m_wiring.runsInTurn = true;
+    Detail::FrameHooks::switchesChanged(*this);
+}
+
+void VSlotContainer::dependsOnEarlierUpdates()
+{
+    const Detail::ChangeScope change{*m_wiring.network};
+    m_wiring.hasHistory = true;
     Detail::FrameHooks::switchesChanged(*this);
 }
 

@@ -118,16 +118,33 @@ public:
     /// Calls every set-up function.
     void runSetupFunctions();
 
-    /// Declares that members of the object hold state that affects its results. The object
-    /// then runs in one pool at a time, even if several threads evaluate pools. Call it in the
-    /// constructor.
+    /// Declares that members of the object hold state that affects its results: they depend on
+    /// earlier updates in all pools. The object then runs in one pool at a time, even if several
+    /// threads evaluate pools. Call it in the constructor.
     void keepsState();
+
+    /// Declares that the object runs in one pool at a time, because its updates use members. Unlike
+    /// `keepsState`, this does not declare that results depend on earlier updates. Call it in the
+    /// constructor.
+    void runsInOnePool();
+
+    /// Returns true if the object runs in one pool at a time.
+    bool isInOnePool() const noexcept { return m_wiring.keepsState; }
+
+    /// Returns true if the object called `keepsState` or `dependsOnEarlierUpdates`.
+    bool hasHistory() const noexcept { return m_wiring.hasHistory; }
 
     /// Declares that the object shares more with other objects than the values that they read
     /// from each other, for example which object has grabbed the pointer. These objects run
     /// one at a time, in serial order, even if others run concurrently. An input of a type
     /// whose `VValueTrait` has a true member `sharesState` declares this for its object.
     void runsInTurn();
+
+    /// Declares that results of the object depend on its earlier updates in the pool, for example
+    /// a sum over time. A host then evaluates the steps of the time in order. An update that
+    /// reads an output of its own object before writing it need not declare it; see
+    /// `VScheduler::history`.
+    void dependsOnEarlierUpdates();
 
     /// Declares that the object runs even if an input comes from a failed update. Its update
     /// calls `VRequest::hasFailed` to find out which inputs failed.

@@ -5,7 +5,9 @@
 #include <trellis/VValueBase.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
+#include <utility>
 
 namespace Orla {
 
@@ -42,6 +44,9 @@ public:
     const std::string& Name() const noexcept;
     const std::string& resultTag() const noexcept { return m_resultTag; }
 
+    /// Replaces the result tag, between evaluations of the pool.
+    void setResultTag(std::string tag) noexcept { m_resultTag = std::move(tag); }
+
     /// Returns the variable entered under \p name, or null.
     StrongPtr<VValueBase> retrieveValue(const std::string& name) const;
 
@@ -69,6 +74,13 @@ public:
     /// Returns the frame of the update that runs with this pool; null outside updates.
     VFrame* runningFrame() const noexcept { return m_running; }
 
+    /// Notes that the running update has written the output in \p cell of its frame.
+    void noteWritten(std::uint32_t cell) noexcept { m_written |= bitOf(cell); }
+
+    /// Returns true if the running update has written the output in \p cell. Only the first 64
+    /// cells are noted.
+    bool hasWritten(std::uint32_t cell) const noexcept { return (m_written & bitOf(cell)) != 0; }
+
     /// For internal use; null if the pool has never been used.
     Detail::PoolState* state() const noexcept { return m_state; }
     Detail::PoolState& stateOrNew();
@@ -80,10 +92,16 @@ private:
     /// Creates a view of the pool of \p state.
     explicit ValuePool(Detail::PoolState& state);
 
+    static constexpr std::uint64_t bitOf(std::uint32_t cell) noexcept
+    {
+        return cell < 64 ? std::uint64_t{1} << cell : 0;
+    }
+
     std::string m_name;
     std::string m_resultTag;
     Detail::PoolState* m_state = nullptr; // owned, unless the pool is a view
     VFrame* m_running = nullptr;
+    std::uint64_t m_written = 0; // one bit per cell that the running update has written
     bool m_isView = false;
 };
 

@@ -9,6 +9,7 @@
 #include <trellis/VCreationPreferences.hpp>
 #include <trellis/VExecutor.hpp>
 #include <trellis/VFrame.hpp>
+#include <trellis/VHistory.hpp>
 #include <trellis/VLibrary.hpp>
 #include <trellis/VManagedObject.hpp>
 #include <trellis/VManagedObjectBase.hpp>

@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -248,6 +249,20 @@ TEST_F(HotKeyTest, armsEachFurtherKeySeparately)
     send(keyEvent("", "b"));
     send(keyEvent("b"));
     EXPECT_EQ(m_shutter->secondPressed, 2);
+}
+
+TEST_F(HotKeyTest, makesResultsDependOnEarlierUpdatesOnlyOnceAKeyIsUsed)
+{
+    const auto history = [this] {
+        const std::optional<VHistory> found = VScheduler::history(m_pool);
+        return found ? found->text() : "none";
+    };
+    evaluate();
+    m_shutter->setHotKey('a', m_pool);
+    send(VInteractionEvent{});
+    EXPECT_EQ(history(), "none");
+    send(keyEvent("a"));
+    EXPECT_EQ(history(), "object \"shutter\" keeps state in its members");
 }
 
 TEST_F(HotKeyTest, doesNotFireWithoutAKey)

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace VRunningCellTest {
@@ -36,7 +37,7 @@ public:
     VSlotPlace inputPlace() const { return in.slot()->place(); }
     VSlotPlace outputPlace() const { return findOutput("out")->place(); }
 
-    std::function<void(const ValuePool& pool)> work;
+    std::function<void(ValuePool& pool)> work;
     const TypedSlot<std::string> in{this, "in", "initial input", 0};
     const VOutput<std::string> out{this, "out", "initial output", nullptr};
 };
@@ -49,7 +50,7 @@ class Overriding final : public VValue<std::string> {
 class VRunningCellTest : public testing::Test {
 protected:
     // Runs the probe, and calls `work` during its update.
-    void duringUpdate(const std::function<void(const ValuePool& pool)>& work) const
+    void duringUpdate(const std::function<void(ValuePool& pool)>& work) const
     {
         m_probe->work = work;
         VScheduler::schedule(m_probe, 0, m_pool);
@@ -66,11 +67,11 @@ protected:
 
 TEST_F(VRunningCellTest, isFoundOnlyWhileTheObjectOfItsSlotIsUpdated)
 {
-    const auto isFound = [](const ValuePool* pool, const VSlotPlace& place) {
+    const auto isFound = [](ValuePool* pool, const VSlotPlace& place) {
         return bool(VRunningCell<std::string>{pool, place});
     };
     EXPECT_FALSE(isFound(m_pool.get(), m_probe->inputPlace()));
-    duringUpdate([&](const ValuePool& pool) {
+    duringUpdate([&](ValuePool& pool) {
         EXPECT_TRUE(isFound(&pool, m_probe->inputPlace()));
         EXPECT_FALSE(isFound(&pool, m_other->inputPlace()));
         EXPECT_FALSE(isFound(nullptr, m_probe->inputPlace()));
@@ -80,7 +81,7 @@ TEST_F(VRunningCellTest, isFoundOnlyWhileTheObjectOfItsSlotIsUpdated)
 
 TEST_F(VRunningCellTest, returnsNoValueOfAnotherType)
 {
-    duringUpdate([&](const ValuePool& pool) {
+    duringUpdate([&](ValuePool& pool) {
         const VRunningCell<double> cell{&pool, m_probe->inputPlace()};
         EXPECT_EQ(cell.plain(), nullptr);
         EXPECT_EQ(cell.typed(), nullptr);
@@ -89,7 +90,7 @@ TEST_F(VRunningCellTest, returnsNoValueOfAnotherType)
 
 TEST_F(VRunningCellTest, returnsAPlainValueEachTime)
 {
-    duringUpdate([&](const ValuePool& pool) {
+    duringUpdate([&](ValuePool& pool) {
         const VRunningCell<std::string> cell{&pool, m_probe->inputPlace()};
         for (int i = 0; i < 2; ++i) {
             ASSERT_NE(cell.plain(), nullptr);
@@ -106,7 +107,7 @@ TEST_F(VRunningCellTest, returnsAValueOfADerivedClassOnlyAsATypedOne)
     VScheduler::run(m_pool);
     m_pool->createVariable(m_other->out.parameter().get(), value);
     ASSERT_TRUE(m_probe->attachOutput(m_other->findOutput("out"), m_probe->in.slot(), ""));
-    duringUpdate([&](const ValuePool& pool) {
+    duringUpdate([&](ValuePool& pool) {
         const VRunningCell<std::string> cell{&pool, m_probe->inputPlace()};
         for (int i = 0; i < 2; ++i) {
             EXPECT_EQ(cell.plain(), nullptr);
@@ -118,7 +119,7 @@ TEST_F(VRunningCellTest, returnsAValueOfADerivedClassOnlyAsATypedOne)
 TEST_F(VRunningCellTest, isWritableForAnEnabledOutputButNotForAConnectedInput)
 {
     ASSERT_TRUE(m_probe->attachOutput(m_other->findOutput("out"), m_probe->in.slot(), ""));
-    duringUpdate([&](const ValuePool& pool) {
+    duringUpdate([&](ValuePool& pool) {
         const VRunningCell<std::string> input{&pool, m_probe->inputPlace()};
         EXPECT_EQ(input.writable(), nullptr);
         const VRunningCell<std::string> output{&pool, m_probe->outputPlace()};
@@ -131,6 +132,34 @@ TEST_F(VRunningCellTest, isWritableForAnEnabledOutputButNotForAConnectedInput)
     });
 }
 
+TEST_F(VRunningCellTest, noticesThatAnOutputIsReadBeforeItIsWritten)
+{
+    const auto update = [this](const std::function<void(const StrongPtr<ValuePool>&)>& work) {
+        const StrongPtr<ValuePool> pool(new ValuePool);
+        m_probe->work = [&](ValuePool& running) { work(running.root()); };
+        VScheduler::schedule(m_probe, 0, pool);
+        VScheduler::run(pool);
+        const std::optional<VHistory> history = VScheduler::history(pool);
+        return history ? history->slot : "none";
+    };
+    const VOutput<std::string>& out = m_probe->out;
+    std::string text;
+    EXPECT_EQ(update([&](const StrongPtr<ValuePool>& pool) { out.value(pool); }), "out");
+    EXPECT_EQ(update([&](const StrongPtr<ValuePool>& pool) { out(pool) >> text; }), "out");
+    EXPECT_EQ(update([&](const StrongPtr<ValuePool>& pool) { m_probe->in.value(pool); }), "none");
+    EXPECT_EQ(update([&](const StrongPtr<ValuePool>& pool) { m_other->out.value(pool); }), "none");
+    EXPECT_EQ(update([&](const StrongPtr<ValuePool>& pool) {
+                  out(pool) << "written";
+                  out.value(pool);
+              }),
+              "none");
+    EXPECT_EQ(update([&](const StrongPtr<ValuePool>& pool) {
+                  out(pool) <<= "initial output";
+                  out(pool) >> text;
+              }),
+              "none");
+}
+
 TEST_F(VRunningCellTest, announcesWhatItWrites)
 {
     ASSERT_TRUE(m_other->attachOutput(m_probe->findOutput("out"), m_other->in.slot(), ""));
@@ -138,10 +167,10 @@ TEST_F(VRunningCellTest, announcesWhatItWrites)
     VScheduler::run(m_pool);
     const Changes changes{m_probe->out.parameter()};
     std::string read;
-    m_other->work = [&](const ValuePool& pool) {
+    m_other->work = [&](ValuePool& pool) {
         read = VRunningCell<std::string>{&pool, m_other->inputPlace()}.plain()->content();
     };
-    m_probe->work = [&](const ValuePool& pool) {
+    m_probe->work = [&](ValuePool& pool) {
         const VRunningCell<std::string> cell{&pool, m_probe->outputPlace()};
         const Loam::Ageable::Age before = cell.writable()->age().stamp();
         cell.write(*cell.writable(), "written");

@@ -47,6 +47,7 @@ struct ContainerWiring {
     bool keepsState = false;    // the object runs in one pool at a time
     bool runsInTurn = false;    // the object shares more than values with others
     bool acceptsFailed = false; // the object runs even if an input failed
+    bool hasHistory = false;    // results depend on earlier updates
 };
 
 } // namespace Detail

@@ -40,6 +40,17 @@ const VSlot* homeSlot(const VParameter& parameter) noexcept
     return isKept ? slot : nullptr;
 }
 
+// Returns true if an input of the container is connected to an output of the same container.
+bool readsItself(const VSlotContainer& container)
+{
+    for (const StrongPtr<VSlot>& input : container.inputs()) {
+        const VSlot* const source = input->isConnected() ? input->parameter()->slot() : nullptr;
+        if (source && source->container() == &container)
+            return true;
+    }
+    return false;
+}
+
 // Returns true for an output whose value does not count after its object has failed.
 bool isResult(const VSlot& slot) noexcept
 {
@@ -314,6 +325,45 @@ void PoolState::dropFrame(VFrame& frame) noexcept
                 discard(queue->pop());
         }
     }
+}
+
+void PoolState::noteHistory(const VFrame& frame, VHistory::Cause cause, std::uint32_t cell) noexcept
+{
+    const std::string* const name = frame.m_container->wiring().name;
+    if (!name || m_hasHistory.load(std::memory_order_acquire))
+        return;
+    try {
+        const bool isAboutSlot = cause == VHistory::Cause::ReadsOutput || cause == VHistory::Cause::ChangesInput;
+        const VParameter* const parameter = isAboutSlot ? parameterOf(frame, cell) : nullptr;
+        auto noted = std::make_unique<VHistory>(VHistory{cause, *name, parameter ? parameter->Name() : std::string()});
+        const std::lock_guard lock{m_historyLock};
+        if (m_history)
+            return;
+        m_history = std::move(noted);
+        m_hasHistory.store(true, std::memory_order_release);
+    } catch (const std::bad_alloc&) {
+        // The next update notes it again.
+    }
+}
+
+std::optional<VHistory> PoolState::history()
+{
+    if (m_hasHistory.load(std::memory_order_acquire))
+        return *m_history;
+    const VFrame* first = nullptr;
+    forEachFrame([&first](const VFrame& frame) {
+        const ContainerWiring& wiring = frame.m_container->wiring();
+        const auto isLoop = [&] { return wiring.inLoop || readsItself(*frame.m_container); };
+        if (frame.m_isEvaluated && (!first || frame.m_order < first->m_order) && (wiring.hasHistory || isLoop()))
+            first = &frame;
+    });
+    if (!first)
+        return std::nullopt;
+    const ContainerWiring& wiring = first->m_container->wiring();
+    const auto cause = !wiring.hasHistory  ? VHistory::Cause::Loop
+                       : wiring.keepsState ? VHistory::Cause::KeepsState
+                                           : VHistory::Cause::Declared;
+    return VHistory{cause, *wiring.name};
 }
 
 void PoolState::unlinkCell(VFrame& frame, std::uint32_t cell) noexcept

@@ -3,15 +3,19 @@
 #include <trellis/detail/DueQueue.hpp>
 #include <trellis/detail/IdTable.hpp>
 #include <trellis/detail/NetworkCore.hpp>
+#include <trellis/detail/SpinLock.hpp>
 
+#include <trellis/VHistory.hpp>
 #include <trellis/VManagedObjectBase.hpp>
 #include <trellis/VObserver.hpp>
 #include <trellis/ValuePool.hpp>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -304,6 +308,16 @@ public:
     /// Returns the number of objects that wait for the object of a failed frame.
     std::size_t countWaiting(VFrame& frame);
 
+    // History
+
+    /// Notes that an update of the frame's object depends on earlier ones. The first note of a
+    /// pool is kept. Threads that run concurrent updates may call it.
+    void noteHistory(const VFrame& frame, VHistory::Cause cause, std::uint32_t cell) noexcept;
+
+    /// Returns what was noted, or else an object with a frame that declares it; see
+    /// `VScheduler::history`.
+    std::optional<VHistory> history();
+
     // For `FrameHooks`
 
     void dropFrame(VFrame& frame) noexcept;
@@ -421,6 +435,9 @@ private:
     std::vector<ValuePool*> m_views;                          // of this pool
     std::size_t m_deadCount = 0;                              // dead frames in the queues
     bool m_isOutOfOrder = false;
+    std::unique_ptr<VHistory> m_history; // written once, before the flag
+    std::atomic<bool> m_hasHistory{false};
+    SpinLock m_historyLock;
 };
 
 /// The head of a list of several frames that read one value. The pointers follow it in memory.

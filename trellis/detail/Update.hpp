@@ -7,6 +7,7 @@
 #include <trellis/VRequest.hpp>
 
 #include <atomic>
+#include <cstdint>
 #include <exception>
 #include <string>
 #include <utility>
@@ -42,6 +43,7 @@ public:
             return Result::Skipped;
         m_startedAt = Ageable::now();
         VFrame* const outer = std::exchange(pool.m_running, &m_frame);
+        const std::uint64_t outerWritten = std::exchange(pool.m_written, 0);
         std::atomic<const VObject*>& running = RunningObjects::ofThisThread();
         const VObject* const outerObject = running.load(std::memory_order_relaxed);
         running.store(m_frame.m_object, std::memory_order_relaxed);
@@ -54,6 +56,7 @@ public:
         }
         running.store(outerObject, std::memory_order_relaxed);
         pool.m_running = outer;
+        pool.m_written = outerWritten;
         if (m_hasTurn) [[unlikely]]
             giveTurn();
         if (request.isCancelled()) [[unlikely]]
