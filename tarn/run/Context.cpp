@@ -37,7 +37,7 @@ struct Access {
 class Context::Implementation {
 public:
     Implementation(std::shared_ptr<Detail::SessionCore> shared, const std::string& name, const std::string& resultTag)
-        : core{std::move(shared)}, pool{Loam::makeStrong<Orla::ValuePool>(name, resultTag)}
+        : core{std::move(shared)}, pool{Loam::makeStrong<Orla::ValuePool>(name, resultTag)}, tag{resultTag}
     {
         summary.unknownChoices = Faults{core->faults().file()};
     }
@@ -118,8 +118,13 @@ public:
     void setTime(std::uint64_t step)
     {
         const Access access{core->objects()};
-        if (!time)
+        if (!time) {
             time = provider.time(pool);
+            const Result<std::uint64_t> steps = core->stepCount(provider, pool);
+            tagsSteps = !tag.empty() && steps && *steps > 1;
+        }
+        if (tagsSteps)
+            pool->setResultTag(tag + "-step" + std::to_string(step));
         provider.setStep(pool, *time, step);
     }
 
@@ -210,6 +215,8 @@ public:
     std::optional<RunActions> actions;
     std::optional<std::string> wantedChart;
     bool hasBegun = false;
+    std::string tag;
+    bool tagsSteps = false;
 };
 
 Context::Context(const Session& session, const std::string& name, const std::string& resultTag)
@@ -299,6 +306,16 @@ void Context::schedule(std::vector<ScriptedEvent> events)
     m_implementation->nextEvent = 0;
 }
 
+bool Context::hasEvents() const noexcept
+{
+    return !m_implementation->events.empty();
+}
+
+void Context::skipTo(std::uint64_t step)
+{
+    m_implementation->summary.steps = step;
+}
+
 Result<std::uint64_t> Context::stepCount() const
 {
     return m_implementation->core->stepCount(m_implementation->provider, pool());
@@ -341,6 +358,7 @@ bool Context::evaluateStep(const Orla::VCancellation& cancellation)
 
 void Context::finish(const Orla::VCancellation& cancellation)
 {
+    pool()->setResultTag(m_implementation->tag); // results of the run, not of the last step
     m_implementation->watched(m_implementation->lastStep(), [&] {
         return m_implementation->emit(&RunActions::emitFinished) && m_implementation->run(cancellation);
     });

@@ -61,8 +61,9 @@ struct TARN_API EvaluationSummary {
 class TARN_API Context {
 public:
     /// Creates a context for an evaluation from the initial values of all inputs. \p name appears
-    /// in messages. \p resultTag is added to the names of files that objects write; see
-    /// `Orla::VObject::resultFile`.
+    /// in messages. \p resultTag is added to the names of files that objects write, and in a
+    /// network with several steps "-step" and the number of the step; see
+    /// `Orla::VObject::resultFile`. `finish` adds the tag alone.
     explicit Context(const Session& session, const std::string& name = {}, const std::string& resultTag = {});
     ~Context();
     Context(Context&&) noexcept;
@@ -134,6 +135,14 @@ public:
     /// Evaluates the objects that are due: all of them the first time, later those that changes
     /// reach. Returns false if the evaluation was cancelled; it then continues with the next call.
     bool evaluate(const Orla::VCancellation& cancellation = {});
+
+    /// Returns true if `schedule` was called with events.
+    bool hasEvents() const noexcept;
+
+    /// Makes `evaluateStep` continue with step \p step. Its results are those of an evaluation of
+    /// all steps, in order, if no object depends on its earlier updates; see
+    /// `Orla::VScheduler::history`.
+    void skipTo(std::uint64_t step);
 
     /// Evaluates the next step completely: sets the time, evaluates, plays the events of the step,
     /// and emits the actions that report it. Returns false if the evaluation has ended: all steps

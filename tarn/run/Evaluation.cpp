@@ -2,6 +2,7 @@
 
 #include <tarn/network/SessionCore.hpp>
 #include <tarn/run/Progress.hpp>
+#include <tarn/run/StepEvaluation.hpp>
 #include <tarn/run/TableWriter.hpp>
 #include <tarn/run/Tracer.hpp>
 #include <tarn/run/WarningPrinter.hpp>
@@ -25,20 +26,18 @@ std::vector<std::string> titlesOf(const Session& session)
     return titles;
 }
 
-std::vector<std::string> rowOf(Context& context, std::uint64_t step)
+std::vector<std::string> textsOf(std::uint64_t step, const Row& row)
 {
-    std::vector<std::string> row{std::to_string(step)};
-    for (std::optional<std::string>& cell : context.row())
-        row.push_back(std::move(cell).value_or(std::string()));
-    return row;
+    std::vector<std::string> texts{std::to_string(step)};
+    for (const std::optional<std::string>& cell : row)
+        texts.push_back(cell.value_or(std::string()));
+    return texts;
 }
 
 // A missing chart also makes objects fail. Their failures are not reported; the summary has the
 // reason of one.
 bool evaluateFirst(const std::string& chart, Context& context, const Orla::VCancellation& cancellation)
 {
-    if (chart.empty())
-        return context.evaluateStep(cancellation);
     HeldFailures failures;
     const bool goesOn = context.evaluateStep(cancellation);
     if (context.summary().chartIsMissing)
@@ -50,21 +49,29 @@ bool evaluateFirst(const std::string& chart, Context& context, const Orla::VCanc
 bool evaluateSteps(const std::string& chart, Context& context, const EvaluationTask& task,
                    const Orla::VCancellation& cancellation)
 {
-    const std::uint64_t count = *context.stepCount();
     std::optional<Progress> progress;
     if (task.showsProgress)
-        progress.emplace(count);
-    for (std::uint64_t step = 0; step < count; ++step) {
-        if (task.tracer)
-            task.tracer->beginStep(step);
-        if (!(step == 0 ? evaluateFirst(chart, context, cancellation) : context.evaluateStep(cancellation)))
-            return false;
+        progress.emplace(*context.stepCount());
+    StepOptions options;
+    options.receive = [&](std::uint64_t step, const Row& row) {
         if (task.table)
-            task.table->writeRow(rowOf(context, step));
+            task.table->writeRow(textsOf(step, row));
         if (progress)
             progress->show(step + 1);
-    }
-    return true;
+    };
+    options.evaluateStep = [&](Context& each, const Orla::VCancellation& cancelled) {
+        const std::uint64_t step = each.summary().steps;
+        if (task.tracer)
+            task.tracer->beginStep(step);
+        return step == 0 && !chart.empty() ? evaluateFirst(chart, each, cancelled) : each.evaluateStep(cancelled);
+    };
+    // A trace shows how long each object takes, so objects run one at a time.
+    options.threads = task.tracer ? 1 : task.threads;
+    options.makeContext = task.makeContext;
+    options.reportOrder = [&task](const std::string& reason) {
+        say("--jobs=" + std::to_string(task.threads) + ": the steps are evaluated in order, because " + reason);
+    };
+    return Tarn::evaluateSteps(context, options, cancellation);
 }
 
 } // namespace
@@ -74,7 +81,6 @@ EvaluationSummary evaluate(const Session& session, Context& context, const Evalu
 {
     if (task.table)
         task.table->writeRow(titlesOf(session));
-    // A trace shows how long each object takes, so objects run one at a time.
     if (task.tracer)
         context.setExecutor(nullptr);
     if (evaluateSteps(session.core()->wantedChart().text, context, task, cancellation) || context.summary().timeIsLost)

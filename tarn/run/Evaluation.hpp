@@ -4,6 +4,8 @@
 
 #include <trellis/VRequest.hpp>
 
+#include <functional>
+
 namespace Tarn {
 
 class TableWriter;
@@ -11,9 +13,11 @@ class Tracer;
 
 /// What an evaluation does besides running due objects.
 struct EvaluationTask {
-    TableWriter* table = nullptr; ///< receives one row with the session's columns per step
-    Tracer* tracer = nullptr;     ///< is notified of each step
-    bool showsProgress = false;   ///< only if standard error is a terminal
+    TableWriter* table = nullptr;              ///< receives one row with the session's columns per step
+    unsigned threads = 1;                      ///< for steps that do not depend on earlier ones
+    std::function<Context()> makeContext = {}; ///< for the other threads; see `StepOptions`
+    Tracer* tracer = nullptr;                  ///< is notified of each step
+    bool showsProgress = false;                ///< only if standard error is a terminal
 };
 
 /// Evaluates all steps of \p context and then the end of the run. Writes a row of the table after

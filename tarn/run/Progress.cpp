@@ -1,5 +1,7 @@
 #include <tarn/run/Progress.hpp>
 
+#include <tarn/text/Messages.hpp>
+
 #include <loam/Numbers.hpp>
 
 #include <algorithm>
@@ -41,8 +43,8 @@ std::string duration(double seconds)
 
 } // namespace
 
-Progress::Progress(std::uint64_t steps)
-    : m_steps{steps}, m_isTerminal{::isatty(STDERR_FILENO) == 1}, m_begin{Clock::now()}, m_last{m_begin}
+Progress::Progress(std::uint64_t count)
+    : m_count{count}, m_isTerminal{::isatty(STDERR_FILENO) == 1}, m_begin{Clock::now()}, m_last{m_begin}
 {
 }
 
@@ -58,7 +60,7 @@ void Progress::hide()
     isShown = false;
 }
 
-void Progress::show(std::uint64_t done)
+void Progress::show(std::uint64_t done, std::uint64_t failures)
 {
     if (!m_isTerminal)
         return;
@@ -69,14 +71,15 @@ void Progress::show(std::uint64_t done)
     isShown = true;
     const double seconds = std::chrono::duration<double>(now - m_begin).count();
     // The last column stays free: some terminals wrap the line there.
-    std::fprintf(stderr, "\r\x1b[K%s", line(done, m_steps, seconds, terminalWidth() - 1).c_str());
+    std::fprintf(stderr, "\r\x1b[K%s", line(done, m_count, seconds, terminalWidth() - 1, failures).c_str());
     std::fflush(stderr);
 }
 
-std::string Progress::line(std::uint64_t done, std::uint64_t steps, double seconds, std::size_t width)
+std::string Progress::line(std::uint64_t done, std::uint64_t count, double seconds, std::size_t width,
+                           std::uint64_t failures)
 {
-    const double fraction = steps > 0 ? std::min(1.0, static_cast<double>(done) / static_cast<double>(steps)) : 1;
-    std::string text = std::to_string(done) + "/" + std::to_string(steps);
+    const double fraction = count > 0 ? std::min(1.0, static_cast<double>(done) / static_cast<double>(count)) : 1;
+    std::string text = std::to_string(done) + "/" + std::to_string(count);
     const double rate = seconds > 0 ? static_cast<double>(done) / seconds : 0;
     const auto append = [&](const std::string& more) {
         if (text.size() + more.size() <= width)
@@ -84,8 +87,10 @@ std::string Progress::line(std::uint64_t done, std::uint64_t steps, double secon
     };
     if (rate > 0) {
         append(", " + Loam::formatF(rate, rate < 10 ? 1 : 0) + "/s");
-        append(", " + duration(static_cast<double>(steps - std::min(done, steps)) / rate) + " left");
+        append(", " + duration(static_cast<double>(count - std::min(done, count)) / rate) + " left");
     }
+    if (failures > 0)
+        append(", " + counted(failures, "failure"));
     if (width >= text.size() + NarrowestBar + 3) {
         const std::size_t room = std::min(WidestBar, width - text.size() - 3);
         const auto full = static_cast<std::size_t>(std::floor(fraction * static_cast<double>(room)));

@@ -78,10 +78,12 @@ bool StatusReport::hasErrors() const noexcept
     return !m_entries.empty() && m_entries.front().severity == Severity::Error;
 }
 
-std::vector<std::string> StatusReport::lines() const
+std::vector<std::string> StatusReport::lines(Severity least) const
 {
     std::vector<std::string> lines;
     for (const Entry& entry : m_entries) {
+        if (entry.severity < least)
+            continue;
         const char* kind = entry.severity == Severity::Error     ? "error: "
                            : entry.severity == Severity::Warning ? "warning: "
                                                                  : "";

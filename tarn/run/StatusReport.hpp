@@ -30,9 +30,9 @@ public:
 
     bool hasErrors() const noexcept;
 
-    /// Returns the entries as lines, `OBJECT: error: TEXT`, one per line of a text. Of very many
-    /// failures, the last ones are only counted.
-    std::vector<std::string> lines() const;
+    /// Returns the entries of at least the severity \p least as lines, `OBJECT: error: TEXT`, one
+    /// per line of a text. Of very many failures, the last ones are only counted.
+    std::vector<std::string> lines(Severity least = Severity::Information) const;
 
 private:
     std::vector<Entry> m_entries;

@@ -5,6 +5,7 @@
 #include <tbb/info.h>
 #include <tbb/task_arena.h>
 
+#include <algorithm>
 #include <deque>
 #include <mutex>
 #include <utility>
@@ -40,9 +41,19 @@ void runNext()
 
 } // namespace
 
+TaskExecutor::TaskExecutor(std::optional<unsigned> most) noexcept
+    : m_most{std::min(most.value_or(cores() - 1), cores() - 1)}
+{
+}
+
+unsigned TaskExecutor::cores() noexcept
+{
+    return static_cast<unsigned>(tbb::info::default_concurrency());
+}
+
 unsigned TaskExecutor::concurrency() const noexcept
 {
-    return static_cast<unsigned>(tbb::info::default_concurrency() - 1);
+    return m_most;
 }
 
 void TaskExecutor::execute(std::function<void()> task)

@@ -3,6 +3,7 @@
 #include <trellis/VExecutor.hpp>
 
 #include <functional>
+#include <optional>
 
 namespace Tarn {
 
@@ -10,8 +11,17 @@ namespace Tarn {
 /// evaluates.
 class TaskExecutor final : public Orla::VExecutor {
 public:
+    /// Uses at most \p most of these threads at a time; by default all.
+    explicit TaskExecutor(std::optional<unsigned> most = {}) noexcept;
+
+    /// Returns the number of cores that the process may use.
+    static unsigned cores() noexcept;
+
     unsigned concurrency() const noexcept override;
     void execute(std::function<void()> task) override;
+
+private:
+    unsigned m_most;
 };
 
 } // namespace Tarn

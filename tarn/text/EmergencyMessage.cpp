@@ -1,6 +1,7 @@
 #include <tarn/text/EmergencyMessage.hpp>
 
 #include <tarn/text/Activity.hpp>
+#include <tarn/text/RunningCase.hpp>
 
 #include <trellis/VObject.hpp>
 #include <trellis/VScheduler.hpp>
@@ -9,6 +10,8 @@
 #include <loam/Utf8.hpp>
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 
 #include <unistd.h>
 
@@ -62,11 +65,22 @@ bool EmergencyMessage::appendActivity(std::string_view before) noexcept
     return true;
 }
 
+void EmergencyMessage::appendCase() noexcept
+{
+    const std::int64_t number = RunningCase::current();
+    if (number < 0)
+        return;
+    std::array<char, 24> digits{};
+    const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+    *this << " of case " << std::string_view(digits.data(), end);
+}
+
 bool EmergencyMessage::appendContext() noexcept
 {
     if (const Orla::VObject* const object = Orla::VScheduler::runningInThisThread()) {
         *this << " in object ";
         appendName(object->Name());
+        appendCase();
         return true;
     }
     if (appendActivity(" while "))

@@ -34,6 +34,7 @@ public:
 private:
     bool appendObjects(std::string_view before) noexcept;
     bool appendActivity(std::string_view before) noexcept;
+    void appendCase() noexcept;
 
     static constexpr std::size_t Limit = 1000;
 

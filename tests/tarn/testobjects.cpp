@@ -305,6 +305,134 @@ private:
     VOutput<std::string> m_line;
 };
 
+// Adds the time to its own output.
+class Integrator final : public Orla::VObject, public Orla::TimeDependent {
+public:
+    Integrator(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}
+        , TimeDependent{"time", "range", preferences, Orla::VTime{}}
+        , m_sum{this, "sum", 0}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        const double sum = m_sum.value(pool);
+        m_sum(pool) << sum + timeSlot().value(pool).time;
+        return true;
+    }
+
+private:
+    VOutput<double> m_sum;
+};
+
+// Counts its updates in a member. Declares that unless its name is "secretive".
+class Tally final : public Orla::VObject, public Orla::TimeDependent {
+public:
+    Tally(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}
+        , TimeDependent{"time", "range", preferences, Orla::VTime{}}
+        , m_in{this, "in", 0, 0}
+        , m_count{this, "count", 0}
+    {
+        if (name == "secretive")
+            runsInOnePool();
+        else
+            keepsState();
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        ++m_updates;
+        m_count(request.valuePool()) <<= m_updates;
+        return true;
+    }
+
+private:
+    TypedSlot<double> m_in;
+    VOutput<double> m_count;
+    double m_updates = 0;
+};
+
+// Writes its text to a file.
+class Reporter final : public Orla::VObject, public Orla::TimeDependent {
+public:
+    Reporter(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}
+        , TimeDependent{"time", "range", preferences, Orla::VTime{}}
+        , m_text{this, "text", "", 0}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        std::ofstream file(resultFile("report.txt", pool));
+        if (!(file << m_text.value(pool) << ' ' << timeSlot().value(pool).time).flush())
+            throw std::runtime_error("cannot write the report");
+        return true;
+    }
+
+private:
+    TypedSlot<std::string> m_text;
+};
+
+// Passes a number on, the longer the smaller it is. Fails for negative numbers.
+class Sleeper final : public Orla::VObject, public Orla::TimeDependent {
+public:
+    Sleeper(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}
+        , TimeDependent{"time", "range", preferences, Orla::VTime{}}
+        , m_in{this, "in", 0, 0}
+        , m_out{this, "out", 0}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        const double number = m_in.value(pool);
+        if (number < 0)
+            throw std::runtime_error("the number is negative");
+        const double time = timeSlot().value(pool).time;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10) / (1 + number + 4 * time));
+        m_out(pool) <<= number + time;
+        return true;
+    }
+
+private:
+    TypedSlot<double> m_in;
+    VOutput<double> m_out;
+};
+
+// Passes a number on. If it is 5 and the file "fuse" has the number of a signal, sends that to the
+// process first.
+class Fuse final : public Orla::VObject {
+public:
+    Fuse(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, m_in{this, "in", 0, 0}, m_out{this, "out", 0}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        int signal = 0;
+        if (m_in.value(pool) == 5 && std::ifstream(inputFile("fuse")) >> signal) {
+            ::kill(::getpid(), signal);
+            while (!request.isCancelled())
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        m_out(pool) <<= m_in.value(pool);
+        return true;
+    }
+
+private:
+    TypedSlot<double> m_in;
+    VOutput<double> m_out;
+};
+
 class Unmakable final : public Orla::VObject {
 public:
     Unmakable(const std::string& name, int level, const Preferences& preferences) : VObject{name, level, preferences}
@@ -729,6 +857,11 @@ const Orla::VObjectType<Hoarder> hoarderType{"Hoarder"};
 const Orla::VObjectType<Everything> everythingType{"Everything"};
 const Orla::VObjectType<Chooser> chooserType{"Chooser"};
 const Orla::VObjectType<TicketReader> ticketReaderType{"TicketReader"};
+const Orla::VObjectType<Integrator> integratorType{"Integrator"};
+const Orla::VObjectType<Tally> tallyType{"Tally"};
+const Orla::VObjectType<Reporter> reporterType{"Reporter"};
+const Orla::VObjectType<Sleeper> sleeperType{"Sleeper"};
+const Orla::VObjectType<Fuse> fuseType{"Fuse"};
 const Orla::VObjectType<Adder> adderType{"Adder"};
 const Orla::VObjectType<Counter> counterType{"Counter"};
 const Orla::VObjectType<Echo> echoType{"Echo"};
