@@ -42,8 +42,8 @@ struct Arguments {
 /// An option `--NAME=SHAPE` of a command, or a switch `--NAME`.
 struct Option {
     std::string name;
-    std::string shape; ///< placeholder for its text; empty for a switch
-    std::string help;  ///< one or more lines
+    std::string shape = {}; ///< placeholder for its text; empty for a switch
+    std::string help = {};  ///< one or more lines
     bool repeats = false;
 };
 

@@ -1,23 +1,23 @@
 #include <tarn/commands/Commands.hpp>
 
 #include <tarn/commands/ExitStatus.hpp>
+#include <tarn/commands/RunOptions.hpp>
+#include <tarn/commands/RunStudy.hpp>
 #include <tarn/network/Session.hpp>
 #include <tarn/network/SessionCore.hpp>
 #include <tarn/run/CrashReport.hpp>
 #include <tarn/run/Evaluation.hpp>
-#include <tarn/run/EventPlayer.hpp>
 #include <tarn/run/Interruption.hpp>
 #include <tarn/run/PrintedOutputs.hpp>
 #include <tarn/run/StatusReport.hpp>
 #include <tarn/run/TableWriter.hpp>
+#include <tarn/run/TaskExecutor.hpp>
 #include <tarn/run/Tracer.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
-#include <tarn/text/ReadFile.hpp>
 
 #include <loam/OutputFile.hpp>
 
-#include <charconv>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -29,25 +29,6 @@ namespace Tarn {
 
 namespace {
 
-std::optional<std::uint64_t> readSteps(const std::optional<std::string>& text)
-{
-    if (!text)
-        return std::nullopt;
-    std::uint64_t steps = 0;
-    const char* const end = text->data() + text->size();
-    const auto [stop, error] = std::from_chars(text->data(), end, steps);
-    if (error != std::errc{} || stop != end || steps == 0)
-        throw UsageError{"--steps=" + printable(*text) + ": expected a whole number, 1 or more"};
-    return steps;
-}
-
-// Returns the absolute path of a result, or a name of standard output; empty if not wanted.
-std::string placeOf(const Arguments& arguments, const std::string& option, const std::string& network)
-{
-    const std::optional<std::string> name = arguments.text(option);
-    return name ? resultPath(option, *name, network) : std::string();
-}
-
 // Returns true if both are the same file, or standard output.
 bool areSame(const std::string& one, const std::string& other)
 {
@@ -57,28 +38,6 @@ bool areSame(const std::string& one, const std::string& other)
     std::error_code otherError;
     const std::filesystem::path resolved = std::filesystem::weakly_canonical(one, error);
     return resolved == std::filesystem::weakly_canonical(other, otherError) && !error && !otherError;
-}
-
-std::vector<ScriptedEvent> readEvents(const std::optional<std::string>& path, Faults& faults)
-{
-    return path ? parseEvents(readFile(*path), faults) : std::vector<ScriptedEvent>{};
-}
-
-// Reports events that would never be played.
-void checkEvents(const std::vector<ScriptedEvent>& events, const Session& session, std::uint64_t steps, Faults& faults)
-{
-    if (events.empty())
-        return;
-    const Orla::VNetwork::Scope scope{session.network()};
-    if (!EventPlayer::find())
-        faults.add(FaultKind::Option,
-                   "--events: no object of " + inQuotes(session.faults().file()) + " listens to events");
-    for (const ScriptedEvent& event : events) {
-        if (event.step >= steps)
-            faults.add(FaultKind::Event, event.place,
-                       "step " + std::to_string(event.step) + " is not evaluated; the last one is "
-                           + std::to_string(steps - 1));
-    }
 }
 
 void printReport(const StatusReport& report)
@@ -160,8 +119,13 @@ void commitTable(Loam::OutputFile& table, const Context& context)
 
 int performRun(const Arguments& arguments, const StandardStreams& streams)
 {
+    if (isStudy(arguments))
+        return performStudy(arguments, streams);
+    if (arguments.has("resume"))
+        throw UsageError{"--resume continues a study; it needs --sweep or --sweep-file"};
     const std::vector<std::string> overrides = overridesOf(arguments);
-    const std::optional<std::uint64_t> steps = readSteps(arguments.text("steps"));
+    const std::optional<std::uint64_t> steps = readNumber(arguments, "steps", 1);
+    const std::optional<unsigned> jobs = readJobs(arguments);
     const std::string network = findNetwork(arguments.names[0]);
 
     const Interruption interruption;
@@ -173,7 +137,7 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
         throw UsageError{"--print would write into the trace on standard output"};
 
     Faults eventFaults{arguments.text("events").value_or("")};
-    std::vector<ScriptedEvent> events = readEvents(arguments.text("events"), eventFaults);
+    std::vector<ScriptedEvent> events = readEvents(arguments, eventFaults);
     const Session session = Session::load(network, {overrides, arguments.text("chart"), steps});
     if (!session.faults().empty())
         return reportFaults(session.faults(), "; nothing was evaluated");
@@ -192,7 +156,19 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
         writer = std::make_unique<TableWriter>(*output, isStandardOutput(table) && streams.isTerminal());
         output->saveIfUnfinished(table + ".incomplete", {});
     }
-    EvaluationTask task{.table = writer.get(), .showsProgress = true};
+    std::optional<TaskExecutor> helpers;
+    if (jobs)
+        context.setExecutor(&helpers.emplace(*jobs - 1));
+    EvaluationTask task{.table = writer.get(),
+                        .threads = jobs.value_or(1),
+                        .makeContext =
+                            [&] {
+                                Context another{session, network};
+                                if (jobs)
+                                    another.setExecutor(&*helpers);
+                                return another;
+                            },
+                        .showsProgress = true};
     const std::unique_ptr<Loam::OutputFile> traceOutput = trace.empty() ? nullptr : openResult(trace, streams);
     std::unique_ptr<Tracer> tracer;
     if (traceOutput)
@@ -248,6 +224,13 @@ At the end, the objects whose last update failed are listed, with the numbers of
 that wait for them, and every object that reports a status, errors first. An error makes
 the exit status 1.
 
+With --sweep or --sweep-file the network is evaluated for several cases, numbered from
+0; the last input varies fastest. The table gets a column for the case and one for each
+varied input. Names of files that objects write get "-caseN" before the extension, and
+"-caseN-stepM" if the network has several steps. A case that fails is listed at the
+end, and the others continue. FILE.csv.study keeps the complete cases until FILE.csv is
+written, for --resume.
+
 SIGINT and SIGTERM end the run within a second, with exit status 130 or 143. FILE.csv
 then stays unchanged; standard output has the rows of the steps before. To keep these
 rows, write the table with "--table=- > FILE.csv".
@@ -274,6 +257,22 @@ rows, write the table with "--table=- > FILE.csv".
                          "OBJECT.OUTPUT.MEMBER, to standard output at the end.\n"
                          "May be repeated.",
                  .repeats = true},
+                {.name = "sweep",
+                 .shape = "OBJECT.SLOT=TEXT,...",
+                 .help = "Evaluates the network once per text of an input. Texts\n"
+                         "with commas are quoted as in CSV. May be repeated: all\n"
+                         "combinations are evaluated.",
+                 .repeats = true},
+                {.name = "sweep-file",
+                 .shape = "FILE.csv",
+                 .help = "Evaluates the network once per row of a table, whose\n"
+                         "titles name inputs; with --sweep, for all combinations."},
+                {.name = "resume", .help = "Evaluates the cases that an interrupted study lacks."},
+                {.name = "jobs",
+                 .shape = "N",
+                 .help = "Evaluates cases, and steps that do not depend on\n"
+                         "earlier ones, in N threads; 0 means one per core. The\n"
+                         "results are the same for each N."},
                 {.name = "trace",
                  .shape = "FILE.json",
                  .help = "Writes which objects ran when, for how long and why, for\n"
