@@ -1,57 +1,38 @@
 #include <tarn/libraries/Initialization.hpp>
 
-#include <tarn/text/EmergencyMessage.hpp>
-#include <tarn/text/EndProcess.hpp>
-
-#include <loam/OutputFile.hpp>
-
-#include <exception>
-#include <new>
-#include <string_view>
+#include <atomic>
 
 namespace Tarn {
 
 namespace {
 
-// As of a network with faults.
-constexpr int Status = 2;
-
+std::atomic<std::terminate_handler> theTerminateHandler{nullptr};
 thread_local const std::string* theTitle = nullptr;
-
-// Allocates nothing: the exception may report that no memory is left.
-[[noreturn]] void endBecauseOfLibrary()
-{
-    Loam::OutputFile::removeUnfinished();
-    EmergencyMessage message;
-    message << "tarn: " << (theTitle ? std::string_view(*theTitle) : "a library")
-            << " cannot be loaded: its initialization ";
-    try {
-        if (const std::exception_ptr thrown = std::current_exception())
-            std::rethrow_exception(thrown);
-        message << "ended the program without an exception";
-    } catch (const std::bad_alloc&) {
-        message << "ran out of memory";
-    } catch (const std::exception& error) {
-        (message << "threw an exception: ").appendForeign(error.what());
-    } catch (...) {
-        message << "threw an object that is not an exception of the standard library";
-    }
-    message.write();
-    endProcess(Status);
-}
 
 } // namespace
 
-Initialization::Initialization(const std::string& title) noexcept
-    : m_former{std::set_terminate(endBecauseOfLibrary)}, m_outer{theTitle}
+Initialization::Initialization(const std::string& title) noexcept : m_outer{theTitle}
 {
+    if (const std::terminate_handler handler = theTerminateHandler)
+        m_former = std::set_terminate(handler);
     theTitle = &title;
 }
 
 Initialization::~Initialization()
 {
     theTitle = m_outer;
-    std::set_terminate(m_former);
+    if (m_former)
+        std::set_terminate(m_former);
+}
+
+void Initialization::setTerminateHandler(std::terminate_handler handler) noexcept
+{
+    theTerminateHandler = handler;
+}
+
+const std::string* Initialization::title() noexcept
+{
+    return theTitle;
 }
 
 } // namespace Tarn

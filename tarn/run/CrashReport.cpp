@@ -1,5 +1,7 @@
 #include <tarn/run/CrashReport.hpp>
 
+#include <tarn/libraries/Initialization.hpp>
+#include <tarn/run/TaskExecutor.hpp>
 #include <tarn/text/EmergencyMessage.hpp>
 #include <tarn/text/EndProcess.hpp>
 
@@ -8,9 +10,12 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <exception>
 #include <iterator>
 #include <memory>
 #include <new>
+#include <string>
+#include <string_view>
 
 #include <unistd.h>
 
@@ -31,11 +36,37 @@ constexpr FatalSignal FatalSignals[] = {{SIGSEGV, "segmentation fault"},
 
 constexpr std::size_t SignalStackSize = 65536;
 
+// As of a network with faults.
+constexpr int InitializationFailed = 2;
+
 struct sigaction theFormerCrashActions[std::size(FatalSignals)];
 std::atomic<bool> theCrashIsReported{false};
 std::atomic<bool> theExitIsWatched{false};
 std::atomic<pid_t> theWatchedProcess{0}; // not a process that code of a library forked from it
 static_assert(std::atomic<pid_t>::is_always_lock_free);
+
+// The terminate handler while a library is initialized. Allocates nothing: the exception may
+// report that no memory is left.
+[[noreturn]] void endBecauseOfLibrary()
+{
+    Loam::OutputFile::removeUnfinished();
+    const std::string* const title = Initialization::title();
+    EmergencyMessage message;
+    message << "tarn: " << (title ? std::string_view(*title) : "a library") << " cannot be loaded: its initialization ";
+    try {
+        if (const std::exception_ptr thrown = std::current_exception())
+            std::rethrow_exception(thrown);
+        message << "ended the program without an exception";
+    } catch (const std::bad_alloc&) {
+        message << "ran out of memory";
+    } catch (const std::exception& error) {
+        (message << "threw an exception: ").appendForeign(error.what());
+    } catch (...) {
+        message << "threw an object that is not an exception of the standard library";
+    }
+    message.write();
+    endProcess(InitializationFailed);
+}
 
 void saveOutputs() noexcept
 {
@@ -117,10 +148,14 @@ CrashReport::CrashReport()
     theWatchedProcess = ::getpid();
     theExitIsWatched = true;
     watchForExit();
+    TaskExecutor::prepareThreadsWith(useSignalStack);
+    Initialization::setTerminateHandler(endBecauseOfLibrary);
 }
 
 CrashReport::~CrashReport()
 {
+    Initialization::setTerminateHandler(nullptr);
+    TaskExecutor::prepareThreadsWith(nullptr);
     theExitIsWatched = false;
     restoreActions();
 }

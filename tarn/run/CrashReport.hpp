@@ -8,6 +8,9 @@ namespace Tarn {
 /// was running, or what else the program was doing with code of a library. Outputs for which
 /// `Loam::OutputFile::saveIfUnfinished` was called are completed.
 ///
+/// If the initialization of a library throws an exception, the program ends with the status of a
+/// network that was not understood. Unfinished files are removed.
+///
 /// After a fatal signal the former handler runs, by default the system's, so the exit status and
 /// the memory dump are those of any program. A call of `exit` or `quick_exit` in code of a
 /// library ends the program with status 1. Processes that such code forks from the program are
@@ -27,7 +30,7 @@ public:
     static void watchForExit() noexcept;
 
     /// Lets this thread report an overflow of its stack until it ends. The constructor does so
-    /// for its thread.
+    /// for its thread and for those of `TaskExecutor`.
     static void useSignalStack() noexcept;
 };
 

@@ -1,11 +1,10 @@
 #include <tarn/run/TaskExecutor.hpp>
 
-#include <tarn/run/CrashReport.hpp>
-
 #include <tbb/info.h>
 #include <tbb/task_arena.h>
 
 #include <algorithm>
+#include <atomic>
 #include <deque>
 #include <mutex>
 #include <utility>
@@ -27,6 +26,8 @@ Waiting& waiting()
     return theWaiting;
 }
 
+std::atomic<void (*)() noexcept> thePreparation{nullptr};
+
 void runNext()
 {
     std::function<void()> task;
@@ -35,7 +36,7 @@ void runNext()
         task = std::move(waiting().tasks.front());
         waiting().tasks.pop_front();
     }
-    CrashReport::useSignalStack();
+    TaskExecutor::prepareThread();
     task();
 }
 
@@ -68,6 +69,17 @@ void TaskExecutor::execute(std::function<void()> task)
         waiting().tasks.pop_back();
         throw;
     }
+}
+
+void TaskExecutor::prepareThreadsWith(void (*prepare)() noexcept) noexcept
+{
+    thePreparation = prepare;
+}
+
+void TaskExecutor::prepareThread() noexcept
+{
+    if (void (*const prepare)() noexcept = thePreparation)
+        prepare();
 }
 
 } // namespace Tarn

@@ -20,6 +20,13 @@ public:
     unsigned concurrency() const noexcept override;
     void execute(std::function<void()> task) override;
 
+    /// Calls \p prepare before each task that starts from now on, in the task's thread. Null, the
+    /// initial value, calls nothing.
+    static void prepareThreadsWith(void (*prepare)() noexcept) noexcept;
+
+    /// Calls what was passed to `prepareThreadsWith`, for a thread that is started otherwise.
+    static void prepareThread() noexcept;
+
 private:
     unsigned m_most;
 };

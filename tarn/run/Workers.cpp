@@ -1,6 +1,6 @@
 #include <tarn/run/Workers.hpp>
 
-#include <tarn/run/CrashReport.hpp>
+#include <tarn/run/TaskExecutor.hpp>
 
 #include <utility>
 
@@ -38,7 +38,7 @@ void Workers::join()
 
 void Workers::perform() noexcept
 {
-    CrashReport::useSignalStack();
+    TaskExecutor::prepareThread();
     try {
         m_work();
     } catch (...) {

@@ -1,54 +1,59 @@
 #include <tarn/libraries/Initialization.hpp>
 
-#include "tarn/NetworkTexts.hpp"
+#include <gtest/gtest.h>
 
-#include <gmock/gmock.h>
-
+#include <cstdlib>
 #include <exception>
 #include <string>
-#include <vector>
 
 namespace InitializationTest {
 
-using testing::ElementsAre;
+using Tarn::Initialization;
 
-TEST(Initialization, restoresTheTerminateHandler)
+namespace {
+
+// The handler is of the whole process.
+struct Handler {
+    explicit Handler(std::terminate_handler handler) { Initialization::setTerminateHandler(handler); }
+    ~Handler() { Initialization::setTerminateHandler(nullptr); }
+    Handler(const Handler&) = delete;
+    Handler& operator=(const Handler&) = delete;
+};
+
+} // namespace
+
+TEST(Initialization, keepsTheTerminateHandlerOfAProgramThatSetsNone)
 {
+    const std::terminate_handler before = std::get_terminate();
+    const std::string title = "library";
+    const Initialization initialization{title};
+    EXPECT_EQ(std::get_terminate(), before);
+}
+
+TEST(Initialization, replacesTheTerminateHandlerWhileItExists)
+{
+    const Handler handler{std::abort};
     const std::terminate_handler before = std::get_terminate();
     {
         const std::string title = "library";
-        const Tarn::Initialization initialization{title};
+        const Initialization initialization{title};
+        EXPECT_EQ(std::get_terminate(), std::terminate_handler{std::abort});
         EXPECT_NE(std::get_terminate(), before);
     }
     EXPECT_EQ(std::get_terminate(), before);
 }
 
-TEST(Initialization, endsTheProgramWithTheLibraryAndTheReasonIfItThrows)
+TEST(Initialization, hasTheTitleOfTheInnermostLibrary)
 {
-    const TestFolder folder;
-    folder.write("table.csv", "old");
-    const std::string network = folder.write("net.toml", "format = 1\nlibraries = ['throwinglibrary']\n");
-    const std::vector<std::vector<std::string>> commands{
-        {"run", network, "--table=" + folder.file("table.csv")}, {"check", network}, {"libraries", "throwinglibrary"}};
-    for (const std::vector<std::string>& arguments : commands) {
-        SCOPED_TRACE(arguments.front());
-        const ProcessResult result =
-            runTarn(arguments, {.environment = {"TARN_LIBRARIES=" ODD_LIBRARIES_FOLDER}, .shell = {}});
-        EXPECT_EQ(result.status, 2);
-        EXPECT_EQ(result.err, "tarn: library \"throwinglibrary\" cannot be loaded: its initialization threw an "
-                              "exception: no?[1m licence\n");
-        EXPECT_EQ(contentOf(folder.file("table.csv")), "old");
-        EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv"));
+    EXPECT_FALSE(Initialization::title());
+    const std::string outer = "outer";
+    const Initialization initialization{outer};
+    {
+        const std::string inner = "inner";
+        const Initialization nested{inner};
+        EXPECT_EQ(Initialization::title(), &inner);
     }
-}
-
-TEST(Initialization, reportsExhaustedMemoryInWords)
-{
-    const ProcessResult result =
-        runTarn({"libraries", "throwinglibrary"},
-                {.environment = {"TARN_LIBRARIES=" ODD_LIBRARIES_FOLDER, "TEST_NO_MEMORY=1"}, .shell = {}});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.err, "tarn: library \"throwinglibrary\" cannot be loaded: its initialization ran out of memory\n");
+    EXPECT_EQ(Initialization::title(), &outer);
 }
 
 } // namespace InitializationTest

@@ -163,4 +163,31 @@ TEST(CrashReport, restoresTheSignalHandlers)
     EXPECT_EQ(after.sa_sigaction, before.sa_sigaction);
 }
 
+TEST(CrashReport, namesTheLibraryWhoseInitializationThrows)
+{
+    const TestFolder folder;
+    folder.write("table.csv", "old");
+    const std::string network = folder.write("net.toml", "format = 1\nlibraries = ['throwinglibrary']\n");
+    const std::vector<std::vector<std::string>> commands{
+        {"run", network, "--table=" + folder.file("table.csv")}, {"check", network}, {"libraries", "throwinglibrary"}};
+    for (const std::vector<std::string>& arguments : commands) {
+        SCOPED_TRACE(arguments.front());
+        const ProcessResult result = runTarn(arguments, oddLibraries);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err, "tarn: library \"throwinglibrary\" cannot be loaded: its initialization threw an "
+                              "exception: no?[1m licence\n");
+        EXPECT_EQ(contentOf(folder.file("table.csv")), "old");
+        EXPECT_THAT(folder.names(), ElementsAre("net.toml", "table.csv"));
+    }
+}
+
+TEST(CrashReport, namesTheLibraryWhoseInitializationExhaustsTheMemory)
+{
+    const ProcessResult result =
+        runTarn({"libraries", "throwinglibrary"},
+                {.environment = {"TARN_LIBRARIES=" ODD_LIBRARIES_FOLDER, "TEST_NO_MEMORY=1"}, .shell = {}});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "tarn: library \"throwinglibrary\" cannot be loaded: its initialization ran out of memory\n");
+}
+
 } // namespace CrashReportTest

@@ -11,6 +11,7 @@
 #include <latch>
 #include <memory>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace TaskExecutorTest {
@@ -48,6 +49,24 @@ TEST(TaskExecutor, runsEachTaskOnceIfSeveralThreadsPassTasks)
     });
     left->wait();
     EXPECT_TRUE(std::ranges::all_of(runs, [](const std::atomic<int>& count) { return count == 1; }));
+}
+
+namespace {
+
+thread_local bool isPrepared = false;
+
+} // namespace
+
+TEST(TaskExecutor, preparesTheThreadOfATaskAsTheProgramAsks)
+{
+    const auto preparation = [](void (*prepare)() noexcept) {
+        TaskExecutor::prepareThreadsWith(prepare);
+        const auto was = std::make_shared<std::promise<bool>>();
+        TaskExecutor{}.execute([was] { was->set_value(std::exchange(isPrepared, false)); });
+        return was->get_future().get();
+    };
+    EXPECT_TRUE(preparation([]() noexcept { isPrepared = true; }));
+    EXPECT_FALSE(preparation(nullptr));
 }
 
 TEST(TaskExecutor, runsTasksAfterItsOwnEnd)
