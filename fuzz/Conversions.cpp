@@ -5,6 +5,7 @@
 #include <tarn/libraries/AnnouncedObjects.hpp>
 #include <tarn/network/Conversion.hpp>
 #include <tarn/network/NetworkParser.hpp>
+#include <tarn/text/PlacedText.hpp>
 #include <tarn/text/ReadFile.hpp>
 
 #include <trellis/VManagedObject.hpp>

@@ -1,6 +1,7 @@
 #include "Support.hpp"
 
 #include <tarn/run/EventScript.hpp>
+#include <tarn/text/PlacedText.hpp>
 
 #include <fathom/VInteractionEvent.hpp>
 

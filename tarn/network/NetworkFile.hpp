@@ -1,6 +1,6 @@
 #pragma once
 
-#include <tarn/text/Faults.hpp>
+#include <tarn/text/PlacedText.hpp>
 
 #include <cstdint>
 #include <string>

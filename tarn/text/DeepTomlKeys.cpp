@@ -1,5 +1,7 @@
 #include <tarn/text/DeepTomlKeys.hpp>
 
+#include <tarn/text/PlacedText.hpp>
+
 #include <algorithm>
 
 namespace Tarn {

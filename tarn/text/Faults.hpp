@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace Tarn {
@@ -16,15 +15,6 @@ struct Place {
 
     explicit operator bool() const noexcept { return line != 0; }
     friend auto operator<=>(const Place&, const Place&) = default;
-};
-
-/// Returns the line and the column, in characters, of the byte at \p position.
-Place placeAt(std::string_view text, std::size_t position) noexcept;
-
-/// A piece of text and its position in the file.
-struct PlacedText {
-    std::string text;
-    Place place;
 };
 
 /// What a fault is about.

@@ -6,6 +6,7 @@
 #include <tarn/network/NetworkInputs.hpp>
 #include <tarn/network/NetworkParser.hpp>
 #include <tarn/run/EventScript.hpp>
+#include <tarn/text/PlacedText.hpp>
 
 #include <trellis/VManagedObject.hpp>
 #include <trellis/VValueCreator.hpp>

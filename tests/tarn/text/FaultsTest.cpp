@@ -48,14 +48,4 @@ TEST(Faults, stayOnOneLineForAnyFileName)
     EXPECT_THAT(faults.lines(), ElementsAre("two\\nlines:1:1: wrong"));
 }
 
-TEST(Faults, havePlacesCountedInCharacters)
-{
-    const std::string text = "a\nöäb\n";
-    EXPECT_EQ(placeAt(text, 0), (Place{1, 1}));
-    EXPECT_EQ(placeAt(text, 1), (Place{1, 2}));
-    EXPECT_EQ(placeAt(text, 2), (Place{2, 1}));
-    EXPECT_EQ(placeAt(text, text.find('b')), (Place{2, 3}));
-    EXPECT_EQ(placeAt(text, text.size()), (Place{3, 1}));
-}
-
 } // namespace FaultsTest
