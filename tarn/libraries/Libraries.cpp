@@ -188,12 +188,28 @@ std::vector<std::string> Libraries::searchPath(const std::string& networkFolder)
 
 std::vector<std::string> Libraries::searchPath()
 {
-    std::vector<std::string> wanted{Loam::getExecutableDir() + "/../lib/fathom"};
+    // The standard library must fit this code, so its own installation is first. This code may be
+    // in a shared library, far from a program such as an interpreter.
+    static const char inThisFile = 0;
+    std::vector<std::string> wanted{installedFolder(Loam::getLibraryPath(&inThisFile)),
+                                    Loam::getExecutableDir() + "/../lib/fathom"};
     Loam::StringUtil::split(Loam::getEnvString("TARN_LIBRARIES"), wanted, ':', false);
     std::vector<std::string> folders;
     for (const std::string& folder : wanted)
         addFolder(folder, folders);
     return folders;
+}
+
+std::string Libraries::installedFolder(const std::string& file)
+{
+    // The loader keeps the path by which it found a library, which may be a link elsewhere.
+    std::error_code error;
+    fs::path folder = fs::canonical(file, error).parent_path();
+    if (error)
+        folder = fs::path(file).parent_path();
+    if (folder.parent_path().filename() == "lib")
+        return (folder.parent_path() / "fathom").string();
+    return (folder.parent_path() / "lib/fathom").string();
 }
 
 } // namespace Tarn

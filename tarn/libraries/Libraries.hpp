@@ -46,14 +46,19 @@ public:
     /// is then a success.
     Loam::Result<void> unload();
 
-    /// Returns the folders to search for libraries of a network in \p networkFolder:
-    /// ../lib/fathom beside the program, the folders in the environment variable
-    /// TARN_LIBRARIES (separated by colons), \p networkFolder and its subfolder "lib".
+    /// Returns the folders to search for libraries of a network in \p networkFolder: that of the
+    /// installation of this code, ../lib/fathom beside the program, the folders in the environment
+    /// variable TARN_LIBRARIES (separated by colons), \p networkFolder and its subfolder "lib".
     static std::vector<std::string> searchPath(const std::string& networkFolder);
 
     /// The same without a network: only the folders that the user installed libraries in or
     /// named.
     static std::vector<std::string> searchPath();
+
+    /// Returns the folder of object libraries in the installation that \p file belongs to, a
+    /// program in PREFIX/bin or a shared library in PREFIX/lib or PREFIX/lib/MACHINE:
+    /// PREFIX/lib/fathom.
+    static std::string installedFolder(const std::string& file);
 
     /// An open library. It is opened once more per user of the same file.
     struct Library {

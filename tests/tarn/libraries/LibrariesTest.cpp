@@ -189,4 +189,19 @@ TEST(Libraries, areSearchedInTheInstallationTheVariableAndTheNetworkFolder)
     EXPECT_THAT(Libraries::searchPath(), testing::ElementsAre(beside, "/a/b", Loam::getCurrentDir() + "/relative"));
 }
 
+TEST(Libraries, areInstalledUnderThePrefixOfAProgramOrASharedLibrary)
+{
+    const TestFolder folder;
+    const std::string expected = folder.file("lib/fathom");
+    for (const char* file :
+         {"bin/tarn", "lib/libtarn.so.0", "lib64/libtarn.so.0", "lib/x86_64-linux-gnu/libtarn.so.0"}) {
+        SCOPED_TRACE(file);
+        EXPECT_EQ(Libraries::installedFolder(folder.write(file, "")), expected);
+    }
+    const TestFolder other;
+    std::filesystem::create_symlink(folder.file("lib/libtarn.so.0"), other.file("libtarn.so.0"));
+    EXPECT_EQ(Libraries::installedFolder(other.file("libtarn.so.0")), expected);
+    EXPECT_EQ(Libraries::installedFolder("/deleted/lib/libtarn.so.0"), "/deleted/lib/fathom");
+}
+
 } // namespace LibrariesTest
