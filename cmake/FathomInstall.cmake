@@ -28,8 +28,12 @@ install(EXPORT fathomTargets
     NAMESPACE fathom::
     DESTINATION "${package_dir}"
     COMPONENT fathom_development)
-# A separate file: the libraries' targets must load if the program is not installed.
+# Separate files: the libraries' targets must load if the host is not installed.
 if(FATHOM_BUILD_HOST)
+    install(EXPORT libtarnTargets
+        NAMESPACE fathom::
+        DESTINATION "${package_dir}"
+        COMPONENT libtarn_development)
     install(EXPORT fathomHostTargets
         NAMESPACE fathom::
         DESTINATION "${package_dir}"
@@ -39,7 +43,8 @@ endif()
 # Debian keeps the licence of each package under this name.
 set(licensed_packages fathom_runtime=libfathom${FATHOM_ABI_VERSION} fathom_development=libfathom-dev)
 if(FATHOM_BUILD_HOST)
-    list(APPEND licensed_packages fathom_host=tarn)
+    list(APPEND licensed_packages
+        libtarn_runtime=libtarn${FATHOM_ABI_VERSION} libtarn_development=libtarn-dev fathom_host=tarn)
 endif()
 foreach(package IN LISTS licensed_packages)
     string(REGEX MATCH "^(.*)=(.*)$" package "${package}")

@@ -1,4 +1,4 @@
-# Packages: run cpack in the build folder. DEB makes three packages, TGZ one archive of
+# Packages: run cpack in the build folder. DEB makes five packages, TGZ one archive of
 # everything, which can be unpacked anywhere.
 
 set(FATHOM_PACKAGE_CONTACT "fathom developers <fathom@example.org>" CACHE STRING
@@ -6,6 +6,7 @@ set(FATHOM_PACKAGE_CONTACT "fathom developers <fathom@example.org>" CACHE STRING
 mark_as_advanced(FATHOM_PACKAGE_CONTACT)
 
 set(runtime "libfathom${FATHOM_ABI_VERSION}")
+set(host_runtime "libtarn${FATHOM_ABI_VERSION}")
 
 set(CPACK_GENERATOR DEB TGZ)
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
@@ -22,10 +23,13 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 
 set(CPACK_COMPONENTS_ALL fathom_runtime fathom_development)
 if(FATHOM_BUILD_HOST)
-    list(APPEND CPACK_COMPONENTS_ALL fathom_host)
+    list(APPEND CPACK_COMPONENTS_ALL libtarn_runtime libtarn_development fathom_host)
 endif()
 set(CPACK_COMPONENT_FATHOM_DEVELOPMENT_DEPENDS fathom_runtime)
-set(CPACK_COMPONENT_FATHOM_HOST_DEPENDS fathom_runtime)
+set(CPACK_COMPONENT_LIBTARN_RUNTIME_DEPENDS fathom_runtime)
+set(CPACK_COMPONENT_LIBTARN_DEVELOPMENT_DEPENDS libtarn_runtime fathom_development)
+# The program is not linked with the host's library, but needs the standard objects.
+set(CPACK_COMPONENT_FATHOM_HOST_DEPENDS fathom_runtime libtarn_runtime)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -41,7 +45,7 @@ set(CPACK_DEBIAN_PACKAGE_SOURCE fathom)
 
 set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_NAME "${runtime}")
 set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/shlibs")
+set(CPACK_DEBIAN_FATHOM_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/packaging/fathom/shlibs")
 set(CPACK_DEBIAN_FATHOM_RUNTIME_DESCRIPTION "data-flow visualization framework - libraries
 Value types and base classes of processing objects, and the underlying libraries:
 objects and their evaluation, geometry, references and arrays.")
@@ -53,6 +57,20 @@ set(CPACK_DEBIAN_FATHOM_DEVELOPMENT_DESCRIPTION "data-flow visualization framewo
 Headers, the CMake package and files for pkg-config, for writing libraries of
 processing objects and programs that use them.")
 
+set(CPACK_DEBIAN_LIBTARN_RUNTIME_PACKAGE_NAME "${host_runtime}")
+set(CPACK_DEBIAN_LIBTARN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBTARN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_BINARY_DIR}/packaging/libtarn/shlibs")
+set(CPACK_DEBIAN_LIBTARN_RUNTIME_DESCRIPTION "data-flow visualization framework - host library
+Loads, evaluates and changes saved networks of processing objects, with the objects
+that every network may use.")
+
+set(CPACK_DEBIAN_LIBTARN_DEVELOPMENT_PACKAGE_NAME libtarn-dev)
+set(CPACK_DEBIAN_LIBTARN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_LIBTARN_DEVELOPMENT_PACKAGE_SUGGESTS "cmake (>= 3.25) | pkg-config")
+set(CPACK_DEBIAN_LIBTARN_DEVELOPMENT_DESCRIPTION "data-flow visualization framework - headers of the host library
+Headers, targets for CMake and a file for pkg-config, for writing programs that
+evaluate saved networks.")
+
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_NAME tarn)
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SUGGESTS libfathom-dev)
@@ -60,12 +78,14 @@ set(CPACK_DEBIAN_FATHOM_HOST_DESCRIPTION "data-flow visualization framework - pr
 Loads saved networks of processing objects and evaluates them, with examples: a week
 of earthquakes and the precipitation of a year, as tables and as pictures.")
 
-# Declares the package that dependents of these libraries need. CPack could write this file,
+# Declare the packages that dependents of the libraries need. CPack could write these files,
 # but only for all packages, and would warn about object libraries, which have no version.
 set(shlibs "")
 foreach(library IN ITEMS fathom gable loam trellis)
     string(APPEND shlibs "lib${library} ${FATHOM_ABI_VERSION} ${runtime} (>= ${PROJECT_VERSION})\n")
 endforeach()
-file(WRITE "${PROJECT_BINARY_DIR}/shlibs" "${shlibs}")
+file(WRITE "${PROJECT_BINARY_DIR}/packaging/fathom/shlibs" "${shlibs}")
+file(WRITE "${PROJECT_BINARY_DIR}/packaging/libtarn/shlibs"
+    "libtarn ${FATHOM_ABI_VERSION} ${host_runtime} (>= ${PROJECT_VERSION})\n")
 
 include(CPack)

@@ -34,15 +34,27 @@ function(fathom_shared_library target)
         INSTALL_RPATH "$ORIGIN")
 endfunction()
 
+# fathom_install_library(<target> <description> [PACKAGE <package>])
+#
 # Installs a library and its header set, for CMake as fathom::<target> and for
-# pkg-config as <target>.
+# pkg-config as <target>. They are in the components <package>_runtime and
+# <package>_development, and in the export <package>Targets; the default is fathom.
 function(fathom_install_library target description)
-    install(TARGETS ${target} EXPORT fathomTargets
-        LIBRARY COMPONENT fathom_runtime NAMELINK_COMPONENT fathom_development
-        RUNTIME COMPONENT fathom_runtime
-        ARCHIVE COMPONENT fathom_development
-        FILE_SET HEADERS COMPONENT fathom_development)
+    cmake_parse_arguments(PARSE_ARGV 2 arg "" "PACKAGE" "")
+    set(package fathom)
+    if(arg_PACKAGE)
+        set(package ${arg_PACKAGE})
+    endif()
+    install(TARGETS ${target} EXPORT ${package}Targets
+        LIBRARY COMPONENT ${package}_runtime NAMELINK_COMPONENT ${package}_development
+        RUNTIME COMPONENT ${package}_runtime
+        ARCHIVE COMPONENT ${package}_development
+        FILE_SET HEADERS COMPONENT ${package}_development)
 
+    get_target_property(file ${target} OUTPUT_NAME)
+    if(NOT file)
+        set(file ${target})
+    endif()
     get_target_property(linked ${target} LINK_LIBRARIES)
     list(FILTER linked INCLUDE REGEX "^fathom::")
     list(TRANSFORM linked REPLACE "^fathom::" "")
@@ -55,7 +67,7 @@ function(fathom_install_library target description)
     configure_file("${PROJECT_SOURCE_DIR}/cmake/library.pc.in" "${CMAKE_CURRENT_BINARY_DIR}/${target}.pc" @ONLY)
     install(FILES "${CMAKE_CURRENT_BINARY_DIR}/${target}.pc"
         DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
-        COMPONENT fathom_development)
+        COMPONENT ${package}_development)
 endfunction()
 
 # Installs a program, for CMake as fathom::<target>. It finds the libraries even if the

@@ -65,6 +65,7 @@ public:
     static Session read(const std::string& text, const std::string& title, const std::string& folder,
                         const LoadOptions& options = {});
 
+    /// A session that was moved from may only be destroyed or assigned to.
     Session(Session&&) noexcept;
     Session& operator=(Session&&) noexcept;
 
@@ -135,7 +136,7 @@ public:
     /// in the texts are not adapted, so \p path should be in the folder of the network.
     Loam::Result<void> save(const std::string& path) const;
 
-    /// For internal use.
+    /// Internal: what contexts share with the session. Its type is not part of the interface.
     const std::shared_ptr<Detail::SessionCore>& core() const noexcept { return m_core; }
 
 private:

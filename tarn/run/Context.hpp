@@ -66,6 +66,8 @@ public:
     /// `Orla::VObject::resultFile`. `finish` adds the tag alone.
     explicit Context(const Session& session, const std::string& name = {}, const std::string& resultTag = {});
     ~Context();
+
+    /// A context that was moved from may only be destroyed or assigned to.
     Context(Context&&) noexcept;
     Context& operator=(Context&&) noexcept;
 

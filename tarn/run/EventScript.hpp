@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tarn/Export.hpp>
 #include <tarn/text/Faults.hpp>
 
 #include <cstdint>
@@ -45,6 +46,6 @@ struct ScriptedEvent {
 /// "space", "tab", "enter" or "escape". All may have `modifiers`: "shift", "control", "alt".
 ///
 /// Adds each fault to \p faults and skips the event that it is in.
-std::vector<ScriptedEvent> parseEvents(std::string_view text, Faults& faults);
+TARN_API std::vector<ScriptedEvent> parseEvents(std::string_view text, Faults& faults);
 
 } // namespace Tarn

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tarn/Export.hpp>
 #include <tarn/run/StatusText.hpp>
 
 #include <trellis/ValuePool.hpp>
@@ -11,12 +12,12 @@
 namespace Tarn {
 
 /// The failures and the status of the objects of a network, as plain text.
-class StatusReport {
+class TARN_API StatusReport {
 public:
     struct Entry {
-        std::string object;
+        std::string object; ///< its name
         Severity severity;
-        std::string text;
+        std::string text;        ///< plain, with a line feed between lines
         std::size_t waiting = 0; ///< number of objects that wait for this failed one
     };
 

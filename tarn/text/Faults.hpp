@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tarn/Export.hpp>
+
 #include <compare>
 #include <cstddef>
 #include <cstdint>
@@ -40,7 +42,7 @@ struct Fault {
 };
 
 /// Collects all faults of a saved network, not just the first.
-class Faults {
+class TARN_API Faults {
 public:
     /// \p file is the name of the network's file in messages.
     explicit Faults(std::string file);
