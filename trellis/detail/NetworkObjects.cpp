@@ -6,6 +6,7 @@
 #include <loam/ScopeExit.hpp>
 
 #include <algorithm>
+#include <limits>
 #include <typeinfo>
 
 namespace Orla::Detail {
@@ -58,6 +59,9 @@ bool NetworkObjects::add(const StrongPtr<VManagedObject>& object)
     level.objects.push_back(entry);
     try {
         enterDirectory(entry);
+        if (m_names)
+            m_names->emplace(std::pair{std::string_view(object->Name()), Position{object->m_level, entry.sequence}},
+                             object.get());
     } catch (...) {
         leaveDirectory(*object, {object->m_level, entry.sequence});
         level.objects.pop_back();
@@ -77,6 +81,8 @@ StrongPtr<VManagedObject> NetworkObjects::remove(VManagedObject& object) noexcep
         return nullptr;
     Level& level = m_levels.find(object.m_level)->second;
     leaveDirectory(object, {object.m_level, object.m_sequence});
+    if (m_names)
+        m_names->erase({object.Name(), {object.m_level, object.m_sequence}});
     object.m_sequence = 0;
     StrongPtr<VManagedObject> released = std::move(level.objects[object.m_place].object);
     --m_count;
@@ -94,13 +100,19 @@ StrongPtr<VManagedObject> NetworkObjects::remove(VManagedObject& object) noexcep
 StrongPtr<VManagedObject> NetworkObjects::find(const std::string& name) const
 {
     const std::lock_guard lock{m_mutex};
-    for (const auto& [number, level] : m_levels) {
-        for (const Entry& entry : level.objects) {
-            if (entry.object && entry.object->Name() == name)
-                return entry.object;
+    if (!m_names) {
+        Names names;
+        for (const auto& [number, level] : m_levels) {
+            for (const Entry& entry : level.objects) {
+                if (entry.object)
+                    names.emplace(std::pair{std::string_view(entry.object->Name()), Position{number, entry.sequence}},
+                                  entry.object.get());
+            }
         }
+        m_names = std::move(names);
     }
-    return nullptr;
+    const auto first = m_names->lower_bound({name, Position{std::numeric_limits<int>::min(), 0}});
+    return first != m_names->end() && first->first.first == name ? StrongPtr<VManagedObject>(first->second) : nullptr;
 }
 
 std::size_t NetworkObjects::count() const
@@ -137,6 +149,7 @@ std::vector<StrongPtr<VManagedObject>> NetworkObjects::close()
         levels.swap(m_levels);
         m_words.clear();
         m_unsorted.clear();
+        m_names.reset();
         m_count = 0;
         for (auto& [number, level] : levels) {
             for (Entry& entry : level.objects) {

@@ -9,7 +9,9 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <typeindex>
 #include <utility>
 #include <vector>
@@ -58,6 +60,7 @@ public:
     /// registered.
     StrongPtr<VManagedObject> remove(VManagedObject& object) noexcept;
 
+    /// Returns the first object of that name in traversal order, or null.
     StrongPtr<VManagedObject> find(const std::string& name) const;
     std::size_t count() const;
 
@@ -109,6 +112,11 @@ private:
     mutable std::map<std::string, Positions, std::less<>> m_words;
     mutable Positions m_unsorted;
     mutable std::uint64_t m_seenChanges = 0; // of preferences, when the directory was built
+
+    // The objects by name and traversal order, from the first search on; few networks are
+    // searched. The keys refer to the names that the objects own.
+    using Names = std::map<std::pair<std::string_view, Position>, VManagedObject*>;
+    mutable std::optional<Names> m_names;
 
     std::vector<Loam::WeakPtrImpl<RegistryWatcher>> m_watchers;
     std::map<const void*, Loam::WeakPtrImpl<RegistryWatcher>> m_exchanges;
