@@ -1,5 +1,5 @@
 // Loading saved networks of many objects: reading the file, creating and connecting the objects,
-// removing them; and the text of their drawing.
+// removing them; adding and removing single objects of a session; and the text of their drawing.
 
 #include "Adder.hpp"
 
@@ -7,6 +7,7 @@
 #include <tarn/network/NetworkBuilder.hpp>
 #include <tarn/network/NetworkGraph.hpp>
 #include <tarn/network/NetworkParser.hpp>
+#include <tarn/network/Session.hpp>
 #include <tarn/text/Faults.hpp>
 
 #include <trellis/VNetwork.hpp>
@@ -85,8 +86,27 @@ void describeDrawing(benchmark::State& state)
     Orla::report(state, static_cast<std::size_t>(state.range(0)));
 }
 
+// Adds objects one by one, then removes 100 of them.
+void addObjectsToSession(benchmark::State& state)
+{
+    const Orla::VObjectType<Orla::Adder> type{Type};
+    for (auto _ : state) {
+        Tarn::Session session;
+        for (std::int64_t i = 0; i < state.range(0); ++i) {
+            if (!session.create(Type, "adder" + std::to_string(i)))
+                state.SkipWithError("an object cannot be created");
+        }
+        for (std::int64_t i = 0; i < 100; ++i) {
+            if (!session.remove("adder" + std::to_string(i)))
+                state.SkipWithError("an object cannot be removed");
+        }
+    }
+    Orla::report(state, static_cast<std::size_t>(state.range(0)));
+}
+
 BENCHMARK(readNetwork)->Arg(100)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(buildAndRemoveNetwork)->Arg(100)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(addObjectsToSession)->Arg(100)->Arg(20000)->Unit(benchmark::kMillisecond);
 BENCHMARK(describeDrawing)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 } // namespace

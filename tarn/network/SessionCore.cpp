@@ -192,7 +192,6 @@ void SessionCore::keepOverrides()
 
 void SessionCore::indexObjects()
 {
-    m_names = {};
     for (std::size_t number = 0; number < m_file.objects.size(); ++number)
         m_names.add(m_file.objects[number].name.text, number);
 }
@@ -409,7 +408,7 @@ Result<void> SessionCore::remove(const std::string& name)
     m_file.objects.erase(m_file.objects.begin() + static_cast<std::ptrdiff_t>(number));
     m_network.objects.erase(m_network.objects.begin() + static_cast<std::ptrdiff_t>(number));
     m_network.objectCount = m_network.objects.size();
-    indexObjects();
+    m_names.remove(name);
     std::erase_if(m_network.connected, [](const StrongPtr<Orla::VSlot>& input) { return !input->isConnected(); });
     m_timeProvider.reset();
     return {};

@@ -30,6 +30,18 @@ bool ObjectNames::add(const std::string& name, std::size_t number)
     return m_numbers.emplace(name, number).second;
 }
 
+bool ObjectNames::remove(std::string_view name)
+{
+    const auto found = m_numbers.find(name);
+    if (found == m_numbers.end())
+        return false;
+    const std::size_t removed = found->second;
+    m_numbers.erase(found);
+    for (auto& [other, number] : m_numbers)
+        number -= number > removed ? 1 : 0;
+    return true;
+}
+
 std::size_t ObjectNames::find(std::string_view name) const
 {
     const auto found = m_numbers.find(name);

@@ -28,6 +28,10 @@ public:
     /// Returns false if the name is taken.
     bool add(const std::string& name, std::size_t number);
 
+    /// Removes a name and counts its number out: each larger number decreases by one. Returns false
+    /// if there is no such name.
+    bool remove(std::string_view name);
+
     /// Returns the number of the object \p name, or `npos`.
     std::size_t find(std::string_view name) const;
 
@@ -41,7 +45,7 @@ public:
 
 private:
     std::map<std::string, std::size_t, std::less<>> m_numbers;
-    std::size_t m_longest = 0;
+    std::size_t m_longest = 0; // or more, after a removal
 };
 
 } // namespace Tarn

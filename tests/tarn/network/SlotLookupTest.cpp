@@ -91,6 +91,20 @@ TEST(ObjectNames, findTheLongestNameBeforeADot)
     }
 }
 
+TEST(ObjectNames, countRemovedNamesOut)
+{
+    ObjectNames names;
+    names.add("c", 0);
+    names.add("a", 1);
+    names.add("b", 2);
+    EXPECT_TRUE(names.remove("a"));
+    EXPECT_FALSE(names.remove("a"));
+    EXPECT_EQ(names.find("c"), 0u);
+    EXPECT_EQ(names.find("a"), ObjectNames::npos);
+    EXPECT_EQ(names.find("b"), 1u);
+    EXPECT_TRUE(names.add("a", 2));
+}
+
 TEST(ObjectNames, findNothingWhenEmpty)
 {
     std::string_view rest;
