@@ -7,4 +7,7 @@
 #include <tarn/run/EventScript.hpp>
 #include <tarn/run/StatusReport.hpp>
 #include <tarn/run/StatusText.hpp>
+#include <tarn/study/CaseResult.hpp>
+#include <tarn/study/Study.hpp>
+#include <tarn/study/Sweep.hpp>
 #include <tarn/text/Faults.hpp>

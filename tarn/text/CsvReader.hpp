@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tarn/text/Faults.hpp>
+#include <tarn/text/PlacedText.hpp>
 
 #include <loam/Result.hpp>
 
