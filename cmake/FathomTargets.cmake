@@ -70,10 +70,17 @@ function(fathom_install_library target description)
         COMPONENT ${package}_development)
 endfunction()
 
-# Installs a program, for CMake as fathom::<target>. It finds the libraries even if the
-# prefix is moved.
+# fathom_install_program(<target> [COMPONENT <component>])
+#
+# Installs a program. It finds the libraries even if the prefix is moved. Without a component, it
+# is installed for CMake as fathom::<target>.
 function(fathom_install_program target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "COMPONENT" "")
     file(RELATIVE_PATH lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
     set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
-    install(TARGETS ${target} EXPORT fathomHostTargets)
+    if(arg_COMPONENT)
+        install(TARGETS ${target} COMPONENT ${arg_COMPONENT})
+    else()
+        install(TARGETS ${target} EXPORT fathomHostTargets)
+    endif()
 endfunction()

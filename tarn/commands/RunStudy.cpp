@@ -14,6 +14,7 @@
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/study/CaseOrder.hpp>
 #include <tarn/study/CaseQueue.hpp>
+#include <tarn/study/Ranks.hpp>
 #include <tarn/study/Study.hpp>
 #include <tarn/study/StudyJournal.hpp>
 #include <tarn/study/StudyReport.hpp>
@@ -28,6 +29,7 @@
 #include <iterator>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 namespace Tarn {
@@ -208,7 +210,7 @@ std::unique_ptr<StudyJournal> openJournal(const std::string& table, const std::s
 }
 
 // Reports that a signal or an object ended the study. Returns the exit status.
-int reportInterruption(const std::vector<bool>& complete, StudyJournal* journal)
+int reportInterruption(const std::vector<bool>& complete, bool canResume)
 {
     CaseList cases;
     for (std::size_t i = 0; i < complete.size(); ++i) {
@@ -220,9 +222,7 @@ int reportInterruption(const std::vector<bool>& complete, StudyJournal* journal)
         + (cases.size() == 0 ? std::string("no case is complete")
                              : counted(cases.size(), "complete case") + " of " + std::to_string(complete.size()) + ": "
                                    + cases.text()));
-    if (journal && cases.size() == 0)
-        journal->remove();
-    else if (journal)
+    if (canResume && cases.size() > 0)
         say("the table was not written; --resume evaluates the other cases");
     return signal != 0 ? 128 + signal : ObjectFailed;
 }
@@ -261,17 +261,21 @@ int evaluateStudy(const Study& study, const StudyOptions& options, StudyJournal*
     if (const auto count = std::ranges::count(complete, true); count > 0)
         say("resuming: " + counted(static_cast<std::size_t>(count), "case") + " of " + std::to_string(complete.size())
             + (count == 1 ? " is" : " are") + " complete");
-    {
-        CaseQueue queue{complete.size(),
-                        [&](CaseResult result) {
-                            complete[result.number] = true;
-                            results.receive(std::move(result));
-                        },
-                        [&complete](std::uint64_t number) { return complete[number]; }};
-        study.run(options, queue, interruption.cancellation());
-    }
+    CaseQueue queue{complete.size(),
+                    [&](CaseResult result) {
+                        complete[result.number] = true;
+                        results.receive(std::move(result));
+                    },
+                    [&complete](std::uint64_t number) { return complete[number]; }};
+    const auto evaluate = [&] { study.run(options, queue, interruption.cancellation()); };
+    if (Ranks* const ranks = Ranks::current())
+        ranks->serve(evaluate, queue, !study.orderReason(options), interruption.cancellation());
+    else
+        evaluate();
     if (interruption.cancellation().isCancelled())
-        return reportInterruption(complete, journal);
+        return reportInterruption(complete, journal != nullptr);
+    if (const auto missing = std::ranges::count(complete, false); missing > 0)
+        throw std::logic_error{counted(static_cast<std::size_t>(missing), "case") + " were lost"};
     if (output)
         output->commit();
     if (journal)
@@ -299,7 +303,8 @@ int performStudy(const Arguments& arguments, const StandardStreams& streams)
     const std::string tablePath = placeOf(arguments, "table", network);
 
     Faults eventFaults{arguments.text("events").value_or("")};
-    StudyOptions options{.jobs = jobs, .printed = arguments.texts("print")};
+    // Several ranks share the cores.
+    StudyOptions options{.jobs = jobs || !Ranks::current() ? jobs : 1, .printed = arguments.texts("print")};
     options.events = readEvents(arguments, eventFaults);
     const Session session = Session::load(network, {overrides, arguments.text("chart"), steps});
     if (!session.faults().empty())
@@ -325,8 +330,15 @@ int performStudy(const Arguments& arguments, const StandardStreams& streams)
         study.check(faults);
     if (!faults.empty())
         return reportFaults(faults, NothingEvaluated);
+    Ranks* const ranks = Ranks::current();
+    if (ranks && !ranks->isFirst()) {
+        if (const std::optional<int> status = ranks->agree())
+            return *status;
+        return ranks->work([&](CaseExchange& cases) { study.run(options, cases, interruption.cancellation()); },
+                           interruption.cancellation());
+    }
     options.reportOrder = [&arguments](const std::string& reason) {
-        say("--jobs=" + *arguments.text("jobs") + ": evaluated in order, because " + reason);
+        say("--jobs=" + arguments.text("jobs").value_or("1") + ": evaluated in order, because " + reason);
     };
 
     const std::unique_ptr<StudyJournal> journal =
@@ -340,6 +352,8 @@ int performStudy(const Arguments& arguments, const StandardStreams& streams)
     if (output)
         table = std::make_unique<TableWriter>(*output, isStandardOutput(tablePath) && streams.isTerminal());
     CrashReport::watchForExit();
+    if (const std::optional<int> status = ranks ? ranks->agree() : std::nullopt)
+        return *status;
     return evaluateStudy(study, options, journal.get(), output.get(), table.get(), streams, interruption);
 }
 

@@ -172,6 +172,11 @@ void CrashReport::reportExit() noexcept
     endProcess(1);
 }
 
+void CrashReport::ignoreExit() noexcept
+{
+    theExitIsWatched = false;
+}
+
 void CrashReport::watchForExit() noexcept
 {
     // Without memory for an entry, exit handlers that were registered earlier run.

@@ -26,6 +26,9 @@ public:
     /// `exit` or a similar function. Otherwise does nothing.
     static void reportExit() noexcept;
 
+    /// Lets the program exit at once, even while code of a library is running.
+    static void ignoreExit() noexcept;
+
     /// Call it again when libraries have been loaded: their own exit handlers then run later.
     static void watchForExit() noexcept;
 

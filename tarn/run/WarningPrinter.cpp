@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 namespace Tarn {
 
@@ -18,9 +19,35 @@ constexpr std::size_t MostNamed = 12;
 // Between the object and the reason in the scheduler's messages.
 constexpr std::string_view Failed = " failed: ";
 
+std::mutex& sinkMutex()
+{
+    static std::mutex theMutex;
+    return theMutex;
+}
+
+std::function<void(const std::string&)>& sink()
+{
+    static std::function<void(const std::string&)> theSink;
+    return theSink;
+}
+
 } // namespace
 
 void printLine(const std::string& line)
+{
+    if (const std::lock_guard lock{sinkMutex()}; sink())
+        sink()(onOneLine(line));
+    else
+        writeLine(line);
+}
+
+void setMessageSink(std::function<void(const std::string&)> function)
+{
+    const std::lock_guard lock{sinkMutex()};
+    sink() = std::move(function);
+}
+
+void writeLine(const std::string& line)
 {
     Progress::hide();
     // Written in one piece because libraries may write at the same time.

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -73,8 +74,15 @@ private:
     static inline std::atomic<HeldFailures*> s_current{nullptr};
 };
 
-/// Prints a line to standard error. Escapes control characters that \p line still contains.
+/// Prints a line to standard error, or passes it to the function that `setMessageSink` was called
+/// with. Escapes control characters that \p line still contains.
 void printLine(const std::string& line);
+
+/// Replaces the function that receives the lines; null prints them.
+void setMessageSink(std::function<void(const std::string& line)> sink);
+
+/// Prints a line to standard error, whatever function receives other lines.
+void writeLine(const std::string& line);
 
 /// Prints a line that begins with the program's name to standard error.
 void say(const std::string& message);

@@ -44,6 +44,8 @@ StudyJournal::StudyJournal(const std::string& path, const std::string& identity)
 
 StudyJournal::~StudyJournal()
 {
+    if (!m_hasRecords)
+        remove();
     ::close(m_descriptor);
 }
 
@@ -87,6 +89,7 @@ void StudyJournal::readRecords(const std::string& identity)
             m_results[place->second] = *std::move(result);
         begin = end + 1;
     }
+    m_hasRecords = !m_results.empty();
     if (complete < text.size() && ::ftruncate(m_descriptor, static_cast<::off_t>(complete)) != 0)
         fail("cannot change " + printable(m_path));
 }
@@ -105,6 +108,7 @@ void StudyJournal::write(const std::string& text)
 
 void StudyJournal::add(const CaseResult& result)
 {
+    m_hasRecords = true;
     write(recordOf(result));
 }
 

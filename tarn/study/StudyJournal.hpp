@@ -22,7 +22,7 @@ public:
     /// journal, it belongs to another study, or a record is damaged. It is unchanged then.
     StudyJournal(const std::string& path, const std::string& identity);
 
-    /// Closes the file.
+    /// Closes the file. Removes it if it has no records.
     ~StudyJournal();
 
     StudyJournal(const StudyJournal&) = delete;
@@ -49,6 +49,7 @@ private:
     std::string m_path;
     int m_descriptor = -1;
     std::vector<CaseResult> m_results;
+    bool m_hasRecords = false;
 };
 
 } // namespace Tarn

@@ -129,6 +129,15 @@ TEST_F(StudyJournalTest, reportsAFullDisk)
     EXPECT_THROW((StudyJournal{m_path, "id"}), Loam::FileError);
 }
 
+TEST_F(StudyJournalTest, isRemovedWhenItIsClosedWithoutRecords)
+{
+    {
+        const StudyJournal journal{m_path, "id"};
+        EXPECT_THAT(m_folder.names(), ElementsAre("t.study"));
+    }
+    EXPECT_THAT(m_folder.names(), IsEmpty());
+}
+
 TEST_F(StudyJournalTest, isRemoved)
 {
     StudyJournal journal{m_path, "id"};

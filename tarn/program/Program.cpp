@@ -1,3 +1,5 @@
+#include <tarn/program/Program.hpp>
+
 #include <tarn/commands/CommandLine.hpp>
 #include <tarn/commands/Commands.hpp>
 #include <tarn/commands/ExitStatus.hpp>
@@ -26,25 +28,11 @@ namespace {
 
 constexpr char OutOfMemory[] = "tarn: out of memory\n";
 
-int perform(const CommandLine& line, const StandardStreams& streams)
-{
-    switch (line.request) {
-    case CommandLine::Request::Perform:
-        return line.command->perform(line.arguments, streams);
-    case CommandLine::Request::Version:
-        print(streams, CommandLine::versionText());
-        return Fine;
-    case CommandLine::Request::Help:
-        break;
-    }
-    print(streams, line.command ? helpOn(*line.command) : CommandLine::generalHelp(commands()));
-    return Fine;
-}
-
-int performSafely(int argc, char** argv, const StandardStreams& streams)
+int performSafely(int argc, char** argv, const StandardStreams& streams,
+                  int (*performRequest)(const CommandLine& line, const StandardStreams& streams))
 {
     try {
-        return perform(CommandLine::parse(argc, argv, commands()), streams);
+        return performRequest(CommandLine::parse(argc, argv, commands()), streams);
     } catch (const UsageError& error) {
         say(error.what());
         say("see tarn --help");
@@ -102,40 +90,42 @@ void handleSignals()
 
 } // namespace
 
-} // namespace Tarn
-
-// Libraries that call these functions of the C library call the following ones instead.
-
-extern "C" void _exit(int status)
+int perform(const CommandLine& line, const StandardStreams& streams)
 {
-    Tarn::CrashReport::reportExit();
-    Tarn::endProcess(status);
+    switch (line.request) {
+    case CommandLine::Request::Perform:
+        return line.command->perform(line.arguments, streams);
+    case CommandLine::Request::Version:
+        print(streams, CommandLine::versionText());
+        return Fine;
+    case CommandLine::Request::Help:
+        break;
+    }
+    print(streams, line.command ? helpOn(*line.command) : CommandLine::generalHelp(commands()));
+    return Fine;
 }
 
-extern "C" void _Exit(int status) noexcept
-{
-    ::_exit(status);
-}
-
-int main(int argc, char** argv)
+int runProgram(int argc, char** argv, int (*performRequest)(const CommandLine& line, const StandardStreams& streams))
 {
     // A large network consists of millions of small blocks. With the lists that this turns off,
     // the C library walks through them again and again while they are released.
     ::mallopt(M_MXFAST, 0);
-    std::set_terminate(Tarn::endBecauseOfException);
-    Tarn::handleSignals();
+    std::set_terminate(endBecauseOfException);
+    handleSignals();
     try {
-        const Tarn::StandardStreams streams;
-        const Tarn::CrashReport crashReport;
-        const auto warnings = Loam::makeStrong<Tarn::WarningPrinter>();
+        const StandardStreams streams;
+        const CrashReport crashReport;
+        const auto warnings = Loam::makeStrong<WarningPrinter>();
         Orla::VActionNotifier::add(warnings);
-        Orla::VUrlSystemHandler::TheUrlSystemHandler = Loam::makeStrong<Tarn::UrlHandler>();
-        const int status = Tarn::performSafely(argc, argv, streams);
+        Orla::VUrlSystemHandler::TheUrlSystemHandler = Loam::makeStrong<UrlHandler>();
+        const int status = performSafely(argc, argv, streams, performRequest);
         warnings->printRepeats();
         return status;
     } catch (...) {
         // Not even a message could be composed.
-        std::fputs(Tarn::OutOfMemory, stderr);
-        return Tarn::ObjectFailed;
+        std::fputs(OutOfMemory, stderr);
+        return ObjectFailed;
     }
 }
+
+} // namespace Tarn
