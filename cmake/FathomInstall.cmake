@@ -46,6 +46,9 @@ if(FATHOM_BUILD_HOST)
     list(APPEND licensed_packages
         libtarn_runtime=libtarn${FATHOM_ABI_VERSION} libtarn_development=libtarn-dev fathom_host=tarn)
 endif()
+if(FATHOM_BUILD_MPI)
+    list(APPEND licensed_packages fathom_mpi=tarn-mpi)
+endif()
 foreach(package IN LISTS licensed_packages)
     string(REGEX MATCH "^(.*)=(.*)$" package "${package}")
     install(FILES "${PROJECT_SOURCE_DIR}/LICENSE"

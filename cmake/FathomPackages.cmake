@@ -1,4 +1,4 @@
-# Packages: run cpack in the build folder. DEB makes five packages, TGZ one archive of
+# Packages: run cpack in the build folder. DEB makes six packages, TGZ one archive of
 # everything, which can be unpacked anywhere.
 
 set(FATHOM_PACKAGE_CONTACT "fathom developers <fathom@example.org>" CACHE STRING
@@ -25,11 +25,15 @@ set(CPACK_COMPONENTS_ALL fathom_runtime fathom_development)
 if(FATHOM_BUILD_HOST)
     list(APPEND CPACK_COMPONENTS_ALL libtarn_runtime libtarn_development fathom_host)
 endif()
+if(FATHOM_BUILD_MPI)
+    list(APPEND CPACK_COMPONENTS_ALL fathom_mpi)
+endif()
 set(CPACK_COMPONENT_FATHOM_DEVELOPMENT_DEPENDS fathom_runtime)
 set(CPACK_COMPONENT_LIBTARN_RUNTIME_DEPENDS fathom_runtime)
 set(CPACK_COMPONENT_LIBTARN_DEVELOPMENT_DEPENDS libtarn_runtime fathom_development)
 # The program is not linked with the host's library, but needs the standard objects.
 set(CPACK_COMPONENT_FATHOM_HOST_DEPENDS fathom_runtime libtarn_runtime)
+set(CPACK_COMPONENT_FATHOM_MPI_DEPENDS fathom_runtime libtarn_runtime)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -70,6 +74,12 @@ set(CPACK_DEBIAN_LIBTARN_DEVELOPMENT_PACKAGE_SUGGESTS "cmake (>= 3.25) | pkg-con
 set(CPACK_DEBIAN_LIBTARN_DEVELOPMENT_DESCRIPTION "data-flow visualization framework - headers of the host library
 Headers, targets for CMake and a file for pkg-config, for writing programs that
 evaluate saved networks.")
+
+set(CPACK_DEBIAN_FATHOM_MPI_PACKAGE_NAME tarn-mpi)
+set(CPACK_DEBIAN_FATHOM_MPI_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_FATHOM_MPI_PACKAGE_SUGGESTS "tarn, openmpi-bin")
+set(CPACK_DEBIAN_FATHOM_MPI_DESCRIPTION "data-flow visualization framework - program for several machines
+Evaluates many cases of a saved network in the processes that mpirun starts.")
 
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_NAME tarn)
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SECTION science)
