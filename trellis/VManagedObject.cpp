@@ -90,6 +90,16 @@ bool VManagedObject::remove(const StrongPtr<VManagedObject>& object)
     return true;
 }
 
+bool VManagedObject::rename(const StrongPtr<VManagedObject>& object, std::string name)
+{
+    if (!object)
+        return false;
+    NetworkCore& network = *object->m_network;
+    const Detail::ChangeScope change{network};
+    NetworkObjects::of(network).rename(*object, name);
+    return true;
+}
+
 bool VManagedObject::traverse(VManagedObjectIterator& iterator, int from, int to)
 {
     NetworkObjects* const objects = NetworkObjects::find(NetworkCore::current());

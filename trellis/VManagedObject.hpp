@@ -55,6 +55,11 @@ public:
     /// registered.
     static bool remove(const StrongPtr<VManagedObject>& object);
 
+    /// Gives \p object another name, which other objects may have too. Waits as other changes of
+    /// the network do, so threads that read names of objects meanwhile need a `VNetwork::Use`.
+    /// Copies of the name that classes keep do not change. Returns false if the pointer is null.
+    static bool rename(const StrongPtr<VManagedObject>& object, std::string name);
+
     /// Visits the registered objects with levels from \p from to \p to inclusive, sorted by
     /// level and then by the order of registration. Objects may be added and removed
     /// meanwhile; removed objects and new ones are not visited. Returns false if a visit ended

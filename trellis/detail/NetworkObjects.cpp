@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <limits>
 #include <typeinfo>
+#include <utility>
 
 namespace Orla::Detail {
 
@@ -95,6 +96,19 @@ StrongPtr<VManagedObject> NetworkObjects::remove(VManagedObject& object) noexcep
             m_levels.erase(object.m_level);
     }
     return released;
+}
+
+void NetworkObjects::rename(VManagedObject& object, std::string& name) noexcept
+{
+    const std::lock_guard lock{m_mutex};
+    Names::node_type indexed;
+    if (m_names && object.m_sequence != 0)
+        indexed = m_names->extract({object.Name(), {object.m_level, object.m_sequence}});
+    object.m_name.swap(name);
+    if (indexed) {
+        indexed.key().first = object.Name();
+        m_names->insert(std::move(indexed));
+    }
 }
 
 StrongPtr<VManagedObject> NetworkObjects::find(const std::string& name) const

@@ -60,6 +60,9 @@ public:
     /// registered.
     StrongPtr<VManagedObject> remove(VManagedObject& object) noexcept;
 
+    /// Exchanges the object's name, whether it is registered or not, with \p name.
+    void rename(VManagedObject& object, std::string& name) noexcept;
+
     /// Returns the first object of that name in traversal order, or null.
     StrongPtr<VManagedObject> find(const std::string& name) const;
     std::size_t count() const;

@@ -99,6 +99,24 @@ TEST_F(NetworkObjectsTest, areFoundByNameOnTheLowestLevelFirst)
     EXPECT_EQ(VManagedObject::find("name"), first);
 }
 
+TEST_F(NetworkObjectsTest, areFoundByTheirLastName)
+{
+    const auto thing = add("old");
+    const auto other = add("other");
+    for (const std::string name : {"new", "a name that is longer than those that a string keeps in itself", "x"}) {
+        SCOPED_TRACE(name);
+        const std::string former = thing->Name();
+        EXPECT_TRUE(VManagedObject::rename(thing, name));
+        EXPECT_EQ(thing->Name(), name);
+        EXPECT_EQ(VManagedObject::find(name), thing);
+        EXPECT_FALSE(VManagedObject::find(former));
+    }
+    EXPECT_TRUE(VManagedObject::rename(other, "x"));
+    EXPECT_EQ(VManagedObject::find("x"), thing) << "names may be equal";
+    VManagedObject::remove(thing);
+    EXPECT_EQ(VManagedObject::find("x"), other);
+}
+
 TEST_F(NetworkObjectsTest, areRemovedInAnyOrder)
 {
     std::vector<StrongPtr<Thing>> things;
