@@ -42,6 +42,17 @@ Selected selectedIn(Orla::VValueBase& value)
     return {};
 }
 
+// The name of the object may have changed since the text was set.
+std::string descriptionOf(const Network::Choice& choice)
+{
+    if (!choice.description.empty())
+        return choice.description;
+    const Orla::VSlotContainer* const container = choice.input->container();
+    const Orla::VObject* const object = container ? container->object() : nullptr;
+    return (object ? "object " + inQuotes(object->Name()) + ", " : std::string()) + "input "
+           + inQuotes(choice.input->name());
+}
+
 } // namespace
 
 bool isSelection(const std::type_info& type) noexcept
@@ -76,7 +87,7 @@ void ChoiceCheck::addFaults(const StrongPtr<Orla::ValuePool>& pool, Faults& faul
                 continue;
             const std::string near = nearest(each, offered);
             faults.add(FaultKind::Input, choice.place,
-                       choice.description + ": " + inQuotes(each) + " is not among the "
+                       descriptionOf(choice) + ": " + inQuotes(each) + " is not among the "
                            + counted(offered.size(), "choice")
                            + (near.empty() ? "" : "; did you mean " + inQuotes(near) + "?"));
         }

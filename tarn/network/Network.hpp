@@ -24,8 +24,8 @@ struct Network {
     /// A selection that was set by a text.
     struct Choice {
         Orla::StrongPtr<Orla::VSlot> input;
-        Place place; ///< of the text; empty if it is from the command line
-        std::string description;
+        Place place;                                   ///< of the text; empty if it is from the command line
+        std::string description;                       ///< names the option that set it; empty to name object and input
         Orla::StrongPtr<Orla::VValueBase> wanted = {}; ///< null for the initial value of the input
     };
 

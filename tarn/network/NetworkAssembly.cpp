@@ -279,7 +279,7 @@ void NetworkAssembly::noteChoice(const GivenText& given)
     // Of several exact texts for one input, the last one counts.
     if (!m_network.choices.empty() && m_network.choices.back().input == given.input)
         m_network.choices.pop_back();
-    m_network.choices.push_back({given.input, given.place, given.description});
+    m_network.choices.push_back({given.input, given.place, given.place ? std::string() : given.description});
 }
 
 StrongPtr<VSlot> NetworkAssembly::findInput(std::size_t number, const PlacedText& name)

@@ -97,6 +97,11 @@ Result<void> Session::remove(const std::string& name)
     return m_core->remove(name);
 }
 
+Result<void> Session::rename(const std::string& name, const std::string& newName)
+{
+    return m_core->rename(name, newName);
+}
+
 Result<void> Session::connect(const std::string& output, const std::string& input)
 {
     return m_core->connect(output, input);

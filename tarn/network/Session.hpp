@@ -115,6 +115,12 @@ public:
     /// Removes an object, its connections and its columns.
     Loam::Result<void> remove(const std::string& name);
 
+    /// Renames an object. Connections, columns and later messages follow; texts of inputs that
+    /// contain the name do not. Fails if the new name is empty, invalid or taken, if an existing
+    /// reference would mean another object because names contain dots, or if the saved network
+    /// sets or connects an input that another object named after an output of this one.
+    Loam::Result<void> rename(const std::string& name, const std::string& newName);
+
     /// Connects an input to "OBJECT.OUTPUT" or "OBJECT.OUTPUT.MEMBER". Replaces an existing
     /// connection. Fails if the types differ or the component does not exist.
     Loam::Result<void> connect(const std::string& output, const std::string& input);

@@ -65,6 +65,25 @@ bool forgetConnection(NetworkFile::Object& entry, const std::string& input)
            > 0;
 }
 
+// As the parser describes an object of that name.
+std::string descriptionOf(const std::string& name)
+{
+    return "object " + inQuotes(name);
+}
+
+// Returns an input in the entry whose name begins with the prefix, or null. Objects that collect
+// outputs, see `Orla::VPolyConnection`, have inputs that are named after other objects.
+const std::string* inputWithPrefix(const std::string& prefix, const NetworkFile::Object& entry)
+{
+    const auto hasPrefix = [&](const auto& each) { return each.input.text.starts_with(prefix); };
+    if (const auto text = std::ranges::find_if(entry.texts, hasPrefix); text != entry.texts.end())
+        return &text->input.text;
+    if (const auto connection = std::ranges::find_if(entry.connections, hasPrefix);
+        connection != entry.connections.end())
+        return &connection->input.text;
+    return nullptr;
+}
+
 // Returns true if `reference`, such as "OBJECT.OUTPUT", names the object.
 bool refersTo(const std::string& reference, const ObjectNames& names, std::size_t object)
 {
@@ -313,8 +332,7 @@ Result<void> SessionCore::setText(std::string_view reference, const std::string&
         return Failure{value.reason()};
     const Result<void> assigned = assign(*input, *value, text);
     if (assigned && isSelection(input->slot->type()))
-        m_network.choices.push_back(
-            {input->slot, {}, input->entry->description + ", input " + inQuotes(input->slot->name())});
+        m_network.choices.push_back({input->slot, {}, {}});
     return assigned;
 }
 
@@ -348,14 +366,21 @@ Result<void> SessionCore::assign(const OwnInput& input, const StrongPtr<Orla::VV
     return {};
 }
 
-Result<void> SessionCore::create(const std::string& type, const std::string& name)
+Result<void> SessionCore::requireNewName(const std::string& name) const
 {
-    if (Result<void> fine = requireNoFaults(); !fine)
-        return fine;
     if (name.empty() || !Loam::isUtf8(name))
         return Failure{"found the name " + inQuotes(name) + ", expected one that is not empty and valid UTF-8"};
     if (m_objects->find(name))
         return Failure{"the name " + inQuotes(name) + " is taken"};
+    return {};
+}
+
+Result<void> SessionCore::create(const std::string& type, const std::string& name)
+{
+    if (Result<void> fine = requireNoFaults(); !fine)
+        return fine;
+    if (Result<void> fine = requireNewName(name); !fine)
+        return fine;
     NetworkFile file;
     file.libraries = m_file.libraries;
     file.objects.push_back({.place = Here,
@@ -364,7 +389,7 @@ Result<void> SessionCore::create(const std::string& type, const std::string& nam
                             .texts = {},
                             .connections = {},
                             .kept = {},
-                            .description = "object " + inQuotes(name)});
+                            .description = descriptionOf(name)});
     const Scope scope{*m_objects};
     const Change change{*m_objects};
     Faults faults{m_faults.file()};
@@ -411,6 +436,76 @@ Result<void> SessionCore::remove(const std::string& name)
     m_names.remove(name);
     std::erase_if(m_network.connected, [](const StrongPtr<Orla::VSlot>& input) { return !input->isConnected(); });
     m_timeProvider.reset();
+    return {};
+}
+
+Result<void> SessionCore::rename(const std::string& name, const std::string& newName)
+{
+    if (Result<void> fine = requireNoFaults(); !fine)
+        return fine;
+    const Scope scope{*m_objects};
+    const Change change{*m_objects};
+    const std::size_t number = m_names.find(name);
+    if (number == ObjectNames::npos)
+        return Failure{m_objects->find(name)
+                           ? "object " + inQuotes(name) + " is not part of the saved network"
+                           : "no object is named " + inQuotes(name) + insteadOf(name, m_names.names())};
+    NetworkFile::Object& entry = m_file.objects[number];
+    const StrongPtr<Orla::VObject> object = m_network.objects[number].lock();
+    if (!object)
+        return Failure{entry.description + " was removed during an evaluation"};
+    if (newName == name)
+        return {};
+    if (Result<void> fine = requireNewName(newName); !fine)
+        return fine;
+
+    // Nothing that can fail comes after the first change.
+    struct Reference {
+        std::string* text;
+        std::string newText;
+        std::size_t object;
+    };
+    std::vector<Reference> references;
+    const std::string prefix = name + '.';
+    const std::string newPrefix = newName + '.';
+    const auto collect = [&](std::string& text) {
+        if (!text.starts_with(prefix) && !text.starts_with(newPrefix))
+            return;
+        std::string_view rest;
+        const std::size_t referred = m_names.findAtStart(text, rest);
+        references.push_back({&text, referred == number ? newPrefix + std::string(rest) : text, referred});
+    };
+    for (NetworkFile::Object& each : m_file.objects) {
+        for (NetworkFile::Setting& connection : each.connections)
+            collect(connection.value.text);
+        const std::string* const input = &each == &entry ? nullptr : inputWithPrefix(prefix, each);
+        if (input)
+            return Failure{each.description + " has the input " + inQuotes(*input) + ", which is named after "
+                           + entry.description + " and would be missing after loading"};
+    }
+    for (NetworkFile::Column& column : m_file.columns)
+        collect(column.value.text);
+    std::string formerName = name;
+    std::string objectName = newName;
+    PlacedText fileName{newName, entry.name.place};
+    std::string description = descriptionOf(newName);
+
+    m_names.rename(name, newName);
+    // Names may contain dots, so the new name may match the beginning of other references.
+    const auto isMisread = [&](const Reference& each) {
+        std::string_view rest;
+        return m_names.findAtStart(each.newText, rest) != each.object;
+    };
+    if (const auto misread = std::ranges::find_if(references, isMisread); misread != references.end()) {
+        m_names.rename(newName, std::move(formerName));
+        return Failure{"with an object named " + inQuotes(newName) + ", " + inQuotes(misread->newText)
+                       + " would mean another output"};
+    }
+    Orla::VManagedObject::rename(object, std::move(objectName));
+    entry.name = std::move(fileName);
+    entry.description = std::move(description);
+    for (Reference& each : references)
+        each.text->swap(each.newText);
     return {};
 }
 

@@ -78,6 +78,7 @@ public:
     Loam::Result<void> setValue(std::string_view input, const Orla::StrongPtr<Orla::VValueBase>& value);
     Loam::Result<void> create(const std::string& type, const std::string& name);
     Loam::Result<void> remove(const std::string& name);
+    Loam::Result<void> rename(const std::string& name, const std::string& newName);
     Loam::Result<void> connect(const std::string& output, const std::string& input);
     Loam::Result<void> disconnect(const std::string& input);
     Loam::Result<void> addColumn(const std::string& title, const std::string& output);
@@ -102,6 +103,7 @@ private:
     void keepOverrides();
     void indexObjects();
     Loam::Result<void> requireNoFaults() const;
+    Loam::Result<void> requireNewName(const std::string& name) const;
     Loam::Result<Named> findObject(std::string_view reference, const char* shape) const;
     Loam::Result<OwnInput> findOwnInput(std::string_view reference);
     Orla::StrongPtr<Orla::VValueBase> declaredValue(const Orla::StrongPtr<Orla::VSlot>& input) const;

@@ -1,6 +1,7 @@
 #include <tarn/network/SlotLookup.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace Tarn {
 
@@ -28,6 +29,18 @@ bool ObjectNames::add(const std::string& name, std::size_t number)
 {
     m_longest = std::max(m_longest, name.size());
     return m_numbers.emplace(name, number).second;
+}
+
+bool ObjectNames::rename(std::string_view name, std::string newName)
+{
+    const auto found = m_numbers.find(name);
+    if (found == m_numbers.end() || m_numbers.contains(newName))
+        return false;
+    m_longest = std::max(m_longest, newName.size());
+    auto entry = m_numbers.extract(found);
+    entry.key() = std::move(newName);
+    m_numbers.insert(std::move(entry));
+    return true;
 }
 
 bool ObjectNames::remove(std::string_view name)

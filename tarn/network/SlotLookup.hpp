@@ -28,6 +28,10 @@ public:
     /// Returns false if the name is taken.
     bool add(const std::string& name, std::size_t number);
 
+    /// Changes a name and keeps its number. Returns false if there is no such name or \p newName
+    /// is taken.
+    bool rename(std::string_view name, std::string newName);
+
     /// Removes a name and counts its number out: each larger number decreases by one. Returns false
     /// if there is no such name.
     bool remove(std::string_view name);

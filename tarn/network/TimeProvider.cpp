@@ -50,6 +50,13 @@ TimeProvider TimeProvider::find()
     return provider;
 }
 
+const std::string& TimeProvider::name() const noexcept
+{
+    const Orla::VSlotContainer* const container = m_input ? m_input->container() : nullptr;
+    const Orla::VObject* const object = container ? container->object() : nullptr;
+    return object ? object->Name() : m_name;
+}
+
 Orla::VTime TimeProvider::time(const StrongPtr<Orla::ValuePool>& pool) const
 {
     Orla::VTime time;

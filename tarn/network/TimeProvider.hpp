@@ -20,7 +20,8 @@ public:
 
     explicit operator bool() const noexcept { return bool(m_input); }
 
-    const std::string& name() const noexcept { return m_name; }
+    /// Returns the name of the object, which may change; that it had if the object is destroyed.
+    const std::string& name() const noexcept;
     const std::string& inputName() const { return m_input->name(); }
 
     /// Returns false once the object is destroyed.

@@ -309,10 +309,82 @@ TEST_F(OpenSession, removesAnObjectWithItsConnectionsAndColumns)
     EXPECT_EQ(*session.text("a.a"), "4");
 }
 
+TEST_F(OpenSession, renamesAnObjectWithItsConnectionsAndColumns)
+{
+    const std::string file = object("a", "Adder", "set.b = 1\nconnect.a = 'b.sum'\n")
+                             + object("b", "Adder", "set.a = 2\n") + object("b.b", "Adder", "connect.b = 'b.sum'\n")
+                             + column("b", "b.sum") + column("b.b", "b.b.sum");
+    Session session = read(file);
+    ASSERT_TRUE(session.faults().empty()) << session.faults().lines().front();
+    Tarn::Context before{session};
+    EXPECT_TRUE(before.evaluate());
+    EXPECT_TRUE(session.rename("b", "c"));
+    EXPECT_THAT(session.objects(), ElementsAre("a", "c", "b.b"));
+    EXPECT_EQ(*before.text("c.sum"), "2");
+    EXPECT_FALSE(before.text("b.sum"));
+
+    std::string expected = file;
+    for (const auto& [from, to] :
+         {std::pair{"name = 'b'\n", "name = 'c'\n"}, std::pair{"connect.a = 'b.sum'", "connect.a = 'c.sum'"},
+          std::pair{"connect.b = 'b.sum'", "connect.b = 'c.sum'"}, std::pair{"value = 'b.sum'", "value = 'c.sum'"}})
+        expected.replace(expected.find(from), std::string(from).size(), to);
+    EXPECT_EQ(*session.savedText(), *read(expected).savedText());
+    EXPECT_TRUE(session.setText("c.a", "5"));
+    EXPECT_TRUE(session.connect("c.sum", "a.b"));
+    EXPECT_TRUE(session.create("Adder", "b"));
+    EXPECT_EQ(reasonOf(session.rename("c", "b")), "the name \"b\" is taken");
+    EXPECT_TRUE(session.remove("c"));
+}
+
+TEST_F(OpenSession, refusesNamesThatAreInvalidOrWouldChangeTheNetwork)
+{
+    Session session = read(object("a", "Adder") + object("x", "GlobalTime", "set.time = '0[0,1]@0.5'\n")
+                           + object("b", "Adder", "connect.a = 'a.sum'\n") + object("in", "Adder")
+                           + object("d", "Dotted", "set.'in.a=b' = 1\n") + column("step", "x.GlobalTime.dt"));
+    ASSERT_TRUE(session.faults().empty()) << session.faults().lines().front();
+    const std::string before = *session.savedText();
+    EXPECT_EQ(reasonOf(session.rename("b", "")), "found the name \"\", expected one that is not empty and valid UTF-8");
+    EXPECT_THAT(reasonOf(session.rename("b", "\xff")), HasSubstr("expected one that is not empty and valid UTF-8"));
+    EXPECT_EQ(reasonOf(session.rename("b", "a")), "the name \"a\" is taken");
+    EXPECT_EQ(reasonOf(session.rename("c", "d")), "no object is named \"c\"; available: a, b, d, in, x");
+    EXPECT_EQ(reasonOf(session.rename("b", "x.GlobalTime")),
+              "with an object named \"x.GlobalTime\", \"x.GlobalTime.dt\" would mean another output");
+    EXPECT_EQ(reasonOf(session.rename("in", "out")), "object \"d\" has the input \"in.a=b\", which is named after "
+                                                     "object \"in\" and would be missing after loading");
+    EXPECT_TRUE(session.rename("b", "b"));
+    EXPECT_EQ(*session.savedText(), before);
+    EXPECT_THAT(session.objects(), ElementsAre("a", "x", "b", "in", "d"));
+    EXPECT_TRUE(session.setText("b.b", "1"));
+    EXPECT_FALSE(session.setText("x.GlobalTime.b", "1"));
+}
+
+TEST_F(OpenSession, followsARenamedObjectInMessages)
+{
+    Session session = read(object("c", "Picker", "set = { offered = 'Africa,Asia', one = 'Mu@Mu|' }\n")
+                           + object("clock", "GlobalTime", "set.time = '0[0,1]@0.5'\n"));
+    ASSERT_TRUE(session.faults().empty()) << session.faults().lines().front();
+    Tarn::Context context{session};
+    EXPECT_TRUE(session.rename("c", "renamed"));
+    EXPECT_TRUE(session.rename("clock", "watch"));
+    context.evaluateStep();
+    EXPECT_TRUE(session.setText("watch.time", "0[1,0]@0.5"));
+    EXPECT_THAT(context.summary().unknownChoices.lines(),
+                testing::Contains(HasSubstr("object \"renamed\", input \"one\"")));
+    const Loam::Result<std::uint64_t> count = Tarn::Context{session}.stepCount();
+    ASSERT_FALSE(count);
+    EXPECT_THAT(count.reason(), HasSubstr("object \"watch\", input \"time\""));
+    EXPECT_TRUE(session.create("TicketReader", "t"));
+    EXPECT_TRUE(session.setText("t.ticket", "1"));
+    EXPECT_TRUE(session.rename("t", "reader"));
+    EXPECT_THAT(session.savedText().reason(),
+                HasSubstr("object \"reader\", input \"ticket\": the value cannot be kept"));
+}
+
 TEST_F(OpenSession, cannotBeChangedWithFaults)
 {
     Session session = read(object("a", "None"));
     EXPECT_EQ(reasonOf(session.create("Adder", "b")), "the network has faults");
+    EXPECT_EQ(reasonOf(session.rename("a", "b")), "the network has faults");
     EXPECT_FALSE(session.savedText());
 }
 

@@ -105,6 +105,19 @@ TEST(ObjectNames, countRemovedNamesOut)
     EXPECT_TRUE(names.add("a", 2));
 }
 
+TEST(ObjectNames, keepTheNumberOfARenamedObject)
+{
+    ObjectNames names;
+    names.add("a", 0);
+    names.add("b", 1);
+    EXPECT_TRUE(names.rename("a", "a long name"));
+    EXPECT_FALSE(names.rename("a", "c"));
+    EXPECT_FALSE(names.rename("b", "a long name"));
+    EXPECT_THAT(names.names(), ElementsAre("a long name", "b"));
+    std::string_view rest;
+    EXPECT_EQ(names.findAtStart("a long name.x", rest), 0u);
+}
+
 TEST(ObjectNames, findNothingWhenEmpty)
 {
     std::string_view rest;

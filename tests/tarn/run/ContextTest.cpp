@@ -254,6 +254,8 @@ TEST_F(ContextTest, mayBeEvaluatedWhileTheSessionChanges)
     for (int i = 0; i < 50; ++i) {
         EXPECT_TRUE(session.create("Adder", "more"));
         EXPECT_TRUE(session.connect("b.sum", "more.a"));
+        EXPECT_TRUE(session.rename("a", "renamed for a moment"));
+        EXPECT_TRUE(session.rename("renamed for a moment", "a"));
         EXPECT_TRUE(session.remove("more"));
     }
 }
