@@ -51,10 +51,7 @@ void VFrame::readEarlierOutput(std::uint32_t index) noexcept
 
 void VFrame::changedOwnInput(std::uint32_t index) noexcept
 {
-    // The first update completes inputs from data, for example the choices of a selection. Later
-    // ones find what it wrote.
-    if (m_lastRun != 0)
-        m_pool->noteHistory(*this, VHistory::Cause::ChangesInput, index);
+    m_pool->noteHistory(*this, VHistory::Cause::ChangesInput, index);
 }
 
 void VFrame::writesFile() noexcept

@@ -14,7 +14,7 @@ struct TRELLIS_API VHistory {
         KeepsState,   ///< members of the object hold state: `VSlotContainer::keepsState`
         Loop,         ///< the object is a member of a loop, which starts with its earlier values
         ReadsOutput,  ///< an update read an output of its own object before writing it
-        ChangesInput, ///< an update changed an input of its own object, after the first one
+        ChangesInput, ///< an update changed an input of its own object, which the next one reads
         WritesFile    ///< an update asked for the name of a file to write: `VObject::resultFile`
     };
 

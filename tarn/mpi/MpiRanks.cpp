@@ -42,7 +42,7 @@ enum Tag : int {
     Go,       ///< from rank 0: the status with which all ranks end, or that they begin
     Request,  ///< to rank 0: a number of cases is wanted
     Assign,   ///< from rank 0: the numbers of cases; none if no more are left
-    Result,   ///< to rank 0: the record of a case
+    Result,   ///< to rank 0: the records of cases
     Finished, ///< to rank 0: the rank has no more cases; with a text if it was cancelled
     Cancel,   ///< from rank 0: evaluations are cancelled
     Final     ///< from rank 0: the exit status
@@ -130,51 +130,48 @@ std::vector<std::uint64_t> numbersOf(const std::string& text)
     return numbers;
 }
 
-// Takes at most `count` cases.
-std::vector<std::uint64_t> take(CaseExchange& cases, std::uint64_t count)
+std::vector<CaseResult> readResults(const Message& message)
 {
-    std::vector<std::uint64_t> numbers;
-    while (numbers.size() < count) {
-        const std::optional<std::uint64_t> number = cases.next();
-        if (!number)
-            break;
-        numbers.push_back(*number);
-    }
-    return numbers;
-}
-
-CaseResult readResult(const Message& message)
-{
-    Loam::Result<CaseResult> result = resultOf(message.text);
-    if (!result)
-        throw std::runtime_error{"rank " + std::to_string(message.source)
-                                 + " sent an invalid result: " + result.reason()};
-    return *std::move(result);
+    std::vector<CaseResult> results;
+    Loam::StringUtil::forEachPiece(message.text, '\n', [&](std::string_view record) {
+        if (record.empty())
+            return;
+        Loam::Result<CaseResult> result = resultOf(record);
+        if (!result)
+            throw std::runtime_error{"rank " + std::to_string(message.source)
+                                     + " sent an invalid result: " + result.reason()};
+        results.push_back(*std::move(result));
+    });
+    return results;
 }
 
 // The cases that rank 0 assigned to this rank. The threads that evaluate wait here for cases; the
 // main thread fetches them and passes the results on.
 class AssignedCases final : public CaseExchange {
 public:
-    std::optional<std::uint64_t> next() override
+    std::vector<std::uint64_t> next(std::size_t most) override
     {
         std::unique_lock lock{m_mutex};
         ++m_waiting;
         m_changed.wait(lock, [this] { return !m_numbers.empty() || m_hasEnded; });
         --m_waiting;
-        if (m_numbers.empty() || m_isCancelled)
-            return std::nullopt;
-        const std::uint64_t number = m_numbers.front();
-        m_numbers.pop_front();
-        return number;
+        if (m_isCancelled)
+            return {};
+        const auto end = m_numbers.begin() + static_cast<std::ptrdiff_t>(std::min(most, m_numbers.size()));
+        std::vector<std::uint64_t> numbers(m_numbers.begin(), end);
+        m_numbers.erase(m_numbers.begin(), end);
+        return numbers;
     }
 
-    void deliver(CaseResult result) override
+    void deliver(std::vector<CaseResult> results) override
     {
-        std::string record = recordOf(result);
+        std::string records;
+        for (const CaseResult& result : results)
+            records += recordOf(result);
         const std::lock_guard lock{m_mutex};
-        m_records.push_back(std::move(record));
-        ++m_evaluated;
+        m_evaluated += results.size();
+        if (!records.empty())
+            m_records.push_back(std::move(records));
     }
 
     void end() override
@@ -224,8 +221,8 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<std::uint64_t> m_numbers;
-    std::deque<std::string> m_records;
-    std::uint64_t m_waiting = 0; // threads
+    std::deque<std::string> m_records; // each of one or more cases
+    std::uint64_t m_waiting = 0;       // threads
     std::uint64_t m_evaluated = 0;
     Clock::time_point m_begin = Clock::now();
     bool m_isRequested = false;
@@ -331,9 +328,10 @@ void MpiRanks::serve(const std::function<void()>& evaluate, CaseExchange& cases,
             }
             nap.reset();
             if (message->tag == Request) {
-                send(message->source, Assign, textOf(take(cases, isShared ? std::stoull(message->text) : 0)));
+                const std::size_t wanted = isShared ? std::stoul(message->text) : 0;
+                send(message->source, Assign, textOf(wanted > 0 ? cases.next(wanted) : std::vector<std::uint64_t>{}));
             } else if (message->tag == Result) {
-                cases.deliver(readResult(*message));
+                cases.deliver(readResults(*message));
             } else if (message->tag == Finished) {
                 --working;
                 if (message->text.empty())

@@ -39,7 +39,16 @@ public:
     Implementation(std::shared_ptr<Detail::SessionCore> shared, const std::string& name, const std::string& resultTag)
         : core{std::move(shared)}, pool{Loam::makeStrong<Orla::ValuePool>(name, resultTag)}, tag{resultTag}
     {
+        startOver();
+    }
+
+    void startOver()
+    {
+        summary = {};
         summary.unknownChoices = Faults{core->faults().file()};
+        nextEvent = 0;
+        time.reset();
+        count.reset();
     }
 
     Result<StrongPtr<Orla::VSlot>> freeInput(std::string_view reference) const
@@ -304,6 +313,11 @@ void Context::schedule(std::vector<ScriptedEvent> events)
 {
     m_implementation->events = std::move(events);
     m_implementation->nextEvent = 0;
+}
+
+void Context::startOver()
+{
+    m_implementation->startOver();
 }
 
 bool Context::hasEvents() const noexcept

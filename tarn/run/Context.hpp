@@ -138,6 +138,11 @@ public:
     /// reach. Returns false if the evaluation was cancelled; it then continues with the next call.
     bool evaluate(const Orla::VCancellation& cancellation = {});
 
+    /// Begins again with the first step: the next call of `evaluateStep` evaluates it, and
+    /// `summary` has the outcome of the evaluations from then on. Only objects that are due run,
+    /// which includes those that depend on time.
+    void startOver();
+
     /// Returns true if `schedule` was called with events.
     bool hasEvents() const noexcept;
 

@@ -37,7 +37,17 @@ bool isBlank(const std::string& text) noexcept
 
 } // namespace
 
-StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool)
+StatusReport::Outputs StatusReport::findOutputs()
+{
+    Outputs outputs;
+    Orla::VObject::forEachOutput(typeid(VObjectStatus), [&outputs](const StrongPtr<Orla::VObject>& object,
+                                                                   const StrongPtr<Orla::VSlot>& output) {
+        outputs.emplace_back(object, output);
+    });
+    return outputs;
+}
+
+StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool, const Outputs& outputs)
 {
     using State = Orla::VScheduler::State;
     std::vector<Orla::VScheduler::Failure> failures = Orla::VScheduler::failures(pool);
@@ -46,22 +56,21 @@ StatusReport::StatusReport(const StrongPtr<Orla::ValuePool>& pool)
         reasons.emplace(failure.object.get(), &failure.reason);
 
     std::vector<Entry> reported;
-    Orla::VObject::forEachOutput(
-        typeid(VObjectStatus), [&](const StrongPtr<Orla::VObject>& object, const StrongPtr<Orla::VSlot>& output) {
-            const std::optional<VObjectStatus> status = output->get<VObjectStatus>(pool);
-            if (!status)
-                return;
-            const std::string text = plainText(status->text);
-            const Severity severity = severityOf(status->text);
-            if (const auto failed = reasons.find(object.get()); failed != reasons.end()) {
-                // The object may have reported the reason before it returned false.
-                if (failed->second->empty() && severity == Severity::Error)
-                    *failed->second = text;
-            } else if (severity != Severity::Information
-                       || (!isBlank(text) && Orla::VScheduler::stateOf(*object, pool) != State::Waiting)) {
-                reported.push_back({object->Name(), severity, text});
-            }
-        });
+    for (const auto& [object, output] : outputs) {
+        const std::optional<VObjectStatus> status = output->get<VObjectStatus>(pool);
+        if (!status)
+            continue;
+        const std::string text = plainText(status->text);
+        const Severity severity = severityOf(status->text);
+        if (const auto failed = reasons.find(object.get()); failed != reasons.end()) {
+            // The object may have reported the reason before it returned false.
+            if (failed->second->empty() && severity == Severity::Error)
+                *failed->second = text;
+        } else if (severity != Severity::Information
+                   || (!isBlank(text) && Orla::VScheduler::stateOf(*object, pool) != State::Waiting)) {
+            reported.push_back({object->Name(), severity, text});
+        }
+    }
 
     m_unlisted = failures.size() - std::min(failures.size(), MostFailures);
     failures.resize(failures.size() - m_unlisted);

@@ -3,10 +3,12 @@
 #include <tarn/Export.hpp>
 #include <tarn/run/StatusText.hpp>
 
+#include <trellis/Forward.hpp>
 #include <trellis/ValuePool.hpp>
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Tarn {
@@ -21,11 +23,20 @@ public:
         std::size_t waiting = 0; ///< number of objects that wait for this failed one
     };
 
+    /// The outputs with the statuses of announced objects.
+    using Outputs = std::vector<std::pair<Orla::StrongPtr<Orla::VObject>, Orla::StrongPtr<Orla::VSlot>>>;
+
+    /// Returns the outputs of the current network.
+    static Outputs findOutputs();
+
     /// Collects the objects whose last update in \p pool failed, and the status of all other
     /// announced objects that report one: errors, then warnings, then the rest, each in the
     /// order of the objects. The status of a failed object may be from before the failure, and
     /// so may good news of an object that waits; both are left out.
-    explicit StatusReport(const Orla::StrongPtr<Orla::ValuePool>& pool);
+    explicit StatusReport(const Orla::StrongPtr<Orla::ValuePool>& pool) : StatusReport{pool, findOutputs()} {}
+
+    /// As above, with the outputs that `findOutputs` returned since the network changed.
+    StatusReport(const Orla::StrongPtr<Orla::ValuePool>& pool, const Outputs& outputs);
 
     const std::vector<Entry>& entries() const noexcept { return m_entries; }
 

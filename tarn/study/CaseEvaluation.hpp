@@ -1,7 +1,9 @@
 #pragma once
 
-#include <tarn/network/OutputReference.hpp>
+#include <tarn/run/Context.hpp>
 #include <tarn/run/EventScript.hpp>
+#include <tarn/run/StatusReport.hpp>
+#include <tarn/run/TaskExecutor.hpp>
 #include <tarn/study/CaseResult.hpp>
 
 #include <trellis/VRequest.hpp>
@@ -14,11 +16,13 @@
 
 namespace Tarn {
 
-class Context;
 class Session;
 class Sweep;
 
-/// Evaluates single cases of a study. Several threads may evaluate cases at the same time.
+/// Evaluates cases of a study, one at a time. Each thread has its own instance.
+///
+/// If no object depends on its earlier updates, the next case is evaluated in the same context:
+/// only objects that depend on the varied inputs or on time run again.
 class CaseEvaluation {
 public:
     struct Options {
@@ -34,14 +38,23 @@ public:
 
     CaseEvaluation(const Session& session, const Sweep& sweep, Options options);
 
-    CaseResult evaluate(std::uint64_t number, const Orla::VCancellation& cancellation) const;
+    CaseResult evaluate(std::uint64_t number, const Orla::VCancellation& cancellation);
 
 private:
-    Context makeContext(std::uint64_t number) const;
+    Context makeContext(std::uint64_t number);
+    void setTexts(Context& context, const std::vector<std::string>& texts,
+                  const std::vector<std::string>& former) const;
+    void evaluateSteps(Context& context, CaseResult& result, const Orla::VCancellation& cancellation);
+    StatusReport statusesOf(const Context& context) const;
+    bool isReusable(const Context& context, const CaseResult& result) const;
 
     const Session& m_session;
     const Sweep& m_sweep;
     Options m_options;
+    TaskExecutor m_helpers;
+    StatusReport::Outputs m_statuses;
+    std::optional<Context> m_context; // of the case before, if it can be used again
+    std::vector<std::string> m_texts; // of that case
 };
 
 } // namespace Tarn

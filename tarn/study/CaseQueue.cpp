@@ -10,18 +10,22 @@ CaseQueue::CaseQueue(std::uint64_t count, std::function<void(CaseResult)> receiv
 {
 }
 
-std::optional<std::uint64_t> CaseQueue::next()
+std::vector<std::uint64_t> CaseQueue::next(std::size_t most)
 {
     const std::lock_guard lock{m_mutex};
-    while (m_isDone && m_next < m_count && m_isDone(m_next))
-        ++m_next;
-    return m_next < m_count ? std::optional(m_next++) : std::nullopt;
+    std::vector<std::uint64_t> numbers;
+    for (; m_next < m_count && numbers.size() < most; ++m_next) {
+        if (!m_isDone || !m_isDone(m_next))
+            numbers.push_back(m_next);
+    }
+    return numbers;
 }
 
-void CaseQueue::deliver(CaseResult result)
+void CaseQueue::deliver(std::vector<CaseResult> results)
 {
     const std::lock_guard lock{m_mutex};
-    m_receive(std::move(result));
+    for (CaseResult& result : results)
+        m_receive(std::move(result));
 }
 
 void CaseQueue::end()

@@ -15,8 +15,8 @@ public:
     CaseQueue(std::uint64_t count, std::function<void(CaseResult result)> receive,
               std::function<bool(std::uint64_t number)> isDone = {});
 
-    std::optional<std::uint64_t> next() override;
-    void deliver(CaseResult result) override;
+    std::vector<std::uint64_t> next(std::size_t most) override;
+    void deliver(std::vector<CaseResult> results) override;
     void end() override;
 
 private:

@@ -12,6 +12,7 @@
 #include <trellis/VNetwork.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -38,6 +39,33 @@ std::function<void(const std::string&)> oncePerText(std::function<void(const std
             function(text);
     };
 }
+
+// The number of cases that a thread takes at a time. Threads that take very short cases one by one
+// would wait for each other.
+class BatchSize {
+public:
+    std::size_t next()
+    {
+        const Clock::time_point now = Clock::now();
+        if (m_size == 0)
+            m_size = 1;
+        else if (now - m_last < Wanted / 2)
+            m_size = std::min(2 * m_size, Most);
+        else if (now - m_last > Wanted)
+            m_size = std::max<std::size_t>(m_size / 2, 1);
+        m_last = now;
+        return m_size;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    static constexpr std::chrono::milliseconds Wanted{2};
+    static constexpr std::size_t Most = 256;
+
+    std::size_t m_size = 0;
+    Clock::time_point m_last;
+};
 
 unsigned threadsFor(unsigned jobs) noexcept
 {
@@ -117,15 +145,21 @@ void Study::run(const StudyOptions& options, CaseExchange& exchange, const Orla:
                                  .reportOrder = reportOrder};
     if (options.jobs)
         each.helpers = each.stepThreads - 1;
-    const CaseEvaluation evaluation{m_session, m_sweep, std::move(each)};
     const auto work = [&] {
+        CaseEvaluation evaluation{m_session, m_sweep, each};
+        BatchSize size;
         while (!cancellation.isCancelled()) {
-            const std::optional<std::uint64_t> number = exchange.next();
-            if (!number)
+            const std::vector<std::uint64_t> numbers = exchange.next(size.next());
+            if (numbers.empty())
                 return;
-            CaseResult result = evaluation.evaluate(*number, cancellation);
-            if (!result.isCancelled)
-                exchange.deliver(std::move(result));
+            std::vector<CaseResult> results;
+            for (const std::uint64_t number : numbers) {
+                CaseResult result = evaluation.evaluate(number, cancellation);
+                if (result.isCancelled)
+                    break;
+                results.push_back(std::move(result));
+            }
+            exchange.deliver(std::move(results));
         }
     };
     if (caseThreads == 1) {

@@ -24,12 +24,12 @@ class TARN_API CaseExchange {
 public:
     virtual ~CaseExchange();
 
-    /// Returns the number of the next case to evaluate. Returns nothing if no more cases are to be
-    /// evaluated.
-    virtual std::optional<std::uint64_t> next() = 0;
+    /// Returns the numbers of the next cases to evaluate, at most \p most. Returns none if no more
+    /// cases are to be evaluated.
+    virtual std::vector<std::uint64_t> next(std::size_t most) = 0;
 
-    /// Takes the result of a case that `next` returned.
-    virtual void deliver(CaseResult result) = 0;
+    /// Takes results of cases that `next` returned.
+    virtual void deliver(std::vector<CaseResult> results) = 0;
 
     /// Makes `next` return nothing from now on, because a thread cannot continue.
     virtual void end() = 0;

@@ -206,6 +206,7 @@ VFrame* PoolState::makeFrame(VSlotContainer& container)
 void PoolState::readSwitches(VFrame& frame) noexcept
 {
     const ContainerWiring& wiring = frame.m_container->wiring();
+    frame.m_pool->m_isFreeOfDeclarations = false;
     frame.m_object = wiring.object;
     frame.m_order = wiring.order;
     frame.m_isInLoop = wiring.inLoop;
@@ -350,6 +351,8 @@ std::optional<VHistory> PoolState::history()
 {
     if (m_hasHistory.load(std::memory_order_acquire))
         return *m_history;
+    if (m_isFreeOfDeclarations)
+        return std::nullopt;
     const VFrame* first = nullptr;
     forEachFrame([&first](const VFrame& frame) {
         const ContainerWiring& wiring = frame.m_container->wiring();
@@ -357,6 +360,7 @@ std::optional<VHistory> PoolState::history()
         if (frame.m_isEvaluated && (!first || frame.m_order < first->m_order) && (wiring.hasHistory || isLoop()))
             first = &frame;
     });
+    m_isFreeOfDeclarations = !first;
     if (!first)
         return std::nullopt;
     const ContainerWiring& wiring = first->m_container->wiring();
@@ -467,6 +471,7 @@ void PoolState::complete(VFrame& frame)
 {
     const VSlotContainer& container = *frame.m_container;
     growCells(frame, container.wiring().cells);
+    m_isFreeOfDeclarations = false;
     frame.m_isStale = false;
     try {
         forEachCell(container, [&](VSlot& slot) { resolve(frame, slot); });

@@ -438,6 +438,7 @@ private:
     std::unique_ptr<VHistory> m_history; // written once, before the flag
     std::atomic<bool> m_hasHistory{false};
     SpinLock m_historyLock;
+    bool m_isFreeOfDeclarations = false; // no frame declares history; until frames or connections change
 };
 
 /// The head of a list of several frames that read one value. The pointers follow it in memory.

@@ -2,41 +2,40 @@
 
 #include <gmock/gmock.h>
 
-#include <optional>
 #include <vector>
 
 using Tarn::CaseQueue;
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 TEST(CaseQueue, handsOutEachCaseOnce)
 {
-    CaseQueue queue{2, [](Tarn::CaseResult) {}};
-    EXPECT_EQ(queue.next(), 0u);
-    EXPECT_EQ(queue.next(), 1u);
-    EXPECT_EQ(queue.next(), std::nullopt);
+    CaseQueue queue{6, [](const Tarn::CaseResult&) {}};
+    EXPECT_THAT(queue.next(1), ElementsAre(0));
+    EXPECT_THAT(queue.next(3), ElementsAre(1, 2, 3));
+    EXPECT_THAT(queue.next(3), ElementsAre(4, 5));
+    EXPECT_THAT(queue.next(3), IsEmpty());
 }
 
 TEST(CaseQueue, leavesOutCasesThatAreDone)
 {
-    CaseQueue queue{5, [](Tarn::CaseResult) {}, [](std::uint64_t number) { return number % 2 == 0; }};
-    EXPECT_EQ(queue.next(), 1u);
-    EXPECT_EQ(queue.next(), 3u);
-    EXPECT_EQ(queue.next(), std::nullopt);
+    CaseQueue queue{5, [](const Tarn::CaseResult&) {}, [](std::uint64_t number) { return number % 2 == 0; }};
+    EXPECT_THAT(queue.next(9), ElementsAre(1, 3));
+    EXPECT_THAT(queue.next(9), IsEmpty());
 }
 
 TEST(CaseQueue, passesResultsOn)
 {
     std::vector<std::uint64_t> numbers;
-    CaseQueue queue{5, [&](Tarn::CaseResult result) { numbers.push_back(result.number); }};
-    queue.deliver({.number = 3});
-    queue.deliver({.number = 1});
+    CaseQueue queue{5, [&](const Tarn::CaseResult& result) { numbers.push_back(result.number); }};
+    queue.deliver({{.number = 3}, {.number = 1}});
     EXPECT_THAT(numbers, ElementsAre(3, 1));
 }
 
 TEST(CaseQueue, handsOutNothingAfterItsEnd)
 {
-    CaseQueue queue{5, [](Tarn::CaseResult) {}};
-    queue.next();
+    CaseQueue queue{5, [](const Tarn::CaseResult&) {}};
+    queue.next(1);
     queue.end();
-    EXPECT_EQ(queue.next(), std::nullopt);
+    EXPECT_THAT(queue.next(1), IsEmpty());
 }

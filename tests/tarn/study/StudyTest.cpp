@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -124,6 +126,46 @@ TEST_F(StudyTest, continuesAfterAFailedCase)
     EXPECT_FALSE(results[2].hasFailed);
 }
 
+TEST_F(StudyTest, evaluatesOnlyWhatDependsOnTheVariedInputs)
+{
+    const std::string file = m_folder.write("line", "read once");
+    const Session session = open(object("reader", "FileReader", "set = { file = 'line' }\n") + object("a", "Adder")
+                                 + column("line", "reader.line") + column("sum", "a.sum"));
+    std::vector<CaseResult> results;
+    Study{session, sweepOf("a.a", 3)}.run({.jobs = 1}, [&](CaseResult result) {
+        std::filesystem::remove(file);
+        results.push_back(std::move(result));
+    });
+    ASSERT_THAT(results, SizeIs(3));
+    EXPECT_THAT(results[2].rows, ElementsAre(ElementsAre("read once", "2")));
+}
+
+TEST_F(StudyTest, startsFreshIfAnObjectDependsOnItsEarlierUpdates)
+{
+    const Session session = open(clockInQuarters + object("integral", "Integrator") + object("a", "Adder")
+                                 + column("integral", "integral.sum"));
+    for (const CaseResult& result : resultsOf(Study{session, sweepOf("a.a", 3)}, {}))
+        EXPECT_THAT(result.rows.back(), ElementsAre("2.5"));
+}
+
+TEST_F(StudyTest, startsFreshIfAnObjectCompletesItsInputs)
+{
+    const Session session = open(object("p", "Picker") + column("chosen", "p.chosen"));
+    Sweep sweep;
+    EXPECT_TRUE(sweep.add("p.offered", {"Africa,Asia", "Asia,Africa"}));
+    const std::vector<CaseResult> results = resultsOf(Study{session, sweep}, {});
+    EXPECT_THAT(results[0].rows[0], ElementsAre("Africa"));
+    EXPECT_THAT(results[1].rows[0], ElementsAre("Asia"));
+}
+
+TEST_F(StudyTest, reportsTheSameFailureInEachCase)
+{
+    const Session session = open(object("sleeper", "Sleeper", "set = { in = -1 }\n") + object("a", "Adder"));
+    const std::vector<CaseResult> results = resultsOf(Study{session, sweepOf("a.a", 3)}, {});
+    EXPECT_THAT(results[0].messages, SizeIs(2));
+    EXPECT_EQ(results[2].messages, results[0].messages);
+}
+
 TEST_F(StudyTest, evaluatesCasesInOrderIfAnObjectKeepsState)
 {
     const Session session = open(object("tally", "Tally") + column("count", "tally.count"));
@@ -183,8 +225,15 @@ TEST_F(StudyTest, passesOnAnExceptionOfTheReceiver)
 TEST_F(StudyTest, evaluatesWhatAnExchangeHandsOut)
 {
     struct Two final : Tarn::CaseExchange {
-        std::optional<std::uint64_t> next() override { return left > 0 ? std::optional(10 + left--) : std::nullopt; }
-        void deliver(CaseResult result) override { results.push_back(std::move(result)); }
+        std::vector<std::uint64_t> next(std::size_t) override
+        {
+            return left > 0 ? std::vector<std::uint64_t>{10 + left--} : std::vector<std::uint64_t>{};
+        }
+        void deliver(std::vector<CaseResult> more) override
+        {
+            for (CaseResult& result : more)
+                results.push_back(std::move(result));
+        }
         void end() override { left = 0; }
 
         std::uint64_t left = 2;
