@@ -11,6 +11,8 @@
 
 namespace Orla {
 
+class VFileObserver;
+
 /// A set of objects that can see each other, with its own registry, providers and
 /// evaluation order.
 ///
@@ -111,6 +113,11 @@ public:
     const std::vector<std::string>& dataFolders() const noexcept { return m_dataFolders; }
     void setDataFolders(std::vector<std::string> folders) { m_dataFolders = std::move(folders); }
 
+    /// The observer is notified of the files that objects read and write; null, the default,
+    /// removes it. Set it while no object runs, and remove it before destroying it.
+    VFileObserver* fileObserver() const noexcept { return m_fileObserver; }
+    void setFileObserver(VFileObserver* observer) noexcept { m_fileObserver = observer; }
+
     /// Returns the number of registered objects.
     std::size_t objectCount() const;
 
@@ -137,6 +144,7 @@ private:
     StrongPtr<Detail::NetworkCore> m_core;
     std::string m_folder;
     std::vector<std::string> m_dataFolders;
+    VFileObserver* m_fileObserver = nullptr;
 };
 
 } // namespace Orla

@@ -5,6 +5,7 @@
 #include <trellis/detail/Provision.hpp>
 
 #include <trellis/VActionNotifier.hpp>
+#include <trellis/VFileObserver.hpp>
 #include <trellis/VNetwork.hpp>
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VTypeLabel.hpp>
@@ -38,7 +39,12 @@ VObject::~VObject()
 std::string VObject::inputFile(const std::string& name) const
 {
     const VNetwork* const own = network();
-    return own ? own->findFile(name) : name;
+    if (!own)
+        return name;
+    std::string path = own->findFile(name);
+    if (VFileObserver* const observer = own->fileObserver())
+        observer->reads(*this, name, path);
+    return path;
 }
 
 std::string VObject::resultFile(const std::string& name, const StrongPtr<ValuePool>& pool) const
@@ -52,7 +58,12 @@ std::string VObject::resultFile(const std::string& name, const StrongPtr<ValuePo
         path += '-' + pool->resultTag() + extension;
     }
     const VNetwork* const own = network();
-    return own ? own->resolve(path.string()) : path.string();
+    if (!own)
+        return path.string();
+    std::string resolved = own->resolve(path.string());
+    if (VFileObserver* const observer = own->fileObserver())
+        observer->writes(*this, resolved);
+    return resolved;
 }
 
 void VObject::enableRequestProcessing()

@@ -8,6 +8,7 @@
 #include <trellis/VConnectable.hpp>
 #include <trellis/VCreationPreferences.hpp>
 #include <trellis/VExecutor.hpp>
+#include <trellis/VFileObserver.hpp>
 #include <trellis/VFrame.hpp>
 #include <trellis/VHistory.hpp>
 #include <trellis/VLibrary.hpp>

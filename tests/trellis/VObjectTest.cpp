@@ -1,5 +1,6 @@
 #include <trellis/VObject.hpp>
 
+#include <trellis/VFileObserver.hpp>
 #include <trellis/VNetwork.hpp>
 #include <trellis/VObjectCreator.hpp>
 
@@ -113,6 +114,33 @@ TEST_F(VObjectTest, findsFilesInTheFolderOfItsNetwork)
     EXPECT_EQ(node->resultFile("map.png", pool), "/data/quakes/map.png");
     EXPECT_EQ(node->resultFile("/tmp/map.png", pool), "/tmp/map.png");
     EXPECT_EQ(node->resultFile("map.png", nullptr), "/data/quakes/map.png");
+}
+
+TEST_F(VObjectTest, reportsTheFilesThatItUsesToTheObserverOfItsNetwork)
+{
+    struct Files final : VFileObserver {
+        void reads(const VObject& object, const std::string& name, const std::string& path) override
+        {
+            used.push_back(object.Name() + " reads " + name + " from " + path);
+        }
+        void writes(const VObject& object, const std::string& path) override
+        {
+            used.push_back(object.Name() + " writes " + path);
+        }
+
+        std::vector<std::string> used;
+    } files;
+    VNetwork network{"/data"};
+    const VNetwork::Scope scope{network};
+    const auto node = makeNode("node");
+    EXPECT_EQ(network.fileObserver(), nullptr);
+    network.setFileObserver(&files);
+    EXPECT_EQ(node->inputFile("week.json"), "/data/week.json");
+    EXPECT_EQ(node->resultFile("map.png", Loam::makeStrong<ValuePool>("run", "case7")), "/data/map-case7.png");
+    network.setFileObserver(nullptr);
+    EXPECT_EQ(node->inputFile("day.json"), "/data/day.json");
+    EXPECT_THAT(files.used,
+                ElementsAre("node reads week.json from /data/week.json", "node writes /data/map-case7.png"));
 }
 
 TEST_F(VObjectTest, addsTheTagOfThePoolToTheNamesOfResults)

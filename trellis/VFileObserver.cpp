@@ -1,0 +1,7 @@
+#include <trellis/VFileObserver.hpp>
+
+namespace Orla {
+
+VFileObserver::~VFileObserver() = default;
+
+} // namespace Orla
