@@ -55,6 +55,16 @@ bool VScheduler::schedule(const StrongPtr<VObject>& object, double precision, co
     return true;
 }
 
+bool VScheduler::restart(const StrongPtr<VObject>& object, const StrongPtr<ValuePool>& pool)
+{
+    if (!schedule(object, 0, pool))
+        return false;
+    const PoolUse use{pool};
+    if (VFrame* const frame = frameOf(*object, pool))
+        PoolState::forgetResults(*frame);
+    return true;
+}
+
 std::size_t VScheduler::scheduleAll(const StrongPtr<ValuePool>& pool)
 {
     if (!pool || !pool->root())

@@ -69,6 +69,12 @@ public:
     /// current network.
     static std::size_t scheduleAll(const StrongPtr<ValuePool>& pool);
 
+    /// Makes \p object due in \p pool as if it had never run there: its outputs have their initial
+    /// values, and all its inputs count as changed. The readers of its outputs are not notified
+    /// before it runs; restart them too if their results depend on earlier updates. Returns false
+    /// as `schedule` does. Do not call it during an evaluation of the pool.
+    static bool restart(const StrongPtr<VObject>& object, const StrongPtr<ValuePool>& pool);
+
     static bool isDue(const StrongPtr<VObject>& object, const StrongPtr<ValuePool>& pool);
 
     /// Returns true if any object is due in \p pool.

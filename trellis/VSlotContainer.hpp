@@ -134,6 +134,10 @@ public:
     /// Returns true if the object called `keepsState` or `dependsOnEarlierUpdates`.
     bool hasHistory() const noexcept { return m_wiring.hasHistory; }
 
+    /// Returns true if `keepsState` was called: a second run of the object may have other results
+    /// than the first one, in any pool.
+    bool isStateful() const noexcept { return m_wiring.keepsState && m_wiring.hasHistory; }
+
     /// Declares that the object shares more with other objects than the values that they read
     /// from each other, for example which object has grabbed the pointer. These objects run
     /// one at a time, in serial order, even if others run concurrently. An input of a type

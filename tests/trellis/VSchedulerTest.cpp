@@ -166,6 +166,35 @@ private:
 
 } // namespace
 
+TEST_F(VSchedulerTest, restartsAnObjectAsIfItHadNeverRun)
+{
+    const auto source = makeNode("source");
+    const auto sum = makeNode("sum");
+    connect(source, sum);
+    // Adds its input to its earlier output.
+    bool hasChanged = false;
+    sum->work = [&](Node& self, VRequest& request, double) {
+        const auto& own = request.valuePool();
+        hasChanged = request.hasChanged(*self.findSlot("in"));
+        self.write(own, "out", self.read(own, "out") + self.read(own, "in"));
+        return true;
+    };
+    runAll({source, sum}, pool);
+    EXPECT_TRUE(VScheduler::schedule(sum, 0, pool));
+    VScheduler::run(pool);
+    EXPECT_EQ(sum->read(pool, "out"), 2);
+    EXPECT_FALSE(hasChanged);
+    EXPECT_TRUE(VScheduler::restart(sum, pool));
+    EXPECT_TRUE(VScheduler::isDue(sum, pool));
+    EXPECT_EQ(sum->read(pool, "out"), 0);
+    VScheduler::run(pool);
+    EXPECT_EQ(sum->read(pool, "out"), 1);
+    EXPECT_TRUE(hasChanged);
+    EXPECT_EQ(source->runs, 1u);
+    EXPECT_FALSE(VScheduler::restart(nullptr, pool));
+    EXPECT_FALSE(VScheduler::restart(sum, nullptr));
+}
+
 TEST_F(VSchedulerTest, runsEachObjectOfADiamondOnce)
 {
     const auto source = makeNode("source");

@@ -974,6 +974,18 @@ bool PoolState::hasChanged(VFrame& frame, std::uint32_t cell) noexcept
            || frame.cell(cell).value->age().stamp() >= frame.m_lastRun;
 }
 
+void PoolState::forgetResults(VFrame& frame)
+{
+    frame.m_container->outputs().forEach([&frame](const VSlot& output) {
+        const std::uint32_t cell = output.place().cell;
+        if (!isHome(output) || !frame.hasCell(cell) || !frame.cell(cell).value)
+            return;
+        const StrongPtr<VValueBase> initial = output.parameter()->newValue();
+        frame.cell(cell).value->getValueFrom(WeakPtrImpl<VValueBase>(initial));
+    });
+    frame.m_lastRun = 0;
+}
+
 // A failed object does not wait for the members of its own loop, which wait for it.
 bool PoolState::makesWait(const VFrame& source, const VFrame& reader) noexcept
 {

@@ -299,6 +299,10 @@ public:
     /// Returns true if the value in the cell has changed since the last successful update.
     static bool hasChanged(VFrame& frame, std::uint32_t cell) noexcept;
 
+    /// Gives the outputs of the frame's object their initial values, without notifying their
+    /// readers. The object then has seen none of its inputs.
+    static void forgetResults(VFrame& frame);
+
     /// Returns the failed objects that the frame's object waits for, nearest first.
     std::vector<VObject*> failedSources(VFrame& frame);
 

@@ -235,7 +235,9 @@ TEST_F(UpdateTest, runsInOnePoolAtATimeIfItsObjectKeepsState)
     const auto node = makeNode("node");
     std::atomic<int> running{0};
     int state = 0; // not atomic: only one update may write to it at a time
+    EXPECT_FALSE(node->isStateful());
     node->keepsState();
+    EXPECT_TRUE(node->isStateful());
     node->work = [&](Node& self, VRequest& request, double) {
         EXPECT_EQ(++running, 1);
         ++state;
