@@ -11,6 +11,7 @@
 #include <cstring>
 #include <ctime>
 
+#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace Tarn {
@@ -24,6 +25,7 @@ constexpr int Signals[] = {SIGINT, SIGTERM, SIGHUP};
 
 std::atomic<Orla::VCancellation*> theCancellation{nullptr};
 std::atomic<int> theSignal{0};
+std::atomic<int> theDescriptor{-1};
 std::atomic<pid_t> theProcessToCancel{0};
 timer_t theTimer;
 bool theTimerExists = false;
@@ -72,6 +74,8 @@ void interrupted(int signal)
         endAtSecondSignal();
     if (Orla::VCancellation* cancellation = theCancellation.load())
         cancellation->cancel();
+    if (const int descriptor = theDescriptor.load(); descriptor >= 0)
+        ::eventfd_write(descriptor, 1);
     if (theTimerExists) {
         itimerspec time{};
         time.it_value.tv_nsec = Grace;
@@ -82,11 +86,12 @@ void interrupted(int signal)
 
 } // namespace
 
-Interruption::Interruption()
+Interruption::Interruption() : m_descriptor{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)}
 {
     theSignal = 0;
+    theDescriptor = m_descriptor;
     theProcessToCancel = ::getpid();
-    theCancellation = &m_cancellation;
+    theCancellation = &m_cancellations.back();
 
     // Libraries are unlikely to use the timer's signal themselves.
     struct sigaction action {};
@@ -116,6 +121,17 @@ Interruption::~Interruption()
     theTimerExists = false;
     std::signal(SIGRTMAX, SIG_DFL);
     theCancellation = nullptr;
+    theDescriptor = -1;
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+}
+
+void Interruption::renew()
+{
+    m_cancellations.emplace_back();
+    theCancellation = &m_cancellations.back();
+    if (signal() != 0)
+        m_cancellations.back().cancel();
 }
 
 int Interruption::signal() noexcept

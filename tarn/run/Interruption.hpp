@@ -2,6 +2,8 @@
 
 #include <trellis/VRequest.hpp>
 
+#include <deque>
+
 namespace Tarn {
 
 /// While it exists, SIGINT, SIGTERM and SIGHUP cancel the evaluation instead of ending the
@@ -17,13 +19,24 @@ public:
     Interruption(const Interruption&) = delete;
     Interruption& operator=(const Interruption&) = delete;
 
-    const Orla::VCancellation& cancellation() const noexcept { return m_cancellation; }
+    /// Returns the cancellation for the next evaluation.
+    const Orla::VCancellation& cancellation() const noexcept { return m_cancellations.back(); }
+
+    /// Replaces the cancellation, which an object may have used to end an evaluation. The new one
+    /// is cancelled only if a signal has arrived.
+    void renew();
 
     /// Returns the first signal received, or 0.
     static int signal() noexcept;
 
+    /// Returns a descriptor that is readable once a signal has arrived, to wait for one with
+    /// `poll`; -1 if the system has none left.
+    int descriptor() const noexcept { return m_descriptor; }
+
 private:
-    Orla::VCancellation m_cancellation;
+    // Kept until the end, because a signal may arrive at any time.
+    std::deque<Orla::VCancellation> m_cancellations{1};
+    int m_descriptor;
 };
 
 } // namespace Tarn

@@ -60,7 +60,24 @@ void say(const std::string& message)
     printLine("tarn: " + message);
 }
 
-WarningPrinter::~WarningPrinter() = default;
+WarningPrinter::WarningPrinter() noexcept
+{
+    s_last = this;
+}
+
+WarningPrinter::~WarningPrinter()
+{
+    WarningPrinter* self = this;
+    s_last.compare_exchange_strong(self, nullptr);
+}
+
+void WarningPrinter::forget()
+{
+    const std::lock_guard lock{m_mutex};
+    m_counts.clear();
+    m_failures.clear();
+    m_similar.clear();
+}
 
 bool WarningPrinter::warned(const std::string& message)
 {

@@ -20,6 +20,7 @@ namespace Tarn {
 /// every step does not bury the messages of others. It may be used in several threads.
 class WarningPrinter final : public Orla::VActionNotifier {
 public:
+    WarningPrinter() noexcept;
     ~WarningPrinter() override;
 
     bool warned(const std::string& message) override;
@@ -28,6 +29,12 @@ public:
     /// Prints which objects failed for a reason that was printed for another one, the number
     /// of occurrences of each repeated message, and the numbers of similar ones not printed.
     void printRepeats() const;
+
+    /// Forgets all messages, so they are printed again when they come again.
+    void forget();
+
+    /// Returns the printer that was created last, or null.
+    static WarningPrinter* last() noexcept { return s_last; }
 
 private:
     friend class HeldFailures;
@@ -48,6 +55,8 @@ private:
     std::map<std::string, std::size_t> m_counts;
     std::map<std::string, Failure> m_failures;        // objects, by reason
     std::map<std::string, SimilarMessages> m_similar; // by kind of message
+
+    static inline std::atomic<WarningPrinter*> s_last{nullptr};
 };
 
 /// Keeps the failures of objects until it is destroyed, which prints them. For a step whose

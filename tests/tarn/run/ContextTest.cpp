@@ -117,6 +117,22 @@ TEST_F(ContextTest, evaluatesOnlyWhatAChangeReaches)
     Orla::VScheduler::observe(context.pool(), nullptr);
 }
 
+TEST_F(ContextTest, evaluatesAllStepsAgain)
+{
+    const Session session = open(clockInQuarters + object("reader", "TimeReader") + object("failing", "Failing"));
+    Context context{session};
+    while (context.evaluateStep()) {}
+    EXPECT_FALSE(context.summary().isFine());
+    context.startOver();
+    EXPECT_EQ(context.summary().steps, 0u);
+    EXPECT_TRUE(context.summary().isFine());
+    EXPECT_TRUE(context.setText("clock.time", "0[0,1]@0.5"));
+    std::vector<std::string> times;
+    while (context.evaluateStep())
+        times.push_back(*context.text("reader.out"));
+    EXPECT_THAT(times, ElementsAre("0", "0.5", "1"));
+}
+
 TEST_F(ContextTest, hasItsOwnInputs)
 {
     const Session session = open(sum);

@@ -7,6 +7,8 @@
 #include <csignal>
 #include <string>
 
+#include <poll.h>
+
 namespace InterruptionTest {
 
 using testing::ElementsAre;
@@ -29,6 +31,27 @@ TEST(Interruption, cancelsTheEvaluation)
     EXPECT_FALSE(interruption.cancellation().isCancelled());
     std::raise(SIGTERM);
     EXPECT_EQ(Tarn::Interruption::signal(), SIGTERM);
+    EXPECT_TRUE(interruption.cancellation().isCancelled());
+}
+
+TEST(Interruption, makesItsDescriptorReadable)
+{
+    const Tarn::Interruption interruption;
+    pollfd waiting{interruption.descriptor(), POLLIN, 0};
+    EXPECT_EQ(::poll(&waiting, 1, 0), 0);
+    std::raise(SIGTERM);
+    EXPECT_EQ(::poll(&waiting, 1, 0), 1);
+}
+
+TEST(Interruption, renewsACancellationThatAnObjectUsed)
+{
+    Tarn::Interruption interruption;
+    Orla::VCancellation(interruption.cancellation()).cancel();
+    interruption.renew();
+    EXPECT_FALSE(interruption.cancellation().isCancelled());
+    std::raise(SIGTERM);
+    EXPECT_TRUE(interruption.cancellation().isCancelled());
+    interruption.renew();
     EXPECT_TRUE(interruption.cancellation().isCancelled());
 }
 

@@ -23,6 +23,25 @@ TEST(WarningPrinter, printsEachWarningOnceAndCountsRepeatsAtTheEnd)
                                                       "tarn: warning: too hot (3 times in all)\n");
 }
 
+TEST(WarningPrinter, printsMessagesAgainThatItForgot)
+{
+    const auto printer = Loam::makeStrong<WarningPrinter>();
+    EXPECT_EQ(WarningPrinter::last(), printer.get());
+    testing::internal::CaptureStderr();
+    printer->warned("too hot");
+    printer->warned("too hot");
+    printer->failed("a failed: why");
+    printer->failed("b failed: why");
+    printer->forget();
+    printer->printRepeats();
+    printer->warned("too hot");
+    printer->failed("b failed: why");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "tarn: warning: too hot\n"
+                                                      "tarn: error: a failed: why\n"
+                                                      "tarn: warning: too hot\n"
+                                                      "tarn: error: b failed: why\n");
+}
+
 TEST(WarningPrinter, labelsFailuresAsErrors)
 {
     const auto printer = Loam::makeStrong<WarningPrinter>();
