@@ -2,7 +2,9 @@
 
 #include <tarn/commands/ExitStatus.hpp>
 #include <tarn/commands/RunOptions.hpp>
+#include <tarn/commands/RunReports.hpp>
 #include <tarn/commands/RunStudy.hpp>
+#include <tarn/commands/Watch.hpp>
 #include <tarn/network/Session.hpp>
 #include <tarn/network/SessionCore.hpp>
 #include <tarn/run/CrashReport.hpp>
@@ -40,83 +42,6 @@ bool areSame(const std::string& one, const std::string& other)
     return resolved == std::filesystem::weakly_canonical(other, otherError) && !error && !otherError;
 }
 
-void printReport(const StatusReport& report)
-{
-    for (const std::string& line : report.lines())
-        printLine(line);
-}
-
-void printOutputs(const PrintedOutputs& printed, const Context& context, const StandardStreams& streams,
-                  EvaluationSummary& summary)
-{
-    if (printed.empty())
-        return;
-    std::vector<std::string> failures;
-    print(streams, printed.lines(context.pool(), failures));
-    for (const std::string& failure : failures)
-        say("error: " + failure);
-    // Outputs of failed objects are not further failures.
-    if (!failures.empty() && summary.isFine()) {
-        summary.firstTrouble = summary.steps - 1;
-        summary.failures += failures.size();
-    }
-}
-
-int reportEvaluation(const Session& session, const Context& context, const EvaluationSummary& summary)
-{
-    std::string message = session.faults().file() + ": " + counted(session.core()->network().objectCount, "object")
-                          + ", " + counted(summary.steps, "step");
-    if (summary.failures > 0)
-        message += ", " + counted(summary.failures, "failure");
-    if (summary.stopped > 0)
-        message += ", " + counted(summary.stopped, "loop") + " stopped";
-    if (summary.failures > 0 || summary.stopped > 0)
-        message += ", the first in step " + std::to_string(summary.firstTrouble);
-    printLine(message);
-    if (summary.timeIsLost)
-        say("error: object " + inQuotes(session.core()->timeProvider().name())
-            + ", which provided the time, was removed before step " + std::to_string(summary.steps));
-    const StatusReport report = context.statuses();
-    printReport(report);
-    return summary.isFine() && !report.hasErrors() ? Fine : ObjectFailed;
-}
-
-int reportMissingChart(const Session& session, const Context& context, const std::string& refusal)
-{
-    const std::vector<std::string> names = context.charts();
-    const PlacedText& wanted = session.core()->wantedChart();
-    Faults faults{session.faults().file()};
-    faults.add(FaultKind::Chart, wanted.place,
-               std::string(wanted.place ? "" : "--") + "chart: no object offers the chart " + inQuotes(wanted.text)
-                   + (!refusal.empty() ? ": " + refusal
-                      : names.empty()  ? "; available: none"
-                                       : insteadOf({}, names)));
-    return reportFaults(faults, "; nothing was evaluated beyond the first step");
-}
-
-int reportInterruption(const Context& context, const EvaluationSummary& summary, const Loam::OutputFile* table)
-{
-    const int signal = Interruption::signal();
-    std::string message = signal != 0 ? "interrupted" : "an object cancelled the evaluation";
-    message += " in step " + std::to_string(summary.steps);
-    if (table)
-        message += table->isStream() ? "; the table ends before that step" : "; no table was written";
-    say(message);
-    printReport(context.statuses());
-    return signal != 0 ? 128 + signal : ObjectFailed;
-}
-
-// A full disk may also have kept objects from writing their files, which only they know.
-void commitTable(Loam::OutputFile& table, const Context& context)
-{
-    try {
-        table.commit();
-    } catch (const Loam::FileError&) {
-        printReport(context.statuses());
-        throw;
-    }
-}
-
 int performRun(const Arguments& arguments, const StandardStreams& streams)
 {
     if (isStudy(arguments))
@@ -127,6 +52,8 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
     const std::optional<std::uint64_t> steps = readNumber(arguments, "steps", 1);
     const std::optional<unsigned> jobs = readJobs(arguments);
     const std::string network = findNetwork(arguments.names[0]);
+    if (arguments.has("watch"))
+        return watchNetwork(arguments, {overrides, arguments.text("chart"), steps}, network, streams);
 
     const Interruption interruption;
     const std::string table = placeOf(arguments, "table", network);
@@ -193,7 +120,7 @@ int performRun(const Arguments& arguments, const StandardStreams& streams)
     if (output)
         commitTable(*output, context);
     printOutputs(printed, context, streams, summary);
-    return reportEvaluation(session, context, summary);
+    return reportEvaluation(session, context, summary, workOf(session, summary));
 }
 
 } // namespace
@@ -234,6 +161,12 @@ written, for --resume.
 SIGINT and SIGTERM end the run within a second, with exit status 130 or 143. FILE.csv
 then stays unchanged; standard output has the rows of the steps before. To keep these
 rows, write the table with "--table=- > FILE.csv".
+
+With --watch, the network is evaluated again whenever its file, a library that it names or
+a file that its objects read changes. Only what depends on the change runs, and with
+several time steps what depends on the time. The table and the printed outputs are written
+again. Of a file with faults, the faults are listed, and the last network without faults
+is kept. A signal ends the program with exit status 130 or 143.
 )",
         .options =
             {
@@ -277,6 +210,10 @@ rows, write the table with "--table=- > FILE.csv".
                  .shape = "FILE.json",
                  .help = "Writes which objects ran when, for how long and why, for\n"
                          "the tracing pages of web browsers; \"-\" is standard output."},
+                {.name = "watch",
+                 .shape = {},
+                 .help = "Evaluates again whenever the network, a library that it\n"
+                         "names or a file that it reads changes, until a signal."},
             },
         .libraryFolders = NetworkFolders,
         .perform = &performRun,

@@ -42,6 +42,8 @@ void checkUsage(const Arguments& arguments)
 {
     if (arguments.has("trace"))
         throw UsageError{"--trace shows one evaluation; it cannot be combined with --sweep"};
+    if (arguments.has("watch"))
+        throw UsageError{"--watch repeats one evaluation; it cannot be combined with --sweep"};
     const std::optional<std::string> table = arguments.text("table");
     if (arguments.has("resume") && (!table || isStandardOutput(*table)))
         throw UsageError{"--resume needs --table=FILE.csv, beside which the complete cases are kept"};

@@ -105,6 +105,48 @@ private:
     VOutput<double> m_out;
 };
 
+// Adds its input to its output in each update: state that belongs to a pool.
+class Total final : public Orla::VObject {
+public:
+    Total(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, m_in{this, "in", 0, 0}, m_scale{this, "scale", 1, 0}, m_out{this, "out", 0}
+    {
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        const auto& pool = request.valuePool();
+        m_out(pool) <<= m_out.value(pool) + m_scale.value(pool) * m_in.value(pool);
+        return true;
+    }
+
+private:
+    TypedSlot<double> m_in;
+    TypedSlot<double> m_scale;
+    VOutput<double> m_out;
+};
+
+// Counts its runs in a member.
+class RunCounter final : public Orla::VObject {
+public:
+    RunCounter(const std::string& name, int level, const Preferences& preferences)
+        : VObject{name, level, preferences}, m_in{this, "in", 0, 0}, m_runs{this, "runs", 0}
+    {
+        keepsState();
+    }
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        m_runs(request.valuePool()) <<= ++m_count;
+        return true;
+    }
+
+private:
+    double m_count = 0;
+    TypedSlot<double> m_in;
+    VOutput<double> m_runs;
+};
+
 class Echo final : public Orla::VObject {
 public:
     Echo(const std::string& name, int level, const Preferences& preferences)
@@ -864,6 +906,8 @@ const Orla::VObjectType<Sleeper> sleeperType{"Sleeper"};
 const Orla::VObjectType<Fuse> fuseType{"Fuse"};
 const Orla::VObjectType<Adder> adderType{"Adder"};
 const Orla::VObjectType<Counter> counterType{"Counter"};
+const Orla::VObjectType<Total> totalType{"Total"};
+const Orla::VObjectType<RunCounter> runCounterType{"RunCounter"};
 const Orla::VObjectType<Echo> echoType{"Echo"};
 const Orla::VObjectType<Dotted> dottedType{"Dotted"};
 const Orla::VObjectType<TimeReader> timeReaderType{"TimeReader"};

@@ -199,6 +199,8 @@ TEST_F(RunStudyTest, refusesOptionsThatDoNotFit)
         std::string message;
     } cases[] = {
         {{"--sweep=a.a=1", "--trace=t.json"}, "--trace shows one evaluation"},
+        {{"--sweep=a.a=1", "--watch"}, "--watch repeats one evaluation"},
+        {{"--watch", "--jobs=2"}, "--jobs has no effect with --watch"},
         {{"--sweep=a.a=1", "--resume"}, "--resume needs --table=FILE.csv"},
         {{"--sweep=a.a=1", "--resume", "--table=-"}, "--resume needs --table=FILE.csv"},
         {{"--resume", "--table=t.csv"}, "--resume continues a study"},
