@@ -127,11 +127,6 @@ public:
     /// Plays the events, sorted by step, after the evaluation of their steps by `evaluateStep`.
     void schedule(std::vector<ScriptedEvent> events);
 
-    /// Begins again with the first step: the next call of `evaluateStep` evaluates it, and
-    /// `summary` has the outcome of the evaluations from then on. Only objects that are due run,
-    /// which includes those that depend on time.
-    void startOver();
-
     /// Returns the number of steps from the beginning to the end of the time; 1 for a network
     /// without time. Fails if the time has no steps or too many.
     Loam::Result<std::uint64_t> stepCount() const;
