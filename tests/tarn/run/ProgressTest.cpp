@@ -26,6 +26,8 @@ TEST(Progress, showsABarTheStepsTheRateAndTheTimeLeft)
 
 TEST(Progress, omitsUnknownValues)
 {
+    EXPECT_EQ(Progress::line(50, 100, 5, 79, 3),
+              "[####################....................] 50/100, 10/s, 5s left, 3 failures");
     EXPECT_EQ(Progress::line(0, 8, 0, 79), "[........................................] 0/8");
     EXPECT_EQ(Progress::line(0, 0, 0, 30), "[########################] 0/0");
 }
