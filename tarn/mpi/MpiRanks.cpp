@@ -419,8 +419,11 @@ int MpiRanks::finish(int status)
 }
 
 // The launcher of an interrupted job ends it already; MPI would wait for the other ranks.
-void MpiRanks::leave(int status)
+void MpiRanks::leave(int status) const
 {
+    // The launcher kills all ranks when the first one ends, so rank 0 reports before.
+    if (!isFirst())
+        std::this_thread::sleep_for(2 * Patience);
     CrashReport::ignoreExit();
     Loam::OutputFile::removeUnfinished();
     std::fflush(nullptr);

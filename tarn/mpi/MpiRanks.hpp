@@ -36,7 +36,7 @@ public:
     [[noreturn]] static void abort(int status);
 
 private:
-    [[noreturn]] static void leave(int status);
+    [[noreturn]] void leave(int status) const;
     std::optional<int> agree(int status);
 
     int m_rank = 0;

@@ -411,6 +411,7 @@ public:
     {
         const auto& pool = request.valuePool();
         std::ofstream file(resultFile("report.txt", pool));
+        file.imbue(std::locale::classic());
         if (!(file << m_text.value(pool) << ' ' << timeSlot().value(pool).time).flush())
             throw std::runtime_error("cannot write the report");
         return true;
