@@ -28,6 +28,7 @@
 #include <fstream>
 #include <iostream>
 #include <limits>
+#include <locale>
 #include <stdexcept>
 #include <string>
 #include <thread>
