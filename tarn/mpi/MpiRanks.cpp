@@ -52,7 +52,7 @@ constexpr int Begin = -1; // instead of a status
 
 // A rank asks for as many cases as it evaluates in this time, so that it need not wait for each.
 constexpr double BatchSeconds = 0.02;
-constexpr std::uint64_t LargestBatch = 64;
+constexpr std::uint64_t LargestBatch = 16; // long cases that follow would keep one rank busy
 
 // How long rank 0 waits for ranks that were cancelled.
 constexpr std::chrono::milliseconds Patience{500};

@@ -57,11 +57,14 @@ public:
         return m_size;
     }
 
+    // Returns true if the cases of this batch take longer than expected.
+    bool isLate() const { return Clock::now() - m_last > Wanted; }
+
 private:
     using Clock = std::chrono::steady_clock;
 
     static constexpr std::chrono::milliseconds Wanted{2};
-    static constexpr std::size_t Most = 256;
+    static constexpr std::size_t Most = 16; // long cases that follow would keep one thread busy
 
     std::size_t m_size = 0;
     Clock::time_point m_last;
@@ -158,8 +161,12 @@ void Study::run(const StudyOptions& options, CaseExchange& exchange, const Orla:
                 if (result.isCancelled)
                     break;
                 results.push_back(std::move(result));
+                // A journal must not lose the results before a long case.
+                if (size.isLate())
+                    exchange.deliver(std::exchange(results, {}));
             }
-            exchange.deliver(std::move(results));
+            if (!results.empty())
+                exchange.deliver(std::move(results));
         }
     };
     if (caseThreads == 1) {
