@@ -197,11 +197,13 @@ private:
     CaseOrder m_order{[this](const CaseResult& result) { write(result); }};
 };
 
-// Opens the journal of a study with a table in a file. Returns null without such a table.
+// Opens the journal of a study with a table in a file. Returns null without such a table, for which
+// a device or a pipe does not count.
 // \throw Loam::FileError if it has the cases of an interrupted study that is not to be resumed.
-std::unique_ptr<StudyJournal> openJournal(const std::string& table, const std::string& identity, bool resumes)
+std::unique_ptr<StudyJournal> openJournal(const Loam::OutputFile* output, const std::string& table,
+                                          const std::string& identity, bool resumes)
 {
-    if (table.empty() || isStandardOutput(table))
+    if (!output || output->isStream())
         return nullptr;
     const std::string path = table + ".study";
     auto journal = std::make_unique<StudyJournal>(path, identity);
@@ -343,13 +345,13 @@ int performStudy(const Arguments& arguments, const StandardStreams& streams)
         say("--jobs=" + arguments.text("jobs").value_or("1") + ": evaluated in order, because " + reason);
     };
 
+    const std::unique_ptr<Loam::OutputFile> output = tablePath.empty() ? nullptr : openResult(tablePath, streams);
     const std::unique_ptr<StudyJournal> journal =
-        openJournal(tablePath, identityOf(arguments, network, study.sweep()), arguments.has("resume"));
+        openJournal(output.get(), tablePath, identityOf(arguments, network, study.sweep()), arguments.has("resume"));
     if (journal && arguments.has("resume")) {
         if (const std::optional<std::string> reason = study.orderReason(options))
             throw UsageError{"--resume: the results of a case depend on earlier cases, because " + *reason};
     }
-    const std::unique_ptr<Loam::OutputFile> output = tablePath.empty() ? nullptr : openResult(tablePath, streams);
     std::unique_ptr<TableWriter> table;
     if (output)
         table = std::make_unique<TableWriter>(*output, isStandardOutput(tablePath) && streams.isTerminal());

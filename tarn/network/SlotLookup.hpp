@@ -28,12 +28,12 @@ public:
     /// Returns false if the name is taken.
     bool add(const std::string& name, std::size_t number);
 
-    /// Changes a name and keeps its number. Returns false if there is no such name or \p newName
-    /// is taken.
+    /// Changes a name and keeps its number. Returns false if \p name is unknown or \p newName is
+    /// taken.
     bool rename(std::string_view name, std::string newName);
 
     /// Removes a name and counts its number out: each larger number decreases by one. Returns false
-    /// if there is no such name.
+    /// if the name is unknown.
     bool remove(std::string_view name);
 
     /// Returns the number of the object \p name, or `npos`.

@@ -22,7 +22,7 @@ public:
     static constexpr std::uint64_t MostCases = 10'000'000;
 
     /// Adds the factor of one input, named by "OBJECT.SLOT", and its texts. Fails if the input
-    /// already belongs to a factor, if there are no texts, or if there are too many cases.
+    /// already belongs to a factor, if \p texts is empty, or if the study would have too many cases.
     Loam::Result<void> add(const std::string& input, std::vector<std::string> texts);
 
     /// Adds a factor of several inputs that vary together: each row has one text per input. Fails

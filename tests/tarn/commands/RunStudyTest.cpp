@@ -297,11 +297,19 @@ TEST_F(RunStudyTest, namesTheCaseThatCrashesAndKeepsTheOthers)
     EXPECT_FALSE(std::filesystem::exists(m_folder.file("t.csv")));
 }
 
-TEST_F(RunStudyTest, leavesTheTableUnchangedOnAFullDisk)
+TEST_F(RunStudyTest, exitsWithStatus4WhenTheTableCannotBeWritten)
 {
-    if (!isSafeToWriteDevices())
-        GTEST_SKIP() << "writes devices as files";
+    ASSERT_TRUE(isSafeToWriteDevices());
     EXPECT_EQ(run(adder, {"--sweep=a.b=1,2", "--table=/dev/full"}).status, 4);
+}
+
+TEST_F(RunStudyTest, keepsNoCasesBesideADevice)
+{
+    ASSERT_TRUE(isSafeToWriteDevices());
+    std::filesystem::create_symlink("/dev/null", m_folder.file("t.csv"));
+    m_folder.write("fuse", std::to_string(SIGKILL));
+    EXPECT_EQ(run(fuse, {"--sweep=fuse.in=4,5", "--table=t.csv"}).status, 1000 + SIGKILL);
+    EXPECT_THAT(m_folder.names(), ElementsAre("fuse", "net.toml", "t.csv"));
 }
 
 } // namespace RunStudyTest

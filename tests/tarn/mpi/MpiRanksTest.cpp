@@ -126,8 +126,7 @@ TEST_F(MpiRanksTest, endWithTheMessageOfARankThatCannotLoadTheNetwork)
 
 TEST_F(MpiRanksTest, endIfTheTableCannotBeWritten)
 {
-    if (!isSafeToWriteDevices())
-        GTEST_SKIP() << "writes devices as files";
+    ASSERT_TRUE(isSafeToWriteDevices());
     writeNetwork(sleeper);
     const ProcessResult result = run(3, {"--sweep=sleeper.in=" + numbers(20), "--table=/dev/full"});
     EXPECT_EQ(result.status, 4);
@@ -136,8 +135,7 @@ TEST_F(MpiRanksTest, endIfTheTableCannotBeWritten)
 
 TEST_F(MpiRanksTest, listCasesWhoseFilesCannotBeWrittenInARank)
 {
-    if (!isSafeToWriteDevices())
-        GTEST_SKIP() << "writes devices as files";
+    ASSERT_TRUE(isSafeToWriteDevices());
     writeNetwork(object("clock", "GlobalTime", "set = { time = '0[0,0]@1' }\n") + object("report", "Reporter"));
     std::filesystem::create_symlink("/dev/full", m_folder.file("report-case1.txt"));
     const ProcessResult result = run(2, {"--sweep=report.text=a,b,c"});
