@@ -30,7 +30,7 @@ bool VValueTrait<Gyre::BoundingBall>::setValueFromText(Gyre::BoundingBall& ball,
 
 namespace {
 
-const VTypeLabel boundingBallLabel{typeid(Gyre::BoundingBall), "bounding ball"};
+const VTypeLabel boundingBallLabel{typeid(Gyre::BoundingBall), "bounding ball", "{0,0,0}@1"};
 
 } // namespace
 

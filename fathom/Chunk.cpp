@@ -83,11 +83,11 @@ const RegisteredName floats{typeid(Array<float>), "float[]"};
 const RegisteredName shorts{typeid(Array<short>), "int16[]"};
 const RegisteredName ints{typeid(Array<int>), "int32[]"};
 const RegisteredName longs{typeid(Array<long long>), "int64[]"};
-const VTypeLabel doublesLabel{typeid(Array<double>), "array of numbers"};
-const VTypeLabel floatsLabel{typeid(Array<float>), "array of single-precision numbers"};
-const VTypeLabel shortsLabel{typeid(Array<short>), "array of 16-bit integers"};
-const VTypeLabel intsLabel{typeid(Array<int>), "array of integers"};
-const VTypeLabel longsLabel{typeid(Array<long long>), "array of 64-bit integers"};
+const VTypeLabel doublesLabel{typeid(Array<double>), "array of numbers", "1.5,2,3"};
+const VTypeLabel floatsLabel{typeid(Array<float>), "array of single-precision numbers", "1.5,2,3"};
+const VTypeLabel shortsLabel{typeid(Array<short>), "array of 16-bit integers", "1,2,3"};
+const VTypeLabel intsLabel{typeid(Array<int>), "array of integers", "1,2,3"};
+const VTypeLabel longsLabel{typeid(Array<long long>), "array of 64-bit integers", "1,2,3"};
 
 } // namespace
 

@@ -33,7 +33,7 @@ bool VValueTrait<Gyre::rgba_float_t>::setValueFromText(Gyre::rgba_float_t& colou
 
 namespace {
 
-const VTypeLabel colorTypesLabel{typeid(Gyre::rgba_float_t), "colour"};
+const VTypeLabel colorTypesLabel{typeid(Gyre::rgba_float_t), "colour", "(1,0.5,0,1)"};
 
 } // namespace
 

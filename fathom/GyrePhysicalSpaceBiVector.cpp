@@ -25,7 +25,7 @@ bool VInputValueTrait<Gyre::PhysicalSpace::bivector>::setValueFromText(Gyre::Phy
 
 namespace {
 
-const VTypeLabel biVectorLabel{typeid(Gyre::PhysicalSpace::bivector), "bivector"};
+const VTypeLabel biVectorLabel{typeid(Gyre::PhysicalSpace::bivector), "bivector", "<0,0,1>"};
 
 } // namespace
 

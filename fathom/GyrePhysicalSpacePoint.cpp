@@ -19,7 +19,7 @@ bool VValueTrait<Gyre::PhysicalSpace::point>::setValueFromText(Gyre::PhysicalSpa
 
 namespace {
 
-const VTypeLabel pointLabel{typeid(Gyre::PhysicalSpace::point), "point"};
+const VTypeLabel pointLabel{typeid(Gyre::PhysicalSpace::point), "point", "{1,2,3}"};
 
 } // namespace
 

@@ -40,7 +40,7 @@ template class FATHOM_TEMPLATE TypedSlot<Range>;
 
 namespace {
 
-const VTypeLabel rangeLabel{typeid(Range), "range"};
+const VTypeLabel rangeLabel{typeid(Range), "range", "4.5:10"};
 const VValueComponents rangeComponents{typeid(Range),
                                        {VMemberValue<Range, double, &Range::begin>::component("begin"),
                                         VMemberValue<Range, double, &Range::end>::component("end")}};

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <fathom/Export.hpp>
+#include <fathom/VNumbers.hpp>
 #include <fathom/VRunningCell.hpp>
 #include <fathom/VValueParameter.hpp>
 
 #include <trellis/TypedSlotCreator.hpp>
+#include <trellis/VSlotDescription.hpp>
 #include <trellis/VSlotContainer.hpp>
 #include <trellis/VSlotGlobals.hpp>
 
@@ -78,6 +80,15 @@ public:
     {
         Loam::SpeakPtr::check(m_slot,
                               "TypedSlot(VObject*that, const string&name, const T&initialValue, int expertLevel");
+    }
+
+    /// Adds a described input; see `VDescription`.
+    template<VDescribes What>
+    TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue,
+              const VDescription<What>& description, int expertLevel = 0, bool triggers = true)
+        : TypedSlot{that, name, initialValue, VSlotDescription::of(description.parts()), expertLevel, triggers}
+    {
+        Detail::checkDescription<What, T>();
     }
 
     TypedSlot(const TypedSlot&) = default;

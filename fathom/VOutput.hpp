@@ -51,6 +51,14 @@ public:
             m_place = slot->place();
     }
 
+    /// Adds a described output; see `VDescription`.
+    template<VDescribes What>
+    VOutput(VSlotContainer* that, const std::string& name, const T& initialValue, const VDescription<What>& description)
+        : VOutput{that, name, initialValue, VSlotDescription::of(description.parts())}
+    {
+        Detail::checkDescription<What, T>();
+    }
+
     const StrongPtr<VValueParameter<T>, ValueNotifierList>& parameter() const noexcept { return m_parameter; }
 
     /// Returns the output in \p pool, for writing or reading:

@@ -138,7 +138,7 @@ template class FATHOM_TEMPLATE TypedSlot<VTime>;
 
 namespace {
 
-const VTypeLabel timeLabel{typeid(VTime), "time"};
+const VTypeLabel timeLabel{typeid(VTime), "time", "0.5[0,1]@0.1"};
 const VValueComponents timeComponents{typeid(VTime),
                                       {VMemberValue<VTime, double, &VTime::time>::component("time"),
                                        VMemberValue<VTime, Range, &VTime::range>::component("range"),

@@ -33,6 +33,7 @@
 #include <fathom/VMemberValue.hpp>
 #include <fathom/VMultiPointerDevice.hpp>
 #include <fathom/VMultipleStringList.hpp>
+#include <fathom/VNumbers.hpp>
 #include <fathom/VObjectStatus.hpp>
 #include <fathom/VOutput.hpp>
 #include <fathom/VPolyOutput.hpp>

@@ -61,7 +61,7 @@ std::optional<std::string> VLibrary::use() const
     for (const auto& network : Detail::NetworkCore::all()) {
         for (const StrongPtr<VSlotContainer>& container : network->containers()) {
             if (hasCodeOf(*this, *container))
-                return container->describe();
+                return container->typeAndName();
         }
     }
     for (const StrongPtr<VValueCreator>& creator : VValueCreator::creators()) {

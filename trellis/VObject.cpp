@@ -144,13 +144,13 @@ StrongPtr<VObject> VObject::attachNewObject(VObject* object, const StrongPtr<VSl
     StrongPtr<VObject> provider = createObject(typeName, typeName, preferences);
     if (!provider) {
         VActionNotifier::Warning("No library provides objects of type \"" + typeName + "\"; the input \"" + slot->name()
-                                 + "\" of " + object->describe() + " keeps its own value");
+                                 + "\" of " + object->typeAndName() + " keeps its own value");
         return nullptr;
     }
     const StrongPtr<VSlot> output = Provision::outputFor(*slot, *provider);
     if (!output) {
-        VActionNotifier::Warning(provider->describe() + " has no output of type " + VTypeLabel::of(slot->type())
-                                 + " for the input \"" + slot->name() + "\" of " + object->describe());
+        VActionNotifier::Warning(provider->typeAndName() + " has no output of type " + VTypeLabel::of(slot->type())
+                                 + " for the input \"" + slot->name() + "\" of " + object->typeAndName());
         VManagedObject::remove(provider);
         return nullptr;
     }

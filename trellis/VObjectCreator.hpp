@@ -2,6 +2,7 @@
 
 #include <trellis/Export.hpp>
 #include <trellis/VObject.hpp>
+#include <trellis/VTypeDescription.hpp>
 
 #include <string>
 #include <string_view>
@@ -27,6 +28,12 @@ public:
 
     /// Returns the name under which the type is registered; empty before registration.
     const std::string& typeName() const noexcept { return m_name; }
+
+    /// Returns what people need to know about the type, or null.
+    const StrongPtr<VTypeDescription>& description() const noexcept { return m_description; }
+
+    /// Describes the type. Call it before the creator is registered.
+    void setDescription(const StrongPtr<VTypeDescription>& description) { m_description = description; }
 
     /// Registers \p creator under \p name. Returns false if another type has the name; the
     /// creator is then found only as LIBRARY:NAME, and takes over NAME when the first type is
@@ -68,6 +75,7 @@ private:
     const std::type_info* m_type;
     const std::type_info* m_uniqueOutput;
     std::string m_name;
+    StrongPtr<VTypeDescription> m_description;
 };
 
 /// Creates objects of class \p T, whose constructor takes the same arguments as that of
@@ -104,6 +112,14 @@ public:
                          const std::type_info* uniqueOutput = nullptr)
         : m_creator{defaults, uniqueOutput}
     {
+        VObjectCreator::registerCreator(&m_creator, name);
+    }
+
+    VObjectType(const std::string& name, const VTypeText& description,
+                const StrongPtr<VCreationPreferences>& defaults = {}, const std::type_info* uniqueOutput = nullptr)
+        : m_creator{defaults, uniqueOutput}
+    {
+        m_creator.setDescription(Loam::makeStrong<VTypeDescription>(description.parts()));
         VObjectCreator::registerCreator(&m_creator, name);
     }
 

@@ -5,6 +5,7 @@
 #include <trellis/detail/Wiring.hpp>
 
 #include <trellis/VSlotContainer.hpp>
+#include <trellis/VSlotDescription.hpp>
 
 #include <algorithm>
 
@@ -44,6 +45,20 @@ const std::string& VSlot::member() const noexcept
 {
     static const std::string none;
     return m_link ? m_link->member : none;
+}
+
+const VSlotDescription* VSlot::description() const noexcept
+{
+    const VSlot* const declaring = m_ownParameter->slot();
+    const std::uint32_t number = m_description != 0 || !declaring ? m_description : declaring->m_description;
+    if (const VSlotDescription* const own = VSlotDescription::withNumber(number))
+        return own;
+    return dynamic_cast<const VSlotDescription*>(m_ownParameter->creationPreferences().get());
+}
+
+void VSlot::describe(const VDescriptionLiteral& parts)
+{
+    m_description = VSlotDescription::of(parts)->number();
 }
 
 StrongPtr<VValueBase> VSlot::getValueBase(const StrongPtr<ValuePool>& pool) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <trellis/Export.hpp>
+#include <trellis/VDescription.hpp>
 #include <trellis/VParameter.hpp>
 #include <trellis/VSlotPlace.hpp>
 
@@ -17,6 +18,7 @@
 namespace Orla {
 
 class VSlotContainer;
+class VSlotDescription;
 
 /// A container's named input or output. It refers to a parameter: the container's own by
 /// default, another object's output once connected. An optional member name selects a
@@ -67,6 +69,18 @@ public:
     /// Returns the type of the slot's values.
     const std::type_info& type() const { return m_ownParameter->valueType(); }
 
+    /// Returns what people need to know about the slot, or null. A slot that passes an input on
+    /// has the description of the input.
+    const VSlotDescription* description() const noexcept;
+
+    /// Describes the slot, for example an input that a base class declares. Replaces the
+    /// description in the creation preferences.
+    template<VDescribes What>
+    void describe(const VDescription<What>& description)
+    {
+        describe(description.parts());
+    }
+
     /// Returns the value that the slot refers to in \p pool, or its component if the slot has
     /// a member name. Returns null if the value is missing.
     StrongPtr<VValueBase> getValueBase(const StrongPtr<ValuePool>& pool) const;
@@ -110,6 +124,7 @@ private:
     struct Link;
 
     void changeFlags(std::uint8_t flags) noexcept;
+    void describe(const VDescriptionLiteral& parts);
 
     VSlotContainer* m_container;
     StrongPtr<VParameter> m_parameter;
@@ -118,6 +133,7 @@ private:
     std::unique_ptr<Link> m_link;              // null if the slot was never connected or followed
     std::uint32_t m_readerIndex = NotReading;  // index among the parameter's readers
     std::uint32_t m_cell = VSlotPlace::NoCell;
+    std::uint32_t m_description = 0; // the number of a VSlotDescription, or 0
     int m_expertLevel;
     std::uint8_t m_flags;
     bool m_ownsParameter = true;

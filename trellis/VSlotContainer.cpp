@@ -55,16 +55,16 @@ StrongPtr<VSlot> VSlotContainer::addParameter(const std::string& name, int exper
                                               const StrongPtr<VParameter>& parameter, bool triggers)
 {
     if (!parameter) {
-        VActionNotifier::Warning("No parameter was given for the input \"" + name + "\" of " + describe());
+        VActionNotifier::Warning("No parameter was given for the input \"" + name + "\" of " + typeAndName());
         return nullptr;
     }
     if (m_inputs.find(name)) {
-        VActionNotifier::Warning("An input \"" + name + "\" was added a second time to " + describe()
+        VActionNotifier::Warning("An input \"" + name + "\" was added a second time to " + typeAndName()
                                  + "; the first one is kept");
         return nullptr;
     }
     if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter); other && other != m_wiring.network) {
-        VActionNotifier::Warning("The input \"" + name + "\" of " + describe()
+        VActionNotifier::Warning("The input \"" + name + "\" of " + typeAndName()
                                  + " was not added: its parameter belongs to another network");
         return nullptr;
     }
@@ -85,11 +85,11 @@ bool VSlotContainer::removeParameter(const StrongPtr<VSlot>& slot)
 StrongPtr<VSlot> VSlotContainer::registerOutput(const StrongPtr<VParameter>& parameter, const std::string& name)
 {
     if (!parameter) {
-        VActionNotifier::Warning("No parameter was given for the output \"" + name + "\" of " + describe());
+        VActionNotifier::Warning("No parameter was given for the output \"" + name + "\" of " + typeAndName());
         return nullptr;
     }
     if (m_outputs.find(name)) {
-        VActionNotifier::Warning("An output \"" + name + "\" was added a second time to " + describe()
+        VActionNotifier::Warning("An output \"" + name + "\" was added a second time to " + typeAndName()
                                  + "; the first one is kept");
         return nullptr;
     }
@@ -172,11 +172,11 @@ Result<void> VSlotContainer::connect(const StrongPtr<VParameter>& parameter, con
     if (!parameter)
         return Failure{"the source is null"};
     if (!slot || slot->container() != this || slot->hasFlag(VSlot::Output))
-        return Failure{"the slot is not an input of " + describe()};
+        return Failure{"the slot is not an input of " + typeAndName()};
     if (Detail::NetworkCore* const other = Detail::Wiring::networkOf(*parameter); other && other != m_wiring.network)
         return Failure{"the two objects belong to different networks"};
     if (m_wiring.network->isClosed())
-        return Failure{"the network of " + describe() + " was destroyed"};
+        return Failure{"the network of " + typeAndName() + " was destroyed"};
     if (Result<void> fits = checkTypes(*parameter, member, slot->type()); !fits)
         return fits;
     const StrongPtr<VParameter> keepAlive = parameter; // the argument may be the slot's own pointer
@@ -187,7 +187,7 @@ Result<void> VSlotContainer::connect(const StrongPtr<VParameter>& parameter, con
 bool VSlotContainer::warnUnless(const Result<void>& connected, const StrongPtr<VSlot>& slot) const
 {
     if (!connected)
-        VActionNotifier::Warning((slot ? "Input \"" + slot->name() + "\" of " + describe() : describe())
+        VActionNotifier::Warning((slot ? "Input \"" + slot->name() + "\" of " + typeAndName() : typeAndName())
                                  + " was not connected: " + connected.reason());
     return bool(connected);
 }
@@ -252,7 +252,7 @@ void VSlotContainer::acceptsFailedInputs()
     Detail::FrameHooks::switchesChanged(*this);
 }
 
-std::string VSlotContainer::describe() const
+std::string VSlotContainer::typeAndName() const
 {
     const std::string type = Loam::Typename(typeid(*this));
     return m_wiring.name ? type + " \"" + *m_wiring.name + "\"" : type;

@@ -158,7 +158,7 @@ public:
     VObject* object() const noexcept { return m_wiring.object; }
 
     /// Returns the container's type and name, for messages.
-    std::string describe() const;
+    std::string typeAndName() const;
 
     /// Returns the container's evaluation number. Objects are evaluated in ascending order.
     /// Except in loops, a reader has a larger number than the containers that it reads. May be

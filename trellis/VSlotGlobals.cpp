@@ -8,8 +8,9 @@ namespace Orla {
 
 void VSlotGlobals::assertionFail(VSlotContainer* that, const std::string& name, const std::type_info& type)
 {
-    VActionNotifier::Warning("The slot \"" + name + "\" of type " + VTypeLabel::of(type)
-                             + (that ? " is not usable in " + that->describe() : " was declared without a container"));
+    VActionNotifier::Warning(
+        "The slot \"" + name + "\" of type " + VTypeLabel::of(type)
+        + (that ? " is not usable in " + that->typeAndName() : " was declared without a container"));
 }
 
 StrongPtr<VSlot> VSlotGlobals::addParameter(VSlotContainer* that, const std::string& name, int expertLevel,

@@ -25,8 +25,8 @@ LabelTable& labelTable()
 
 } // namespace
 
-VTypeLabel::VTypeLabel(const std::type_info& type, const std::string& label)
-    : m_key{Loam::typeKey(type)}, m_label{label}
+VTypeLabel::VTypeLabel(const std::type_info& type, const std::string& label, const std::string& example)
+    : m_key{Loam::typeKey(type)}, m_label{label}, m_example{example}
 {
     const std::lock_guard lock{labelTable().mutex};
     if (!label.empty())
@@ -49,6 +49,15 @@ std::string VTypeLabel::of(const std::type_info& type)
     const std::string& text = own == labels.end() ? name : (*own)->m_label;
     const auto first = std::ranges::find(labels, text, &VTypeLabel::m_label);
     return first == labels.end() || (*first)->m_key == key ? text : text + " (" + name + ')';
+}
+
+std::string VTypeLabel::exampleOf(const std::type_info& type)
+{
+    const std::string key = Loam::typeKey(type);
+    const std::lock_guard lock{labelTable().mutex};
+    const std::vector<const VTypeLabel*>& labels = labelTable().labels;
+    const auto own = std::ranges::find(labels, key, &VTypeLabel::m_key);
+    return own == labels.end() ? std::string() : (*own)->m_example;
 }
 
 } // namespace Orla

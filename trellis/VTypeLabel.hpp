@@ -13,14 +13,15 @@ namespace Orla {
 /// A library declares the label of a type next to its registration. The label is used as long
 /// as the object lives:
 ///
-///     const Orla::VTypeLabel label{typeid(Range), "range"};
+///     const Orla::VTypeLabel label{typeid(Range), "range", "4.5:10"};
 ///
 /// The first label of a type is used; the next one replaces it when the first library is
 /// unloaded.
 class TRELLIS_API VTypeLabel {
 public:
-    /// An empty \p label declares nothing.
-    VTypeLabel(const std::type_info& type, const std::string& label);
+    /// An empty \p label declares nothing. \p example is a text that the type accepts, for
+    /// messages about texts that it refuses.
+    VTypeLabel(const std::type_info& type, const std::string& label, const std::string& example = {});
     ~VTypeLabel();
     VTypeLabel(const VTypeLabel&) = delete;
     VTypeLabel& operator=(const VTypeLabel&) = delete;
@@ -30,9 +31,13 @@ public:
     /// types are never confused.
     static std::string of(const std::type_info& type);
 
+    /// Returns a text that values of \p type accept; empty if its label has none.
+    static std::string exampleOf(const std::type_info& type);
+
 private:
     std::string m_key;
     std::string m_label;
+    std::string m_example;
 };
 
 } // namespace Orla

@@ -7,6 +7,7 @@
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VConnectable.hpp>
 #include <trellis/VCreationPreferences.hpp>
+#include <trellis/VDescription.hpp>
 #include <trellis/VExecutor.hpp>
 #include <trellis/VFileObserver.hpp>
 #include <trellis/VFrame.hpp>
@@ -25,8 +26,10 @@
 #include <trellis/VSkale.hpp>
 #include <trellis/VSlot.hpp>
 #include <trellis/VSlotContainer.hpp>
+#include <trellis/VSlotDescription.hpp>
 #include <trellis/VSlotGlobals.hpp>
 #include <trellis/VSlotPlace.hpp>
+#include <trellis/VTypeDescription.hpp>
 #include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueBase.hpp>
 #include <trellis/VValueComponents.hpp>

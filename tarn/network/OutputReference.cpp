@@ -54,11 +54,11 @@ std::string reasonOfFailure(const Orla::VObject& object, const StrongPtr<Orla::V
 {
     for (const Orla::VScheduler::Failure& failure : Orla::VScheduler::failures(pool)) {
         if (failure.object.get() == &object)
-            return object.describe() + " failed" + (failure.reason.empty() ? "" : ": " + failure.reason);
+            return object.typeAndName() + " failed" + (failure.reason.empty() ? "" : ": " + failure.reason);
     }
-    std::string message = object.describe() + " waits";
+    std::string message = object.typeAndName() + " waits";
     if (const auto sources = Orla::VScheduler::waitingFor(object, pool); !sources.empty())
-        message += " for " + sources.front()->describe() + ", which failed";
+        message += " for " + sources.front()->typeAndName() + ", which failed";
     return message;
 }
 

@@ -249,7 +249,7 @@ Result<StrongPtr<Orla::VSlot>> SessionCore::findInput(std::string_view reference
     const std::string name(named->rest);
     if (StrongPtr<Orla::VSlot> input = named->object->findSlot(name))
         return input;
-    return Failure{named->object->describe() + " has no input " + inQuotes(name)
+    return Failure{named->object->typeAndName() + " has no input " + inQuotes(name)
                    + (named->object->findOutput(name) ? "; that is an output"
                                                       : insteadOf(name, namesOf(named->object->inputs())))};
 }
@@ -260,7 +260,7 @@ Result<OutputReference> SessionCore::findOutput(std::string_view reference) cons
     const Result<Named> named = findObject(reference, "OBJECT.OUTPUT");
     if (!named)
         return Failure{named.reason()};
-    Result<OutputReference> output = OutputReference::find(*named->object, named->object->describe(), named->rest);
+    Result<OutputReference> output = OutputReference::find(*named->object, named->object->typeAndName(), named->rest);
     if (!output)
         return output;
     if (const Result<void> exists = output->checkMember(); !exists)
@@ -307,7 +307,7 @@ Result<SessionCore::OwnInput> SessionCore::findOwnInput(std::string_view referen
     const Orla::VObject& object = *(*input)->container()->object();
     const std::size_t number = m_names.find(object.Name());
     if (number == ObjectNames::npos)
-        return Failure{object.describe() + " is not part of the saved network"};
+        return Failure{object.typeAndName() + " is not part of the saved network"};
     return OwnInput{*std::move(input), &m_file.objects[number]};
 }
 

@@ -185,7 +185,7 @@ public:
     {
         for (const Orla::VScheduler::Failure& failure : Orla::VScheduler::failures(pool)) {
             if (failure.reason.find(text) != std::string::npos)
-                return failure.object->describe() + " failed: " + failure.reason;
+                return failure.object->typeAndName() + " failed: " + failure.reason;
         }
         return {};
     }

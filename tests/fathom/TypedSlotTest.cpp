@@ -257,4 +257,25 @@ TEST_F(TypedSlotTest, keepsItsCreatorOnRepeatedRegistration)
     EXPECT_TRUE(StrongPtr<TypedSlot<Range>::SlotCreator>(creator));
 }
 
+TEST_F(TypedSlotTest, carriesADescriptionInItsPreferences)
+{
+    const TypedSlot<Range> slot(m_container.get(), "reach", Range{}, describe("The reach.").in("m").from(0), 3, false);
+    const StrongPtr<VSlotDescription> description{slot.preferences()};
+    ASSERT_TRUE(description);
+    EXPECT_EQ(description->parts().unit, "m");
+    EXPECT_EQ(slot.slot()->description(), description.get());
+    EXPECT_EQ(slot.slot()->expertLevel(), 3);
+    EXPECT_TRUE(slot.slot()->hasFlag(VSlot::Passive));
+    const TypedSlot<Range> other(m_container.get(), "width", Range{}, describe("The reach.").in("m").from(0));
+    EXPECT_EQ(other.preferences(), slot.preferences()) << "stored once";
+    EXPECT_EQ(other.slot()->expertLevel(), 0);
+    EXPECT_FALSE(other.slot()->hasFlag(VSlot::Passive));
+}
+
+TEST_F(TypedSlotTest, needsNoDescription)
+{
+    const TypedSlot<Range> slot(m_container.get(), "reach", Range{}, 0);
+    EXPECT_EQ(slot.slot()->description(), nullptr);
+}
+
 } // namespace TypedSlotTest

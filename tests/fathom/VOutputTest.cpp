@@ -320,4 +320,14 @@ TEST_F(VOutputTest, isNotReadWhileDisabledOrWithoutAParameterAPoolOrAReadableVal
     EXPECT_EQ(m_text, "untouched");
 }
 
+TEST_F(VOutputTest, carriesADescriptionInItsPreferences)
+{
+    const VOutput<double> output{m_container.get(), "heat", 1.5, describe("The heat.").in("kW")};
+    const StrongPtr<VSlot> slot = m_container->findOutput("heat");
+    ASSERT_TRUE(slot && slot->description());
+    EXPECT_EQ(slot->description()->parts().unit, "kW");
+    EXPECT_EQ(slot->description(), output.parameter()->creationPreferences().get());
+    EXPECT_EQ(m_container->findOutput("report")->description(), nullptr) << "plain preferences";
+}
+
 } // namespace VOutputTest

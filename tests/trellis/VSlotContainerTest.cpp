@@ -301,9 +301,9 @@ TEST_F(VSlotContainerTest, runsEachSetupFunctionOnceWithItsInputs)
 
 TEST_F(VSlotContainerTest, describesItselfByTypeAndName)
 {
-    EXPECT_EQ(makeNode("scene")->describe(), "Node \"scene\"");
+    EXPECT_EQ(makeNode("scene")->typeAndName(), "Node \"scene\"");
     struct Bare : VSlotContainer {};
-    EXPECT_EQ(Loam::makeStrong<Bare>()->describe(), "Bare");
+    EXPECT_EQ(Loam::makeStrong<Bare>()->typeAndName(), "Bare");
     EXPECT_EQ(Loam::makeStrong<Bare>()->object(), nullptr);
     const auto node = makeNode("node");
     EXPECT_EQ(node->object(), node.get());

@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+#include <trellis/VSlotDescription.hpp>
+
 namespace VSlotTest {
 
 using namespace Orla;
@@ -38,6 +40,32 @@ TEST_F(VSlotTest, returnsItsConstructorArguments)
     EXPECT_FALSE(slot.isConnected());
     EXPECT_TRUE(slot.hasFlag(VSlot::Passive) && slot.hasFlag(VSlot::AddedLater));
     EXPECT_FALSE(slot.hasFlag(VSlot::Output) || slot.hasFlag(VSlot::AutoConnected));
+}
+
+TEST_F(VSlotTest, takesADescriptionThatReplacesTheOneOfItsParameter)
+{
+    const auto declared = VSlotDescription::of(describe("Declared.").parts());
+    const StrongPtr<VParameter> parameter(
+        new VParameter(testParameter("limit")->newValue(), "limit", StrongPtr<VCreationPreferences>{declared}));
+    const StrongPtr<VSlot> slot = node->addParameter("limit", 0, parameter, true);
+    ASSERT_TRUE(slot);
+    EXPECT_EQ(slot->description(), declared.get());
+    slot->describe(describe("Replaced.").in("m"));
+    ASSERT_TRUE(slot->description());
+    EXPECT_EQ(slot->description()->parts().sentence, "Replaced.");
+    EXPECT_EQ(slot->parameter()->creationPreferences(), declared) << "the preferences stay";
+
+    ASSERT_TRUE(node->registerOutput(slot));
+    EXPECT_EQ(node->findOutput("limit")->description(), slot->description()) << "the input is passed on";
+}
+
+TEST_F(VSlotTest, keepsItsDescriptionWhenConnected)
+{
+    const auto source = Loam::makeStrong<Node>("source");
+    const StrongPtr<VSlot> input = node->addInput("in");
+    input->describe(describe("The input."));
+    ASSERT_TRUE(node->attachOutput(source->addOutput("out"), input, ""));
+    EXPECT_EQ(input->description()->parts().sentence, "The input.");
 }
 
 TEST_F(VSlotTest, setsAndClearsFlagsIndependently)

@@ -27,6 +27,14 @@ TEST(VTypeLabel, isUsedWhileItLives)
     EXPECT_EQ(VTypeLabel::of(typeid(Tide)), "Tide");
 }
 
+TEST(VTypeLabel, mayHaveAnExampleOfATextThatTheTypeAccepts)
+{
+    EXPECT_EQ(VTypeLabel::exampleOf(typeid(Tide)), "");
+    const VTypeLabel label{typeid(Tide), "height of the tide", "3.5 m"};
+    EXPECT_EQ(VTypeLabel::exampleOf(typeid(Tide)), "3.5 m");
+    EXPECT_EQ(VTypeLabel::exampleOf(typeid(Ebb)), "");
+}
+
 TEST(VTypeLabel, isTheRegisteredNameUnlessItIsDeclared)
 {
     struct Flood {};

@@ -67,7 +67,7 @@ void SerialRun::stopLoop(VFrame& frame)
         std::vector<VFrame*> stopped;
         auto& container = const_cast<VSlotContainer&>(*frame.container());
         for (VSlotContainer* member : EvaluationOrder::loopOf(container)) {
-            members += (members.empty() ? "" : ", ") + member->describe();
+            members += (members.empty() ? "" : ", ") + member->typeAndName();
             if (VFrame* const memberFrame = m_pool.frame(*member))
                 stopped.push_back(memberFrame);
         }

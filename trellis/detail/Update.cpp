@@ -111,7 +111,7 @@ void Update::concludeCarefully(Result result)
         m_pool.fail(m_frame);
         const std::string reason = failure();
         m_pool.keepReason(m_frame, m_thrown ? reason : std::string{});
-        VActionNotifier::Error(object().describe() + " failed: " + reason);
+        VActionNotifier::Error(object().typeAndName() + " failed: " + reason);
         break;
     }
     case Result::Succeeded:

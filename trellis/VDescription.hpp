@@ -1,0 +1,292 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string_view>
+#include <type_traits>
+
+// Describes inputs and outputs where they are declared. The text of a description must be a
+// string literal, or live as long as one.
+
+// Checks descriptions at compile time. Clang before version 17 fails to generate code for the
+// initialiser of a member that calls a consteval function; there, a faulty description throws
+// when it is first used.
+#if defined(__clang__) && __clang_major__ < 17
+#    define TRELLIS_DESCRIPTION constexpr
+#else
+#    define TRELLIS_DESCRIPTION consteval
+#endif
+
+namespace Orla {
+
+/// How a user interface edits a text.
+enum class VTextKind : std::uint8_t { Plain, InputFile, OutputFile, Folder, Color, WebPage, MultiLine };
+
+/// Who sees an input or an output, in addition to its expert level.
+enum class VVisibility : std::uint8_t {
+    Ordinary,
+    Advanced,    ///< few users need it
+    Hidden,      ///< for programs; lists omit it, but networks can use it
+    PrivateState ///< state that the object keeps in the pool; other objects cannot use it
+};
+
+/// The numbers from one to another. An infinite end does not limit the numbers.
+struct VLimits {
+    double from = -std::numeric_limits<double>::infinity();
+    double to = std::numeric_limits<double>::infinity();
+    bool excludesFrom = false;
+    bool excludesTo = false;
+
+    /// Returns false for NaN unless both ends are infinite.
+    constexpr bool contains(double number) const noexcept
+    {
+        if (!isSet())
+            return true;
+        return (excludesFrom ? number > from : number >= from) && (excludesTo ? number < to : number <= to);
+    }
+
+    /// Returns true if the limits contain a number.
+    constexpr bool isInOrder() const noexcept
+    {
+        constexpr double infinity = std::numeric_limits<double>::infinity();
+        // This form of the comparisons also refuses NaN.
+        if (!(from < infinity && to > -infinity && from <= to))
+            return false;
+        return from < to || !(excludesFrom || excludesTo);
+    }
+
+    /// Returns true if some number is outside the limits.
+    constexpr bool isSet() const noexcept { return *this != VLimits{}; }
+
+    friend constexpr bool operator==(const VLimits&, const VLimits&) noexcept = default;
+};
+
+/// What a description consists of; see `VDescription` for the parts.
+template<class Text, class Texts>
+struct VDescriptionParts {
+    Text sentence{};
+    Text unit{};
+    VLimits limits{};
+    VLimits softLimits{};
+    double step = 0;
+    bool isLogarithmic = false;
+    bool isFinite = false;
+    VTextKind textKind = VTextKind::Plain;
+    VVisibility visibility = VVisibility::Ordinary;
+    Texts extensions{};
+    Text conditionInput{};
+    Texts conditionValues{};
+
+    friend constexpr bool operator==(const VDescriptionParts&, const VDescriptionParts&) = default;
+};
+
+namespace Detail {
+
+// Up to eight literals, without the cost of a vector.
+class DescriptionTexts {
+public:
+    using value_type = std::string_view;
+    using const_iterator = const std::string_view*;
+
+    static constexpr std::size_t Most = 8;
+
+    constexpr DescriptionTexts() = default;
+
+    template<class... Texts>
+    constexpr explicit DescriptionTexts(std::string_view first, Texts... others)
+        : m_texts{first, std::string_view(others)...}, m_count{1 + sizeof...(Texts)}
+    {
+        static_assert(1 + sizeof...(Texts) <= Most, "a description lists at most eight texts");
+    }
+
+    constexpr const_iterator begin() const noexcept { return m_texts.data(); }
+    constexpr const_iterator end() const noexcept { return m_texts.data() + m_count; }
+    friend constexpr bool operator==(const DescriptionTexts&, const DescriptionTexts&) noexcept = default;
+
+private:
+    std::array<std::string_view, Most> m_texts{};
+    std::size_t m_count = 0;
+};
+
+// Throws std::invalid_argument. Calling it makes an expression that is evaluated at compile
+// time an error, which quotes the call.
+[[noreturn]] void refuseDescription(const char* reason);
+
+} // namespace Detail
+
+using VDescriptionLiteral = VDescriptionParts<std::string_view, Detail::DescriptionTexts>;
+
+/// The values that a description fits: `from`, `to` and `step` describe numbers, `asInputFile`
+/// a text.
+enum class VDescribes : std::uint8_t { AnyValue, Numbers, Text };
+
+/// What people need to know about an input or an output: what it means, what it accepts, and in
+/// which unit. Written where the slot is declared, from left to right:
+///
+///     TypedSlot<double> m_reach{this, "reach", 5e4,
+///                               describe("Half the side of each box.").in("m").from(0).to(1e7), 0};
+///
+/// The host enforces the limits wherever a value comes from a text or from a host: a network, a
+/// command line, a sweep. Values that other objects compute are not checked. Each number of a
+/// range, a point or an array must be within the limits.
+template<VDescribes What = VDescribes::AnyValue>
+class VDescription {
+public:
+    constexpr explicit VDescription(const VDescriptionLiteral& parts) noexcept : m_parts{parts} {}
+
+    constexpr const VDescriptionLiteral& parts() const noexcept { return m_parts; }
+
+    /// The unit in which values are read and shown, such as "km". Values are not converted.
+    TRELLIS_DESCRIPTION VDescription in(std::string_view unit) const
+    {
+        VDescriptionLiteral parts = m_parts;
+        parts.unit = unit;
+        return VDescription{parts};
+    }
+
+    /// The smallest number that is accepted.
+    TRELLIS_DESCRIPTION auto from(double number) const
+    {
+        return limited([number](VLimits& limits) { limits.from = number; });
+    }
+
+    /// The largest number that is accepted.
+    TRELLIS_DESCRIPTION auto to(double number) const
+    {
+        return limited([number](VLimits& limits) { limits.to = number; });
+    }
+
+    /// Accepts only larger numbers.
+    TRELLIS_DESCRIPTION auto above(double number) const
+    {
+        return limited([number](VLimits& limits) {
+            limits.from = number;
+            limits.excludesFrom = true;
+        });
+    }
+
+    /// Accepts only smaller numbers.
+    TRELLIS_DESCRIPTION auto below(double number) const
+    {
+        return limited([number](VLimits& limits) {
+            limits.to = number;
+            limits.excludesTo = true;
+        });
+    }
+
+    /// Refuses NaN and infinite numbers.
+    TRELLIS_DESCRIPTION auto finite() const
+    {
+        return numbers([](VDescriptionLiteral& parts) { parts.isFinite = true; });
+    }
+
+    /// The ends of a slider. Numbers beyond them are accepted, up to the limits.
+    TRELLIS_DESCRIPTION auto softLimits(double least, double most) const
+    {
+        if (!(least < most))
+            Detail::refuseDescription("the soft limits must be two numbers in ascending order");
+        return numbers([least, most](VDescriptionLiteral& parts) { parts.softLimits = {least, most}; });
+    }
+
+    /// The distance between two numbers that a user interface offers. Others are accepted, too.
+    TRELLIS_DESCRIPTION auto step(double distance) const
+    {
+        if (!(distance > 0 && distance < std::numeric_limits<double>::infinity()))
+            Detail::refuseDescription("the step must be a positive number");
+        return numbers([distance](VDescriptionLiteral& parts) { parts.step = distance; });
+    }
+
+    /// A slider has a logarithmic scale.
+    TRELLIS_DESCRIPTION auto logarithmic() const
+    {
+        return numbers([](VDescriptionLiteral& parts) { parts.isLogarithmic = true; });
+    }
+
+    /// The text names a file that the object reads. \p extensions are the usual ones, without
+    /// their dots: "json".
+    template<class... Texts>
+    TRELLIS_DESCRIPTION auto asInputFile(Texts... extensions) const
+    {
+        return text(VTextKind::InputFile, Detail::DescriptionTexts{extensions...});
+    }
+
+    /// The text names a file that the object writes.
+    template<class... Texts>
+    TRELLIS_DESCRIPTION auto asOutputFile(Texts... extensions) const
+    {
+        return text(VTextKind::OutputFile, Detail::DescriptionTexts{extensions...});
+    }
+
+    TRELLIS_DESCRIPTION auto asFolder() const { return text(VTextKind::Folder, {}); }
+    TRELLIS_DESCRIPTION auto asColor() const { return text(VTextKind::Color, {}); }
+    TRELLIS_DESCRIPTION auto asWebPage() const { return text(VTextKind::WebPage, {}); }
+    TRELLIS_DESCRIPTION auto asMultiLine() const { return text(VTextKind::MultiLine, {}); }
+
+    TRELLIS_DESCRIPTION VDescription advanced() const { return visible(VVisibility::Advanced); }
+    TRELLIS_DESCRIPTION VDescription hidden() const { return visible(VVisibility::Hidden); }
+    TRELLIS_DESCRIPTION VDescription asPrivateState() const { return visible(VVisibility::PrivateState); }
+
+    /// The slot matters only if the input \p name of the same object has one of the texts
+    /// \p values.
+    template<class... Texts>
+    TRELLIS_DESCRIPTION VDescription onlyIf(std::string_view name, std::string_view first, Texts... values) const
+    {
+        if (name.empty())
+            Detail::refuseDescription("a condition must name an input");
+        VDescriptionLiteral parts = m_parts;
+        parts.conditionInput = name;
+        parts.conditionValues = Detail::DescriptionTexts{first, std::string_view(values)...};
+        return VDescription{parts};
+    }
+
+private:
+    template<class Change>
+    constexpr VDescription<VDescribes::Numbers> numbers(Change change) const
+    {
+        static_assert(What != VDescribes::Text, "a text has no limits and no step");
+        VDescriptionLiteral parts = m_parts;
+        change(parts);
+        return VDescription<VDescribes::Numbers>{parts};
+    }
+
+    template<class Change>
+    constexpr VDescription<VDescribes::Numbers> limited(Change change) const
+    {
+        const auto changed = numbers([&](VDescriptionLiteral& parts) { change(parts.limits); });
+        if (!changed.parts().limits.isInOrder())
+            Detail::refuseDescription("the limits must be two numbers in ascending order");
+        return changed;
+    }
+
+    constexpr VDescription<VDescribes::Text> text(VTextKind kind, const Detail::DescriptionTexts& extensions) const
+    {
+        static_assert(What != VDescribes::Numbers, "numbers have no kind of text");
+        VDescriptionLiteral parts = m_parts;
+        parts.textKind = kind;
+        parts.extensions = extensions;
+        return VDescription<VDescribes::Text>{parts};
+    }
+
+    constexpr VDescription visible(VVisibility visibility) const
+    {
+        VDescriptionLiteral parts = m_parts;
+        parts.visibility = visibility;
+        return VDescription{parts};
+    }
+
+    VDescriptionLiteral m_parts;
+};
+
+/// Begins a description with one sentence for people: "Half the side of each box."
+TRELLIS_DESCRIPTION VDescription<> describe(std::string_view sentence)
+{
+    if (sentence.empty())
+        Detail::refuseDescription("a description needs a sentence");
+    VDescriptionLiteral parts;
+    parts.sentence = sentence;
+    return VDescription<>{parts};
+}
+
+} // namespace Orla
