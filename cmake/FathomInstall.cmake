@@ -71,6 +71,9 @@ if(FATHOM_BUILD_HOST)
     install(FILES "${PROJECT_SOURCE_DIR}/docs/networks.md"
         DESTINATION "${CMAKE_INSTALL_DOCDIR}"
         COMPONENT fathom_host)
+    install(FILES "${PROJECT_SOURCE_DIR}/tarn/schema/descriptions.schema.json"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/fathom"
+        COMPONENT fathom_host)
 endif()
 
 # With their sources: users start from a copy. Files that running or building them creates are

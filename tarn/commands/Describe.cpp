@@ -1,35 +1,81 @@
 #include <tarn/commands/Commands.hpp>
 
 #include <tarn/commands/ExitStatus.hpp>
-#include <tarn/types/TypeReport.hpp>
+#include <tarn/commands/TypeArguments.hpp>
+#include <tarn/libraries/LibraryFiles.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
-#include <tarn/commands/TypeArguments.hpp>
+#include <tarn/types/TypeReport.hpp>
 
 #include <trellis/VObjectCreator.hpp>
 
+#include <loam/Ascii.hpp>
+
 #include <algorithm>
+#include <iterator>
+#include <set>
+#include <string_view>
 
 namespace Tarn {
 
 namespace {
 
-void reportUnknown(const std::string& name, const TypeCatalogue& catalogue)
+bool beginsWith(std::string_view name, std::string_view start)
 {
-    std::vector<std::string> values;
+    return name.size() >= start.size()
+           && std::ranges::equal(name.substr(0, start.size()), start, {}, &Loam::toLower, &Loam::toLower);
+}
+
+// Returns `"A", "B" or "C"`, and how many more.
+std::string alternatives(const std::vector<std::string>& names)
+{
+    constexpr std::size_t MostNames = 8;
+    const std::size_t count = std::min(names.size(), MostNames);
+    std::string list;
+    for (std::size_t i = 0; i < count; ++i)
+        list += (i == 0 ? "" : i + 1 == names.size() ? " or " : ", ") + inQuotes(names[i]);
+    return names.size() > count ? list + " or one of " + std::to_string(names.size() - count) + " more" : list;
+}
+
+// Returns the names of all types, as registered and as shown to people.
+std::vector<std::string> valueTypeNames(const TypeCatalogue& catalogue)
+{
+    std::vector<std::string> names;
     for (const ValueTypeDescription& type : catalogue.valueTypes()) {
-        values.push_back(type.label);
-        values.push_back(type.name);
+        names.push_back(type.label);
+        names.push_back(type.name);
     }
+    return names;
+}
+
+// Returns the end of a message about an unknown type: what the user may have meant.
+std::string suggestionFor(const std::string& name, const TypeCatalogue& catalogue)
+{
+    std::vector<std::string> objects = Orla::VObjectCreator::names();
+    std::vector<std::string> values = valueTypeNames(catalogue);
+    for (const LibraryFile& file : findLibraryFiles(Libraries::searchPath(), {})) {
+        if (std::ranges::find(file.objectTypes, name) != file.objectTypes.end()
+            || std::ranges::find(file.valueTypes, name) != file.valueTypes.end())
+            return "; the library " + inQuotes(file.name) + " has it: add --library=" + printable(file.name);
+        objects.insert(objects.end(), file.objectTypes.begin(), file.objectTypes.end());
+        values.insert(values.end(), file.valueTypes.begin(), file.valueTypes.end());
+    }
+
+    std::set<std::string> longer;
+    for (const std::vector<std::string>* const names : {&objects, &values})
+        std::ranges::copy_if(*names, std::inserter(longer, longer.end()),
+                             [&](const std::string& each) { return beginsWith(each, name); });
+    if (!longer.empty())
+        return "; did you mean " + alternatives({longer.begin(), longer.end()}) + "?";
+
     std::string suggestions;
     const auto suggest = [&](const char* kind, const std::vector<std::string>& names) {
         if (const std::string near = nearest(name, names); !near.empty())
             suggestions += (suggestions.empty() ? "; did you mean " : " or ") + std::string(kind) + inQuotes(near);
     };
-    suggest("the object type ", Orla::VObjectCreator::names());
+    suggest("the object type ", objects);
     suggest("the value type ", values);
-    say("no library has a type " + inQuotes(name)
-        + (suggestions.empty() ? "; tarn types lists the known types" : suggestions + "?"));
+    return suggestions.empty() ? "; tarn types lists the known types" : suggestions + "?";
 }
 
 int performDescribe(const Arguments& arguments, const StandardStreams& streams)
@@ -41,7 +87,7 @@ int performDescribe(const Arguments& arguments, const StandardStreams& streams)
     const auto values = catalogue.valueTypes(name);
     const auto objects = catalogue.objectTypes(name, level);
     if (values.empty() && objects.empty()) {
-        reportUnknown(name, catalogue);
+        say("no library has a type " + inQuotes(name) + suggestionFor(name, catalogue));
         return NotUnderstood;
     }
     print(streams, arguments.has("json") ? descriptionJson(values, objects) : descriptionText(values, objects));
@@ -63,7 +109,8 @@ const Command& describeCommand()
         .summary = "Describes a type of values or objects.",
         .help = R"(Describes the object type NAME with its inputs and outputs, or the value type NAME, or
 both if both exist. NAME may be the name of a value type in code, such as FlagList, or its
-name in messages, such as flags. To read its inputs and outputs, an object is created and
+name in messages, such as flags. The meaning of each input and output follows it; at
+the end are lines for a network. To read them, an object is created and
 destroyed; the exit status is 1 if that fails, and 2 if no type has the name.
 )",
         .options = {libraryOption(), levelOption(), jsonOption()},

@@ -1,9 +1,7 @@
 #include <tarn/network/ChoiceCheck.hpp>
 
 #include <tarn/text/Messages.hpp>
-
-#include <fathom/VMultipleStringList.hpp>
-#include <fathom/VStringList.hpp>
+#include <tarn/types/Choices.hpp>
 
 #include <algorithm>
 #include <string>
@@ -13,25 +11,13 @@ namespace Tarn {
 
 namespace {
 
-using Loam::StringList;
 using Orla::StrongPtr;
-using OneOf = StrongPtr<Orla::StringSelection, StringList>;
-using SomeOf = StrongPtr<Orla::MultipleStringSelection, StringList>;
 using Strings = std::vector<std::string>;
 
 struct Selected {
     Strings strings;
     Strings choices;
 };
-
-template<class Selection>
-Selection contentOf(Orla::VValueBase& value)
-{
-    Selection selection;
-    if (const auto* const typed = Orla::VTypedValueBase<Selection>::cast(&value))
-        typed->getValue(selection);
-    return selection;
-}
 
 Selected selectedIn(Orla::VValueBase& value)
 {

@@ -2,8 +2,10 @@
 
 #include <tarn/libraries/Libraries.hpp>
 #include <tarn/network/ChoiceCheck.hpp>
+#include <tarn/network/InputText.hpp>
 #include <tarn/text/Activity.hpp>
 #include <tarn/text/Messages.hpp>
+#include <tarn/types/DescriptionCheck.hpp>
 
 #include <trellis/VObjectCreator.hpp>
 #include <trellis/VTypeLabel.hpp>
@@ -160,6 +162,18 @@ void NetworkAssembly::createObject(std::size_t number, const std::vector<std::st
         m_faults.add(FaultKind::Object, entry.type.place,
                      entry.description + ": an object of type " + inQuotes(entry.type.text)
                          + " cannot be made: " + (done ? "its creator returned null" : done.reason()));
+    else if (m_checkedTypes.insert(made.creator.get()).second)
+        checkType(number);
+}
+
+// Descriptions belong to the type, so one object of it suffices.
+void NetworkAssembly::checkType(std::size_t number)
+{
+    const NetworkFile::Object& entry = m_file.objects[number];
+    if (const Result<void> fine = checkDescriptions(*m_objects[number].object); !fine)
+        m_faults.add(FaultKind::Object, entry.type.place,
+                     entry.description + ": the description of type " + inQuotes(entry.type.text)
+                         + " is wrong: " + fine.reason());
 }
 
 void NetworkAssembly::setInputs(std::size_t number)
@@ -247,17 +261,17 @@ bool NetworkAssembly::setText(const GivenText& given)
 {
     beforeText(given);
     const Activity activity{"setting", given.description.c_str()};
-    const Result<bool> accepted = Loam::attempt([&] { return given.input->setInitialText(given.text); });
-    if (accepted && *accepted) {
-        if (given.isNumber)
-            checkNumber(given);
-        noteChoice(given);
-        return true;
+    const Orla::VParameter& parameter = *given.input->ownParameter();
+    const Result<StrongPtr<Orla::VValueBase>> value = readInputText(*given.input, parameter.newValue(), given.text);
+    if (!value) {
+        m_faults.add(FaultKind::Input, given.place, given.description + ": " + value.reason());
+        return false;
     }
-    m_faults.add(FaultKind::Input, given.place,
-                 given.description + ": the text " + inQuotes(given.text) + " is refused, expected a value of type "
-                     + Orla::VTypeLabel::of(given.input->type()) + (accepted ? "" : " (" + accepted.reason() + ")"));
-    return false;
+    parameter.setGlobalValue(*value, {});
+    if (given.isNumber)
+        checkNumber(given);
+    noteChoice(given);
+    return true;
 }
 
 // A number that is not a text must be kept whole: an integer input would read 1.5 as 1.

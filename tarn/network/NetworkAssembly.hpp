@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,6 +72,7 @@ private:
     virtual void beforeText(const GivenText& given);
 
     void createObject(std::size_t number, const std::vector<std::string>& missingLibraries);
+    void checkType(std::size_t number);
     void setInputs(std::size_t number);
     void setExactly(std::size_t number, const Orla::StrongPtr<Orla::VSlot>& input,
                     const NetworkFile::InputText& setting);
@@ -92,6 +94,7 @@ private:
     std::vector<Object> m_objects;
     Network m_network;
     ObjectNames m_names;
+    std::set<const Orla::VObjectCreator*> m_checkedTypes;
     std::size_t m_guesses = 0;
 };
 

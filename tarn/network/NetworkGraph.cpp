@@ -3,6 +3,7 @@
 #include <tarn/libraries/AnnouncedObjects.hpp>
 #include <tarn/network/NetworkBuilder.hpp>
 #include <tarn/network/SlotLookup.hpp>
+#include <tarn/types/DescriptionCheck.hpp>
 
 #include <fathom/VConnectionTypeColors.hpp>
 
@@ -88,8 +89,8 @@ private:
             if (type.empty())
                 type = Loam::Typename(typeid(self));
             m_containers.push_back(container);
-            m_graph.objects.push_back(
-                {object ? object->Name() : std::string(), type, namesOf(self.inputs()), namesOf(self.outputs())});
+            m_graph.objects.push_back({object ? object->Name() : std::string(), type, visibleNamesOf(self.inputs()),
+                                       visibleNamesOf(self.outputs())});
         }
         return entry->second;
     }
@@ -119,7 +120,10 @@ private:
             if (found == slots->end())
                 return; // no longer offered
         }
-        connection.output.slot = static_cast<std::size_t>(found - slots->begin());
+        if (isPrivateState(**found))
+            return; // the drawing omits it
+        connection.output.slot = static_cast<std::size_t>(
+            std::count_if(slots->begin(), found, [](const auto& each) { return !isPrivateState(*each); }));
         m_graph.connections.push_back(std::move(connection));
     }
 

@@ -2,6 +2,7 @@
 
 #include <tarn/network/SlotLookup.hpp>
 #include <tarn/text/Messages.hpp>
+#include <tarn/types/DescriptionCheck.hpp>
 
 #include <trellis/VScheduler.hpp>
 #include <trellis/VTypeLabel.hpp>
@@ -22,9 +23,12 @@ Result<OutputReference> OutputReference::find(const Orla::VObject& object, const
     const StrongPtr<Orla::VSlot> output = findSlotAtStart(object.outputs(), text, '.');
     if (!output) {
         const std::string name(text.substr(0, text.find('.')));
-        return Failure{description + " has no output " + inQuotes(name)
-                       + (object.findSlot(name) ? "; that is an input" : insteadOf(name, namesOf(object.outputs())))};
+        return Failure{
+            description + " has no output " + inQuotes(name)
+            + (object.findSlot(name) ? "; that is an input" : insteadOf(name, visibleNamesOf(object.outputs())))};
     }
+    if (isPrivateState(*output))
+        return Failure{"output " + inQuotes(output->name()) + " of " + description + " is private state"};
     const std::size_t end = output->name().size();
     if (end == text.size())
         return OutputReference{output, {}};

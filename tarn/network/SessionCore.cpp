@@ -4,10 +4,12 @@
 #include <tarn/network/CanonicalNetwork.hpp>
 #include <tarn/network/ChartChoice.hpp>
 #include <tarn/network/ChoiceCheck.hpp>
+#include <tarn/network/InputText.hpp>
 #include <tarn/network/NetworkBuilder.hpp>
 #include <tarn/network/NetworkParser.hpp>
 #include <tarn/text/Messages.hpp>
 #include <tarn/text/ReadFile.hpp>
+#include <tarn/types/DescriptionCheck.hpp>
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VObjectCreator.hpp>
@@ -291,12 +293,7 @@ Result<StrongPtr<Orla::VValueBase>> SessionCore::valueOfText(const StrongPtr<Orl
                                                              const std::string& text) const
 {
     const Use use{*m_objects};
-    StrongPtr<Orla::VValueBase> value = declaredValue(input);
-    const Result<bool> accepted = Loam::attempt([&] { return value->setValueFromText(text); });
-    if (accepted && *accepted)
-        return value;
-    return Failure{"the text " + inQuotes(text) + " is refused, expected a value of type "
-                   + Orla::VTypeLabel::of(input->type()) + (accepted ? "" : " (" + accepted.reason() + ")")};
+    return readInputText(*input, declaredValue(input), text);
 }
 
 Result<SessionCore::OwnInput> SessionCore::findOwnInput(std::string_view reference)
@@ -345,6 +342,8 @@ Result<void> SessionCore::setValue(std::string_view reference, const StrongPtr<O
     if (!value || value->getType() != input->slot->type())
         return Failure{"found a value of type " + (value ? Orla::VTypeLabel::of(value->getType()) : "null")
                        + ", expected type " + Orla::VTypeLabel::of(input->slot->type())};
+    if (const Result<void> fine = checkLimits(*input->slot, *value); !fine)
+        return fine;
     return assign(*input, value, value->Text());
 }
 

@@ -1,5 +1,7 @@
 #include <tarn/network/SlotLookup.hpp>
 
+#include <tarn/types/DescriptionCheck.hpp>
+
 #include <algorithm>
 #include <utility>
 
@@ -22,6 +24,16 @@ std::vector<std::string> namesOf(const Orla::VSlotSet& slots)
     std::vector<std::string> names;
     for (const Orla::StrongPtr<Orla::VSlot>& slot : slots)
         names.push_back(slot->name());
+    return names;
+}
+
+std::vector<std::string> visibleNamesOf(const Orla::VSlotSet& slots)
+{
+    std::vector<std::string> names;
+    for (const Orla::StrongPtr<Orla::VSlot>& slot : slots) {
+        if (!isPrivateState(*slot))
+            names.push_back(slot->name());
+    }
     return names;
 }
 

@@ -20,6 +20,9 @@ Orla::StrongPtr<Orla::VSlot> findSlotAtStart(const Orla::VSlotSet& slots, std::s
 
 std::vector<std::string> namesOf(const Orla::VSlotSet& slots);
 
+/// As `namesOf`, without private state.
+std::vector<std::string> visibleNamesOf(const Orla::VSlotSet& slots);
+
 /// Maps the names of objects to their numbers.
 class ObjectNames {
 public:

@@ -7,6 +7,7 @@
 #include <tarn/run/RunActions.hpp>
 #include <tarn/run/TaskExecutor.hpp>
 #include <tarn/text/Messages.hpp>
+#include <tarn/types/DescriptionCheck.hpp>
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VScheduler.hpp>
@@ -66,6 +67,8 @@ public:
             return Failure{input.reason()};
         if (!value)
             return Failure{"found no value, expected type " + Orla::VTypeLabel::of((*input)->type())};
+        if (Result<void> fine = checkLimits(**input, *value); !fine)
+            return fine;
         const Access access{core->objects()};
         const StrongPtr<Orla::VValueBase> variable = (*input)->getLocalValue(pool);
         if (!variable || !variable->getValueFrom(Loam::WeakPtrImpl<Orla::VValueBase>(value)))

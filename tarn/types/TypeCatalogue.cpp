@@ -2,6 +2,8 @@
 
 #include <tarn/libraries/AnnouncedObjects.hpp>
 #include <tarn/text/Activity.hpp>
+#include <tarn/types/Choices.hpp>
+#include <tarn/types/DescriptionCheck.hpp>
 
 #include <fathom/VConnectionTypeColors.hpp>
 
@@ -39,11 +41,25 @@ std::vector<std::string> completeNames(const std::string& name)
 
 ObjectTypeDescription nameAndFile(const std::string& name, const Orla::VObjectCreator& creator)
 {
-    return {.name = name,
-            .library = Loam::getLibraryPath(&creator.objectType()),
-            .failure = {},
-            .inputs = {},
-            .outputs = {}};
+    ObjectTypeDescription description;
+    description.name = name;
+    description.library = Loam::getLibraryPath(&creator.objectType());
+    if (creator.description())
+        description.description = creator.description()->parts();
+    return description;
+}
+
+// Returns a text that gives the input its initial value; empty if its type reads none.
+std::string exampleTextOf(const Orla::VParameter& parameter)
+{
+    const StrongPtr<Orla::VValueBase> declared = parameter.newValue();
+    if (const auto cases = contentOf<Orla::Enum>(*declared); cases.selection())
+        return cases.selection()->selectedName();
+    if (const auto one = contentOf<OneOf>(*declared); one && one->contains(one->selection))
+        return one->selection;
+    const std::string text = declared->Text();
+    const Loam::Result<bool> accepted = Loam::attempt([&] { return parameter.newValue()->setValueFromText(text); });
+    return accepted && *accepted ? text : std::string();
 }
 
 ObjectTypeDescription::Input describeInput(const VSlot& slot)
@@ -53,8 +69,11 @@ ObjectTypeDescription::Input describeInput(const VSlot& slot)
                                        .typeLabel = Orla::VTypeLabel::of(slot.type()),
                                        .level = slot.expertLevel(),
                                        .initialText = slot.ownParameter()->DefaultValue()->Text(),
+                                       .exampleText = exampleTextOf(*slot.ownParameter()),
                                        .findsPartner = slot.hasFlag(VSlot::AutoConnected),
-                                       .partner = {}};
+                                       .partner = {},
+                                       .choices = choicesOf(*slot.ownParameter()->DefaultValue()),
+                                       .description = slot.description()};
     // Only the constructor can have connected it this early.
     if (slot.isConnected() || !slot.ownsParameter()) {
         input.findsPartner = true;
@@ -73,8 +92,11 @@ void readSlots(const Orla::VObject& object, int highestLevel, ObjectTypeDescript
         else
             description.inputs.push_back(describeInput(*slot));
     }
-    for (const StrongPtr<VSlot>& slot : object.outputs())
-        description.outputs.push_back({slot->name(), Loam::Typename(slot->type()), Orla::VTypeLabel::of(slot->type())});
+    for (const StrongPtr<VSlot>& slot : object.outputs()) {
+        if (!isPrivateState(*slot))
+            description.outputs.push_back(
+                {slot->name(), Loam::Typename(slot->type()), Orla::VTypeLabel::of(slot->type()), slot->description()});
+    }
 }
 
 ValueTypeDescription describe(const std::string& name, Orla::VValueCreator& creator)
@@ -82,6 +104,7 @@ ValueTypeDescription describe(const std::string& name, Orla::VValueCreator& crea
     const std::type_info& type = creator.valueType();
     ValueTypeDescription description{.name = name,
                                      .label = Orla::VTypeLabel::of(type),
+                                     .example = Orla::VTypeLabel::exampleOf(type),
                                      .colour = Orla::VConnectionTypeColors::get(type),
                                      .defaultText = {},
                                      .failure = {},
@@ -109,6 +132,8 @@ ObjectTypeDescription describe(const std::string& name, const Orla::VObjectCreat
         if (!object)
             throw std::runtime_error("its creator returned null");
         readSlots(*object, highestLevel, description);
+        if (const Loam::Result<void> fine = checkDescriptions(*object); !fine)
+            throw std::runtime_error("its description is wrong: " + fine.reason());
     });
     if (!made)
         description.failure = made.reason();

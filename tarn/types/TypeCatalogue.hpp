@@ -2,8 +2,12 @@
 
 #include <tarn/libraries/Libraries.hpp>
 
+#include <trellis/VSlotDescription.hpp>
+#include <trellis/VTypeDescription.hpp>
+
 #include <cstddef>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +17,7 @@ namespace Tarn {
 struct ValueTypeDescription {
     std::string name;                    ///< the registered name
     std::string label;                   ///< the name for people
+    std::string example;                 ///< a text that the type accepts; may be empty
     std::string colour;                  ///< of connections; empty if the type has none
     std::string defaultText;             ///< of an unset value
     std::string failure;                 ///< why no value can be created; empty if one can
@@ -28,21 +33,26 @@ struct ObjectTypeDescription {
         std::string typeLabel; ///< the name for people
         int level = 0;         ///< the expert level
         std::string initialText;
-        bool findsPartner = false; ///< connected automatically unless the user connects it
-        std::string partner;       ///< "OBJECT.OUTPUT" if known without a network
+        std::string exampleText;                             ///< a text that a network can set; may be empty
+        bool findsPartner = false;                           ///< connected automatically unless the user connects it
+        std::string partner;                                 ///< "OBJECT.OUTPUT" if known without a network
+        std::vector<std::string> choices;                    ///< the names of an enumeration or a selection
+        const Orla::VSlotDescription* description = nullptr; ///< null if not described
     };
 
     struct Output {
         std::string name;
         std::string type;
         std::string typeLabel;
+        const Orla::VSlotDescription* description = nullptr;
     };
 
     std::string name;
     std::string library; ///< path of its file
+    std::optional<Orla::VTypeDescription::Parts> description;
     std::string failure; ///< why no object can be created; empty if one can
     std::vector<Input> inputs;
-    std::vector<Output> outputs;
+    std::vector<Output> outputs;  ///< without private state
     std::size_t hiddenInputs = 0; ///< inputs above the requested expert level
 };
 

@@ -33,7 +33,9 @@ TarnProcess::TarnProcess(const std::vector<std::string>& arguments, const Option
     argumentPointers.push_back(nullptr);
 
     std::vector<std::string> settings = options.environment;
-    settings.emplace_back("TARN_LIBRARIES=" TEST_OBJECTS_FOLDER);
+    // A shell would use the last of two settings, and the program the first.
+    if (std::ranges::none_of(settings, [](const std::string& each) { return each.starts_with("TARN_LIBRARIES="); }))
+        settings.emplace_back("TARN_LIBRARIES=" TEST_OBJECTS_FOLDER);
     std::vector<char*> environmentPointers;
     for (std::string& setting : settings)
         environmentPointers.push_back(setting.data());

@@ -30,11 +30,31 @@ TEST(DescribeCommand, suggestsTypesOfBothKindsForAnUnknownName)
     EXPECT_EQ(close.out, "");
     EXPECT_EQ(close.err, "tarn: no library has a type \"GlobelTime\"; did you mean the object type \"GlobalTime\"?\n");
     EXPECT_THAT(runTarn({"describe", "duoble"}).err, HasSubstr("; did you mean the value type \"double\"?\n"));
-    EXPECT_THAT(runTarn({"describe", "choise"}).err, HasSubstr("; did you mean the value type \"choice\"?\n"));
+    EXPECT_THAT(runTarn({"describe", "choise"}).err,
+                HasSubstr("; did you mean the object type \"Chooser\" or the value type \"choice\"?\n"));
     const ProcessResult far = runTarn({"describe", "Zanzibar"});
     EXPECT_EQ(far.status, 2);
     EXPECT_EQ(far.err, "tarn: no library has a type \"Zanzibar\"; tarn types lists the known types\n");
     EXPECT_EQ(runTarn({"describe"}).status, 3);
+}
+
+TEST(DescribeCommand, suggestsTypesWhoseNamesBeginWithTheText)
+{
+    EXPECT_EQ(runTarn({"describe", "glob"}).err,
+              "tarn: no library has a type \"glob\"; did you mean \"GlobalTime\"?\n");
+    EXPECT_EQ(runTarn({"describe", "VS"}).err,
+              "tarn: no library has a type \"VS\"; did you mean \"VScalarFunctor\"?\n");
+    const ProcessResult many = runTarn({"describe", ""});
+    EXPECT_EQ(many.status, 2);
+    EXPECT_THAT(many.err, ContainsRegex("\", \".*\" or one of [0-9]+ more\\?\n"));
+}
+
+TEST(DescribeCommand, findsATypeInALibraryThatIsNotLoaded)
+{
+    const ProcessResult result = runTarn({"describe", "Adder"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("tarn: no library has a type \"Adder\"; the library \"testobjects\" has it: add "
+                                      "--library=testobjects\n"));
 }
 
 TEST(DescribeCommand, hidesInputsAboveALevel)

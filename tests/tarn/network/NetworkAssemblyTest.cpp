@@ -157,7 +157,8 @@ TEST_F(NetworkAssemblyTest, reportsEveryFaultWithObjectAndSlot)
         {a + "set = { a = 'much' }\n",
          {"net:5:13: object \"a\", input \"a\": the text \"much\" is refused, expected a value of type number"}},
         {a + clock + "set = { time = true, tim = 1 }\n",
-         {"net:8:16: object \"clock\", input \"time\": the text \"true\" is refused, expected a value of type time",
+         {"net:8:16: object \"clock\", input \"time\": the text \"true\" is refused, expected a value of type time, "
+          "for example \"0.5[0,1]@0.1\"",
           "net:8:22: object \"clock\": GlobalTime has no input \"tim\"; did you mean \"time\"?"}},
         {a + clock + "connect = { time = 'a.sum' }\n",
          {"net:8:20: object \"clock\", input \"time\": \"a.sum\" does not fit: it gives number where time is "

@@ -21,24 +21,34 @@ namespace {
 
 ValueTypeDescription valueType(const std::string& name, const std::string& label)
 {
-    return {.name = name,
-            .label = label,
-            .colour = {},
-            .defaultText = {},
-            .failure = {},
-            .isInput = true,
-            .components = {}};
+    ValueTypeDescription type;
+    type.name = name;
+    type.label = label;
+    type.isInput = true;
+    return type;
+}
+
+ObjectTypeDescription::Input inputOf(const std::string& type, int level, const std::string& text)
+{
+    ObjectTypeDescription::Input input;
+    input.name = type;
+    input.type = 'V' + type;
+    input.typeLabel = type;
+    input.level = level;
+    input.initialText = text;
+    input.findsPartner = true;
+    return input;
 }
 
 ObjectTypeDescription pendulum()
 {
-    return {.name = "Pendulum",
-            .library = "/lib/swing.so",
-            .failure = {},
-            .inputs = {{"time", "VTime", "time", 5, "0[0,1]@1", true, ""},
-                       {"chart", "VChart", "chart", 0, "a\nb", true, "Selector.Chart"}},
-            .outputs = {{"angle", "double", "number"}},
-            .hiddenInputs = 0};
+    ObjectTypeDescription type;
+    type.name = "Pendulum";
+    type.library = "/lib/swing.so";
+    type.inputs = {inputOf("time", 5, "0[0,1]@1"), inputOf("chart", 0, "a\nb")};
+    type.inputs.back().partner = "Selector.Chart";
+    type.outputs = {{"angle", "double", "number"}};
+    return type;
 }
 
 } // namespace
@@ -72,7 +82,13 @@ TEST(TypeReport, describesAnObjectTypeInTables)
               "  time    time    5      \"0[0,1]@1\"    connected automatically\n"
               "  chart   chart   0      \"a\\nb\"        connected automatically: Selector.Chart\n"
               "  Output  Type\n"
-              "  angle   number\n");
+              "  angle   number\n"
+              "\n"
+              "  In a network:\n"
+              "\n"
+              "    [[object]]\n"
+              "    name = \"pendulum\"\n"
+              "    type = \"Pendulum\"\n");
 }
 
 TEST(TypeReport, showsTheNameOfAValueTypeInCodeIfItDiffersFromTheLabel)
@@ -108,28 +124,34 @@ TEST(TypeReport, describesBothTypesWithTheSameName)
 TEST(TypeReport, writesJsonWithAFixedOrderAndFormat)
 {
     EXPECT_EQ(objectListJson({pendulum()}), R"({
+  "version": 1,
   "objectTypes": [
     {
       "name": "Pendulum",
       "library": "/lib/swing.so",
+      "description": null,
       "inputs": [
         {
           "name": "time",
-          "type": "VTime",
+          "type": "Vtime",
           "typeLabel": "time",
           "level": 5,
           "initialText": "0[0,1]@1",
           "findsPartner": true,
-          "partner": null
+          "partner": null,
+          "choices": [],
+          "description": null
         },
         {
           "name": "chart",
-          "type": "VChart",
+          "type": "Vchart",
           "typeLabel": "chart",
           "level": 0,
           "initialText": "a\nb",
           "findsPartner": true,
-          "partner": "Selector.Chart"
+          "partner": "Selector.Chart",
+          "choices": [],
+          "description": null
         }
       ],
       "hiddenInputs": 0,
@@ -137,7 +159,8 @@ TEST(TypeReport, writesJsonWithAFixedOrderAndFormat)
         {
           "name": "angle",
           "type": "double",
-          "typeLabel": "number"
+          "typeLabel": "number",
+          "description": null
         }
       ],
       "failure": null
