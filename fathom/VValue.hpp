@@ -127,7 +127,8 @@ public:
     /// the caller then share the object.
     virtual bool setValue(const T& value) = 0;
 
-    /// Returns a new array of \p count copies of the held value.
+    /// Returns a new array of \p count copies of the held value. The elements of the array of a
+    /// `bool` are of type `char`, 0 or 1.
     /// \throw std::bad_alloc or a class derived from it; the memory count is unchanged then.
     virtual StrongPtr<ChunkBase> getChunkOfValue(unsigned long long count) const = 0;
 
@@ -250,7 +251,8 @@ public:
     {
         if (count > std::numeric_limits<std::size_t>::max())
             throw std::bad_array_new_length{};
-        return Loam::makeStrong<Loam::Chunk<T>>(static_cast<std::size_t>(count), m_value);
+        using Element = std::conditional_t<std::is_same_v<T, bool>, char, T>;
+        return Loam::makeStrong<Loam::Chunk<Element>>(static_cast<std::size_t>(count), m_value);
     }
 
     /// Returns the held value itself.

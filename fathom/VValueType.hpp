@@ -19,9 +19,10 @@ namespace Orla {
 template<ValueContent T>
 class VValueType {
 public:
-    /// Messages call the type \p label, or its `Loam::Typename` if that is empty; see
-    /// VTypeLabel.
-    explicit VValueType(const std::string& label = {}) : m_label{typeid(T), label}
+    /// Messages call the type \p label, or its `Loam::Typename` if that is empty, and show
+    /// \p example if a text is refused; see VTypeLabel.
+    explicit VValueType(const std::string& label = {}, const std::string& example = {})
+        : m_label{typeid(T), label, example}
     {
         VValue<T>::myTypedValueCreator();
         TypedSlot<T>::SlotCreator::registerCreator();

@@ -4,7 +4,9 @@
 
 #include <loam/Numbers.hpp>
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace Orla {
 
@@ -51,6 +53,28 @@ template<>
 struct VValueTrait<float> : VNumberTrait<float> {};
 template<>
 struct VValueTrait<double> : VNumberTrait<double> {};
+
+/// A truth value, written "true" or "false". Reads also "on", "yes" and "1", and "off", "no" and
+/// "0", in lower case and with blanks around them. Any other text is refused and leaves the value
+/// unchanged.
+template<>
+struct VValueTrait<bool> {
+    static std::string Text(bool value) { return value ? "true" : "false"; }
+
+    static bool setValueFromText(bool& value, const std::string& text)
+    {
+        const char* const end = text.data() + text.size();
+        const char* const begin = Loam::skipBlanks(text.data(), end);
+        std::string_view word(begin, static_cast<std::size_t>(end - begin));
+        while (!word.empty() && Loam::skipBlanks(&word.back(), end) == end)
+            word.remove_suffix(1);
+        const bool isTrue = word == "true" || word == "on" || word == "yes" || word == "1";
+        if (!isTrue && word != "false" && word != "off" && word != "no" && word != "0")
+            return false;
+        value = isTrue;
+        return true;
+    }
+};
 
 /// One character. An empty text means character 0, in both directions. A longer text is
 /// refused.

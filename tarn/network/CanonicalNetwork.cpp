@@ -64,6 +64,7 @@ void CanonicalNetwork::keepValue(std::size_t number, const NetworkInputs::Input&
     for (const std::string& exact : form->exact)
         text.exact.push_back({exact, Somewhere});
     text.isNumber = isNumberType(*input.type);
+    text.isTruth = *input.type == typeid(bool);
     if (*input.type == typeid(std::string))
         m_heldTexts.push_back({number, texts.size() - 1, input.namesResult});
 }

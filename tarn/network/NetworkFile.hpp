@@ -30,6 +30,7 @@ struct NetworkFile {
         std::vector<PlacedText> exact = {};
 
         bool isNumber = false; ///< written without quotes
+        bool isTruth = false;  ///< true or false, written without quotes
     };
 
     struct Object {

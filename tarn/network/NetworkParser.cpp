@@ -187,6 +187,7 @@ std::vector<NetworkFile::InputText> Parser::readTexts(const std::string& owner, 
         if (const auto text = textOf(*value)) {
             setting.value = {*text, placeOf(*value)};
             setting.isNumber = value->is_number();
+            setting.isTruth = value->is_boolean();
             texts.push_back(setting);
         } else if (const toml::table* exact = value->as_table()) {
             if (readExact(owner + ", input " + inQuotes(key.text), *exact, setting))

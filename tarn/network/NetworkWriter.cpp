@@ -24,6 +24,8 @@ std::string arrayOf(const std::vector<PlacedText>& texts)
 std::string spelled(const NetworkFile::InputText& setting)
 {
     if (setting.exact.empty()) {
+        if (setting.isTruth)
+            return setting.value.text;
         const auto number = setting.isNumber ? tomlNumber(setting.value.text) : std::nullopt;
         return number ? *number : tomlString(setting.value.text);
     }

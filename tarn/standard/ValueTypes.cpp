@@ -23,6 +23,7 @@
 
 namespace {
 
+const Orla::VValueType<bool> boolType{"bool"};
 const Orla::VValueType<short> shortType{"16-bit integer"};
 const Orla::VValueType<int> intType{"integer"};
 const Orla::VValueType<long> longType{"long integer"};

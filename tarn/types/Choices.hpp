@@ -5,6 +5,7 @@
 #include <fathom/VStringList.hpp>
 
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 // Values that choose from a list of strings.
@@ -27,6 +28,8 @@ T contentOf(Orla::VValueBase& value)
 /// Returns the strings from which \p value chooses; empty for other types.
 inline std::vector<std::string> choicesOf(Orla::VValueBase& value)
 {
+    if (value.getType() == typeid(bool))
+        return {"true", "false"};
     if (const auto cases = contentOf<Orla::Enum>(value); cases.selection())
         return {cases.selection()->begin(), cases.selection()->end()};
     if (const auto one = contentOf<OneOf>(value))

@@ -266,6 +266,13 @@ TEST(VValue, isExportedAsCopiesInAContiguousArray)
     EXPECT_EQ(Loam::ChunkBase::TotalMemsize, before + 24);
 }
 
+TEST(VValue, exportsTruthValuesAsCharacters)
+{
+    const StrongPtr<Loam::Chunk<char>> chunk(Loam::makeStrong<VValue<bool>>(true)->getChunkOfValue(2));
+    ASSERT_TRUE(chunk);
+    EXPECT_THAT(chunk->base_vector(), testing::ElementsAre(1, 1));
+}
+
 TEST(VValue, sharesTheSingleCreatorOfItsType)
 {
     EXPECT_EQ(VValue<double>::theTypedValueCreator, &VValue<double>::myTypedValueCreator());

@@ -41,6 +41,8 @@ inline std::vector<std::string> valueTexts()
         std::string("a\0b", 3),
         "\x01\x1F\x7F",
         "true",
+        " yes ",
+        "off",
         "{",
         "}",
         "{a}{b}@{c}{d}",

@@ -82,6 +82,21 @@ private:
     VOutput<double> m_sum;
 };
 
+class Negation final : public Orla::VObject {
+public:
+    using VObject::VObject;
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        m_out(request.valuePool()) <<= !m_in.value(request.valuePool());
+        return true;
+    }
+
+private:
+    TypedSlot<bool> m_in{this, "in", false, 0};
+    VOutput<bool> m_out{this, "out", true};
+};
+
 // Adds 1 up to a limit. A loop through it settles at the limit.
 class Counter final : public Orla::VObject {
 public:
@@ -907,6 +922,7 @@ const Orla::VObjectType<Reporter> reporterType{"Reporter"};
 const Orla::VObjectType<Sleeper> sleeperType{"Sleeper"};
 const Orla::VObjectType<Fuse> fuseType{"Fuse"};
 const Orla::VObjectType<Adder> adderType{"Adder"};
+const Orla::VObjectType<Negation> negationType{"Negation"};
 const Orla::VObjectType<Counter> counterType{"Counter"};
 const Orla::VObjectType<Total> totalType{"Total"};
 const Orla::VObjectType<RunCounter> runCounterType{"RunCounter"};

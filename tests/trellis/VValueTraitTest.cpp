@@ -95,6 +95,34 @@ TEST(VValueTrait, writesTheShortestTextThatReadsBack)
     EXPECT_EQ(text(0.1 + 0.2), "0.30000000000000004");
 }
 
+TEST(VValueTrait, readsTruthValuesInFourSpellings)
+{
+    EXPECT_EQ(text(true), "true");
+    EXPECT_EQ(text(false), "false");
+    for (const std::string spelled : {"true", "on", "yes", "1", " true", "true\t", "\n 1 "}) {
+        SCOPED_TRACE(spelled);
+        bool read = false;
+        EXPECT_TRUE(VValueTrait<bool>::setValueFromText(read, spelled));
+        EXPECT_TRUE(read);
+    }
+    for (const std::string spelled : {"false", "off", "no", "0", "  off  "}) {
+        SCOPED_TRACE(spelled);
+        bool read = true;
+        EXPECT_TRUE(VValueTrait<bool>::setValueFromText(read, spelled));
+        EXPECT_FALSE(read);
+    }
+    for (const std::string& refused :
+         {std::string(), std::string(" "), std::string("True"), std::string("ON"), std::string("t"),
+          std::string("true false"), std::string("01"), std::string("+1"), std::string("true\0", 5)}) {
+        SCOPED_TRACE(refused);
+        for (const bool value : {false, true}) {
+            bool kept = value;
+            EXPECT_FALSE(VValueTrait<bool>::setValueFromText(kept, refused));
+            EXPECT_EQ(kept, value);
+        }
+    }
+}
+
 TEST(VValueTrait, readsOneCharacterOrTheEmptyTextAsNul)
 {
     for (const char value : {'a', ' ', '\0', ',', static_cast<char>(0xE4)}) {

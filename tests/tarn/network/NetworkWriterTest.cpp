@@ -34,6 +34,7 @@ name = "say \"ä\"\n"
 type = "Known"
 set.number = 4.5
 set.text = "4.5"
+set.truth = true
 set."in.a=b" = -0.0
 set.shown = { text = "(0.1)", exact = "(0.12345678)" }
 set.steps = { text = "", exact = ["a", "b\t"] }
@@ -64,6 +65,7 @@ say "ä"
 [object.set]
 number = 4.50
 text = '4.5'
+truth = true
 'in.a=b' = -0.0
 shown = { exact = "(0.12345678)", text = "(0.1)" }
 steps = { text = "", exact = ["a", "b\u0009"] }

@@ -63,6 +63,22 @@ TEST_F(ContextTest, readsOutputsInputsAndComponentsAsTextOrTyped)
     EXPECT_THAT(context.row(), ElementsAre("3", "13"));
 }
 
+TEST_F(ContextTest, readsAndSetsTruthValues)
+{
+    const Session session = open(object("a", "Negation", "set.in = true\n"));
+    Context context{session};
+    EXPECT_TRUE(context.evaluate());
+    EXPECT_EQ(*context.get<bool>("a.out"), false);
+    EXPECT_TRUE(context.set("a.in", false));
+    EXPECT_TRUE(context.evaluate());
+    EXPECT_EQ(*context.text("a.out"), "true");
+    EXPECT_TRUE(context.setText("a.in", "yes"));
+    EXPECT_EQ(*context.get<bool>("a.in"), true);
+    EXPECT_EQ(reasonOf(context.setText("a.in", "maybe")),
+              "the text \"maybe\" is refused, expected \"true\" or \"false\"");
+    EXPECT_EQ(context.get<double>("a.in").reason(), "found a value of type bool, expected type number");
+}
+
 TEST_F(ContextTest, stepsFromTheBeginningToTheEndOfTheTime)
 {
     const Session session = open(clockInQuarters + object("reader", "TimeReader") + column("time", "reader.out"));
