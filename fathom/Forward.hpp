@@ -34,6 +34,7 @@ class VMultiPointerDevice;
 class VObjectStatus;
 class VScalarFunctor;
 class VTime;
+class VTimeSource;
 class VUrlSystemHandler;
 template<class T>
 class TypedSlot;

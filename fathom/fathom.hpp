@@ -41,6 +41,7 @@
 #include <fathom/VScalarFunctor.hpp>
 #include <fathom/VStringList.hpp>
 #include <fathom/VTime.hpp>
+#include <fathom/VTimeSource.hpp>
 #include <fathom/VUrlSystemHandler.hpp>
 #include <fathom/VValue.hpp>
 #include <fathom/VValueParameter.hpp>

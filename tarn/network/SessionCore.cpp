@@ -183,7 +183,10 @@ Result<std::uint64_t> SessionCore::stepCount(const TimeProvider& provider, const
         return std::uint64_t{1};
     const Scope scope{*m_objects};
     const Use use{*m_objects};
-    const Orla::VTime time = provider.time(pool);
+    const Result<Orla::VTime> found = provider.time(pool);
+    if (!found)
+        return Failure{"object " + inQuotes(provider.name()) + ": " + found.reason()};
+    const Orla::VTime& time = *found;
     const double count = TimeProvider::stepCount(time);
     const auto failure = [&](const std::string& expected) {
         return Failure{"object " + inQuotes(provider.name()) + ", input " + inQuotes(provider.inputName())

@@ -2,6 +2,8 @@
 
 #include <tarn/text/Messages.hpp>
 
+#include <fathom/VTimeSource.hpp>
+
 #include <trellis/VActionNotifier.hpp>
 
 #include <limits>
@@ -57,8 +59,10 @@ const std::string& TimeProvider::name() const noexcept
     return object ? object->Name() : m_name;
 }
 
-Orla::VTime TimeProvider::time(const StrongPtr<Orla::ValuePool>& pool) const
+Loam::Result<Orla::VTime> TimeProvider::time(const StrongPtr<Orla::ValuePool>& pool) const
 {
+    if (const auto* source = dynamic_cast<const Orla::VTimeSource*>(m_input->container()))
+        return source->steppedTime(pool);
     Orla::VTime time;
     const StrongPtr<Orla::VValueBase> value = m_input->getLocalValue(pool);
     if (const auto* typed = Orla::VTypedValueBase<Orla::VTime>::cast(value.get()))

@@ -4,6 +4,8 @@
 
 #include <trellis/VObject.hpp>
 
+#include <loam/Result.hpp>
+
 #include <cstdint>
 #include <string>
 
@@ -27,8 +29,9 @@ public:
     /// Returns false once the object is destroyed.
     bool exists() const noexcept { return m_input && m_input->container(); }
 
-    /// Returns the time in \p pool, with its interval and step.
-    Orla::VTime time(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
+    /// Returns the time in \p pool, with its interval and step, or the reason why an
+    /// `Orla::VTimeSource` has none.
+    Loam::Result<Orla::VTime> time(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
     /// Writes the time of step \p step into \p pool and announces it. Everything but the time
     /// itself is copied from \p like.

@@ -131,7 +131,10 @@ public:
     {
         const Access access{core->objects()};
         if (!time) {
-            time = provider.time(pool);
+            const Result<Orla::VTime> found = provider.time(pool);
+            if (!found)
+                return; // the object fails when it runs
+            time = *found;
             const Result<std::uint64_t> steps = core->stepCount(provider, pool);
             tagsSteps = !tag.empty() && steps && *steps > 1;
         }

@@ -1,6 +1,7 @@
 #include <tarn/network/TimeProvider.hpp>
 
 #include <fathom/Double.hpp>
+#include <fathom/VTimeSource.hpp>
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VScheduler.hpp>
@@ -19,7 +20,7 @@ using Orla::VTime;
 
 namespace {
 
-class Clock final : public Orla::VObject {
+class Clock : public Orla::VObject {
 public:
     Clock(const std::string& name, const StrongPtr<Orla::VCreationPreferences>& preferences)
         : VObject{name, 0, preferences}, m_number{this, "number", 0.0, 0}, m_time{this, "time", VTime{0, 0, 1}, 0}
@@ -32,6 +33,20 @@ public:
 private:
     Orla::TypedSlot<double> m_number;
     Orla::TypedSlot<VTime> m_time;
+};
+
+class ComputingClock final : public Clock, public Orla::VTimeSource {
+public:
+    using Clock::Clock;
+
+    Loam::Result<VTime> steppedTime(const StrongPtr<Orla::ValuePool>&) const override
+    {
+        if (!reason.empty())
+            return Loam::Failure{reason};
+        return VTime{0, 0, 7};
+    }
+
+    std::string reason;
 };
 
 StrongPtr<Orla::VCreationPreferences> makePreferences(const std::string& purpose, const std::string& wish,
@@ -126,8 +141,19 @@ TEST_F(TimeProviderTest, stepsTheTimeAndKeepsTheOtherFields)
     provider.setStep(pool, time, 3);
     VTime expected = time;
     expected.time = 0.75;
-    EXPECT_EQ(provider.time(pool), expected);
+    EXPECT_EQ(*provider.time(pool), expected);
     EXPECT_TRUE(Orla::VScheduler::isDue(clock, pool));
+}
+
+TEST_F(TimeProviderTest, hasTheIntervalThatATimeSourceComputesOrItsReason)
+{
+    const auto clock = Loam::makeStrong<ComputingClock>("clock", makePreferences("default", "GlobalTime"));
+    Orla::VObject::finishCreation(clock);
+    const TimeProvider provider = TimeProvider::find();
+    EXPECT_EQ(*provider.time(pool), (VTime{0, 0, 7}));
+    clock->reason = "it is broken";
+    EXPECT_EQ(provider.time(pool).reason(), "it is broken");
+    Orla::VManagedObject::remove(clock);
 }
 
 TEST_F(TimeProviderTest, detectsThatItsObjectIsDestroyed)

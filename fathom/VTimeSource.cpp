@@ -1,0 +1,7 @@
+#include <fathom/VTimeSource.hpp>
+
+namespace Orla {
+
+VTimeSource::~VTimeSource() = default;
+
+} // namespace Orla
