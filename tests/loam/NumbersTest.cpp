@@ -597,6 +597,21 @@ TEST_P(Numbers, readsRandomNumbersInEveryFormatLikeC)
     }
 }
 
+// Numbers with few digits are not read by std::from_chars.
+TEST_P(Numbers, readsDecimalNumbersOfAnyNumberOfDigitsLikeC)
+{
+    Random random(6);
+    const char* const ends[] = {"", ",", ".", "e", "e3", "E-2", "-1", " 5", "x", "0123456789012345678"};
+    for (int i = 0; i != 100'000; ++i) {
+        std::string text = i % 3 == 0 ? "-" : "";
+        for (std::size_t digits = upTo(random, 20); digits != 0; --digits)
+            text += static_cast<char>('0' + upTo(random, i % 7 == 0 ? 1 : 9));
+        if (i % 4 != 0)
+            text.insert(upTo(random, text.size()), ".");
+        expectSameAsInC(text + oneOf(random, ends));
+    }
+}
+
 TEST_P(Numbers, roundsMidpointsBetweenNeighboursLikeC)
 {
     Random random(4);
