@@ -41,26 +41,55 @@ inline typename Vectors<Lanes>::Numbers worstDistance(const FrustumPlane* planes
     return worst;
 }
 
+// Requests the corners of the boxes that are classified some iterations later. The processor does
+// not look far enough ahead by itself, because the queries for a box are many instructions.
+inline void prefetchCorners(const FrustumPlane& plane, std::size_t box)
+{
+    constexpr std::size_t Ahead = 64;
+    for (int axis = 0; axis < 3; ++axis) {
+        // Between them, they have both corners of each axis. The addresses may be past the end.
+        __builtin_prefetch(plane.along[axis] + box + Ahead);
+        __builtin_prefetch(plane.against[axis] + box + Ahead);
+    }
+}
+
 template<int Lanes>
 inline std::size_t classifyLanes(const FrustumPlane* planes, std::size_t count, std::int8_t* results)
 {
     using Numbers = typename Vectors<Lanes>::Numbers;
     using Results = typename Vectors<Lanes>::Results;
+    constexpr std::size_t Width = Lanes;
+    constexpr std::size_t Chunk = 256; // whose corners stay in the fastest cache
+    constexpr std::size_t BoxesPerLine = 8;
+    const std::size_t end = count - count % Width;
     std::size_t done = 0;
-    for (; done + Lanes <= count; done += Lanes) {
-        // A comparison yields -1 for true and 0 for false.
-        const auto inside = ~(worstDistance<Lanes>(planes, &FrustumPlane::along, done) < Numbers{});
-        Results found = __builtin_convertvector(inside, Results);
-        std::uint64_t anyInside = 0;
-        __builtin_memcpy(&anyInside, &found, sizeof found);
-        // Most boxes of a large scene are out of sight and need no second test.
-        if (anyInside != 0) {
-            const auto straddling = worstDistance<Lanes>(planes, &FrustumPlane::against, done) < Numbers{};
-            found = __builtin_convertvector(inside & (2 * straddling + 1), Results);
+    while (done < end) {
+        const std::size_t chunkEnd = end - done < Chunk ? end : done + Chunk;
+        // Most boxes of a large scene are out of sight and need no second test. Those that do are
+        // tested together, because a branch after the first test cannot be predicted.
+        std::size_t inSight[Chunk / Width];
+        std::size_t inSightCount = 0;
+        for (; done < chunkEnd; done += Width) {
+            if (done % BoxesPerLine == 0)
+                prefetchCorners(planes[0], done);
+            // A comparison yields -1 for true and 0 for false.
+            const auto inside = ~(worstDistance<Lanes>(planes, &FrustumPlane::along, done) < Numbers{});
+            const Results found = __builtin_convertvector(inside, Results);
+            __builtin_memcpy(results + done, &found, sizeof found);
+            std::uint64_t anyInside = 0;
+            __builtin_memcpy(&anyInside, &found, sizeof found);
+            inSight[inSightCount] = done;
+            inSightCount += anyInside != 0;
         }
-        __builtin_memcpy(results + done, &found, sizeof found);
+        for (std::size_t i = 0; i < inSightCount; ++i) {
+            const auto straddling = worstDistance<Lanes>(planes, &FrustumPlane::against, inSight[i]) < Numbers{};
+            Results found;
+            __builtin_memcpy(&found, results + inSight[i], sizeof found);
+            found &= __builtin_convertvector(2 * straddling + 1, Results);
+            __builtin_memcpy(results + inSight[i], &found, sizeof found);
+        }
     }
-    return done;
+    return end;
 }
 
 } // namespace
