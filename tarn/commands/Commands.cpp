@@ -20,9 +20,9 @@ namespace Tarn {
 
 const std::vector<const Command*>& commands()
 {
-    static const std::vector<const Command*> all{&runCommand(),     &checkCommand(),    &convertCommand(),
-                                                 &diffCommand(),    &graphCommand(),    &typesCommand(),
-                                                 &objectsCommand(), &describeCommand(), &librariesCommand()};
+    static const std::vector<const Command*> all{
+        &runCommand(),   &checkCommand(),   &convertCommand(),  &diffCommand(),      &graphCommand(),
+        &typesCommand(), &objectsCommand(), &describeCommand(), &librariesCommand(), &newCommand()};
     return all;
 }
 
