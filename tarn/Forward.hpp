@@ -12,13 +12,16 @@ class Session;
 class StatusReport;
 class Study;
 class Sweep;
+class TypeCatalogue;
 enum class Severity;
 struct CaseResult;
 struct EvaluationSummary;
 struct Fault;
 struct LoadOptions;
+struct ObjectTypeDescription;
 struct Place;
 struct ScriptedEvent;
 struct StudyOptions;
+struct ValueTypeDescription;
 
 } // namespace Tarn

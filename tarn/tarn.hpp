@@ -11,3 +11,4 @@
 #include <tarn/study/Study.hpp>
 #include <tarn/study/Sweep.hpp>
 #include <tarn/text/Faults.hpp>
+#include <tarn/types/TypeCatalogue.hpp>

@@ -78,10 +78,15 @@ bool OutputReference::hasResult(const StrongPtr<Orla::ValuePool>& pool) const
     return state != State::Failed && state != State::Waiting;
 }
 
+Result<void> OutputReference::checkResult(const StrongPtr<Orla::ValuePool>& pool) const
+{
+    return hasResult(pool) ? Result<void>{} : Failure{reasonOfFailure(*objectOf(*output), pool)};
+}
+
 Result<StrongPtr<Orla::VValueBase>> OutputReference::value(const StrongPtr<Orla::ValuePool>& pool) const
 {
-    if (!hasResult(pool))
-        return Failure{reasonOfFailure(*objectOf(*output), pool)};
+    if (const Result<void> computed = checkResult(pool); !computed)
+        return Failure{computed.reason()};
     return Loam::attempt([&] {
         const StrongPtr<Orla::VValueBase> value = output->getLocalValue(pool);
         const StrongPtr<Orla::VValueBase> part = value && !member.empty() ? value->component(member) : value;
@@ -93,8 +98,8 @@ Result<StrongPtr<Orla::VValueBase>> OutputReference::value(const StrongPtr<Orla:
 
 Result<std::string> OutputReference::text(const StrongPtr<Orla::ValuePool>& pool) const
 {
-    if (!hasResult(pool))
-        return Failure{reasonOfFailure(*objectOf(*output), pool)};
+    if (const Result<void> computed = checkResult(pool); !computed)
+        return Failure{computed.reason()};
     return Loam::attempt([&] {
         StrongPtr<Orla::VValueBase> value = output->getLocalValue(pool);
         if (value && !member.empty())

@@ -26,6 +26,9 @@ struct OutputReference {
     /// for a failed one, or the output stays valid all the same.
     bool hasResult(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 
+    /// Fails with the reason if `hasResult` returns false.
+    Loam::Result<void> checkResult(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
+
     /// Returns a copy of the value in \p pool. Fails if it is not a result or does not exist.
     Loam::Result<Orla::StrongPtr<Orla::VValueBase>> value(const Orla::StrongPtr<Orla::ValuePool>& pool) const;
 

@@ -33,6 +33,19 @@ struct Access {
     VNetwork::Use use;
 };
 
+// Fails if the input reads an output that is not a result in the pool.
+Result<void> checkSource(const Orla::VSlot& input, const StrongPtr<Orla::ValuePool>& pool)
+{
+    const StrongPtr<Orla::VSlotContainer> owner = input.isConnected() ? input.parameter()->owner() : nullptr;
+    if (!owner)
+        return {};
+    for (const StrongPtr<Orla::VSlot>& output : owner->outputs()) {
+        if (output->parameter() == input.parameter())
+            return OutputReference{output, {}}.checkResult(pool);
+    }
+    return {};
+}
+
 } // namespace
 
 class Context::Implementation {
@@ -267,9 +280,21 @@ Result<StrongPtr<Orla::VValueBase>> Context::value(std::string_view slot) const
         return Failure{found.reason()};
     if (found->output->hasFlag(Orla::VSlot::Output))
         return found->value(pool());
+    if (const Result<void> computed = checkSource(*found->output, pool()); !computed)
+        return Failure{computed.reason()};
     if (const StrongPtr<Orla::VValueBase> input = found->output->getLocalValue(pool()))
         return input->copy();
     return Failure{"the input has no value"};
+}
+
+Result<StrongPtr<Orla::VValueBase>> Context::output(std::string_view slot) const
+{
+    Detail::SessionCore& core = *m_implementation->core;
+    const Access access{core.objects()};
+    const Result<OutputReference> found = core.findOutput(slot);
+    if (!found)
+        return Failure{found.reason()};
+    return found->value(pool());
 }
 
 Result<std::string> Context::text(std::string_view slot) const
@@ -289,6 +314,17 @@ std::vector<std::optional<std::string>> Context::row()
             cells.push_back(m_implementation->textOf(column));
         return true;
     });
+    return cells;
+}
+
+std::vector<StrongPtr<Orla::VValueBase>> Context::values() const
+{
+    std::vector<StrongPtr<Orla::VValueBase>> cells;
+    const Access access{m_implementation->core->objects()};
+    for (const Network::Column& column : m_implementation->core->network().columns) {
+        Result<StrongPtr<Orla::VValueBase>> value = column.output.value(pool());
+        cells.push_back(value ? *std::move(value) : nullptr);
+    }
     return cells;
 }
 
@@ -345,6 +381,16 @@ void Context::setStep(std::uint64_t step)
 {
     if (m_implementation->provider)
         m_implementation->setTime(step);
+}
+
+std::optional<Orla::VTime> Context::time() const
+{
+    if (const TimeProvider& provider = m_implementation->provider; provider && provider.exists()) {
+        const Access access{m_implementation->core->objects()};
+        if (const Result<Orla::VTime> time = provider.time(pool()))
+            return *time;
+    }
+    return std::nullopt;
 }
 
 bool Context::evaluate(const Orla::VCancellation& cancellation)

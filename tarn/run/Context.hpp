@@ -5,6 +5,7 @@
 #include <tarn/run/StatusReport.hpp>
 #include <tarn/text/Faults.hpp>
 
+#include <fathom/VTime.hpp>
 #include <fathom/VValue.hpp>
 
 #include <trellis/VRequest.hpp>
@@ -88,12 +89,15 @@ public:
     }
 
     /// Returns the text of an output, of a component, or of an input. Fails if the object that
-    /// computes an output failed or waits for one that did.
+    /// computes an output, or the output that an input reads, failed or waits for one that did.
     Loam::Result<std::string> text(std::string_view slot) const;
 
-    /// Returns a copy of the value of an output, of a component, or of an input. Fails as `text`
-    /// does.
+    /// Returns a copy of the value of an output, of a component, or of an input. Of an input and an
+    /// output of one name, returns the input. Fails as `text` does.
     Loam::Result<Orla::StrongPtr<Orla::VValueBase>> value(std::string_view slot) const;
+
+    /// As `value`, but finds only outputs and their components.
+    Loam::Result<Orla::StrongPtr<Orla::VValueBase>> output(std::string_view slot) const;
 
     /// Returns the content of a value, if it is of type \p T.
     template<class T>
@@ -112,6 +116,9 @@ public:
     /// Returns the text of each column; nothing for a cell whose object failed or waits. A value
     /// without a text is reported through `Orla::VActionNotifier` and counts as a failure.
     std::vector<std::optional<std::string>> row();
+
+    /// Returns a copy of the value of each column; null for a cell whose object failed or waits.
+    std::vector<Orla::StrongPtr<Orla::VValueBase>> values() const;
 
     /// Makes the objects follow the chart \p name. Fails if no object depends on a chart. Whether
     /// an object offers the chart is known after an evaluation; see `charts`.
@@ -133,6 +140,10 @@ public:
 
     /// Sets the time to that of step \p step. Does nothing in a network without time.
     void setStep(std::uint64_t step);
+
+    /// Returns the time of the objects, with its interval and step; nothing in a network without
+    /// time, or if the inputs of its clock contradict each other.
+    std::optional<Orla::VTime> time() const;
 
     /// Evaluates the objects that are due: all of them the first time, later those that changes
     /// reach. Returns false if the evaluation was cancelled; it then continues with the next call.

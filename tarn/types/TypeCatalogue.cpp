@@ -1,6 +1,7 @@
 #include <tarn/types/TypeCatalogue.hpp>
 
 #include <tarn/libraries/AnnouncedObjects.hpp>
+#include <tarn/libraries/Libraries.hpp>
 #include <tarn/text/Activity.hpp>
 #include <tarn/types/Choices.hpp>
 #include <tarn/types/DescriptionCheck.hpp>
@@ -144,19 +145,19 @@ ObjectTypeDescription describe(const std::string& name, const Orla::VObjectCreat
 } // namespace
 
 TypeCatalogue::TypeCatalogue(const std::vector<std::string>& libraries)
-    : m_libraries{Libraries::searchPath(Loam::getCurrentDir())}
+    : m_libraries{std::make_unique<Libraries>(Libraries::searchPath(Loam::getCurrentDir()))}
 {
     std::vector<std::string> names{StandardLibrary};
     names.insert(names.end(), libraries.begin(), libraries.end());
     for (const std::string& name : names) {
-        if (const Loam::Result<void> loaded = m_libraries.load(name); !loaded)
+        if (const Loam::Result<void> loaded = m_libraries->load(name); !loaded)
             m_refusals.push_back(loaded.reason());
     }
 }
 
 TypeCatalogue::~TypeCatalogue()
 {
-    if (const Loam::Result<void> unloaded = m_libraries.unload(); !unloaded)
+    if (const Loam::Result<void> unloaded = m_libraries->unload(); !unloaded)
         Orla::VActionNotifier::Warning("The " + unloaded.reason());
 }
 

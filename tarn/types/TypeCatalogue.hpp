@@ -1,20 +1,23 @@
 #pragma once
 
-#include <tarn/libraries/Libraries.hpp>
+#include <tarn/Export.hpp>
 
 #include <trellis/VSlotDescription.hpp>
 #include <trellis/VTypeDescription.hpp>
 
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace Tarn {
 
+class Libraries;
+
 /// A registered value type as shown to users.
-struct ValueTypeDescription {
+struct TARN_API ValueTypeDescription {
     std::string name;                    ///< the registered name
     std::string label;                   ///< the name for people
     std::string example;                 ///< a text that the type accepts; may be empty
@@ -26,8 +29,8 @@ struct ValueTypeDescription {
 };
 
 /// A registered object type, as read from an instance.
-struct ObjectTypeDescription {
-    struct Input {
+struct TARN_API ObjectTypeDescription {
+    struct TARN_API Input {
         std::string name;
         std::string type;      ///< the name for programs
         std::string typeLabel; ///< the name for people
@@ -40,7 +43,7 @@ struct ObjectTypeDescription {
         const Orla::VSlotDescription* description = nullptr; ///< null if not described
     };
 
-    struct Output {
+    struct TARN_API Output {
         std::string name;
         std::string type;
         std::string typeLabel;
@@ -59,7 +62,7 @@ struct ObjectTypeDescription {
 /// The types registered while some libraries are loaded. Objects created for inspection are
 /// destroyed before each call returns. The destructor unloads the libraries; if something
 /// from them is still in use, they stay in memory and a warning is issued.
-class TypeCatalogue {
+class TARN_API TypeCatalogue {
 public:
     static constexpr int AllLevels = std::numeric_limits<int>::max();
 
@@ -89,7 +92,7 @@ public:
     std::vector<ObjectTypeDescription> objectTypes(const std::string& name, int highestLevel = AllLevels) const;
 
 private:
-    Libraries m_libraries;
+    std::unique_ptr<Libraries> m_libraries;
     std::vector<std::string> m_refusals;
 };
 

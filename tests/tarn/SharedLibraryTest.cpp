@@ -127,6 +127,15 @@ TEST(SharedLibraryDeathTest, leavesAThrowingInitializationToTheProgram)
         testing::ExitedWithCode(7), "^$");
 }
 
+TEST(SharedLibrary, describesTheTypesOfTheStandardLibrary)
+{
+    const TypeCatalogue catalogue{{}};
+    EXPECT_THAT(catalogue.refusals(), testing::IsEmpty());
+    ASSERT_EQ(catalogue.objectTypes("GlobalTime").size(), 1u);
+    EXPECT_EQ(catalogue.objectTypes("GlobalTime").front().inputs.front().typeLabel, "time");
+    EXPECT_EQ(catalogue.valueTypes("range").front().name, "Range");
+}
+
 TEST(SharedLibrary, readsEventsAndStatuses)
 {
     Faults faults{"events.toml"};

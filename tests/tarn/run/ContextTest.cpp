@@ -92,6 +92,45 @@ TEST_F(ContextTest, stepsFromTheBeginningToTheEndOfTheTime)
     EXPECT_TRUE(context.summary().isFine());
 }
 
+TEST_F(ContextTest, returnsTheTimeOfEachStep)
+{
+    const Session session = open(clockInQuarters);
+    Context context{session};
+    std::vector<double> times;
+    while (context.evaluateStep())
+        times.push_back(context.time()->time);
+    EXPECT_THAT(times, ElementsAre(0, 0.25, 0.5, 0.75, 1));
+    EXPECT_EQ(context.time()->dt, 0.25);
+
+    const Session timeless = open(sum);
+    EXPECT_FALSE(Context{timeless}.time());
+}
+
+TEST_F(ContextTest, returnsTheValuesOfTheColumns)
+{
+    const Session session = open(sum);
+    Context context{session};
+    EXPECT_TRUE(context.evaluate());
+    const std::vector<Orla::StrongPtr<Orla::VValueBase>> values = context.values();
+    ASSERT_EQ(values.size(), 2u);
+    EXPECT_EQ(values[0]->Text(), "3");
+    EXPECT_EQ(values[1]->getType(), typeid(double));
+    EXPECT_EQ(values[1]->Text(), "13");
+}
+
+TEST_F(ContextTest, findsOnlyOutputsIfAskedForOutputs)
+{
+    const Session session = open(sum + object("teller", "FailingTeller", "set = { status = 'input' }\n"));
+    Context context{session};
+    EXPECT_TRUE(context.evaluate());
+    EXPECT_EQ((*context.output("b.sum"))->Text(), "13");
+    EXPECT_EQ(context.output("b.a").reason(), "Adder \"b\" has no output \"a\"; that is an input");
+    const auto input = *context.value("teller.status");
+    const auto output = *context.output("teller.status");
+    EXPECT_EQ(input->getType(), typeid(std::string)) << "an input and an output have the same name";
+    EXPECT_NE(output->getType(), typeid(std::string));
+}
+
 TEST_F(ContextTest, isNotFineIfItsTimeCannotBeStepped)
 {
     const Session session = open(clockInQuarters);
@@ -185,6 +224,8 @@ TEST_F(ContextTest, reportsWhyAnOutputHasNoResult)
     EXPECT_THAT(context.row(), ElementsAre(std::nullopt, std::nullopt));
     EXPECT_EQ(context.text("fails.out").reason(), "Failing \"fails\" failed: out of paint");
     EXPECT_EQ(context.get<double>("waits.sum").reason(), "Adder \"waits\" waits for Failing \"fails\", which failed");
+    EXPECT_EQ(context.text("waits.a").reason(), "Failing \"fails\" failed: out of paint") << "not the stale value";
+    EXPECT_THAT(context.values(), ElementsAre(nullptr, nullptr));
     EXPECT_EQ(context.summary().failures, 1u);
     EXPECT_EQ(context.summary().firstTrouble, 1u);
     EXPECT_THAT(context.statuses().lines(), ElementsAre("  fails: error: out of paint (1 object waits for it)"));
