@@ -1,0 +1,79 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include <fathom/VValue.hpp>
+
+#include <memory>
+#include <optional>
+#include <typeinfo>
+
+namespace Tarn::Python {
+
+namespace py = pybind11;
+
+using Orla::StrongPtr;
+using Orla::VValueBase;
+
+/// How values of one C++ type pass to Python and back. A value type of a client library has an
+/// entry, too, once it opts in.
+struct Conversion {
+    /// Returns the content of a value. The value has the type of the entry.
+    py::object (*toPython)(VValueBase& value);
+
+    /// Returns a value with the content of a Python object; null if the object has another type.
+    /// \throw py::value_error if the type fits, but not the content.
+    StrongPtr<VValueBase> (*fromPython)(py::handle object);
+};
+
+/// Adds the conversion of the values of \p type.
+void addConversion(const std::type_info& type, const Conversion& conversion);
+
+/// Keeps what a value depends on: the network whose libraries have its code.
+using Keeper = std::shared_ptr<const void>;
+
+/// Returns the content of \p value. A value of a type without a conversion becomes an `Opaque`,
+/// which owns \p keeper.
+py::object toPython(const StrongPtr<VValueBase>& value, const Keeper& keeper);
+
+/// Returns a value of \p type with the content of \p object.
+/// \throw py::type_error naming both types, or py::value_error with the reason.
+StrongPtr<VValueBase> fromPython(const std::type_info& type, py::handle object);
+
+/// A value of a type that is not known to Python: it has a type and a text, and can be passed on.
+class Opaque {
+public:
+    Opaque(StrongPtr<VValueBase> value, Keeper keeper) : m_keeper{std::move(keeper)}, m_value{std::move(value)} {}
+
+    const StrongPtr<VValueBase>& value() const noexcept { return m_value; }
+
+private:
+    Keeper m_keeper; // destroyed last: its libraries have the code of the value
+    StrongPtr<VValueBase> m_value;
+};
+
+/// Returns the content of a value of type \p T.
+template<class T>
+T contentOf(VValueBase& value)
+{
+    T content{};
+    if (const auto* const typed = Orla::VTypedValueBase<T>::cast(&value))
+        typed->getValue(content);
+    return content;
+}
+
+/// Adds the conversion of a type by two functions: one makes a Python object, the other reads one
+/// and returns nothing for an object of another type.
+template<class T, py::object (*ToPython)(const T&), std::optional<T> (*FromPython)(py::handle)>
+void addConversion()
+{
+    addConversion(typeid(T), {[](VValueBase& value) { return ToPython(contentOf<T>(value)); },
+                              [](py::handle object) -> StrongPtr<VValueBase> {
+                                  const std::optional<T> content = FromPython(object);
+                                  if (!content)
+                                      return nullptr;
+                                  return Loam::makeStrong<Orla::VValue<T>>(*content);
+                              }});
+}
+
+} // namespace Tarn::Python

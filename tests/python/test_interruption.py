@@ -1,0 +1,93 @@
+"""Ctrl-C, progress, and functions that raise."""
+
+from __future__ import annotations
+
+import os
+import signal
+import threading
+import time
+
+import pytest
+
+import fathom as fa
+
+
+@pytest.fixture
+def slow() -> fa.Network:
+    """Its object works until it is cancelled."""
+    net = fa.Network()
+    net.load_library("testobjects")
+    net.add("Slow", "slow")
+    net.add("Adder", "sum", a=1)
+    return net
+
+
+def interrupt(delay: float) -> threading.Timer:
+    timer = threading.Timer(delay, os.kill, (os.getpid(), signal.SIGINT))
+    timer.start()
+    return timer
+
+
+def test_an_interruption_raises_within_a_second_and_leaves_the_network_usable(slow: fa.Network) -> None:
+    for _ in range(2):
+        timer = interrupt(0.1)
+        with pytest.raises(KeyboardInterrupt):
+            slow.evaluate()
+        raised = time.monotonic()
+        timer.join()
+        assert raised - timer.interval < time.monotonic() + 1
+    slow.remove("slow")
+    assert slow["sum"].sum == 1
+
+
+def test_an_interruption_ends_a_run_and_the_next_one_begins_again(slow: fa.Network) -> None:
+    timer = interrupt(0.1)
+    with pytest.raises(KeyboardInterrupt):
+        list(slow.run())
+    timer.join()
+    slow.remove("slow")
+    assert len(list(slow.run())) == 1
+
+
+def test_an_interruption_ends_a_sweep(slow: fa.Network) -> None:
+    timer = interrupt(0.3)
+    with pytest.raises(KeyboardInterrupt):
+        slow.sweep({"sum.a": [1, 2, 3]}, jobs=2)
+    timer.join()
+
+
+def test_a_signal_handler_that_returns_does_not_end_an_evaluation(slow: fa.Network) -> None:
+    received = []
+    former = signal.signal(signal.SIGUSR1, lambda *_: received.append("usr1"))
+    try:
+        context = slow.context()
+        threading.Timer(0.1, os.kill, (os.getpid(), signal.SIGUSR1)).start()
+        stop = threading.Thread(target=lambda: (wait_for(received), context.cancel()))
+        stop.start()
+        with pytest.raises(fa.ObjectError, match="cancelled"):
+            context.evaluate()
+        stop.join()
+        assert received == ["usr1"]
+    finally:
+        signal.signal(signal.SIGUSR1, former)
+
+
+def wait_for(received: list[str]) -> None:
+    while not received:
+        time.sleep(0.001)
+
+
+def test_progress_is_reported_and_may_raise(sums: fa.Network) -> None:
+    fractions: list[float] = []
+    sums.evaluate(progress=fractions.append)
+    assert all(0 <= fraction <= 1 for fraction in fractions)
+
+    def fail(fraction: float) -> None:
+        raise ZeroDivisionError
+
+    sums["a"].b = 7
+    try:
+        sums.evaluate(progress=fail)
+    except ZeroDivisionError:
+        pass
+    assert sums["b"].sum == 17
