@@ -54,6 +54,23 @@ void addWithNeeds(const link_map* first, const link_map* file, Parts& parts)
     }
 }
 
+// Returns true if a file outside of `parts` needs `part`.
+bool isNeededElsewhere(const link_map* first, const link_map& part, const Parts& parts)
+{
+    for (const link_map* file = first; file; file = file->l_next) {
+        if (std::ranges::find(parts, file) != parts.end())
+            continue;
+        for (const ElfW(Dyn)* entry = file->l_ld; entry && entry->d_tag != DT_NULL; ++entry) {
+            if (entry->d_tag == DT_NEEDED && hasName(part, dynamicText(*file, entry->d_un.d_val)))
+                return true;
+        }
+    }
+    return false;
+}
+
+// Returns the file and those that it needs, without those that stay when it is unloaded: what the
+// program needs, or other loaded files. The program may be an interpreter, which needs none of
+// them.
 Parts partsOf(void* handle)
 {
     link_map* file = nullptr;
@@ -66,6 +83,11 @@ Parts partsOf(void* handle)
     addWithNeeds(program, program, permanent);
     Parts parts;
     addWithNeeds(program, file, parts);
+    for (const link_map* part : parts) {
+        const bool isKnown = part == file || std::ranges::find(permanent, part) != permanent.end();
+        if (!isKnown && isNeededElsewhere(program, *part, parts))
+            addWithNeeds(program, part, permanent);
+    }
     std::erase_if(parts, [&](const link_map* part) { return std::ranges::find(permanent, part) != permanent.end(); });
     return parts;
 }

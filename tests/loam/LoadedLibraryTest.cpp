@@ -48,4 +48,21 @@ TEST(LoadedLibrary, containsNothingThatTheProgramNeedsItself)
     library.close();
 }
 
+TEST(LoadedLibrary, containsNothingThatAnotherLoadedLibraryNeeds)
+{
+    void* const left = load(LEFT_LIBRARY);
+    const void* const common = ::dlsym(left, "commonValue");
+    const void* const own = ::dlsym(left, "useCommon");
+    ASSERT_TRUE(common && own);
+    EXPECT_TRUE(Loam::LoadedLibrary{left}.contains(common)) << "unloaded together";
+
+    void* const right = load(RIGHT_LIBRARY);
+    Loam::LoadedLibrary library{left};
+    EXPECT_FALSE(library.contains(common)) << "stays for the other library";
+    EXPECT_TRUE(library.contains(own));
+    library.close();
+    EXPECT_TRUE(Loam::LoadedLibrary{right}.contains(common));
+    Loam::LoadedLibrary{right}.close();
+}
+
 } // namespace LoadedLibraryTest

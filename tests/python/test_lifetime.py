@@ -83,6 +83,21 @@ def test_the_library_is_unloaded_with_the_last_user() -> None:
     assert (done.returncode, done.stderr) == (0, "")
 
 
+def test_the_library_of_a_network_is_unloaded_while_others_live() -> None:
+    script = (
+        "import fathom as fa, gc\n"
+        "other = fa.Network()\n"
+        "other.add('GlobalTime', 'clock', time=(0, 0, 1, 0.5))\n"
+        f"net = fa.read({TEXT!r})\n"
+        "net.evaluate()\n"
+        "del net\n"
+        "gc.collect()\n"
+        "assert 'testobjects.so' not in open('/proc/self/maps').read()\n"
+    )
+    done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True)
+    assert (done.returncode, done.stderr) == (0, "")
+
+
 def test_a_process_ends_quietly_with_networks_in_use() -> None:
     script = f"import fathom as fa\nnet = fa.read({TEXT!r})\ncase = net.context()\nrun = case.run()\nnext(run)\nnet['a'].sum\n"
     done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True)
