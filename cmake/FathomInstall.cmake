@@ -49,6 +49,9 @@ endif()
 if(FATHOM_BUILD_MPI)
     list(APPEND licensed_packages fathom_mpi=tarn-mpi)
 endif()
+if(FATHOM_BUILD_PYTHON)
+    list(APPEND licensed_packages fathom_python=python3-fathom)
+endif()
 foreach(package IN LISTS licensed_packages)
     string(REGEX MATCH "^(.*)=(.*)$" package "${package}")
     install(FILES "${PROJECT_SOURCE_DIR}/LICENSE"
@@ -66,7 +69,8 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/"
     FILES_MATCHING
     PATTERN "*.md"
     PATTERN "*.svg"
-    PATTERN "networks.md" EXCLUDE)
+    PATTERN "networks.md" EXCLUDE
+    PATTERN "python.md" EXCLUDE)
 if(FATHOM_BUILD_HOST)
     install(FILES "${PROJECT_SOURCE_DIR}/docs/networks.md"
         DESTINATION "${CMAKE_INSTALL_DOCDIR}"
@@ -74,6 +78,12 @@ if(FATHOM_BUILD_HOST)
     install(FILES "${PROJECT_SOURCE_DIR}/tarn/schema/descriptions.schema.json"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/fathom"
         COMPONENT fathom_host)
+endif()
+
+if(FATHOM_BUILD_PYTHON)
+    install(FILES "${PROJECT_SOURCE_DIR}/docs/python.md"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+        COMPONENT fathom_python)
 endif()
 
 # With their sources: users start from a copy. Files that running or building them creates are

@@ -1,4 +1,4 @@
-# Packages: run cpack in the build folder. DEB makes six packages, TGZ one archive of
+# Packages: run cpack in the build folder. DEB makes seven packages, TGZ one archive of
 # everything, which can be unpacked anywhere.
 
 set(FATHOM_PACKAGE_CONTACT "fathom developers <fathom@example.org>" CACHE STRING
@@ -28,12 +28,16 @@ endif()
 if(FATHOM_BUILD_MPI)
     list(APPEND CPACK_COMPONENTS_ALL fathom_mpi)
 endif()
+if(FATHOM_BUILD_PYTHON)
+    list(APPEND CPACK_COMPONENTS_ALL fathom_python)
+endif()
 set(CPACK_COMPONENT_FATHOM_DEVELOPMENT_DEPENDS fathom_runtime)
 set(CPACK_COMPONENT_LIBTARN_RUNTIME_DEPENDS fathom_runtime)
 set(CPACK_COMPONENT_LIBTARN_DEVELOPMENT_DEPENDS libtarn_runtime fathom_development)
 # The program is not linked with the host's library, but needs the standard objects.
 set(CPACK_COMPONENT_FATHOM_HOST_DEPENDS fathom_runtime libtarn_runtime)
 set(CPACK_COMPONENT_FATHOM_MPI_DEPENDS fathom_runtime libtarn_runtime)
+set(CPACK_COMPONENT_FATHOM_PYTHON_DEPENDS fathom_runtime libtarn_runtime)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -81,6 +85,21 @@ set(CPACK_DEBIAN_FATHOM_MPI_PACKAGE_SUGGESTS "tarn, openmpi-bin")
 set(CPACK_DEBIAN_FATHOM_MPI_DESCRIPTION "data-flow visualization framework - program for several machines
 Evaluates many cases of a saved network in the processes that mpirun starts.")
 
+set(CPACK_DEBIAN_FATHOM_PYTHON_PACKAGE_NAME python3-fathom)
+set(CPACK_DEBIAN_FATHOM_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_FATHOM_PYTHON_PACKAGE_SUGGESTS "tarn, python3-pandas")
+set(CPACK_DEBIAN_FATHOM_PYTHON_PACKAGE_CONTROL_EXTRA
+    "${PROJECT_BINARY_DIR}/packaging/python/postinst;${PROJECT_BINARY_DIR}/packaging/python/prerm")
+set(CPACK_DEBIAN_FATHOM_PYTHON_DESCRIPTION "data-flow visualization framework - Python package
+Loads, evaluates, changes and saves networks of processing objects in Python, with
+arrays of numpy and pictures for notebooks.")
+if(FATHOM_BUILD_PYTHON)
+    # The extension module fits one version of Python.
+    math(EXPR next "${Python3_VERSION_MINOR} + 1")
+    set(CPACK_DEBIAN_FATHOM_PYTHON_PACKAGE_DEPENDS
+        "python3 (>= 3.${Python3_VERSION_MINOR}), python3 (<< 3.${next}), python3-numpy")
+endif()
+
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_NAME tarn)
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_FATHOM_HOST_PACKAGE_SUGGESTS libfathom-dev)
@@ -97,5 +116,22 @@ endforeach()
 file(WRITE "${PROJECT_BINARY_DIR}/packaging/fathom/shlibs" "${shlibs}")
 file(WRITE "${PROJECT_BINARY_DIR}/packaging/libtarn/shlibs"
     "libtarn ${FATHOM_ABI_VERSION} ${host_runtime} (>= ${PROJECT_VERSION})\n")
+
+# Python writes compiled files beside the modules, which belong to no package.
+set(scripts "${PROJECT_BINARY_DIR}/packaging/python")
+file(WRITE "${scripts}/postinst" "#!/bin/sh
+set -e
+if [ \"$1\" = configure ] && command -v py3compile >/dev/null; then
+    py3compile -p python3-fathom
+fi
+")
+file(WRITE "${scripts}/prerm" "#!/bin/sh
+set -e
+if command -v py3clean >/dev/null; then
+    py3clean -p python3-fathom
+fi
+")
+file(CHMOD "${scripts}/postinst" "${scripts}/prerm" PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
 include(CPack)

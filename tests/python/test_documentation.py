@@ -44,9 +44,10 @@ def test_every_public_name_is_documented() -> None:
                     assert inspect.getdoc(attribute), f"{name}.{member}"
 
 
-@pytest.mark.skipif(not (TOP / "docs" / "python.md").exists(), reason="the page is not part of this tree")
 def test_the_examples_of_the_page_are_right(tmp_path: pathlib.Path, monkeypatch: pytest.MonkeyPatch) -> None:
     monkeypatch.chdir(tmp_path)
     os.symlink(TOP / "examples", tmp_path / "examples")
-    failed, tried = doctest.testfile(str(TOP / "docs" / "python.md"), module_relative=False, encoding="utf-8")
-    assert failed == 0 and tried > 10
+    text = (TOP / "docs" / "python.md").read_text(encoding="utf-8")
+    runner = doctest.DocTestRunner()
+    runner.run(doctest.DocTestParser().get_doctest(text, {}, "python.md", "python.md", 0))
+    assert runner.tries > 10 and runner.failures == 0
