@@ -74,6 +74,7 @@ void bindMessages(py::module_& module)
     module.def("_log_messages", logMessages);
     // The interpreter may end while networks are destroyed; their last warnings are printed.
     py::module_::import("atexit").attr("register")(py::cpp_function([] {
+        endServing();
         logMessages();
         Orla::VActionNotifier::remove(notes());
     }));

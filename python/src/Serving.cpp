@@ -2,8 +2,11 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <exception>
+#include <list>
 #include <stdexcept>
+#include <utility>
 
 #include <unistd.h>
 
@@ -15,6 +18,44 @@ namespace {
 constexpr std::chrono::milliseconds pause{50};
 
 const ::pid_t importer = ::getpid();
+
+// What threads know of the end of the interpreter.
+struct End {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::optional<std::thread::id> ender; // the thread that finalizes the interpreter
+    std::size_t entering = 0;             // threads that ask for the interpreter lock
+    std::list<Orla::VCancellation> running;
+};
+
+// Never destroyed: threads may wait in it until the process ends.
+End& end()
+{
+    static End& end = *new End;
+    return end;
+}
+
+// Cancels the evaluation at the end of the interpreter.
+class Running {
+public:
+    explicit Running(const Orla::VCancellation& cancellation)
+    {
+        const std::lock_guard lock{end().mutex};
+        m_place = end().running.insert(end().running.end(), cancellation);
+        if (end().ender)
+            m_place->cancel();
+    }
+
+    ~Running()
+    {
+        const std::lock_guard lock{end().mutex};
+        end().running.erase(m_place);
+        end().changed.notify_all();
+    }
+
+private:
+    std::list<Orla::VCancellation>::iterator m_place;
+};
 
 void handleSignals()
 {
@@ -63,6 +104,23 @@ private:
 
 } // namespace
 
+Unlocked::Unlocked()
+{
+    m_release.emplace();
+}
+
+Unlocked::~Unlocked()
+{
+    std::unique_lock lock{end().mutex};
+    end().changed.wait(lock, [] { return !end().ender || *end().ender == std::this_thread::get_id(); });
+    ++end().entering;
+    lock.unlock();
+    m_release.reset();
+    lock.lock();
+    --end().entering;
+    end().changed.notify_all();
+}
+
 Turn::Hold::Hold(Turn& turn) : m_turn{turn}
 {
     if (m_turn.m_owner == std::this_thread::get_id())
@@ -70,7 +128,7 @@ Turn::Hold::Hold(Turn& turn) : m_turn{turn}
     while (!m_turn.m_mutex.try_lock()) {
         bool isMine = false;
         {
-            const py::gil_scoped_release release;
+            const Unlocked unlocked;
             isMine = m_turn.m_mutex.try_lock_for(pause);
         }
         if (isMine)
@@ -98,11 +156,15 @@ void Progress::report(const py::object& function)
 void serve(const std::function<void(const Orla::VCancellation&)>& work, Orla::VCancellation cancellation,
            Progress& progress, const py::object& report)
 {
-    Worker worker{[&work, cancellation] { work(cancellation); }};
+    progress.begin();
+    Worker worker{[&work, cancellation] {
+        const Running running{cancellation};
+        work(cancellation);
+    }};
     std::exception_ptr interruption;
     for (bool isDone = false; !isDone;) {
         {
-            const py::gil_scoped_release release;
+            const Unlocked unlocked;
             isDone = worker.waitFor(pause);
         }
         if (interruption)
@@ -119,6 +181,16 @@ void serve(const std::function<void(const Orla::VCancellation&)>& work, Orla::VC
     worker.join();
     if (interruption)
         std::rethrow_exception(interruption);
+}
+
+void endServing()
+{
+    const py::gil_scoped_release release;
+    std::unique_lock lock{end().mutex};
+    end().ender = std::this_thread::get_id();
+    for (Orla::VCancellation& cancellation : end().running)
+        cancellation.cancel();
+    end().changed.wait_for(lock, std::chrono::seconds(1), [] { return end().entering == 0 && end().running.empty(); });
 }
 
 bool isForked() noexcept

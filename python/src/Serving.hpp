@@ -7,6 +7,7 @@
 #include <atomic>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 // How Python threads wait for the framework. It never calls Python from its own threads: warnings
@@ -17,6 +18,19 @@
 namespace Tarn::Python {
 
 namespace py = pybind11;
+
+/// Releases the interpreter lock for its lifetime. Python ends threads that ask for the lock while it
+/// is finalized, in a way that C++ cannot pass on; such a thread waits here instead.
+class Unlocked {
+public:
+    Unlocked();
+    ~Unlocked();
+    Unlocked(const Unlocked&) = delete;
+    Unlocked& operator=(const Unlocked&) = delete;
+
+private:
+    std::optional<py::gil_scoped_release> m_release;
+};
 
 /// Gives one Python thread at a time the use of a session or a context.
 class Turn {
@@ -50,7 +64,7 @@ auto unlocked(Function&& function)
     struct Logging {
         ~Logging() { logMessages(); }
     } logging;
-    const py::gil_scoped_release release;
+    const Unlocked unlocked;
     return function();
 }
 
@@ -58,6 +72,13 @@ auto unlocked(Function&& function)
 class Progress {
 public:
     void note(double fraction) noexcept { m_fraction.store(fraction, std::memory_order_relaxed); }
+
+    /// Forgets the fractions of an earlier evaluation.
+    void begin() noexcept
+    {
+        note(-1);
+        m_reported = -1;
+    }
 
     /// Passes a fraction to \p function if it was not passed before. Requires the interpreter lock.
     void report(const py::object& function);
@@ -72,6 +93,9 @@ private:
 /// rethrows.
 void serve(const std::function<void(const Orla::VCancellation&)>& work, Orla::VCancellation cancellation,
            Progress& progress, const py::object& report);
+
+/// Cancels all evaluations before the interpreter is finalized, and waits up to a second for their end.
+void endServing();
 
 /// Returns true in a process that was forked after the module was imported. It lacks the threads of
 /// its parent.

@@ -28,6 +28,11 @@ def resident() -> int:
         return int(file.read().split()[1]) * os.sysconf("SC_PAGESIZE")
 
 
+def is_loaded(library: str) -> bool:
+    with open("/proc/self/maps", encoding="utf-8") as file:
+        return library in file.read()
+
+
 def test_10000_networks_do_not_grow_the_process() -> None:
     keep = fa.read(TEXT)  # keeps the library in memory
 
@@ -57,7 +62,7 @@ def test_everything_may_be_destroyed_in_any_order(order: tuple[int, ...]) -> Non
     for index in order:
         things[index] = None
         gc.collect()
-    assert _fathom.Session is not None
+    assert not is_loaded("testobjects.so"), "the library was unloaded with the network"
 
 
 def test_the_library_is_unloaded_with_the_last_user() -> None:
@@ -102,6 +107,23 @@ def test_a_process_ends_quietly_with_networks_in_use() -> None:
     script = f"import fathom as fa\nnet = fa.read({TEXT!r})\ncase = net.context()\nrun = case.run()\nnext(run)\nnet['a'].sum\n"
     done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True)
     assert (done.returncode, done.stdout, done.stderr) == (0, "", "")
+
+
+def test_a_process_ends_quietly_while_a_thread_evaluates() -> None:
+    script = (
+        "import fathom as fa, threading, time\n"
+        "net = fa.Network()\n"
+        "net.load_library('testobjects')\n"
+        "net.add('Slow', 'slow')\n"
+        "began = threading.Event()\n"
+        "def evaluate():\n"
+        "    began.set()\n"
+        "    net.evaluate()\n"
+        "threading.Thread(target=evaluate, daemon=True).start()\n"
+        "began.wait()\n"
+    )
+    done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, timeout=60)
+    assert (done.returncode, done.stderr) == (0, "")
 
 
 def test_a_forked_process_evaluates(sums: fa.Network) -> None:
