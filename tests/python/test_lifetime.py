@@ -6,6 +6,7 @@ import gc
 import itertools
 import multiprocessing
 import os
+import signal
 import subprocess
 import sys
 import threading
@@ -139,6 +140,26 @@ def test_a_forked_process_evaluates(sums: fa.Network) -> None:
             os._exit(status)
     assert os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]) == 0
     assert sums["b"].sum == 12
+
+
+def test_a_forked_process_evaluates_what_used_several_threads() -> None:
+    net = fa.Network()
+    net.load_library("testobjects")
+    for number in range(16):
+        net.add("Sleeper", f"s{number}", **{"in": number})
+    net.evaluate()
+    child = os.fork()
+    if child == 0:
+        status = 1
+        try:
+            signal.alarm(30)  # ends the process if the evaluation waits for threads of the parent
+            for number in range(16):
+                net[f"s{number}"]["in"] = number + 100
+            net.evaluate()
+            status = 0 if net["s3"].out == 103 else 2
+        finally:
+            os._exit(status)
+    assert os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]) == 0
 
 
 def last_sum(number: int) -> float:

@@ -201,6 +201,12 @@ def test_an_object_that_is_added_is_evaluated(sums: fa.Network) -> None:
     assert sums["c"].sum == 112
 
 
+def test_an_object_without_connections_is_evaluated_after_it_was_added(sums: fa.Network) -> None:
+    sums.evaluate()
+    sums.add("RunCounter", "runs")
+    assert list(sums["runs"].outputs) == ["runs"] and sums["runs"].runs == 1
+
+
 def test_objects_of_one_name_are_equal(sums: fa.Network) -> None:
     assert sums["a"] == sums["a"] and hash(sums["a"]) == hash(sums["a"])
     assert sums["a"] != sums["b"]
