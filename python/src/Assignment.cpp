@@ -1,5 +1,7 @@
 #include "Assignment.hpp"
 
+#include <utility>
+
 namespace Tarn::Python {
 
 namespace {

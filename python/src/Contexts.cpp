@@ -13,7 +13,10 @@
 #include <pybind11/stl.h>
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>

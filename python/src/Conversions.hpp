@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <typeinfo>
+#include <utility>
 
 namespace Tarn::Python {
 

@@ -12,6 +12,7 @@
 #include <fathom/VCamera.hpp>
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 // Points, directions, boxes, colours and cameras.

@@ -16,7 +16,10 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 namespace Tarn::Python {
 

@@ -12,6 +12,7 @@
 #include <array>
 #include <cstdint>
 #include <tuple>
+#include <vector>
 
 // Actions, events, statuses, and values that only pass through.
 

@@ -9,6 +9,7 @@
 #include <pybind11/stl.h>
 
 #include <string_view>
+#include <utility>
 
 namespace Tarn::Python {
 
@@ -123,12 +124,13 @@ std::vector<Slot> slotsOf(const Handle& handle, SlotKind kind)
 std::string typeOf(const Handle& handle)
 {
     const Use use{handle.network()->session().network()};
-    const ObjectPtr object = handle.object();
+    const ObjectPtr owner = handle.object();
+    const Orla::VObject& object = *owner; // a reference, because of a warning of Clang
     for (const auto& creator : Orla::VObjectCreator::creators()) {
-        if (creator->objectType() == typeid(*object))
+        if (creator->objectType() == typeid(object))
             return creator->typeName();
     }
-    return Loam::Typename(typeid(*object));
+    return Loam::Typename(typeid(object));
 }
 
 void bindSlots(py::module_& module)
