@@ -41,15 +41,22 @@ inline typename Vectors<Lanes>::Numbers worstDistance(const FrustumPlane* planes
     return worst;
 }
 
+inline void prefetch(const double* corner)
+{
+    constexpr std::size_t Ahead = 64;
+    // A number, because a pointer may not be that far past the end of the array.
+    const auto address = reinterpret_cast<std::uintptr_t>(corner) + Ahead * sizeof(double);
+    __builtin_prefetch(reinterpret_cast<const void*>(address));
+}
+
 // Requests the corners of the boxes that are classified some iterations later. The processor does
 // not look far enough ahead by itself, because the queries for a box are many instructions.
 inline void prefetchCorners(const FrustumPlane& plane, std::size_t box)
 {
-    constexpr std::size_t Ahead = 64;
     for (int axis = 0; axis < 3; ++axis) {
-        // Between them, they have both corners of each axis. The addresses may be past the end.
-        __builtin_prefetch(plane.along[axis] + box + Ahead);
-        __builtin_prefetch(plane.against[axis] + box + Ahead);
+        // Between them, they have both corners of each axis.
+        prefetch(plane.along[axis] + box);
+        prefetch(plane.against[axis] + box);
     }
 }
 
