@@ -32,6 +32,8 @@ bool HotKey::Key::isRepeatedlyPressed(const VInteractionEvent& event) const
 HotKey::HotKey(const char* slotName, int expertLevel)
     : Interactive{slotName, expertLevel}, m_hotkey{this, "hotkey", 0, expertLevel}
 {
+    if (m_hotkey.slot())
+        m_hotkey.slot()->describe(describe("The key to which the object reacts."));
     runsInOnePool(); // an update may change whether the key is armed
 }
 

@@ -11,8 +11,12 @@ TimeDependent::TimeDependent(const char* timeSlotName, const char* rangeSlotName
     : m_time{this, timeSlotName, defaultTime, preferences, 5, true}, m_range{this, rangeSlotName, Range{}, 6}
 {
     registerOutput(m_time.slot());
-    if (m_time.slot())
+    if (m_time.slot()) {
         m_time.slot()->setFlag(VSlot::AutoConnected);
+        m_time.slot()->describe(describe("The current time, which runs from the begin of the range to its end."));
+    }
+    if (m_range.slot())
+        m_range.slot()->describe(describe("What the times 0 and 1 mean."));
     if (preferences && preferences->contains("local"))
         return;
     setupFunctions().insert(TimeSetupFunction);

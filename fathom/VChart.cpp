@@ -55,6 +55,9 @@ VChartSelector::VChartSelector(const std::string& name, int level,
     , m_atlas{this, "atlas", VChartList{}}
     , m_currentChart{this, "CurrentChart", VChart{}}
 {
+    m_chartname.slot()->describe(describe("The name of the chart to show."));
+    findOutput("atlas")->describe(describe("All charts that objects of the network offer."));
+    findOutput("CurrentChart")->describe(describe("The chart that is chosen."));
     // A failing object must not keep the others from following the chart.
     acceptsFailedInputs();
 }
@@ -137,6 +140,8 @@ bool VChartSelector::update(VRequest& request, double)
 VChartDependent::VChartDependent(const std::string& slotName, int expertLevel)
     : m_chart{this, slotName, VChart{}, expertLevel}
 {
+    if (m_chart.slot())
+        m_chart.slot()->describe(describe("The chart that the network shows."));
     const StrongPtr<VChartSelector> selector = VChartSelector::getChartSelector();
     const StrongPtr<VSlot> current = selector->findOutput("CurrentChart");
     if (m_chart.slot() && current && current->parameter())
@@ -147,6 +152,8 @@ VChartDependent::~VChartDependent() = default;
 
 Atlas::Atlas(const std::string& outputName) : VPolyOutput{outputName}
 {
+    if (const StrongPtr<VSlot> output = findOutput(outputName))
+        output->describe(describe("The charts that the object offers."));
 }
 
 Atlas::~Atlas() = default;

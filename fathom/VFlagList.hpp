@@ -104,6 +104,14 @@ public:
     /// \p flagNames holds the flags, separated by blanks; each is on unless it begins with
     /// "-".
     TypedSlot(VSlotContainer* that, const std::string& name, const std::string& flagNames, int expertLevel);
+
+    /// The same with a description; see `VDescription`.
+    template<VDescribes What>
+    TypedSlot(VSlotContainer* that, const std::string& name, const std::string& flagNames,
+              const VDescription<What>& description, int expertLevel = 0)
+        : TypedSlot<FlagList>{that, name, FlagList{flagNames, ' '}, description, expertLevel}
+    {
+    }
 };
 
 /// The same input as a member of a slot container's class.

@@ -97,6 +97,8 @@ bool VValueTrait<VInteractionEvent>::setValueFromText(VInteractionEvent&, const 
 Interactive::Interactive(const char* slotName, int expertLevel)
     : m_interaction{this, slotName, VInteractionEvent{}, expertLevel}
 {
+    if (m_interaction.slot())
+        m_interaction.slot()->describe(describe("What the user does with pointer and keyboard."));
     attachUniqueObject(m_interaction.slot(), nullptr, true);
 }
 

@@ -46,8 +46,10 @@ StatusIndicator::StatusIndicator(VObject* object, const std::string& initialText
         return;
     m_output->setSource(object);
     // A status reports why an update failed, so its readers must get it even then.
-    if (const StrongPtr<VSlot> slot = object->registerOutput(m_output, outputName))
+    if (const StrongPtr<VSlot> slot = object->registerOutput(m_output, outputName)) {
         slot->setFlag(VSlot::StaysValid);
+        slot->describe(describe("What the object reports."));
+    }
 }
 
 StatusIndicator::~StatusIndicator() = default;

@@ -24,11 +24,13 @@ public:
     }
 
 private:
-    Orla::TypedSlot<double> m_number{this, "number", 0.0, 0};
-    Orla::TypedSlot<double> m_factor{this, "factor", 2.0, 0};
-    Orla::VOutput<double> m_result{this, "result", 0.0};
+    Orla::TypedSlot<double> m_number{this, "number", 0.0, Orla::describe("The number to multiply.")};
+    Orla::TypedSlot<double> m_factor{this, "factor", 2.0,
+                                     Orla::describe("What it is multiplied by.").softLimits(0, 10)};
+    Orla::VOutput<double> m_result{this, "result", 0.0, Orla::describe("The product.")};
 };
 
-const Orla::VObjectType<SampleObject> registered{"SampleObject"};
+const Orla::VObjectType<SampleObject> registered{"SampleObject",
+                                                 Orla::describeType("Multiplies a number by a factor.")};
 
 } // namespace

@@ -16,6 +16,7 @@
 
 namespace Earth {
 
+using Orla::describe;
 using Orla::StrongPtr;
 using Orla::VInteractionEvent;
 
@@ -118,17 +119,25 @@ private:
         return chunk && chunk->size() == 1 ? chunk->data() : nullptr;
     }
 
-    Orla::TypedSlot<Orla::VCamera> m_initial{this, "camera", Orla::VCamera{}, 0};
-    Orla::VOutput<Orla::VCamera> m_camera{this, "camera", Orla::VCamera{}};
+    Orla::TypedSlot<Orla::VCamera> m_initial{this, "camera", Orla::VCamera{}, describe("Where the camera starts.")};
+    Orla::VOutput<Orla::VCamera> m_camera{this, "camera", Orla::VCamera{},
+                                          describe("Where the user has moved the camera.")};
     // State of the object that belongs to a pool is stored in the pool.
-    Orla::VOutput<Orla::VCamera> m_start{this, "start", Orla::VCamera{}};
-    Orla::VOutput<double> m_turned{this, "turned", -1.0};
+    Orla::VOutput<Orla::VCamera> m_start{this, "start", Orla::VCamera{},
+                                         describe("The start for which the camera was moved.").asPrivateState()};
+    Orla::VOutput<double> m_turned{this, "turned", -1.0,
+                                   describe("The time of the last turn of the wheel.").asPrivateState()};
 };
 
 } // namespace Earth
 
 namespace {
 
-const Orla::VObjectType<Earth::CameraControl> cameraControlType{"CameraControl"};
+const Orla::VObjectType<Earth::CameraControl> cameraControlType{
+    "CameraControl",
+    Orla::describeType("Lets the user move a camera around its focus.")
+        .details("Dragging with the left button turns the globe, the wheel zooms, and the hot key resets the camera.")
+        .category("Pictures")
+        .keywords("drag", "zoom", "rotate", "orbit")};
 
 } // namespace

@@ -6,7 +6,12 @@
 
 namespace Earth {
 
-ChartFollower::ChartFollower() : VChartDependent{"chart", 0}, Atlas{"atlas"}, m_wanted{this, "wanted", "", 2}
+using Orla::describe;
+
+ChartFollower::ChartFollower()
+    : VChartDependent{"chart", 0}
+    , Atlas{"atlas"}
+    , m_wanted{this, "wanted", "", describe("The name of the chart that the network waits for.").hidden(), 2}
 {
     const auto wanted = Orla::VChartSelector::getChartSelector()->findSlot("chartname");
     attachParameter(wanted->parameter(), m_wanted.slot(), "");

@@ -8,9 +8,13 @@
 
 namespace Earth {
 
+using Orla::describe;
+
 ChartPlaces::ChartPlaces()
-    : m_places{this, "places", Loam::makeStrong<Loam::TypedChunk<double>>()}
-    , m_box{this, "box", Loam::makeStrong<Gyre::BoundingBox>(point{}, point{})}
+    : m_places{this, "places", Loam::makeStrong<Loam::TypedChunk<double>>(),
+               describe("The coordinates in the chart, three per place; NaN separates lines.")}
+    , m_box{this, "box", Loam::makeStrong<Gyre::BoundingBox>(point{}, point{}),
+            describe("The smallest box around the places.")}
 {
 }
 

@@ -13,6 +13,7 @@
 
 namespace Earth {
 
+using Orla::describe;
 using Orla::StrongPtr;
 
 /// Reads the land of a TopoJSON file. `land` has its polygons; `places` has its coast
@@ -66,9 +67,11 @@ private:
         return placesOf(coasts);
     }
 
-    Orla::TypedSlot<std::string> m_file{this, "file", "", 0};
-    Orla::TypedSlot<std::string> m_object{this, "object", "", 1};
-    Orla::VOutput<Land> m_land{this, "land", Land{}};
+    Orla::TypedSlot<std::string> m_file{this, "file", "",
+                                        describe("The TopoJSON file with the land.").asInputFile("json", "topojson")};
+    Orla::TypedSlot<std::string> m_object{this, "object", "",
+                                          describe("The object of the file to read; empty for all."), 1};
+    Orla::VOutput<Land> m_land{this, "land", Land{}, describe("The polygons of the land.")};
 };
 
 } // namespace Earth
@@ -80,6 +83,8 @@ const bool hasColor = [] {
     Orla::VConnectionTypeColors::set(typeid(Earth::Land), "#8D6E63");
     return true;
 }();
-const Orla::VObjectType<Earth::CoastLines> coastLinesType{"CoastLines"};
+const Orla::VObjectType<Earth::CoastLines> coastLinesType{
+    "CoastLines",
+    Orla::describeType("Reads the land of a TopoJSON file.").category("Maps").keywords("coast", "border", "TopoJSON")};
 
 } // namespace

@@ -8,6 +8,8 @@
 
 namespace Earth {
 
+using Orla::describe;
+
 /// Draws a layer on a map or globe, with its legend, and writes the picture when it receives an
 /// action; see `PictureObject`.
 class MapPicture final : public PictureObject {
@@ -35,14 +37,20 @@ private:
         view.drawFrame(canvas);
     }
 
-    Orla::TypedSlot<Layer> m_layer{this, "layer", Layer{}, 0};
-    Orla::TypedSlot<std::string> m_subtitle{this, "subtitle", "", 0};
+    Orla::TypedSlot<Layer> m_layer{this, "layer", Layer{}, describe("What is drawn over the land.")};
+    Orla::TypedSlot<std::string> m_subtitle{this, "subtitle", "", describe("The second line of the title.")};
 };
 
 } // namespace Earth
 
 namespace {
 
-const Orla::VObjectType<Earth::MapPicture> mapPictureType{"MapPicture"};
+const Orla::VObjectType<Earth::MapPicture> mapPictureType{
+    "MapPicture",
+    Orla::describeType("Draws a layer on a map or a globe.")
+        .details("An action at the input write or step draws the picture and writes it to a file, as PNG or SVG by the "
+                 "extension.")
+        .category("Pictures")
+        .keywords("map", "globe", "legend", "PNG", "SVG")};
 
 } // namespace

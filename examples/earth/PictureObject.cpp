@@ -13,6 +13,8 @@
 
 namespace Earth {
 
+using Orla::describe;
+
 namespace {
 
 constexpr double stepNumber = 1;
@@ -35,18 +37,24 @@ PictureObject::PictureObject(const std::string& name, int level,
     : VObject{name, level, preferences}
     , TimeDependent{"time", "range", preferences, Orla::VTime{0}}
     , StatusIndicator{this, "", 0, Slotname}
-    , m_land{this, "land", Land{}, 0}
-    , m_camera{this, "camera", Orla::VCamera{{-1.5e7, -1.26e7, 1.64e7}, {}, {0, 0, 1}, 29}, 0}
-    , m_title{this, "title", title, 0}
-    , m_width{this, "width", 900.0, 0}
-    , m_height{this, "height", 900.0, 0}
-    , m_file{this, "file", "", 0}
-    , m_write{this, "write", Action{}, 0}
-    , m_frames{this, "frames", "", 0}
-    , m_step{this, "step", Action{}, 0}
-    , m_written{this, "written", 0.0}
-    , m_missing{this, "missing", 0.0}
+    , m_land{this, "land", Land{}, describe("The land below.")}
+    , m_camera{this, "camera", Orla::VCamera{{-1.5e7, -1.26e7, 1.64e7}, {}, {0, 0, 1}, 29},
+               describe("What the globe is seen from; a flat map ignores it.")}
+    , m_title{this, "title", title, describe("The first line of the title.")}
+    , m_width{this, "width", 900.0,
+              describe("The width of the picture.").in("px").from(1).to(Canvas::largestSize).step(1)}
+    , m_height{this, "height", 900.0,
+               describe("The height of the picture.").in("px").from(1).to(Canvas::largestSize).step(1)}
+    , m_file{this, "file", "", describe("The file that an action at write writes.").asOutputFile("png", "svg")}
+    , m_write{this, "write", Action{}, describe("Writes the picture.")}
+    , m_frames{this, "frames", "",
+               describe("The files that actions at step write; # becomes the number of the step.")
+                   .asOutputFile("png", "svg")}
+    , m_step{this, "step", Action{}, describe("Writes the picture of a step.")}
+    , m_written{this, "written", 0.0, describe("How many pictures were written.")}
+    , m_missing{this, "missing", 0.0, describe("How many pictures of steps could not be written.")}
 {
+    rangeSlot().slot()->describe(describe("The seconds since 1970 at the times 0 and 1.").in("s"));
     m_file.slot()->setFlag(Orla::VSlot::NamesResult);
     m_frames.slot()->setFlag(Orla::VSlot::NamesResult);
 }

@@ -10,6 +10,8 @@
 
 namespace Quakes {
 
+using Orla::describe;
+
 /// Draws the events that have happened by the current time over the land, or over the layer
 /// `under`, and writes the picture when it receives an action; see `PictureObject`. The input
 /// `range` gives the seconds since 1970 at the times 0 and 1.
@@ -42,15 +44,21 @@ private:
         return rules;
     }
 
-    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
-    Orla::TypedSlot<Earth::Layer> m_under{this, "under", Earth::Layer{}, 0};
-    Orla::TypedSlot<Orla::Enum> m_color{this, "color", colorRules(), 0};
+    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, describe("The events to draw.")};
+    Orla::TypedSlot<Earth::Layer> m_under{this, "under", Earth::Layer{}, describe("A layer to draw below the events.")};
+    Orla::TypedSlot<Orla::Enum> m_color{this, "color", colorRules(), describe("What the colour of an event shows.")};
 };
 
 } // namespace Quakes
 
 namespace {
 
-const Orla::VObjectType<Quakes::PictureWriter> pictureWriterType{"PictureWriter"};
+const Orla::VObjectType<Quakes::PictureWriter> pictureWriterType{
+    "PictureWriter",
+    Orla::describeType("Draws earthquakes on a map or a globe.")
+        .details("An action at the input write or step draws the picture and writes it to a file, as PNG or SVG by the "
+                 "extension.")
+        .category("Earthquakes")
+        .keywords("map", "globe", "PNG", "SVG")};
 
 } // namespace

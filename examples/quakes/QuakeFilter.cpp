@@ -20,6 +20,7 @@ namespace Quakes {
 
 namespace {
 
+using Orla::describe;
 using Orla::StrongPtr;
 using OneOf = StrongPtr<Orla::StringSelection, Loam::StringList>;
 using SomeOf = StrongPtr<Orla::MultipleStringSelection, Loam::StringList>;
@@ -82,6 +83,7 @@ public:
     QuakeFilter(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
         : VObject{name, level, preferences}, TimeDependent{"time", "range", preferences, Orla::VTime{0}}
     {
+        rangeSlot().slot()->describe(describe("The seconds since 1970 at the times 0 and 1.").in("s"));
     }
 
     bool update(Orla::VRequest& request, double) override
@@ -174,21 +176,32 @@ private:
         return {fresh->selection->begin(), fresh->selection->end()};
     }
 
-    Orla::TypedSlot<Catalogue> m_all{this, "catalog", Catalogue{}, 0};
-    Orla::TypedSlot<Orla::Range> m_magnitude{this, "magnitude", Orla::Range{-infinity, infinity}, 0};
-    Orla::TypedSlot<SomeOf> m_networks{this, "networks", Loam::makeStrong<Orla::MultipleStringSelection>(), 0};
-    Orla::TypedSlot<OneOf> m_magnitudeType{this, "magnitudeType", Loam::makeStrong<Orla::StringSelection>(), {}, 0,
-                                           true};
-    Orla::TypedSlot<bool[]> m_kinds{this, "kinds", "", 0};
-    Orla::VOutput<Catalogue> m_selected{this, "catalog", Catalogue{}};
-    Orla::VOutput<Catalogue> m_matching{this, "matching", Catalogue{}};
-    Orla::VOutput<double> m_count{this, "count", 0.0};
+    Orla::TypedSlot<Catalogue> m_all{this, "catalog", Catalogue{}, describe("The events to select from.")};
+    Orla::TypedSlot<Orla::Range> m_magnitude{
+        this, "magnitude", Orla::Range{-infinity, infinity},
+        describe("The magnitudes that pass, both ends inclusive; events of unknown magnitude pass only -inf:inf.")
+            .softLimits(0, 10)
+            .step(0.1)};
+    Orla::TypedSlot<SomeOf> m_networks{this, "networks", Loam::makeStrong<Orla::MultipleStringSelection>(),
+                                       describe("The networks whose events pass; none selected means all.")};
+    Orla::TypedSlot<OneOf> m_magnitudeType{this, "magnitudeType", Loam::makeStrong<Orla::StringSelection>(),
+                                           describe("How the magnitude was measured.")};
+    Orla::TypedSlot<bool[]> m_kinds{
+        this, "kinds", "", describe("The kinds that pass, such as +earthquake -explosion, with _ for blanks.")};
+    Orla::VOutput<Catalogue> m_selected{this, "catalog", Catalogue{},
+                                        describe("The selected events that have happened by now.")};
+    Orla::VOutput<Catalogue> m_matching{this, "matching", Catalogue{}, describe("The selected events of all times.")};
+    Orla::VOutput<double> m_count{this, "count", 0.0,
+                                  describe("How many of the selected events have happened by now.")};
 };
 
 } // namespace Quakes
 
 namespace {
 
-const Orla::VObjectType<Quakes::QuakeFilter> quakeFilterType{"QuakeFilter"};
+const Orla::VObjectType<Quakes::QuakeFilter> quakeFilterType{
+    "QuakeFilter", Orla::describeType("Selects earthquakes by magnitude, network, kind and time.")
+                       .category("Earthquakes")
+                       .keywords("event", "magnitude", "catalogue")};
 
 } // namespace

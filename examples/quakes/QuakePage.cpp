@@ -12,6 +12,7 @@
 
 namespace Quakes {
 
+using Orla::describe;
 using Orla::StrongPtr;
 
 /// Opens the web page of the strongest event when the hot key, "o" by default, is pressed;
@@ -53,15 +54,19 @@ private:
             setStatusWarning(pool, "cannot open " + escaped(url));
     }
 
-    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
-    Orla::VOutput<std::string> m_place{this, "place", ""};
-    Orla::VOutput<std::string> m_url{this, "url", ""};
+    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{},
+                                           describe("The events of which the strongest counts.")};
+    Orla::VOutput<std::string> m_place{this, "place", "", describe("Where the strongest event happened.")};
+    Orla::VOutput<std::string> m_url{this, "url", "", describe("The web page of the strongest event.").asWebPage()};
 };
 
 } // namespace Quakes
 
 namespace {
 
-const Orla::VObjectType<Quakes::QuakePage> quakePageType{"QuakePage"};
+const Orla::VObjectType<Quakes::QuakePage> quakePageType{
+    "QuakePage", Orla::describeType("Opens the web page of the strongest earthquake when its key is pressed.")
+                     .category("Earthquakes")
+                     .keywords("browser", "URL")};
 
 } // namespace

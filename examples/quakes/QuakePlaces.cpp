@@ -11,6 +11,7 @@
 
 namespace Quakes {
 
+using Orla::describe;
 using Orla::StrongPtr;
 
 /// Publishes the hypocentres of a catalogue in the chart of the network, and the
@@ -46,14 +47,19 @@ public:
     }
 
 private:
-    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
-    Orla::VOutput<ChartPlaces::point> m_strongest{this, "strongest", ChartPlaces::point{}};
+    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{},
+                                           describe("The events whose places are published.")};
+    Orla::VOutput<ChartPlaces::point> m_strongest{this, "strongest", ChartPlaces::point{},
+                                                  describe("The place of the strongest event in the chart.")};
 };
 
 } // namespace Quakes
 
 namespace {
 
-const Orla::VObjectType<Quakes::QuakePlaces> quakePlacesType{"QuakePlaces"};
+const Orla::VObjectType<Quakes::QuakePlaces> quakePlacesType{
+    "QuakePlaces", Orla::describeType("Publishes the places of earthquakes in the chart of the network.")
+                       .category("Earthquakes")
+                       .keywords("hypocentre", "coordinates")};
 
 } // namespace

@@ -10,6 +10,8 @@
 
 namespace Quakes {
 
+using Orla::describe;
+
 /// Reads the events of a GeoJSON file. If the file cannot be read, the update fails and the
 /// previous events are kept.
 class QuakeReader : public Orla::VObject {
@@ -34,14 +36,19 @@ public:
     }
 
 private:
-    Orla::TypedSlot<std::string> m_file{this, "file", "", 0};
-    Orla::VOutput<Catalogue> m_catalogue{this, "catalog", Catalogue{}};
+    Orla::TypedSlot<std::string> m_file{this, "file", "",
+                                        describe("The GeoJSON file with the events.").asInputFile("geojson", "json")};
+    Orla::VOutput<Catalogue> m_catalogue{this, "catalog", Catalogue{}, describe("The events of the file.")};
 };
 
 } // namespace Quakes
 
 namespace {
 
-const Orla::VObjectType<Quakes::QuakeReader> quakeReaderType{"QuakeReader"};
+const Orla::VObjectType<Quakes::QuakeReader> quakeReaderType{
+    "QuakeReader", Orla::describeType("Reads earthquakes from a GeoJSON file.")
+                       .category("Earthquakes")
+                       .keywords("event", "catalogue", "GeoJSON")
+                       .page("https://www.rfc-editor.org/rfc/rfc7946")};
 
 } // namespace

@@ -13,6 +13,8 @@
 
 namespace Quakes {
 
+using Orla::describe;
+
 /// Counts the events that a camera sees. Each event is a box that extends `reach` metres
 /// (50 km by default) from its hypocentre in every direction, in geocentric coordinates.
 /// Events of unknown depth count as on the surface. The camera sees distances from `near`
@@ -63,21 +65,31 @@ private:
         return corners;
     }
 
-    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, 0};
-    Orla::TypedSlot<Orla::VCamera> m_camera{this, "camera", Orla::VCamera{}, 0};
-    Orla::TypedSlot<double> m_aspect{this, "aspect", 1.0, 1};
-    Orla::TypedSlot<double> m_near{this, "near", 1e5, 1};
-    Orla::TypedSlot<double> m_far{this, "far", 1e8, 1};
-    Orla::TypedSlot<double> m_reach{this, "reach", 5e4, 2};
-    Orla::VOutput<double> m_inside{this, "inside", 0.0};
-    Orla::VOutput<double> m_straddling{this, "straddling", 0.0};
-    Orla::VOutput<double> m_outside{this, "outside", 0.0};
+    Orla::TypedSlot<Catalogue> m_catalogue{this, "catalog", Catalogue{}, describe("The events to count.")};
+    Orla::TypedSlot<Orla::VCamera> m_camera{this, "camera", Orla::VCamera{},
+                                            describe("The camera that sees them, in geocentric coordinates.")};
+    Orla::TypedSlot<double> m_aspect{
+        this, "aspect", 1.0, describe("The ratio of the width of the picture to its height.").above(0).finite(), 1};
+    Orla::TypedSlot<double> m_near{
+        this, "near", 1e5, describe("The distance at which the view begins.").in("m").above(0).finite().logarithmic(),
+        1};
+    Orla::TypedSlot<double> m_far{
+        this, "far", 1e8, describe("The distance at which the view ends.").in("m").above(0).finite().logarithmic(), 1};
+    Orla::TypedSlot<double> m_reach{
+        this, "reach", 5e4,
+        describe("How far an event extends in each direction.").in("m").from(0).finite().softLimits(0, 1e6), 2};
+    Orla::VOutput<double> m_inside{this, "inside", 0.0, describe("How many events are completely in view.")};
+    Orla::VOutput<double> m_straddling{this, "straddling", 0.0, describe("How many events are partly in view.")};
+    Orla::VOutput<double> m_outside{this, "outside", 0.0, describe("How many events are out of view.")};
 };
 
 } // namespace Quakes
 
 namespace {
 
-const Orla::VObjectType<Quakes::QuakeView> quakeViewType{"QuakeView"};
+const Orla::VObjectType<Quakes::QuakeView> quakeViewType{
+    "QuakeView", Orla::describeType("Counts the earthquakes that a camera sees.")
+                     .category("Earthquakes")
+                     .keywords("frustum", "visible")};
 
 } // namespace

@@ -18,6 +18,7 @@
 
 namespace Rain {
 
+using Orla::describe;
 using Orla::StrongPtr;
 using Orla::TypedSlot;
 
@@ -36,6 +37,7 @@ public:
     GridDiffusion(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
         : VObject{name, level, preferences}, TimeDependent{"time", "range", preferences, Orla::VTime{0}}
     {
+        rangeSlot().slot()->describe(describe("The days since the start at the times 0 and 1.").in("d"));
     }
 
     bool update(Orla::VRequest& request, double) override
@@ -93,20 +95,26 @@ private:
         return std::max(std::floor(days / step + rounding), 0.0);
     }
 
-    TypedSlot<Grid> m_grid{this, "grid", Grid{}, 0};
-    TypedSlot<double> m_diffusivity{this, "diffusivity", 1000.0, 0};
-    TypedSlot<double> m_step{this, "step", 1.0, 1};
+    TypedSlot<Grid> m_grid{this, "grid", Grid{}, describe("The grid at the start.")};
+    TypedSlot<double> m_diffusivity{
+        this, "diffusivity", 1000.0,
+        describe("How fast values spread.").in("km\u00b2/d").above(0).finite().softLimits(10, 1e5).logarithmic()};
+    TypedSlot<double> m_step{this, "step", 1.0,
+                             describe("The length of a step of the computation.").in("d").above(0).finite(), 1};
     // State of the object that belongs to a pool is stored in the pool.
-    Orla::VOutput<Grid> m_result{this, "grid", Grid{}};
-    Orla::VOutput<double> m_steps{this, "steps", 0.0};
-    Orla::VOutput<double> m_days{this, "days", 0.0};
-    Orla::VOutput<std::string> m_note{this, "note", ""};
+    Orla::VOutput<Grid> m_result{this, "grid", Grid{}, describe("The grid at the current time.")};
+    Orla::VOutput<double> m_steps{this, "steps", 0.0, describe("How many steps the grid has made.").asPrivateState()};
+    Orla::VOutput<double> m_days{this, "days", 0.0, describe("The time that the grid has reached.").in("d")};
+    Orla::VOutput<std::string> m_note{this, "note", "", describe("A text for the title of a picture.")};
 };
 
 } // namespace Rain
 
 namespace {
 
-const Orla::VObjectType<Rain::GridDiffusion> gridDiffusionType{"GridDiffusion"};
+const Orla::VObjectType<Rain::GridDiffusion> gridDiffusionType{
+    "GridDiffusion", Orla::describeType("Smooths a grid by diffusion, which depends on time.")
+                         .category("Grids")
+                         .keywords("smooth", "heat equation", "simulation")};
 
 } // namespace

@@ -17,6 +17,7 @@
 
 namespace Rain {
 
+using Orla::describe;
 using Orla::StrongPtr;
 
 /// Computes the isolines of a grid at each of its levels: their number `count`, and their
@@ -67,17 +68,20 @@ private:
         return true;
     }
 
-    Orla::TypedSlot<Grid> m_grid{this, "grid", Grid{}, 0};
-    Orla::TypedSlot<Gyre::MultiRange> m_levels{this, "levels", Gyre::MultiRange{500, 1000, 2000}, 0};
-    Orla::VOutput<IsolineSet> m_isolines{this, "isolines", IsolineSet{}};
-    Orla::VOutput<double> m_count{this, "count", 0.0};
-    Orla::VOutput<double> m_length{this, "length", 0.0};
+    Orla::TypedSlot<Grid> m_grid{this, "grid", Grid{}, describe("The grid with the values.")};
+    Orla::TypedSlot<Gyre::MultiRange> m_levels{this, "levels", Gyre::MultiRange{500, 1000, 2000},
+                                               describe("The values of the isolines, finite and in increasing order.")};
+    Orla::VOutput<IsolineSet> m_isolines{this, "isolines", IsolineSet{}, describe("The isolines.")};
+    Orla::VOutput<double> m_count{this, "count", 0.0, describe("How many isolines there are.")};
+    Orla::VOutput<double> m_length{this, "length", 0.0, describe("The length of all isolines.").in("km")};
 };
 
 } // namespace Rain
 
 namespace {
 
-const Orla::VObjectType<Rain::GridIsolines> gridIsolinesType{"GridIsolines"};
+const Orla::VObjectType<Rain::GridIsolines> gridIsolinesType{
+    "GridIsolines",
+    Orla::describeType("Computes the isolines of a grid.").category("Grids").keywords("contour", "level")};
 
 } // namespace

@@ -21,6 +21,7 @@
 
 namespace Rain {
 
+using Orla::describe;
 using Orla::StrongPtr;
 
 /// Colours a grid by classes of values between levels, as a layer of a map. Between the centres
@@ -73,17 +74,21 @@ private:
                               [](double value) { return std::isnan(value); });
     }
 
-    Orla::TypedSlot<Grid> m_grid{this, "grid", Grid{}, 0};
-    Orla::TypedSlot<Gyre::MultiRange> m_levels{this, "levels", Gyre::MultiRange{500, 1000, 2000}, 0};
-    Orla::TypedSlot<IsolineSet> m_isolines{this, "isolines", IsolineSet{}, 0};
-    Orla::TypedSlot<std::string> m_title{this, "title", "", 0};
-    Orla::VOutput<Earth::Layer> m_layer{this, "layer", Earth::Layer{}};
+    Orla::TypedSlot<Grid> m_grid{this, "grid", Grid{}, describe("The grid with the values.")};
+    Orla::TypedSlot<Gyre::MultiRange> m_levels{this, "levels", Gyre::MultiRange{500, 1000, 2000},
+                                               describe("The levels between classes, finite and in increasing order.")};
+    Orla::TypedSlot<IsolineSet> m_isolines{this, "isolines", IsolineSet{}, describe("Isolines to draw, if connected.")};
+    Orla::TypedSlot<std::string> m_title{this, "title", "", describe("The title of the legend.")};
+    Orla::VOutput<Earth::Layer> m_layer{this, "layer", Earth::Layer{}, describe("The layer for a map.")};
 };
 
 } // namespace Rain
 
 namespace {
 
-const Orla::VObjectType<Rain::GridLayer> gridLayerType{"GridLayer"};
+const Orla::VObjectType<Rain::GridLayer> gridLayerType{
+    "GridLayer", Orla::describeType("Colours a grid by classes, as a layer of a map.")
+                     .category("Grids")
+                     .keywords("map", "legend", "class")};
 
 } // namespace

@@ -15,6 +15,7 @@
 
 namespace Rain {
 
+using Orla::describe;
 using Orla::StrongPtr;
 
 /// Computes means of a grid in the area between the inputs `latitudes` and `longitudes`, in
@@ -63,21 +64,27 @@ private:
         return result;
     }
 
-    Orla::TypedSlot<Grid> m_grid{this, "grid", Grid{}, 0};
-    Orla::TypedSlot<Orla::Range> m_latitudes{this, "latitudes", Area{}.latitudes, 0};
-    Orla::TypedSlot<Orla::Range> m_longitudes{this, "longitudes", Area{}.longitudes, 0};
-    Orla::VOutput<double> m_mean{this, "mean", 0.0};
-    Orla::VOutput<double> m_lowest{this, "lowest", 0.0};
-    Orla::VOutput<double> m_highest{this, "highest", 0.0};
-    Orla::VOutput<double> m_cells{this, "cells", 0.0};
-    Orla::VOutput<Array> m_zonal{this, "zonal", Array{}};
-    Orla::VOutput<Array> m_rows{this, "rows", Array{}};
+    Orla::TypedSlot<Grid> m_grid{this, "grid", Grid{}, describe("The grid with the values.")};
+    Orla::TypedSlot<Orla::Range> m_latitudes{
+        this, "latitudes", Area{}.latitudes,
+        describe("The latitudes of the area, both ends inclusive.").in("\u00b0").from(-90).to(90)};
+    Orla::TypedSlot<Orla::Range> m_longitudes{
+        this, "longitudes", Area{}.longitudes,
+        describe("The longitudes of the area; 170:-170 crosses the date line.").in("\u00b0").from(-360).to(360)};
+    Orla::VOutput<double> m_mean{this, "mean", 0.0, describe("The mean, weighted by the area of the cells.")};
+    Orla::VOutput<double> m_lowest{this, "lowest", 0.0, describe("The lowest value.")};
+    Orla::VOutput<double> m_highest{this, "highest", 0.0, describe("The highest value.")};
+    Orla::VOutput<double> m_cells{this, "cells", 0.0, describe("How many cells of the area have a value.")};
+    Orla::VOutput<Array> m_zonal{this, "zonal", Array{}, describe("The mean of each row; NaN without values.")};
+    Orla::VOutput<Array> m_rows{this, "rows", Array{}, describe("The latitudes of the rows.").in("\u00b0")};
 };
 
 } // namespace Rain
 
 namespace {
 
-const Orla::VObjectType<Rain::GridMeans> gridMeansType{"GridMeans"};
+const Orla::VObjectType<Rain::GridMeans> gridMeansType{
+    "GridMeans",
+    Orla::describeType("Computes means of a grid in an area.").category("Grids").keywords("average", "zonal", "area")};
 
 } // namespace

@@ -11,6 +11,8 @@
 
 namespace Rain {
 
+using Orla::describe;
+
 /// Reads the grid of a JSON file. `values` has its values as numbers, for objects that know no
 /// grids; missing values are NaN.
 ///
@@ -38,15 +40,18 @@ public:
     }
 
 private:
-    Orla::TypedSlot<std::string> m_file{this, "file", "", 0};
-    Orla::VOutput<Grid> m_grid{this, "grid", Grid{}};
-    Orla::VOutput<Grid::Values> m_values{this, "values", Grid::Values{}};
+    Orla::TypedSlot<std::string> m_file{this, "file", "", describe("The JSON file with the grid.").asInputFile("json")};
+    Orla::VOutput<Grid> m_grid{this, "grid", Grid{}, describe("The grid.")};
+    Orla::VOutput<Grid::Values> m_values{this, "values", Grid::Values{},
+                                         describe("The values of the grid, row by row; NaN where they are missing.")};
 };
 
 } // namespace Rain
 
 namespace {
 
-const Orla::VObjectType<Rain::GridReader> gridReaderType{"GridReader"};
+const Orla::VObjectType<Rain::GridReader> gridReaderType{
+    "GridReader",
+    Orla::describeType("Reads a grid from a JSON file.").category("Grids").keywords("raster", "precipitation")};
 
 } // namespace

@@ -13,6 +13,8 @@
 
 namespace Rain {
 
+using Orla::describe;
+
 std::vector<double> levelsOf(const Gyre::MultiRange& range)
 {
     if (range.empty() || range.size() > mostLevels)
@@ -42,14 +44,18 @@ public:
     }
 
 private:
-    Orla::TypedSlot<Gyre::MultiRange> m_given{this, "levels", Gyre::MultiRange{500, 1000, 2000}, 0};
-    Orla::VOutput<Gyre::MultiRange> m_levels{this, "levels", Gyre::MultiRange{}};
+    Orla::TypedSlot<Gyre::MultiRange> m_given{this, "levels", Gyre::MultiRange{500, 1000, 2000},
+                                              describe("The levels between classes, finite and in increasing order.")};
+    Orla::VOutput<Gyre::MultiRange> m_levels{this, "levels", Gyre::MultiRange{}, describe("The same levels.")};
 };
 
 } // namespace Rain
 
 namespace {
 
-const Orla::VObjectType<Rain::Levels> levelsType{"Levels"};
+const Orla::VObjectType<Rain::Levels> levelsType{"Levels",
+                                                 Orla::describeType("Gives the same levels to colours and isolines.")
+                                                     .category("Grids")
+                                                     .keywords("class", "contour")};
 
 } // namespace

@@ -21,6 +21,7 @@ namespace Tarn {
 namespace {
 
 using Loam::Failure;
+using Orla::describe;
 using Orla::StrongPtr;
 using Orla::VTime;
 
@@ -57,11 +58,11 @@ class GlobalTime final : public Orla::VObject, public Orla::VTimeSource {
 public:
     GlobalTime(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences)
         : VObject{name, level, preferences}
-        , m_time{this, "time", initialTime(), 0}
-        , m_from{this, "from", Moment{}, 0}
-        , m_to{this, "to", Moment{}, 0}
-        , m_step{this, "step", TimeStep{}, 0}
-        , m_globalTime{this, "GlobalTime", initialTime()}
+        , m_time{this, "time", initialTime(), describe("The time, its interval and its step, as TIME[FROM,TO]@STEP.")}
+        , m_from{this, "from", Moment{}, describe("Where the time begins: seconds, days such as 1.5 d, or an instant.")}
+        , m_to{this, "to", Moment{}, describe("Where the time ends, in the same form.")}
+        , m_step{this, "step", TimeStep{}, describe("The length of a step, more than 0.")}
+        , m_globalTime{this, "GlobalTime", initialTime(), describe("The current time.")}
     {
     }
 
@@ -151,7 +152,11 @@ private:
 };
 
 const Orla::VObjectType<GlobalTime> globalTimeType{
-    "GlobalTime", Loam::makeStrong<Orla::VCreationPreferences>("default", "GlobalTime")};
+    "GlobalTime",
+    Orla::describeType("The clock of a network: provides the time to each object that depends on it.")
+        .category("Time")
+        .keywords("clock", "step", "instant"),
+    Loam::makeStrong<Orla::VCreationPreferences>("default", "GlobalTime")};
 
 } // namespace
 

@@ -7,6 +7,7 @@ namespace Tarn {
 
 namespace {
 
+using Orla::describe;
 using Orla::StrongPtr;
 using Orla::VInteractionEvent;
 
@@ -21,11 +22,15 @@ public:
 
 private:
     Orla::VOutput<VInteractionEvent> m_event{
-        this, "event", VInteractionEvent{1, Loam::makeStrong<VInteractionEvent::InteractionGrabber>("interaction")}};
+        this, "event", VInteractionEvent{1, Loam::makeStrong<VInteractionEvent::InteractionGrabber>("interaction")},
+        describe("What the user does with pointer and keyboard.")};
 };
 
 const Orla::VObjectType<InteractionSource> interactionSourceType{
-    "InteractionSource", Loam::makeStrong<Orla::VCreationPreferences>("default", "unique"), &typeid(VInteractionEvent)};
+    "InteractionSource",
+    Orla::describeType("Provides the events of pointer and keyboard to all interactive objects.")
+        .category("Interaction"),
+    Loam::makeStrong<Orla::VCreationPreferences>("default", "unique"), &typeid(VInteractionEvent)};
 
 } // namespace
 

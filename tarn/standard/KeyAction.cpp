@@ -9,6 +9,7 @@ namespace Tarn {
 
 namespace {
 
+using Orla::describe;
 using Orla::StrongPtr;
 using Action = StrongPtr<Orla::VAction>;
 
@@ -34,11 +35,14 @@ public:
 
 private:
     const Action m_theAction = Loam::makeStrong<Orla::VAction>(3.0);
-    const Orla::TypedSlot<Action> m_forward{this, "forward", Action{}, 0};
-    const Orla::VOutput<Action> m_action{this, "action", m_theAction};
+    const Orla::TypedSlot<Action> m_forward{
+        this, "forward", Action{}, describe("Actions to pass on, so other objects can trigger the effect of the key.")};
+    const Orla::VOutput<Action> m_action{this, "action", m_theAction, describe("Emitted when the key is pressed.")};
 };
 
-const Orla::VObjectType<KeyAction> keyActionType{"KeyAction"};
+const Orla::VObjectType<KeyAction> keyActionType{
+    "KeyAction",
+    Orla::describeType("Emits an action when its key is pressed.").category("Interaction").keywords("keyboard")};
 
 } // namespace
 

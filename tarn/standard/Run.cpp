@@ -7,6 +7,7 @@ namespace Tarn {
 
 namespace {
 
+using Orla::describe;
 using Orla::StrongPtr;
 using Action = StrongPtr<Orla::VAction>;
 
@@ -19,11 +20,15 @@ public:
     bool update(Orla::VRequest&, double) override { return true; }
 
 private:
-    const Orla::VOutput<Action> m_stepped{this, "stepped", Loam::makeStrong<Orla::VAction>(1.0)};
-    const Orla::VOutput<Action> m_finished{this, "finished", Loam::makeStrong<Orla::VAction>(2.0)};
+    const Orla::VOutput<Action> m_stepped{this, "stepped", Loam::makeStrong<Orla::VAction>(1.0),
+                                          describe("Emitted after each step.")};
+    const Orla::VOutput<Action> m_finished{this, "finished", Loam::makeStrong<Orla::VAction>(2.0),
+                                           describe("Emitted at the end of a run.")};
 };
 
-const Orla::VObjectType<Run> runType{"Run", Loam::makeStrong<Orla::VCreationPreferences>("default", "run")};
+const Orla::VObjectType<Run> runType{
+    "Run", Orla::describeType("Emits actions during a run, for example to write files.").category("Time"),
+    Loam::makeStrong<Orla::VCreationPreferences>("default", "run")};
 
 } // namespace
 

@@ -228,6 +228,14 @@ TEST_F(FlagInput, startsWithTheGivenFlags)
     EXPECT_EQ(slot.parameter()->DefaultValue()->Text(), " +a +b +c");
 }
 
+TEST_F(FlagInput, mayBeDescribed)
+{
+    const TypedSlot<bool[]> slot(m_container.get(), "switches", "a -b", describe("What is drawn."));
+    ASSERT_TRUE(slot.slot() && slot.slot()->description());
+    EXPECT_EQ(slot.slot()->description()->parts().sentence, "What is drawn.");
+    EXPECT_EQ(slot.initialValue(), FlagList("a -b", ' '));
+}
+
 TEST_F(FlagInput, appliesItsFlagNamesInOrder)
 {
     const TypedSlot<bool[]> twice(m_container.get(), "twice", "-a  a b -b", 0);

@@ -3,6 +3,7 @@
 #include "tarn/DescribedObjects.hpp"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include <string>
 
@@ -91,6 +92,19 @@ TEST(DescriptionText, isAnExampleThatRuns)
             .out;
     const ProcessResult result = runDescribed("run", text.substr(text.find("[[object]]")));
     EXPECT_EQ(result.status, 0) << result.err;
+}
+
+TEST(DescriptionText, existsForEachSlotOfTheStandardObjectsAndTheExamples)
+{
+    const auto listed = nlohmann::json::parse(runTarn({"objects", "earth", "quakes", "rain", "--json"}).out);
+    EXPECT_GT(listed["objectTypes"].size(), 15u);
+    for (const auto& type : listed["objectTypes"]) {
+        EXPECT_FALSE(type["description"].is_null()) << type["name"];
+        for (const char* slots : {"inputs", "outputs"}) {
+            for (const auto& slot : type[slots])
+                EXPECT_FALSE(slot["description"].is_null()) << type["name"] << ", " << slot["name"];
+        }
+    }
 }
 
 } // namespace DescriptionTextTest
