@@ -186,9 +186,10 @@ is kept. A signal ends the program with exit status 130 or 143.
                          "step, as comma-separated values; \"-\" is standard output."},
                 {.name = "print",
                  .shape = "OBJECT.OUTPUT",
-                 .help = "Prints the text of an output, or of its component\n"
-                         "OBJECT.OUTPUT.MEMBER, to standard output at the end.\n"
-                         "May be repeated.",
+                 .help = "Prints the text of an output, of its component\n"
+                         "OBJECT.OUTPUT.MEMBER, or of an input to standard output\n"
+                         "at the end. \"*\" matches any text in the names of\n"
+                         "outputs: \"filter.*\". May be repeated.",
                  .repeats = true},
                 {.name = "sweep",
                  .shape = "OBJECT.SLOT=TEXT,...",

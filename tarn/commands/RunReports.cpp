@@ -33,7 +33,7 @@ void printOutputs(const PrintedOutputs& printed, const Context& context, const S
     if (printed.empty())
         return;
     std::vector<std::string> failures;
-    print(streams, printed.lines(context.pool(), failures));
+    print(streams, printed.lines(context, failures));
     for (const std::string& failure : failures)
         say("error: " + failure);
     // Outputs of failed objects are not further failures.

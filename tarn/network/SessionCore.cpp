@@ -284,6 +284,13 @@ Result<OutputReference> SessionCore::findSlot(std::string_view reference) const
     return findOutput(reference);
 }
 
+std::vector<std::string> SessionCore::outputsOf(const std::string& name) const
+{
+    const Use use{*m_objects};
+    const StrongPtr<Orla::VObject> object{m_objects->find(name)};
+    return object ? visibleNamesOf(object->outputs()) : std::vector<std::string>{};
+}
+
 StrongPtr<Orla::VValueBase> SessionCore::declaredValue(const StrongPtr<Orla::VSlot>& input) const
 {
     const auto found = m_network.declared.find(input.get());

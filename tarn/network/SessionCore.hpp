@@ -68,6 +68,9 @@ public:
     /// Finds an input, or an output as `findOutput` does.
     Loam::Result<OutputReference> findSlot(std::string_view reference) const;
 
+    /// Returns the names of the outputs of the object \p name, without private state.
+    std::vector<std::string> outputsOf(const std::string& name) const;
+
     /// Returns the value of \p input that \p text means in a saved network. Fails if the text is
     /// refused.
     Loam::Result<Orla::StrongPtr<Orla::VValueBase>> valueOfText(const Orla::StrongPtr<Orla::VSlot>& input,

@@ -857,6 +857,22 @@ private:
     VOutput<std::string> m_chosen{this, "chosen", ""};
 };
 
+// Its input and its output have the same name.
+class Doubler final : public Orla::VObject {
+public:
+    using VObject::VObject;
+
+    bool update(Orla::VRequest& request, double) override
+    {
+        m_result(request.valuePool()) <<= 2 * m_value.value(request.valuePool());
+        return true;
+    }
+
+private:
+    TypedSlot<double> m_value{this, "value", 0.0, 0};
+    VOutput<double> m_result{this, "value", 0.0};
+};
+
 class TicketReader final : public Orla::VObject {
 public:
     TicketReader(const std::string& name, int level, const Preferences& preferences)
@@ -950,6 +966,7 @@ const Orla::VObjectType<Teller> tellerType{"Teller"};
 const Orla::VObjectType<FailingTeller> failingTellerType{"FailingTeller"};
 const Orla::VObjectType<Cartographer> cartographerType{"Cartographer"};
 const Orla::VObjectType<Picker> pickerType{"Picker"};
+const Orla::VObjectType<Doubler> doublerType{"Doubler"};
 const Orla::VObjectType<Reteller> retellerType{"Reteller"};
 const Orla::VObjectType<Opener> openerType{"Opener"};
 
