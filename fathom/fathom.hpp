@@ -40,6 +40,7 @@
 #include <fathom/VRunningCell.hpp>
 #include <fathom/VScalarFunctor.hpp>
 #include <fathom/VStringList.hpp>
+#include <fathom/VTextOfMembers.hpp>
 #include <fathom/VTime.hpp>
 #include <fathom/VTimeSource.hpp>
 #include <fathom/VUrlSystemHandler.hpp>
