@@ -2,6 +2,7 @@
 
 #include <tarn/commands/ExitStatus.hpp>
 #include <tarn/commands/TypeArguments.hpp>
+#include <tarn/libraries/Libraries.hpp>
 #include <tarn/libraries/LibraryFiles.hpp>
 #include <tarn/run/WarningPrinter.hpp>
 #include <tarn/text/Messages.hpp>
@@ -24,17 +25,6 @@ bool beginsWith(std::string_view name, std::string_view start)
 {
     return name.size() >= start.size()
            && std::ranges::equal(name.substr(0, start.size()), start, {}, &Loam::toLower, &Loam::toLower);
-}
-
-// Returns `"A", "B" or "C"`, and how many more.
-std::string alternatives(const std::vector<std::string>& names)
-{
-    constexpr std::size_t MostNames = 8;
-    const std::size_t count = std::min(names.size(), MostNames);
-    std::string list;
-    for (std::size_t i = 0; i < count; ++i)
-        list += (i == 0 ? "" : i + 1 == names.size() ? " or " : ", ") + inQuotes(names[i]);
-    return names.size() > count ? list + " or one of " + std::to_string(names.size() - count) + " more" : list;
 }
 
 // Returns the names of all types, as registered and as shown to people.

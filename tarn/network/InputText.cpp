@@ -40,23 +40,13 @@ std::string completeText(VValueBase& value, const std::string& text)
     return text;
 }
 
-// Returns the names in quotes, those most like `text` first.
-std::string listed(Strings names, const std::string& text)
-{
-    constexpr std::size_t MostChoices = 8;
-    const std::string near = nearest(text, names);
-    std::ranges::stable_partition(names, [&](const std::string& name) { return name == near; });
-    const std::size_t count = std::min(names.size(), MostChoices);
-    std::string list;
-    for (std::size_t i = 0; i < count; ++i)
-        list += (i == 0 ? "" : i + 1 == names.size() ? " or " : ", ") + inQuotes(names[i]);
-    return names.size() > count ? list + " or one of " + std::to_string(names.size() - count) + " more" : list;
-}
-
 std::string expectation(const Orla::VSlot& input, VValueBase& declared, const std::string& text)
 {
-    if (const Strings choices = choicesOf(declared); !choices.empty())
-        return "expected " + listed(choices, text);
+    if (Strings choices = choicesOf(declared); !choices.empty()) {
+        const std::string near = nearest(text, choices);
+        std::stable_partition(choices.begin(), choices.end(), [&](const std::string& name) { return name == near; });
+        return "expected " + alternatives(choices);
+    }
     std::string expected = "expected a value of type " + Orla::VTypeLabel::of(input.type());
     const VSlotDescription* const description = input.description();
     if (const std::string limits = description ? description->limitsText() : std::string(); !limits.empty())

@@ -101,4 +101,14 @@ std::string insteadOf(std::string_view name, const std::vector<std::string>& can
     return "; available: " + list;
 }
 
+std::string alternatives(const std::vector<std::string>& names)
+{
+    constexpr std::size_t MostNames = 8;
+    const std::size_t count = std::min(names.size(), MostNames);
+    std::string list;
+    for (std::size_t i = 0; i < count; ++i)
+        list += (i == 0 ? "" : i + 1 == names.size() ? " or " : ", ") + inQuotes(names[i]);
+    return names.size() > count ? list + " or one of " + std::to_string(names.size() - count) + " more" : list;
+}
+
 } // namespace Tarn

@@ -29,4 +29,7 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
 /// of candidates if there are only a few, or an empty string.
 std::string insteadOf(std::string_view name, const std::vector<std::string>& candidates);
 
+/// Returns the names in quotes: `"A", "B" or "C"`. Counts the names after the first eight.
+std::string alternatives(const std::vector<std::string>& names);
+
 } // namespace Tarn

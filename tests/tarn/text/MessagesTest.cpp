@@ -64,4 +64,13 @@ TEST(Messages, suggestOrListTheAvailableNames)
     EXPECT_EQ(insteadOf("depth", std::vector<std::string>(13, "x")), "");
 }
 
+TEST(Messages, listAlternatives)
+{
+    EXPECT_EQ(alternatives({}), "");
+    EXPECT_EQ(alternatives({"a"}), "\"a\"");
+    EXPECT_EQ(alternatives({"a", "b", "c"}), "\"a\", \"b\" or \"c\"");
+    EXPECT_EQ(alternatives(std::vector<std::string>(10, "x")),
+              "\"x\", \"x\", \"x\", \"x\", \"x\", \"x\", \"x\", \"x\" or one of 2 more");
+}
+
 } // namespace MessagesTest
