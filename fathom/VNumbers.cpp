@@ -1,6 +1,11 @@
 #include <fathom/VNumbers.hpp>
 
-#include <fathom/VValue.hpp>
+// Declare the instantiations of VValue, which the library exports.
+#include <fathom/Chunk.hpp>
+#include <fathom/Double.hpp>
+#include <fathom/GyreFixedArray.hpp>
+#include <fathom/GyrePhysicalSpacePoint.hpp>
+#include <fathom/Position2D.hpp>
 
 #include <gable/PhysicalSpace.hpp>
 

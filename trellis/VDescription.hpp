@@ -1,5 +1,7 @@
 #pragma once
 
+#include <trellis/Export.hpp>
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -112,7 +114,7 @@ private:
 
 // Throws std::invalid_argument. Calling it makes an expression that is evaluated at compile
 // time an error, which quotes the call.
-[[noreturn]] void refuseDescription(const char* reason);
+[[noreturn]] TRELLIS_API void refuseDescription(const char* reason);
 
 } // namespace Detail
 
