@@ -21,8 +21,8 @@ namespace Tarn {
 const std::vector<const Command*>& commands()
 {
     static const std::vector<const Command*> all{
-        &runCommand(),   &checkCommand(),   &convertCommand(),  &diffCommand(),      &graphCommand(),
-        &typesCommand(), &objectsCommand(), &describeCommand(), &librariesCommand(), &newCommand()};
+        &runCommand(),     &checkCommand(),    &convertCommand(), &diffCommand(),      &graphCommand(), &typesCommand(),
+        &objectsCommand(), &describeCommand(), &manualCommand(),  &librariesCommand(), &newCommand()};
     return all;
 }
 

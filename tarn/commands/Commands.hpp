@@ -16,6 +16,7 @@ const Command& describeCommand();
 const Command& diffCommand();
 const Command& graphCommand();
 const Command& librariesCommand();
+const Command& manualCommand();
 const Command& newCommand();
 const Command& objectsCommand();
 const Command& runCommand();

@@ -19,16 +19,16 @@ namespace {
 
 constexpr char Shape[] = "FILE.svg|.png|.dot";
 
-enum class Kind { Dot, Svg, Png };
+enum class DrawingKind { Dot, Svg, Png };
 
-Kind kindOf(const std::string& output)
+DrawingKind kindOf(const std::string& output)
 {
     if (isStandardOutput(output) || output.ends_with(".dot"))
-        return Kind::Dot;
+        return DrawingKind::Dot;
     if (output.ends_with(".svg"))
-        return Kind::Svg;
+        return DrawingKind::Svg;
     if (output.ends_with(".png"))
-        return Kind::Png;
+        return DrawingKind::Png;
     throw UsageError{"--output=" + printable(output) + ": expected a name that ends in .svg, .png or .dot"};
 }
 
@@ -43,7 +43,7 @@ int performGraph(const Arguments& arguments, const StandardStreams& streams)
     const std::optional<std::string> output = arguments.text("output");
     if (!output)
         throw UsageError{"no --output, expected --output=" + std::string(Shape)};
-    const Kind kind = kindOf(*output);
+    const DrawingKind kind = kindOf(*output);
     const bool isFile = !isStandardOutput(*output);
     const std::string network = findNetwork(arguments.names[0]);
     const Interruption interruption;
@@ -54,12 +54,12 @@ int performGraph(const Arguments& arguments, const StandardStreams& streams)
         return reportFaults(session.faults(), "; nothing was drawn");
     const NetworkGraph graph = graphOf(session);
     std::string picture = dotText(graph);
-    if (kind != Kind::Dot && graph.objects.size() > MostLaidOutWell)
+    if (kind != DrawingKind::Dot && graph.objects.size() > MostLaidOutWell)
         printLine(session.faults().file() + ": note: with " + counted(graph.objects.size(), "object")
                   + " the picture is laid out roughly and may take minutes; --output=FILE.dot writes the text form "
                     "at once");
-    if (kind != Kind::Dot)
-        picture = drawGraph(picture, kind == Kind::Svg ? PictureFormat::Svg : PictureFormat::Png);
+    if (kind != DrawingKind::Dot)
+        picture = drawGraph(picture, kind == DrawingKind::Svg ? PictureFormat::Svg : PictureFormat::Png);
     const std::unique_ptr<Loam::OutputFile> file = openResult(path, streams);
     file->write(picture);
     if (Interruption::signal() != 0)

@@ -1,5 +1,6 @@
 #include <tarn/types/DescriptionText.hpp>
 
+#include <tarn/libraries/Libraries.hpp>
 #include <tarn/text/Messages.hpp>
 #include <tarn/text/TomlText.hpp>
 
@@ -10,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <filesystem>
 
 namespace Tarn {
 
@@ -29,14 +31,6 @@ std::string textKindOf(const VSlotDescription::Parts& parts)
     for (std::size_t i = 0; i < parts.extensions.size(); ++i)
         text += (i == 0 ? " (." : ", .") + parts.extensions[i];
     return parts.extensions.empty() ? text : text + ')';
-}
-
-std::string conditionOf(const VSlotDescription::Parts& parts)
-{
-    std::string text = "only if " + parts.conditionInput + " is ";
-    for (std::size_t i = 0; i < parts.conditionValues.size(); ++i)
-        text += (i == 0 ? "\"" : " or \"") + parts.conditionValues[i] + '"';
-    return text;
 }
 
 Json finiteOrNull(double number)
@@ -75,10 +69,21 @@ std::vector<std::string> factsOf(const VSlotDescription& description)
     if (parts.textKind != Orla::VTextKind::Plain)
         facts.push_back(textKindOf(parts));
     if (!parts.conditionInput.empty())
-        facts.push_back(conditionOf(parts));
+        facts.push_back(conditionOf(description));
     if (parts.visibility != VVisibility::Ordinary)
         facts.push_back(Visibilities.at(static_cast<std::size_t>(parts.visibility)));
     return facts;
+}
+
+std::string conditionOf(const VSlotDescription& description)
+{
+    const VSlotDescription::Parts& parts = description.parts();
+    if (parts.conditionInput.empty())
+        return {};
+    std::string text = "only if " + parts.conditionInput + " is ";
+    for (std::size_t i = 0; i < parts.conditionValues.size(); ++i)
+        text += (i == 0 ? "\"" : " or \"") + parts.conditionValues[i] + '"';
+    return text;
 }
 
 std::string summaryOf(const VSlotDescription* description)
@@ -96,12 +101,17 @@ std::string summaryOf(const VSlotDescription* description)
     return summary + '.';
 }
 
-std::string exampleNetworkLines(const ObjectTypeDescription& type)
+std::string exampleNameOf(const ObjectTypeDescription& type)
 {
     std::string name = type.name;
     if (!name.empty() && name.front() >= 'A' && name.front() <= 'Z')
         name.front() = static_cast<char>(name.front() - 'A' + 'a');
-    std::string lines = "[[object]]\nname = " + tomlString(Loam::validUtf8(name))
+    return name;
+}
+
+std::string exampleNetworkLines(const ObjectTypeDescription& type)
+{
+    std::string lines = "[[object]]\nname = " + tomlString(Loam::validUtf8(exampleNameOf(type)))
                         + "\ntype = " + tomlString(Loam::validUtf8(type.name)) + '\n';
     for (const ObjectTypeDescription::Input& input : type.inputs) {
         const bool isAdvanced = input.description && input.description->parts().visibility != VVisibility::Ordinary;
@@ -111,6 +121,31 @@ std::string exampleNetworkLines(const ObjectTypeDescription& type)
                  + '\n';
     }
     return lines;
+}
+
+std::string exampleNetwork(const ObjectTypeDescription& type)
+{
+    std::string network = "format = 1\n";
+    if (const std::string library = libraryOf(type); library != StandardLibrary)
+        network += "libraries = [" + tomlString(Loam::validUtf8(library)) + "]\n";
+    network += '\n' + exampleNetworkLines(type);
+    const auto output = std::ranges::find_if(type.outputs, &isListed, &ObjectTypeDescription::Output::description);
+    if (output == type.outputs.end())
+        return network;
+    return network + "\n[[column]]\ntitle = " + tomlString(Loam::validUtf8(output->name))
+           + "\nvalue = " + tomlString(Loam::validUtf8(exampleNameOf(type) + '.' + output->name)) + '\n';
+}
+
+std::string libraryOf(const ObjectTypeDescription& type)
+{
+    return std::filesystem::path(type.library).stem().string();
+}
+
+bool needsFile(const ObjectTypeDescription::Input& input)
+{
+    return input.initialText.empty() && input.description
+           && input.description->parts().textKind == Orla::VTextKind::InputFile
+           && input.description->parts().conditionInput.empty();
 }
 
 Json slotDescriptionJson(const VSlotDescription* description)

@@ -107,4 +107,34 @@ TEST(DescriptionText, existsForEachSlotOfTheStandardObjectsAndTheExamples)
     }
 }
 
+TEST(DescriptionText, makesExampleNetworksThatLoadTheLibraryAndShowAnOutput)
+{
+    ObjectTypeDescription type;
+    type.name = "Clock";
+    type.library = "/lib/fathom/standard.so";
+    EXPECT_EQ(exampleNetwork(type), "format = 1\n\n[[object]]\nname = \"clock\"\ntype = \"Clock\"\n");
+    const auto hidden = stored(describe("A number.").hidden());
+    type.library = "/lib/fathom/houses.so";
+    type.outputs = {{"secret", "int", "integer", hidden.get()}, {"hour", "int", "integer", nullptr}};
+    EXPECT_EQ(exampleNetwork(type), "format = 1\nlibraries = [\"houses\"]\n\n"
+                                    "[[object]]\nname = \"clock\"\ntype = \"Clock\"\n\n"
+                                    "[[column]]\ntitle = \"hour\"\nvalue = \"clock.hour\"\n");
+}
+
+TEST(DescriptionText, findsInputsThatNeedTheNameOfAFile)
+{
+    const auto file = stored(describe("The file.").asInputFile());
+    const auto conditional = stored(describe("The file.").asInputFile().onlyIf("mode", "a"));
+    const auto result = stored(describe("The file.").asOutputFile());
+    ObjectTypeDescription::Input input;
+    EXPECT_FALSE(needsFile(input));
+    for (const auto& [description, expected] : {std::pair{file, true}, {conditional, false}, {result, false}}) {
+        input.description = description.get();
+        EXPECT_EQ(needsFile(input), expected);
+    }
+    input.description = file.get();
+    input.initialText = "a.json";
+    EXPECT_FALSE(needsFile(input));
+}
+
 } // namespace DescriptionTextTest
