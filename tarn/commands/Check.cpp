@@ -1,6 +1,7 @@
 #include <tarn/commands/Commands.hpp>
 
 #include <tarn/commands/ExitStatus.hpp>
+#include <tarn/run/Advice.hpp>
 #include <tarn/run/HotKeys.hpp>
 #include <tarn/network/SessionCore.hpp>
 #include <tarn/run/WarningPrinter.hpp>
@@ -21,6 +22,11 @@ int performCheck(const Arguments& arguments, const StandardStreams&)
         for (const std::string& object : shared.objects)
             names += (names.empty() ? "" : ", ") + inQuotes(object);
         printLine(session.faults().file() + ": note: key " + nameOfKey(shared.key) + " is the hot key of " + names);
+    }
+    if (arguments.has("advice")) {
+        const Faults advice = adviceOn(session.core()->network(), session.core()->file(), session.faults().file());
+        for (const std::string& line : advice.lines())
+            printLine(line);
     }
     printLine(session.faults().file() + ": " + counted(session.core()->network().objectCount, "object") + ", "
               + counted(session.core()->network().connected.size(), "connection") + ", no faults");
@@ -43,6 +49,14 @@ nothing. The exit status is 2 if there are faults.
 
 Keys that are the hot key of several objects are listed too, but are not faults.
 )",
+        .options =
+            {
+                {.name = "advice",
+                 .help = "Lists, if there are no faults, what may be wrong: inputs\n"
+                         "without a description, inputs that do not matter as the\n"
+                         "others are set, outputs that are never read, and objects\n"
+                         "that reach no file, column or status. These are not faults."},
+            },
         .libraryFolders = NetworkFolders,
         .perform = &performCheck,
     };

@@ -48,6 +48,10 @@ public:
     const Faults& faults() const noexcept { return m_faults; }
     Orla::VNetwork& objects() noexcept { return *m_objects; }
     const Network& network() const noexcept { return m_network; }
+
+    /// Returns the saved network; its places are those of the file until the network is changed.
+    const NetworkFile& file() const noexcept { return m_file; }
+
     TimeProvider timeProvider() const;
 
     /// The chart that all objects must follow; empty if the choice is theirs.
