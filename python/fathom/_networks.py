@@ -84,6 +84,27 @@ class Slot:
         return self._info.components
 
     @property
+    def description(self) -> str:
+        """A sentence about its meaning; empty if it is not described."""
+        return self._info.description
+
+    @property
+    def unit(self) -> str:
+        """The unit of its values, such as "km"; empty if it has none."""
+        return self._info.unit
+
+    @property
+    def limits(self) -> Optional[tuple[float, float]]:
+        """The smallest and the largest number that it accepts, or None. Ends may be infinite or excluded; see
+        `limits_text`."""
+        return self._info.limits
+
+    @property
+    def limits_text(self) -> str:
+        """The limits for people, such as "from 0 to 100 km"; empty without limits."""
+        return self._info.limits_text
+
+    @property
     def level(self) -> int:
         """The expert level."""
         return self._info.level

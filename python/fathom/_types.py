@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from dataclasses import dataclass
-from typing import TYPE_CHECKING
+from typing import TYPE_CHECKING, Optional
 
 from . import _fathom
 
@@ -13,7 +13,7 @@ if TYPE_CHECKING:
 
 @dataclass(frozen=True)
 class ValueType:
-    """A registered value type."""
+    """A registered value type. A type whose values cannot be created has the reason in `failure`."""
 
     name: str
     label: str
@@ -21,17 +21,25 @@ class ValueType:
     default_text: str
     is_input: bool
     components: tuple[str, ...]
+    example: str
+    failure: str
 
 
 @dataclass(frozen=True)
 class InputType:
-    """An input of a registered object type."""
+    """An input of a registered object type. `limits` are the smallest and the largest number that it accepts;
+    an end may be infinite or excluded, and `limits_text` states both exactly."""
 
     name: str
     type: str
     level: int
     initial_text: str
     is_automatic: bool
+    choices: tuple[str, ...]
+    description: str
+    unit: str
+    limits: Optional[tuple[float, float]]
+    limits_text: str
 
 
 @dataclass(frozen=True)
@@ -40,16 +48,25 @@ class OutputType:
 
     name: str
     type: str
+    description: str
+    unit: str
+    limits: Optional[tuple[float, float]]
+    limits_text: str
 
 
 @dataclass(frozen=True)
 class ObjectType:
     """A registered object type, read from an object that was created for that. A type whose objects cannot be
-    created has the reason in `failure`."""
+    created has the reason in `failure`. Texts that the type does not have are empty."""
 
     name: str
     library: str
     failure: str
+    description: str
+    details: str
+    category: str
+    keywords: tuple[str, ...]
+    page: str
     inputs: dict[str, InputType]
     outputs: dict[str, OutputType]
 
@@ -68,6 +85,8 @@ def objects(*libraries: str) -> dict[str, ObjectType]:
 
     >>> sorted(fa.objects()["GlobalTime"].inputs)
     ['from', 'step', 'time', 'to']
+    >>> fa.objects()["GlobalTime"].category
+    'Time'
     """
     made = {}
     for each in _fathom.object_types(libraries):
@@ -75,6 +94,11 @@ def objects(*libraries: str) -> dict[str, ObjectType]:
             name=each["name"],
             library=each["library"],
             failure=each["failure"],
+            description=each["description"],
+            details=each["details"],
+            category=each["category"],
+            keywords=each["keywords"],
+            page=each["page"],
             inputs={slot["name"]: InputType(**slot) for slot in each["inputs"]},
             outputs={slot["name"]: OutputType(**slot) for slot in each["outputs"]},
         )
@@ -82,11 +106,14 @@ def objects(*libraries: str) -> dict[str, ObjectType]:
 
 
 def _line(slot: Slot) -> str:
-    # The place for what objects say about their slots: a sentence, a unit, limits.
     notes = [slot.type]
+    if slot.limits_text:
+        notes.append(slot.limits_text)
+    elif slot.unit:
+        notes.append(f"in {slot.unit}")
     if slot.source:
         notes.append(f"reads {slot.source}")
-    return f"    {slot.name}: {', '.join(notes)}"
+    return f"    {slot.name}: {', '.join(notes)}" + (f". {slot.description}" if slot.description else "")
 
 
 def description(described: NetworkObject) -> str:

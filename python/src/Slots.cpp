@@ -43,6 +43,7 @@ Slot describe(const Orla::VObject& object, const Orla::VSlot& slot, bool isOutpu
             .components = Orla::VValueComponents::names(slot.type()),
             .source = isOutput ? std::string() : sourceOf(slot),
             .level = slot.expertLevel(),
+            .meaning = slot.description(),
             .isOutput = isOutput,
             .isConnected = slot.isConnected(),
             .isAutomatic = slot.hasFlag(Orla::VSlot::AutoConnected),
@@ -64,6 +65,7 @@ std::optional<Slot> findComponent(const Orla::VObject& object, std::string_view 
         slot.typeName = Orla::VTypeLabel::of(*type);
         slot.typeCode = Loam::Typename(*type);
         slot.components = Orla::VValueComponents::names(*type);
+        slot.meaning = nullptr; // it describes the whole value
         return slot;
     }
     return std::nullopt;
@@ -110,6 +112,13 @@ std::string Slot::place() const
     return description + ", " + (isOutput ? "output" : "input") + " \"" + name + "\": ";
 }
 
+py::object limitsOf(const Orla::VSlotDescription* description)
+{
+    if (!description || !description->parts().limits.isSet())
+        return py::none();
+    return py::make_tuple(description->parts().limits.from, description->parts().limits.to);
+}
+
 std::vector<Slot> slotsOf(const Handle& handle, SlotKind kind)
 {
     const Use use{handle.network()->session().network()};
@@ -145,6 +154,13 @@ void bindSlots(py::module_& module)
         .def_property_readonly("type_code", [](const Slot& self) { return Text{self.typeCode}; })
         .def_property_readonly("components", [](const Slot& self) { return self.components; })
         .def_property_readonly("source", [](const Slot& self) { return Text{self.source}; })
+        .def_property_readonly(
+            "description", [](const Slot& self) { return Text{self.meaning ? self.meaning->parts().sentence : ""}; })
+        .def_property_readonly("unit",
+                               [](const Slot& self) { return Text{self.meaning ? self.meaning->parts().unit : ""}; })
+        .def_property_readonly("limits", [](const Slot& self) { return limitsOf(self.meaning); })
+        .def_property_readonly("limits_text",
+                               [](const Slot& self) { return Text{self.meaning ? self.meaning->limitsText() : ""}; })
         .def_readonly("level", &Slot::level)
         .def_readonly("is_output", &Slot::isOutput)
         .def_readonly("is_connected", &Slot::isConnected)

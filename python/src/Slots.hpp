@@ -2,6 +2,8 @@
 
 #include "Networks.hpp"
 
+#include <trellis/VSlotDescription.hpp>
+
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -30,16 +32,20 @@ struct Slot {
     std::string description; ///< of the object, in messages
     std::string name;
     const std::type_info* type = nullptr;
-    std::string typeName;                ///< for people
-    std::string typeCode;                ///< for programs
-    std::vector<std::string> components; ///< of the values
-    std::string source{};                ///< "OBJECT.OUTPUT" that a connected input reads
-    int level = 0;                       ///< the expert level
+    std::string typeName;                            ///< for people
+    std::string typeCode;                            ///< for programs
+    std::vector<std::string> components;             ///< of the values
+    std::string source{};                            ///< "OBJECT.OUTPUT" that a connected input reads
+    int level = 0;                                   ///< the expert level
+    const Orla::VSlotDescription* meaning = nullptr; ///< null if not described
     bool isOutput = false;
     bool isConnected = false;
     bool isAutomatic = false; ///< connected automatically unless the user connects it
     bool namesResult = false; ///< has the name of a file that the object writes
 };
+
+/// Returns the smallest and the largest number that the slot accepts, or None without limits.
+py::object limitsOf(const Orla::VSlotDescription* description);
 
 /// Returns the inputs or the outputs.
 /// \throw Removed if the object was removed.

@@ -1,11 +1,13 @@
 #include "Bindings.hpp"
 #include "Serving.hpp"
+#include "Slots.hpp"
 #include "Texts.hpp"
 
 #include <tarn/types/TypeCatalogue.hpp>
 
 #include <pybind11/stl.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -47,8 +49,23 @@ std::vector<ObjectTypeDescription> objectTypes(const Strings& libraries)
     });
 }
 
-// Fields are dicts here; the module in Python makes classes of them, and adds what the framework
-// describes.
+py::tuple toTuple(const std::vector<std::string>& texts)
+{
+    py::tuple made(texts.size());
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        made[i] = toStr(texts[i]);
+    return made;
+}
+
+void addDescription(py::dict& made, const Orla::VSlotDescription* description)
+{
+    made["description"] = toStr(description ? description->parts().sentence : std::string());
+    made["unit"] = toStr(description ? description->parts().unit : std::string());
+    made["limits"] = limitsOf(description);
+    made["limits_text"] = toStr(description ? description->limitsText() : std::string());
+}
+
+// Fields are dicts here; the module in Python makes classes of them.
 py::dict toDict(const ValueTypeDescription& type)
 {
     py::dict made;
@@ -58,6 +75,8 @@ py::dict toDict(const ValueTypeDescription& type)
     made["default_text"] = toStr(type.defaultText);
     made["is_input"] = type.isInput;
     made["components"] = py::tuple(py::cast(type.components));
+    made["example"] = toStr(type.example);
+    made["failure"] = toStr(type.failure);
     return made;
 }
 
@@ -71,6 +90,8 @@ py::dict toDict(const ObjectTypeDescription& type)
         made["level"] = input.level;
         made["initial_text"] = toStr(input.initialText);
         made["is_automatic"] = input.findsPartner;
+        made["choices"] = toTuple(input.choices);
+        addDescription(made, input.description);
         inputs.append(made);
     }
     py::list outputs;
@@ -78,12 +99,19 @@ py::dict toDict(const ObjectTypeDescription& type)
         py::dict made;
         made["name"] = toStr(output.name);
         made["type"] = toStr(output.typeLabel);
+        addDescription(made, output.description);
         outputs.append(made);
     }
     py::dict made;
     made["name"] = toStr(type.name);
     made["library"] = toStr(type.library);
     made["failure"] = toStr(type.failure);
+    const Orla::VTypeDescription::Parts parts = type.description.value_or(Orla::VTypeDescription::Parts{});
+    made["description"] = toStr(parts.sentence);
+    made["details"] = toStr(parts.details);
+    made["category"] = toStr(parts.category);
+    made["keywords"] = toTuple(parts.keywords);
+    made["page"] = toStr(parts.page);
     made["inputs"] = inputs;
     made["outputs"] = outputs;
     return made;

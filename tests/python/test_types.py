@@ -6,6 +6,7 @@ import json
 import os
 import pydoc
 import subprocess
+from typing import Any, cast
 
 import pytest
 
@@ -34,6 +35,33 @@ def test_object_types_have_inputs_and_outputs() -> None:
     assert types["Unmakable"].failure != ""
     with pytest.raises(ValueError, match='"unknown" was not found'):
         fa.objects("unknown")
+
+
+def test_object_types_have_the_descriptions_of_tarn() -> None:
+    types = fa.objects()
+    for each in from_tarn("objects")["objectTypes"]:
+        described = cast(dict[str, Any], each)
+        type = types[described["name"]]
+        texts = described["description"]
+        assert (type.description, type.category) == (texts["sentence"], texts["category"] or "")
+        assert (type.details, type.page) == (texts["details"] or "", texts["page"] or "")
+        assert list(type.keywords) == texts["keywords"]
+        for slot in described["inputs"]:
+            assert type.inputs[slot["name"]].description == (slot["description"] or {}).get("sentence", "")
+            assert list(type.inputs[slot["name"]].choices) == slot["choices"]
+
+
+def test_slots_have_units_and_limits() -> None:
+    latitudes = fa.objects("rain")["GridMeans"].inputs["latitudes"]
+    net = fa.Network()
+    net.load_library("rain")
+    means = net.add("GridMeans", "means")
+    for described in (latitudes, means.inputs["latitudes"]):
+        assert described.unit == "\u00b0" and described.limits == (-90, 90)
+        assert described.description == "The latitudes of the area, both ends inclusive."
+    assert means.outputs["mean"].limits is None
+    text = pydoc.plain(pydoc.render_doc(means))
+    assert f"latitudes: range, from -90 to 90 \u00b0. {latitudes.description}" in text
 
 
 def test_shells_complete_objects_inputs_and_outputs(sums: fa.Network) -> None:
