@@ -3,6 +3,7 @@
 #include <trellis/detail/CreatorRegistry.hpp>
 #include <trellis/detail/RegistryReport.hpp>
 
+#include <loam/Environment.hpp>
 #include <loam/TypeInfo.hpp>
 
 namespace Orla {
@@ -18,6 +19,11 @@ Detail::CreatorRegistry<VObjectCreator>* objectCreators()
 
 VObjectCreator::~VObjectCreator() = default;
 
+std::string VObjectCreator::file() const
+{
+    return m_file.empty() ? Loam::getLibraryPath(m_type) : m_file;
+}
+
 bool VObjectCreator::registerCreator(const WeakPtrImpl<VObjectCreator>& creator, const std::string& name)
 {
     const StrongPtr<VObjectCreator> alive = creator.lock();
@@ -25,10 +31,14 @@ bool VObjectCreator::registerCreator(const WeakPtrImpl<VObjectCreator>& creator,
     if (!alive || !registry)
         return false;
     const VObjectCreator& self = *alive;
-    const std::string owner = Detail::ownerOf(alive->objectType(), typeid(self));
-    const std::string library = Detail::libraryOf(typeid(self));
+    const std::string& file = self.m_file;
+    const std::string owner =
+        file.empty() ? Detail::ownerOf(self.objectType(), typeid(self)) : "type " + name + " of " + file;
+    const std::string library = file.empty() ? Detail::libraryOf(typeid(self)) : file.substr(file.rfind('/') + 1);
     alive->m_name = name;
-    const std::string holder = registry->add(creator, name, Loam::typeKey(alive->objectType()), {owner, library});
+    // A blank, because keys of C++ types do not begin with one.
+    const std::string key = file.empty() ? Loam::typeKey(self.objectType()) : ' ' + file;
+    const std::string holder = registry->add(creator, name, key, {owner, library});
     // Whether the rivals matter depends on the names that are used; VObject::createObject reports.
     if (!holder.empty() && registry->find(library + ':' + name) == alive)
         return false;

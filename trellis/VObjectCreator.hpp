@@ -29,6 +29,15 @@ public:
     /// Returns the name under which the type is registered; empty before registration.
     const std::string& typeName() const noexcept { return m_name; }
 
+    /// Returns the path of the file that defines the type: that of the library with the code of
+    /// its class, or the path passed to `setFile`.
+    std::string file() const;
+
+    /// Names the file that defines the type, for a class whose objects have several types. Types of
+    /// one name from different files are different types. Call it before the creator is
+    /// registered.
+    void setFile(const std::string& path) { m_file = path; }
+
     /// Returns what people need to know about the type, or null.
     const StrongPtr<VTypeDescription>& description() const noexcept { return m_description; }
 
@@ -75,6 +84,7 @@ private:
     const std::type_info* m_type;
     const std::type_info* m_uniqueOutput;
     std::string m_name;
+    std::string m_file;
     StrongPtr<VTypeDescription> m_description;
 };
 

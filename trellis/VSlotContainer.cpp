@@ -252,9 +252,19 @@ void VSlotContainer::acceptsFailedInputs()
     Detail::FrameHooks::switchesChanged(*this);
 }
 
+std::string VSlotContainer::typeName() const
+{
+    return m_wiring.typeName ? *m_wiring.typeName : Loam::Typename(typeid(*this));
+}
+
+void VSlotContainer::setTypeName(const std::string& name)
+{
+    m_wiring.typeName = std::make_unique<const std::string>(name);
+}
+
 std::string VSlotContainer::typeAndName() const
 {
-    const std::string type = Loam::Typename(typeid(*this));
+    const std::string type = typeName();
     return m_wiring.name ? type + " \"" + *m_wiring.name + "\"" : type;
 }
 

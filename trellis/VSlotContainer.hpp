@@ -157,6 +157,17 @@ public:
     /// Returns the processing object that the container is part of, or null.
     VObject* object() const noexcept { return m_wiring.object; }
 
+    /// Returns the name of the container's type: the name of its class, or that declared with
+    /// `setTypeName`.
+    std::string typeName() const;
+
+    /// Returns true if `setTypeName` was called.
+    bool hasTypeName() const noexcept { return bool(m_wiring.typeName); }
+
+    /// Declares the name of the type, for a class whose objects have several types. Call it in the
+    /// constructor.
+    void setTypeName(const std::string& name);
+
     /// Returns the container's type and name, for messages.
     std::string typeAndName() const;
 

@@ -87,7 +87,7 @@ private:
             const Orla::VObject* const object = self.object();
             std::string type = m_types[typeid(self)];
             if (type.empty())
-                type = Loam::Typename(typeid(self));
+                type = self.typeName();
             m_containers.push_back(container);
             m_graph.objects.push_back({object ? object->Name() : std::string(), type, visibleNamesOf(self.inputs()),
                                        visibleNamesOf(self.outputs())});

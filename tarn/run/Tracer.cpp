@@ -132,7 +132,7 @@ void Tracer::began(const Orla::VObject& object) noexcept
         // The trace ends with this event if the object never returns.
         Json event;
         event["name"] = object.Name();
-        event["cat"] = Loam::Typename(typeid(object));
+        event["cat"] = object.typeName();
         event["ph"] = "B";
         event["ts"] = microseconds(Clock::now() - m_start);
         event["pid"] = TheProcess;
@@ -148,7 +148,7 @@ void Tracer::ended(const Orla::VObject& object, Result result) noexcept
 {
     const Clock::time_point end = Clock::now();
     guarded([&] {
-        Json event = completeEvent(object.Name(), Loam::Typename(typeid(object)), m_begin - m_start, end - m_begin);
+        Json event = completeEvent(object.Name(), object.typeName(), m_begin - m_start, end - m_begin);
         event["args"]["step"] = m_step;
         event["args"]["reason"] = reasonOf(m_running);
         event["args"]["outcome"] = outcomeOf(result);

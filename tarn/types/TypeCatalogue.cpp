@@ -44,7 +44,7 @@ ObjectTypeDescription nameAndFile(const std::string& name, const Orla::VObjectCr
 {
     ObjectTypeDescription description;
     description.name = name;
-    description.library = Loam::getLibraryPath(&creator.objectType());
+    description.library = creator.file();
     if (creator.description())
         description.description = creator.description()->parts();
     return description;

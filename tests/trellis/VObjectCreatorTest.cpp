@@ -2,6 +2,8 @@
 
 #include "support/TestNetwork.hpp"
 
+#include <loam/Environment.hpp>
+
 #include <optional>
 
 namespace VObjectCreatorTest {
@@ -67,6 +69,27 @@ TEST_F(VObjectCreatorTest, isRemovedWithItsLibrary)
     }
     EXPECT_FALSE(VObjectCreator::find("Ticker"));
     EXPECT_THAT(VObjectCreator::names(), Not(Contains("Ticker")));
+}
+
+TEST_F(VObjectCreatorTest, belongsToTheFileOfItsClassOrTheOneItNames)
+{
+    TypedObjectCreator<Ticker> creator;
+    EXPECT_EQ(creator.file(), Loam::getLibraryPath(&typeid(Ticker)));
+    creator.setFile("/objects/ticker.py");
+    EXPECT_EQ(creator.file(), "/objects/ticker.py");
+}
+
+TEST_F(VObjectCreatorTest, isFoundByItsFileIfFilesHaveDifferentTypesOfAName)
+{
+    TypedObjectCreator<Ticker> first;
+    first.setFile("/objects/first.py");
+    TypedObjectCreator<Ticker> second;
+    second.setFile("/objects/second.py");
+    VObjectCreator::registerCreator(&first, "Ticker");
+    VObjectCreator::registerCreator(&second, "Ticker");
+    EXPECT_THAT(VObjectCreator::libraries("Ticker"), testing::ElementsAre("first.py", "second.py"));
+    EXPECT_EQ(VObjectCreator::find("second.py:Ticker").get(), &second);
+    EXPECT_EQ(VObjectCreator::find("Ticker").get(), &first);
 }
 
 TEST_F(VObjectCreatorTest, waitsForAnEarlierCreatorOfItsType)

@@ -309,6 +309,17 @@ TEST_F(VSlotContainerTest, describesItselfByTypeAndName)
     EXPECT_EQ(node->object(), node.get());
 }
 
+TEST_F(VSlotContainerTest, describesItselfByTheDeclaredTypeOfAClassWithSeveral)
+{
+    const auto node = makeNode("scene");
+    EXPECT_EQ(node->typeName(), "Node");
+    EXPECT_FALSE(node->hasTypeName());
+    node->setTypeName("Scene");
+    EXPECT_TRUE(node->hasTypeName());
+    EXPECT_EQ(node->typeName(), "Scene");
+    EXPECT_EQ(node->typeAndName(), "Scene \"scene\"");
+}
+
 TEST_F(VSlotContainerTest, leavesItsReadersTheLastValuesWhenItIsDestroyed)
 {
     auto writer = makeNode("writer");

@@ -31,6 +31,7 @@ struct ContainerWiring {
     VObject* object = nullptr;
     Loam::ReferenceBlock* block = nullptr;                 // the object's; valid even while it is being destroyed
     const std::string* name = nullptr;                     // the object's
+    std::unique_ptr<const std::string> typeName;           // null if the class has only one type
     PointerList<VFrame> frames;                            // one per pool that uses the container
     std::unique_ptr<std::vector<std::uint32_t>> freeCells; // of removed inputs
     std::uint32_t index = 0;                               // unique among the network's containers
