@@ -19,6 +19,7 @@ from ._fathom import Ball as Ball
 from ._fathom import Bivector as Bivector
 from ._fathom import Box as Box
 from ._fathom import Camera as Camera
+from ._fathom import Cancelled as Cancelled
 from ._fathom import Chart as Chart
 from ._fathom import Charts as Charts
 from ._fathom import Choice as Choice
@@ -35,6 +36,7 @@ from ._fathom import Pair as Pair
 from ._fathom import Point as Point
 from ._fathom import Range as Range
 from ._fathom import Ranges as Ranges
+from ._fathom import Request as Request
 from ._fathom import ScalarFunction as ScalarFunction
 from ._fathom import Status as Status
 from ._fathom import Time as Time
@@ -51,6 +53,14 @@ from ._networks import Slot as Slot
 from ._networks import Step as Step
 from ._networks import load as load
 from ._networks import read as read
+from ._objects import Input as Input
+from ._objects import Object as Object
+from ._objects import Output as Output
+from ._objects import Timed as Timed
+from ._objects import input as input
+from ._objects import output as output
+from ._objects import register as register
+from ._objects import unregister as unregister
 from ._tables import Table as Table
 from ._types import InputType as InputType
 from ._types import ObjectType as ObjectType
@@ -58,3 +68,5 @@ from ._types import OutputType as OutputType
 from ._types import ValueType as ValueType
 from ._types import objects as objects
 from ._types import types as types
+
+object = register

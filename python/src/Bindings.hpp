@@ -19,6 +19,7 @@ void bindMessages(py::module_& module);
 void bindNetworks(py::module_& module);
 void bindContexts(py::module_& module);
 void bindStudies(py::module_& module);
+void bindObjects(py::module_& module);
 void bindTypes(py::module_& module);
 
 } // namespace Tarn::Python

@@ -34,6 +34,11 @@ void addConversion(const std::type_info& type, const Conversion& conversion)
     table().insert_or_assign(type, conversion);
 }
 
+bool hasConversion(const std::type_info& type)
+{
+    return table().contains(type);
+}
+
 py::object toPython(const StrongPtr<VValueBase>& value, const Keeper& keeper)
 {
     if (!value)

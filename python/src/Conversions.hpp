@@ -30,6 +30,9 @@ struct Conversion {
 /// Adds the conversion of the values of \p type.
 void addConversion(const std::type_info& type, const Conversion& conversion);
 
+/// Returns true if values of \p type become something other than an `Opaque`.
+bool hasConversion(const std::type_info& type);
+
 /// Keeps what a value depends on: the network whose libraries have its code.
 using Keeper = std::shared_ptr<const void>;
 

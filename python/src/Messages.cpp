@@ -1,4 +1,5 @@
 #include "Bindings.hpp"
+#include "References.hpp"
 #include "Serving.hpp"
 #include "Texts.hpp"
 
@@ -54,6 +55,7 @@ const Orla::StrongPtr<Notes>& notes()
 
 void logMessages()
 {
+    releaseDropped();
     const std::vector<Message> messages = notes()->taken();
     if (messages.empty())
         return;

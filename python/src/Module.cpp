@@ -15,5 +15,6 @@ PYBIND11_MODULE(_fathom, module)
     bindNetworks(module);
     bindContexts(module);
     bindStudies(module);
+    bindObjects(module);
     bindTypes(module);
 }

@@ -1,5 +1,7 @@
 #include "Serving.hpp"
 
+#include "References.hpp"
+
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -63,6 +65,9 @@ void handleSignals()
         throw py::error_already_set();
 }
 
+// How many updates of objects written in Python this thread runs.
+thread_local int depthOfUpdates = 0;
+
 // A thread that ends with `done` set; its exception is kept.
 class Worker {
 public:
@@ -121,11 +126,41 @@ Unlocked::~Unlocked()
     end().changed.notify_all();
 }
 
+Locked::Locked()
+{
+    std::unique_lock lock{end().mutex};
+    if (end().ender || Py_IsInitialized() == 0)
+        throw std::runtime_error("the Python interpreter has ended");
+    ++end().entering;
+    lock.unlock();
+    m_acquire.emplace();
+    ++depthOfUpdates;
+    lock.lock();
+    --end().entering;
+    end().changed.notify_all();
+    lock.unlock();
+    releaseDropped();
+}
+
+Locked::~Locked()
+{
+    --depthOfUpdates;
+}
+
+bool hasEnded()
+{
+    const std::lock_guard lock{end().mutex};
+    return Py_IsInitialized() == 0;
+}
+
 Turn::Hold::Hold(Turn& turn) : m_turn{turn}
 {
     if (m_turn.m_owner == std::this_thread::get_id())
         throw std::runtime_error("the network is in use: a function that reports progress must not use it");
     while (!m_turn.m_mutex.try_lock()) {
+        // It may be the evaluation that waits for this thread.
+        if (depthOfUpdates > 0)
+            throw std::runtime_error("the network is in use: the update of an object must not use it");
         bool isMine = false;
         {
             const Unlocked unlocked;
@@ -167,6 +202,8 @@ void serve(const std::function<void(const Orla::VCancellation&)>& work, Orla::VC
             const Unlocked unlocked;
             isDone = worker.waitFor(pause);
         }
+        if (cancellation.isCancelled())
+            interruptUpdates();
         if (interruption)
             continue;
         try {
@@ -185,11 +222,15 @@ void serve(const std::function<void(const Orla::VCancellation&)>& work, Orla::VC
 
 void endServing()
 {
+    {
+        const std::lock_guard lock{end().mutex};
+        end().ender = std::this_thread::get_id();
+        for (Orla::VCancellation& cancellation : end().running)
+            cancellation.cancel();
+    }
+    interruptUpdates();
     const py::gil_scoped_release release;
     std::unique_lock lock{end().mutex};
-    end().ender = std::this_thread::get_id();
-    for (Orla::VCancellation& cancellation : end().running)
-        cancellation.cancel();
     end().changed.wait_for(lock, std::chrono::seconds(1), [] { return end().entering == 0 && end().running.empty(); });
 }
 

@@ -10,10 +10,11 @@
 #include <optional>
 #include <thread>
 
-// How Python threads wait for the framework. It never calls Python from its own threads: warnings
-// and progress are noted, and the Python thread that waits passes them on. So Python threads only
-// ever wait without the interpreter lock, and locks of the framework and of Python cannot block
-// each other.
+// How Python threads wait for the framework, and its threads for Python. Python threads wait for the
+// framework only without the interpreter lock. Threads of the framework take that lock only to
+// create and update objects written in Python; warnings and progress are noted, and the Python
+// thread that waits passes them on. So locks of the framework and of Python cannot block each
+// other.
 
 namespace Tarn::Python {
 
@@ -31,6 +32,26 @@ public:
 private:
     std::optional<py::gil_scoped_release> m_release;
 };
+
+/// Takes the interpreter lock in a thread of the framework, for its lifetime.
+class Locked {
+public:
+    /// \throw std::runtime_error if the interpreter has ended.
+    Locked();
+    ~Locked();
+    Locked(const Locked&) = delete;
+    Locked& operator=(const Locked&) = delete;
+
+private:
+    std::optional<py::gil_scoped_acquire> m_acquire;
+};
+
+/// Returns true once the interpreter is being finalized.
+bool hasEnded();
+
+/// Raises `Cancelled` in the updates, written in Python, whose evaluation was cancelled. Requires the
+/// interpreter lock.
+void interruptUpdates();
 
 /// Gives one Python thread at a time the use of a session or a context.
 class Turn {

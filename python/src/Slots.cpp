@@ -135,6 +135,8 @@ std::string typeOf(const Handle& handle)
     const Use use{handle.network()->session().network()};
     const ObjectPtr owner = handle.object();
     const Orla::VObject& object = *owner; // a reference, because of a warning of Clang
+    if (object.hasTypeName())
+        return object.typeName();
     for (const auto& creator : Orla::VObjectCreator::creators()) {
         if (creator->objectType() == typeid(object))
             return creator->typeName();

@@ -1,0 +1,496 @@
+#include "Objects.hpp"
+
+#include "Bindings.hpp"
+#include "Conversions.hpp"
+#include "Serving.hpp"
+#include "Texts.hpp"
+
+#include <fathom/Action.hpp>
+#include <fathom/TimeDependent.hpp>
+
+#include <trellis/TypedSlotCreator.hpp>
+#include <trellis/VActionNotifier.hpp>
+#include <trellis/VFrame.hpp>
+#include <trellis/VObjectCreator.hpp>
+#include <trellis/VTypeLabel.hpp>
+#include <trellis/VValueCreator.hpp>
+
+#include <pybind11/stl.h>
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+namespace Tarn::Python {
+
+namespace {
+
+using Orla::VSlot;
+using Orla::VValueCreator;
+
+PyObject* cancelled = nullptr;
+
+// The running updates, guarded by the interpreter lock.
+std::vector<ObjectCore*>& runningUpdates()
+{
+    static std::vector<ObjectCore*>& updates = *new std::vector<ObjectCore*>;
+    return updates;
+}
+
+// Returns the last line of what Python would print.
+std::string messageOf(const py::error_already_set& error)
+{
+    const py::list lines = py::module_::import("traceback").attr("format_exception_only")(error.type(), error.value());
+    std::string text = lines.empty() ? std::string("unknown exception") : printed(lines[lines.size() - 1]);
+    while (text.ends_with('\n'))
+        text.pop_back();
+    return text;
+}
+
+std::string tracebackOf(const py::error_already_set& error)
+{
+    const py::object lines =
+        py::module_::import("traceback").attr("format_exception")(error.type(), error.value(), error.trace());
+    std::string text = printed(py::str("").attr("join")(lines));
+    while (text.ends_with('\n'))
+        text.pop_back();
+    return text;
+}
+
+std::string placeOf(const SlotDeclaration& slot)
+{
+    return (slot.isOutput ? "output \"" : "input \"") + slot.name + "\": ";
+}
+
+Orla::StrongPtr<VValueCreator> creatorOf(const SlotDeclaration& slot)
+{
+    if (Orla::StrongPtr<VValueCreator> found = VValueCreator::find(slot.type))
+        return found;
+    for (Orla::StrongPtr<VValueCreator>& creator : VValueCreator::creators()) {
+        if (Orla::VTypeLabel::of(creator->valueType()) == slot.type)
+            return std::move(creator);
+    }
+    throw std::invalid_argument(placeOf(slot) + "no loaded library has a value type \"" + slot.type + '"');
+}
+
+// Copies a Python object into a value. A text is read as in saved networks.
+void assignTo(VValueBase& value, py::handle content, const std::string& place)
+{
+    if (PyUnicode_Check(content.ptr())) {
+        const std::string text = content.cast<Text>().bytes;
+        if (!value.setValueFromText(text))
+            throw py::value_error(place + "found \"" + text + "\", expected a text of type "
+                                  + Orla::VTypeLabel::of(value.getType()));
+        return;
+    }
+    try {
+        value.getValueFrom(Python::fromPython(value.getType(), content));
+    } catch (const py::type_error& error) {
+        throw py::type_error(place + error.what());
+    } catch (const py::value_error& error) {
+        throw py::value_error(place + error.what());
+    }
+}
+
+StrongPtr<VValueBase> initialValueOf(const SlotDeclaration& slot)
+{
+    bool ok = false;
+    StrongPtr<VValueBase> value = creatorOf(slot)->create({}, ok);
+    if (slot.initial.get() && !slot.initial.get().is_none())
+        assignTo(*value, slot.initial.get(), placeOf(slot));
+    return value;
+}
+
+class PythonObject : public Orla::VObject {
+public:
+    PythonObject(const std::string& name, int level, const StrongPtr<Orla::VCreationPreferences>& preferences,
+                 const ClassDeclaration& declaration, Reference instance, ObjectCorePtr core,
+                 const std::vector<StrongPtr<VValueBase>>& values)
+        : VObject{name, level, preferences}, m_instance{std::move(instance)}, m_core{std::move(core)}
+    {
+        setTypeName(declaration.name);
+        runsInOnePool();
+        if (declaration.keepsState)
+            keepsState();
+        for (std::size_t i = 0; i < values.size(); ++i)
+            addSlot(declaration.slots[i], values[i]);
+        m_core->object = this;
+    }
+
+    bool update(Orla::VRequest& request, double precision) override
+    {
+        const Locked locked;
+        const Running running{*m_core, request, precision};
+        try {
+            const py::object result = m_instance.get().attr("update")(m_core);
+            return result.is_none() || py::bool_(result);
+        } catch (const py::error_already_set& error) {
+            if (request.isCancelled() && error.matches(cancelled))
+                return false;
+            Orla::VActionNotifier::Warning(typeAndName() + " failed: " + tracebackOf(error));
+            throw std::runtime_error(messageOf(error));
+        }
+    }
+
+private:
+    // Makes the instance usable for the duration of an update.
+    class Running {
+    public:
+        Running(ObjectCore& core, Orla::VRequest& request, double number) : m_core{core}
+        {
+            m_core.number = number;
+            m_core.request = &request;
+            m_core.thread = PyThread_get_thread_ident();
+            m_core.isInterrupted = false;
+            runningUpdates().push_back(&core);
+        }
+        ~Running()
+        {
+            std::erase(runningUpdates(), &m_core);
+            m_core.request = nullptr;
+            // An interruption that came too late must not hit other code of the thread.
+            if (m_core.isInterrupted)
+                PyThreadState_SetAsyncExc(m_core.thread, nullptr);
+        }
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+
+    private:
+        ObjectCore& m_core;
+    };
+
+    void addSlot(const SlotDeclaration& slot, const StrongPtr<VValueBase>& value)
+    {
+        if (slot.isOutput) {
+            const StrongPtr<Orla::VParameter> parameter(new Orla::VParameter(value, slot.name, slot.description));
+            parameter->setSource(this);
+            registerOutput(parameter, slot.name);
+            return;
+        }
+        StrongPtr<VSlot> added;
+        const StrongPtr<Orla::TypedSlotCreator> creator = Orla::TypedSlotCreator::find(value->getType());
+        if (creator && slot.triggers) {
+            bool ok = false;
+            added = creator->newSlot(this, slot.name, {}, ok, slot.description, slot.level);
+            if (added)
+                added->parameter()->setGlobalValue(value, {});
+        } else {
+            const StrongPtr<Orla::VParameter> parameter(new Orla::VParameter(value, slot.name, slot.description));
+            parameter->setCreator(this);
+            added = addParameter(slot.name, slot.level, parameter, slot.triggers);
+        }
+        if (!added)
+            throw std::invalid_argument(placeOf(slot) + "the object has an input of that name already");
+        added->clearFlag(VSlot::AddedLater);
+        if (slot.description && slot.description->parts().textKind == Orla::VTextKind::OutputFile)
+            added->setFlag(VSlot::NamesResult);
+    }
+
+    Reference m_instance;
+    ObjectCorePtr m_core;
+};
+
+class TimedPythonObject final : public PythonObject, public Orla::TimeDependent {
+public:
+    template<class... Arguments>
+    explicit TimedPythonObject(const std::string& name, int level,
+                               const StrongPtr<Orla::VCreationPreferences>& preferences, Arguments&&... arguments)
+        : PythonObject{name, level, preferences, std::forward<Arguments>(arguments)...}
+        , TimeDependent{"time", "timerange", preferences, Orla::VTime{}}
+    {
+    }
+};
+
+class PythonObjectCreator final : public Orla::VObjectCreator {
+public:
+    explicit PythonObjectCreator(ClassDeclaration declaration)
+        : VObjectCreator{declaration.isTimed ? typeid(TimedPythonObject) : typeid(PythonObject)}
+        , m_declaration{std::move(declaration)}
+    {
+        setFile(m_declaration.file);
+    }
+
+    StrongPtr<Orla::VObject> create(const std::string& name, int level,
+                                    const StrongPtr<Orla::VCreationPreferences>& preferences) const override
+    {
+        std::vector<StrongPtr<VValueBase>> values;
+        const auto core = std::make_shared<ObjectCore>();
+        Reference instance;
+        {
+            const Locked locked;
+            try {
+                for (const SlotDeclaration& slot : m_declaration.slots)
+                    values.push_back(initialValueOf(slot));
+                // Set before `__init__`, which a subclass may forget to call.
+                const py::object made = m_declaration.cls.get().attr("__new__")(m_declaration.cls.get());
+                py::module_::import("builtins").attr("object").attr("__setattr__")(made, "_core", core);
+                made.attr("__init__")();
+                instance = Reference{made};
+            } catch (const py::error_already_set& error) {
+                throw std::runtime_error(messageOf(error));
+            }
+        }
+        // Without the interpreter lock: adding an object may wait for updates in Python.
+        if (m_declaration.isTimed)
+            return Loam::makeStrong<TimedPythonObject>(name, level, preferences, m_declaration, std::move(instance),
+                                                       core, values);
+        return Loam::makeStrong<PythonObject>(name, level, preferences, m_declaration, std::move(instance), core,
+                                              values);
+    }
+
+private:
+    ClassDeclaration m_declaration;
+};
+
+/// The registration of a class, which Python owns.
+class Registration {
+public:
+    explicit Registration(StrongPtr<PythonObjectCreator> creator, const std::string& name)
+        : m_creator{std::move(creator)}
+    {
+        unlocked([&] { Orla::VObjectCreator::registerCreator(m_creator, name); });
+    }
+    ~Registration() { unregister(); }
+    Registration(const Registration&) = delete;
+    Registration& operator=(const Registration&) = delete;
+
+    // The registry may have a reference for a moment, and a lock.
+    void unregister()
+    {
+        if (!m_creator || hasEnded())
+            return;
+        unlocked([this] { m_creator.reset(); });
+    }
+
+private:
+    StrongPtr<PythonObjectCreator> m_creator;
+};
+
+template<class T>
+T optionOf(const py::dict& options, const char* name, T fallback)
+{
+    return options.contains(name) && !options[name].is_none() ? options[name].cast<T>() : fallback;
+}
+
+std::string textOf(const py::dict& options, const char* name)
+{
+    return optionOf(options, name, Text{}).bytes;
+}
+
+Orla::VLimits limitsOf(const py::dict& options, const char* name)
+{
+    const auto limits = optionOf(options, name, std::optional<std::pair<double, double>>{});
+    return limits ? Orla::VLimits{limits->first, limits->second} : Orla::VLimits{};
+}
+
+std::vector<std::string> textsOf(const py::dict& options, const char* name)
+{
+    std::vector<std::string> texts;
+    for (const Text& text : optionOf(options, name, std::vector<Text>{}))
+        texts.push_back(text.bytes);
+    return texts;
+}
+
+Orla::VTextKind kindOf(const std::string& kind)
+{
+    using enum Orla::VTextKind;
+    constexpr std::pair<const char*, Orla::VTextKind> kinds[] = {
+        {"", Plain},        {"text", Plain},   {"input file", InputFile}, {"output file", OutputFile},
+        {"folder", Folder}, {"colour", Color}, {"web page", WebPage},     {"multi-line text", MultiLine}};
+    std::string names;
+    for (const auto& [name, value] : kinds) {
+        if (kind == name)
+            return value;
+        names += *name ? (names.empty() ? "" : ", ") + std::string(name) : "";
+    }
+    throw py::value_error("found kind \"" + kind + "\", expected one of: " + names);
+}
+
+SlotDeclaration slotOf(const py::dict& options)
+{
+    SlotDeclaration slot{.name = textOf(options, "name"),
+                         .type = textOf(options, "type"),
+                         .initial = Reference{options["default"]},
+                         .description = {},
+                         .level = optionOf(options, "level", 0),
+                         .isOutput = options["is_output"].cast<bool>(),
+                         .triggers = optionOf(options, "triggers", true)};
+    Orla::VSlotDescription::Parts parts;
+    parts.unit = textOf(options, "unit");
+    parts.limits = limitsOf(options, "limits");
+    parts.softLimits = limitsOf(options, "soft_limits");
+    parts.step = optionOf(options, "step", 0.0);
+    parts.textKind = kindOf(textOf(options, "kind"));
+    parts.extensions = textsOf(options, "extensions");
+    const bool isDescribed = !(parts == Orla::VSlotDescription::Parts{});
+    parts.sentence = textOf(options, "description");
+    if (!isDescribed && parts.sentence.empty())
+        return slot;
+    // A unit alone is useful, but descriptions begin with a sentence.
+    if (parts.sentence.empty())
+        parts.sentence = slot.name;
+    if (const std::string fault = Orla::VSlotDescription::faultOf(parts); !fault.empty())
+        throw py::value_error(placeOf(slot) + fault);
+    slot.description = Orla::VSlotDescription::of(parts);
+    return slot;
+}
+
+std::unique_ptr<Registration> registerClass(const py::object& cls, const py::dict& options, const py::list& slots)
+{
+    ClassDeclaration declaration{.name = textOf(options, "name"),
+                                 .file = textOf(options, "file"),
+                                 .cls = Reference{cls},
+                                 .slots = {},
+                                 .isTimed = options["is_timed"].cast<bool>(),
+                                 .keepsState = options["keeps_state"].cast<bool>()};
+    for (const py::handle slot : slots)
+        declaration.slots.push_back(slotOf(slot.cast<py::dict>()));
+    const std::string name = declaration.name;
+    const auto creator = Loam::makeStrong<PythonObjectCreator>(std::move(declaration));
+    if (const std::string sentence = textOf(options, "description"); !sentence.empty()) {
+        creator->setDescription(Loam::makeStrong<Orla::VTypeDescription>(
+            Orla::VTypeDescription::Parts{.sentence = sentence,
+                                          .details = textOf(options, "details"),
+                                          .category = textOf(options, "category"),
+                                          .keywords = textsOf(options, "keywords"),
+                                          .page = textOf(options, "page")}));
+    }
+    return std::make_unique<Registration>(creator, name);
+}
+
+// Returns the registered name of the value type that a class of the package has; empty for another
+// class.
+Text typeNameOf(const py::type& cls)
+{
+    const auto* const type = py::detail::get_type_info(reinterpret_cast<PyTypeObject*>(cls.ptr()));
+    if (!type)
+        return {};
+    for (const std::string& name : VValueCreator::names()) {
+        const Orla::StrongPtr<VValueCreator> creator = VValueCreator::find(name);
+        if (creator && creator->valueType() == *type->cpptype)
+            return {name};
+    }
+    return {};
+}
+
+} // namespace
+
+void ObjectCore::requireUpdate() const
+{
+    if (!request)
+        throw std::runtime_error("inputs and outputs can be used only while update runs");
+    if (thread != PyThread_get_thread_ident())
+        throw std::runtime_error("inputs and outputs can be used only in the thread that calls update");
+}
+
+StrongPtr<VSlot> ObjectCore::findSlot(const std::string& name, bool isOutput) const
+{
+    requireUpdate();
+    StrongPtr<VSlot> slot = isOutput ? object->findOutput(name) : object->findSlot(name);
+    if (!slot)
+        throw py::key_error(name);
+    return slot;
+}
+
+py::object ObjectCore::read(const std::string& name, bool isOutput)
+{
+    const StrongPtr<VSlot> slot = findSlot(name, isOutput);
+    Orla::ValuePool& pool = *request->valuePool();
+    if (isOutput && pool.runningFrame() && !pool.hasWritten(slot->place().cell))
+        pool.runningFrame()->readEarlierOutput(slot->place().cell);
+    StrongPtr<VValueBase> value = slot->getLocalValue(request->valuePool());
+    // What Python keeps must not change with the pool.
+    if (value && !hasConversion(value->getType()))
+        value = value->copy();
+    return toPython(value, nullptr);
+}
+
+void ObjectCore::write(const std::string& name, const py::object& content)
+{
+    const StrongPtr<VSlot> slot = findSlot(name, true);
+    const StrongPtr<VValueBase> value = slot->parameter()->newValue();
+    assignTo(*value, content, "output \"" + name + "\": ");
+    Orla::ValuePool& pool = *request->valuePool();
+    pool.noteWritten(slot->place().cell);
+    const StrongPtr<VValueBase> held = slot->parameter()->getLocalValue(request->valuePool());
+    if (!held)
+        return;
+    if (value->getType() == typeid(StrongPtr<Orla::VAction>)) {
+        if (const auto action = contentOf<StrongPtr<Orla::VAction>>(*value))
+            action->emitAction(request->valuePool(), slot->parameter());
+        return;
+    }
+    if (!value->isDifferentFrom(held))
+        return;
+    held->getValueFrom(value);
+    slot->parameter()->notifyValueChange(held, request->valuePool());
+}
+
+std::string ObjectCore::inputFile(const std::string& name)
+{
+    requireUpdate();
+    return object->inputFile(name);
+}
+
+std::string ObjectCore::resultFile(const std::string& name)
+{
+    requireUpdate();
+    return object->resultFile(name, request->valuePool());
+}
+
+void ObjectCore::progress(double fraction)
+{
+    requireUpdate();
+    request->reportProgress(fraction);
+}
+
+bool ObjectCore::isCancelled()
+{
+    requireUpdate();
+    return request->isCancelled();
+}
+
+bool ObjectCore::hasChanged(const std::string& name)
+{
+    const StrongPtr<VSlot> input = findSlot(name, false);
+    return request->hasChanged(*input);
+}
+
+void interruptUpdates()
+{
+    for (ObjectCore* const core : runningUpdates()) {
+        if (core->isInterrupted || !core->request->isCancelled())
+            continue;
+        core->isInterrupted = true;
+        PyThreadState_SetAsyncExc(core->thread, cancelled);
+    }
+}
+
+void bindObjects(py::module_& module)
+{
+    // Not an Exception, so that an update does not catch it by accident.
+    cancelled = PyErr_NewExceptionWithDoc("fathom.Cancelled",
+                                          "Raised in the update of an object when its evaluation is cancelled.",
+                                          PyExc_BaseException, nullptr);
+    module.attr("Cancelled") = py::handle(cancelled);
+    py::class_<ObjectCore, ObjectCorePtr>(module, "Request", "The context of an update.")
+        .def("progress", &ObjectCore::progress, "Reports the progress as a fraction between 0 and 1.")
+        .def_property_readonly("is_cancelled", &ObjectCore::isCancelled, "True if the evaluation was cancelled.")
+        .def(
+            "has_changed", [](ObjectCore& self, const Text& input) { return self.hasChanged(input.bytes); },
+            "Returns True if the input was written since the last successful update.")
+        .def_readonly("number", &ObjectCore::number, "The number of the action that triggered the update, else 0.")
+        .def("_read", [](ObjectCore& self, const Text& name, bool isOutput) { return self.read(name.bytes, isOutput); })
+        .def("_write",
+             [](ObjectCore& self, const Text& name, const py::object& content) { self.write(name.bytes, content); })
+        .def("_input_file", [](ObjectCore& self, const Text& name) { return Text{self.inputFile(name.bytes)}; })
+        .def("_result_file", [](ObjectCore& self, const Text& name) { return Text{self.resultFile(name.bytes)}; });
+    py::class_<Registration>(module, "Registration", "The registration of a class; ends with the object.")
+        .def("unregister", &Registration::unregister);
+    module.def("register_class", registerClass);
+    module.def("type_name", typeNameOf);
+}
+
+} // namespace Tarn::Python
