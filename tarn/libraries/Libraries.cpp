@@ -2,6 +2,7 @@
 
 #include <tarn/libraries/Initialization.hpp>
 #include <tarn/libraries/LibraryCheck.hpp>
+#include <tarn/libraries/PythonLibraries.hpp>
 #include <tarn/text/Activity.hpp>
 #include <tarn/text/Messages.hpp>
 
@@ -71,6 +72,14 @@ Loam::Result<void*> open(const std::string& path)
     return Loam::Failure{printable(path) + ": the library registers neither object types nor value types"};
 }
 
+Loam::Result<void*> openPython(const std::string& path, const std::string& libraryFolder)
+{
+    const Activity activity{"loading", path.c_str()};
+    if (const Loam::Result<void> loaded = loadPythonLibrary(path, libraryFolder); !loaded)
+        return Loam::Failure{loaded.reason()};
+    return nullptr;
+}
+
 // What all Libraries share.
 struct Users {
     std::recursive_mutex mutex; // a library may load others while it is initialized
@@ -113,7 +122,9 @@ Loam::Result<void> Libraries::unload()
         const Library last = common.closing.back();
         common.closing.pop_back();
         const Activity activity{"unloading", last.name.c_str()};
-        if (isOpen(last.handle)) {
+        if (!last.pythonFile.empty()) {
+            unloadPythonLibrary(last.pythonFile);
+        } else if (isOpen(last.handle)) {
             ::dlclose(last.handle); // does not unload it
         } else if (const Loam::Result<void> unloaded = Orla::VLibrary{last.handle}.unload(); !unloaded) {
             common.closing.push_back(last);
@@ -140,25 +151,27 @@ Loam::Result<void> Libraries::load(const std::string& name)
     if (std::ranges::find(m_libraries, name, &Library::name) != m_libraries.end())
         return {};
     const std::string title = "library " + inQuotes(name);
+    const bool isPython = isPythonLibrary(name);
+    const std::string file = isPython ? name : name + ".so";
     std::vector<std::string> reasons;
     for (const std::string& folder : m_folders) {
-        const std::string path = folder + '/' + name + ".so";
+        const std::string path = folder + '/' + file;
         if (::access(path.c_str(), F_OK) != 0)
             continue;
         const Initialization initialization{title};
-        const Loam::Result<void*> handle = open(path);
+        const Loam::Result<void*> handle = isPython ? openPython(path, m_folders.front()) : open(path);
         if (!handle) {
             reasons.push_back(handle.reason());
             continue;
         }
-        m_libraries.push_back({name, *handle});
+        m_libraries.push_back({name, *handle, isPython ? path : std::string()});
         if (!reasons.empty())
             Orla::VActionNotifier::Warning(title + " was loaded from " + printable(path)
                                            + " after other files failed to load: " + join(reasons, "; "));
         return {};
     }
     if (reasons.empty())
-        return Loam::Failure{title + " was not found: no file " + printable(name) + ".so in " + join(m_folders, ", ")};
+        return Loam::Failure{title + " was not found: no file " + printable(file) + " in " + join(m_folders, ", ")};
     return Loam::Failure{title + " cannot be loaded: " + join(reasons, "; ")};
 }
 

@@ -31,7 +31,7 @@ public:
     Libraries& operator=(const Libraries&) = delete;
 
     /// Loads the library \p name: the file NAME.so in the first folder that has a loadable
-    /// one. Does nothing if the library is already loaded. A file that is not an object library,
+    /// one. A name that ends in ".py" is that of a file in Python, which needs an interpreter. Does nothing if the library is already loaded. A file that is not an object library,
     /// was built for another binary interface or registers no types is not loadable. The reason
     /// of a failure names each file found.
     Loam::Result<void> load(const std::string& name);
@@ -63,7 +63,8 @@ public:
     /// An open library. It is opened once more per user of the same file.
     struct Library {
         std::string name;
-        void* handle;
+        void* handle;             // null for a file of Python
+        std::string pythonFile{}; // its path
     };
 
 private:
