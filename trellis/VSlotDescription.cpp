@@ -153,9 +153,11 @@ std::string VSlotDescription::limitsText() const
         text = (excludesFrom ? "above " : "at least ") + least;
     if (std::isfinite(to) && !text.starts_with("from"))
         text += (text.empty() ? "" : " and ") + std::string(excludesTo ? "below " : "at most ") + most;
+    if (!text.empty())
+        text = withUnit(text);
     if (m_parts.isFinite && !(std::isfinite(from) && std::isfinite(to)))
         text += text.empty() ? "finite" : " and finite";
-    return text.empty() || text == "finite" ? text : withUnit(text);
+    return text;
 }
 
 std::string VSlotDescription::withUnit(const std::string& text) const

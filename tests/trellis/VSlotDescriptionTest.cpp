@@ -88,7 +88,7 @@ TEST(VSlotDescription, writesLimitsWithTheirUnit)
     EXPECT_EQ(stored(describe("A number.").in("s").from(0.5))->limitsText(), "at least 0.5 s");
     EXPECT_EQ(stored(describe("A number.").to(5))->limitsText(), "at most 5");
     EXPECT_EQ(stored(describe("A number.").above(0).below(1))->limitsText(), "above 0 and below 1");
-    EXPECT_EQ(stored(describe("A number.").in("m").above(0).finite())->limitsText(), "above 0 and finite m");
+    EXPECT_EQ(stored(describe("A number.").in("m").above(0).finite())->limitsText(), "above 0 m and finite");
     EXPECT_EQ(stored(describe("A number.").in("m").finite())->limitsText(), "finite");
     EXPECT_EQ(stored(describe("A number.").in("m"))->limitsText(), "");
     EXPECT_EQ(stored(describe("A number.").in("m"))->withUnit("5"), "5 m");
