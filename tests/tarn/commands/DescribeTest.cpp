@@ -29,7 +29,8 @@ TEST(DescribeCommand, suggestsTypesOfBothKindsForAnUnknownName)
     EXPECT_EQ(close.status, 2);
     EXPECT_EQ(close.out, "");
     EXPECT_EQ(close.err, "tarn: no library has a type \"GlobelTime\"; did you mean the object type \"GlobalTime\"?\n");
-    EXPECT_THAT(runTarn({"describe", "duoble"}).err, HasSubstr("; did you mean the object type \"Doubler\" or the value type \"double\"?\n"));
+    EXPECT_THAT(runTarn({"describe", "duoble"}).err,
+                HasSubstr("; did you mean the object type \"Doubler\" or the value type \"double\"?\n"));
     EXPECT_THAT(runTarn({"describe", "choise"}).err,
                 HasSubstr("; did you mean the object type \"Chooser\" or the value type \"choice\"?\n"));
     const ProcessResult far = runTarn({"describe", "Zanzibar"});
