@@ -91,7 +91,7 @@ void bindSelections(py::module_& module)
         .field(
             "chosen",
             [](const Enum& self) { return Text{self.selection() ? self.selection()->selectedName() : std::string()}; },
-            "The chosen case; empty if there are no cases.")
+            "The chosen case, or the empty text for an enumeration without cases.")
         .field(
             "cases", [](const Enum& self) { return self.selection() ? toTuple(*self.selection()) : py::tuple(); },
             "The names of all cases.");

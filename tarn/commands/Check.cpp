@@ -52,10 +52,10 @@ Keys that are the hot key of several objects are listed too, but are not faults.
         .options =
             {
                 {.name = "advice",
-                 .help = "Lists, if there are no faults, what may be wrong: inputs\n"
-                         "without a description, inputs that do not matter as the\n"
-                         "others are set, outputs that are never read, and objects\n"
-                         "that reach no file, column or status. These are not faults."},
+                 .help = "Also lists what may be wrong in a network without faults:\n"
+                         "inputs without a description, inputs that have no effect\n"
+                         "because of other inputs, outputs that are never read, and\n"
+                         "objects that reach no file, column or status."},
             },
         .libraryFolders = NetworkFolders,
         .perform = &performCheck,

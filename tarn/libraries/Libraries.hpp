@@ -30,10 +30,11 @@ public:
     Libraries(const Libraries&) = delete;
     Libraries& operator=(const Libraries&) = delete;
 
-    /// Loads the library \p name: the file NAME.so in the first folder that has a loadable
-    /// one. A name that ends in ".py" is that of a file in Python, which needs an interpreter. Does nothing if the library is already loaded. A file that is not an object library,
-    /// was built for another binary interface or registers no types is not loadable. The reason
-    /// of a failure names each file found.
+    /// Loads the library \p name: the file NAME.so in the first folder that has a loadable one. A
+    /// name that ends in ".py" is the name of a file in Python, which needs an interpreter. Does
+    /// nothing if the library is already loaded. A file that is not an object library, was built
+    /// for another binary interface or registers no types is not loadable. The reason of a failure
+    /// names each file found.
     Loam::Result<void> load(const std::string& name);
 
     /// Loads the library of standard objects, then those that a network names. Adds a fault per
