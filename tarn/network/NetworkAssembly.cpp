@@ -262,12 +262,18 @@ bool NetworkAssembly::setText(const GivenText& given)
     beforeText(given);
     const Activity activity{"setting", given.description.c_str()};
     const Orla::VParameter& parameter = *given.input->ownParameter();
-    const Result<StrongPtr<Orla::VValueBase>> value = readInputText(*given.input, parameter.newValue(), given.text);
-    if (!value) {
-        m_faults.add(FaultKind::Input, given.place, given.description + ": " + value.reason());
+    // The type of the value may throw.
+    const Result<Result<void>> done = Loam::attempt([&]() -> Result<void> {
+        const Result<StrongPtr<Orla::VValueBase>> value = readInputText(*given.input, parameter.newValue(), given.text);
+        if (!value)
+            return Loam::Failure{value.reason()};
+        parameter.setGlobalValue(*value, {});
+        return {};
+    });
+    if (!done || !*done) {
+        m_faults.add(FaultKind::Input, given.place, given.description + ": " + (done ? done->reason() : done.reason()));
         return false;
     }
-    parameter.setGlobalValue(*value, {});
     if (given.isNumber)
         checkNumber(given);
     noteChoice(given);
