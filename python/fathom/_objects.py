@@ -125,7 +125,7 @@ def output(default: Any = None, *, description: str = "", unit: str = "") -> Any
 
 
 class Object:
-    """Base class of processing objects, which `fa.object` registers. The framework creates an instance per object of a network.
+    """Base class of processing objects, which `fa.object` registers. Each object of a network has an instance.
 
     Inputs and outputs can be used only while `update` runs, in its thread. One update of an object runs at a time.
     """

@@ -154,7 +154,7 @@ bool isLower(char c) noexcept
     return c >= 'a' && c <= 'z';
 }
 
-// Macros have names without small letters; "__" belongs to the compiler.
+// Macros have names without lower-case letters; "__" belongs to the compiler.
 bool isIdentifier(std::string_view name) noexcept
 {
     return !name.empty() && Loam::isLetter(name.front()) && std::ranges::any_of(name, isLower)
@@ -169,7 +169,7 @@ void requireName(const std::string& name)
     if (!isIdentifier(name) || name.size() > MostCharacters)
         throw UsageError{found
                          + " is refused, expected letters, digits and single underscores that begin with a letter and "
-                           "contain a small one, 100 at most"};
+                           "contain a lower-case letter, 100 characters at most"};
     if (std::ranges::find(reserved, name) != std::end(reserved))
         throw UsageError{found + " has a meaning of its own in C++, CMake or the framework, expected another one"};
 }
@@ -178,13 +178,13 @@ void requireNewType(const std::string& type)
 {
     requireName(type);
     if (isLower(type.front()))
-        throw UsageError{"the name " + inQuotes(type) + " is refused, expected a capital at its beginning"};
+        throw UsageError{"the name " + inQuotes(type) + " is refused, expected one that begins with a capital letter"};
     const TypeCatalogue catalogue{std::vector<std::string>{}};
     const std::vector<std::string> types = Orla::VObjectCreator::names();
     if (std::ranges::find(types, type) != types.end())
-        throw UsageError{"there is an object type " + inQuotes(type) + " already, expected another name"};
+        throw UsageError{"an object type " + inQuotes(type) + " exists already, expected another name"};
     if (!catalogue.valueTypes(type).empty())
-        throw UsageError{"there is a value type " + inQuotes(type) + " already, expected another name"};
+        throw UsageError{"a value type " + inQuotes(type) + " exists already, expected another name"};
 }
 
 // Returns the text with both names replaced. What is inserted is not searched again.

@@ -122,11 +122,11 @@ TEST(NewCommand, refusesNamesThatWouldNotBuildOrAreTaken)
         {"library", "class", "the name \"class\" has a meaning of its own in C++, CMake or the framework"},
         {"library", "test", "the name \"test\" has a meaning of its own"},
         {"library", "standard", "the name \"standard\" has a meaning of its own"},
-        {"library", "keyAction", "there is an object type \"KeyAction\" already, expected another name"},
-        {"library", "range", "there is a value type \"Range\" already, expected another name"},
-        {"object", "GlobalTime", "there is an object type \"GlobalTime\" already"},
+        {"library", "keyAction", "an object type \"KeyAction\" exists already, expected another name"},
+        {"library", "range", "a value type \"Range\" exists already, expected another name"},
+        {"object", "GlobalTime", "an object type \"GlobalTime\" exists already"},
         {"object", "Orla", "the name \"Orla\" has a meaning of its own"},
-        {"object", "berth", "the name \"berth\" is refused, expected a capital at its beginning"},
+        {"object", "berth", "the name \"berth\" is refused, expected one that begins with a capital letter"},
         {"network", "tides", "found \"network\", expected library or object"},
     };
     for (const auto& [kind, name, message] : cases) {
