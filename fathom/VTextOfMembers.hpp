@@ -1,7 +1,6 @@
 #pragma once
 
 #include <fathom/Double.hpp>
-#include <fathom/VMemberValue.hpp>
 
 #include <loam/Numbers.hpp>
 
@@ -14,15 +13,6 @@
 namespace Orla {
 
 namespace Detail {
-
-template<class>
-struct MemberParts;
-
-template<class T, class M>
-struct MemberParts<M T::*> {
-    using Owner = T;
-    using Type = M;
-};
 
 // Number traits ignore the text after a number, which would hide a mistake between two members.
 template<class M>
@@ -97,15 +87,5 @@ private:
         return accepted;
     }
 };
-
-/// Returns the entry of a data member in a table of `VValueComponents`:
-///
-///     const Orla::VValueComponents parts{typeid(Tempo), {Orla::component<&Tempo::beats>("beats")}};
-template<auto Member>
-VValueComponents::Component component(const char* name)
-{
-    using Parts = Detail::MemberParts<decltype(Member)>;
-    return VMemberValue<typename Parts::Owner, typename Parts::Type, Member>::component(name);
-}
 
 } // namespace Orla

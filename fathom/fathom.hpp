@@ -25,6 +25,9 @@
 #include <fathom/TypedSlot.hpp>
 #include <fathom/VCamera.hpp>
 #include <fathom/VChart.hpp>
+#include <fathom/VComponent.hpp>
+#include <fathom/VComponentValue.hpp>
+#include <fathom/VComputedValue.hpp>
 #include <fathom/VConnectionTypeColors.hpp>
 #include <fathom/VEnum.hpp>
 #include <fathom/VFlagList.hpp>

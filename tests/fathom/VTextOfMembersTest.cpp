@@ -71,14 +71,4 @@ TEST(TextOfMembers, isRefusedUnlessEachMemberIsComplete)
     EXPECT_TRUE(Orla::VValueTrait<Plain>::setValueFromText(plain, "-1:2")) << "it has no check";
 }
 
-TEST(TextOfMembers, needsOneLinePerComponent)
-{
-    const Orla::VValueComponents parts{
-        typeid(Tempo), {Orla::component<&Tempo::beats>("beats"), Orla::component<&Tempo::name>("name")}};
-    const auto value = Loam::makeStrong<Orla::VValue<Tempo>>(Tempo{92.5, 3, "waltz"});
-    EXPECT_EQ(value->component("beats")->Text(), "92.5");
-    EXPECT_TRUE(value->component("name")->setValueFromText("polka"));
-    EXPECT_EQ(value->Text(), "92.5/3/polka");
-}
-
 } // namespace VTextOfMembersTest
