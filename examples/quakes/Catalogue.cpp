@@ -1,5 +1,7 @@
 #include "Catalogue.hpp"
 
+#include <fathom/Chunk.hpp>
+#include <fathom/VComponent.hpp>
 #include <fathom/VConnectionTypeColors.hpp>
 
 #include <loam/Numbers.hpp>
@@ -217,7 +219,30 @@ bool Orla::VValueTrait<Quakes::Catalogue>::setValueFromText(Quakes::Catalogue& c
 
 namespace {
 
-const Orla::VValueType<Quakes::Catalogue> catalogueType{"earthquake catalogue"};
+using Quakes::Catalogue;
+using Quakes::Quake;
+using Numbers = Orla::StrongPtr<Loam::TypedChunk<double>, Loam::ChunkBase>;
+
+// Returns one number per event, NaN where it is unknown.
+template<auto Part>
+Numbers numbers(const Catalogue& catalogue)
+{
+    const Numbers numbers = Loam::TypedChunk<double>::createNewChunk(catalogue.size(), false);
+    for (std::size_t i = 0; i < catalogue.size(); ++i)
+        (*numbers)[i] = std::optional<double>{catalogue[i].*Part}.value_or(std::numeric_limits<double>::quiet_NaN());
+    return numbers;
+}
+
+const Orla::VValueType<Catalogue> catalogueType{"earthquake catalogue"};
+
+// Connections can pick these, and they are attributes in Python.
+const Orla::VValueComponents catalogueParts{typeid(Catalogue),
+                                            {Orla::component<&Catalogue::size>("count"),
+                                             Orla::component<numbers<&Quake::time>>("times"),
+                                             Orla::component<numbers<&Quake::longitude>>("longitudes"),
+                                             Orla::component<numbers<&Quake::latitude>>("latitudes"),
+                                             Orla::component<numbers<&Quake::depth>>("depths"),
+                                             Orla::component<numbers<&Quake::magnitude>>("magnitudes")}};
 
 // Sets the colour of connections that carry a catalogue.
 const bool hasColor = [] {

@@ -1,5 +1,7 @@
 #include "Grid.hpp"
 
+#include <fathom/Chunk.hpp>
+#include <fathom/VComponent.hpp>
 #include <fathom/VConnectionTypeColors.hpp>
 
 #include <loam/Numbers.hpp>
@@ -162,7 +164,26 @@ bool Orla::VValueTrait<Rain::Grid>::setValueFromText(Rain::Grid& grid, const std
 
 namespace {
 
-const Orla::VValueType<Rain::Grid> gridType{"grid"};
+using Rain::Grid;
+using Rain::GridFrame;
+
+template<auto Part>
+auto partOfFrame(const Grid& grid)
+{
+    return grid.frame().*Part;
+}
+
+const Orla::VValueType<Grid> gridType{"grid"};
+
+// Connections can pick these, and they are attributes in Python.
+const Orla::VValueComponents gridParts{typeid(Grid),
+                                       {Orla::component<&Grid::values>("values"),
+                                        Orla::component<partOfFrame<&GridFrame::columns>>("columns"),
+                                        Orla::component<partOfFrame<&GridFrame::rows>>("rows"),
+                                        Orla::component<partOfFrame<&GridFrame::longitude>>("longitude"),
+                                        Orla::component<partOfFrame<&GridFrame::latitude>>("latitude"),
+                                        Orla::component<partOfFrame<&GridFrame::eastStep>>("eastStep"),
+                                        Orla::component<partOfFrame<&GridFrame::northStep>>("northStep")}};
 
 // Sets the colour of connections that carry a grid.
 const bool gridHasColor = [] {

@@ -1,5 +1,6 @@
 #include <tarn/standard/Moment.hpp>
 
+#include <fathom/VComponent.hpp>
 #include <fathom/VValueType.hpp>
 
 #include <loam/Numbers.hpp>
@@ -10,6 +11,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 namespace Tarn {
 
@@ -280,6 +282,13 @@ bool Orla::VValueTrait<Tarn::Moment>::setValueFromText(Tarn::Moment& moment, con
 
 namespace {
 
+// Returns NaN for nothing.
+double momentSeconds(const Tarn::Moment& moment)
+{
+    return moment.kind == Tarn::Moment::Kind::None ? std::numeric_limits<double>::quiet_NaN() : moment.seconds();
+}
+
 const Orla::VValueType<Tarn::Moment> momentType{"moment", "2026-01-31T06:00:00Z"};
+const Orla::VValueComponents momentParts{typeid(Tarn::Moment), {Orla::component<momentSeconds>("seconds")}};
 
 } // namespace

@@ -1,11 +1,13 @@
 #include <tarn/standard/TimeStep.hpp>
 
+#include <fathom/VComponent.hpp>
 #include <fathom/VValueType.hpp>
 
 #include <loam/Numbers.hpp>
 
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -109,6 +111,13 @@ bool Orla::VValueTrait<Tarn::TimeStep>::setValueFromText(Tarn::TimeStep& step, c
 
 namespace {
 
+// Returns NaN for nothing.
+double stepSeconds(const Tarn::TimeStep& step)
+{
+    return step.isGiven() ? step.length.seconds() : std::numeric_limits<double>::quiet_NaN();
+}
+
 const Orla::VValueType<Tarn::TimeStep> timeStepType{"time step", "6 h"};
+const Orla::VValueComponents timeStepParts{typeid(Tarn::TimeStep), {Orla::component<stepSeconds>("seconds")}};
 
 } // namespace
