@@ -31,7 +31,6 @@ from ._fathom import ImageTile as ImageTile
 from ._fathom import IntegerTriple as IntegerTriple
 from ._fathom import MultipleChoice as MultipleChoice
 from ._fathom import ObjectError as ObjectError
-from ._fathom import Opaque as Opaque
 from ._fathom import Pair as Pair
 from ._fathom import Point as Point
 from ._fathom import Range as Range
@@ -41,6 +40,7 @@ from ._fathom import ScalarFunction as ScalarFunction
 from ._fathom import Status as Status
 from ._fathom import Time as Time
 from ._fathom import TouchPoints as TouchPoints
+from ._fathom import Value as Value
 from ._fathom import array as array
 from ._fathom import zeros as zeros
 from ._images import Image as Image

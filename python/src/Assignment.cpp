@@ -1,10 +1,33 @@
 #include "Assignment.hpp"
 
+#include "Numbers.hpp"
+
+#include <fathom/Double.hpp>
+
 #include <utility>
 
 namespace Tarn::Python {
 
 namespace {
+
+// Returns the text of a natural Python object for a type of a client library, which has no other
+// conversion: a number, a date, an instant or a duration in seconds.
+std::optional<std::string> naturalTextOf(const py::object& object)
+{
+    const py::module_ datetime = py::module_::import("datetime");
+    if (py::isinstance(object, datetime.attr("datetime"))) {
+        toNumber(object); // refuses one without a time zone
+        return object.attr("isoformat")().cast<std::string>();
+    }
+    if (py::isinstance(object, datetime.attr("date")))
+        return object.attr("isoformat")().cast<std::string>();
+    if (py::isinstance(object, datetime.attr("timedelta")))
+        return Orla::VValueTrait<double>::Text(object.attr("total_seconds")().cast<double>()) + " s";
+    if (PyLong_Check(object.ptr()) && !isBool(object))
+        return py::str(object).cast<std::string>();
+    const std::optional<double> number = toNumber(object);
+    return number ? std::optional{Orla::VValueTrait<double>::Text(*number)} : std::nullopt;
+}
 
 std::optional<std::string> textOf(const py::object& object)
 {
@@ -26,6 +49,10 @@ Assignment Assignment::of(const Slot& slot, const py::object& object)
     if (std::optional<std::string> text = textOf(object))
         return {.text = std::move(text)};
     try {
+        if (!hasConversion(*slot.type)) {
+            if (std::optional<std::string> text = naturalTextOf(object))
+                return {.text = std::move(text)};
+        }
         return {.value = fromPython(*slot.type, object)};
     } catch (const py::type_error& error) {
         throw py::type_error(slot.place() + error.what());

@@ -8,7 +8,7 @@ namespace Tarn::Python {
 
 namespace py = pybind11;
 
-void bindOpaque(py::module_& module);
+void bindValue(py::module_& module);
 void bindPlainValues();
 void bindArrays(py::module_& module);
 void bindIntervals(py::module_& module);

@@ -4,10 +4,16 @@
 #include "Texts.hpp"
 
 #include <trellis/VTypeLabel.hpp>
+#include <trellis/VValueComponents.hpp>
+
+#include <loam/Utf8.hpp>
+
+#include <pybind11/stl.h>
 
 #include <typeindex>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace Tarn::Python {
 
@@ -22,9 +28,43 @@ Table& table()
     return table;
 }
 
-bool areEqual(const Opaque& a, const Opaque& b)
+// Texts of values may be long, such as that of a catalogue.
+constexpr std::size_t LongestText = 60;
+
+std::string labelOf(const Value& value)
 {
-    return a.value()->getType() == b.value()->getType() && !a.value()->isDifferentFrom(b.value());
+    return Orla::VTypeLabel::of(value.content()->getType());
+}
+
+std::vector<std::string> componentsOf(const Value& value)
+{
+    return Orla::VValueComponents::names(value.content()->getType());
+}
+
+bool areEqual(const Value& a, const Value& b)
+{
+    return a.content()->getType() == b.content()->getType() && !a.content()->isDifferentFrom(b.content());
+}
+
+Text shortRepr(const Value& value)
+{
+    std::string text = value.content()->Text();
+    if (text.size() > LongestText) {
+        std::size_t end = LongestText;
+        while (end > 0 && Loam::isContinuation(text[end]))
+            --end;
+        text.resize(end);
+        text += "...";
+    }
+    return {"<fathom.Value " + labelOf(value) + ' ' + text + '>'};
+}
+
+std::vector<std::string> attributesOf(py::handle self)
+{
+    auto names = py::module_::import("builtins").attr("object").attr("__dir__")(self).cast<std::vector<std::string>>();
+    for (std::string& name : componentsOf(self.cast<const Value&>()))
+        names.push_back(std::move(name));
+    return names;
 }
 
 } // namespace
@@ -44,13 +84,13 @@ py::object toPython(const StrongPtr<VValueBase>& value, const Keeper& keeper)
     if (!value)
         return py::none();
     const auto found = table().find(value->getType());
-    return found == table().end() ? py::cast(Opaque{value, keeper}) : found->second.toPython(*value);
+    return found == table().end() ? py::cast(Value{value, keeper}) : found->second.toPython(*value);
 }
 
 StrongPtr<VValueBase> fromPython(const std::type_info& type, py::handle object)
 {
-    if (py::isinstance<Opaque>(object)) {
-        const StrongPtr<VValueBase>& value = object.cast<const Opaque&>().value();
+    if (py::isinstance<Value>(object)) {
+        const StrongPtr<VValueBase>& value = object.cast<const Value&>().content();
         if (value->getType() == type)
             return value->copy();
         throw py::type_error("found a value of type " + Orla::VTypeLabel::of(value->getType()) + ", expected type "
@@ -65,29 +105,49 @@ StrongPtr<VValueBase> fromPython(const std::type_info& type, py::handle object)
                          + ", expected a value of type " + Orla::VTypeLabel::of(type));
 }
 
-void bindOpaque(py::module_& module)
+py::object Value::component(const std::string& name) const
 {
-    py::class_<Opaque>(module, "Opaque",
-                       "A value of a type that Python does not know. It has a text, and can be assigned to inputs "
-                       "of its type.")
+    if (const StrongPtr<VValueBase> found = name.empty() ? nullptr : m_content->component(name))
+        return Python::toPython(found, m_keeper);
+    std::string message = "values of type " + labelOf(*this) + " have no component \"" + name + '"';
+    const char* separator = "; components: ";
+    for (const std::string& each : componentsOf(*this))
+        message += std::exchange(separator, ", ") + each;
+    throw py::attribute_error(message);
+}
+
+void bindValue(py::module_& module)
+{
+    py::class_<Value>(module, "Value",
+                      "A value of a type of an object library. Its components are attributes; number arrays among "
+                      "them are read-only numpy arrays. It has a text, and can be assigned to inputs of its type.")
         .def_property_readonly(
-            "type", [](const Opaque& self) { return Text{Orla::VTypeLabel::of(self.value()->getType())}; },
-            "The name of the type.")
-        .def("__str__", [](const Opaque& self) { return Text{self.value()->Text()}; })
-        .def("__repr__",
-             [](const Opaque& self) {
-                 return Text{"<fathom.Opaque " + Orla::VTypeLabel::of(self.value()->getType()) + ' '
-                             + self.value()->Text() + '>'};
-             })
+            "type", [](const Value& self) { return Text{labelOf(self)}; }, "The name of the type.")
+        .def_property_readonly("components", componentsOf, "The names of the components.")
+        .def(
+            "__getattr__", [](const Value& self, const Text& name) { return self.component(name.bytes); },
+            "Returns a component.")
+        .def(
+            "__getitem__",
+            [](const Value& self, const Text& name) {
+                try {
+                    return self.component(name.bytes);
+                } catch (const py::attribute_error& error) {
+                    throw py::key_error(error.what());
+                }
+            },
+            "Returns a component, also one whose name is an attribute of every value, such as \"type\".")
+        .def("__dir__", attributesOf)
+        .def("__str__", [](const Value& self) { return Text{self.content()->Text()}; })
+        .def("__repr__", shortRepr)
         .def("__eq__",
-             [](const Opaque& self, py::handle other) -> py::object {
-                 if (!py::isinstance<Opaque>(other))
+             [](const Value& self, py::handle other) -> py::object {
+                 if (!py::isinstance<Value>(other))
                      return py::reinterpret_borrow<py::object>(Py_NotImplemented);
-                 return py::bool_(areEqual(self, other.cast<const Opaque&>()));
+                 return py::bool_(areEqual(self, other.cast<const Value&>()));
              })
-        .def("__reduce__", [](const Opaque& self) -> py::object {
-            throw py::type_error("values of type " + Orla::VTypeLabel::of(self.value()->getType())
-                                 + " cannot be pickled");
+        .def("__reduce__", [](const Value& self) -> py::object {
+            throw py::type_error("values of type " + labelOf(self) + " cannot be pickled");
         });
 }
 

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <typeinfo>
 #include <utility>
 
@@ -16,8 +17,8 @@ namespace py = pybind11;
 using Orla::StrongPtr;
 using Orla::VValueBase;
 
-/// How values of one C++ type pass to Python and back. A value type of a client library has an
-/// entry, too, once it opts in.
+/// How values of one C++ type pass to Python and back. Values of types that only client libraries
+/// know have no entry; they become `Value` objects, whose attributes are the components.
 struct Conversion {
     /// Returns the content of a value. The value has the type of the entry.
     py::object (*toPython)(VValueBase& value);
@@ -30,13 +31,13 @@ struct Conversion {
 /// Adds the conversion of the values of \p type.
 void addConversion(const std::type_info& type, const Conversion& conversion);
 
-/// Returns true if values of \p type become something other than an `Opaque`.
+/// Returns true if values of \p type become something other than a `Value`.
 bool hasConversion(const std::type_info& type);
 
 /// Keeps what a value depends on: the network whose libraries have its code.
 using Keeper = std::shared_ptr<const void>;
 
-/// Returns the content of \p value. A value of a type without a conversion becomes an `Opaque`,
+/// Returns the content of \p value. A value of a type without a conversion becomes a `Value`,
 /// which owns \p keeper.
 py::object toPython(const StrongPtr<VValueBase>& value, const Keeper& keeper);
 
@@ -44,16 +45,20 @@ py::object toPython(const StrongPtr<VValueBase>& value, const Keeper& keeper);
 /// \throw py::type_error naming both types, or py::value_error with the reason.
 StrongPtr<VValueBase> fromPython(const std::type_info& type, py::handle object);
 
-/// A value of a type that is not known to Python: it has a type and a text, and can be passed on.
-class Opaque {
+/// A value of a type of a client library: it has a type, a text and components, and can be passed on.
+class Value {
 public:
-    Opaque(StrongPtr<VValueBase> value, Keeper keeper) : m_keeper{std::move(keeper)}, m_value{std::move(value)} {}
+    Value(StrongPtr<VValueBase> content, Keeper keeper) : m_keeper{std::move(keeper)}, m_content{std::move(content)} {}
 
-    const StrongPtr<VValueBase>& value() const noexcept { return m_value; }
+    const StrongPtr<VValueBase>& content() const noexcept { return m_content; }
+
+    /// Returns the component \p name.
+    /// \throw py::attribute_error naming the components if the type has none of that name.
+    py::object component(const std::string& name) const;
 
 private:
     Keeper m_keeper; // destroyed last: its libraries have the code of the value
-    StrongPtr<VValueBase> m_value;
+    StrongPtr<VValueBase> m_content;
 };
 
 /// Returns the content of a value of type \p T.

@@ -5,7 +5,7 @@ PYBIND11_MODULE(_fathom, module)
     using namespace Tarn::Python;
     module.doc() = "The framework's C++ libraries; use the package fathom.";
     bindMessages(module);
-    bindOpaque(module);
+    bindValue(module);
     bindPlainValues();
     bindArrays(module);
     bindIntervals(module);

@@ -80,7 +80,7 @@ def test_the_library_is_unloaded_with_the_last_user() -> None:
         "assert is_loaded(), 'the ticket is a value of the library'\n"
         "str(ticket)\n"
         "del ticket\n"
-        "values = [value for value in values if not isinstance(value, fa.Opaque)]\n"
+        "values = [value for value in values if not isinstance(value, fa.Value)]\n"
         "gc.collect()\n"
         "assert not is_loaded()\n"
         "[repr(value) for value in values]\n"

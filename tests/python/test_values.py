@@ -5,6 +5,7 @@ from __future__ import annotations
 import copy
 import datetime
 import enum
+import gc
 import math
 import pathlib
 import pickle
@@ -14,6 +15,7 @@ import pytest
 
 import fathom
 import fathom as fa
+from conftest import TOP
 
 SAMPLES = [
     (fa.Range(), "0:1"),
@@ -159,7 +161,7 @@ ASSIGNED = {
     "unsigned long long": (2**64 - 1, 2**64 - 1),
     "unsigned short": (2**16 - 1, 2**16 - 1),
 }
-OPAQUE = {"Moment", "Ticket", "TimeStep"}
+CLIENT_TYPES = {"Moment", "Ticket", "TimeStep"}
 ARRAYS = {"double[]", "float[]", "int16[]", "int32[]", "int64[]"}
 
 
@@ -171,7 +173,7 @@ def test_every_type_of_input_takes_and_returns_values(everything: fa.Network) ->
             everything["all"][name] = (1, 2, 3)
             assert everything["all"][name] == made
             continue
-        if name in ARRAYS or name in OPAQUE:
+        if name in ARRAYS or name in CLIENT_TYPES:
             continue
         assigned, expected = ASSIGNED[name]
         everything["all"][name] = assigned
@@ -231,7 +233,7 @@ def test_a_value_that_was_read_does_not_change_with_its_input(everything: fa.Net
 
 def test_a_value_of_a_client_type_has_its_text_and_can_be_passed_on(everything: fa.Network) -> None:
     ticket = everything["all"]["Ticket"]
-    assert isinstance(ticket, fa.Opaque)
+    assert isinstance(ticket, fa.Value)
     assert ticket.type == "Ticket"
     assert ticket == everything["all"]["Ticket"] and ticket != fa.Range()
     everything["all"]["Ticket"] = ticket
@@ -239,3 +241,63 @@ def test_a_value_of_a_client_type_has_its_text_and_can_be_passed_on(everything: 
         everything["all"]["Range"] = ticket
     with pytest.raises(TypeError, match="cannot be pickled"):
         pickle.dumps(ticket)
+
+
+def test_the_components_of_a_value_are_attributes() -> None:
+    net = fa.load(TOP / "examples" / "quakes" / "quakes.toml")
+    events = net["reader"].catalog
+    assert events.components == ["count", "times", "longitudes", "latitudes", "depths", "magnitudes"]
+    assert set(events.components) < set(dir(events))
+    assert events.count == 1707 == len(events.times)
+    rows = [line.split(",") for line in str(events).splitlines()]
+    for index, column in enumerate([events.times, events.longitudes, events.latitudes, events.depths]):
+        assert column.tolist() == [float(row[index]) for row in rows]
+        assert not column.flags.writeable
+    assert np.array_equal(events["depths"], events.depths)
+    assert repr(events).startswith("<fathom.Value earthquake catalogue ") and len(repr(events)) < 120
+    with pytest.raises(AttributeError, match='type earthquake catalogue have no component "depth"; components: count'):
+        events.depth
+    with pytest.raises(KeyError, match='no component "depth"'):
+        events["depth"]
+
+
+def test_unknown_numbers_of_events_are_nan(tmp_path: pathlib.Path) -> None:
+    net = fa.read('format = 1\nlibraries = ["quakes"]\n[[object]]\nname = "all"\ntype = "QuakeFilter"\n')
+    net["all"].catalog = "1,2,3,,4.5,,,,,,\n2,3,4,5,,,,,,,\n"
+    assert np.array_equal(net["all"].catalog.depths, [np.nan, 5], equal_nan=True)
+    assert np.array_equal(net["all"].catalog.magnitudes, [4.5, np.nan], equal_nan=True)
+
+
+def test_the_values_of_a_grid_are_an_array_on_its_memory() -> None:
+    net = fa.load(TOP / "examples" / "rain" / "rain.toml")
+    grid = net["reader"].grid
+    assert str(grid).startswith(f"{grid.columns}x{grid.rows} ")
+    assert grid.values.reshape(grid.rows, grid.columns).base is not None
+    assert grid.values.ctypes.data == net["reader"].grid.values.ctypes.data == net["smooth"].grid.values.ctypes.data
+    assert not grid.values.flags.writeable
+    assert [grid.longitude, grid.latitude, grid.eastStep, grid.northStep] == [
+        float(part) for part in str(grid).partition(":")[0].replace(",", " ").split()[1:]
+    ]
+    del net
+    gc.collect()
+    assert np.nanmax(grid.values) > 1000
+
+
+def test_the_clock_accepts_dates_and_durations() -> None:
+    net = fa.Network()
+    net.add("GlobalTime", "clock")
+    clock = net["clock"]
+    east = datetime.timezone(datetime.timedelta(hours=1))
+    clock["from"] = datetime.datetime(2018, 1, 31, 1, tzinfo=east)
+    clock["to"] = datetime.date(2018, 2, 1)
+    clock["step"] = datetime.timedelta(hours=6)
+    net.add_column("time", "clock.GlobalTime.time")
+    assert net.table()["time"].tolist() == [1517356800 + 21600 * step for step in range(5)]
+    assert str(clock["from"]) == "2018-01-31T00:00:00Z" and clock["from"].seconds == 1517356800
+    assert clock["step"].seconds == 21600
+    clock["step"] = 43200
+    assert str(clock["step"]) == "43200"
+    with pytest.raises(ValueError, match="without a time zone"):
+        clock["from"] = datetime.datetime(2018, 1, 31)
+    with pytest.raises(ValueError, match='input "step"'):
+        clock["step"] = datetime.timedelta(0)
