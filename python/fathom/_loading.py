@@ -5,9 +5,12 @@ from __future__ import annotations
 import importlib.util
 import os
 import sys
+import threading
+import time
 import traceback
+from typing import Optional
 
-from . import _objects
+from . import _fathom, _objects
 
 
 class _Library:
@@ -32,6 +35,24 @@ def _unregister(classes: list[type[_objects.Object]]) -> None:
     for cls in classes:
         if cls.__dict__.get("_registration") is not None:
             _objects.unregister(cls)
+
+
+_watcher: Optional[threading.Thread] = None
+
+
+def _interrupt_cancelled_updates() -> None:
+    while True:
+        time.sleep(0.05)
+        _fathom.interrupt_updates()
+
+
+def watch(_: bytes) -> str:
+    """Makes cancellation end updates, from now on. Returns the empty text."""
+    global _watcher
+    if _watcher is None:
+        _watcher = threading.Thread(target=_interrupt_cancelled_updates, name="fathom cancellation", daemon=True)
+        _watcher.start()
+    return ""
 
 
 def load(file: bytes) -> str:

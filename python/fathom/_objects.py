@@ -104,24 +104,32 @@ class _Options:
 
 
 def input(default: Any = None, *, description: str = "", unit: str = "",
-          limits: Optional[tuple[float, float]] = None, soft_limits: Optional[tuple[float, float]] = None,
-          step: float = 0, kind: str = "", extensions: Sequence[str] = (), level: int = 0,
+          limits: Optional[tuple[Optional[float], Optional[float]]] = None, above: Optional[float] = None,
+          below: Optional[float] = None, finite: bool = False, soft_limits: Optional[tuple[float, float]] = None,
+          step: float = 0, logarithmic: bool = False, kind: str = "", extensions: Sequence[str] = (),
+          visibility: str = "", only_if: Optional[tuple[str, Union[str, Sequence[str]]]] = None, level: int = 0,
           triggers: bool = True) -> Any:
     """Describes an input: `reach: fa.Input[float] = fa.input(5e4, unit="m", limits=(0, 1e7))`.
 
-    `default` is the initial value, also as a text. Values outside `limits` are refused. `kind` is what a text names:
-    "input file", "output file", "folder", "colour", "web page" or "multi-line text"; `extensions` are the usual ones
-    of the file. A change of an input that does not trigger leaves the object as it is.
+    `default` is the initial value, also as a text. Values outside `limits`, of which either may be None, are
+    refused. So are values that are not `above` or `below` a number, and infinite ones if the input is `finite`. `soft_limits`, `step` and
+    `logarithmic` describe a slider. `kind` is what a text names: "input file", "output file", "folder", "colour",
+    "web page" or "multi-line text"; `extensions` are the usual ones of the file. `visibility` is "advanced", "hidden"
+    or "private state". `only_if=("mode", "grid")` means that the input matters only if the input `mode` has that
+    text, or one of several. A change of an input that does not trigger leaves the object as it is.
     """
+    if only_if is not None and isinstance(only_if[1], str):
+        only_if = (only_if[0], [only_if[1]])
     return _Options(Input, {"default": default, "description": description, "unit": unit, "limits": limits,
-                            "soft_limits": soft_limits, "step": step, "kind": kind, "extensions": list(extensions),
-                            "level": level, "triggers": triggers})
+                            "above": above, "below": below, "finite": finite, "soft_limits": soft_limits,
+                            "step": step, "logarithmic": logarithmic, "kind": kind, "extensions": list(extensions),
+                            "visibility": visibility, "only_if": only_if, "level": level, "triggers": triggers})
 
 
-def output(default: Any = None, *, description: str = "", unit: str = "") -> Any:
+def output(default: Any = None, *, description: str = "", unit: str = "", visibility: str = "") -> Any:
     """Describes an output: `depth: fa.Output[float] = fa.output(unit="km")`. `default` is its value before the first
-    update."""
-    return _Options(Output, {"default": default, "description": description, "unit": unit})
+    update; `visibility` is as in `input`."""
+    return _Options(Output, {"default": default, "description": description, "unit": unit, "visibility": visibility})
 
 
 class Object:

@@ -271,7 +271,14 @@ private:
 template<class T>
 T optionOf(const py::dict& options, const char* name, T fallback)
 {
-    return options.contains(name) && !options[name].is_none() ? options[name].cast<T>() : fallback;
+    if (!options.contains(name) || options[name].is_none())
+        return fallback;
+    try {
+        return options[name].cast<T>();
+    } catch (const py::cast_error&) {
+        throw py::type_error("found " + std::string(py::repr(options[name])) + " for " + name
+                             + ", expected a value of another type");
+    }
 }
 
 std::string textOf(const py::dict& options, const char* name)
@@ -281,8 +288,10 @@ std::string textOf(const py::dict& options, const char* name)
 
 Orla::VLimits limitsOf(const py::dict& options, const char* name)
 {
-    const auto limits = optionOf(options, name, std::optional<std::pair<double, double>>{});
-    return limits ? Orla::VLimits{limits->first, limits->second} : Orla::VLimits{};
+    using End = std::optional<double>;
+    const auto [from, to] = optionOf(options, name, std::pair<End, End>{});
+    const Orla::VLimits unlimited;
+    return {from.value_or(unlimited.from), to.value_or(unlimited.to)};
 }
 
 std::vector<std::string> textsOf(const py::dict& options, const char* name)
@@ -293,19 +302,60 @@ std::vector<std::string> textsOf(const py::dict& options, const char* name)
     return texts;
 }
 
-Orla::VTextKind kindOf(const std::string& kind)
+constexpr std::pair<const char*, Orla::VTextKind> textKinds[] = {{"", Orla::VTextKind::Plain},
+                                                                 {"text", Orla::VTextKind::Plain},
+                                                                 {"input file", Orla::VTextKind::InputFile},
+                                                                 {"output file", Orla::VTextKind::OutputFile},
+                                                                 {"folder", Orla::VTextKind::Folder},
+                                                                 {"colour", Orla::VTextKind::Color},
+                                                                 {"web page", Orla::VTextKind::WebPage},
+                                                                 {"multi-line text", Orla::VTextKind::MultiLine}};
+
+constexpr std::pair<const char*, Orla::VVisibility> visibilities[] = {
+    {"", Orla::VVisibility::Ordinary},
+    {"ordinary", Orla::VVisibility::Ordinary},
+    {"advanced", Orla::VVisibility::Advanced},
+    {"hidden", Orla::VVisibility::Hidden},
+    {"private state", Orla::VVisibility::PrivateState}};
+
+// Returns the choice of that name; the empty name is the default.
+template<class Choice, std::size_t Count>
+Choice choiceOf(const py::dict& options, const char* option, const std::pair<const char*, Choice> (&choices)[Count])
 {
-    using enum Orla::VTextKind;
-    constexpr std::pair<const char*, Orla::VTextKind> kinds[] = {
-        {"", Plain},        {"text", Plain},   {"input file", InputFile}, {"output file", OutputFile},
-        {"folder", Folder}, {"colour", Color}, {"web page", WebPage},     {"multi-line text", MultiLine}};
+    const std::string given = textOf(options, option);
     std::string names;
-    for (const auto& [name, value] : kinds) {
-        if (kind == name)
+    for (const auto& [name, value] : choices) {
+        if (given == name)
             return value;
         names += *name ? (names.empty() ? "" : ", ") + std::string(name) : "";
     }
-    throw py::value_error("found kind \"" + kind + "\", expected one of: " + names);
+    throw py::value_error("found " + std::string(option) + " \"" + given + "\", expected one of: " + names);
+}
+
+// Returns the limits with the numbers that must be exceeded, which are excluded ends.
+Orla::VLimits allLimitsOf(const py::dict& options)
+{
+    Orla::VLimits limits = limitsOf(options, "limits");
+    if (const auto above = optionOf(options, "above", std::optional<double>{}); above && !(*above < limits.from)) {
+        limits.from = *above;
+        limits.excludesFrom = true;
+    }
+    if (const auto below = optionOf(options, "below", std::optional<double>{}); below && !(*below > limits.to)) {
+        limits.to = *below;
+        limits.excludesTo = true;
+    }
+    return limits;
+}
+
+void readCondition(const py::dict& options, Orla::VSlotDescription::Parts& parts)
+{
+    using Condition = std::pair<Text, std::vector<Text>>;
+    const auto condition = optionOf(options, "only_if", std::optional<Condition>{});
+    if (!condition)
+        return;
+    parts.conditionInput = condition->first.bytes;
+    for (const Text& value : condition->second)
+        parts.conditionValues.push_back(value.bytes);
 }
 
 SlotDeclaration slotOf(const py::dict& options)
@@ -319,11 +369,15 @@ SlotDeclaration slotOf(const py::dict& options)
                          .triggers = optionOf(options, "triggers", true)};
     Orla::VSlotDescription::Parts parts;
     parts.unit = textOf(options, "unit");
-    parts.limits = limitsOf(options, "limits");
+    parts.limits = allLimitsOf(options);
     parts.softLimits = limitsOf(options, "soft_limits");
     parts.step = optionOf(options, "step", 0.0);
-    parts.textKind = kindOf(textOf(options, "kind"));
+    parts.isLogarithmic = optionOf(options, "logarithmic", false);
+    parts.isFinite = optionOf(options, "finite", false);
+    parts.textKind = choiceOf(options, "kind", textKinds);
+    parts.visibility = choiceOf(options, "visibility", visibilities);
     parts.extensions = textsOf(options, "extensions");
+    readCondition(options, parts);
     const bool isDescribed = !(parts == Orla::VSlotDescription::Parts{});
     parts.sentence = textOf(options, "description");
     if (!isDescribed && parts.sentence.empty())
@@ -490,6 +544,7 @@ void bindObjects(py::module_& module)
     py::class_<Registration>(module, "Registration", "The registration of a class; ends with the object.")
         .def("unregister", &Registration::unregister);
     module.def("register_class", registerClass);
+    module.def("interrupt_updates", interruptUpdates);
     module.def("type_name", typeNameOf);
 }
 

@@ -37,6 +37,7 @@ struct Interpreter {
     const char* (*text)(void*, long*) = nullptr;
     void (*decrement)(void*) = nullptr;
     void (*clearError)() = nullptr;
+    bool isEmbedded = false; // this file started the interpreter
 
     // Returns false if a function is missing.
     bool find(void* library)
@@ -75,8 +76,11 @@ Result<Interpreter> startedInterpreter()
         if (!python.find(library))
             return Failure{std::string(TARN_PYTHON_LIBRARY) + " lacks functions that Python has"};
     }
-    if (python.isInitialized() != 0)
+    static bool isEmbedded = false;
+    if (python.isInitialized() != 0) {
+        python.isEmbedded = isEmbedded;
         return python;
+    }
     // Lives as long as the process, as Python requires.
     if (const wchar_t* const program = python.decode(programOfPython().c_str(), nullptr))
         python.setProgramName(program);
@@ -84,6 +88,7 @@ Result<Interpreter> startedInterpreter()
     // Standard output is for results.
     python.run("import sys; sys.stdout = sys.stderr");
     python.saveThread();
+    python.isEmbedded = isEmbedded = true;
     return python;
 }
 
@@ -119,7 +124,7 @@ void addPackageFolder(const Interpreter& python, const std::string& libraryFolde
     }
 }
 
-// Calls a function of the package with the path; it returns a reason, or an empty text.
+// Calls a function of the package with a path; it returns a reason, or an empty text.
 Result<void> callPackage(const Interpreter& python, const char* function, const std::string& path)
 {
     void* const module = python.import("fathom._loading");
@@ -153,6 +158,11 @@ Loam::Result<void> loadPythonLibrary(const std::string& path, const std::string&
         return Failure{printable(path) + ": " + python.reason()};
     const Lock lock{*python};
     addPackageFolder(*python, libraryFolder);
+    // In a Python program, the thread that waits for an evaluation does this.
+    if (python->isEmbedded) {
+        if (const Result<void> begun = callPackage(*python, "watch", {}); !begun)
+            return Failure{printable(path) + ": " + begun.reason()};
+    }
     if (const Result<void> loaded = callPackage(*python, "load", path); !loaded)
         return Failure{printable(path) + ": " + loaded.reason()};
     return {};

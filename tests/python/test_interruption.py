@@ -3,7 +3,9 @@
 from __future__ import annotations
 
 import os
+import pathlib
 import signal
+import subprocess
 import threading
 import time
 
@@ -98,3 +100,32 @@ def test_a_function_for_progress_must_not_use_the_network() -> None:
     net = fa.load(TOP / "examples" / "quakes" / "quakes.toml")
     with pytest.raises(RuntimeError, match="the network is in use"):
         net.evaluate(progress=lambda fraction: net["all"].count)
+
+
+def test_an_interruption_ends_an_update_in_python_within_a_second_in_tarn(tmp_path: pathlib.Path) -> None:
+    (tmp_path / "endless.py").write_text(
+        "import fathom as fa, pathlib\n"
+        "@fa.object\n"
+        "class Endless(fa.Object):\n"
+        "    result: fa.Output[float]\n"
+        "    def update(self, request):\n"
+        "        pathlib.Path(self.result_file('began')).touch()\n"
+        "        while True: pass\n",
+        encoding="utf-8",
+    )
+    (tmp_path / "endless.toml").write_text(
+        'format = 1\nlibraries = ["endless.py"]\n[[object]]\nname = "endless"\ntype = "Endless"\n'
+        '[[column]]\ntitle = "result"\nvalue = "endless.result"\n',
+        encoding="utf-8",
+    )
+    program = subprocess.Popen([os.environ["TARN_PROGRAM"], "run", tmp_path / "endless.toml"], stderr=subprocess.PIPE)
+    try:
+        while not (tmp_path / "began").exists() and program.poll() is None:
+            time.sleep(0.01)
+        began = time.monotonic()
+        program.send_signal(signal.SIGINT)
+        _, messages = program.communicate(timeout=60)
+        assert time.monotonic() - began < 1.1
+        assert program.returncode == 130, messages
+    finally:
+        program.kill()

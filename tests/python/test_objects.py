@@ -17,6 +17,7 @@ import numpy
 import pytest
 
 import fathom as fa
+from conftest import TOP
 
 
 @pytest.fixture(autouse=True)
@@ -87,6 +88,34 @@ def test_limits_are_enforced() -> None:
     define_halver()
     with pytest.raises(ValueError, match="from 0 to 100 km"):
         network("Halver")["halver"].whole = 101
+
+
+def test_limits_may_exclude_their_ends_and_infinite_numbers() -> None:
+    @fa.object
+    class Rater(fa.Object):
+        rate: fa.Input[float] = fa.input(0.5, above=0, below=1)
+        size: fa.Input[float] = fa.input(1, limits=(1, None), finite=True)
+
+    net = network("Rater")
+    inputs = fa.objects()["Rater"].inputs
+    assert inputs["rate"].limits_text == "above 0 and below 1"
+    assert inputs["size"].limits_text == "at least 1 and finite"
+    for name, wrong in {"rate": 0, "size": float("inf")}.items():
+        with pytest.raises(ValueError, match=inputs[name].limits_text):
+            net["rater"][name] = wrong
+    net["rater"].rate = 1e-300
+    net["rater"].size = 1e300
+
+
+def test_private_state_is_not_listed() -> None:
+    @fa.object
+    class Keeper(fa.Object):
+        mode: fa.Input[str] = fa.input("all", description="What is kept.")
+        most: fa.Input[int] = fa.input(1, only_if=("mode", "some"), visibility="advanced", logarithmic=True)
+        kept: fa.Output[float] = fa.output(visibility="private state")
+        count: fa.Output[float]
+
+    assert list(fa.objects()["Keeper"].outputs) == ["count"]
 
 
 def test_contexts_and_sweeps_evaluate_objects_with_their_own_values() -> None:
@@ -369,6 +398,41 @@ def test_an_unregistered_class_stays_with_its_objects() -> None:
     assert net["halver"].half == 1.5
 
 
+def test_a_value_that_an_object_keeps_outlives_its_network() -> None:
+    kept = []
+
+    @fa.object
+    class Keeper(fa.Object):
+        catalog: fa.Input["Catalogue"]  # type: ignore[name-defined]  # noqa: F821
+        deepest: fa.Output[float]
+
+        def update(self, request: fa.Request) -> None:
+            kept.append(self.catalog)
+            self.deepest = numpy.nanmax(self.catalog.depths)
+
+    net = fa.load(TOP / "examples" / "quakes" / "quakes.toml")
+    net.add("Keeper", "keeper")
+    net.connect("reader.catalog", "keeper.catalog")
+    deepest = net["keeper"].deepest
+    del net
+    gc.collect()
+    fa.Network()
+    assert kept[0].count == 1707 and numpy.nanmax(kept[0].depths) == deepest
+    assert len(str(kept[0]).splitlines()) == 1707
+
+
+def test_an_object_offers_charts() -> None:
+    @fa.object
+    class Mapper(fa.Object):
+        charts: fa.Output[fa.Charts]
+
+        def update(self, request: fa.Request) -> None:
+            self.charts = fa.Charts(["flat", "round"])
+
+    net = network("Mapper")
+    assert [chart.name for chart in net["mapper"].charts.charts] == ["flat", "round"]
+
+
 def test_instances_are_released_with_their_network() -> None:
     alive = []
 
@@ -396,6 +460,10 @@ def test_instances_are_released_with_their_network() -> None:
         ("x = fa.input()", "expected an annotation"),
         ("x: fa.Input[float] = fa.input(limits=(2, 1))", "ascending order"),
         ("x: fa.Input[str] = fa.input(kind='fil')", "expected one of: text, input file"),
+        ("x: fa.Input[str] = fa.input(visibility='secret')", "expected one of: ordinary, advanced"),
+        ("x: fa.Input[float] = fa.input(limits=5)", "found 5 for limits"),
+        ("x: fa.Input[float] = fa.input(above=2, below=1)", "ascending order"),
+        ("x: fa.Input[float] = fa.input(above=float('nan'))", "ascending order"),
     ],
 )
 def test_a_wrong_declaration_is_refused(body: str, message: str) -> None:
