@@ -34,6 +34,14 @@ class Image:
         return f"<fathom.Image of {len(self.data)} bytes>"
 
 
+def _reason(drawer: NetworkObject) -> str:
+    statuses = drawer.evaluation.statuses
+    own = [each.text for each in statuses if each.object == drawer.name]
+    # Without one, it may wait for objects that failed.
+    others = [f"{each.object}: {each.text}" for each in statuses if each.waiting > 0]
+    return "; ".join(own or others) or f"{drawer.type} {drawer.name!r} wrote no picture"
+
+
 def draw(drawer: NetworkObject) -> Image:
     """Triggers an object that writes a picture, with a file of its own, and returns the picture."""
     file = next((slot for slot in drawer.inputs.values() if slot.names_result), None)
@@ -51,6 +59,5 @@ def draw(drawer: NetworkObject) -> Image:
         finally:
             drawer._assign_here(file.name, former)
         if not path.exists():
-            reasons = [each.text for each in drawer.evaluation.statuses if each.object == drawer.name]
-            raise ObjectError("; ".join(reasons) or f"{drawer.type} {drawer.name!r} wrote no picture")
+            raise ObjectError(_reason(drawer))
         return Image(path.read_bytes())
