@@ -1,7 +1,7 @@
 #pragma once
 
 #include <fathom/Export.hpp>
-#include <fathom/VNumbers.hpp>
+#include <fathom/VDescriptionOf.hpp>
 #include <fathom/VRunningCell.hpp>
 #include <fathom/VValueParameter.hpp>
 
@@ -12,6 +12,7 @@
 
 #include <loam/SpeakPtr.hpp>
 
+#include <concepts>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -33,7 +34,7 @@ public:
                                  int expertLevel) const override
         {
             T value{};
-            ok = VValueTrait<T>::setValueFromText(value, initialText);
+            ok = Detail::TraitOf<T>::setValueFromText(value, initialText);
             return TypedSlot(that, name, value, preferences, expertLevel, true).slot();
         }
 
@@ -83,12 +84,20 @@ public:
     }
 
     /// Adds a described input; see `VDescription`.
-    template<VDescribes What>
     TypedSlot(VSlotContainer* that, const std::string& name, const T& initialValue,
-              const VDescription<What>& description, int expertLevel = 0, bool triggers = true)
+              const VDescriptionOf<T>& description, int expertLevel = 0, bool triggers = true)
         : TypedSlot{that, name, initialValue, VSlotDescription::of(description.parts()), expertLevel, triggers}
     {
-        Detail::checkDescription<What, T>();
+        static_assert(Detail::ContentCheck<T>::isDone);
+    }
+
+    /// Reports a class that is not derived from `VObject`, in fewer lines than the other
+    /// constructors.
+    template<class Owner, class... Others>
+        requires(!std::convertible_to<Owner*, VSlotContainer*>)
+    TypedSlot(Owner*, const std::string&, Others&&...) : TypedSlot{}
+    {
+        static_assert(!Detail::SlotOwner<Owner>::isValid);
     }
 
     TypedSlot(const TypedSlot&) = default;

@@ -106,9 +106,8 @@ public:
     TypedSlot(VSlotContainer* that, const std::string& name, const std::string& flagNames, int expertLevel);
 
     /// The same with a description; see `VDescription`.
-    template<VDescribes What>
     TypedSlot(VSlotContainer* that, const std::string& name, const std::string& flagNames,
-              const VDescription<What>& description, int expertLevel = 0)
+              const VDescriptionOf<FlagList>& description, int expertLevel = 0)
         : TypedSlot<FlagList>{that, name, FlagList{flagNames, ' '}, description, expertLevel}
     {
     }

@@ -2,7 +2,6 @@
 
 #include <fathom/Export.hpp>
 
-#include <trellis/VDescription.hpp>
 #include <trellis/VValueBase.hpp>
 
 #include <gable/PhysicalSpace.hpp>
@@ -10,8 +9,6 @@
 #include <loam/Numbers.hpp>
 
 #include <cstddef>
-#include <string>
-#include <type_traits>
 #include <vector>
 
 namespace Orla {
@@ -34,16 +31,5 @@ inline constexpr bool hasNumbers<StrongPtr<Loam::TypedChunk<T>, Loam::ChunkBase>
 /// Returns the numbers of \p value: a number itself, the elements of an array or a point, and
 /// the numbers among the components of any other value, such as the ends of a range.
 FATHOM_API std::vector<double> numbersOf(VValueBase& value);
-
-namespace Detail {
-
-template<VDescribes What, class T>
-constexpr void checkDescription()
-{
-    static_assert(What != VDescribes::Numbers || hasNumbers<T>, "limits and steps describe numbers");
-    static_assert(What != VDescribes::Text || std::is_same_v<T, std::string>, "kinds of text describe texts");
-}
-
-} // namespace Detail
 
 } // namespace Orla

@@ -6,6 +6,7 @@
 #include <fathom/VRunningCell.hpp>
 #include <fathom/VValueParameter.hpp>
 
+#include <concepts>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -52,11 +53,19 @@ public:
     }
 
     /// Adds a described output; see `VDescription`.
-    template<VDescribes What>
-    VOutput(VSlotContainer* that, const std::string& name, const T& initialValue, const VDescription<What>& description)
+    VOutput(VSlotContainer* that, const std::string& name, const T& initialValue, const VDescriptionOf<T>& description)
         : VOutput{that, name, initialValue, VSlotDescription::of(description.parts())}
     {
-        Detail::checkDescription<What, T>();
+        static_assert(Detail::ContentCheck<T>::isDone);
+    }
+
+    /// Reports a class that is not derived from `VObject`, in fewer lines than the other
+    /// constructors.
+    template<class Owner, class... Others>
+        requires(!std::convertible_to<Owner*, VSlotContainer*>)
+    VOutput(Owner*, const std::string&, Others&&...)
+    {
+        static_assert(!Detail::SlotOwner<Owner>::isValid);
     }
 
     const StrongPtr<VValueParameter<T>, ValueNotifierList>& parameter() const noexcept { return m_parameter; }
@@ -139,6 +148,9 @@ bool assignInputIfDifferent(const TypedSlot<T>& input, const StrongPtr<ValuePool
     const StrongPtr<VSlot>& slot = input.slot();
     return slot && assignIfDifferent<T>(slot->parameter(), pool, slot->member(), value);
 }
+
+template<class>
+inline constexpr bool isReported = false;
 
 } // namespace Detail
 
@@ -234,6 +246,38 @@ bool operator>>(const VOutputReference<T>& out, T& value)
         }
     }
     return VOutputAssignmentContext<T>(out) >> value;
+}
+
+// The following operators only report mistakes, in fewer lines than the candidates above.
+
+template<class T, class V>
+bool operator<<(const VOutput<T>&, const V&)
+{
+    static_assert(Detail::isReported<V>, "an output is written in a pool: output(request.valuePool()) << value");
+    return false;
+}
+
+template<class T, class V>
+bool operator<<=(const VOutput<T>&, const V&)
+{
+    static_assert(Detail::isReported<V>, "an output is written in a pool: output(request.valuePool()) <<= value");
+    return false;
+}
+
+template<class T, class V>
+    requires(!std::convertible_to<const V&, T>)
+bool operator<<(const VOutputReference<T>&, const V&)
+{
+    static_assert(Detail::isReported<V>, "an output accepts values that convert to its type");
+    return false;
+}
+
+template<class T, class V>
+    requires(!std::convertible_to<const V&, T>)
+bool operator<<=(const VOutputReference<T>&, const V&)
+{
+    static_assert(Detail::isReported<V>, "an output accepts values that convert to its type");
+    return false;
 }
 
 } // namespace Orla

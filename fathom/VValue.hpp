@@ -86,6 +86,34 @@ concept ValueContent =
 namespace Detail {
 
 template<class T>
+inline constexpr bool isValueContent = ValueContent<T>;
+
+// Reports, once per type, that its values cannot be made.
+template<class T>
+struct ContentCheck {
+    static_assert(isValueContent<T>, "a type of values has a default constructor, copies, == and a VValueTrait with "
+                                     "Text and setValueFromText");
+    static constexpr bool isDone = true;
+};
+
+// Replaces what a type lacks, so that the check above is all that the compiler reports.
+template<class T>
+struct NoContent : ContentCheck<T> {
+    static std::string Text(const T&) { return {}; }
+    static bool setValueFromText(T&, const std::string&) { return false; }
+    static bool areDifferent(const T&, const T&) { return false; }
+};
+
+template<class T>
+using TraitOf = std::conditional_t<isValueContent<T>, VValueTrait<T>, NoContent<T>>;
+
+template<class T>
+inline constexpr bool isComparable = requires(const T& a, const T& b) { VValueOperations<T>::areDifferent(a, b); };
+
+template<class T>
+using ComparisonOf = std::conditional_t<isComparable<T>, VValueOperations<T>, NoContent<T>>;
+
+template<class T>
 inline constexpr bool copiesPlainly = requires { requires VValueOperations<T>::copiesPlainly; };
 
 // Returns a copy that shares nothing with `value` that it must not share, or `value` itself if
@@ -217,9 +245,12 @@ public:
         return true;
     }
 
-    bool setValueFromText(const std::string& text) override { return VValueTrait<T>::setValueFromText(m_value, text); }
+    bool setValueFromText(const std::string& text) override
+    {
+        return Detail::TraitOf<T>::setValueFromText(m_value, text);
+    }
 
-    std::string Text() const override { return VValueTrait<T>::Text(m_value); }
+    std::string Text() const override { return Detail::TraitOf<T>::Text(m_value); }
 
     WeakPtrImpl<VManagedObject, VManagedObjectBase> source() override { return nullptr; }
 
@@ -308,7 +339,7 @@ private:
     // Every constructor calls this. Code that only reads values need not know their text form.
     static void countCreated() noexcept
     {
-        static_assert(ValueContent<T>, "the type of a value must meet ValueContent");
+        static_assert(Detail::ContentCheck<T>::isDone);
         if constexpr (IsCounted) {
             if (theTypedValueCreator)
                 theTypedValueCreator->countValue(1);
@@ -366,10 +397,10 @@ bool VTypedValueBase<T>::isDifferentFrom(const WeakPtrImpl<VValueBase>& other) c
         return true;
     const T* const its = typed->held();
     if (mine && its)
-        return VValueOperations<T>::areDifferent(*mine, *its);
+        return Detail::ComparisonOf<T>::areDifferent(*mine, *its);
     T a{};
     T b{};
-    return !getValue(a) || !typed->getValue(b) || VValueOperations<T>::areDifferent(a, b);
+    return !getValue(a) || !typed->getValue(b) || Detail::ComparisonOf<T>::areDifferent(a, b);
 }
 
 template<class T>

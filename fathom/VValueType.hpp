@@ -16,9 +16,11 @@ namespace Orla {
 ///
 /// Several libraries may do so for the same type: one of them serves it, and the others take
 /// over when it is unloaded.
-template<ValueContent T>
+template<class T>
 class VValueType {
 public:
+    static_assert(Detail::ContentCheck<T>::isDone);
+
     /// Messages call the type \p label, or its `Loam::Typename` if that is empty, and show
     /// \p example if a text is refused; see VTypeLabel.
     explicit VValueType(const std::string& label = {}, const std::string& example = {})

@@ -3,6 +3,24 @@
 // All headers of fathom and of the libraries below it. Single headers compile faster; for code
 // that only passes pointers, Forward.hpp suffices.
 
+// First those that report the most common mistakes: an error of the compiler begins with the headers
+// through which it came there.
+#include <trellis/VDescription.hpp>
+
+#include <trellis/VSlotContainer.hpp>
+
+#include <trellis/VObjectCreator.hpp>
+
+#include <fathom/VValue.hpp>
+
+#include <fathom/VDescriptionOf.hpp>
+
+#include <fathom/TypedSlot.hpp>
+
+#include <fathom/VOutput.hpp>
+
+#include <fathom/VValueType.hpp>
+
 #include <fathom/Action.hpp>
 #include <fathom/BoundingBall.hpp>
 #include <fathom/BoundingBox.hpp>
@@ -22,7 +40,6 @@
 #include <fathom/Range.hpp>
 #include <fathom/String.hpp>
 #include <fathom/TimeDependent.hpp>
-#include <fathom/TypedSlot.hpp>
 #include <fathom/VCamera.hpp>
 #include <fathom/VChart.hpp>
 #include <fathom/VComponent.hpp>
@@ -38,7 +55,6 @@
 #include <fathom/VMultipleStringList.hpp>
 #include <fathom/VNumbers.hpp>
 #include <fathom/VObjectStatus.hpp>
-#include <fathom/VOutput.hpp>
 #include <fathom/VPolyOutput.hpp>
 #include <fathom/VRunningCell.hpp>
 #include <fathom/VScalarFunctor.hpp>
@@ -47,9 +63,7 @@
 #include <fathom/VTime.hpp>
 #include <fathom/VTimeSource.hpp>
 #include <fathom/VUrlSystemHandler.hpp>
-#include <fathom/VValue.hpp>
 #include <fathom/VValueParameter.hpp>
-#include <fathom/VValueType.hpp>
 
 #include <gable/gable.hpp>
 #include <trellis/trellis.hpp>

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
 #include <string_view>
 #include <type_traits>
 
@@ -112,17 +113,13 @@ private:
     std::size_t m_count = 0;
 };
 
-// Throws std::invalid_argument. Calling it makes an expression that is evaluated at compile
-// time an error, which quotes the call.
-[[noreturn]] TRELLIS_API void refuseDescription(const char* reason);
-
 } // namespace Detail
 
 using VDescriptionLiteral = VDescriptionParts<std::string_view, Detail::DescriptionTexts>;
 
 /// The values that a description fits: `from`, `to` and `step` describe numbers, `asInputFile`
-/// a text.
-enum class VDescribes : std::uint8_t { AnyValue, Numbers, Text };
+/// a text. A description with both fits no value.
+enum class VDescribes : std::uint8_t { AnyValue, Numbers, Text, NoValue };
 
 /// What people need to know about an input or an output: what it means, what it accepts, and in
 /// which unit. Written where the slot is declared, from left to right:
@@ -187,17 +184,14 @@ public:
     /// The ends of a slider. Numbers beyond them are accepted, up to the limits.
     TRELLIS_DESCRIPTION auto softLimits(double least, double most) const
     {
-        if (!(least < most))
-            Detail::refuseDescription("the soft limits must be two numbers in ascending order");
         return numbers([least, most](VDescriptionLiteral& parts) { parts.softLimits = {least, most}; });
     }
 
     /// The distance between two numbers that a user interface offers. Others are accepted, too.
     TRELLIS_DESCRIPTION auto step(double distance) const
     {
-        if (!(distance > 0 && distance < std::numeric_limits<double>::infinity()))
-            Detail::refuseDescription("the step must be a positive number");
-        return numbers([distance](VDescriptionLiteral& parts) { parts.step = distance; });
+        // Without a step it is 0, so 0 becomes a number that is refused.
+        return numbers([distance](VDescriptionLiteral& parts) { parts.step = distance == 0 ? -1 : distance; });
     }
 
     /// A slider has a logarithmic scale.
@@ -235,8 +229,6 @@ public:
     template<class... Texts>
     TRELLIS_DESCRIPTION VDescription onlyIf(std::string_view name, std::string_view first, Texts... values) const
     {
-        if (name.empty())
-            Detail::refuseDescription("a condition must name an input");
         VDescriptionLiteral parts = m_parts;
         parts.conditionInput = name;
         parts.conditionValues = Detail::DescriptionTexts{first, std::string_view(values)...};
@@ -244,31 +236,29 @@ public:
     }
 
 private:
+    template<VDescribes Other>
+    using With = VDescription<What == VDescribes::AnyValue || What == Other ? Other : VDescribes::NoValue>;
+
     template<class Change>
-    constexpr VDescription<VDescribes::Numbers> numbers(Change change) const
+    constexpr With<VDescribes::Numbers> numbers(Change change) const
     {
-        static_assert(What != VDescribes::Text, "a text has no limits and no step");
         VDescriptionLiteral parts = m_parts;
         change(parts);
-        return VDescription<VDescribes::Numbers>{parts};
+        return With<VDescribes::Numbers>{parts};
     }
 
     template<class Change>
-    constexpr VDescription<VDescribes::Numbers> limited(Change change) const
+    constexpr With<VDescribes::Numbers> limited(Change change) const
     {
-        const auto changed = numbers([&](VDescriptionLiteral& parts) { change(parts.limits); });
-        if (!changed.parts().limits.isInOrder())
-            Detail::refuseDescription("the limits must be two numbers in ascending order");
-        return changed;
+        return numbers([&](VDescriptionLiteral& parts) { change(parts.limits); });
     }
 
-    constexpr VDescription<VDescribes::Text> text(VTextKind kind, const Detail::DescriptionTexts& extensions) const
+    constexpr With<VDescribes::Text> text(VTextKind kind, const Detail::DescriptionTexts& extensions) const
     {
-        static_assert(What != VDescribes::Numbers, "numbers have no kind of text");
         VDescriptionLiteral parts = m_parts;
         parts.textKind = kind;
         parts.extensions = extensions;
-        return VDescription<VDescribes::Text>{parts};
+        return With<VDescribes::Text>{parts};
     }
 
     constexpr VDescription visible(VVisibility visibility) const
@@ -284,11 +274,35 @@ private:
 /// Begins a description with one sentence for people: "Half the side of each box."
 TRELLIS_DESCRIPTION VDescription<> describe(std::string_view sentence)
 {
-    if (sentence.empty())
-        Detail::refuseDescription("a description needs a sentence");
     VDescriptionLiteral parts;
     parts.sentence = sentence;
     return VDescription<>{parts};
 }
+
+/// A description whose parts fit together. A `VDescription` converts to it where a slot takes
+/// it, so that the compiler reports a fault at the declaration of the slot.
+class VCheckedDescription {
+public:
+    template<VDescribes What>
+    TRELLIS_DESCRIPTION VCheckedDescription(const VDescription<What>& description) : m_parts{description.parts()}
+    {
+        static_assert(What != VDescribes::NoValue, "limits and steps describe numbers, kinds of text describe texts");
+        if (m_parts.sentence.empty())
+            throw std::invalid_argument("a description needs a sentence");
+        if (!m_parts.limits.isInOrder())
+            throw std::invalid_argument("the limits must be two numbers in ascending order");
+        if (m_parts.softLimits.isSet() && !(m_parts.softLimits.from < m_parts.softLimits.to))
+            throw std::invalid_argument("the soft limits must be two numbers in ascending order");
+        if (!(m_parts.step >= 0 && m_parts.step < std::numeric_limits<double>::infinity()))
+            throw std::invalid_argument("the step must be a positive number");
+        if (m_parts.conditionInput.empty() && m_parts.conditionValues.begin() != m_parts.conditionValues.end())
+            throw std::invalid_argument("a condition must name an input");
+    }
+
+    constexpr const VDescriptionLiteral& parts() const noexcept { return m_parts; }
+
+private:
+    VDescriptionLiteral m_parts;
+};
 
 } // namespace Orla

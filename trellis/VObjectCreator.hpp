@@ -88,6 +88,32 @@ private:
     StrongPtr<VTypeDescription> m_description;
 };
 
+namespace Detail {
+
+struct ArgumentsOfObjects {
+    ArgumentsOfObjects(const std::string& name, int level, const StrongPtr<VCreationPreferences>& preferences);
+};
+
+template<class T>
+struct Acceptor {
+    static void accept(T&& object);
+    static void accept(ArgumentsOfObjects arguments);
+};
+
+// True if T can be created from the arguments of an object. The call is ambiguous then, also for a
+// class whose members have faulty initialisers, which makes its constructors unusable: the compiler
+// reports these members already.
+template<class T>
+inline constexpr bool hasObjectConstructor =
+    !requires(const std::string& name, int level, const StrongPtr<VCreationPreferences>& preferences) {
+        Acceptor<T>::accept({name, level, preferences});
+    };
+
+template<class T>
+inline constexpr bool isObjectType = std::is_base_of_v<VObject, T> && !std::is_abstract_v<T> && hasObjectConstructor<T>;
+
+} // namespace Detail
+
 /// Creates objects of class \p T, whose constructor takes the same arguments as that of
 /// `VObject`.
 template<class T>
@@ -102,7 +128,11 @@ public:
     StrongPtr<VObject> create(const std::string& name, int level,
                               const StrongPtr<VCreationPreferences>& preferences) const override
     {
-        return Loam::makeStrong<T>(name, level, preferences ? preferences : m_defaults);
+        // VObjectType reports what a class lacks, in fewer lines than its creation.
+        if constexpr (Detail::isObjectType<T>)
+            return Loam::makeStrong<T>(name, level, preferences ? preferences : m_defaults);
+        else
+            return nullptr;
     }
 
 private:
@@ -116,7 +146,10 @@ private:
 template<class T>
 class VObjectType {
 public:
-    static_assert(std::is_base_of_v<VObject, T>);
+    static_assert(!Detail::SlotOwner<T>::isValid || !std::is_abstract_v<T>,
+                  "an object type overrides bool update(Orla::VRequest&, double)");
+    static_assert(!Detail::SlotOwner<T>::isValid || std::is_abstract_v<T> || Detail::hasObjectConstructor<T>,
+                  "an object type has the constructor of Orla::VObject: using VObject::VObject;");
 
     explicit VObjectType(const std::string& name, const StrongPtr<VCreationPreferences>& defaults = {},
                          const std::type_info* uniqueOutput = nullptr)

@@ -56,9 +56,9 @@ const VSlotDescription* VSlot::description() const noexcept
     return dynamic_cast<const VSlotDescription*>(m_ownParameter->creationPreferences().get());
 }
 
-void VSlot::describe(const VDescriptionLiteral& parts)
+void VSlot::describe(const VCheckedDescription& description)
 {
-    m_description = VSlotDescription::of(parts)->number();
+    m_description = VSlotDescription::of(description.parts())->number();
 }
 
 StrongPtr<VValueBase> VSlot::getValueBase(const StrongPtr<ValuePool>& pool) const

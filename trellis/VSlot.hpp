@@ -75,11 +75,7 @@ public:
 
     /// Describes the slot, for example an input that a base class declares. Replaces the
     /// description in the creation preferences.
-    template<VDescribes What>
-    void describe(const VDescription<What>& description)
-    {
-        describe(description.parts());
-    }
+    void describe(const VCheckedDescription& description);
 
     /// Returns the value that the slot refers to in \p pool, or its component if the slot has
     /// a member name. Returns null if the value is missing.
@@ -124,7 +120,6 @@ private:
     struct Link;
 
     void changeFlags(std::uint8_t flags) noexcept;
-    void describe(const VDescriptionLiteral& parts);
 
     VSlotContainer* m_container;
     StrongPtr<VParameter> m_parameter;

@@ -214,4 +214,15 @@ bool VSlotContainer::forEachInput(Function&& function, int expertLevel)
     return iterateParameters(visit, expertLevel);
 }
 
+namespace Detail {
+
+// Reports, once per class, that it cannot have slots.
+template<class T>
+struct SlotOwner {
+    static constexpr bool isValid = std::is_base_of_v<VSlotContainer, T>;
+    static_assert(isValid, "a class with inputs and outputs derives from Orla::VObject");
+};
+
+} // namespace Detail
+
 } // namespace Orla

@@ -93,11 +93,6 @@ private:
     std::unordered_multimap<std::size_t, std::uint32_t> m_numbers; // by the hash of the sentence
 };
 
-void Detail::refuseDescription(const char* reason)
-{
-    throw std::invalid_argument(reason);
-}
-
 VSlotDescription::VSlotDescription(Parts parts, std::uint32_t number) : m_parts{std::move(parts)}, m_number{number}
 {
 }

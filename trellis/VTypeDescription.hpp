@@ -5,6 +5,7 @@
 
 #include <loam/Interface.hpp>
 
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -74,7 +75,7 @@ private:
 TRELLIS_DESCRIPTION VTypeText describeType(std::string_view sentence)
 {
     if (sentence.empty())
-        Detail::refuseDescription("a description needs a sentence");
+        throw std::invalid_argument("a description needs a sentence");
     VTypeDescriptionLiteral parts;
     parts.sentence = sentence;
     return VTypeText{parts};

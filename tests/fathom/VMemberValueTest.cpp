@@ -111,60 +111,6 @@ TEST_F(VMemberValueTest, leavesTheWholeUnchangedIfItsTextIsRefused)
     EXPECT_EQ(m_time->Text(), "5[0,10]@0.5");
 }
 
-TEST_F(VMemberValueTest, becomesAPlainValueWhenItIsCopied)
-{
-    const StrongPtr<VValueBase> copy = component("range")->copy();
-    ASSERT_TRUE(StrongPtr<VValue<Range>>(copy));
-    EXPECT_TRUE(copy->setValueFromText("3:4"));
-    EXPECT_EQ(m_time->Text(), "5[0,10]@0.5");
-}
-
-TEST_F(VMemberValueTest, hasTheAgeOfTheWhole)
-{
-    const StrongPtr<VValueBase> end = component("range.end");
-    EXPECT_EQ(&end->age(), &m_time->age());
-    const VValueBase& constant = *end;
-    EXPECT_EQ(&constant.age(), &m_time->age());
-    EXPECT_EQ(m_orphan->age().stamp(), static_cast<const VValueBase&>(*m_orphan).age().stamp());
-}
-
-TEST_F(VMemberValueTest, hasTheSourceOfTheWhole)
-{
-    struct Produced final : VValue<Range> {
-        WeakPtrImpl<VManagedObject, VManagedObjectBase> source() override { return producer; }
-        const StrongPtr<VManagedObject> producer{new VManagedObject("producer", 0)};
-    };
-    const auto range = Loam::makeStrong<Produced>();
-    EXPECT_EQ(range->component("end")->source().lock(), range->producer);
-    EXPECT_FALSE(component("range.end")->source());
-    EXPECT_FALSE(m_orphan->source());
-}
-
-TEST_F(VMemberValueTest, hasTheCreatorOfItsType)
-{
-    EXPECT_EQ(component("time")->getValueCreator(), VValueCreator::find("double"));
-    EXPECT_EQ(component("range")->getValueCreator(), VValueCreator::find("Range"));
-}
-
-TEST_F(VMemberValueTest, isExportedLikeAPlainValue)
-{
-    const StrongPtr<Loam::Chunk<double>> chunk(component("time")->getChunk(2));
-    ASSERT_TRUE(chunk);
-    EXPECT_THAT(chunk->base_vector(), testing::ElementsAre(5, 5));
-}
-
-TEST_F(VMemberValueTest, keepsTheWholeAlive)
-{
-    StrongPtr<VValue<Range>> range(new VValue<Range>(Range{1, 2}));
-    const WeakPtrImpl<VValueBase> watched(range);
-    StrongPtr<VValueBase> begin = range->component("begin");
-    range.reset();
-    EXPECT_FALSE(watched.expired());
-    EXPECT_EQ(begin->Text(), "1");
-    begin.reset();
-    EXPECT_TRUE(watched.expired());
-}
-
 TEST_F(VMemberValueTest, canBeMovedToAnotherWhole)
 {
     m_orphan->setContainerValue(Loam::makeStrong<VValue<Range>>(Range{8, 9}));
