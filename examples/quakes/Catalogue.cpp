@@ -236,13 +236,11 @@ Numbers numbers(const Catalogue& catalogue)
 const Orla::VValueType<Catalogue> catalogueType{"earthquake catalogue"};
 
 // Connections can pick these, and they are attributes in Python.
-const Orla::VValueComponents catalogueParts{typeid(Catalogue),
-                                            {Orla::component<&Catalogue::size>("count"),
-                                             Orla::component<numbers<&Quake::time>>("times"),
-                                             Orla::component<numbers<&Quake::longitude>>("longitudes"),
-                                             Orla::component<numbers<&Quake::latitude>>("latitudes"),
-                                             Orla::component<numbers<&Quake::depth>>("depths"),
-                                             Orla::component<numbers<&Quake::magnitude>>("magnitudes")}};
+const Orla::VValueComponents catalogueParts{
+    typeid(Catalogue),
+    {Orla::component<&Catalogue::size>("count"), Orla::component<numbers<&Quake::time>>("times"),
+     Orla::component<numbers<&Quake::longitude>>("longitudes"), Orla::component<numbers<&Quake::latitude>>("latitudes"),
+     Orla::component<numbers<&Quake::depth>>("depths"), Orla::component<numbers<&Quake::magnitude>>("magnitudes")}};
 
 // Sets the colour of connections that carry a catalogue.
 const bool hasColor = [] {
