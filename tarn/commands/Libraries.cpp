@@ -37,7 +37,8 @@ const Command& librariesCommand()
         .help = R"(Loads each library found, or each library named, and lists its file, object types and
 value types. A file that cannot be loaded is listed with the reason; if it was named,
 the exit status is 2. Loading a library runs its code, so only libraries that are named
-are searched for in the working folder.
+are searched for in the working folder, and only files in Python that are named, such
+as deepest.py, are run.
 )",
         .options = {jsonOption()},
         .libraryFolders = WorkingFolders,

@@ -72,10 +72,13 @@ Loam::Result<void*> open(const std::string& path)
     return Loam::Failure{printable(path) + ": the library registers neither object types nor value types"};
 }
 
-Loam::Result<void*> openPython(const std::string& path, const std::string& libraryFolder)
+Loam::Result<void*> openPython(const std::string& path)
 {
     const Activity activity{"loading", path.c_str()};
-    if (const Loam::Result<void> loaded = loadPythonLibrary(path, libraryFolder); !loaded)
+    // The first folder is that of the installation, which has the package.
+    const std::vector<std::string> folders = Libraries::searchPath();
+    const std::string installed = folders.empty() ? std::string() : folders.front();
+    if (const Loam::Result<void> loaded = loadPythonLibrary(path, installed); !loaded)
         return Loam::Failure{loaded.reason()};
     return nullptr;
 }
@@ -135,6 +138,11 @@ Loam::Result<void> Libraries::unload()
     return {};
 }
 
+std::string Libraries::fileName(const std::string& name)
+{
+    return isPythonLibrary(name) ? name : name + ".so";
+}
+
 bool Libraries::isOpen(void* handle)
 {
     const auto isIn = [handle](const std::vector<Library>& libraries) {
@@ -152,14 +160,14 @@ Loam::Result<void> Libraries::load(const std::string& name)
         return {};
     const std::string title = "library " + inQuotes(name);
     const bool isPython = isPythonLibrary(name);
-    const std::string file = isPython ? name : name + ".so";
+    const std::string file = fileName(name);
     std::vector<std::string> reasons;
     for (const std::string& folder : m_folders) {
         const std::string path = folder + '/' + file;
         if (::access(path.c_str(), F_OK) != 0)
             continue;
         const Initialization initialization{title};
-        const Loam::Result<void*> handle = isPython ? openPython(path, m_folders.front()) : open(path);
+        const Loam::Result<void*> handle = isPython ? openPython(path) : open(path);
         if (!handle) {
             reasons.push_back(handle.reason());
             continue;

@@ -47,6 +47,10 @@ public:
     /// is then a success.
     Loam::Result<void> unload();
 
+    /// Returns the name of the file of the library \p name: NAME.so, or the name itself if it ends
+    /// in ".py".
+    static std::string fileName(const std::string& name);
+
     /// Returns the folders to search for libraries of a network in \p networkFolder: that of the
     /// installation of this code, ../lib/fathom beside the program, the folders in the environment
     /// variable TARN_LIBRARIES (separated by colons), \p networkFolder and its subfolder "lib".

@@ -89,7 +89,7 @@ std::vector<LibraryFile> findLibraryFiles(const std::vector<std::string>& folder
     std::vector<LibraryFile> files;
     for (const std::string& folder : folders) {
         for (const std::string& name : names.empty() ? namesIn(folder) : names) {
-            const std::string path = folder + '/' + name + Ending;
+            const std::string path = folder + '/' + Libraries::fileName(name);
             const auto isSame = [&](const LibraryFile& each) { return each.path == path; };
             if (::access(path.c_str(), F_OK) != 0 || std::ranges::any_of(files, isSame))
                 continue;

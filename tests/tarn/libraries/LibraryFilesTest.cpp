@@ -13,6 +13,7 @@ namespace LibraryFilesTest {
 
 using namespace Tarn;
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -64,5 +65,25 @@ TEST(LibraryFiles, reportWhichFileShadowsOthersOfTheSameName)
     EXPECT_EQ(files[3].path, "");
     EXPECT_THAT(files[3].loading.reason(), HasSubstr("library \"none\" was not found"));
 }
+
+// Presets without the Python package cannot load such libraries.
+#ifdef HAS_PYTHON_PACKAGE
+
+TEST(LibraryFiles, mayBeFilesInPythonThatAreNamed)
+{
+    const TestFolder folder;
+    const std::string path =
+        folder.write("idle.py", "import fathom\n@fathom.object\nclass Idle(fathom.Object): pass\n");
+    EXPECT_THAT(findLibraryFiles({folder.path()}, {}), IsEmpty());
+    const auto files = findLibraryFiles({folder.path()}, {"idle.py", "none.py"});
+    ASSERT_EQ(files.size(), 2u);
+    EXPECT_EQ(files[0].path, path);
+    EXPECT_TRUE(files[0].loading) << files[0].loading.reason();
+    EXPECT_THAT(files[0].objectTypes, ElementsAre("Idle"));
+    EXPECT_THAT(files[1].loading.reason(), HasSubstr("no file none.py in " + folder.path()));
+    EXPECT_FALSE(Orla::VObjectCreator::find("Idle")) << "the library is still loaded";
+}
+
+#endif
 
 } // namespace LibraryFilesTest
