@@ -100,14 +100,15 @@ struct Acceptor {
     static void accept(ArgumentsOfObjects arguments);
 };
 
-// True if T can be created from the arguments of an object. The call is ambiguous then, also for a
-// class whose members have faulty initialisers, which makes its constructors unusable: the compiler
-// reports these members already.
+// True if T can be created from the arguments of an object. Also true for a class whose members have
+// faulty initialisers, which makes its constructors unusable: the compiler reports these members
+// already, and the call is ambiguous.
 template<class T>
 inline constexpr bool hasObjectConstructor =
-    !requires(const std::string& name, int level, const StrongPtr<VCreationPreferences>& preferences) {
-        Acceptor<T>::accept({name, level, preferences});
-    };
+    std::is_constructible_v<T, const std::string&, int, const StrongPtr<VCreationPreferences>&>
+    || !requires(const std::string& name, int level, const StrongPtr<VCreationPreferences>& preferences) {
+           Acceptor<T>::accept({name, level, preferences});
+       };
 
 template<class T>
 inline constexpr bool isObjectType = std::is_base_of_v<VObject, T> && !std::is_abstract_v<T> && hasObjectConstructor<T>;
