@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import concurrent.futures
 import enum
 import itertools
 import os
@@ -483,39 +482,25 @@ class Network(Evaluation):
         made.set({**(inputs or {}), **more})
         return made
 
-    def sweep(self, inputs: Mapping[str, Sequence[Any]], *, jobs: Optional[int] = None) -> _tables.Table:
+    def sweep(self, inputs: Mapping[str, Sequence[Any]], *, jobs: Optional[int] = None,
+              progress: Optional[Progress] = None) -> _tables.Table:
         """Runs the network for all combinations of the inputs; the last one varies fastest.
 
         Returns one row per step of each case: the number of the case, the inputs, the number of the step, and the
         columns. `jobs` cases at a time are evaluated; by default, one per core. The results do not depend on it.
-        A network whose objects keep state in members is evaluated one case at a time.
+        A network whose objects keep state in members is evaluated one case at a time. Raises `RunError` if the run
+        of a case ends early.
         """
+        titles = ["case", *inputs, "step", *self.columns]
         cases = list(itertools.product(*inputs.values()))
-        stop = threading.Event()
-        running: set[Context] = set()
-
-        def evaluate(number: int) -> list[tuple[Any, ...]]:
-            if stop.is_set():
-                return []
-            with self.context(dict(zip(inputs, cases[number])), name=f"case {number}", tag=f"case{number}") as case:
-                running.add(case)
-                try:
-                    return [
-                        (number, *cases[number], step.number, *step.values.values()) for step in case.run()
-                    ]
-                finally:
-                    running.discard(case)
-
-        most = 1 if _fathom.order_reason(self._session) else jobs or os.cpu_count() or 1
-        with concurrent.futures.ThreadPoolExecutor(max_workers=most) as pool:
-            try:
-                rows = [row for part in pool.map(evaluate, range(len(cases))) for row in part]
-            except BaseException:
-                stop.set()
-                for case in list(running):
-                    case.cancel()
-                raise
-        return _tables.table(["case", *inputs, "step", *self.columns], rows)
+        if not cases:
+            return _tables.table(titles, [])
+        found = [self._find_input(reference) for reference in inputs]
+        values = [list(each) for each in inputs.values()]
+        rows, failure = _fathom.sweep(self._session, found, values, jobs or os.cpu_count() or 1, progress)
+        if failure is not None:
+            raise _errors.RunError(f"case {failure[0]}: {failure[1]}")
+        return _tables.table(titles, [(number, *cases[number], step, *cells) for number, step, *cells in rows])
 
     def load_library(self, name: str) -> None:
         """Loads an object library."""

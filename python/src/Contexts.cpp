@@ -211,7 +211,9 @@ public:
     {
         const Turn::Hold hold{m_turn};
         const EvaluationSummary& summary = context().summary();
-        return py::make_tuple(summary.steps, summary.failures, summary.stopped, reasonOf(summary));
+        const std::optional<std::string> reason = endReason(summary);
+        return py::make_tuple(summary.steps, summary.failures, summary.stopped,
+                              reason ? py::object(toStr(*reason)) : py::none());
     }
 
     // Called from any thread.
@@ -329,25 +331,6 @@ private:
     }
 
     // Returns why a run ended early, or None.
-    static py::object reasonOf(const EvaluationSummary& summary)
-    {
-        if (summary.cancelled)
-            return toStr("the evaluation was cancelled");
-        if (summary.timeIsLost)
-            return toStr("the object that provides the time was removed");
-        if (!summary.timeRefusal.empty())
-            return toStr(summary.timeRefusal);
-        if (summary.chartIsMissing)
-            return toStr("no object offers the chart"
-                         + (summary.chartRefusal.empty() ? "" : ": " + summary.chartRefusal));
-        if (summary.unknownChoices.empty())
-            return py::none();
-        py::list lines;
-        for (const std::string& line : summary.unknownChoices.lines())
-            lines.append(toStr(line));
-        return py::str("\n").attr("join")(lines);
-    }
-
     NetworkPtr m_network;
     std::string m_name;
     std::string m_tag;

@@ -5,6 +5,8 @@
 #include "Conversions.hpp"
 #include "Slots.hpp"
 
+#include <tarn/run/Context.hpp>
+
 #include <loam/FileError.hpp>
 
 #include <pybind11/stl.h>
@@ -24,6 +26,24 @@ Network::~Network()
     }
     const py::gil_scoped_release release;
     m_session.reset();
+}
+
+std::optional<std::string> endReason(const EvaluationSummary& summary)
+{
+    if (summary.cancelled)
+        return "the evaluation was cancelled";
+    if (summary.timeIsLost)
+        return "the object that provides the time was removed";
+    if (!summary.timeRefusal.empty())
+        return summary.timeRefusal;
+    if (summary.chartIsMissing)
+        return "no object offers the chart" + (summary.chartRefusal.empty() ? "" : ": " + summary.chartRefusal);
+    if (summary.unknownChoices.empty())
+        return std::nullopt;
+    std::string lines;
+    for (const std::string& line : summary.unknownChoices.lines())
+        lines += (lines.empty() ? "" : "\n") + line;
+    return lines;
 }
 
 Handle::Handle(NetworkPtr network, const ObjectPtr& object)

@@ -21,6 +21,10 @@
 #include <type_traits>
 #include <utility>
 
+namespace Tarn {
+struct EvaluationSummary;
+}
+
 namespace Tarn::Python {
 
 namespace py = pybind11;
@@ -101,6 +105,9 @@ struct Missing : std::runtime_error {
 struct NoResult : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
+
+/// Returns why a run ended before its last step, or nothing.
+std::optional<std::string> endReason(const EvaluationSummary& summary);
 
 /// \throw py::value_error with the reason of a failure.
 template<class T>

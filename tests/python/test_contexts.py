@@ -212,3 +212,51 @@ def test_a_context_keeps_its_network(sums: fa.Network) -> None:
     del sums
     gc.collect()
     assert case["b"].sum == 13
+
+
+def test_a_sweep_equals_one_context_per_case(sums: fa.Network) -> None:
+    values = [3, 1, 4, 1, 5]
+    table = sums.sweep({"a.b": values}, jobs=2)
+    expected = []
+    for value in values:
+        with sums.context({"a.b": value}) as case:
+            expected += [step["sum"] for step in case.run()]
+    assert table["sum"].tolist() == expected
+
+
+def test_a_failed_object_leaves_its_cells_of_a_sweep_empty_and_later_cases_alone(everything: fa.Network) -> None:
+    @fa.object
+    class Root(fa.Object):
+        square: fa.Input[float]
+        root: fa.Output[float]
+
+        def update(self, request: fa.Request) -> None:
+            self.root = self.square**0.5 if self.square >= 0 else 1 / 0
+
+    everything.add("Root", "root")
+    everything.add_column("root", "root.root")
+    try:
+        table = everything.sweep({"root.square": [4, -1, 9]}, jobs=1)
+    finally:
+        fa.unregister(Root)
+    assert table["root"].tolist() == [2, None, 3]
+
+
+def test_a_sweep_reports_its_progress(sums: fa.Network) -> None:
+    fractions: list[float] = []
+    sums.sweep({"a.b": range(1000)}, progress=fractions.append)
+    assert fractions == sorted(fractions) and fractions[-1] == 1
+
+
+def test_a_sweep_without_values_has_no_rows(sums: fa.Network) -> None:
+    assert {title: len(column) for title, column in sums.sweep({"a.b": []}).items()} == {
+        "case": 0,
+        "a.b": 0,
+        "step": 0,
+        "sum": 0,
+    }
+
+
+def test_a_sweep_names_the_case_whose_run_ends_early(sums: fa.Network) -> None:
+    with pytest.raises(fa.RunError, match="case 1: "):
+        sums.sweep({"clock.time": ["0[0,1]@1", "0[0,1]@1e-300"]})
