@@ -8,7 +8,7 @@ namespace Orla {
 /// A plane of a frustum, and the corner coordinates to test against it.
 struct FrustumPlane {
     double point[3];
-    double unit[3];
+    double unit[3];           ///< the normal, of a length between 0.5 and 2
     const double* along[3];   ///< per axis, the corners furthest along the normal
     const double* against[3]; ///< per axis, the corners furthest against it
 };
