@@ -29,8 +29,9 @@ struct NetworkFile {
         /// that their text form does not restore.
         std::vector<PlacedText> exact = {};
 
-        bool isNumber = false; ///< written without quotes
-        bool isTruth = false;  ///< true or false, written without quotes
+        bool isNumber = false;  ///< written without quotes
+        bool isTruth = false;   ///< true or false, written without quotes
+        bool isOfInput = false; ///< the value has no text: it is that of the input
     };
 
     struct Object {

@@ -354,12 +354,13 @@ Result<void> SessionCore::setValue(std::string_view reference, const StrongPtr<O
                        + ", expected type " + Orla::VTypeLabel::of(input->slot->type())};
     if (const Result<void> fine = checkLimits(*input->slot, *value); !fine)
         return fine;
-    return assign(*input, value, value->Text());
+    // The text of an array may be many times as large as the array, and is rarely saved.
+    return assign(*input, value, std::nullopt);
 }
 
 // Sets the initial value, and records the text in the saved network instead of earlier ones.
 Result<void> SessionCore::assign(const OwnInput& input, const StrongPtr<Orla::VValueBase>& value,
-                                 const std::string& text)
+                                 const std::optional<std::string>& text)
 {
     const auto& [slot, entry] = input;
     const auto connection = std::ranges::find(entry->connections, slot->name(),
@@ -370,7 +371,9 @@ Result<void> SessionCore::assign(const OwnInput& input, const StrongPtr<Orla::VV
     slot->ownParameter()->setGlobalValue(value, {});
     if (const auto former = findText(entry->texts, slot->name()); former != entry->texts.end())
         entry->texts.erase(former);
-    entry->texts.push_back({{slot->name(), Here}, {text, Here}});
+    NetworkFile::InputText& made =
+        entry->texts.emplace_back(NetworkFile::InputText{{slot->name(), Here}, {text.value_or(""), Here}});
+    made.isOfInput = !text;
     std::erase_if(m_network.choices, [&](const Network::Choice& each) { return each.input == input.slot; });
     return {};
 }
@@ -601,14 +604,21 @@ Result<std::string> SessionCore::savedText() const
             std::vector<std::string> texts;
             for (const PlacedText& exact : text->exact)
                 texts.push_back(exact.text);
-            if (texts.empty())
+            const StrongPtr<Orla::VValueBase> value = input->ownParameter()->DefaultValue();
+            if (texts.empty() && text->isOfInput) {
+                const Result<std::string> own = Loam::attempt([&] { return value->Text(); });
+                if (!own)
+                    return Failure{entry.description + ", input " + inQuotes(input->name()) + ": " + own.reason()};
+                texts.push_back(*own);
+            } else if (texts.empty()) {
                 texts.push_back(text->value.text);
+            }
             made.set.push_back({.name = input->name(),
                                 .type = &input->type(),
                                 .place = {},
                                 .description = entry.description + ", input " + inQuotes(input->name()),
                                 .given = declaredValue(input),
-                                .value = input->ownParameter()->DefaultValue(),
+                                .value = value,
                                 .texts = std::move(texts),
                                 .namesResult = input->hasFlag(Orla::VSlot::NamesResult)});
         }

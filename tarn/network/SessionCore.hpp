@@ -115,7 +115,7 @@ private:
     Loam::Result<OwnInput> findOwnInput(std::string_view reference);
     Orla::StrongPtr<Orla::VValueBase> declaredValue(const Orla::StrongPtr<Orla::VSlot>& input) const;
     Loam::Result<void> assign(const OwnInput& input, const Orla::StrongPtr<Orla::VValueBase>& value,
-                              const std::string& text);
+                              const std::optional<std::string>& text);
 
     Faults m_faults;
     std::string m_folder;

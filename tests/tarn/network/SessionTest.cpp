@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <limits>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -266,6 +267,17 @@ TEST_F(OpenSession, savesTheTextsThatReplaceThoseOfTheFile)
 {
     const Session session = read(object("a", "Adder", "set = { a = 1, b = 2 }\n"), {.overrides = {"a.b=3"}});
     EXPECT_THAT(*session.savedText(), HasSubstr("set.a = 1\nset.b = 3\n"));
+}
+
+TEST_F(OpenSession, savesTheLastOfTheTextsAndValuesThatAnInputGot)
+{
+    Session session = read(object("a", "Adder", "set.a = 7\n"));
+    EXPECT_TRUE(session.set("a.a", 1.5));
+    EXPECT_THAT(*session.savedText(), HasSubstr("set.a = 1.5\n"));
+    EXPECT_TRUE(session.setText("a.a", "2"));
+    EXPECT_THAT(*session.savedText(), HasSubstr("set.a = 2\n"));
+    EXPECT_TRUE(session.set("a.a", std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_THAT(*session.savedText(), HasSubstr("set.a = nan\n"));
 }
 
 TEST_F(OpenSession, refusesImpossibleChangesWithAReasonAndStaysTheSame)
