@@ -239,7 +239,7 @@ class NetworkObject:
         return self._read(name, SlotKind.ANY)
 
     def __setattr__(self, name: str, value: Any) -> None:
-        if name in dir(type(self)):
+        if name in _OWN_ATTRIBUTES:
             raise AttributeError(f"{name!r} is an attribute of every object; assign the input by [{name!r}]")
         self[name] = value
 
@@ -261,6 +261,9 @@ class NetworkObject:
     def __repr__(self) -> str:
         removed = "" if self.exists else " (removed)"
         return f"<fathom.NetworkObject {self.name!r}{removed}>"
+
+
+_OWN_ATTRIBUTES = frozenset(dir(NetworkObject))
 
 
 class Evaluation:
@@ -342,8 +345,8 @@ class Evaluation:
         for number in itertools.count():
             if not context.step(progress):
                 break
-            time = context.time()
-            yield Step(number, None if time is None else time.time, dict(zip(titles, context.values())))
+            time, values = context.outcome()
+            yield Step(number, None if time is None else time.time, dict(zip(titles, values)))
             if self._run != run:
                 raise RuntimeError("another run of the network began, which ends this one")
         reason = context.summary()[3]
@@ -358,8 +361,11 @@ class Evaluation:
         a `numpy.ma.MaskedArray`.
         """
         titles = ["step", *self._session.columns()]
-        rows = [(step.number, *step.values.values()) for step in self.run(progress)]
-        return _tables.table(titles, rows)
+        self._run = next(self._runs)
+        rows, reason = self._context().run(progress)
+        if reason is not None:
+            raise _errors.RunError(reason)
+        return _tables.table(titles, [(number, *cells) for number, cells in enumerate(rows)])
 
     @property
     def time(self) -> Optional[_fathom.Time]:

@@ -97,6 +97,27 @@ public:
         return goesOn;
     }
 
+    // Evaluates all steps, and returns the values of the columns and why the run ended early, or None.
+    py::tuple run(const py::object& progress)
+    {
+        startOver();
+        const Turn::Hold hold{m_turn};
+        refresh();
+        std::vector<std::vector<StrongPtr<VValueBase>>> rows;
+        serveContext(progress, [&](const Orla::VCancellation& cancellation) {
+            while (context().evaluateStep(cancellation))
+                rows.push_back(context().values());
+            if (!endReason(context().summary()))
+                context().finish(cancellation);
+        });
+        m_isCurrent = !context().summary().cancelled;
+        py::list table;
+        for (const std::vector<StrongPtr<VValueBase>>& row : rows)
+            table.append(toTuple(row));
+        const std::optional<std::string> reason = endReason(context().summary());
+        return py::make_tuple(table, reason ? py::object(toStr(*reason)) : py::none());
+    }
+
     void finish(const py::object& progress)
     {
         const Turn::Hold hold{m_turn};
@@ -177,13 +198,12 @@ public:
         return unlocked([&] { return require(context().stepCount()); });
     }
 
-    py::list values()
+    // The current time, and the values of the columns.
+    py::tuple outcome()
     {
         const Turn::Hold hold{m_turn};
-        py::list values;
-        for (const StrongPtr<VValueBase>& value : unlocked([&] { return context().values(); }))
-            values.append(toPython(value, m_network));
-        return values;
+        const auto [time, values] = unlocked([&] { return std::pair{context().time(), context().values()}; });
+        return py::make_tuple(time ? py::cast(*time) : py::none(), toTuple(values));
     }
 
     py::list texts()
@@ -246,6 +266,14 @@ private:
         m_context->setProgress([this](double fraction) { m_progress.note(fraction); });
         if (isForked())
             m_context->setExecutor(nullptr); // the threads of the executor are in the parent
+    }
+
+    py::tuple toTuple(const std::vector<StrongPtr<VValueBase>>& values) const
+    {
+        py::tuple made(values.size());
+        for (std::size_t i = 0; i < values.size(); ++i)
+            made[i] = toPython(values[i], m_network);
+        return made;
     }
 
     void createAgain()
@@ -359,6 +387,7 @@ void bindContexts(py::module_& module)
         .def("read", &Evaluation::read, py::arg("handle"), py::arg("slot"), py::arg("kind"), py::arg("progress") = none)
         .def("evaluate", &Evaluation::evaluate, py::arg("progress") = none)
         .def("step", &Evaluation::step, py::arg("progress") = none)
+        .def("run", &Evaluation::run, py::arg("progress") = py::none())
         .def("finish", &Evaluation::finish, py::arg("progress") = none)
         .def("start_over", &Evaluation::startOver)
         .def("forget", &Evaluation::forget)
@@ -368,7 +397,7 @@ void bindContexts(py::module_& module)
         .def("charts", &Evaluation::charts)
         .def("time", &Evaluation::time)
         .def("step_count", &Evaluation::stepCount)
-        .def("values", &Evaluation::values)
+        .def("outcome", &Evaluation::outcome)
         .def("texts", &Evaluation::texts)
         .def("statuses", &Evaluation::statuses)
         .def("summary", &Evaluation::summary)

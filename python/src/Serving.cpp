@@ -9,6 +9,7 @@
 #include <list>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 #include <unistd.h>
 
@@ -68,43 +69,95 @@ void handleSignals()
 // How many updates of objects written in Python this thread runs.
 thread_local int depthOfUpdates = 0;
 
-// A thread that ends with `done` set; its exception is kept.
+// A thread that works for one Python thread at a time. It waits for more work until the process
+// ends, because a cheap step takes far less time than creating a thread.
 class Worker {
 public:
-    explicit Worker(std::function<void()> work) : m_thread{[this, work = std::move(work)] { run(work); }} {}
+    // Takes an idle worker, or creates one. Requires the interpreter lock, which guards the idle
+    // ones: a process that forks has it, so none of them is being taken then.
+    static Worker& take()
+    {
+        std::vector<Worker*>& all = idle();
+        // Its threads are in the parent.
+        if (!all.empty() && all.back()->m_process != ::getpid())
+            all.clear();
+        if (all.empty())
+            return *new Worker;
+        Worker& last = *all.back();
+        all.pop_back();
+        return last;
+    }
+
+    // Makes the worker available. Requires the interpreter lock.
+    void release() { idle().push_back(this); }
+
+    void begin(const std::function<void()>& work) { change(&work); }
 
     // Returns true once the work is done.
     bool waitFor(std::chrono::milliseconds time)
     {
+        if (isSoon([this] { return !m_work.load(); }))
+            return true;
         std::unique_lock lock{m_mutex};
-        return m_isDone.wait_for(lock, time, [this] { return m_done; });
+        return m_changed.wait_for(lock, time, [this] { return !m_work.load(); });
     }
 
-    void join()
-    {
-        m_thread.join();
-        if (m_error)
-            std::rethrow_exception(m_error);
-    }
+    // Returns the exception that ended the work, or null.
+    std::exception_ptr error() { return std::exchange(m_error, nullptr); }
 
 private:
-    void run(const std::function<void()>& work)
+    Worker()
     {
-        try {
-            work();
-        } catch (...) {
-            m_error = std::current_exception();
-        }
-        const std::lock_guard lock{m_mutex};
-        m_done = true;
-        m_isDone.notify_one();
+        std::thread{[this] { run(); }}.detach();
     }
 
+    static std::vector<Worker*>& idle()
+    {
+        static std::vector<Worker*>& idle = *new std::vector<Worker*>;
+        return idle;
+    }
+
+    // Waits without sleeping for a moment: waking a thread takes longer than a cheap step.
+    template<class Condition>
+    static bool isSoon(Condition condition)
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(50);
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > end)
+                return false;
+            std::this_thread::yield();
+        }
+        return true;
+    }
+
+    void change(const std::function<void()>* work)
+    {
+        const std::lock_guard lock{m_mutex};
+        m_work = work;
+        m_changed.notify_all();
+    }
+
+    void run()
+    {
+        for (;;) {
+            if (!isSoon([this] { return m_work.load(); })) {
+                std::unique_lock lock{m_mutex};
+                m_changed.wait(lock, [this] { return m_work.load(); });
+            }
+            try {
+                (*m_work.load())();
+            } catch (...) {
+                m_error = std::current_exception();
+            }
+            change(nullptr);
+        }
+    }
+
+    const ::pid_t m_process = ::getpid();
     std::mutex m_mutex;
-    std::condition_variable m_isDone;
-    bool m_done = false;
+    std::condition_variable m_changed;
+    std::atomic<const std::function<void()>*> m_work = nullptr;
     std::exception_ptr m_error;
-    std::thread m_thread; // last, because it uses the others
 };
 
 } // namespace
@@ -192,10 +245,12 @@ void serve(const std::function<void(const Orla::VCancellation&)>& work, Orla::VC
            Progress& progress, const py::object& report)
 {
     progress.begin();
-    Worker worker{[&work, cancellation] {
+    const std::function<void()> task = [&work, cancellation] {
         const Running running{cancellation};
         work(cancellation);
-    }};
+    };
+    Worker& worker = Worker::take();
+    worker.begin(task);
     std::exception_ptr interruption;
     for (bool isDone = false; !isDone;) {
         {
@@ -215,7 +270,10 @@ void serve(const std::function<void(const Orla::VCancellation&)>& work, Orla::VC
             cancellation.cancel();
         }
     }
-    worker.join();
+    const std::exception_ptr error = worker.error();
+    worker.release();
+    if (error)
+        std::rethrow_exception(error);
     if (interruption)
         std::rethrow_exception(interruption);
 }

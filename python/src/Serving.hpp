@@ -109,7 +109,7 @@ private:
     double m_reported = -1;
 };
 
-/// Runs \p work in a thread of its own, while this one handles signals, logs warnings and reports
+/// Runs \p work in another thread, while this one handles signals, logs warnings and reports
 /// progress. If a handler or a function for progress raises, cancels \p work, waits for its end and
 /// rethrows.
 void serve(const std::function<void(const Orla::VCancellation&)>& work, Orla::VCancellation cancellation,
