@@ -7,6 +7,15 @@ set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
 set(CMAKE_CXX_EXTENSIONS OFF)
 
+# Makes the targets that the calling folder adds unity builds, whatever the preset.
+macro(fathom_unity_build)
+    if(NOT CMAKE_UNITY_BUILD)
+        set(CMAKE_UNITY_BUILD ON)
+        set(CMAKE_UNITY_BUILD_BATCH_SIZE 16)
+        add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+    endif()
+endmacro()
+
 # A project that embeds this one decides how to compile.
 if(NOT PROJECT_IS_TOP_LEVEL)
     return()
