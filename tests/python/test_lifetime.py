@@ -48,7 +48,9 @@ def test_10000_networks_do_not_grow_the_process() -> None:
     chunks = _fathom._chunk_bytes()
     use(8000)
     assert _fathom._chunk_bytes() == chunks
-    assert resident() < before + 4_000_000
+    # AddressSanitizer keeps the stacks of allocations.
+    allowed = 40_000_000 if "libasan" in os.environ.get("LD_PRELOAD", "") else 4_000_000
+    assert resident() < before + allowed
     assert keep["a"].sum == 2
 
 
