@@ -3,9 +3,12 @@
 #include "Bindings.hpp"
 #include "Texts.hpp"
 
+#include <tarn/network/Session.hpp>
+
 #include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueComponents.hpp>
 
+#include <loam/Typename.hpp>
 #include <loam/Utf8.hpp>
 
 #include <pybind11/stl.h>
@@ -46,17 +49,22 @@ bool areEqual(const Value& a, const Value& b)
     return a.content()->getType() == b.content()->getType() && !a.content()->isDifferentFrom(b.content());
 }
 
-Text shortRepr(const Value& value)
+py::tuple argumentsOf(const Value& value)
+{
+    return py::make_tuple(toStr(Loam::Typename(value.content()->getType())), toStr(value.content()->Text()));
+}
+
+// Evaluates unless the text is long.
+py::str shortRepr(const Value& value)
 {
     std::string text = value.content()->Text();
-    if (text.size() > LongestText) {
-        std::size_t end = LongestText;
-        while (end > 0 && Loam::isContinuation(text[end]))
-            --end;
-        text.resize(end);
-        text += "...";
-    }
-    return {"<fathom.Value " + labelOf(value) + ' ' + text + '>'};
+    if (text.size() <= LongestText)
+        return py::str("fathom.Value{}").format(py::repr(argumentsOf(value)));
+    std::size_t end = LongestText;
+    while (end > 0 && Loam::isContinuation(text[end]))
+        --end;
+    text.resize(end);
+    return toStr("<fathom.Value " + labelOf(value) + ' ' + text + "...>");
 }
 
 std::vector<std::string> attributesOf(py::handle self)
@@ -105,6 +113,38 @@ StrongPtr<VValueBase> fromPython(const std::type_info& type, py::handle object)
                          + ", expected a value of type " + Orla::VTypeLabel::of(type));
 }
 
+StrongPtr<Orla::VValueCreator> findCreator(const std::string& type)
+{
+    if (StrongPtr<Orla::VValueCreator> found = Orla::VValueCreator::find(type))
+        return found;
+    for (StrongPtr<Orla::VValueCreator>& creator : Orla::VValueCreator::creators()) {
+        if (Orla::VTypeLabel::of(creator->valueType()) == type)
+            return std::move(creator);
+    }
+    return nullptr;
+}
+
+Value Value::read(const std::string& type, const std::string& text)
+{
+    StrongPtr<Orla::VValueCreator> creator = findCreator(type);
+    Keeper standard;
+    if (!creator) {
+        standard = std::make_shared<Session>(); // which loads the standard library
+        creator = findCreator(type);
+    }
+    if (!creator)
+        throw py::value_error("found type \"" + type + "\", expected one that a loaded library registers");
+    bool ok = false;
+    StrongPtr<VValueBase> value = creator->create(text, ok);
+    if (!ok) {
+        const std::string example = Orla::VTypeLabel::exampleOf(creator->valueType());
+        throw py::value_error("found \"" + text + "\", expected a text of type "
+                              + Orla::VTypeLabel::of(creator->valueType())
+                              + (example.empty() ? "" : ", such as \"" + example + '"'));
+    }
+    return {std::move(value), std::move(standard)};
+}
+
 py::object Value::component(const std::string& name) const
 {
     if (const StrongPtr<VValueBase> found = name.empty() ? nullptr : m_content->component(name))
@@ -120,7 +160,11 @@ void bindValue(py::module_& module)
 {
     py::class_<Value>(module, "Value",
                       "A value of a type of an object library. Its components are attributes; number arrays among "
-                      "them are read-only numpy arrays. It has a text, and can be assigned to inputs of its type.")
+                      "them are read-only numpy arrays. It can be assigned to inputs of its type, and made from the "
+                      "name of the type and a text; the library must be loaded.\n\n"
+                      ">>> fa.Value('TimeStep', '1.5 h').seconds\n5400.0\n")
+        .def(py::init([](const Text& type, const Text& text) { return Value::read(type.bytes, text.bytes); }),
+             py::arg("type"), py::arg("text"))
         .def_property_readonly(
             "type", [](const Value& self) { return Text{labelOf(self)}; }, "The name of the type.")
         .def_property_readonly("components", componentsOf, "The names of the components.")
@@ -146,8 +190,9 @@ void bindValue(py::module_& module)
                      return py::reinterpret_borrow<py::object>(Py_NotImplemented);
                  return py::bool_(areEqual(self, other.cast<const Value&>()));
              })
-        .def("__reduce__", [](const Value& self) -> py::object {
-            throw py::type_error("values of type " + labelOf(self) + " cannot be pickled");
+        .def("__hash__", [](const Value& self) { return py::hash(argumentsOf(self)); })
+        .def("__reduce__", [](py::handle self) {
+            return py::make_tuple(py::type::of(self), argumentsOf(self.cast<const Value&>()));
         });
 }
 

@@ -4,6 +4,8 @@
 
 #include <fathom/VValue.hpp>
 
+#include <trellis/VValueCreator.hpp>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -45,9 +47,17 @@ py::object toPython(const StrongPtr<VValueBase>& value, const Keeper& keeper);
 /// \throw py::type_error naming both types, or py::value_error with the reason.
 StrongPtr<VValueBase> fromPython(const std::type_info& type, py::handle object);
 
+/// Returns the creator of the values of a type, by its registered name or its label; null if no loaded
+/// library has the type.
+StrongPtr<Orla::VValueCreator> findCreator(const std::string& type);
+
 /// A value of a type of a client library: it has a type, a text and components, and can be passed on.
 class Value {
 public:
+    /// Reads a value of a registered type, by its name or its label.
+    /// \throw py::value_error if no library has the type, or if the text is refused.
+    static Value read(const std::string& type, const std::string& text);
+
     Value(StrongPtr<VValueBase> content, Keeper keeper) : m_keeper{std::move(keeper)}, m_content{std::move(content)} {}
 
     const StrongPtr<VValueBase>& content() const noexcept { return m_content; }

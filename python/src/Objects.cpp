@@ -66,12 +66,8 @@ std::string placeOf(const SlotDeclaration& slot)
 
 Orla::StrongPtr<VValueCreator> creatorOf(const SlotDeclaration& slot)
 {
-    if (Orla::StrongPtr<VValueCreator> found = VValueCreator::find(slot.type))
+    if (Orla::StrongPtr<VValueCreator> found = findCreator(slot.type))
         return found;
-    for (Orla::StrongPtr<VValueCreator>& creator : VValueCreator::creators()) {
-        if (Orla::VTypeLabel::of(creator->valueType()) == slot.type)
-            return std::move(creator);
-    }
     throw std::invalid_argument(placeOf(slot) + "no loaded library has a value type \"" + slot.type + '"');
 }
 
