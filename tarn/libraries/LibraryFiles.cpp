@@ -1,6 +1,7 @@
 #include <tarn/libraries/LibraryFiles.hpp>
 
 #include <tarn/libraries/Libraries.hpp>
+#include <tarn/libraries/PythonLibraries.hpp>
 
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VObjectCreator.hpp>
@@ -76,7 +77,9 @@ void lookInto(LibraryFile& file, const std::string& folder)
     Libraries libraries{{folder}};
     file.loading = libraries.load(file.name);
     file.objectTypes = added<Orla::VObjectCreator>(objectTypes, file.path);
-    file.valueTypes = added<Orla::VValueCreator>(valueTypes, file.path);
+    // A file in Python registers no types of values; those of its package are the framework's.
+    if (!isPythonLibrary(file.name))
+        file.valueTypes = added<Orla::VValueCreator>(valueTypes, file.path);
     if (const Loam::Result<void> unloaded = libraries.unload(); !unloaded)
         Orla::VActionNotifier::Warning("The " + unloaded.reason());
 }

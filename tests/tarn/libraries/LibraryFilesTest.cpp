@@ -80,6 +80,7 @@ TEST(LibraryFiles, mayBeFilesInPythonThatAreNamed)
     EXPECT_EQ(files[0].path, path);
     EXPECT_TRUE(files[0].loading) << files[0].loading.reason();
     EXPECT_THAT(files[0].objectTypes, ElementsAre("Idle"));
+    EXPECT_THAT(files[0].valueTypes, IsEmpty());
     EXPECT_THAT(files[1].loading.reason(), HasSubstr("no file none.py in " + folder.path()));
     EXPECT_FALSE(Orla::VObjectCreator::find("Idle")) << "the library is still loaded";
 }
