@@ -57,12 +57,10 @@ public:
     void run(std::size_t jobs, const Orla::VCancellation& cancellation, Progress& progress)
     {
         m_usesExecutor = jobs == 1 && !isForked();
-        std::vector<std::thread> threads;
+        std::vector<std::jthread> threads; // which their destructor joins
         for (std::size_t i = 1; i < std::min(jobs, m_rows.size()); ++i)
             threads.emplace_back([&] { work(cancellation, progress); });
         work(cancellation, progress);
-        for (std::thread& thread : threads)
-            thread.join();
     }
 
     const std::vector<Rows>& rows() const noexcept { return m_rows; }
