@@ -112,6 +112,10 @@ def ways_of_fathom() -> dict[str, Work]:
                     run.close()
                     break
 
+    def table(count: int) -> None:
+        for _ in range(count):
+            assert len(net.table()["sum"]) == STEPS
+
     @fa.object
     class PythonAdder(fa.Object):
         a: fa.Input[float]
@@ -134,7 +138,7 @@ def ways_of_fathom() -> dict[str, Work]:
             assert result.sum == given + 2
 
     ways: dict[str, Work] = {"set an input": set_input, "read an output": read_output, "evaluate a step": steps,
-                             "evaluate two objects in Python": objects}
+                             f"table of {STEPS:,} steps": table, "evaluate two objects in Python": objects}
     for size in SIZES:
         holder = fa.Network()
         holder.load_library("benchobjects")
