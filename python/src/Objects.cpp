@@ -282,7 +282,7 @@ std::string textOf(const py::dict& options, const char* name)
     return optionOf(options, name, Text{}).bytes;
 }
 
-Orla::VLimits limitsOf(const py::dict& options, const char* name)
+Orla::VLimits readLimits(const py::dict& options, const char* name)
 {
     using End = std::optional<double>;
     const auto [from, to] = optionOf(options, name, std::pair<End, End>{});
@@ -331,7 +331,7 @@ Choice choiceOf(const py::dict& options, const char* option, const std::pair<con
 // Returns the limits with the numbers that must be exceeded, which are excluded ends.
 Orla::VLimits allLimitsOf(const py::dict& options)
 {
-    Orla::VLimits limits = limitsOf(options, "limits");
+    Orla::VLimits limits = readLimits(options, "limits");
     if (const auto above = optionOf(options, "above", std::optional<double>{}); above && !(*above < limits.from)) {
         limits.from = *above;
         limits.excludesFrom = true;
@@ -366,7 +366,7 @@ SlotDeclaration slotOf(const py::dict& options)
     Orla::VSlotDescription::Parts parts;
     parts.unit = textOf(options, "unit");
     parts.limits = allLimitsOf(options);
-    parts.softLimits = limitsOf(options, "soft_limits");
+    parts.softLimits = readLimits(options, "soft_limits");
     parts.step = optionOf(options, "step", 0.0);
     parts.isLogarithmic = optionOf(options, "logarithmic", false);
     parts.isFinite = optionOf(options, "finite", false);

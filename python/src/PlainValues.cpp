@@ -23,7 +23,7 @@ py::object integerToPython(const T& number)
 }
 
 template<std::integral T>
-std::string limitsOf()
+std::string integerLimits()
 {
     return std::to_string(std::numeric_limits<T>::min()) + " to " + std::to_string(std::numeric_limits<T>::max());
 }
@@ -40,7 +40,7 @@ std::optional<T> integerFromPython(py::handle object)
         return std::nullopt;
     }
     if (number < py::int_(std::numeric_limits<T>::min()) || number > py::int_(std::numeric_limits<T>::max()))
-        throw py::value_error("found " + printed(number) + ", expected an integer from " + limitsOf<T>());
+        throw py::value_error("found " + printed(number) + ", expected an integer from " + integerLimits<T>());
     return number.cast<T>();
 }
 
