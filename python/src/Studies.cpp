@@ -164,8 +164,8 @@ py::tuple sweep(const NetworkPtr& network, const std::vector<std::pair<Handle, T
     Session& session = network->session();
     std::vector<Factor> factors;
     for (std::size_t i = 0; i < inputs.size(); ++i) {
-        const auto& [handle, name] = inputs[i];
-        Factor factor{unlocked([&] { return Slot::find(handle, name.bytes, SlotKind::Input); }), {}};
+        Factor factor{unlocked([&] { return Slot::find(inputs[i].first, inputs[i].second.bytes, SlotKind::Input); }),
+                      {}};
         for (const py::handle value : values[i])
             factor.values.push_back(Assignment::of(factor.slot, py::reinterpret_borrow<py::object>(value)));
         factors.push_back(std::move(factor));
