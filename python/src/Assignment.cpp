@@ -2,6 +2,8 @@
 
 #include "Numbers.hpp"
 
+#include <tarn/run/Context.hpp>
+
 #include <fathom/Double.hpp>
 
 #include <utility>
@@ -59,6 +61,14 @@ Assignment Assignment::of(const Slot& slot, const py::object& object)
     } catch (const py::value_error& error) {
         throw py::value_error(slot.place() + error.what());
     }
+}
+
+void Assignment::applyTo(Context& context, const Slot& slot) const
+{
+    const Loam::Result<void> done = text ? context.setText(slot.reference(), *text)
+                                         : context.setValue(slot.reference(), value ? value->copy() : nullptr);
+    if (!done)
+        throw RefusedAssignment{slot.place() + done.reason()};
 }
 
 } // namespace Tarn::Python

@@ -298,18 +298,7 @@ private:
 
     void apply(const Made& made)
     {
-        const Slot slot = Slot::find(made.handle, made.input, SlotKind::Input);
-        const Assignment& assignment = made.assignment;
-        const Loam::Result<void> done = assignment.text ? context().setText(slot.reference(), *assignment.text)
-                                                        : context().setValue(slot.reference(), copyOf(assignment));
-        if (!done)
-            throw py::value_error(slot.place() + done.reason());
-    }
-
-    // The pool must not share a selection with the assignment.
-    static StrongPtr<VValueBase> copyOf(const Assignment& assignment)
-    {
-        return assignment.value ? assignment.value->copy() : nullptr;
+        made.assignment.applyTo(context(), Slot::find(made.handle, made.input, SlotKind::Input));
     }
 
     // Makes objects due that were added since.

@@ -14,9 +14,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <exception>
 #include <mutex>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -78,7 +78,7 @@ private:
                 return;
             try {
                 evaluate(context, former, number, cancellation);
-            } catch (const Refused& refusal) {
+            } catch (const RefusedAssignment& refusal) {
                 fail({number, refusal.what(), true});
                 context.reset();
             } catch (const std::exception& error) {
@@ -107,7 +107,7 @@ private:
             const std::size_t size = m_factors[i].values.size();
             const std::size_t index = number / period % size;
             if (isNew || index != former / period % size)
-                assign(*context, m_factors[i].slot, m_factors[i].values[index]);
+                m_factors[i].values[index].applyTo(*context, m_factors[i].slot);
         }
         Rows rows;
         while (context->evaluateStep(cancellation))
@@ -122,19 +122,6 @@ private:
         m_rows[number] = std::move(rows);
         if (!summary.isFine() || Orla::VScheduler::history(context->pool()))
             context.reset();
-    }
-
-    struct Refused : std::runtime_error {
-        using std::runtime_error::runtime_error;
-    };
-
-    static void assign(Context& context, const Slot& slot, const Assignment& value)
-    {
-        const Loam::Result<void> done =
-            value.text ? context.setText(slot.reference(), *value.text)
-                       : context.setValue(slot.reference(), value.value ? value.value->copy() : nullptr);
-        if (!done)
-            throw Refused{slot.place() + done.reason()};
     }
 
     void fail(Failure failure)
