@@ -112,11 +112,12 @@ def input(default: Any = None, *, description: str = "", unit: str = "",
     """Describes an input: `reach: fa.Input[float] = fa.input(5e4, unit="m", limits=(0, 1e7))`.
 
     `default` is the initial value, also as a text. Values outside `limits`, of which either may be None, are
-    refused. So are values that are not `above` or `below` a number, and infinite ones if the input is `finite`. `soft_limits`, `step` and
-    `logarithmic` describe a slider. `kind` is what a text names: "input file", "output file", "folder", "colour",
-    "web page" or "multi-line text"; `extensions` are the usual ones of the file. `visibility` is "advanced", "hidden"
-    or "private state". `only_if=("mode", "grid")` means that the input matters only if the input `mode` has that
-    text, or one of several. A change of an input that does not trigger leaves the object as it is.
+    refused. So are values that are not `above` or `below` a number, and infinite ones if the input is `finite`.
+    `soft_limits`, `step` and `logarithmic` describe a slider. `kind` is what a text names: "input file",
+    "output file", "folder", "colour", "web page" or "multi-line text"; `extensions` are the usual ones of the file.
+    `visibility` is "advanced", "hidden" or "private state". `only_if=("mode", "grid")` means that the input matters
+    only if the input `mode` has that text, or one of several. A change of an input that does not trigger leaves the
+    object as it is.
     """
     if only_if is not None and isinstance(only_if[1], str):
         only_if = (only_if[0], [only_if[1]])

@@ -7,11 +7,13 @@
 
 #include <fathom/Action.hpp>
 #include <fathom/TimeDependent.hpp>
+#include <fathom/VChart.hpp>
 
 #include <trellis/TypedSlotCreator.hpp>
 #include <trellis/VActionNotifier.hpp>
 #include <trellis/VFrame.hpp>
 #include <trellis/VObjectCreator.hpp>
+#include <trellis/VPolyConnection.hpp>
 #include <trellis/VTypeLabel.hpp>
 #include <trellis/VValueCreator.hpp>
 
@@ -19,6 +21,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -163,6 +166,8 @@ private:
             const StrongPtr<Orla::VParameter> parameter(new Orla::VParameter(value, slot.name, slot.description));
             parameter->setSource(this);
             registerOutput(parameter, slot.name);
+            if (value->getType() == typeid(Orla::VChartList))
+                m_chartOffers.push_back(std::make_unique<Orla::VPolyConnection>(parameter, isChartSelector));
             return;
         }
         StrongPtr<VSlot> added;
@@ -182,10 +187,26 @@ private:
         added->clearFlag(VSlot::AddedLater);
         if (slot.description && slot.description->parts().textKind == Orla::VTextKind::OutputFile)
             added->setFlag(VSlot::NamesResult);
+        if (value->getType() == typeid(Orla::VChart))
+            followChart(added);
+    }
+
+    // As Orla::VChartDependent and Orla::Atlas do for slots that a class has at compile time.
+    void followChart(const StrongPtr<VSlot>& input)
+    {
+        const StrongPtr<Orla::VChartSelector> selector = Orla::VChartSelector::getChartSelector();
+        if (const StrongPtr<VSlot> current = selector->findOutput("CurrentChart"))
+            attachParameter(current->parameter(), input, "");
+    }
+
+    static bool isChartSelector(const Orla::VObject& object)
+    {
+        return dynamic_cast<const Orla::VChartSelector*>(&object) != nullptr;
     }
 
     Reference m_instance;
     ObjectCorePtr m_core;
+    std::vector<std::unique_ptr<Orla::VPolyConnection>> m_chartOffers;
 };
 
 class TimedPythonObject final : public PythonObject, public Orla::TimeDependent {
@@ -265,27 +286,26 @@ private:
 };
 
 template<class T>
-T optionOf(const py::dict& options, const char* name, T fallback)
+T optionOf(const py::dict& options, const char* name, const char* expected, T fallback)
 {
     if (!options.contains(name) || options[name].is_none())
         return fallback;
     try {
         return options[name].cast<T>();
     } catch (const py::cast_error&) {
-        throw py::type_error("found " + std::string(py::repr(options[name])) + " for " + name
-                             + ", expected a value of another type");
+        throw py::type_error("found " + printed(options[name]) + " for " + name + ", expected " + expected);
     }
 }
 
 std::string textOf(const py::dict& options, const char* name)
 {
-    return optionOf(options, name, Text{}).bytes;
+    return optionOf(options, name, "a str", Text{}).bytes;
 }
 
 Orla::VLimits readLimits(const py::dict& options, const char* name)
 {
     using End = std::optional<double>;
-    const auto [from, to] = optionOf(options, name, std::pair<End, End>{});
+    const auto [from, to] = optionOf(options, name, "two numbers, of which either may be None", std::pair<End, End>{});
     const Orla::VLimits unlimited;
     return {from.value_or(unlimited.from), to.value_or(unlimited.to)};
 }
@@ -293,7 +313,7 @@ Orla::VLimits readLimits(const py::dict& options, const char* name)
 std::vector<std::string> textsOf(const py::dict& options, const char* name)
 {
     std::vector<std::string> texts;
-    for (const Text& text : optionOf(options, name, std::vector<Text>{}))
+    for (const Text& text : optionOf(options, name, "a list of str", std::vector<Text>{}))
         texts.push_back(text.bytes);
     return texts;
 }
@@ -332,11 +352,13 @@ Choice choiceOf(const py::dict& options, const char* option, const std::pair<con
 Orla::VLimits allLimitsOf(const py::dict& options)
 {
     Orla::VLimits limits = readLimits(options, "limits");
-    if (const auto above = optionOf(options, "above", std::optional<double>{}); above && !(*above < limits.from)) {
+    if (const auto above = optionOf(options, "above", "a number", std::optional<double>{});
+        above && !(*above < limits.from)) {
         limits.from = *above;
         limits.excludesFrom = true;
     }
-    if (const auto below = optionOf(options, "below", std::optional<double>{}); below && !(*below > limits.to)) {
+    if (const auto below = optionOf(options, "below", "a number", std::optional<double>{});
+        below && !(*below > limits.to)) {
         limits.to = *below;
         limits.excludesTo = true;
     }
@@ -346,7 +368,8 @@ Orla::VLimits allLimitsOf(const py::dict& options)
 void readCondition(const py::dict& options, Orla::VSlotDescription::Parts& parts)
 {
     using Condition = std::pair<Text, std::vector<Text>>;
-    const auto condition = optionOf(options, "only_if", std::optional<Condition>{});
+    const auto condition =
+        optionOf(options, "only_if", "the name of an input and its texts", std::optional<Condition>{});
     if (!condition)
         return;
     parts.conditionInput = condition->first.bytes;
@@ -360,16 +383,16 @@ SlotDeclaration slotOf(const py::dict& options)
                          .type = textOf(options, "type"),
                          .initial = Reference{options["default"]},
                          .description = {},
-                         .level = optionOf(options, "level", 0),
+                         .level = optionOf(options, "level", "an int", 0),
                          .isOutput = options["is_output"].cast<bool>(),
-                         .triggers = optionOf(options, "triggers", true)};
+                         .triggers = optionOf(options, "triggers", "a bool", true)};
     Orla::VSlotDescription::Parts parts;
     parts.unit = textOf(options, "unit");
     parts.limits = allLimitsOf(options);
     parts.softLimits = readLimits(options, "soft_limits");
-    parts.step = optionOf(options, "step", 0.0);
-    parts.isLogarithmic = optionOf(options, "logarithmic", false);
-    parts.isFinite = optionOf(options, "finite", false);
+    parts.step = optionOf(options, "step", "a number", 0.0);
+    parts.isLogarithmic = optionOf(options, "logarithmic", "a bool", false);
+    parts.isFinite = optionOf(options, "finite", "a bool", false);
     parts.textKind = choiceOf(options, "kind", textKinds);
     parts.visibility = choiceOf(options, "visibility", visibilities);
     parts.extensions = textsOf(options, "extensions");

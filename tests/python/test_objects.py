@@ -3,7 +3,9 @@
 from __future__ import annotations
 
 import gc
+import json
 import logging
+import os
 import pathlib
 import pydoc
 import subprocess
@@ -110,12 +112,42 @@ def test_limits_may_exclude_their_ends_and_infinite_numbers() -> None:
 def test_private_state_is_not_listed() -> None:
     @fa.object
     class Keeper(fa.Object):
-        mode: fa.Input[str] = fa.input("all", description="What is kept.")
-        most: fa.Input[int] = fa.input(1, only_if=("mode", "some"), visibility="advanced", logarithmic=True)
         kept: fa.Output[float] = fa.output(visibility="private state")
         count: fa.Output[float]
 
     assert list(fa.objects()["Keeper"].outputs) == ["count"]
+
+
+def test_every_part_of_a_description_reaches_the_host(tmp_path: pathlib.Path) -> None:
+    (tmp_path / "keeper.py").write_text(
+        "import fathom as fa\n"
+        "@fa.object\n"
+        "class Keeper(fa.Object):\n"
+        "    mode: fa.Input[str] = fa.input('all', kind='input file', extensions=['csv'])\n"
+        "    most: fa.Input[int] = fa.input(1, unit='m', above=0, below=9, finite=True, soft_limits=(1, 5), step=2,\n"
+        "        logarithmic=True, visibility='advanced', only_if=('mode', 'some'), level=3)\n",
+        encoding="utf-8",
+    )
+    done = subprocess.run(
+        [os.environ["TARN_PROGRAM"], "describe", "Keeper", "--library=keeper.py", "--json"],
+        cwd=tmp_path, capture_output=True, text=True, check=True,
+    )
+    mode, most = json.loads(done.stdout)["objectTypes"][0]["inputs"]
+    assert (mode["description"]["textKind"], mode["description"]["extensions"]) == ("input file", ["csv"])
+    assert most["level"] == 3
+    assert most["description"] == {
+        "sentence": "most",
+        "unit": "m",
+        "limits": {"from": 0, "to": 9, "excludesFrom": True, "excludesTo": True},
+        "softLimits": {"from": 1, "to": 5, "excludesFrom": False, "excludesTo": False},
+        "step": 2,
+        "isLogarithmic": True,
+        "isFinite": True,
+        "textKind": "text",
+        "extensions": [],
+        "visibility": "advanced",
+        "condition": {"input": "mode", "values": ["some"]},
+    }
 
 
 def test_contexts_and_sweeps_evaluate_objects_with_their_own_values() -> None:
@@ -421,7 +453,7 @@ def test_a_value_that_an_object_keeps_outlives_its_network() -> None:
     assert len(str(kept[0]).splitlines()) == 1707
 
 
-def test_an_object_offers_charts() -> None:
+def test_objects_offer_charts_and_follow_the_selected_one() -> None:
     @fa.object
     class Mapper(fa.Object):
         charts: fa.Output[fa.Charts]
@@ -429,8 +461,24 @@ def test_an_object_offers_charts() -> None:
         def update(self, request: fa.Request) -> None:
             self.charts = fa.Charts(["flat", "round"])
 
-    net = network("Mapper")
-    assert [chart.name for chart in net["mapper"].charts.charts] == ["flat", "round"]
+    @fa.object
+    class Follower(fa.Object):
+        chart: fa.Input[fa.Chart]
+        name: fa.Output[str]
+
+        def update(self, request: fa.Request) -> None:
+            self.name = self.chart.name
+
+    net = network("Mapper", "Follower")
+    net.select_chart("round")
+    net.add_column("chart", "follower.name")
+    assert net.table()["chart"].tolist() == ["round"]
+    assert net.charts == ["flat", "round"]
+    with net.context() as case:
+        case.select_chart("flat")
+        assert case.table()["chart"].tolist() == ["flat"]
+    del net
+    gc.collect()
 
 
 def test_instances_are_released_with_their_network() -> None:
@@ -461,7 +509,9 @@ def test_instances_are_released_with_their_network() -> None:
         ("x: fa.Input[float] = fa.input(limits=(2, 1))", "ascending order"),
         ("x: fa.Input[str] = fa.input(kind='fil')", "expected one of: text, input file"),
         ("x: fa.Input[str] = fa.input(visibility='secret')", "expected one of: ordinary, advanced"),
-        ("x: fa.Input[float] = fa.input(limits=5)", "found 5 for limits"),
+        ("x: fa.Input[float] = fa.input(limits=5)", "found 5 for limits, expected two numbers"),
+        ("x: fa.Input[float] = fa.input(finite='yes')", "found 'yes' for finite, expected a bool"),
+        ("x: fa.Input[float] = fa.input(only_if=('mode', 3))", "expected the name of an input and its texts"),
         ("x: fa.Input[float] = fa.input(above=2, below=1)", "ascending order"),
         ("x: fa.Input[float] = fa.input(above=float('nan'))", "ascending order"),
     ],
