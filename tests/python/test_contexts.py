@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import gc
 import threading
+import time
 
 import numpy as np
 import pandas
@@ -260,3 +261,40 @@ def test_a_sweep_without_values_has_no_rows(sums: fa.Network) -> None:
 def test_a_sweep_names_the_case_whose_run_ends_early(sums: fa.Network) -> None:
     with pytest.raises(fa.RunError, match="case 1: "):
         sums.sweep({"clock.time": ["0[0,1]@1", "0[0,1]@1e-300"]})
+
+
+def test_a_case_of_a_sweep_does_not_depend_on_earlier_ones(everything: fa.Network) -> None:
+    @fa.object
+    class Accumulator(fa.Object):
+        number: fa.Input[float]
+        total: fa.Output[float]
+
+        def update(self, request: fa.Request) -> None:
+            self.total = self.total + self.number
+
+    everything.add("Accumulator", "total")
+    everything.add_column("total", "total.total")
+    try:
+        table = everything.sweep({"total.number": [1, 2, 3]}, jobs=1)
+    finally:
+        fa.unregister(Accumulator)
+    assert table["total"].tolist() == [1, 2, 3]
+
+
+def test_objects_that_keep_state_get_the_cases_of_a_sweep_in_order(everything: fa.Network) -> None:
+    seen = []
+
+    @fa.object(keeps_state=True)
+    class Recorder(fa.Object):
+        number: fa.Input[float]
+
+        def update(self, request: fa.Request) -> None:
+            time.sleep(0.02 * (4 - self.number))
+            seen.append(self.number)
+
+    everything.add("Recorder", "recorder")
+    try:
+        everything.sweep({"recorder.number": [1, 2, 3, 4]}, jobs=4)
+    finally:
+        fa.unregister(Recorder)
+    assert seen == [1, 2, 3, 4]

@@ -66,3 +66,10 @@ def test_an_object_that_draws_nothing_has_no_picture() -> None:
     net["picture"].width = 1.5
     with pytest.raises(fa.ObjectError, match='the input "width" is 1.5'):
         net["picture"].image
+
+
+def test_a_picture_that_waits_for_a_failed_object_names_that_object() -> None:
+    net = fa.load(TOP / "examples" / NETWORKS[0])
+    net["coast"].file = "nowhere.json"
+    with pytest.raises(fa.ObjectError, match="coast: .*nowhere.json: file not found"):
+        net["picture"].image
