@@ -280,7 +280,9 @@ TRELLIS_DESCRIPTION VDescription<> describe(std::string_view sentence)
 }
 
 /// A description whose parts fit together. A `VDescription` converts to it where a slot takes
-/// it, so that the compiler reports a fault at the declaration of the slot.
+/// it, so that the compiler reports a fault at the declaration of the slot. The compiler quotes
+/// the line that throws, so each has its text; `VSlotDescription::faultOf` checks parts that are
+/// known only at run time.
 class VCheckedDescription {
 public:
     template<VDescribes What>

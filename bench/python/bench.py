@@ -18,7 +18,7 @@ import sys
 import threading
 import time
 from collections.abc import Callable
-from typing import Any
+from typing import Any, Optional
 
 ROUNDS = 9
 SHORTEST = 0.05  # seconds per measurement

@@ -18,10 +18,10 @@ struct LibraryFile {
 };
 
 /// Loads each file NAME.so in \p folders, or only those named in \p names, which may be files in
-/// Python, records the types it registers, and unloads it before the next. Object types of another object library in the
-/// same folder, which was loaded with it, do not count. Returns the files ordered by folder, then
-/// by name or in the order of \p names. Names that no folder contains come last, without a
-/// path and with the reason.
+/// Python, records the types it registers, and unloads it before the next. Object types of another
+/// object library in the same folder, which was loaded with it, do not count. Returns the files
+/// ordered by folder, then by name or in the order of \p names. Names that no folder contains come
+/// last, without a path and with the reason.
 std::vector<LibraryFile> findLibraryFiles(const std::vector<std::string>& folders,
                                           const std::vector<std::string>& names);
 
