@@ -49,32 +49,31 @@ double pixelsOfPoint(const Canvas& canvas) noexcept
 
 Rectangle pictureSpace(const Canvas& canvas) noexcept
 {
-    const double point = pixelsOfPoint(canvas);
-    return {margin * point, headerHeight * point, canvas.width() - 2 * margin * point,
-            canvas.height() - (headerHeight + footerHeight + 14) * point};
+    const double pt = pixelsOfPoint(canvas);
+    return {margin * pt, headerHeight * pt, canvas.width() - 2 * margin * pt,
+            canvas.height() - (headerHeight + footerHeight + 14) * pt};
 }
 
 Rectangle legendSpace(const Canvas& canvas) noexcept
 {
-    const double point = pixelsOfPoint(canvas);
-    return {margin * point, canvas.height() - footerHeight * point, canvas.width() - 2 * margin * point,
-            footerHeight * point};
+    const double pt = pixelsOfPoint(canvas);
+    return {margin * pt, canvas.height() - footerHeight * pt, canvas.width() - 2 * margin * pt, footerHeight * pt};
 }
 
 Rectangle upperLegendSpace(const Canvas& canvas) noexcept
 {
     constexpr double width = 350;
-    const double point = pixelsOfPoint(canvas);
-    return {canvas.width() - (margin + width) * point, 0, width * point, headerHeight * point};
+    const double pt = pixelsOfPoint(canvas);
+    return {canvas.width() - (margin + width) * pt, 0, width * pt, headerHeight * pt};
 }
 
 void drawPictureFrame(Canvas& canvas, const std::string& title, const std::string& subtitle, double right)
 {
     canvas.clear(Palette::paper);
-    const double point = pixelsOfPoint(canvas);
-    const double width = canvas.width() - 2 * margin * point - right;
-    writeFitted(canvas, {margin * point, 44 * point}, title, 25 * point, Palette::ink, width, true);
-    writeFitted(canvas, {margin * point, 68 * point}, subtitle, 15 * point, Palette::faintInk, width, false);
+    const double pt = pixelsOfPoint(canvas);
+    const double width = canvas.width() - 2 * margin * pt - right;
+    writeFitted(canvas, {margin * pt, 44 * pt}, title, 25 * pt, Palette::ink, width, true);
+    writeFitted(canvas, {margin * pt, 68 * pt}, subtitle, 15 * pt, Palette::faintInk, width, false);
 }
 
 namespace {
@@ -83,16 +82,15 @@ constexpr double legendFontSize = 12;
 
 void drawLegendTitle(Canvas& canvas, const Rectangle& bar, const std::string& title)
 {
-    const double point = pixelsOfPoint(canvas);
-    canvas.text({bar.left, bar.top - 14 * point}, title, legendFontSize * point, Palette::ink, Canvas::Align::Left,
-                true);
+    const double pt = pixelsOfPoint(canvas);
+    canvas.text({bar.left, bar.top - 14 * pt}, title, legendFontSize * pt, Palette::ink, Canvas::Align::Left, true);
 }
 
 void drawLegendValue(Canvas& canvas, const Rectangle& bar, double x, const std::string& text)
 {
-    const double point = pixelsOfPoint(canvas);
-    canvas.stroke({{{x, bar.bottom()}, {x, bar.bottom() + 5 * point}}}, Palette::faintInk, 0.7 * point);
-    canvas.text({x, bar.bottom() + 22 * point}, text, legendFontSize * point, Palette::faintInk, Canvas::Align::Center);
+    const double pt = pixelsOfPoint(canvas);
+    canvas.stroke({{{x, bar.bottom()}, {x, bar.bottom() + 5 * pt}}}, Palette::faintInk, 0.7 * pt);
+    canvas.text({x, bar.bottom() + 22 * pt}, text, legendFontSize * pt, Palette::faintInk, Canvas::Align::Center);
 }
 
 } // namespace
@@ -108,29 +106,29 @@ void drawColorBar(Canvas& canvas, const Rectangle& bar, const ColorBar& content)
 
 void drawColorClasses(Canvas& canvas, const Rectangle& bar, const ColorClasses& content)
 {
-    const double point = pixelsOfPoint(canvas);
+    const double pt = pixelsOfPoint(canvas);
     drawLegendTitle(canvas, bar, content.title);
     const double width = bar.width / static_cast<double>(std::max<std::size_t>(content.colors.size(), 1));
     for (std::size_t i = 0; i < content.colors.size(); ++i)
         canvas.fill({bar.left + static_cast<double>(i) * width, bar.top, width, bar.height}, content.colors[i]);
-    canvas.stroke(bar, Palette::faintInk, 0.7 * point);
+    canvas.stroke(bar, Palette::faintInk, 0.7 * pt);
     double end = bar.left - bar.width;
     for (std::size_t i = 0; i < content.bounds.size(); ++i) {
         const std::string text = Loam::numberText(content.bounds[i]);
         const double x = bar.left + static_cast<double>(i + 1) * width;
-        const double half = canvas.textWidth(text, legendFontSize * point) / 2;
-        if (x - half < end + 4 * point)
+        const double half = canvas.textWidth(text, legendFontSize * pt) / 2;
+        if (x - half < end + 4 * pt)
             continue;
         end = x + half;
         drawLegendValue(canvas, bar, x, text);
     }
     if (content.hasUnknown) {
         constexpr std::string_view label = "no data";
-        const double left = bar.right() - canvas.textWidth(label, legendFontSize * point) - 22 * point;
-        const Rectangle box{left, bar.top - 24 * point, 16 * point, 10 * point};
+        const double left = bar.right() - canvas.textWidth(label, legendFontSize * pt) - 22 * pt;
+        const Rectangle box{left, bar.top - 24 * pt, 16 * pt, 10 * pt};
         canvas.fill(box, content.unknown);
-        canvas.stroke(box, Palette::faintInk, 0.7 * point);
-        canvas.text({bar.right(), bar.top - 15 * point}, label, legendFontSize * point, Palette::faintInk,
+        canvas.stroke(box, Palette::faintInk, 0.7 * pt);
+        canvas.text({bar.right(), bar.top - 15 * pt}, label, legendFontSize * pt, Palette::faintInk,
                     Canvas::Align::Right);
     }
 }

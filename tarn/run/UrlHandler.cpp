@@ -33,7 +33,7 @@ bool isSafe(const std::string& url)
 }
 
 // Returns the words of a command. An unclosed quote extends to the end.
-std::vector<std::string> wordsOf(std::string_view command)
+std::vector<std::string> unquotedWords(std::string_view command)
 {
     std::vector<std::string> words;
     bool isInside = false;
@@ -61,7 +61,7 @@ std::vector<std::string> wordsOf(std::string_view command)
 
 std::vector<std::string> argumentsOf(std::string_view command, const std::string& url)
 {
-    std::vector<std::string> arguments = wordsOf(command);
+    std::vector<std::string> arguments = unquotedWords(command);
     // Programs always run in the background.
     if (!arguments.empty() && arguments.back() == "&")
         arguments.pop_back();
