@@ -11,7 +11,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 macro(fathom_unity_build)
     if(NOT CMAKE_UNITY_BUILD)
         set(CMAKE_UNITY_BUILD ON)
-        set(CMAKE_UNITY_BUILD_BATCH_SIZE 16)
+        set(CMAKE_UNITY_BUILD_BATCH_SIZE 32)
         add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
     endif()
 endmacro()
@@ -33,6 +33,9 @@ if(FATHOM_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
 endif()
 
 # GCC takes the sources of a unity build for headers, in which unnamed namespaces are mistakes.
+# Collecting garbage takes a tenth of its time for large units, and saves a fifth of their memory.
 if(CMAKE_UNITY_BUILD)
-    add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+    add_compile_options(
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>
+        $<$<CXX_COMPILER_ID:GNU>:--param=ggc-min-heapsize=1000000>)
 endif()
