@@ -3,9 +3,11 @@
 from __future__ import annotations
 
 import csv
+import functools
 import os
 import pathlib
 import subprocess
+from collections.abc import Callable
 from typing import Any
 
 import numpy as np
@@ -17,6 +19,22 @@ from conftest import TOP
 NETWORKS = ["quakes/quakes.toml", "rain/rain.toml", "rain/quakes-over-rain.toml"]
 
 
+@pytest.fixture(scope="module")
+def tarn_results(tmp_path_factory: pytest.TempPathFactory) -> Callable[[str], pathlib.Path]:
+    """Returns the folder with what tarn writes for an example: table.csv and picture.png. It runs
+    each example once."""
+
+    @functools.cache
+    def run(name: str) -> pathlib.Path:
+        folder = tmp_path_factory.mktemp("results")
+        arguments = [f"--table={folder / 'table.csv'}", f"--set=picture.file={folder / 'picture.png'}"]
+        command = [os.environ["TARN_PROGRAM"], "run", TOP / "examples" / name, *arguments]
+        subprocess.run(command, check=True, capture_output=True)
+        return folder
+
+    return run
+
+
 def as_number(text: str) -> Any:
     try:
         return float(text)
@@ -25,13 +43,12 @@ def as_number(text: str) -> Any:
 
 
 @pytest.mark.parametrize("name", NETWORKS)
-def test_the_table_of_an_example_equals_that_of_tarn(name: str, tmp_path: pathlib.Path) -> None:
-    path = TOP / "examples" / name
-    file = tmp_path / "table.csv"
-    subprocess.run([os.environ["TARN_PROGRAM"], "run", path, f"--table={file}"], check=True, capture_output=True)
-    with open(file, encoding="utf-8", newline="") as lines:
+def test_the_table_of_an_example_equals_that_of_tarn(
+    name: str, tarn_results: Callable[[str], pathlib.Path]
+) -> None:
+    with open(tarn_results(name) / "table.csv", encoding="utf-8", newline="") as lines:
         rows = list(csv.reader(lines))
-    table = fa.load(path).table()
+    table = fa.load(TOP / "examples" / name).table()
     assert rows[0] == list(table)
     for index, column in enumerate(table.values()):
         expected = [as_number(row[index]) for row in rows[1:]]
@@ -42,17 +59,14 @@ def test_the_table_of_an_example_equals_that_of_tarn(name: str, tmp_path: pathli
 
 
 @pytest.mark.parametrize("name", ["quakes/quakes.toml", "rain/rain.toml"])
-def test_the_picture_of_an_example_equals_that_of_tarn(name: str, tmp_path: pathlib.Path) -> None:
-    path = TOP / "examples" / name
-    file = tmp_path / "picture.png"
-    subprocess.run(
-        [os.environ["TARN_PROGRAM"], "run", path, f"--set=picture.file={file}"], check=True, capture_output=True
-    )
-    net = fa.load(path)
+def test_the_picture_of_an_example_equals_that_of_tarn(
+    name: str, tarn_results: Callable[[str], pathlib.Path], tmp_path: pathlib.Path
+) -> None:
+    net = fa.load(TOP / "examples" / name)
     for _ in net.run():
         pass
     image = net["picture"].image
-    assert image.data == file.read_bytes()
+    assert image.data == (tarn_results(name) / "picture.png").read_bytes()
     assert image._repr_png_() == image.data and image.data.startswith(b"\x89PNG")
     image.save(tmp_path / "copy.png")
     assert (tmp_path / "copy.png").read_bytes() == image.data
