@@ -161,7 +161,8 @@ ASSIGNED = {
     "unsigned long long": (2**64 - 1, 2**64 - 1),
     "unsigned short": (2**16 - 1, 2**16 - 1),
 }
-CLIENT_TYPES = {"Moment", "Ticket", "TimeStep"}
+# Of the test objects, and of the examples that other tests may have loaded.
+CLIENT_TYPES = {"Moment", "Ticket", "TimeStep", "Catalogue", "Grid", "IsolineSet", "Land", "Layer"}
 ARRAYS = {"double[]", "float[]", "int16[]", "int32[]", "int64[]"}
 
 
