@@ -82,15 +82,15 @@ std::string shownOnATerminal(const std::string& network, unsigned short columns)
 
 // Long enough for the line to be drawn several times.
 const std::string longRun =
-    object("clock", "GlobalTime", "set = { time = '0[0,1]@0.0000005' }\n") + object("reader", "TimeReader");
+    object("clock", "GlobalTime", "set = { time = '0[0,1]@0.000002' }\n") + object("reader", "TimeReader");
 
 } // namespace
 
 TEST(Progress, isShownOnATerminalAndErasedAtTheEnd)
 {
     const std::string shown = shownOnATerminal(longRun, 100);
-    EXPECT_THAT(shown, testing::ContainsRegex("\\[[#.]+\\] [0-9]+/2000001, [0-9]+/s, [0-9]+s left"));
-    const std::string before = shown.substr(0, shown.find("2 objects, 2000001 steps"));
+    EXPECT_THAT(shown, testing::ContainsRegex("\\[[#.]+\\] [0-9]+/500001, [0-9]+/s, [0-9]+s left"));
+    const std::string before = shown.substr(0, shown.find("2 objects, 500001 steps"));
     EXPECT_LT(before.rfind("/s, "), before.rfind("\r\x1b[K")) << "the line is erased before the message";
 }
 
@@ -102,7 +102,7 @@ TEST(Progress, fitsATerminalOfTwentyColumns)
     for (auto at = shown.find(erase); at != std::string::npos; at = shown.find(erase, at + 1)) {
         const auto start = at + erase.size();
         const std::string line = shown.substr(start, shown.find_first_of("\r\n", start) - start);
-        if (line.find("/2000001") != std::string::npos) {
+        if (line.find("/500001") != std::string::npos) {
             EXPECT_LT(line.size(), 20u) << line;
             ++lines;
         }
