@@ -8,6 +8,7 @@
 #include <cxxabi.h>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -121,6 +122,17 @@ public:
         return true;
     }
 
+    void release(const std::type_info& type)
+    {
+        const std::string key = typeKey(type);
+        const std::lock_guard lock(m_mutex);
+        const auto entry = m_types.find(key);
+        if (entry == m_types.end() || entry->second.isSet)
+            return;
+        m_owners.erase(entry->second.name);
+        m_types.erase(entry);
+    }
+
 private:
     struct Type {
         std::string name;
@@ -173,6 +185,15 @@ bool setTypename(const std::type_info& type, const std::string& name)
 bool unsetTypename(const std::type_info& type)
 {
     return registry().unset(type);
+}
+
+void releaseTypename(const std::type_info& type) noexcept
+{
+    try {
+        if (isLocalToItsSourceFile(type))
+            registry().release(type);
+    } catch (const std::bad_alloc&) { // a later type of this name gets a longer one
+    }
 }
 
 } // namespace Loam

@@ -15,7 +15,7 @@ namespace Loam {
 ///
 /// Names are unique: if another type already has the plain name, the name is qualified with
 /// all its scopes ("Other::VTime") and numbered if that is not enough ("Other::VTime #2"). A
-/// type keeps its name until setTypename or unsetTypename changes it.
+/// type keeps its name until setTypename, unsetTypename or releaseTypename changes it.
 LOAM_API std::string Typename(const std::type_info& type);
 
 /// Returns the C++ name of a type with all its scopes, "Orla::VTime". Types local to different
@@ -32,5 +32,11 @@ LOAM_API bool setTypename(const std::type_info& type, const std::string& name);
 /// Removes the name that was set for a type; libraries call it before they are
 /// unloaded. Returns false if no name was set.
 LOAM_API bool unsetTypename(const std::type_info& type);
+
+/// Frees the default name of a type that is local to a source file; libraries call it before
+/// they are unloaded. Such a type is another one when its library is loaded again, and then
+/// gets the same name. Has no effect on other types, nor on a name that was set. If memory runs
+/// out, the type keeps its name.
+LOAM_API void releaseTypename(const std::type_info& type) noexcept;
 
 } // namespace Loam

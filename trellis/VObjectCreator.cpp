@@ -5,6 +5,7 @@
 
 #include <loam/Environment.hpp>
 #include <loam/TypeInfo.hpp>
+#include <loam/Typename.hpp>
 
 namespace Orla {
 
@@ -17,7 +18,10 @@ Detail::CreatorRegistry<VObjectCreator>* objectCreators()
 
 } // namespace
 
-VObjectCreator::~VObjectCreator() = default;
+VObjectCreator::~VObjectCreator()
+{
+    Loam::releaseTypename(*m_type);
+}
 
 std::string VObjectCreator::file() const
 {

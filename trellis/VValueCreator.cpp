@@ -4,6 +4,7 @@
 #include <trellis/detail/RegistryReport.hpp>
 
 #include <loam/TypeInfo.hpp>
+#include <loam/Typename.hpp>
 
 namespace Orla {
 
@@ -16,7 +17,10 @@ Detail::CreatorRegistry<VValueCreator>* valueCreators()
 
 } // namespace
 
-VValueCreator::~VValueCreator() = default;
+VValueCreator::~VValueCreator()
+{
+    Loam::releaseTypename(valueType());
+}
 
 bool VValueCreator::registerCreator(const WeakPtrImpl<VValueCreator>& creator, const std::string& name)
 {

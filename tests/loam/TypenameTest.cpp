@@ -246,6 +246,33 @@ TEST(UnsetTypename, releasesTheNameToATypeOfThatPlainName)
     EXPECT_EQ(nameOf("N4Mila7VacancyE"), "Vacancy");
 }
 
+TEST(ReleaseTypename, leavesTheNameToTheTypeOfTheReloadedLibrary)
+{
+    const std::string before = "N12_GLOBAL__N_18ReloadedE";
+    const std::string after = before;
+    EXPECT_EQ(nameOf(before.c_str()), "Reloaded");
+    releaseTypename(ForeignType(before.c_str()));
+    EXPECT_EQ(nameOf(after.c_str()), "Reloaded");
+    releaseTypename(ForeignType(before.c_str())); // has no name
+    EXPECT_EQ(nameOf(after.c_str()), "Reloaded");
+}
+
+TEST(ReleaseTypename, keepsANameThatWasSet)
+{
+    const std::string local = "N12_GLOBAL__N_15NamedE";
+    ASSERT_TRUE(setTypename(ForeignType(local.c_str()), "named by hand"));
+    releaseTypename(ForeignType(local.c_str()));
+    EXPECT_EQ(nameOf(local.c_str()), "named by hand");
+}
+
+TEST(ReleaseTypename, keepsTheNameOfATypeThatOtherLibrariesMayHave)
+{
+    EXPECT_EQ(nameOf("N4Mila6CommonE"), "Common");
+    releaseTypename(ForeignType("N4Mila6CommonE"));
+    EXPECT_EQ(nameOf("N5Other6CommonE"), "Other::Common");
+    EXPECT_EQ(nameOf("N4Mila6CommonE"), "Common");
+}
+
 TEST(Typename, isUniqueWhenThreadsQueryConcurrently)
 {
     constexpr int threadCount = 8;

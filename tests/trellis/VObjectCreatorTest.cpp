@@ -3,6 +3,7 @@
 #include "support/TestNetwork.hpp"
 
 #include <loam/Environment.hpp>
+#include <loam/Typename.hpp>
 
 #include <optional>
 
@@ -28,6 +29,18 @@ struct Ticker : Node {
 struct Counter : Ticker {
     using Ticker::Ticker;
 };
+
+// As of a library that was loaded again: types of one name, local to different files.
+namespace First {
+struct Twin : Ticker {
+    using Ticker::Ticker;
+};
+} // namespace First
+namespace Second {
+struct Twin : Ticker {
+    using Ticker::Ticker;
+};
+} // namespace Second
 
 class VObjectCreatorTest : public FrameworkTest {};
 
@@ -69,6 +82,15 @@ TEST_F(VObjectCreatorTest, isRemovedWithItsLibrary)
     }
     EXPECT_FALSE(VObjectCreator::find("Ticker"));
     EXPECT_THAT(VObjectCreator::names(), Not(Contains("Ticker")));
+}
+
+TEST_F(VObjectCreatorTest, releasesTheNameOfALocalTypeForTheReloadedLibrary)
+{
+    {
+        const VObjectType<First::Twin> type{"Twin"};
+        EXPECT_EQ(Loam::Typename(typeid(First::Twin)), "Twin");
+    }
+    EXPECT_EQ(Loam::Typename(typeid(Second::Twin)), "Twin");
 }
 
 TEST_F(VObjectCreatorTest, belongsToTheFileOfItsClassOrTheOneItNames)

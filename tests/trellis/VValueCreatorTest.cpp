@@ -3,6 +3,7 @@
 #include "support/TestNetwork.hpp"
 
 #include <loam/TypeInfo.hpp>
+#include <loam/Typename.hpp>
 
 namespace VValueCreatorTest {
 
@@ -26,6 +27,14 @@ struct Creator : VValueCreator {
         return value;
     }
 };
+
+// As of a library that was loaded again: types of one name, local to different files.
+namespace First {
+struct Depth {};
+} // namespace First
+namespace Second {
+struct Depth {};
+} // namespace Second
 
 class VValueCreatorTest : public FrameworkTest {};
 
@@ -97,6 +106,19 @@ TEST_F(VValueCreatorTest, mayHaveSeveralNames)
     EXPECT_EQ(VValueCreator::find("another name"), creator);
     EXPECT_THAT(VValueCreator::names(), testing::IsSupersetOf({"another name", "one name"}));
     EXPECT_TRUE(std::ranges::is_sorted(VValueCreator::names()));
+}
+
+TEST_F(VValueCreatorTest, releasesTheNameOfALocalTypeForTheReloadedLibrary)
+{
+    struct Maker : VValueCreator {
+        Maker() : VValueCreator{typeid(First::Depth)} {}
+        StrongPtr<VValueBase> create(const std::string&, bool&) override { return nullptr; }
+    };
+    {
+        const auto creator = Loam::makeStrong<Maker>();
+        EXPECT_EQ(Loam::Typename(typeid(First::Depth)), "Depth");
+    }
+    EXPECT_EQ(Loam::Typename(typeid(Second::Depth)), "Depth");
 }
 
 TEST_F(VValueCreatorTest, listsEveryRegisteredCreatorOfAName)
