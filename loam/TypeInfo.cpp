@@ -14,7 +14,7 @@ public:
     explicit SameName(const char* name) : std::type_info(name) {}
 };
 
-bool isLocal(const std::type_info& type, const std::string& nameCopy)
+bool isLocalToItsSourceFile(const std::type_info& type, const std::string& nameCopy)
 {
     // GCC marks these types, so the comparison detects them. Clang does not, so look
     // for the name of an unnamed namespace. (Under Clang, a type inside a static
@@ -24,15 +24,10 @@ bool isLocal(const std::type_info& type, const std::string& nameCopy)
 
 } // namespace
 
-bool isLocalToItsSourceFile(const std::type_info& type)
-{
-    return isLocal(type, type.name());
-}
-
 std::string typeKey(const std::type_info& type)
 {
     std::string key = type.name();
-    if (isLocal(type, key)) {
+    if (isLocalToItsSourceFile(type, key)) {
         // The address of the name, which std::type_info compares; several objects may
         // share one name.
         key += '@';

@@ -49,10 +49,6 @@ private:
 /// share that name, so an address is appended to theirs.
 LOAM_API std::string typeKey(const std::type_info& type);
 
-/// Returns true if a type is local to a source file, as those in unnamed namespaces are: other
-/// files may have types of its name, and it is another type when its library is loaded again.
-LOAM_API bool isLocalToItsSourceFile(const std::type_info& type);
-
 } // namespace Loam
 
 template<>

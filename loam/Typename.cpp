@@ -110,27 +110,13 @@ public:
         return true;
     }
 
-    bool unset(const std::type_info& type)
-    {
-        const std::string key = typeKey(type);
-        const std::lock_guard lock(m_mutex);
-        const auto entry = m_types.find(key);
-        if (entry == m_types.end() || !entry->second.isSet)
-            return false;
-        m_owners.erase(entry->second.name);
-        m_types.erase(entry);
-        return true;
-    }
+    bool unset(const std::type_info& type) { return erase(typeKey(type), true); }
 
     void release(const std::type_info& type)
     {
         const std::string key = typeKey(type);
-        const std::lock_guard lock(m_mutex);
-        const auto entry = m_types.find(key);
-        if (entry == m_types.end() || entry->second.isSet)
-            return;
-        m_owners.erase(entry->second.name);
-        m_types.erase(entry);
+        if (key != type.name()) // has an address, so the type is local to a source file
+            erase(key, false);
     }
 
 private:
@@ -138,6 +124,18 @@ private:
         std::string name;
         bool isSet = false;
     };
+
+    // Removes the name of a type if it was set, or if it was not.
+    bool erase(const std::string& key, bool isSet)
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto entry = m_types.find(key);
+        if (entry == m_types.end() || entry->second.isSet != isSet)
+            return false;
+        m_owners.erase(entry->second.name);
+        m_types.erase(entry);
+        return true;
+    }
 
     std::string freeName(const std::type_info& type) const
     {
@@ -190,8 +188,7 @@ bool unsetTypename(const std::type_info& type)
 void releaseTypename(const std::type_info& type) noexcept
 {
     try {
-        if (isLocalToItsSourceFile(type))
-            registry().release(type);
+        registry().release(type);
     } catch (const std::bad_alloc&) { // a later type of this name gets a longer one
     }
 }

@@ -128,13 +128,6 @@ TEST(TypeKey, distinguishesNamesakesMarkedAsLocalByTheCompiler)
     EXPECT_EQ(typeKey(type), typeKey(type));
 }
 
-TEST(TypeInfo, ofALocalTypeBelongsToItsSourceFile)
-{
-    EXPECT_TRUE(isLocalToItsSourceFile(typeid(Local)));
-    EXPECT_FALSE(isLocalToItsSourceFile(typeid(TypeInfo)));
-    EXPECT_FALSE(isLocalToItsSourceFile(typeid(double)));
-}
-
 TEST(TypeKey, ownsItsText)
 {
     std::string name = "N5Vivid5ColorE";
